@@ -1,0 +1,62 @@
+# Helpers that keep the folders' own lists short.
+
+function(vel_subdirectory folder)
+  if(EXISTS "${CMAKE_SOURCE_DIR}/${folder}/CMakeLists.txt")
+    add_subdirectory("${CMAKE_SOURCE_DIR}/${folder}" "${CMAKE_BINARY_DIR}/${folder}")
+  endif()
+endfunction()
+
+function(vel_warnings target)
+  target_compile_options(${target} PRIVATE
+    "$<$<COMPILE_LANGUAGE:C,CXX>:-Wall;-Wextra;-Werror;-Wshadow;-Wvla>"
+    "$<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor;-Woverloaded-virtual>")
+endfunction()
+
+# A shared library of the suite: vel_suite_library(velutil VelUtil SOURCES ... LIBS ...)
+# Defines <TARGET>_EXPORTS while the library itself is compiled, as CMake does.
+function(vel_suite_library target output)
+  cmake_parse_arguments(arg "" "" "SOURCES;LIBS" ${ARGN})
+  add_library(${target} SHARED ${arg_SOURCES})
+  set_target_properties(${target} PROPERTIES OUTPUT_NAME ${output} PREFIX "")
+  target_include_directories(${target} PUBLIC "${CMAKE_SOURCE_DIR}")
+  target_link_libraries(${target} PUBLIC ${arg_LIBS})
+  vel_warnings(${target})
+endfunction()
+
+# Tests of plain rules; run natively under the sanitizers and once more as a Windows program.
+# vel_rules_test(chart_rules_test chart_rules_test.cpp [LIBS ...])
+function(vel_rules_test name)
+  cmake_parse_arguments(arg "" "" "LIBS" ${ARGN})
+  add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
+  target_link_libraries(${name} PRIVATE veldlgs_rules ${arg_LIBS} GTest::gmock GTest::gtest_main)
+  vel_warnings(${name})
+  if(WIN32)
+    add_test(NAME ${name} COMMAND "${CMAKE_SOURCE_DIR}/tools/wine-run" $<TARGET_FILE:${name}>)
+  else()
+    add_test(NAME ${name} COMMAND ${name})
+  endif()
+  set_tests_properties(${name} PROPERTIES TIMEOUT 120)
+endfunction()
+
+# Tests that need Windows: real windows, databases and files, under Wine.
+# vel_windows_test(sheet_test sheet_test.cpp LIBS velctl [SHARDS 4])
+# SHARDS splits a slow program into that many parallel CTest entries by GoogleTest's own sharding.
+function(vel_windows_test name)
+  cmake_parse_arguments(arg "" "SHARDS" "LIBS" ${ARGN})
+  add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
+  target_link_libraries(${name} PRIVATE vel_test_support ${arg_LIBS} GTest::gmock GTest::gtest)
+  vel_warnings(${name})
+  if(NOT arg_SHARDS)
+    set(arg_SHARDS 1)
+  endif()
+  math(EXPR last "${arg_SHARDS} - 1")
+  foreach(shard RANGE ${last})
+    set(test "${name}")
+    if(arg_SHARDS GREATER 1)
+      set(test "${name}.${shard}")
+    endif()
+    add_test(NAME ${test} COMMAND "${CMAKE_SOURCE_DIR}/tools/wine-run" $<TARGET_FILE:${name}>)
+    set_tests_properties(${test} PROPERTIES TIMEOUT 240
+      ENVIRONMENT "GTEST_TOTAL_SHARDS=${arg_SHARDS};GTEST_SHARD_INDEX=${shard}")
+  endforeach()
+endfunction()
