@@ -1,0 +1,51 @@
+// What the five pages of the patient information sheet have in common.
+#pragma once
+
+#include "suite/dialogs/mfcpropertypage.h"
+
+class dbCPatient;
+class patCChartSheet;
+
+/// The pages in tab order; the sheet's flags and SetActivePage use the same numbers.
+enum patPAGE
+{
+    PAT_PAGE_CHART,
+    PAT_PAGE_DETAIL,
+    PAT_PAGE_GUARDIAN,
+    PAT_PAGE_REFERRAL,
+    PAT_PAGE_INSURANCE,
+    PAT_PAGE_COUNT
+};
+
+/// One page of patCChartSheet. It belongs to the sheet as a member and lives on the host's user interface
+/// thread. The first time it is shown it raises its flag in the sheet: a page without the flag has no window,
+/// is neither checked nor copied, and contributes nothing to the record.
+class patCSheetPage : public mfcCPropertyPage
+{
+public:
+    patCSheetPage(patCChartSheet& sheet, UINT nIDTemplate, patPAGE nPage);
+
+    /// Runs the checks that hold both on leaving the page and on the sheet's OK, on the values of the last
+    /// UpdateData(TRUE). A failing check shows its message, if it has one, and moves the focus to the control at
+    /// fault, with this page brought to the front.
+    /// Returns true when the page passes.
+    virtual bool Check();
+
+    /// Copies the page's values into the record. Called only after every check of the sheet has passed, inside
+    /// the sheet's database transaction. Throws dbCException* when the database fails.
+    virtual void CopyTo(dbCPatient& patient) = 0;
+
+protected:
+    /// Raises the page's flag in the sheet.
+    BOOL OnSetActive() override;
+    /// Transfers the controls into the members and runs Check(). The user stays on the page when either fails.
+    BOOL OnKillActive() override;
+    /// F1 anywhere on the page opens the page's help topic.
+    BOOL PreTranslateMessage(MSG* pMsg) override;
+
+    patCChartSheet& m_sheet;
+
+private:
+    const UINT m_nTemplate;
+    const patPAGE m_nPage;
+};
