@@ -1,0 +1,31 @@
+#include "app/nameformat.h"
+
+#include <utility>
+
+nameFormatter::nameFormatter(nameSettings settings) : m_settings(std::move(settings))
+{
+}
+
+std::string nameFormatter::Format(const std::string& given, const std::string& family, NAMEORDER order)
+{
+    const bool settingDecides = order == NAMEORDER_DEFAULT || order == NAMEORDER_FIRST_LAST;
+    const bool familyFirst = settingDecides ? IsFamilyNameFirst() : order == NAMEORDER_LAST_FIRST;
+    return familyFirst ? family + GetSeparator() + given : given + " " + family;
+}
+
+bool nameFormatter::IsFamilyNameFirst()
+{
+    if (!m_familyNameFirst)
+        m_familyNameFirst = m_settings.familyNameFirst() != 0;
+    return *m_familyNameFirst;
+}
+
+const std::string& nameFormatter::GetSeparator()
+{
+    if (!m_separator)
+    {
+        const std::optional<std::string> configured = m_settings.separator();
+        m_separator = configured ? *configured + " " : ", ";
+    }
+    return *m_separator;
+}
