@@ -1,0 +1,175 @@
+// CString: narrow text in the system code page. Included through afx.h.
+#pragma once
+
+// Owns its text. A length or index out of range is met as MFC's CString does: counts are cut to what is
+// there, an index outside the text throws CInvalidArgException.
+class AFX_DLL_CLASS CString
+{
+public:
+    using XCHAR = char;
+    using PXSTR = char*;
+    using PCXSTR = const char*;
+
+    CString() = default;
+    CString(const CString& strSrc) = default;
+    CString(CString&& strSrc) noexcept = default;
+    // Null gives an empty text; a MAKEINTRESOURCE value loads the string resource.
+    CString(LPCSTR lpsz);
+    CString(LPCSTR lpch, int nLength);
+    explicit CString(const unsigned char* psz);
+    // Converted to the system code page.
+    CString(LPCWSTR lpsz);
+    CString(LPCWSTR lpch, int nLength);
+    explicit CString(char ch, int nRepeat = 1);
+    ~CString() = default;
+
+    CString& operator=(const CString& strSrc) = default;
+    CString& operator=(CString&& strSrc) noexcept = default;
+    CString& operator=(LPCSTR lpsz);
+    CString& operator=(LPCWSTR lpsz);
+    CString& operator=(char ch);
+
+    int GetLength() const
+    {
+        return static_cast<int>(m_str.length());
+    }
+    BOOL IsEmpty() const
+    {
+        return m_str.empty();
+    }
+    void Empty();
+    char GetAt(int nIndex) const;
+    char operator[](int nIndex) const
+    {
+        return GetAt(nIndex);
+    }
+    void SetAt(int nIndex, char ch);
+    operator LPCSTR() const
+    {
+        return m_str.c_str();
+    }
+    LPCSTR GetString() const
+    {
+        return m_str.c_str();
+    }
+    void SetString(LPCSTR lpsz);
+    void SetString(LPCSTR lpsz, int nLength);
+
+    CString& operator+=(const CString& str);
+    CString& operator+=(LPCSTR lpsz);
+    CString& operator+=(LPCWSTR lpsz);
+    CString& operator+=(char ch);
+    void Append(LPCSTR lpsz);
+    void Append(LPCSTR lpsz, int nLength);
+    void Append(const CString& str);
+    void AppendChar(char ch);
+
+    // Byte order; locale order for the Collate pair; both NoCase forms fold by the system's rules.
+    int Compare(LPCSTR lpsz) const;
+    int CompareNoCase(LPCSTR lpsz) const;
+    int Collate(LPCSTR lpsz) const;
+    int CollateNoCase(LPCSTR lpsz) const;
+
+    CString Mid(int nFirst) const;
+    CString Mid(int nFirst, int nCount) const;
+    CString Left(int nCount) const;
+    CString Right(int nCount) const;
+    CString SpanIncluding(LPCSTR lpszCharSet) const;
+    CString SpanExcluding(LPCSTR lpszCharSet) const;
+    // The next token from iStart on; at the end an empty text, and iStart becomes -1.
+    CString Tokenize(LPCSTR lpszTokens, int& iStart) const;
+
+    CString& MakeUpper();
+    CString& MakeLower();
+    CString& MakeReverse();
+    CString& Trim();
+    CString& Trim(char chTarget);
+    CString& Trim(LPCSTR lpszTargets);
+    CString& TrimLeft();
+    CString& TrimLeft(char chTarget);
+    CString& TrimLeft(LPCSTR lpszTargets);
+    CString& TrimRight();
+    CString& TrimRight(char chTarget);
+    CString& TrimRight(LPCSTR lpszTargets);
+
+    // These answer how many were replaced or removed, or the new length.
+    int Replace(char chOld, char chNew);
+    int Replace(LPCSTR lpszOld, LPCSTR lpszNew);
+    int Remove(char chRemove);
+    int Insert(int nIndex, char ch);
+    int Insert(int nIndex, LPCSTR psz);
+    int Delete(int nIndex, int nCount = 1);
+
+    // Index of the find, or -1.
+    int Find(char ch, int nStart = 0) const;
+    int Find(LPCSTR lpszSub, int nStart = 0) const;
+    int ReverseFind(char ch) const;
+    int FindOneOf(LPCSTR lpszCharSet) const;
+
+    AFX_PRINTF_FORMAT(2, 3) void Format(LPCSTR lpszFormat, ...);
+    void Format(UINT nFormatID, ...);
+    void FormatV(LPCSTR lpszFormat, va_list args);
+    AFX_PRINTF_FORMAT(2, 3) void AppendFormat(LPCSTR lpszFormat, ...);
+    void AppendFormat(UINT nFormatID, ...);
+    void AppendFormatV(LPCSTR lpszFormat, va_list args);
+    // Inserts of the system's kind: "%1", "%2!d!".
+    void FormatMessage(LPCSTR lpszFormat, ...);
+    void FormatMessage(UINT nFormatID, ...);
+    void FormatMessageV(LPCSTR lpszFormat, va_list* pArgs);
+
+    // FALSE, with the text left alone, when there is no such string resource.
+    BOOL LoadString(UINT nID);
+    BOOL LoadString(HINSTANCE hInstance, UINT nID);
+    BOOL GetEnvironmentVariable(LPCSTR lpszVar);
+
+    // Between GetBuffer and ReleaseBuffer no other member may be called. The buffer takes at least
+    // nMinBufferLength characters and a terminator.
+    LPSTR GetBuffer();
+    LPSTR GetBuffer(int nMinBufferLength);
+    LPSTR GetBufferSetLength(int nLength);
+    void ReleaseBuffer(int nNewLength = -1);
+    void ReleaseBufferSetLength(int nNewLength);
+    void Preallocate(int nLength);
+    void FreeExtra();
+    int GetAllocLength() const;
+
+    // As a new BSTR that the caller frees.
+    BSTR AllocSysString() const;
+    void AnsiToOem();
+    void OemToAnsi();
+
+    static int StringLength(LPCSTR psz);
+
+private:
+    std::string m_str;
+};
+
+using CStringA = CString;
+
+AFX_DLL_API CString operator+(const CString& str1, const CString& str2);
+AFX_DLL_API CString operator+(const CString& str1, LPCSTR lpsz2);
+AFX_DLL_API CString operator+(LPCSTR lpsz1, const CString& str2);
+AFX_DLL_API CString operator+(const CString& str1, char ch2);
+AFX_DLL_API CString operator+(char ch1, const CString& str2);
+
+// clang-format off
+inline bool operator==(const CString& s1, const CString& s2) { return s1.Compare(s2) == 0; }
+inline bool operator==(const CString& s1, LPCSTR s2) { return s1.Compare(s2) == 0; }
+inline bool operator==(LPCSTR s1, const CString& s2) { return s2.Compare(s1) == 0; }
+inline bool operator==(const CString& s1, char ch2) { return s1.GetLength() == 1 && s1[0] == ch2; }
+inline bool operator!=(const CString& s1, const CString& s2) { return s1.Compare(s2) != 0; }
+inline bool operator!=(const CString& s1, LPCSTR s2) { return s1.Compare(s2) != 0; }
+inline bool operator!=(LPCSTR s1, const CString& s2) { return s2.Compare(s1) != 0; }
+inline bool operator<(const CString& s1, const CString& s2) { return s1.Compare(s2) < 0; }
+inline bool operator<(const CString& s1, LPCSTR s2) { return s1.Compare(s2) < 0; }
+inline bool operator<(LPCSTR s1, const CString& s2) { return s2.Compare(s1) > 0; }
+inline bool operator>(const CString& s1, const CString& s2) { return s1.Compare(s2) > 0; }
+inline bool operator>(const CString& s1, LPCSTR s2) { return s1.Compare(s2) > 0; }
+inline bool operator>(LPCSTR s1, const CString& s2) { return s2.Compare(s1) < 0; }
+inline bool operator<=(const CString& s1, const CString& s2) { return s1.Compare(s2) <= 0; }
+inline bool operator<=(const CString& s1, LPCSTR s2) { return s1.Compare(s2) <= 0; }
+inline bool operator<=(LPCSTR s1, const CString& s2) { return s2.Compare(s1) >= 0; }
+inline bool operator>=(const CString& s1, const CString& s2) { return s1.Compare(s2) >= 0; }
+inline bool operator>=(const CString& s1, LPCSTR s2) { return s1.Compare(s2) >= 0; }
+inline bool operator>=(LPCSTR s1, const CString& s2) { return s2.Compare(s1) <= 0; }
+// clang-format on

@@ -1,0 +1,2 @@
+# Sources of the framework's base: strings, exceptions, files, archives, collections and dates.
+set(velmfc_base_sources)
