@@ -1,21 +1,11 @@
 // What the five pages of the patient information sheet have in common.
 #pragma once
 
+#include "patient/sheetrules.h"
 #include "suite/dialogs/mfcpropertypage.h"
 
 class dbCPatient;
 class patCChartSheet;
-
-/// The pages in tab order; the sheet's flags and SetActivePage use the same numbers.
-enum patPAGE
-{
-    PAT_PAGE_CHART,
-    PAT_PAGE_DETAIL,
-    PAT_PAGE_GUARDIAN,
-    PAT_PAGE_REFERRAL,
-    PAT_PAGE_INSURANCE,
-    PAT_PAGE_COUNT
-};
 
 /// One page of patCChartSheet. It belongs to the sheet as a member and lives on the host's user interface
 /// thread. The first time it is shown it raises its flag in the sheet: a page without the flag has no window,

@@ -1,0 +1,36 @@
+// The rules of the guardian page.
+#pragma once
+
+#include "patient/finding.h"
+
+#include <string_view>
+
+inline constexpr int PAT_MAX_TITLE = 10;
+
+/// The texts of the guardian page that tell whether a guardian is being entered. The country is not among them:
+/// it is filled in beforehand.
+struct patGuardianTexts
+{
+    std::string_view nickname;
+    std::string_view title;
+    std::string_view notes;
+    std::string_view company;
+    std::string_view street;
+    std::string_view city;
+    std::string_view state;
+    std::string_view postalCode;
+    std::string_view email;
+    std::string_view phone1;
+    std::string_view phone2;
+    std::string_view firstname;
+    std::string_view lastname;
+};
+
+/// True when no guardian is being entered.
+bool patIsGuardianEmpty(const patGuardianTexts& guardian);
+
+/// A guardian that is being entered needs a given and a family name; blanks count as text.
+patFinding patCheckGuardian(const patGuardianTexts& guardian);
+
+/// True when the guardian's family name, blanks at both ends aside, names a billing party.
+bool patIsBillingParty(std::string_view guardianLastname);

@@ -1,0 +1,23 @@
+#include "patient/insurancerules.h"
+
+#include "patient/patientres.h"
+#include "patient/textrules.h"
+
+patFinding patCheckInsuranceEntry(bool bChanged)
+{
+    return bChanged ? patFinding::Failed(IDS_INSURE_UNFINISHED, IDC_INSURE_ADD) : patFinding{};
+}
+
+patFinding patCheckInsurance(const patInsurance& entry, const std::vector<patInsurance>& insurances, int nReplaced)
+{
+    if (patIsBlank(entry.strCompany))
+        return patFinding::Failed(IDS_INSURE_NO_COMPANY, IDC_INSURE_COMPANY);
+    for (int i = 0; i < static_cast<int>(insurances.size()); ++i)
+    {
+        const patInsurance& other = insurances[static_cast<std::size_t>(i)];
+        if (i != nReplaced && patEqualNoCase(other.strCompany, entry.strCompany) &&
+            other.strPolicyNumber == entry.strPolicyNumber)
+            return patFinding::Failed(IDS_INSURE_TWICE, IDC_INSURE_NUMBER, entry.strCompany);
+    }
+    return {};
+}
