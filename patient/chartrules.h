@@ -62,13 +62,13 @@ template <std::size_t N> constexpr int patFindCode(const std::array<patCODE, N>&
 /// ID, given name and family name must not be empty. Blanks count as text.
 patFinding patCheckRequired(std::string_view id, std::string_view firstname, std::string_view lastname);
 
-/// At most PAT_MAX_ID characters, else it fails without a message (the field does not take more); only capital
-/// letters, digits, "_" and "-".
+/// At most PAT_MAX_ID characters, else it fails without a message (the field does not take more); only
+/// capital letters, digits, "_" and "-".
 patFinding patCheckID(std::string_view id);
 
 /// A phone number needs a type; a type needs no number. nPhone is 1 or 2, nTypeControl the type's list.
 patFinding patCheckPhone(std::string_view number, bool bHasType, int nPhone, unsigned nTypeControl);
 
-/// Whether an existing patient's ID is the one it was loaded with, ignoring the case of A to Z. Such an ID needs
-/// no look-up in the patient list.
+/// Whether an existing patient's ID is the one it was loaded with, ignoring the case of A to Z. Such an ID
+/// needs no look-up in the patient list.
 bool patIsOwnID(bool bNewPatient, std::string_view id, std::string_view loadedID);

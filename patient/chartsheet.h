@@ -18,16 +18,16 @@
 /// The tabbed sheet behind NewPatientDlg, NewPatientDlgWithData and ChangePatientDlg.
 ///
 /// It lives for one modal run on the host's user interface thread. It owns its five pages, and the patient
-/// record unless the caller gave one. OK checks the opened pages in a fixed order, asks its two questions, writes
-/// the record in one database transaction and only then closes with IDOK; until then neither the record nor the
-/// database is touched. The patient list comes from the application object.
+/// record unless the caller gave one. OK checks the opened pages in a fixed order, asks its two questions,
+/// writes the record in one database transaction and only then closes with IDOK; until then neither the
+/// record nor the database is touched. The patient list comes from the application object.
 class patCChartSheet : public CPropertySheet
 {
     DECLARE_DYNAMIC(patCChartSheet)
 
 public:
-    /// resultId receives the saved patient's ID on OK and is not touched otherwise; it must outlive the sheet.
-    /// existingId: the ID or the GUID of the patient to change; null or empty for a new patient.
+    /// resultId receives the saved patient's ID on OK and is not touched otherwise; it must outlive the
+    /// sheet. existingId: the ID or the GUID of the patient to change; null or empty for a new patient.
     /// initialData: a record of the caller's whose values fill the chart page and which receives the result;
     /// null lets the sheet work on a record of its own.
     patCChartSheet(CString& resultId, LPCTSTR caption, CWnd* parent, UINT startPage, LPCTSTR existingId,
@@ -35,36 +35,60 @@ public:
     ~patCChartSheet() override;
 
     /// The record being edited. For an existing patient it is loaded by the chart page's initialisation.
-    dbCPatient& GetPatient() { return *m_pPatient; }
+    dbCPatient& GetPatient()
+    {
+        return *m_pPatient;
+    }
 
     /// True while a new patient is entered, with or without initial data.
-    bool IsNewPatient() const { return m_strExistingID.IsEmpty() != FALSE; }
+    bool IsNewPatient() const
+    {
+        return m_strExistingID.IsEmpty() != FALSE;
+    }
 
     /// True when the caller gave a record that fills the chart page.
-    bool HasInitialData() const { return m_pOwnPatient == nullptr; }
+    bool HasInitialData() const
+    {
+        return m_pOwnPatient == nullptr;
+    }
 
     /// The patient's current ID or GUID as the caller gave it; empty for a new patient.
-    const CString& GetExistingID() const { return m_strExistingID; }
+    const CString& GetExistingID() const
+    {
+        return m_strExistingID;
+    }
 
     /// The country that new addresses start with; may be empty.
-    const CString& GetDefaultCountry() const { return m_strDefaultCountry; }
+    const CString& GetDefaultCountry() const
+    {
+        return m_strDefaultCountry;
+    }
 
-    /// Loads the record of the existing patient on the first call. Returns false, after a message, when it cannot
-    /// be loaded; from then on the sheet can only be cancelled.
+    /// Loads the record of the existing patient on the first call. Returns false, after a message, when it
+    /// cannot be loaded; from then on the sheet can only be cancelled.
     bool LoadExistingPatient();
 
     /// Notes that a page's window exists, so that OK checks and copies the page.
-    void SetPageInitialised(int nPage) { m_bPageInitialised[nPage] = TRUE; }
-    bool IsPageInitialised(int nPage) const { return m_bPageInitialised[nPage] != FALSE; }
+    void SetPageInitialised(int nPage)
+    {
+        m_bPageInitialised[nPage] = TRUE;
+    }
+    bool IsPageInitialised(int nPage) const
+    {
+        return m_bPageInitialised[nPage] != FALSE;
+    }
 
-    /// Empties a drop-down list and fills it with the phone types. Entry 0 is empty and means no type; the item
-    /// data of the others is the type's code in the database.
+    /// Empties a drop-down list and fills it with the phone types. Entry 0 is empty and means no type; the
+    /// item data of the others is the type's code in the database.
     static void FillPhoneTypes(CComboBox& list);
 
     /// Brings a page to the front without running the checks of the page that is left.
     void ShowPage(int nPage);
     /// True while ShowPage changes the page.
-    bool IsShowingPage() const { return m_bShowingPage; }
+    bool IsShowingPage() const
+    {
+        return m_bShowingPage;
+    }
 
 protected:
     BOOL OnInitDialog() override;

@@ -7,9 +7,9 @@
 
 #include "patient/sheetpage.h"
 
-/// Page 1 of the patient information sheet. It is filled when it is first shown, checked whenever the user leaves
-/// it, and copied into the record on the sheet's OK. It owns its controls and the text of its fields; the
-/// teeth-information control works on the sheet's record.
+/// Page 1 of the patient information sheet. It is filled when it is first shown, checked whenever the user
+/// leaves it, and copied into the record on the sheet's OK. It owns its controls and the text of its fields;
+/// the teeth-information control works on the sheet's record.
 class patCDlgChart : public patCSheetPage
 {
 public:
@@ -19,7 +19,8 @@ public:
     bool Check() override;
     void CopyTo(dbCPatient& patient) override;
 
-    /// True when the ID may be given to the record; otherwise shows the message and selects the text of the ID.
+    /// True when the ID may be given to the record; otherwise shows the message and selects the text of the
+    /// ID.
     bool CheckUniqueID();
     /// Tells that the ID is taken: message, focus on the ID field, its text selected.
     void ReportTakenID();
@@ -28,12 +29,27 @@ public:
     bool HasAddress() const;
 
     /// Whether the teeth-information control has to write its edits into the record on the sheet's OK.
-    bool HasTeethControl() const { return m_wndTeeth.m_hWnd != nullptr && m_wndTeeth.IsWindowEnabled(); }
+    bool HasTeethControl() const
+    {
+        return m_wndTeeth.m_hWnd != nullptr && m_wndTeeth.IsWindowEnabled();
+    }
 
-    const CString& GetID() const { return m_strID; }
-    const CString& GetFirstname() const { return m_strFirstname; }
-    const CString& GetLastname() const { return m_strLastname; }
-    const COleDateTime& GetBirthdate() const { return m_dateBirth; }
+    const CString& GetID() const
+    {
+        return m_strID;
+    }
+    const CString& GetFirstname() const
+    {
+        return m_strFirstname;
+    }
+    const CString& GetLastname() const
+    {
+        return m_strLastname;
+    }
+    const COleDateTime& GetBirthdate() const
+    {
+        return m_dateBirth;
+    }
 
 protected:
     void DoDataExchange(CDataExchange* pDX) override;

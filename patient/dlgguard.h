@@ -7,8 +7,8 @@
 
 #include "patient/sheetpage.h"
 
-/// Page 3 of the patient information sheet: one person record of the database, attached to the patient. The page
-/// owns its controls and the text of its fields.
+/// Page 3 of the patient information sheet: one person record of the database, attached to the patient. The
+/// page owns its controls and the text of its fields.
 class patCDlgGuard : public patCSheetPage
 {
 public:
@@ -19,7 +19,10 @@ public:
     /// Writes the guardian with address and phones. An empty page writes no guardian and removes none.
     void CopyTo(dbCPatient& patient) override;
 
-    const CString& GetLastname() const { return m_strLastname; }
+    const CString& GetLastname() const
+    {
+        return m_strLastname;
+    }
 
 protected:
     void DoDataExchange(CDataExchange* pDX) override;

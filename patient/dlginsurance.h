@@ -9,8 +9,8 @@
 
 #include <vector>
 
-/// Page 5 of the patient information sheet. The user picks or types a company, names the policy holder and the
-/// policy number and adds them to the list. The list reaches the record on the sheet's OK.
+/// Page 5 of the patient information sheet. The user picks or types a company, names the policy holder and
+/// the policy number and adds them to the list. The list reaches the record on the sheet's OK.
 class patCDlgInsurance : public patCSheetPage
 {
 public:

@@ -10,9 +10,9 @@
 
 #include <vector>
 
-/// Page 4 of the patient information sheet. The user picks a doctor, a date and a note and adds them to the list;
-/// selecting a row brings it back into the fields to be changed or removed. The list reaches the record on the
-/// sheet's OK.
+/// Page 4 of the patient information sheet. The user picks a doctor, a date and a note and adds them to the
+/// list; selecting a row brings it back into the fields to be changed or removed. The list reaches the record
+/// on the sheet's OK.
 class patCDlgRefer : public patCSheetPage
 {
 public:

@@ -3,8 +3,8 @@
 
 #include <string>
 
-/// The outcome of a check. A failed one names the message to show (0: it fails without one), the argument of the
-/// message's marker "<1>", and the control at fault (0: none).
+/// The outcome of a check. A failed one names the message to show (0: it fails without one), the argument of
+/// the message's marker "<1>", and the control at fault (0: none).
 struct patFinding
 {
     bool bPassed = true;

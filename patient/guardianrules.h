@@ -7,8 +7,8 @@
 
 inline constexpr int PAT_MAX_TITLE = 10;
 
-/// The texts of the guardian page that tell whether a guardian is being entered. The country is not among them:
-/// it is filled in beforehand.
+/// The texts of the guardian page that tell whether a guardian is being entered. The country is not among
+/// them: it is filled in beforehand.
 struct patGuardianTexts
 {
     std::string_view nickname;

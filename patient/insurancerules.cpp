@@ -8,7 +8,8 @@ patFinding patCheckInsuranceEntry(bool bChanged)
     return bChanged ? patFinding::Failed(IDS_INSURE_UNFINISHED, IDC_INSURE_ADD) : patFinding{};
 }
 
-patFinding patCheckInsurance(const patInsurance& entry, const std::vector<patInsurance>& insurances, int nReplaced)
+patFinding patCheckInsurance(const patInsurance& entry, const std::vector<patInsurance>& insurances,
+                             int nReplaced)
 {
     if (patIsBlank(entry.strCompany))
         return patFinding::Failed(IDS_INSURE_NO_COMPANY, IDC_INSURE_COMPANY);

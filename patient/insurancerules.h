@@ -22,10 +22,12 @@ struct patInsurance
     bool operator==(const patInsurance&) const = default;
 };
 
-/// An entry that was begun but not added to the list would be lost. bChanged: the fields above the list differ
-/// from the selected row, or from empty fields when no row is selected.
+/// An entry that was begun but not added to the list would be lost. bChanged: the fields above the list
+/// differ from the selected row, or from empty fields when no row is selected.
 patFinding patCheckInsuranceEntry(bool bChanged);
 
-/// An insurance needs a company, and a company insures under one number only once. The company's name is compared
-/// without the case of A to Z. nReplaced is the index of the row that the entry replaces, -1 for a new one.
-patFinding patCheckInsurance(const patInsurance& entry, const std::vector<patInsurance>& insurances, int nReplaced);
+/// An insurance needs a company, and a company insures under one number only once. The company's name is
+/// compared without the case of A to Z. nReplaced is the index of the row that the entry replaces, -1 for a
+/// new one.
+patFinding patCheckInsurance(const patInsurance& entry, const std::vector<patInsurance>& insurances,
+                             int nReplaced);

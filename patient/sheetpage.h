@@ -16,19 +16,19 @@ public:
     patCSheetPage(patCChartSheet& sheet, UINT nIDTemplate, patPAGE nPage);
 
     /// Runs the checks that hold both on leaving the page and on the sheet's OK, on the values of the last
-    /// UpdateData(TRUE). A failing check shows its message, if it has one, and moves the focus to the control at
-    /// fault, with this page brought to the front.
-    /// Returns true when the page passes.
+    /// UpdateData(TRUE). A failing check shows its message, if it has one, and moves the focus to the control
+    /// at fault, with this page brought to the front. Returns true when the page passes.
     virtual bool Check();
 
-    /// Copies the page's values into the record. Called only after every check of the sheet has passed, inside
-    /// the sheet's database transaction. Throws dbCException* when the database fails.
+    /// Copies the page's values into the record. Called only after every check of the sheet has passed,
+    /// inside the sheet's database transaction. Throws dbCException* when the database fails.
     virtual void CopyTo(dbCPatient& patient) = 0;
 
 protected:
     /// Raises the page's flag in the sheet.
     BOOL OnSetActive() override;
-    /// Transfers the controls into the members and runs Check(). The user stays on the page when either fails.
+    /// Transfers the controls into the members and runs Check(). The user stays on the page when either
+    /// fails.
     BOOL OnKillActive() override;
     /// F1 anywhere on the page opens the page's help topic.
     BOOL PreTranslateMessage(MSG* pMsg) override;

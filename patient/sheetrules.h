@@ -32,7 +32,7 @@ struct patSheetState
 {
     bool bNewPatient = true;
     std::array<bool, PAT_PAGE_COUNT> opened{};
-    int nPracticeManagement = 0;      ///< non-zero: the practice's balances are in use
+    int nPracticeManagement = 0;       ///< non-zero: the practice's balances are in use
     std::string_view guardianLastname; ///< as it stands on the guardian page
 };
 
