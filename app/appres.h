@@ -1,6 +1,7 @@
 #pragma once
 
-/* Resource ids of the module's frame. Strings 9300 to 9499; the numbers of the first four are known outside. */
+/* Resource ids of the module's frame. Strings 9300 to 9499; the numbers of the first four are known outside.
+ */
 
 #define IDS_SECTION_DEFAULTS 9316
 #define IDS_SECTION_ENVIRONMENT 9323

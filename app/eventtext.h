@@ -2,7 +2,7 @@
 
 #include <string>
 
-/** What an audit event says happened to a patient. */
+/// What an audit event says happened to a patient.
 enum class evtChange
 {
     Created,
@@ -10,6 +10,6 @@ enum class evtChange
     Modified,
 };
 
-/** The sentence that the audit log records; names as the database has them (their second form). */
+/// The sentence that the audit log records; names as the database has them (their second form).
 std::string evtPatientText(evtChange change, const std::string& id, const std::string& family,
                            const std::string& given);

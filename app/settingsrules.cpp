@@ -2,9 +2,10 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cmath>
 #include <cstdlib>
 #include <limits>
+#include <locale>
+#include <sstream>
 
 namespace
 {
@@ -46,11 +47,11 @@ double setParseDecimal(const std::string& text)
     if (std::from_chars(first, end, value).ec != std::errc::result_out_of_range)
         return value;
 
-    // Out of range is either next to nothing or beyond the largest number; long double tells which.
-    long double wide = 0.0L;
-    const bool tiny = std::from_chars(first, end, wide).ec == std::errc() && std::fabs(wide) < 1.0L;
-    const double limit = tiny ? 0.0 : std::numeric_limits<double>::max();
-    return *first == '-' ? -limit : limit;
+    // Streams tell next to nothing from beyond the largest number: they give 0 or that number.
+    std::istringstream stream(std::string(first, end));
+    stream.imbue(std::locale::classic());
+    stream >> value;
+    return value;
 }
 
 std::uint32_t setParseColour(const std::string& text, std::uint32_t fallback)
@@ -73,12 +74,15 @@ std::uint32_t setParseColour(const std::string& text, std::uint32_t fallback)
 
 setValues setRead(const setSource& source)
 {
-    const auto number = [&](const char* key, int fallback)
-    { return source.readInt(source.defaultsSection, key, fallback); };
-    const auto text = [&](const char* key, const char* fallback)
-    { return source.readString(source.defaultsSection, key, fallback); };
-    const auto environment = [&](const char* key, const char* fallback)
-    { return source.readString(source.environmentSection, key, fallback); };
+    const auto number = [&](const char* key, int fallback) {
+        return source.readInt(source.defaultsSection, key, fallback);
+    };
+    const auto text = [&](const char* key, const char* fallback) {
+        return source.readString(source.defaultsSection, key, fallback);
+    };
+    const auto environment = [&](const char* key, const char* fallback) {
+        return source.readString(source.environmentSection, key, fallback);
+    };
 
     setValues values;
     values.measureWindowPrecision = std::clamp(number("MeasWndNumDisplayPrec", 1), 0, 2);

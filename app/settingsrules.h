@@ -4,19 +4,19 @@
 #include <functional>
 #include <string>
 
-/** Rules for the settings that the module shares with its host; text from the settings file is untrusted. */
+/// Rules for the settings that the module shares with its host; text from the settings file is untrusted.
 
-/** The decimal number at the start of the text, after blanks; 0.0 when there is none.
-    The decimal point is always ".", whatever the user's locale. "inf" and "nan" count as no number, and a
-    number too large for a double gives the largest one. */
+/// The decimal number at the start of the text, after blanks; 0.0 when there is none.
+/// The decimal point is always ".", whatever the user's locale. "inf" and "nan" count as no number, and a
+/// number too large for a double gives the largest one.
 double setParseDecimal(const std::string& text);
 
-/** A colour from "red,green,blue", each part as C's "%i" reads it: decimal, octal after "0", hexadecimal after
-    "0x". Only the low byte of a part counts. Text that does not hold three numbers gives the fallback.
-    The result has red in its low byte, then green, then blue. */
+/// A colour from "red,green,blue", each part as C's "%i" reads it: decimal, octal after "0", hexadecimal
+/// after "0x". Only the low byte of a part counts. Text that does not hold three numbers gives the fallback.
+/// The result has red in its low byte, then green, then blue.
 std::uint32_t setParseColour(const std::string& text, std::uint32_t fallback);
 
-/** The values that the module puts into the exported container, in the container's order. */
+/// The values that the module puts into the exported container, in the container's order.
 struct setValues
 {
     std::int32_t measureWindowPrecision = 0; ///< decimals, 0 to 2
@@ -36,7 +36,7 @@ struct setValues
     float tracingLineThickness = 0; ///< 1.0 to 3.0
 };
 
-/** Where the values are read; the names of the two sections and of one key come from the string table. */
+/// Where the values are read; the names of the two sections and of one key come from the string table.
 struct setSource
 {
     std::string defaultsSection;
@@ -47,5 +47,5 @@ struct setSource
     std::function<std::string(const std::string& section, const char* key, const char* fallback)> readString;
 };
 
-/** Reads every value once and brings it into its limits. */
+/// Reads every value once and brings it into its limits.
 setValues setRead(const setSource& source);

@@ -1,8 +1,8 @@
 #pragma once
 
-/** The codes that hosts pass to the exported functions; plain C++ so that rules and tests can use them too. */
+/// The codes that hosts pass to the exported functions; plain C++ so that rules and tests can use them too.
 
-/** What the archive dialog is opened for, and what the user chose in it. */
+/// What the archive dialog is opened for, and what the user chose in it.
 enum ARCHIVE_OP : int
 {
     ARCHIVE_OP_LOAD = 0,     ///< load a patient from an archive file
@@ -12,14 +12,14 @@ enum ARCHIVE_OP : int
     ARCHIVE_OP_DOWNLOAD = 4, ///< get a patient from the internet service
 };
 
-/** What the rename dialog was confirmed for. */
+/// What the rename dialog was confirmed for.
 enum RENAME_OP : int
 {
     RENAME_PATIENT = 0,
     RENAME_TIMEPOINT = 1,
 };
 
-/** What the delete dialog was left on; the index of its selected radio button. */
+/// What the delete dialog was left on; the index of its selected radio button.
 enum DELETE_OP : unsigned int
 {
     DELETE_TIMEPOINT_IMAGES = 0,
@@ -27,15 +27,15 @@ enum DELETE_OP : unsigned int
     DELETE_PATIENT = 2,
 };
 
-/** The stored keyword lists. */
+/// The stored keyword lists.
 enum INI_LIST : int
 {
     INI_LIST_PATIENT = 0,
     INI_LIST_IMAGE = 1,
 };
 
-/** How the two names of a person are joined. NAMEORDER_FIRST_LAST defers to the user's setting, like the
-    default: hosts rely on it. Any value beyond these three gives the given name first. */
+/// How the two names of a person are joined. NAMEORDER_FIRST_LAST defers to the user's setting, like the
+/// default: hosts rely on it. Any value beyond these three gives the given name first.
 enum NAMEORDER : int
 {
     NAMEORDER_DEFAULT = 0,
