@@ -1,0 +1,15 @@
+// Reads an archive back before anybody relies on it.
+#pragma once
+
+#include "archive/fileset.h"
+#include "archive/filesystem.h"
+
+#include <string>
+#include <vector>
+
+namespace arc
+{
+// True when the zip opens, holds exactly the expected files (by name, in any order) with their sizes, and every entry
+// unpacks whole with the right checksum.
+bool VerifyZip(FileSystem& files, const std::string& zipPath, const std::vector<PresentFile>& expected);
+} // namespace arc
