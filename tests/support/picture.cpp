@@ -1,0 +1,117 @@
+#include "tests/support/picture.h"
+
+#include <array>
+#include <filesystem>
+#include <memory>
+
+// The library's headers need the names that NOMINMAX takes away, and COM's property types.
+#include <objidl.h>
+#include <algorithm>
+namespace Gdiplus
+{
+using std::max;
+using std::min;
+} // namespace Gdiplus
+#include <gdiplus.h>
+
+namespace veltest
+{
+
+namespace
+{
+
+// Starts the drawing library once and stops it with the last picture's scope.
+class DrawingLibrary
+{
+public:
+    DrawingLibrary()
+    {
+        const Gdiplus::GdiplusStartupInput input;
+        m_started = Gdiplus::GdiplusStartup(&m_token, &input, nullptr) == Gdiplus::Ok;
+    }
+    ~DrawingLibrary()
+    {
+        if (m_started)
+        {
+            Gdiplus::GdiplusShutdown(m_token);
+        }
+    }
+    DrawingLibrary(const DrawingLibrary&) = delete;
+    DrawingLibrary& operator=(const DrawingLibrary&) = delete;
+
+    bool Write(HBITMAP bitmap, const std::filesystem::path& file) const
+    {
+        // The encoder of PNG files has this fixed class id.
+        const CLSID encoder = {0x557cf406, 0x1a04, 0x11d3, {0x9a, 0x73, 0x00, 0x00, 0xf8, 0x1e, 0xf3, 0x2e}};
+        Gdiplus::Bitmap picture(bitmap, nullptr);
+        return m_started && picture.Save(file.wstring().c_str(), &encoder, nullptr) == Gdiplus::Ok;
+    }
+
+private:
+    ULONG_PTR m_token = 0;
+    bool m_started = false;
+};
+
+} // namespace
+
+std::string PictureFolder()
+{
+    std::array<char, MAX_PATH> text = {};
+    const DWORD length = GetEnvironmentVariableA("VELTEST_PICTURES", text.data(), static_cast<DWORD>(text.size()));
+    if (length > 0 && length < text.size())
+    {
+        return text.data();
+    }
+    GetModuleFileNameA(nullptr, text.data(), static_cast<DWORD>(text.size()));
+    return (std::filesystem::path(text.data()).parent_path().parent_path() / "pictures").string();
+}
+
+bool SavePicture(HWND window, const std::string& name)
+{
+    RECT place = {};
+    if (!GetWindowRect(window, &place) || place.right <= place.left || place.bottom <= place.top)
+    {
+        return false;
+    }
+    RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_FRAME | RDW_ALLCHILDREN | RDW_UPDATENOW);
+    const int width = place.right - place.left;
+    const int height = place.bottom - place.top;
+    const HDC source = GetWindowDC(window);
+    const HDC copy = CreateCompatibleDC(source);
+    BITMAPINFO format = {};
+    format.bmiHeader = {sizeof(BITMAPINFOHEADER), width, -height, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+    void* bits = nullptr;
+    const HBITMAP bitmap = CreateDIBSection(source, &format, DIB_RGB_COLORS, &bits, nullptr, 0);
+    const HGDIOBJ previous = SelectObject(copy, bitmap);
+    const bool copied = BitBlt(copy, 0, 0, width, height, source, 0, 0, SRCCOPY) != FALSE;
+    SelectObject(copy, previous);
+    DeleteDC(copy);
+    ReleaseDC(window, source);
+
+    std::error_code error;
+    const std::filesystem::path folder = PictureFolder();
+    std::filesystem::create_directories(folder, error);
+    const bool written = copied && bitmap != nullptr && DrawingLibrary().Write(bitmap, folder / (name + ".png"));
+    DeleteObject(bitmap);
+    return written;
+}
+
+int SavePagePictures(DialogScript& script, const Dialog& sheet, const std::string& name)
+{
+    const int selected = sheet.PageIndex();
+    int written = 0;
+    for (int page = 0; page < sheet.PageCount(); ++page)
+    {
+        sheet.SelectPage(page);
+        if (sheet.PageIndex() != page)
+        {
+            break;
+        }
+        script.SettleIdle(sheet.Handle());
+        written += SavePicture(sheet.Handle(), name + "-" + std::to_string(page + 1)) ? 1 : 0;
+    }
+    sheet.SelectPage(selected);
+    return written;
+}
+
+} // namespace veltest
