@@ -6,7 +6,8 @@
 class COleDateTimeSpan;
 
 // A date and time from year 100 to 9999, to the second, without time zone. Two words of eight bytes: the
-// DATE and the status. An invalid or null object answers -1 (AFX_OLE_DATETIME_ERROR) to every part.
+// DATE and the status. An invalid or null object answers -1 (error) to every
+// part.
 class AFX_DLL_CLASS COleDateTime
 {
 public:

@@ -226,8 +226,8 @@ private:
 };
 
 // Stores values to, or loads them from, a file that the caller owns and keeps open. Loading treats the file
-// as untrusted: what is cut short throws CArchiveException::endOfFile, and no length in it makes more memory
-// be taken than the file has bytes. Call Close when done: it alone reports what could not be written.
+// as untrusted: what is cut short throws CArchiveException::endOfFile, and no length in it makes memory be
+// taken that the file has no bytes for. Call Close when done: it alone reports what could not be written.
 class AFX_DLL_CLASS CArchive
 {
 public:
@@ -268,14 +268,12 @@ public:
     void Abort(); // drops what is buffered; nothing is thrown
 
     void WriteString(LPCTSTR lpsz);
-    LPTSTR ReadString(LPTSTR lpsz, UINT nMax);
-    BOOL ReadString(CString& rString);
+    BOOL ReadString(CString& rString); // a line without its end; FALSE at the end of the file
     void WriteCount(DWORD_PTR dwCount);
     DWORD_PTR ReadCount();
 
     CObject* ReadObject(const CRuntimeClass* pClass);
     void WriteObject(const CObject* pOb);
-    void SerializeClass(const CRuntimeClass* pClassRef);
 
     // clang-format off
     CArchive& operator<<(BYTE by) { return StoreValue(by); }

@@ -56,7 +56,6 @@ public:
     int GetMinute() const;
     int GetSecond() const;
     int GetDayOfWeek() const; // 1 is Sunday
-    struct tm* GetLocalTm(struct tm* ptm) const;
     bool GetAsSystemTime(SYSTEMTIME& st) const;
     CString Format(LPCTSTR pszFormat) const;
 

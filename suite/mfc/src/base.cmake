@@ -1,2 +1,15 @@
 # Sources of the framework's base: strings, exceptions, files, archives, collections and dates.
-set(velmfc_base_sources)
+set(velmfc_base_sources
+  src/archive.cpp
+  src/collections.cpp
+  src/datetime.cpp
+  src/diagnostics.cpp
+  src/exceptions.cpp
+  src/file.cpp
+  src/filefind.cpp
+  src/memfile.cpp
+  src/object.cpp
+  src/stdiofile.cpp
+  src/string.cpp
+  src/stringfuncs.cpp
+  src/time.cpp)

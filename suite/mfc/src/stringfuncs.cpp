@@ -1,0 +1,80 @@
+// The framework's free functions on texts and string resources.
+#include "afx.h"
+
+#include <cstring>
+
+int AfxLoadString(UINT nIDS, LPTSTR lpszBuf, UINT nMaxBuf)
+{
+    ENSURE(lpszBuf != nullptr && nMaxBuf > 0);
+    CString text;
+    text.LoadString(nIDS);
+    lstrcpynA(lpszBuf, text, static_cast<int>(nMaxBuf));
+    return lstrlenA(lpszBuf);
+}
+
+void AfxFormatStrings(CString& rString, LPCTSTR lpszFormat, LPCTSTR const* rglpsz, int nString)
+{
+    CString result;
+    for (LPCTSTR p = lpszFormat; p != nullptr && *p != '\0'; ++p)
+    {
+        // Markers are numbered by a single digit from 1; one without an argument stays as it is.
+        const int index = p[0] == '%' ? p[1] - '1' : -1;
+        if (index >= 0 && index < nString && index <= 8)
+        {
+            result += rglpsz[index];
+            ++p;
+        }
+        else
+        {
+            result += *p;
+        }
+    }
+    rString = std::move(result);
+}
+
+void AfxFormatString1(CString& rString, LPCTSTR lpszFormat, LPCTSTR lpsz1)
+{
+    AfxFormatStrings(rString, lpszFormat, &lpsz1, 1);
+}
+
+void AfxFormatString1(CString& rString, UINT nIDS, LPCTSTR lpsz1)
+{
+    CString format;
+    VERIFY(format.LoadString(nIDS));
+    AfxFormatString1(rString, format, lpsz1);
+}
+
+void AfxFormatString2(CString& rString, LPCTSTR lpszFormat, LPCTSTR lpsz1, LPCTSTR lpsz2)
+{
+    const LPCTSTR arguments[] = {lpsz1, lpsz2};
+    AfxFormatStrings(rString, lpszFormat, arguments, 2);
+}
+
+void AfxFormatString2(CString& rString, UINT nIDS, LPCTSTR lpsz1, LPCTSTR lpsz2)
+{
+    CString format;
+    VERIFY(format.LoadString(nIDS));
+    AfxFormatString2(rString, format, lpsz1, lpsz2);
+}
+
+BOOL AfxExtractSubString(CString& rString, LPCTSTR lpszFullString, int iSubString, TCHAR chSep)
+{
+    rString.Empty();
+    if (lpszFullString == nullptr || iSubString < 0)
+    {
+        return FALSE;
+    }
+    for (; iSubString > 0; --iSubString)
+    {
+        lpszFullString = strchr(lpszFullString, chSep);
+        if (lpszFullString == nullptr)
+        {
+            return FALSE;
+        }
+        ++lpszFullString;
+    }
+    LPCTSTR end = strchr(lpszFullString, chSep);
+    rString.SetString(lpszFullString, end != nullptr ? static_cast<int>(end - lpszFullString)
+                                                     : CString::StringLength(lpszFullString));
+    return TRUE;
+}
