@@ -1,8 +1,11 @@
-#include "afxwin.h"
+#include "afx.h"
 
 #include "baseres.h"
 
 #include <iterator>
+
+// Of the windows half, on which the base depends for nothing else.
+AFX_DLL_API int AfxMessageBox(LPCTSTR lpszText, UINT nType, UINT nIDHelp);
 
 IMPLEMENT_DYNAMIC(CException, CObject)
 IMPLEMENT_DYNAMIC(CSimpleException, CException)
@@ -16,6 +19,8 @@ IMPLEMENT_DYNAMIC(CFileException, CException)
 
 namespace
 {
+constexpr LONG errorDiskQuotaExceeded = 1295; // not in every SDK
+
 void CopyText(LPTSTR lpszError, UINT nMaxError, LPCTSTR text)
 {
     ENSURE(lpszError != nullptr && nMaxError > 0);
@@ -75,9 +80,14 @@ int CException::ReportError(UINT nType, UINT nMessageID)
     char text[512];
     if (GetErrorMessage(text, std::size(text)))
     {
-        return AfxMessageBox(text, nType);
+        return AfxMessageBox(text, nType, 0);
     }
-    return AfxMessageBox(nMessageID != 0 ? nMessageID : AFX_IDP_NO_ERROR_AVAILABLE, nType);
+    CString fallback;
+    if (nMessageID == 0 || !fallback.LoadString(nMessageID))
+    {
+        fallback.LoadString(AFX_IDP_NO_ERROR_AVAILABLE);
+    }
+    return AfxMessageBox(fallback, nType, nMessageID);
 }
 
 // ---------------------------------------------------------------------------------------------------------
@@ -221,7 +231,7 @@ int CFileException::OsErrorToException(LONG lOsError)
         return lockViolation;
     case ERROR_DISK_FULL:
     case ERROR_HANDLE_DISK_FULL:
-    case ERROR_DISK_QUOTA_EXCEEDED:
+    case errorDiskQuotaExceeded:
         return diskFull;
     case ERROR_HANDLE_EOF:
         return endOfFile;
