@@ -14,6 +14,7 @@ namespace
 constexpr DWORD pollInterval = 5;           // milliseconds
 constexpr DWORD defaultPatience = 20'000;   // a busy machine is not a failure
 constexpr DWORD idlePatience = 2'000;
+constexpr DWORD firstIdlePatience = 300;    // for threads whose windows may have no idle work at all
 constexpr UINT messageGetMenu = 0x01E1;     // MN_GETHMENU of a popup menu's window
 
 struct Search
@@ -100,29 +101,33 @@ DialogScript::~DialogScript()
 
 void DialogScript::Run() noexcept
 {
+    std::string failure;
     try
     {
+        SetThreadDesktop(GetThreadDesktop(m_uiThread)); // a new thread may begin on the process's first desktop
         m_script(*this);
     }
-    catch (const std::exception& failure)
+    catch (const std::exception& thrown)
     {
-        ADD_FAILURE() << failure.what() << "\nWindows present:\n" << ListWindows();
+        failure = thrown.what();
     }
     catch (...)
     {
-        ADD_FAILURE() << "the script threw an unknown exception\nWindows present:\n" << ListWindows();
+        failure = "the script threw an unknown exception";
     }
     try
     {
-        const DWORD grace = ::testing::Test::HasFatalFailure() ? 0 : m_patience / 2;
-        if (!WaitForReturn(::testing::Test::HasFailure() ? std::min<DWORD>(grace, 500) : grace))
+        const bool failed = !failure.empty() || ::testing::Test::HasFatalFailure();
+        const bool open = !WaitForReturn(failed ? 0 : m_patience / 2);
+        if (open && !failed)
         {
-            if (!::testing::Test::HasFailure())
-            {
-                ADD_FAILURE() << "the script ended and left windows open:\n" << ListWindows();
-            }
-            CloseEverything();
+            failure = "the script ended and left windows open";
         }
+        if (!failure.empty())
+        {
+            ADD_FAILURE() << failure << "\nWindows present:\n" << ListWindows();
+        }
+        CloseEverything();
     }
     catch (...)
     {
@@ -337,7 +342,7 @@ void DialogScript::SettleIdle(HWND window)
     Settle(window);
     if (const DWORD thread = GetWindowThreadProcessId(window, nullptr))
     {
-        m_watch.WaitForIdle(thread, idlePatience);
+        m_watch.WaitForIdle(thread, m_watch.HasIdled(thread) ? idlePatience : firstIdlePatience);
     }
 }
 

@@ -91,6 +91,13 @@ bool MessageWatch::WaitForIdle(DWORD id, DWORD timeout)
     return Wait(timeout, [&] { return thread.marker >= marker && thread.idlePasses > thread.idleAtMarker; });
 }
 
+bool MessageWatch::HasIdled(DWORD id)
+{
+    const Thread& thread = Watched(id);
+    const std::scoped_lock lock(m_mutex);
+    return thread.idlePasses > 0;
+}
+
 std::uint64_t MessageWatch::KeysRead(DWORD id)
 {
     const Thread& thread = Watched(id);

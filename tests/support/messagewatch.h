@@ -31,6 +31,9 @@ public:
     // False when none came within the time: plain dialogs and message boxes have no idle work.
     bool WaitForIdle(DWORD thread, DWORD timeout);
 
+    // True when the thread has run idle work since it is being watched.
+    bool HasIdled(DWORD thread);
+
     // Number of key-up messages that the thread has taken from its queue since it is being watched.
     std::uint64_t KeysRead(DWORD thread);
     bool WaitForKeys(DWORD thread, std::uint64_t count, DWORD timeout);

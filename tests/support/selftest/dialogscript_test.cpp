@@ -220,7 +220,7 @@ TEST_F(DialogScriptTest, FailingScriptsFailTheTestAndEndTheModalCall)
         script.SetPatience(200);
         script.WaitForDialog("Another title");
     };
-    EXPECT_NONFATAL_FAILURE(EXPECT_EQ(veltest::RunModal(Ask, waitsInVain), IDCANCEL), "waited in vain");
+    EXPECT_NONFATAL_FAILURE_ON_ALL_THREADS(EXPECT_EQ(veltest::RunModal(Ask, waitsInVain), IDCANCEL), "waited in vain");
 
     const auto leavesBoxOpen = [](veltest::DialogScript& script)
     {
@@ -228,14 +228,14 @@ TEST_F(DialogScriptTest, FailingScriptsFailTheTestAndEndTheModalCall)
         script.WaitForDialog("Asking").Press(IDC_ADD);
         script.WaitForBox();
     };
-    EXPECT_NONFATAL_FAILURE(EXPECT_EQ(veltest::RunModal(Ask, leavesBoxOpen), IDCANCEL), "left windows open");
+    EXPECT_NONFATAL_FAILURE_ON_ALL_THREADS(EXPECT_EQ(veltest::RunModal(Ask, leavesBoxOpen), IDCANCEL), "left windows open");
 
     const auto waitsAfterTheEnd = [](veltest::DialogScript& script)
     {
         script.WaitForDialog("Asking").Press(IDCANCEL);
         script.WaitForBox();
     };
-    EXPECT_NONFATAL_FAILURE(veltest::RunModal(Ask, waitsAfterTheEnd), "the modal call returned");
+    EXPECT_NONFATAL_FAILURE_ON_ALL_THREADS(veltest::RunModal(Ask, waitsAfterTheEnd), "the modal call returned");
 }
 
 } // namespace

@@ -24,7 +24,7 @@ VEL_CHILD_PROCESS(waitForever)
 VEL_CHILD_PROCESS(crash)
 {
     std::puts("(the next lines belong to a crash that is wanted)");
-    int* volatile nowhere = nullptr;
+    volatile int* volatile nowhere = nullptr;
     *nowhere = 1;
     return 0;
 }
