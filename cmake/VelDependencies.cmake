@@ -14,7 +14,7 @@ function(vel_import_static name library)
   add_library(${name} STATIC IMPORTED GLOBAL)
   set_target_properties(${name} PROPERTIES
     IMPORTED_LOCATION "${VEL_DEPS_PREFIX}/lib/lib${library}.a"
-    INTERFACE_SYSTEM_INCLUDE_DIRECTORIES "${VEL_DEPS_PREFIX}/include")
+    INTERFACE_INCLUDE_DIRECTORIES "${VEL_DEPS_PREFIX}/include")
 endfunction()
 
 vel_import_static(vel::zlib z)
