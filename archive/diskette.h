@@ -5,6 +5,7 @@
 #include "archive/headerline.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace arc
@@ -26,6 +27,9 @@ enum class DisketteCheck
 
 // Looks at the drive for the patient's disk with this number, from 1.
 DisketteCheck CheckDiskette(FileSystem& files, char drive, const HeaderLine& patient, int number);
+
+// True for a readable disk with nothing on it. The check cannot tell it from an empty drive; it may be written as it is.
+bool IsBlankDisk(FileSystem& files, char drive);
 
 // The question (Yes/No) that the check raises, as a string resource id; 0 for the right disk and for none.
 unsigned DisketteQuestion(DisketteCheck check);

@@ -8,13 +8,13 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <set>
 #include <string>
 
 namespace arc
 {
+class MadeFiles;
 class ZipFileFunctions;
-}
+} // namespace arc
 
 // Owns the zip handle while a zip is open; the file system must outlive it. For one thread. Every operation answers
 // whether it succeeded and shows nothing. A name that may not become a path below the destination fails its entry; no
@@ -72,7 +72,7 @@ public:
 
 private:
     bool ReadCurrentEntry(const std::function<bool(const void* data, std::size_t bytes)>& take, std::size_t chunk);
-    bool Extract(const std::string& folder, bool ignorePath, bool refuseSameFile);
+    bool Extract(const std::string& folder, bool ignorePath, arc::MadeFiles* made);
     bool MakeFolders(const std::string& folder, const std::string& relative);
 
     arc::FileSystem& m_files;
@@ -82,8 +82,6 @@ private:
     arc::ZipDirectory m_directory;
     std::size_t m_nCurrent = 0; // index of the current entry; the count when there is none
     std::string m_strOutputFolder;
-    std::string m_strKnownFolder; // the folder that was last found or made, with no reparse point on the way
-    std::set<std::string> m_namesMade;          // by SameFileKey, of one UnzipAll
-    std::set<arc::FileIdentity> m_filesMade;    // of one UnzipAll
+    std::string m_strKnownFolder; // last one found or made; no reparse point on its way
     Progress m_progress;
 };

@@ -8,9 +8,9 @@
 namespace arc
 {
 // Entries: 100 timepoints with every type of every group, companions and extras stay below a tenth of this.
-inline constexpr std::uint64_t MaxZipEntries = 1'000'000;
+inline constexpr std::uint64_t MaxZipEntries = 250'000;
 // Bytes of a central directory, which is held in memory while it is checked.
-inline constexpr std::uint64_t MaxCentralDirectoryBytes = 256ULL << 20;
+inline constexpr std::uint64_t MaxCentralDirectoryBytes = 64ULL << 20;
 // Bytes of everything unpacked.
 inline constexpr std::uint64_t MaxUnpackedBytes = 1ULL << 40;
 // Unpacked bytes may be this many times the packed ones, once they pass the free allowance. Deflate itself can reach
