@@ -1,9 +1,6 @@
 // The patient information sheet: enters a new patient or changes an existing one.
 #pragma once
 
-#include <afxwin.h>
-#include <afxdlgs.h>
-
 #include "patient/dlgchart.h"
 #include "patient/dlgdtail.h"
 #include "patient/dlgguard.h"
@@ -12,6 +9,9 @@
 #include "suite/dialogs/mfccoloredtabctrl.h"
 #include "suite/dialogs/unicodebutton.h"
 #include "suite/patients/dbpatient.h"
+
+#include <afxdlgs.h>
+#include <afxwin.h>
 
 #include <memory>
 
@@ -29,12 +29,11 @@ public:
     /// resultId receives the saved patient's ID on OK and is not touched otherwise; it must outlive the
     /// sheet. existingId: the ID or the GUID of the patient to change; null or empty for a new patient.
     /// initialData: a record of the caller's whose values fill the chart page and which receives the result;
-    /// null lets the sheet work on a record of its own.
+    /// it must outlive the sheet. One that is in the database already only lends its values. Null: no values.
     patCChartSheet(CString& resultId, LPCTSTR caption, CWnd* parent, UINT startPage, LPCTSTR existingId,
                    dbCPatient* initialData);
-    ~patCChartSheet() override;
 
-    /// The record being edited. For an existing patient it is loaded by the chart page's initialisation.
+    /// The record being edited. For an existing patient it is empty until LoadExistingPatient.
     dbCPatient& GetPatient()
     {
         return *m_pPatient;
@@ -46,16 +45,10 @@ public:
         return m_strExistingID.IsEmpty() != FALSE;
     }
 
-    /// True when the caller gave a record that fills the chart page.
-    bool HasInitialData() const
+    /// The caller's record that fills the chart page; null when there is none.
+    const dbCPatient* GetInitialData() const
     {
-        return m_pOwnPatient == nullptr;
-    }
-
-    /// The patient's current ID or GUID as the caller gave it; empty for a new patient.
-    const CString& GetExistingID() const
-    {
-        return m_strExistingID;
+        return m_pInitialData;
     }
 
     /// The country that new addresses start with; may be empty.
@@ -64,8 +57,14 @@ public:
         return m_strDefaultCountry;
     }
 
-    /// Loads the record of the existing patient on the first call. Returns false, after a message, when it
-    /// cannot be loaded; from then on the sheet can only be cancelled.
+    /// The birth date as it stands on the chart page; a null date when there is none.
+    const COleDateTime& GetBirthdate() const
+    {
+        return m_pageChart.GetBirthdate();
+    }
+
+    /// Loads the record of the existing patient on the first call. Returns false, the first time after a
+    /// message, when it cannot be loaded; from then on the sheet can only be cancelled.
     bool LoadExistingPatient();
 
     /// Notes that a page's window exists, so that OK checks and copies the page.
@@ -73,14 +72,6 @@ public:
     {
         m_bPageInitialised[nPage] = TRUE;
     }
-    bool IsPageInitialised(int nPage) const
-    {
-        return m_bPageInitialised[nPage] != FALSE;
-    }
-
-    /// Empties a drop-down list and fills it with the phone types. Entry 0 is empty and means no type; the
-    /// item data of the others is the type's code in the database.
-    static void FillPhoneTypes(CComboBox& list);
 
     /// Brings a page to the front without running the checks of the page that is left.
     void ShowPage(int nPage);
@@ -94,34 +85,48 @@ protected:
     BOOL OnInitDialog() override;
     BOOL PreTranslateMessage(MSG* pMsg) override;
 
+    /// The OK command, wherever it comes from.
     afx_msg void OnOK();
-    afx_msg void OnFrameHelp();
+    afx_msg void OnHelpButton();
     DECLARE_MESSAGE_MAP()
 
 private:
     void AddPages();
+    patCSheetPage& GetPage(int nPage);
+    void DressFrame();
+
     bool TransferPages();
-    bool CheckPages();
+    bool RunSteps();
+    bool RunStep(patSTEP nStep);
     bool ConfirmSimilarPatient();
     bool ConfirmBillingParty();
     bool SavePatient();
+    void CopyPages();
+    void ReportSaveFailure(const dbCException& e);
 
     patCDlgChart m_pageChart;
     patCDlgDtail m_pageDetail;
     patCDlgGuard m_pageGuard;
     patCDlgRefer m_pageRefer;
     patCDlgInsurance m_pageInsurance;
-
     dbCPatient* m_pPatient;
     CString m_strExistingID;
     CString* m_pResultID;
-    BOOL m_bPageInitialised[PAT_PAGE_COUNT];
+    BOOL m_bPageInitialised[PAT_PAGE_COUNT] = {};
     CString m_strDefaultCountry;
     CUnicodeButton m_btnOK;
     CUnicodeButton m_btnCancel;
     CMfcColoredTabCtrl m_tabs;
     CUnicodeButton m_btnHelp;
 
+    enum class LOADED
+    {
+        NotYet,
+        Yes,
+        Failed
+    };
+    LOADED m_nLoaded = LOADED::NotYet;
     std::unique_ptr<dbCPatient> m_pOwnPatient;
+    const dbCPatient* m_pInitialData;
     bool m_bShowingPage = false;
 };

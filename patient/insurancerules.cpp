@@ -3,9 +3,13 @@
 #include "patient/patientres.h"
 #include "patient/textrules.h"
 
-patFinding patCheckInsuranceEntry(bool bChanged)
+patFinding patCheckInsuranceEntry(const patInsurance& entry, const patInsurance* pSelected)
 {
-    return bChanged ? patFinding::Failed(IDS_INSURE_UNFINISHED, IDC_INSURE_ADD) : patFinding{};
+    patInsurance shown;
+    if (pSelected != nullptr)
+        shown = *pSelected;
+    shown.strPolicyID = entry.strPolicyID;
+    return entry == shown ? patFinding{} : patFinding::Failed(IDS_INSURE_UNFINISHED, IDC_INSURE_COMPANY);
 }
 
 patFinding patCheckInsurance(const patInsurance& entry, const std::vector<patInsurance>& insurances,
@@ -17,7 +21,7 @@ patFinding patCheckInsurance(const patInsurance& entry, const std::vector<patIns
     {
         const patInsurance& other = insurances[static_cast<std::size_t>(i)];
         if (i != nReplaced && patEqualNoCase(other.strCompany, entry.strCompany) &&
-            other.strPolicyNumber == entry.strPolicyNumber)
+            other.strNumber == entry.strNumber)
             return patFinding::Failed(IDS_INSURE_TWICE, IDC_INSURE_NUMBER, entry.strCompany);
     }
     return {};

@@ -9,25 +9,25 @@
 inline constexpr int PAT_MAX_INSURANCE_COMPANY = 50;
 inline constexpr int PAT_MAX_POLICY_HOLDER = 100;
 inline constexpr int PAT_MAX_POLICY_NUMBER = 30;
+inline constexpr int PAT_MAX_POLICY_GROUP = 30;
 
-/// One insurance as the page keeps it.
+/// One policy as the page keeps it.
 struct patInsurance
 {
-    std::string strRowID;     ///< the row in the database; empty for one that is not stored yet
-    std::string strCompanyID; ///< the company in the database; empty for one that is not stored yet
+    std::string strPolicyID; ///< the policy in the database; empty for one that is not stored yet
     std::string strCompany;
-    std::string strPolicyHolder;
-    std::string strPolicyNumber;
+    std::string strHolder;
+    std::string strNumber;
+    std::string strGroup;
 
     bool operator==(const patInsurance&) const = default;
 };
 
-/// An entry that was begun but not added to the list would be lost. bChanged: the fields above the list
-/// differ from the selected row, or from empty fields when no row is selected.
-patFinding patCheckInsuranceEntry(bool bChanged);
+/// What stands in the fields above the list, but not in the list, would be lost. pSelected is the row that
+/// the fields were filled from, null when they were empty.
+patFinding patCheckInsuranceEntry(const patInsurance& entry, const patInsurance* pSelected);
 
-/// An insurance needs a company, and a company insures under one number only once. The company's name is
-/// compared without the case of A to Z. nReplaced is the index of the row that the entry replaces, -1 for a
-/// new one.
+/// A policy needs a company, and a company insures under one number only once. Names of companies are
+/// compared without the case of A to Z. nReplaced is the row that the entry is to replace, -1 for a new one.
 patFinding patCheckInsurance(const patInsurance& entry, const std::vector<patInsurance>& insurances,
                              int nReplaced);

@@ -1,5 +1,5 @@
-// Resource ids of the patient information sheet. Plain numbers, so that the rules can name a message or a control.
-// Template ids are the help topics' numbers less 0x20000. Controls 2000-2249, texts 9500-9599.
+// Resource ids of the patient information sheet. Plain numbers, so that the rules can name a message or a
+// control. Template ids are the help topics' numbers less 0x20000. Controls 2000-2249, texts 9500-9599.
 #pragma once
 
 #define IDD_PATIENT_CHART 9361
@@ -66,6 +66,7 @@
 #define IDC_REFER_ADD 2114
 #define IDC_REFER_CHANGE 2115
 #define IDC_REFER_REMOVE 2116
+#define IDC_REFER_CLEAR 2117
 
 // Insurance page.
 #define IDC_INSURE_COMPANY 2140
@@ -75,6 +76,9 @@
 #define IDC_INSURE_ADD 2144
 #define IDC_INSURE_CHANGE 2145
 #define IDC_INSURE_REMOVE 2146
+#define IDC_INSURE_CLEAR 2147
+#define IDC_INSURE_GROUP 2148
+#define IDC_INSURE_PRIMARY 2149
 
 // Checks and questions of the sheet.
 #define IDS_PATIENT_REQUIRED 9500
@@ -88,18 +92,15 @@
 #define IDS_PATIENT_LOAD_FAILED 9508
 #define IDS_PATIENT_SAVE_FAILED 9509
 #define IDS_SHEET_HELP 9510
-#define IDS_GENDER_FIRST 9511
-#define IDS_GENDER_SECOND 9512
 
 // Referral page.
 #define IDS_REFER_UNFINISHED 9520
 #define IDS_REFER_DATE 9521
 #define IDS_REFER_TWICE 9522
-#define IDS_REFER_NO_DOCTOR 9523
-#define IDS_REFER_SELECT_DOCTOR 9524
-#define IDS_REFER_COLUMN_DOCTOR 9525
-#define IDS_REFER_COLUMN_DATE 9526
-#define IDS_REFER_COLUMN_NOTE 9527
+#define IDS_REFER_SELECT_DOCTOR 9523
+#define IDS_REFER_COLUMN_DOCTOR 9524
+#define IDS_REFER_COLUMN_DATE 9525
+#define IDS_REFER_COLUMN_NOTE 9526
 
 // Insurance page.
 #define IDS_INSURE_UNFINISHED 9540
@@ -108,3 +109,4 @@
 #define IDS_INSURE_COLUMN_COMPANY 9543
 #define IDS_INSURE_COLUMN_HOLDER 9544
 #define IDS_INSURE_COLUMN_NUMBER 9545
+#define IDS_INSURE_COLUMN_GROUP 9546

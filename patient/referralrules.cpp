@@ -5,19 +5,22 @@
 #include <set>
 #include <utility>
 
-patFinding patCheckReferralEntry(const patReferralEntry& entry)
+patFinding patCheckReferralEntry(const patReferral& entry, const patReferral* pSelected)
 {
-    if (entry.bDoctorChanged || entry.bNoteChanged)
-        return patFinding::Failed(IDS_REFER_UNFINISHED, IDC_REFER_ADD);
-    return {};
+    const bool bUnfinished = pSelected == nullptr
+                                 ? !entry.strDoctorID.empty() || !entry.strNote.empty()
+                                 : entry.strDoctorID != pSelected->strDoctorID ||
+                                       entry.nDay != pSelected->nDay || entry.strNote != pSelected->strNote;
+    return bUnfinished ? patFinding::Failed(IDS_REFER_UNFINISHED, IDC_REFER_DOCTOR) : patFinding{};
 }
 
 patFinding patCheckReferralDates(const std::vector<patReferral>& referrals, long nToday, long nBirthDay)
 {
     for (const patReferral& referral : referrals)
     {
-        if (referral.nDay > nToday || (nBirthDay != 0 && referral.nDay < nBirthDay))
-            return patFinding::Failed(IDS_REFER_DATE, IDC_REFER_DATE, referral.strDoctor);
+        const bool bTooEarly = nBirthDay != 0 && referral.nDay < nBirthDay;
+        if (referral.nDay != 0 && (bTooEarly || referral.nDay > nToday))
+            return patFinding::Failed(IDS_REFER_DATE, IDC_REFER_LIST, referral.strDoctor);
     }
     return {};
 }
@@ -28,7 +31,7 @@ patFinding patCheckReferralsTwice(const std::vector<patReferral>& referrals)
     for (const patReferral& referral : referrals)
     {
         if (!seen.emplace(referral.strDoctorID, referral.nDay).second)
-            return patFinding::Failed(IDS_REFER_TWICE, IDC_REFER_DOCTOR, referral.strDoctor);
+            return patFinding::Failed(IDS_REFER_TWICE, IDC_REFER_LIST, referral.strDoctor);
     }
     return {};
 }

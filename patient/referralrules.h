@@ -8,30 +8,21 @@
 
 inline constexpr int PAT_MAX_REFERRAL_NOTE = 255;
 
-/// One referral as the page keeps it. The day counts from 1899-12-30, as the whole part of an OLE date does.
+/// One referral as the page keeps it.
 struct patReferral
 {
     std::string strRowID; ///< the row in the database; empty for one that is not stored yet
     std::string strDoctorID;
     std::string strDoctor; ///< as the list shows it
-    long nDay = 0;
+    long nDay = 0;         ///< counted from 1899-12-30, as the whole part of an OLE date is; 0: not known
     std::string strNote;
-
-    bool operator==(const patReferral&) const = default;
 };
 
-/// What stands in the fields above the list.
-struct patReferralEntry
-{
-    bool bDoctorChanged = false; ///< a doctor is selected that the list does not have from this entry
-    bool bNoteChanged = false;
-};
+/// Check 1: what stands in the fields above the list, but not in the list, would be lost. pSelected is the
+/// row that the fields were filled from, null when they were empty (a date alone is no referral).
+patFinding patCheckReferralEntry(const patReferral& entry, const patReferral* pSelected);
 
-/// Check 1: an entry that was begun but not added to the list would be lost.
-patFinding patCheckReferralEntry(const patReferralEntry& entry);
-
-/// Check 2: nobody is referred in the future, nor before birth. nBirthDay 0: the birth date is not known.
-/// Referrals dated before midnight of birth are refused; the birth day itself is accepted.
+/// Check 2: nobody is referred in the future or before birth. nBirthDay 0: the birth date is not known.
 patFinding patCheckReferralDates(const std::vector<patReferral>& referrals, long nToday, long nBirthDay);
 
 /// Check 3: the same doctor twice on one day is one referral entered twice.

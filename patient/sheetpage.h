@@ -4,8 +4,10 @@
 #include "patient/sheetrules.h"
 #include "suite/dialogs/mfcpropertypage.h"
 
+class CListCtrl;
 class dbCPatient;
 class patCChartSheet;
+struct patFinding;
 
 /// One page of patCChartSheet. It belongs to the sheet as a member and lives on the host's user interface
 /// thread. The first time it is shown it raises its flag in the sheet: a page without the flag has no window,
@@ -24,6 +26,9 @@ public:
     /// inside the sheet's database transaction. Throws dbCException* when the database fails.
     virtual void CopyTo(dbCPatient& patient) = 0;
 
+    /// The page's topic in the help file.
+    UINT GetHelpId() const;
+
 protected:
     /// Raises the page's flag in the sheet.
     BOOL OnSetActive() override;
@@ -32,6 +37,9 @@ protected:
     BOOL OnKillActive() override;
     /// F1 anywhere on the page opens the page's help topic.
     BOOL PreTranslateMessage(MSG* pMsg) override;
+
+    /// Appends a column to a list in report form; the width is in pixels.
+    static void AddColumn(CListCtrl& list, UINT nTitle, int nWidth);
 
     patCChartSheet& m_sheet;
 

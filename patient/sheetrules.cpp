@@ -9,6 +9,8 @@ std::vector<patSTEP> patStepsOfOK(const patSheetState& state)
         steps.push_back(patSTEP::GuardianFields);
     if (state.opened[PAT_PAGE_REFERRAL])
         steps.push_back(patSTEP::ReferralFields);
+    if (state.opened[PAT_PAGE_INSURANCE])
+        steps.push_back(patSTEP::InsuranceFields);
     if (state.bNewPatient)
         steps.push_back(patSTEP::SimilarPatient);
     const bool bBillingPartyGiven =

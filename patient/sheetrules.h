@@ -23,6 +23,7 @@ enum class patSTEP
     UniqueID,
     GuardianFields,
     ReferralFields,
+    InsuranceFields,
     SimilarPatient,
     BillingParty
 };

@@ -14,9 +14,26 @@ patReferral Referral(const char* doctorID, long day)
 
 TEST(ReferralRules, AnUnfinishedEntryIsNotLost)
 {
-    EXPECT_TRUE(patCheckReferralEntry({}).bPassed);
-    EXPECT_EQ(patCheckReferralEntry({true, false}).nMessage, static_cast<unsigned>(IDS_REFER_UNFINISHED));
-    EXPECT_EQ(patCheckReferralEntry({false, true}).nMessage, static_cast<unsigned>(IDS_REFER_UNFINISHED));
+    const patReferral selected{"row", "A", "Dr A", 7, "note"};
+    struct Case
+    {
+        patReferral entry;
+        bool bEmptyPasses;
+        bool bSelectedPasses;
+    };
+    const Case cases[] = {
+        {{"", "", "", 7, ""}, true, false}, // the date alone is no referral, but the row had more
+        {{"", "A", "", 0, ""}, false, false},     {{"", "", "", 0, " "}, false, false},
+        {{"", "A", "", 7, "note"}, false, true}, // the row as it is; what it is called does not count
+        {{"", "B", "", 7, "note"}, false, false}, {{"", "A", "", 8, "note"}, false, false},
+        {{"", "A", "", 7, ""}, false, false},
+    };
+    for (const Case& c : cases)
+    {
+        SCOPED_TRACE(c.entry.strDoctorID + "|" + std::to_string(c.entry.nDay) + "|" + c.entry.strNote);
+        EXPECT_EQ(patCheckReferralEntry(c.entry, nullptr).bPassed, c.bEmptyPasses);
+        EXPECT_EQ(patCheckReferralEntry(c.entry, &selected).bPassed, c.bSelectedPasses);
+    }
 }
 
 TEST(ReferralRules, DatesLieBetweenBirthAndToday)
@@ -30,7 +47,7 @@ TEST(ReferralRules, DatesLieBetweenBirthAndToday)
         bool bPassed;
     };
     for (const Case& c : {Case{today, birth, true}, Case{today + 1, birth, false}, Case{birth, birth, true},
-                          Case{birth - 1, birth, false}, Case{birth - 1, 0, true}, Case{-1, 0, true},
+                          Case{birth - 1, birth, false}, Case{birth - 1, 0, true}, Case{0, birth, true},
                           Case{-1, -1, true}, Case{-2, -1, false}})
     {
         const patFinding finding =
@@ -49,10 +66,20 @@ TEST(ReferralRules, ADoctorRefersOnceADay)
     EXPECT_EQ(finding.strArgument, "Dr A");
 }
 
+TEST(InsuranceRules, AnUnfinishedEntryIsNotLost)
+{
+    const patInsurance selected{"row", "Harbour Mutual", "Ann Lee", "17", ""};
+    EXPECT_TRUE(patCheckInsuranceEntry({}, nullptr).bPassed);
+    EXPECT_FALSE(patCheckInsuranceEntry({}, &selected).bPassed);
+    EXPECT_TRUE(patCheckInsuranceEntry({"", "Harbour Mutual", "Ann Lee", "17", ""}, &selected).bPassed);
+    EXPECT_FALSE(patCheckInsuranceEntry({"", "", "", "", "G"}, nullptr).bPassed);
+    EXPECT_FALSE(patCheckInsuranceEntry({"", "Harbour Mutual", "Ann Lee", "17", "G"}, &selected).bPassed);
+}
+
 TEST(InsuranceRules, ACompanyInsuresUnderANumberOnce)
 {
-    const std::vector<patInsurance> insurances{{"", "", "Harbour Mutual", "Ann Lee", "17"},
-                                               {"", "", "Northfield", "Ann Lee", ""}};
+    const std::vector<patInsurance> insurances{{"", "Harbour Mutual", "Ann Lee", "17", ""},
+                                               {"", "Northfield", "Ann Lee", "", ""}};
     struct Case
     {
         patInsurance entry;
@@ -60,13 +87,13 @@ TEST(InsuranceRules, ACompanyInsuresUnderANumberOnce)
         unsigned nMessage;
     };
     const Case cases[] = {
-        {{"", "", "", "Ann Lee", "18"}, -1, IDS_INSURE_NO_COMPANY},
-        {{"", "", " \t", "Ann Lee", "18"}, -1, IDS_INSURE_NO_COMPANY},
-        {{"", "", "Harbour Mutual", "Eve Lee", "18"}, -1, 0},
-        {{"", "", "HARBOUR mutual", "Eve Lee", "17"}, -1, IDS_INSURE_TWICE},
-        {{"", "", "Harbour Mutual", "Eve Lee", "17"}, 0, 0},
-        {{"", "", "Harbour Mutual", "Eve Lee", "17"}, 1, IDS_INSURE_TWICE},
-        {{"", "", "northfield", "", ""}, -1, IDS_INSURE_TWICE},
+        {{"", "", "Ann Lee", "18", ""}, -1, IDS_INSURE_NO_COMPANY},
+        {{"", " \t", "Ann Lee", "18", ""}, -1, IDS_INSURE_NO_COMPANY},
+        {{"", "Harbour Mutual", "Eve Lee", "18", ""}, -1, 0},
+        {{"", "HARBOUR mutual", "Eve Lee", "17", ""}, -1, IDS_INSURE_TWICE},
+        {{"", "Harbour Mutual", "Eve Lee", "17", ""}, 0, 0},
+        {{"", "Harbour Mutual", "Eve Lee", "17", ""}, 1, IDS_INSURE_TWICE},
+        {{"", "northfield", "", "", ""}, -1, IDS_INSURE_TWICE},
     };
     for (const Case& c : cases)
     {
@@ -74,8 +101,6 @@ TEST(InsuranceRules, ACompanyInsuresUnderANumberOnce)
         EXPECT_EQ(finding.bPassed, c.nMessage == 0) << c.entry.strCompany;
         EXPECT_EQ(finding.nMessage, c.nMessage) << c.entry.strCompany;
     }
-    EXPECT_FALSE(patCheckInsuranceEntry(true).bPassed);
-    EXPECT_TRUE(patCheckInsuranceEntry(false).bPassed);
 }
 
 } // namespace

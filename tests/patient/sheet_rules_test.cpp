@@ -13,7 +13,7 @@ TEST(SheetRules, UnopenedPagesAreNotChecked)
     patSheetState state;
     state.bNewPatient = false;
     EXPECT_THAT(patStepsOfOK(state), ElementsAre(patSTEP::ChartFields, patSTEP::UniqueID));
-    state.opened = {true, true, false, false, true};
+    state.opened = {true, true, false, false, false};
     EXPECT_THAT(patStepsOfOK(state), ElementsAre(patSTEP::ChartFields, patSTEP::UniqueID));
 }
 
@@ -25,7 +25,8 @@ TEST(SheetRules, EveryStepInItsOrder)
     state.guardianLastname = "  ";
     EXPECT_THAT(patStepsOfOK(state),
                 ElementsAre(patSTEP::ChartFields, patSTEP::UniqueID, patSTEP::GuardianFields,
-                            patSTEP::ReferralFields, patSTEP::SimilarPatient, patSTEP::BillingParty));
+                            patSTEP::ReferralFields, patSTEP::InsuranceFields, patSTEP::SimilarPatient,
+                            patSTEP::BillingParty));
 }
 
 TEST(SheetRules, TheBillingPartyIsAskedForOnlyWhenNeeded)

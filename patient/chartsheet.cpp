@@ -1,0 +1,272 @@
+#include "patient/chartsheet.h"
+
+#include "app/velapp.h"
+#include "patient/patientres.h"
+#include "suite/patients/dbpatients.h"
+#include "suite/patients/dbtransaction.h"
+#include "suite/util/velini.h"
+
+IMPLEMENT_DYNAMIC(patCChartSheet, CPropertySheet)
+
+BEGIN_MESSAGE_MAP(patCChartSheet, CPropertySheet)
+ON_COMMAND(IDOK, &patCChartSheet::OnOK)
+ON_COMMAND(IDC_SHEET_HELP, &patCChartSheet::OnHelpButton)
+END_MESSAGE_MAP()
+
+patCChartSheet::patCChartSheet(CString& resultId, LPCTSTR caption, CWnd* parent, UINT startPage,
+                               LPCTSTR existingId, dbCPatient* initialData)
+    : CPropertySheet(caption, parent, startPage), m_pageChart(*this), m_pageDetail(*this), m_pageGuard(*this),
+      m_pageRefer(*this), m_pageInsurance(*this), m_pPatient(initialData), m_strExistingID(existingId),
+      m_pResultID(&resultId), m_strDefaultCountry(velGetIniString("Defaults", "Country", "")),
+      m_pInitialData(initialData)
+{
+    // A record that is in the database would be changed by saving it, not entered as a new patient.
+    if (initialData == nullptr || initialData->IsValid())
+    {
+        m_pOwnPatient = std::make_unique<dbCPatient>();
+        m_pPatient = m_pOwnPatient.get();
+    }
+    AddPages();
+}
+
+patCSheetPage& patCChartSheet::GetPage(int nPage)
+{
+    patCSheetPage* const pages[] = {&m_pageChart, &m_pageDetail, &m_pageGuard, &m_pageRefer,
+                                    &m_pageInsurance};
+    return *pages[nPage];
+}
+
+void patCChartSheet::AddPages()
+{
+    for (int nPage = 0; nPage < PAT_PAGE_COUNT; ++nPage)
+    {
+        patCSheetPage& page = GetPage(nPage);
+        page.m_psp.dwFlags &= ~static_cast<DWORD>(PSP_HASHELP);
+        AddPage(&page);
+    }
+}
+
+BOOL patCChartSheet::OnInitDialog()
+{
+    const BOOL bFocus = CPropertySheet::OnInitDialog();
+    DressFrame();
+    if (m_nLoaded == LOADED::Failed)
+        m_btnOK.EnableWindow(FALSE);
+    return bFocus;
+}
+
+// The frame's own buttons and tabs, and a button for help at the left end of the row of buttons.
+void patCChartSheet::DressFrame()
+{
+    m_btnOK.SubclassDlgItem(IDOK, this);
+    m_btnCancel.SubclassDlgItem(IDCANCEL, this);
+    m_tabs.SubclassWindow(GetTabControl()->GetSafeHwnd());
+
+    CRect rectTabs;
+    m_tabs.GetWindowRect(rectTabs);
+    ScreenToClient(rectTabs);
+    CRect rectHelp;
+    m_btnOK.GetWindowRect(rectHelp);
+    ScreenToClient(rectHelp);
+    rectHelp.OffsetRect(rectTabs.left - rectHelp.left, 0);
+    rectHelp.right = rectHelp.left + rectHelp.Height();
+    CString strHelp;
+    strHelp.LoadString(IDS_SHEET_HELP);
+    m_btnHelp.Create(strHelp, WS_CHILD | WS_VISIBLE | WS_TABSTOP | BS_PUSHBUTTON, rectHelp, this,
+                     IDC_SHEET_HELP);
+    m_btnHelp.SetFont(GetFont());
+}
+
+BOOL patCChartSheet::PreTranslateMessage(MSG* pMsg)
+{
+    if (pMsg->message == WM_KEYDOWN && pMsg->wParam == VK_F1)
+    {
+        OnHelpButton(); // the focus is on the frame; the pages take their own
+        return TRUE;
+    }
+    return CPropertySheet::PreTranslateMessage(pMsg);
+}
+
+void patCChartSheet::OnHelpButton()
+{
+    VelApp()->ShowHelp(GetPage(GetActiveIndex()).GetHelpId());
+}
+
+bool patCChartSheet::LoadExistingPatient()
+{
+    if (m_nLoaded != LOADED::NotYet)
+        return m_nLoaded == LOADED::Yes;
+    m_nLoaded = LOADED::Failed;
+    try
+    {
+        const BOOL bIsGUID = dbCPatients::IsGUID(m_strExistingID);
+        if (m_pPatient->Load(m_strExistingID, !bIsGUID, bIsGUID))
+            m_nLoaded = LOADED::Yes;
+    }
+    catch (dbCException* e)
+    {
+        e->Delete();
+    }
+    if (m_nLoaded == LOADED::Failed)
+    {
+        if (m_btnOK.GetSafeHwnd() != nullptr)
+            m_btnOK.EnableWindow(FALSE);
+        AfxMessageBox(IDS_PATIENT_LOAD_FAILED);
+    }
+    return m_nLoaded == LOADED::Yes;
+}
+
+void patCChartSheet::ShowPage(int nPage)
+{
+    if (GetActiveIndex() == nPage)
+        return;
+    m_bShowingPage = true;
+    SetActivePage(nPage);
+    m_bShowingPage = false;
+}
+
+void patCChartSheet::OnOK()
+{
+    if (m_nLoaded == LOADED::Failed)
+        return;
+    try
+    {
+        if (!TransferPages() || !RunSteps() || !SavePatient())
+            return;
+    }
+    catch (dbCException* e) // a check could not ask the database; what SavePatient meets it reports itself
+    {
+        ReportSaveFailure(*e);
+        e->Delete();
+        return;
+    }
+    *m_pResultID = m_pageChart.GetID();
+    EndDialog(IDOK);
+}
+
+bool patCChartSheet::TransferPages()
+{
+    const CWaitCursor wait;
+    for (int nPage = 0; nPage < PAT_PAGE_COUNT; ++nPage)
+    {
+        if (m_bPageInitialised[nPage] && !GetPage(nPage).UpdateData(TRUE))
+        {
+            ShowPage(nPage);
+            return false;
+        }
+    }
+    return true;
+}
+
+bool patCChartSheet::RunSteps()
+{
+    patSheetState state;
+    state.bNewPatient = IsNewPatient();
+    for (int nPage = 0; nPage < PAT_PAGE_COUNT; ++nPage)
+        state.opened[static_cast<std::size_t>(nPage)] = m_bPageInitialised[nPage] != FALSE;
+    state.nPracticeManagement = VelApp()->GetPracticeManagement();
+    state.guardianLastname = m_pageGuard.GetLastname().GetString();
+    for (const patSTEP nStep : patStepsOfOK(state))
+    {
+        const CWaitCursor wait; // once more: a message of the step before has put the arrow back
+        if (!RunStep(nStep))
+            return false;
+    }
+    return true;
+}
+
+bool patCChartSheet::RunStep(patSTEP nStep)
+{
+    switch (nStep)
+    {
+    case patSTEP::ChartFields:
+        return m_pageChart.Check();
+    case patSTEP::UniqueID:
+        return m_pageChart.CheckUniqueID();
+    case patSTEP::GuardianFields:
+        return m_pageGuard.Check();
+    case patSTEP::ReferralFields:
+        return m_pageRefer.Check();
+    case patSTEP::InsuranceFields:
+        return m_pageInsurance.Check();
+    case patSTEP::SimilarPatient:
+        return ConfirmSimilarPatient();
+    case patSTEP::BillingParty:
+        return ConfirmBillingParty();
+    }
+    return false;
+}
+
+bool patCChartSheet::ConfirmSimilarPatient()
+{
+    const CString& strFirstname = m_pageChart.GetFirstname();
+    const CString& strLastname = m_pageChart.GetLastname();
+    const COleDateTime& dateBirth = m_pageChart.GetBirthdate();
+    if (!VelApp()->GetPatients()->FindSimilar(strFirstname, strLastname, dateBirth))
+        return true;
+    const CString strBirthdate = dateBirth.Format(VAR_DATEVALUEONLY, LANG_USER_DEFAULT);
+    CString strQuestion;
+    strQuestion.Format(IDS_PATIENT_SIMILAR, strFirstname.GetString(), strLastname.GetString(),
+                       strBirthdate.GetString());
+    CString strCaption;
+    strCaption.LoadString(IDS_PATIENT_SIMILAR_CAPTION);
+    return MessageBox(strQuestion, strCaption, MB_YESNO) == IDYES;
+}
+
+bool patCChartSheet::ConfirmBillingParty()
+{
+    if (AfxMessageBox(IDS_PATIENT_BILLING_PARTY, MB_YESNO | MB_ICONQUESTION) == IDYES)
+        return true;
+    ShowPage(PAT_PAGE_GUARDIAN);
+    return false;
+}
+
+bool patCChartSheet::SavePatient()
+{
+    const CWaitCursor wait;
+    const dbCPatient before(*m_pPatient);
+    try
+    {
+        dbCTransaction transaction;
+        CopyPages();
+        m_pPatient->Save();
+        transaction.Commit();
+        return true;
+    }
+    catch (dbCException* e)
+    {
+        *m_pPatient = before;
+        ReportSaveFailure(*e);
+        e->Delete();
+        return false;
+    }
+    catch (...)
+    {
+        *m_pPatient = before;
+        throw;
+    }
+}
+
+void patCChartSheet::CopyPages()
+{
+    for (const patPAGE nPage : patCopyOrder)
+    {
+        if (m_bPageInitialised[nPage])
+            GetPage(nPage).CopyTo(*m_pPatient);
+    }
+}
+
+// Another process can take the ID between its check and the write.
+void patCChartSheet::ReportSaveFailure(const dbCException& e)
+{
+    if (e.GetError() == dbErrDuplicateID)
+    {
+        m_pageChart.ReportTakenID();
+        return;
+    }
+    char szError[512];
+    e.GetErrorMessage(szError, sizeof szError);
+    CString strMessage;
+    strMessage.Format(IDS_PATIENT_SAVE_FAILED, szError);
+    AfxMessageBox(strMessage, MB_OK | MB_ICONSTOP);
+}

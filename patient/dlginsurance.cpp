@@ -1,0 +1,278 @@
+#include "patient/dlginsurance.h"
+
+#include "patient/chartsheet.h"
+#include "patient/patientres.h"
+#include "patient/textrules.h"
+
+#include <algorithm>
+
+BEGIN_MESSAGE_MAP(patCDlgInsurance, patCSheetPage)
+ON_CBN_EDITCHANGE(IDC_INSURE_COMPANY, &patCDlgInsurance::OnEntryChanged)
+ON_CBN_SELCHANGE(IDC_INSURE_COMPANY, &patCDlgInsurance::OnCompanySelected)
+ON_NOTIFY(LVN_ITEMCHANGED, IDC_INSURE_LIST, &patCDlgInsurance::OnRowChanged)
+ON_BN_CLICKED(IDC_INSURE_ADD, &patCDlgInsurance::OnAdd)
+ON_BN_CLICKED(IDC_INSURE_CHANGE, &patCDlgInsurance::OnChange)
+ON_BN_CLICKED(IDC_INSURE_REMOVE, &patCDlgInsurance::OnRemove)
+ON_BN_CLICKED(IDC_INSURE_CLEAR, &patCDlgInsurance::OnClear)
+ON_BN_CLICKED(IDC_INSURE_PRIMARY, &patCDlgInsurance::OnMakePrimary)
+END_MESSAGE_MAP()
+
+namespace
+{
+
+/// The GUID of the company with this name; a new company of that name is added to the practice's list.
+CString FindOrAddCompany(const std::string& strName)
+{
+    dbCInsuranceCompanies companies;
+    companies.Load();
+    for (const dbCInsuranceCompany& company : companies)
+    {
+        if (patEqualNoCase(company.GetName().GetString(), strName))
+            return company.GetCompanyGUID();
+    }
+    dbCInsuranceCompany company;
+    company.SetName(strName.c_str());
+    company.Save();
+    return company.GetCompanyGUID();
+}
+
+} // namespace
+
+patCDlgInsurance::patCDlgInsurance(patCChartSheet& sheet)
+    : patCSheetPage(sheet, IDD_PATIENT_INSURANCE, PAT_PAGE_INSURANCE)
+{
+}
+
+void patCDlgInsurance::DoDataExchange(CDataExchange* pDX)
+{
+    patCSheetPage::DoDataExchange(pDX);
+    DDX_Control(pDX, IDC_INSURE_COMPANY, m_listCompany);
+    DDX_Control(pDX, IDC_INSURE_LIST, m_listInsurances);
+    DDX_CBString(pDX, IDC_INSURE_COMPANY, m_strCompany);
+    DDV_MaxChars(pDX, m_strCompany, PAT_MAX_INSURANCE_COMPANY);
+    DDX_Text(pDX, IDC_INSURE_HOLDER, m_strHolder);
+    DDV_MaxChars(pDX, m_strHolder, PAT_MAX_POLICY_HOLDER);
+    DDX_Text(pDX, IDC_INSURE_NUMBER, m_strNumber);
+    DDV_MaxChars(pDX, m_strNumber, PAT_MAX_POLICY_NUMBER);
+    DDX_Text(pDX, IDC_INSURE_GROUP, m_strGroup);
+    DDV_MaxChars(pDX, m_strGroup, PAT_MAX_POLICY_GROUP);
+}
+
+BOOL patCDlgInsurance::OnInitDialog()
+{
+    patCSheetPage::OnInitDialog();
+    m_listCompany.LimitText(PAT_MAX_INSURANCE_COMPANY);
+    m_listInsurances.SetExtendedStyle(LVS_EX_FULLROWSELECT);
+    CRect rectList;
+    m_listInsurances.GetClientRect(rectList);
+    const int nWidth = (rectList.Width() - GetSystemMetrics(SM_CXVSCROLL)) / 10;
+    AddColumn(m_listInsurances, IDS_INSURE_COLUMN_COMPANY, nWidth * 3);
+    AddColumn(m_listInsurances, IDS_INSURE_COLUMN_HOLDER, nWidth * 3);
+    AddColumn(m_listInsurances, IDS_INSURE_COLUMN_NUMBER, nWidth * 2);
+    AddColumn(m_listInsurances, IDS_INSURE_COLUMN_GROUP, nWidth * 2);
+
+    FillCompanies();
+    if (m_sheet.IsNewPatient() || m_sheet.LoadExistingPatient())
+        LoadInsurances(m_sheet.GetPatient().GetInsurances());
+    ShowEntry({});
+    return TRUE;
+}
+
+void patCDlgInsurance::FillCompanies()
+{
+    m_companies.Load();
+    m_listCompany.ResetContent();
+    for (const dbCInsuranceCompany& company : m_companies)
+        m_listCompany.AddString(company.GetName());
+}
+
+void patCDlgInsurance::LoadInsurances(const dbCInsurances& insurances)
+{
+    for (const dbCInsurance& insurance : insurances)
+    {
+        patInsurance shown;
+        shown.strPolicyID = insurance.GetInsuranceGUID().GetString();
+        const int nCompany = m_companies.Find(insurance.GetCompanyGUID());
+        if (nCompany >= 0)
+            shown.strCompany = m_companies[nCompany].GetName().GetString();
+        shown.strHolder = insurance.GetHolder().GetString();
+        shown.strNumber = insurance.GetNumber().GetString();
+        shown.strGroup = insurance.GetGroup().GetString();
+        m_insurances.push_back(std::move(shown));
+    }
+    m_loaded = m_insurances;
+    for (int nRow = 0; nRow < static_cast<int>(m_insurances.size()); ++nRow)
+        ShowRow(nRow);
+}
+
+void patCDlgInsurance::ShowRow(int nRow)
+{
+    const patInsurance& insurance = m_insurances[static_cast<std::size_t>(nRow)];
+    if (nRow == m_listInsurances.GetItemCount())
+        m_listInsurances.InsertItem(nRow, insurance.strCompany.c_str());
+    else
+        m_listInsurances.SetItemText(nRow, 0, insurance.strCompany.c_str());
+    m_listInsurances.SetItemText(nRow, 1, insurance.strHolder.c_str());
+    m_listInsurances.SetItemText(nRow, 2, insurance.strNumber.c_str());
+    m_listInsurances.SetItemText(nRow, 3, insurance.strGroup.c_str());
+}
+
+patInsurance patCDlgInsurance::GetEntry() const
+{
+    const auto textOf = [this](int nControl) {
+        CString strText;
+        GetDlgItem(nControl)->GetWindowText(strText);
+        return std::string(strText.GetString());
+    };
+    return {"", textOf(IDC_INSURE_COMPANY), textOf(IDC_INSURE_HOLDER), textOf(IDC_INSURE_NUMBER),
+            textOf(IDC_INSURE_GROUP)};
+}
+
+void patCDlgInsurance::ShowEntry(const patInsurance& entry)
+{
+    m_strCompany = entry.strCompany.c_str();
+    m_strHolder = entry.strHolder.c_str();
+    m_strNumber = entry.strNumber.c_str();
+    m_strGroup = entry.strGroup.c_str();
+    m_listCompany.SetCurSel(-1); // else the exchange would complete the text from a longer entry
+    UpdateData(FALSE);
+    UpdateButtons();
+}
+
+int patCDlgInsurance::GetSelectedRow() const
+{
+    return m_listInsurances.GetNextItem(-1, LVNI_SELECTED);
+}
+
+const patInsurance* patCDlgInsurance::GetSelected() const
+{
+    const int nRow = GetSelectedRow();
+    return nRow < 0 ? nullptr : &m_insurances[static_cast<std::size_t>(nRow)];
+}
+
+void patCDlgInsurance::UpdateButtons()
+{
+    const bool bCompany = !patIsBlank(GetEntry().strCompany);
+    const int nRow = GetSelectedRow();
+    GetDlgItem(IDC_INSURE_ADD)->EnableWindow(bCompany);
+    GetDlgItem(IDC_INSURE_CHANGE)->EnableWindow(bCompany && nRow >= 0);
+    GetDlgItem(IDC_INSURE_REMOVE)->EnableWindow(nRow >= 0);
+    GetDlgItem(IDC_INSURE_PRIMARY)->EnableWindow(nRow > 0);
+}
+
+void patCDlgInsurance::OnEntryChanged()
+{
+    UpdateButtons();
+}
+
+// The edit part still has the old text when the list tells of the selection.
+void patCDlgInsurance::OnCompanySelected()
+{
+    const int nCompany = m_listCompany.GetCurSel();
+    if (nCompany == CB_ERR)
+        return;
+    CString strCompany;
+    m_listCompany.GetLBText(nCompany, strCompany);
+    m_listCompany.SetWindowText(strCompany);
+    UpdateButtons();
+}
+
+void patCDlgInsurance::OnRowChanged(NMHDR* pNMHDR, LRESULT* pResult)
+{
+    const auto& change = *reinterpret_cast<const NMLISTVIEW*>(pNMHDR);
+    if ((change.uChanged & LVIF_STATE) != 0 && (change.uNewState & LVIS_SELECTED) != 0)
+        ShowEntry(m_insurances[static_cast<std::size_t>(change.iItem)]);
+    else
+        UpdateButtons();
+    *pResult = 0;
+}
+
+void patCDlgInsurance::TakeEntry(int nRow)
+{
+    if (!UpdateData(TRUE))
+        return;
+    const bool bNew = nRow == static_cast<int>(m_insurances.size());
+    patInsurance entry = GetEntry();
+    if (!Report(patCheckInsurance(entry, m_insurances, bNew ? -1 : nRow)))
+        return;
+    if (bNew)
+        m_insurances.emplace_back();
+    patInsurance& row = m_insurances[static_cast<std::size_t>(nRow)];
+    entry.strPolicyID = row.strPolicyID;
+    row = std::move(entry);
+    ShowRow(nRow);
+    OnClear();
+}
+
+void patCDlgInsurance::OnAdd()
+{
+    TakeEntry(static_cast<int>(m_insurances.size()));
+}
+
+void patCDlgInsurance::OnChange()
+{
+    if (const int nRow = GetSelectedRow(); nRow >= 0)
+        TakeEntry(nRow);
+}
+
+void patCDlgInsurance::OnRemove()
+{
+    const int nRow = GetSelectedRow();
+    if (nRow < 0)
+        return;
+    m_insurances.erase(m_insurances.begin() + nRow);
+    m_listInsurances.DeleteItem(nRow);
+    OnClear();
+}
+
+void patCDlgInsurance::OnClear()
+{
+    m_listInsurances.SetItemState(-1, 0, LVIS_SELECTED | LVIS_FOCUSED);
+    ShowEntry({});
+    GotoDlgCtrl(&m_listCompany);
+}
+
+void patCDlgInsurance::OnMakePrimary()
+{
+    const int nRow = GetSelectedRow();
+    if (nRow <= 0)
+        return;
+    std::rotate(m_insurances.begin(), m_insurances.begin() + nRow, m_insurances.begin() + nRow + 1);
+    for (int nMoved = 0; nMoved <= nRow; ++nMoved)
+        ShowRow(nMoved);
+    m_listInsurances.SetItemState(0, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+    m_listInsurances.EnsureVisible(0, FALSE);
+}
+
+bool patCDlgInsurance::Check()
+{
+    return Report(patCheckInsuranceEntry(GetEntry(), GetSelected()));
+}
+
+void patCDlgInsurance::CopyTo(dbCPatient& patient)
+{
+    if (m_insurances == m_loaded)
+        return;
+    dbCInsurances before = patient.GetInsurances();
+    for (const dbCInsurance& insurance : before)
+        patient.RemoveInsurance(insurance.GetInsuranceGUID());
+    CString strPrimary;
+    for (const patInsurance& shown : m_insurances)
+    {
+        dbCInsurance insurance; // what this page does not show stays with its policy
+        for (const dbCInsurance& candidate : before)
+        {
+            if (candidate.GetInsuranceGUID() == shown.strPolicyID.c_str())
+                insurance = candidate;
+        }
+        insurance.SetCompanyGUID(FindOrAddCompany(shown.strCompany));
+        insurance.SetHolder(shown.strHolder.c_str());
+        insurance.SetNumber(shown.strNumber.c_str());
+        insurance.SetGroup(shown.strGroup.c_str());
+        patient.AssignInsurance(insurance);
+        if (strPrimary.IsEmpty())
+            strPrimary = insurance.GetInsuranceGUID();
+    }
+    if (!strPrimary.IsEmpty())
+        patient.SetInsuranceGUID(strPrimary);
+}

@@ -1,0 +1,314 @@
+#include "patient/dlgrefer.h"
+
+#include "patient/chartsheet.h"
+#include "patient/daynumber.h"
+#include "patient/patientres.h"
+#include "suite/patients/dbdoctors.h"
+#include "suite/patients/dbpatients.h"
+#include "suite/patients/dbreferrals.h"
+
+#include <algorithm>
+
+BEGIN_MESSAGE_MAP(patCDlgRefer, patCSheetPage)
+ON_CBN_SELCHANGE(IDC_REFER_DOCTOR, &patCDlgRefer::OnEntryChanged)
+ON_EN_CHANGE(IDC_REFER_NOTE, &patCDlgRefer::OnEntryChanged)
+ON_NOTIFY(DTN_DATETIMECHANGE, IDC_REFER_DATE, &patCDlgRefer::OnEntryDateChanged)
+ON_NOTIFY(LVN_ITEMCHANGED, IDC_REFER_LIST, &patCDlgRefer::OnRowChanged)
+ON_BN_CLICKED(IDC_REFER_ADD, &patCDlgRefer::OnAdd)
+ON_BN_CLICKED(IDC_REFER_CHANGE, &patCDlgRefer::OnChange)
+ON_BN_CLICKED(IDC_REFER_REMOVE, &patCDlgRefer::OnRemove)
+ON_BN_CLICKED(IDC_REFER_CLEAR, &patCDlgRefer::OnClear)
+END_MESSAGE_MAP()
+
+patCDlgRefer::patCDlgRefer(patCChartSheet& sheet)
+    : patCSheetPage(sheet, IDD_PATIENT_REFERRAL, PAT_PAGE_REFERRAL)
+{
+}
+
+void patCDlgRefer::DoDataExchange(CDataExchange* pDX)
+{
+    patCSheetPage::DoDataExchange(pDX);
+    DDX_Control(pDX, IDC_REFER_DOCTOR, m_listDoctor);
+    DDX_Control(pDX, IDC_REFER_DATE, m_dateEntry);
+    DDX_Control(pDX, IDC_REFER_LIST, m_listReferrals);
+    DDX_Text(pDX, IDC_REFER_NOTE, m_strNote);
+    DDV_MaxChars(pDX, m_strNote, PAT_MAX_REFERRAL_NOTE);
+}
+
+BOOL patCDlgRefer::OnInitDialog()
+{
+    patCSheetPage::OnInitDialog();
+    m_listReferrals.SetExtendedStyle(LVS_EX_FULLROWSELECT);
+    CRect rectList;
+    m_listReferrals.GetClientRect(rectList);
+    const int nDateWidth = rectList.Width() / 5;
+    const int nDoctorWidth = rectList.Width() * 2 / 5;
+    const int nNoteWidth = rectList.Width() - nDateWidth - nDoctorWidth - GetSystemMetrics(SM_CXVSCROLL);
+    AddColumn(m_listReferrals, IDS_REFER_COLUMN_DOCTOR, nDoctorWidth);
+    AddColumn(m_listReferrals, IDS_REFER_COLUMN_DATE, nDateWidth);
+    AddColumn(m_listReferrals, IDS_REFER_COLUMN_NOTE, nNoteWidth);
+
+    if (m_sheet.IsNewPatient() || m_sheet.LoadExistingPatient())
+        LoadReferrals(m_sheet.GetPatient().GetReferrals());
+    FillDoctors();
+    ShowEmptyEntry();
+    return TRUE;
+}
+
+// The doctor editor of the details page can have added doctors since the list was filled.
+BOOL patCDlgRefer::OnSetActive()
+{
+    const BOOL bActive = patCSheetPage::OnSetActive();
+    if (dbCPatients::GetChangeCounter() != m_nDoctorsRead)
+    {
+        const std::string strDoctorID = GetEntry().strDoctorID;
+        FillDoctors();
+        SelectDoctor(strDoctorID);
+    }
+    return bActive;
+}
+
+BOOL patCDlgRefer::AppendDoctor(const dbSDoctorRow& row, LPVOID pPage)
+{
+    std::string strName = row.last;
+    if (!row.first.empty())
+        strName += ", " + row.first;
+    static_cast<patCDlgRefer*>(pPage)->m_doctors.push_back({row.guid, std::move(strName)});
+    return TRUE;
+}
+
+void patCDlgRefer::FillDoctors()
+{
+    m_nDoctorsRead = dbCPatients::GetChangeCounter();
+    m_doctors.clear();
+    dbCDoctors doctors;
+    doctors.RegisterEnumCallback(&patCDlgRefer::AppendDoctor, this);
+    doctors.Enum(dbDoctorsByName);
+
+    CString strPlaceholder;
+    strPlaceholder.LoadString(IDS_REFER_SELECT_DOCTOR);
+    m_listDoctor.SetRedraw(FALSE);
+    m_listDoctor.ResetContent();
+    m_listDoctor.AddString(strPlaceholder);
+    for (const DOCTOR& doctor : m_doctors)
+        m_listDoctor.AddString(doctor.strName.c_str());
+    m_listDoctor.SetCurSel(0);
+    m_listDoctor.SetRedraw(TRUE);
+    m_listDoctor.Invalidate();
+}
+
+void patCDlgRefer::SelectDoctor(const std::string& strDoctorID)
+{
+    const auto found = std::find_if(m_doctors.begin(), m_doctors.end(),
+                                    [&](const DOCTOR& doctor) { return doctor.strID == strDoctorID; });
+    m_listDoctor.SetCurSel(found == m_doctors.end() ? 0 : static_cast<int>(found - m_doctors.begin()) + 1);
+}
+
+// Every row gets an id, by which it is found again even if another page has changed the order meanwhile.
+void patCDlgRefer::LoadReferrals(dbCPatientReferralsContainer& referrals)
+{
+    for (dbCPatientReferralsRow& row : referrals)
+    {
+        if (row.Get_refID().IsEmpty())
+            row.Set_refID(dbNewGUID());
+        std::string strDoctor = row.Get_docLastname().GetString();
+        if (!row.Get_docFirstname().IsEmpty())
+            strDoctor += std::string(", ") + row.Get_docFirstname().GetString();
+        m_referrals.push_back({row.Get_refID().GetString(), row.Get_docID().GetString(), std::move(strDoctor),
+                               patDayNumber(row.Get_date()), row.Get_note().GetString()});
+    }
+    m_loaded = m_referrals;
+    for (int nRow = 0; nRow < static_cast<int>(m_referrals.size()); ++nRow)
+        ShowRow(nRow);
+}
+
+void patCDlgRefer::ShowRow(int nRow)
+{
+    const patReferral& referral = m_referrals[static_cast<std::size_t>(nRow)];
+    if (nRow == m_listReferrals.GetItemCount())
+        m_listReferrals.InsertItem(nRow, referral.strDoctor.c_str());
+    else
+        m_listReferrals.SetItemText(nRow, 0, referral.strDoctor.c_str());
+    m_listReferrals.SetItemText(nRow, 1, patDayText(referral.nDay));
+    m_listReferrals.SetItemText(nRow, 2, referral.strNote.c_str());
+}
+
+patReferral patCDlgRefer::GetEntry() const
+{
+    patReferral entry;
+    const int nDoctor = m_listDoctor.GetCurSel();
+    if (nDoctor > 0)
+    {
+        entry.strDoctorID = m_doctors[static_cast<std::size_t>(nDoctor - 1)].strID;
+        entry.strDoctor = m_doctors[static_cast<std::size_t>(nDoctor - 1)].strName;
+    }
+    COleDateTime date;
+    m_dateEntry.GetTime(date);
+    entry.nDay = patDayNumber(date);
+    CString strNote;
+    GetDlgItem(IDC_REFER_NOTE)->GetWindowText(strNote);
+    entry.strNote = strNote.GetString();
+    return entry;
+}
+
+void patCDlgRefer::ShowEntry(const patReferral& entry)
+{
+    SelectDoctor(entry.strDoctorID);
+    m_dateEntry.SetTime(patDayDate(entry.nDay));
+    m_strNote = entry.strNote.c_str();
+    UpdateData(FALSE);
+    UpdateButtons();
+}
+
+void patCDlgRefer::ShowEmptyEntry()
+{
+    patReferral entry;
+    entry.nDay = patDayNumber(COleDateTime::GetCurrentTime());
+    ShowEntry(entry);
+}
+
+int patCDlgRefer::GetSelectedRow() const
+{
+    return m_listReferrals.GetNextItem(-1, LVNI_SELECTED);
+}
+
+const patReferral* patCDlgRefer::GetSelected() const
+{
+    const int nRow = GetSelectedRow();
+    return nRow < 0 ? nullptr : &m_referrals[static_cast<std::size_t>(nRow)];
+}
+
+void patCDlgRefer::UpdateButtons()
+{
+    const bool bDoctor = m_listDoctor.GetCurSel() > 0;
+    const bool bSelected = GetSelectedRow() >= 0;
+    GetDlgItem(IDC_REFER_ADD)->EnableWindow(bDoctor);
+    GetDlgItem(IDC_REFER_CHANGE)->EnableWindow(bDoctor && bSelected);
+    GetDlgItem(IDC_REFER_REMOVE)->EnableWindow(bSelected);
+}
+
+void patCDlgRefer::OnEntryChanged()
+{
+    UpdateButtons();
+}
+
+void patCDlgRefer::OnEntryDateChanged(NMHDR*, LRESULT* pResult)
+{
+    UpdateButtons();
+    *pResult = 0;
+}
+
+void patCDlgRefer::OnRowChanged(NMHDR* pNMHDR, LRESULT* pResult)
+{
+    const auto& change = *reinterpret_cast<const NMLISTVIEW*>(pNMHDR);
+    if ((change.uChanged & LVIF_STATE) != 0 && (change.uNewState & LVIS_SELECTED) != 0)
+        ShowEntry(m_referrals[static_cast<std::size_t>(change.iItem)]);
+    else
+        UpdateButtons();
+    *pResult = 0;
+}
+
+void patCDlgRefer::TakeEntry(int nRow)
+{
+    if (!UpdateData(TRUE))
+        return;
+    patReferral entry = GetEntry();
+    patFinding finding = CheckDates({entry});
+    if (!finding.bPassed)
+        finding.nControl = IDC_REFER_DATE;
+    if (!Report(finding))
+        return;
+    std::vector<patReferral> referrals = m_referrals;
+    if (nRow == static_cast<int>(referrals.size()))
+        referrals.emplace_back();
+    entry.strRowID = referrals[static_cast<std::size_t>(nRow)].strRowID;
+    referrals[static_cast<std::size_t>(nRow)] = std::move(entry);
+    finding = patCheckReferralsTwice(referrals);
+    if (!finding.bPassed)
+        finding.nControl = IDC_REFER_DOCTOR;
+    if (!Report(finding))
+        return;
+    m_referrals = std::move(referrals);
+    ShowRow(nRow);
+    OnClear();
+}
+
+patFinding patCDlgRefer::CheckDates(const std::vector<patReferral>& referrals) const
+{
+    const long nToday = patDayNumber(COleDateTime::GetCurrentTime());
+    return patCheckReferralDates(referrals, nToday, patDayNumber(m_sheet.GetBirthdate()));
+}
+
+void patCDlgRefer::OnAdd()
+{
+    TakeEntry(static_cast<int>(m_referrals.size()));
+}
+
+void patCDlgRefer::OnChange()
+{
+    if (const int nRow = GetSelectedRow(); nRow >= 0)
+        TakeEntry(nRow);
+}
+
+void patCDlgRefer::OnRemove()
+{
+    const int nRow = GetSelectedRow();
+    if (nRow < 0)
+        return;
+    m_referrals.erase(m_referrals.begin() + nRow);
+    m_listReferrals.DeleteItem(nRow);
+    OnClear();
+}
+
+void patCDlgRefer::OnClear()
+{
+    m_listReferrals.SetItemState(-1, 0, LVIS_SELECTED | LVIS_FOCUSED);
+    ShowEmptyEntry();
+    GotoDlgCtrl(&m_listDoctor);
+}
+
+bool patCDlgRefer::Check()
+{
+    return Report(patCheckReferralEntry(GetEntry(), GetSelected())) && Report(CheckDates(m_referrals)) &&
+           Report(patCheckReferralsTwice(m_referrals));
+}
+
+// Only what the user changed here: the details page writes its referring doctor into the same rows.
+void patCDlgRefer::CopyTo(dbCPatient& patient)
+{
+    dbCPatientReferralsContainer& rows = patient.GetReferrals();
+    const auto findRow = [&rows](const std::string& strRowID) {
+        int nRow = rows.GetCount() - 1;
+        while (nRow >= 0 && rows[nRow].Get_refID() != strRowID.c_str())
+            --nRow;
+        return nRow;
+    };
+    const auto findReferral = [](const std::vector<patReferral>& referrals, const std::string& strRowID) {
+        return std::find_if(referrals.begin(), referrals.end(),
+                            [&](const patReferral& referral) { return referral.strRowID == strRowID; });
+    };
+    for (const patReferral& before : m_loaded)
+    {
+        const int nRow = findRow(before.strRowID);
+        if (nRow < 0)
+            continue;
+        const auto now = findReferral(m_referrals, before.strRowID);
+        if (now == m_referrals.end())
+        {
+            rows.RemoveAt(nRow);
+            continue;
+        }
+        if (now->strDoctorID != before.strDoctorID)
+            rows.UpdateDocID(nRow, now->strDoctorID.c_str());
+        if (now->nDay != before.nDay)
+            rows[nRow].Set_date(patDayDate(now->nDay));
+        if (now->strNote != before.strNote)
+            rows[nRow].Set_note(now->strNote.c_str());
+    }
+    for (const patReferral& referral : m_referrals)
+    {
+        if (referral.strRowID.empty())
+            rows.AddReferralDoc(referral.strDoctorID.c_str(), patDayDate(referral.nDay),
+                                referral.strNote.c_str());
+    }
+}
