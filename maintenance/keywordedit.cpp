@@ -1,0 +1,128 @@
+#include "maintenance/keywordedit.h"
+
+#include "maintenance/dlgeditkeywords.h"
+#include "maintenance/maintenanceres.h"
+#include "suite/patients/dbkeywords.h"
+
+namespace
+{
+
+constexpr char className[] = "VELEDKEYW";
+
+WNDPROC pfnEdit = nullptr; // the "EDIT" class's procedure
+
+} // namespace
+
+BEGIN_MESSAGE_MAP(cedCKeywords, CEdit)
+ON_WM_CREATE()
+ON_WM_CONTEXTMENU()
+ON_COMMAND(kwCommandEdit, &cedCKeywords::OnEditKeywords)
+ON_COMMAND_RANGE(kwCommandBase + 1, kwCommandLast, &cedCKeywords::OnKeyword)
+END_MESSAGE_MAP()
+
+BOOL cedCKeywords::RegisterControlClass(HINSTANCE hInstance)
+{
+    WNDCLASS wc = {};
+    if (!::GetClassInfo(nullptr, "EDIT", &wc))
+        return FALSE;
+    pfnEdit = wc.lpfnWndProc;
+    wc.lpfnWndProc = FirstWindowProc;
+    wc.hInstance = hInstance;
+    wc.lpszClassName = className;
+    return ::RegisterClass(&wc) != 0;
+}
+
+void cedCKeywords::UnregisterControlClass(HINSTANCE hInstance)
+{
+    ::UnregisterClass(className, hInstance);
+}
+
+LRESULT CALLBACK cedCKeywords::FirstWindowProc(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam)
+{
+    AFX_MANAGE_STATE(AfxGetStaticModuleState());
+    try
+    {
+        (new cedCKeywords)->Attach(hWnd);
+    }
+    catch (CException* e)
+    {
+        e->Delete();
+        return 0;
+    }
+    const WNDPROC pfnAfx = AfxGetAfxWndProc();
+    ::SetWindowLongPtr(hWnd, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(pfnAfx));
+    return ::CallWindowProc(pfnAfx, hWnd, nMessage, wParam, lParam);
+}
+
+WNDPROC* cedCKeywords::GetSuperWndProcAddr()
+{
+    return &pfnEdit;
+}
+
+void cedCKeywords::PostNcDestroy()
+{
+    delete this;
+}
+
+int cedCKeywords::OnCreate(LPCREATESTRUCT pCreate)
+{
+    if (CEdit::OnCreate(pCreate) == -1)
+        return -1;
+    CString strList;
+    GetWindowText(strList);
+    m_nList = kwListFromText(strList.GetString());
+    SetWindowText("");
+    return 0;
+}
+
+void cedCKeywords::OnContextMenu(CWnd* /*pWnd*/, CPoint point)
+{
+    if (point.x == -1 && point.y == -1) // opened by the keyboard: next to the field's corner
+    {
+        point = CPoint(0, 0);
+        ClientToScreen(&point);
+    }
+    FillMenu();
+    m_menu.TrackPopupMenu(TPM_LEFTALIGN | TPM_RIGHTBUTTON, point.x, point.y, this);
+}
+
+void cedCKeywords::FillMenu()
+{
+    m_menu.DestroyMenu();
+    m_menu.CreatePopupMenu();
+
+    CKeywords keywords;
+    if (m_nList != kwListNone && keywords.Load(m_nList))
+    {
+        std::vector<std::string> words;
+        words.reserve(keywords.GetCount());
+        CString strKeyword;
+        for (keywords.MoveFirst(); keywords.GetNext(strKeyword);)
+            words.emplace_back(strKeyword.GetString());
+        for (const kwMenuItem& item : kwMenu(words))
+            m_menu.AppendMenu(MF_STRING, item.command, item.text.c_str());
+    }
+
+    CString strEditThese;
+    strEditThese.LoadString(IDS_KEYWORD_EDIT_THESE);
+    m_menu.AppendMenu(MF_SEPARATOR);
+    m_menu.AppendMenu(MF_STRING, kwCommandEdit, strEditThese);
+}
+
+void cedCKeywords::OnKeyword(UINT nCommand)
+{
+    CString strMenuText;
+    m_menu.GetMenuString(kwMenuPosition(nCommand), strMenuText, MF_BYPOSITION);
+    CString strText;
+    GetWindowText(strText);
+    const std::string text = kwAppend(strText.GetString(), kwFromMenuText(strMenuText.GetString()));
+    SetWindowText(text.c_str());
+    SetFocus();
+    const int nEnd = static_cast<int>(text.size());
+    SetSel(nEnd, nEnd);
+}
+
+void cedCKeywords::OnEditKeywords()
+{
+    velEditKeywords(GetParent(), m_nList == kwListPatient ? INI_LIST_PATIENT : INI_LIST_IMAGE);
+}
