@@ -1,17 +1,47 @@
 #pragma once
 
+#include "patient/contactfields.h"
 #include "patient/detailsres.h"
+#include "patient/finding.h"
 #include "suite/dialogs/mfcdialog.h"
+#include "suite/patients/dbdoctors.h"
 
-/// Edits one doctor: the person, the doctor type, two addresses, phones and e-mail. OK checks the fields,
-/// writes the doctor to the database and closes; a failed check or write is reported and leaves the dialog
-/// open. Run it with velRunModal. Belongs to its caller's stack, on the user interface thread.
+/// Edits one doctor: person, doctor type, first address, two phones and e-mail; further addresses and phones
+/// of the record stay as they are. OK checks the fields, writes the doctor to the database and closes; a
+/// failed check or write is reported and leaves the dialog open with everything in it. Run it with
+/// velRunModal. Belongs to its caller's stack, on the user interface thread.
 class velCDlgEditDoctor : public mfcCDialog
 {
 public:
     /// Opens the doctor with this GUID; a null or empty one enters a new doctor.
     velCDlgEditDoctor(LPCTSTR doctorGUID, CWnd* pParent);
 
+    /// Starts a new doctor as one of this practice, so that it is offered as treating doctor.
+    void SetTreating();
+
     /// After IDOK the GUID of the doctor as written, new ones included.
     const CString& GetDoctorGUID() const;
+
+protected:
+    void DoDataExchange(CDataExchange* pDX) override;
+    /// Ends the dialog with IDCANCEL, after a message, when the doctor is gone.
+    BOOL OnInitDialog() override;
+    BOOL OnHelpKey(UINT nHelpID) override;
+    void OnOK() override;
+
+private:
+    void FillTypes();
+    void LoadFields();
+    void StoreFields();
+    bool Report(const patFinding& finding);
+
+    dbCDoctor m_doctor;
+    CString m_strGUID;
+    CString m_strTitle;
+    CString m_strFirstname;
+    CString m_strLastname;
+    CString m_strNotes;
+    BOOL m_bTreating = FALSE;
+    CComboBox m_listType;
+    patCContactFields m_contact;
 };
