@@ -38,6 +38,9 @@ public:
     const CString& GetModelNumber() const { return m_f.strModelNumber; }
     const CString& GetKeywords() const { return m_f.strKeywords; }
     const CString& GetNotes() const { return m_f.strNotes; }
+    /// The state of the 32 permanent teeth, one letter each (P present, M missing, X extracted) in the order 18 to
+    /// 11, 21 to 28, 48 to 41, 31 to 38; empty when all are present.
+    const CString& GetTeeth() const { return m_f.strTeeth; }
     const CString& GetOfficeID() const { return m_f.strOfficeID; }
     const CString& GetStatusID() const { return m_f.strStatusID; }
     /// The record's own date: the day the patient was first stored.
@@ -60,6 +63,7 @@ public:
     void SetModelNumber(LPCTSTR psz) { m_f.strModelNumber = psz; }
     void SetKeywords(LPCTSTR psz) { m_f.strKeywords = psz; }
     void SetNotes(LPCTSTR psz) { m_f.strNotes = psz; }
+    void SetTeeth(LPCTSTR psz) { m_f.strTeeth = psz; }
     void SetOfficeID(LPCTSTR psz) { m_f.strOfficeID = psz; }
     void SetStatusID(LPCTSTR psz) { m_f.strStatusID = psz; }
     void SetDate(const velCDate& date) { m_f.dateRecord = date; }
@@ -85,7 +89,7 @@ protected:
     struct Fields
     {
         CString strID, strGUID, strLastname, strFirstname, strNickname, strEmail, strTitle, strSalutation;
-        CString strModelNumber, strKeywords, strNotes, strOfficeID, strStatusID, strVeltrixID;
+        CString strModelNumber, strKeywords, strNotes, strTeeth, strOfficeID, strStatusID, strVeltrixID;
         velCDate dateBirth, dateRecord;
         int nGender = 0, nGenderIdentity = 0, nRace = 0, nNorm = 0;
     };
