@@ -1,0 +1,128 @@
+#include "host/samplepeople.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <set>
+
+namespace
+{
+
+std::string Describe(const sample::Patient& patient)
+{
+    std::string text = patient.id + '|' + patient.given + '|' + patient.family + '|' + patient.address.street + '|' +
+                       patient.keywords + '|' + patient.notes + '|' + std::to_string(patient.birth.year) + '|' +
+                       std::to_string(patient.birth.month) + '|' + std::to_string(patient.birth.day);
+    for (const sample::Phone& phone : patient.phones)
+    {
+        text += '|' + phone.number + phone.kind;
+    }
+    for (const sample::Timepoint& timepoint : patient.timepoints)
+    {
+        text += '|' + timepoint.name + std::to_string(timepoint.date.year) + std::to_string(timepoint.images);
+    }
+    return text;
+}
+
+// Everything that the sheet and the database refuse must not come out of the generator.
+TEST(SamplePeople, EveryPatientPassesThePracticesOwnRules)
+{
+    constexpr std::size_t kPatients = 3000;
+    const sample::Generator generator(kPatients);
+    const sample::Lists& lists = generator.GetLists();
+    std::set<std::string> ids;
+    std::size_t longest = 0;
+    for (std::size_t index = 0; index < kPatients; ++index)
+    {
+        const sample::Patient patient = generator.GetPatient(index);
+        SCOPED_TRACE(Describe(patient));
+        ids.insert(patient.id);
+        EXPECT_EQ(std::string::npos, patient.id.find_first_not_of("_-0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ"));
+        longest = std::max(longest, patient.id.size());
+        EXPECT_FALSE(patient.given.empty());
+        EXPECT_FALSE(patient.family.empty());
+        EXPECT_LE(patient.modelNumber.size(), 10u);
+        EXPECT_LE(patient.title.size(), 10u);
+        EXPECT_LE(patient.salutation.size(), 50u);
+        EXPECT_LE(patient.keywords.size(), 255u);
+        EXPECT_LE(patient.nickname.size(), 30u);
+        EXPECT_GE(patient.birth.year, 1900);
+        EXPECT_LT(patient.office, static_cast<int>(lists.offices.size()));
+        EXPECT_LT(patient.status, static_cast<int>(lists.statuses.size()));
+        EXPECT_LT(patient.treatingDoctor, static_cast<int>(lists.treatingDoctors.size()));
+        EXPECT_LT(patient.referringDoctor, static_cast<int>(lists.referringDoctors.size()));
+        EXPECT_LT(patient.insurance, static_cast<int>(lists.insurances.size()));
+        EXPECT_EQ(patient.insurance >= 0, !patient.policyNumber.empty());
+        EXPECT_EQ(patient.hasGuardian, !patient.guardian.family.empty());
+        for (const sample::Phone& phone : patient.phones)
+        {
+            EXPECT_THAT(phone.number, testing::HasSubstr(" 555-01")) << "a number that somebody may have";
+            EXPECT_FALSE(phone.kind.empty());
+        }
+        EXPECT_TRUE(std::is_sorted(patient.timepoints.begin(), patient.timepoints.end(),
+                                   [](const auto& left, const auto& right) { return left.date < right.date; }));
+        for (const sample::Timepoint& timepoint : patient.timepoints)
+        {
+            EXPECT_GT(timepoint.date, patient.birth);
+        }
+    }
+    EXPECT_EQ(kPatients, ids.size()) << "two patients share an ID";
+    EXPECT_TRUE(std::all_of(ids.begin(), ids.end(), [&](const std::string& id) { return id.size() == longest; }))
+        << "file patterns of one patient would take in another's files";
+}
+
+TEST(SamplePeople, TheSameIndexIsTheSamePersonInAnyOrderAndPractice)
+{
+    const sample::Generator small(60);
+    const sample::Generator again(60);
+    std::vector<std::string> forward;
+    for (std::size_t index = 0; index < 60; ++index)
+    {
+        forward.push_back(Describe(small.GetPatient(index)));
+    }
+    for (std::size_t index = 60; index-- > 0;)
+    {
+        EXPECT_EQ(forward[index], Describe(again.GetPatient(index)));
+    }
+    const sample::Generator large(100000);
+    EXPECT_EQ(small.GetPatient(41).family, large.GetPatient(41).family);
+    EXPECT_EQ(small.GetPatient(41).birth, large.GetPatient(41).birth);
+    EXPECT_EQ(7u, large.GetPatient(41).id.size());
+
+    const sample::Generator other(60, 2);
+    EXPECT_NE(forward[0], Describe(other.GetPatient(0)));
+}
+
+// A practice in which everybody has everything would hide faults; so would one without brothers and sisters.
+TEST(SamplePeople, ThePracticeIsMixed)
+{
+    const sample::Generator generator(60);
+    int withoutTimepoints = 0;
+    int adults = 0;
+    int siblings = 0;
+    int accented = 0;
+    int withoutDoctor = 0;
+    for (std::size_t index = 0; index < 60; ++index)
+    {
+        const sample::Patient patient = generator.GetPatient(index);
+        withoutTimepoints += patient.timepoints.empty();
+        adults += !patient.hasGuardian;
+        withoutDoctor += patient.referringDoctor < 0;
+        const std::string name = patient.given + patient.family;
+        accented += std::any_of(name.begin(), name.end(), [](char letter) { return letter < 0; });
+        if (index > 0)
+        {
+            const sample::Patient before = generator.GetPatient(index - 1);
+            siblings += before.family == patient.family && before.address.street == patient.address.street;
+        }
+    }
+    EXPECT_GT(withoutTimepoints, 0);
+    EXPECT_GT(adults, 0);
+    EXPECT_LT(adults, 60);
+    EXPECT_GE(siblings, 6);
+    EXPECT_GT(accented, 0);
+    EXPECT_GT(withoutDoctor, 0);
+}
+
+} // namespace
