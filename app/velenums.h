@@ -42,3 +42,19 @@ enum NAMEORDER : int
     NAMEORDER_FIRST_LAST = 1,
     NAMEORDER_LAST_FIRST = 2,
 };
+
+/// Posted by the archive operations to the window that was given as the parent of ArchiveDlg, once for every
+/// patient that an operation has changed. wParam is an ARCHIVE_NOTIFY. lParam is a char*: the patient's GUID,
+/// terminated by a zero byte, in a block from new char[] that the host takes over and frees with delete[]
+/// (module and host share one C++ runtime library). A host that no longer reads its messages leaks the block.
+constexpr unsigned int VELDLGS_PATIENT_CHANGED = 1137;
+
+/// What has happened to the patient. ARCHIVE_NOTIFY_REFRESH: a load has finished its work on the patient's
+/// files, read everything shown of it again.
+enum ARCHIVE_NOTIFY : int
+{
+    ARCHIVE_NOTIFY_LOADED = 1,
+    ARCHIVE_NOTIFY_REMOVED = 2,
+    ARCHIVE_NOTIFY_MERGED = 3,
+    ARCHIVE_NOTIFY_REFRESH = 4,
+};
