@@ -1,0 +1,183 @@
+#include "tests/mfcbase/thrown.h"
+#include "tests/support/temporarypractice.h"
+
+#include <gtest/gtest.h>
+
+using mfctest::FileError;
+using mfctest::Thrown;
+
+namespace
+{
+
+class FileTest : public ::testing::Test
+{
+protected:
+    CString Path(const char* name) const { return m_folder.Path(name).c_str(); }
+
+    veltest::TemporaryPractice m_folder;
+};
+
+} // namespace
+
+TEST_F(FileTest, OpensByItsModes)
+{
+    m_folder.WriteFile("a.txt", "old");
+    CFile file(Path("a.txt"), CFile::modeReadWrite | CFile::modeCreate | CFile::modeNoTruncate);
+    EXPECT_EQ(file.GetLength(), 3u);
+    EXPECT_STREQ(file.GetFileName(), "a.txt");
+    EXPECT_STREQ(file.GetFileTitle(), "a");
+    file.Close();
+    CFile(Path("a.txt"), CFile::modeWrite | CFile::modeCreate).Close();
+    EXPECT_EQ(m_folder.ReadFile("a.txt"), "");
+}
+
+TEST_F(FileTest, SharesByItsModes)
+{
+    m_folder.WriteFile("a.txt", "x");
+    CFileException error;
+    {
+        CFile owner(Path("a.txt"), CFile::modeRead | CFile::shareExclusive);
+        CFile other;
+        EXPECT_FALSE(other.Open(Path("a.txt"), CFile::modeRead | CFile::shareDenyNone, &error));
+        EXPECT_EQ(error.m_cause, CFileException::sharingViolation);
+    }
+    CFile owner(Path("a.txt"), CFile::modeRead | CFile::shareDenyWrite);
+    CFile reader(Path("a.txt"), CFile::modeRead | CFile::shareDenyNone);
+    CFile writer;
+    EXPECT_FALSE(writer.Open(Path("a.txt"), CFile::modeWrite | CFile::shareDenyNone, &error));
+    EXPECT_EQ(error.m_cause, CFileException::sharingViolation);
+}
+
+TEST_F(FileTest, SaysWhyAFileDoesNotOpen)
+{
+    const UINT read = CFile::modeRead;
+    EXPECT_EQ(Thrown([&] { CFile(Path("none.txt"), read); }), FileError(CFileException::fileNotFound));
+    EXPECT_EQ(Thrown([&] { CFile(Path("no\\where.txt"), read); }), FileError(CFileException::badPath));
+    EXPECT_EQ(Thrown([&] { CFile(Path("working"), CFile::modeWrite); }), FileError(CFileException::accessDenied));
+    EXPECT_EQ(Thrown([&] { CFile::Remove(Path("none.txt")); }), FileError(CFileException::fileNotFound));
+
+    CFileException error;
+    CFile file;
+    EXPECT_FALSE(file.Open(Path("none.txt"), read, &error));
+    EXPECT_EQ(error.m_lOsError, ERROR_FILE_NOT_FOUND);
+    EXPECT_STREQ(error.m_strFileName, Path("none.txt"));
+}
+
+TEST_F(FileTest, SeeksBeyondFourGigabytes)
+{
+    CFile file(Path("big"), CFile::modeReadWrite | CFile::modeCreate);
+    const ULONGLONG end = 5'000'000'000ULL;
+    file.SetLength(end);
+    EXPECT_EQ(file.Seek(-1, CFile::end), end - 1);
+    file.Write("x", 1);
+    EXPECT_EQ(file.GetPosition(), end);
+    EXPECT_EQ(file.GetLength(), end);
+    EXPECT_EQ(Thrown([&] { file.Seek(-1, CFile::begin); }), FileError(CFileException::badSeek));
+    file.SetLength(0);
+}
+
+TEST_F(FileTest, AFullDiskIsAnErrorHoweverItIsWritten)
+{
+    const char* const full = "Z:\\dev\\full"; // takes nothing, as a full disk
+    CFile file;
+    if (!file.Open(full, CFile::modeWrite | CFile::shareDenyNone))
+    {
+        GTEST_SKIP() << "no full device on this machine";
+    }
+    const std::string diskFull = FileError(CFileException::diskFull);
+    EXPECT_EQ(Thrown([&] { file.Write("x", 1); }), diskFull);
+
+    CStdioFile text(full, CFile::modeWrite | CFile::shareDenyNone);
+    text.WriteString("kept back\n");
+    EXPECT_EQ(Thrown([&] { text.Close(); }), diskFull);
+
+    CArchive archive(&file, CArchive::store);
+    archive << 1;
+    EXPECT_EQ(Thrown([&] { archive.Close(); }), diskFull);
+}
+
+TEST_F(FileTest, TellsAndSetsStatus)
+{
+    m_folder.WriteFile("s.txt", "12345");
+    CFileStatus status;
+    ASSERT_TRUE(CFile::GetStatus(Path("s.txt"), status));
+    EXPECT_EQ(status.m_size, 5u);
+    EXPECT_EQ(status.m_attribute & CFile::readOnly, 0u);
+    EXPECT_LT(std::abs((CTime::GetCurrentTime() - status.m_mtime).GetTotalSeconds()), 60);
+
+    status.m_mtime = CTime(2001, 2, 3, 4, 5, 6);
+    status.m_attribute |= CFile::readOnly;
+    for (int pass = 0; pass < 2; ++pass) // the second time it is read-only already
+    {
+        CFile::SetStatus(Path("s.txt"), status);
+        CFileStatus now;
+        ASSERT_TRUE(CFile::GetStatus(Path("s.txt"), now));
+        EXPECT_EQ(now.m_mtime, status.m_mtime);
+        EXPECT_NE(now.m_attribute & CFile::readOnly, 0u);
+    }
+    EXPECT_FALSE(CFile::GetStatus(Path("none"), status));
+    EXPECT_FALSE(CFile::GetStatus(Path("*.txt"), status));
+}
+
+TEST_F(FileTest, TextFilesConvertLineEnds)
+{
+    {
+        CStdioFile file(Path("t.txt"), CFile::modeCreate | CFile::modeWrite);
+        file.WriteString("one\ntwo\n");
+        EXPECT_EQ(file.GetLength(), 10u);
+        file.Close();
+    }
+    EXPECT_EQ(m_folder.ReadFile("t.txt"), "one\r\ntwo\r\n");
+
+    const std::string big(40000, 'x'); // longer than the buffer, the CR LF astride its end
+    m_folder.WriteFile("t.txt", big.substr(0, 16383) + "\r\n\r" + big + "\nend");
+    CStdioFile file(Path("t.txt"), CFile::modeRead);
+    CString line;
+    ASSERT_TRUE(file.ReadString(line));
+    EXPECT_EQ(line.GetLength(), 16383);
+    ASSERT_TRUE(file.ReadString(line));
+    EXPECT_EQ(line.GetLength(), 40001);
+    ASSERT_TRUE(file.ReadString(line));
+    EXPECT_STREQ(line, "end");
+    EXPECT_FALSE(file.ReadString(line));
+    file.SeekToBegin();
+    char part[5];
+    EXPECT_STREQ(file.ReadString(part, sizeof(part)), "xxxx");
+    EXPECT_EQ(file.GetPosition(), 4u);
+}
+
+TEST_F(FileTest, MemoryFilesGrow)
+{
+    CMemFile file;
+    file.Write("abc", 3);
+    file.Seek(5, CFile::begin);
+    file.Write("f", 1);
+    EXPECT_EQ(std::string(reinterpret_cast<const char*>(file.GetBufferPtr()), 6), std::string("abc\0\0f", 6));
+    file.Seek(1, CFile::begin);
+    char bytes[10];
+    EXPECT_EQ(file.Read(bytes, sizeof(bytes)), 5u);
+    EXPECT_EQ(file.Read(bytes, sizeof(bytes)), 0u);
+    EXPECT_EQ(Thrown([&] { file.Seek(-1, CFile::begin); }), FileError(CFileException::badSeek));
+}
+
+TEST_F(FileTest, FindsFiles)
+{
+    m_folder.WriteFile("working\\A1.PF", "12");
+    m_folder.WriteFile("working\\A101.I00", "x");
+    CFileFind finder;
+    std::string names;
+    BOOL working = finder.FindFile((m_folder.Working() + "*.*").c_str());
+    while (working)
+    {
+        working = finder.FindNextFile();
+        if (!finder.IsDots())
+        {
+            names += std::string(finder.GetFileTitle()) + ' ';
+            EXPECT_STREQ(finder.GetFilePath(), (m_folder.Working() + finder.GetFileName().GetString()).c_str());
+            EXPECT_FALSE(finder.IsDirectory());
+        }
+    }
+    EXPECT_TRUE(names == "A1 A101 " || names == "A101 A1 ") << names;
+    EXPECT_FALSE(finder.FindFile(Path("*.none")));
+    EXPECT_EQ(Thrown([&] { finder.GetFileName(); }), "CInvalidArgException");
+}

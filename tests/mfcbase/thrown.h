@@ -1,0 +1,45 @@
+// What a call throws, by the framework's rules: a pointer that the catcher deletes.
+#pragma once
+
+#include <afx.h>
+
+#include <string>
+
+namespace mfctest
+{
+
+// "CFileException 13": the class and, where it has one, the cause; empty when nothing is thrown.
+template <class Call> std::string Thrown(Call call)
+{
+    std::string text;
+    try
+    {
+        call();
+    }
+    catch (CException* e)
+    {
+        text = e->GetRuntimeClass()->m_lpszClassName;
+        if (const auto* file = DYNAMIC_DOWNCAST(CFileException, e))
+        {
+            text += ' ' + std::to_string(file->m_cause);
+        }
+        if (const auto* archive = DYNAMIC_DOWNCAST(CArchiveException, e))
+        {
+            text += ' ' + std::to_string(archive->m_cause);
+        }
+        e->Delete();
+    }
+    return text;
+}
+
+inline std::string FileError(int cause)
+{
+    return "CFileException " + std::to_string(cause);
+}
+
+inline std::string ArchiveError(int cause)
+{
+    return "CArchiveException " + std::to_string(cause);
+}
+
+} // namespace mfctest
