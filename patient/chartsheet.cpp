@@ -201,13 +201,12 @@ bool patCChartSheet::ConfirmSimilarPatient()
 {
     const CString& strFirstname = m_pageChart.GetFirstname();
     const CString& strLastname = m_pageChart.GetLastname();
-    const COleDateTime& dateBirth = m_pageChart.GetBirthdate();
+    const velCDate& dateBirth = m_pageChart.GetBirthdate();
     if (!VelApp()->GetPatients()->FindSimilar(strFirstname, strLastname, dateBirth))
         return true;
-    const CString strBirthdate = dateBirth.Format(VAR_DATEVALUEONLY, LANG_USER_DEFAULT);
     CString strQuestion;
     strQuestion.Format(IDS_PATIENT_SIMILAR, strFirstname.GetString(), strLastname.GetString(),
-                       strBirthdate.GetString());
+                       dateBirth.FormatDate().GetString());
     CString strCaption;
     strCaption.LoadString(IDS_PATIENT_SIMILAR_CAPTION);
     return MessageBox(strQuestion, strCaption, MB_YESNO) == IDYES;

@@ -57,8 +57,8 @@ public:
         return m_strDefaultCountry;
     }
 
-    /// The birth date as it stands on the chart page; a null date when there is none.
-    const COleDateTime& GetBirthdate() const
+    /// The birth date as it stands on the chart page; no date when there is none.
+    const velCDate& GetBirthdate() const
     {
         return m_pageChart.GetBirthdate();
     }

@@ -2,20 +2,12 @@
 
 #include <cmath>
 
-long patDayNumber(const COleDateTime& date)
+long patDayNumber(const velCDate& date)
 {
-    return date.GetStatus() == COleDateTime::valid ? static_cast<long>(std::floor(date.m_dt)) : 0;
+    return date.IsValid() ? static_cast<long>(std::floor(date.m_dt)) : 0;
 }
 
-COleDateTime patDayDate(long nDay)
+velCDate patDayDate(long nDay)
 {
-    COleDateTime date(static_cast<DATE>(nDay));
-    if (nDay == 0)
-        date.SetStatus(COleDateTime::null);
-    return date;
-}
-
-CString patDayText(long nDay)
-{
-    return nDay == 0 ? CString() : patDayDate(nDay).Format(VAR_DATEVALUEONLY, LANG_USER_DEFAULT);
+    return nDay == 0 ? velCDate() : velCDate(COleDateTime(static_cast<DATE>(nDay)));
 }

@@ -36,7 +36,6 @@ template <std::size_t N> void FillList(CComboBox& list, const std::array<patCODE
 patCDlgChart::patCDlgChart(patCChartSheet& sheet)
     : patCSheetPage(sheet, IDD_PATIENT_CHART, PAT_PAGE_CHART), m_contact(contactControls)
 {
-    m_dateBirth.SetStatus(COleDateTime::null);
 }
 
 void patCDlgChart::DoDataExchange(CDataExchange* pDX)

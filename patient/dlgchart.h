@@ -3,9 +3,9 @@
 
 #include "patient/contactfields.h"
 #include "patient/sheetpage.h"
+#include "suite/util/veldate.h"
 
 #include <afxcmn.h>
-#include <afxdisp.h>
 #include <afxwin.h>
 
 /// Page 1 of the patient information sheet. It is filled when it is first shown, checked whenever the user
@@ -38,7 +38,7 @@ public:
     {
         return m_strLastname;
     }
-    const COleDateTime& GetBirthdate() const
+    const velCDate& GetBirthdate() const
     {
         return m_dateBirth;
     }
@@ -58,7 +58,7 @@ private:
     CString m_strLastname;
     CString m_strNickname;
     patCContactFields m_contact;
-    COleDateTime m_dateBirth;
+    velCDate m_dateBirth;
     int m_nGenderButton = 1; ///< 0 for gender 1, 1 for every other
     CString m_strLoadedID;
     CComboBox m_listGenderIdentity;

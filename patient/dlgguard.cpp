@@ -26,7 +26,6 @@ constexpr int genderMale = 2;
 patCDlgGuard::patCDlgGuard(patCChartSheet& sheet)
     : patCSheetPage(sheet, IDD_PATIENT_GUARDIAN, PAT_PAGE_GUARDIAN), m_contact(contactControls)
 {
-    m_dateBirth.SetStatus(COleDateTime::null);
 }
 
 void patCDlgGuard::DoDataExchange(CDataExchange* pDX)

@@ -4,9 +4,9 @@
 #include "patient/contactfields.h"
 #include "patient/guardianrules.h"
 #include "patient/sheetpage.h"
+#include "suite/util/veldate.h"
 
 #include <afxcmn.h>
-#include <afxdisp.h>
 #include <afxwin.h>
 
 /// Page 3 of the patient information sheet: one person record of the database, attached to the patient. The
@@ -40,6 +40,6 @@ private:
     CString m_strNickname;
     CString m_strNotes;
     patCContactFields m_contact;
-    COleDateTime m_dateBirth;
+    velCDate m_dateBirth;
     int m_nGenderButton = 1; ///< 0 for gender 1, 1 for every other
 };

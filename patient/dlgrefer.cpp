@@ -129,7 +129,7 @@ void patCDlgRefer::ShowRow(int nRow)
         m_listReferrals.InsertItem(nRow, referral.strDoctor.c_str());
     else
         m_listReferrals.SetItemText(nRow, 0, referral.strDoctor.c_str());
-    m_listReferrals.SetItemText(nRow, 1, patDayText(referral.nDay));
+    m_listReferrals.SetItemText(nRow, 1, patDayDate(referral.nDay).FormatDate());
     m_listReferrals.SetItemText(nRow, 2, referral.strNote.c_str());
 }
 
@@ -142,7 +142,7 @@ patReferral patCDlgRefer::GetEntry() const
         entry.strDoctorID = m_doctors[static_cast<std::size_t>(nDoctor - 1)].strID;
         entry.strDoctor = m_doctors[static_cast<std::size_t>(nDoctor - 1)].strName;
     }
-    COleDateTime date;
+    velCDate date;
     m_dateEntry.GetTime(date);
     entry.nDay = patDayNumber(date);
     CString strNote;
@@ -163,7 +163,7 @@ void patCDlgRefer::ShowEntry(const patReferral& entry)
 void patCDlgRefer::ShowEmptyEntry()
 {
     patReferral entry;
-    entry.nDay = patDayNumber(COleDateTime::GetCurrentTime());
+    entry.nDay = patDayNumber(velCDate::Today());
     ShowEntry(entry);
 }
 
@@ -235,7 +235,7 @@ void patCDlgRefer::TakeEntry(int nRow)
 
 patFinding patCDlgRefer::CheckDates(const std::vector<patReferral>& referrals) const
 {
-    const long nToday = patDayNumber(COleDateTime::GetCurrentTime());
+    const long nToday = patDayNumber(velCDate::Today());
     return patCheckReferralDates(referrals, nToday, patDayNumber(m_sheet.GetBirthdate()));
 }
 

@@ -5,7 +5,6 @@
 #include "patient/sheetpage.h"
 
 #include <afxcmn.h>
-#include <afxdisp.h>
 #include <afxdtctl.h>
 #include <afxwin.h>
 

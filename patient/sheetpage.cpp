@@ -3,6 +3,7 @@
 #include "app/velapp.h"
 #include "patient/chartsheet.h"
 #include "patient/finding.h"
+#include "suite/util/velstring.h"
 
 #include <afxcmn.h>
 
@@ -27,11 +28,7 @@ bool patCSheetPage::Report(const patFinding& finding)
         return true;
     m_sheet.ShowPage(m_nPage);
     if (finding.nMessage != 0)
-    {
-        CString strMessage;
-        AfxFormatString1(strMessage, finding.nMessage, finding.strArgument.c_str());
-        AfxMessageBox(strMessage);
-    }
+        AfxMessageBox(velFormatTemplate(finding.nMessage, finding.strArgument.c_str()));
     if (CWnd* pControl = finding.nControl != 0 ? GetDlgItem(static_cast<int>(finding.nControl)) : nullptr)
         GotoDlgCtrl(pControl);
     return false;
