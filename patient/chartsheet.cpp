@@ -89,7 +89,7 @@ BOOL patCChartSheet::PreTranslateMessage(MSG* pMsg)
 
 void patCChartSheet::OnHelpButton()
 {
-    VelApp()->ShowHelp(GetPage(GetActiveIndex()).GetHelpId());
+    VelApp()->ShowHelp(GetPage(GetActiveIndex()).GetHelpID());
 }
 
 bool patCChartSheet::LoadExistingPatient()

@@ -41,6 +41,7 @@ patCDlgChart::patCDlgChart(patCChartSheet& sheet)
 void patCDlgChart::DoDataExchange(CDataExchange* pDX)
 {
     patCSheetPage::DoDataExchange(pDX);
+    DDX_Control(pDX, IDC_CHART_ID, m_editID);
     DDX_Control(pDX, IDC_CHART_GENDER_IDENTITY, m_listGenderIdentity);
     DDX_Control(pDX, IDC_CHART_RACE, m_listRace);
     DDX_Control(pDX, IDC_CHART_TEETH, m_wndTeeth);
@@ -61,7 +62,6 @@ void patCDlgChart::DoDataExchange(CDataExchange* pDX)
 BOOL patCDlgChart::OnInitDialog()
 {
     patCSheetPage::OnInitDialog();
-    static_cast<CEdit*>(GetDlgItem(IDC_CHART_ID))->SetLimitText(PAT_MAX_ID);
     FillLists();
     m_contact.Initialise(m_sheet.GetDefaultCountry());
     if (m_sheet.IsNewPatient())
@@ -131,7 +131,7 @@ bool patCDlgChart::CheckUniqueID()
 void patCDlgChart::ReportTakenID()
 {
     Report(patFinding::Failed(IDS_PATIENT_ID_TAKEN, IDC_CHART_ID));
-    static_cast<CEdit*>(GetDlgItem(IDC_CHART_ID))->SetSel(0, -1);
+    m_editID.SetSel(0, -1);
 }
 
 void patCDlgChart::CopyTo(dbCPatient& patient)

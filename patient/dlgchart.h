@@ -3,6 +3,7 @@
 
 #include "patient/contactfields.h"
 #include "patient/sheetpage.h"
+#include "suite/dialogs/cededit.h"
 #include "suite/util/veldate.h"
 
 #include <afxcmn.h>
@@ -61,6 +62,7 @@ private:
     velCDate m_dateBirth;
     int m_nGenderButton = 1; ///< 0 for gender 1, 1 for every other
     CString m_strLoadedID;
+    cedCEditID m_editID;
     CComboBox m_listGenderIdentity;
     CComboBox m_listRace;
     CWnd m_wndTeeth;

@@ -136,7 +136,6 @@ void patCDlgInsurance::ShowEntry(const patInsurance& entry)
     m_strGroup = entry.strGroup.c_str();
     m_listCompany.SetCurSel(-1); // else the exchange would complete the text from a longer entry
     UpdateData(FALSE);
-    UpdateButtons();
 }
 
 int patCDlgInsurance::GetSelectedRow() const
@@ -150,19 +149,24 @@ const patInsurance* patCDlgInsurance::GetSelected() const
     return nRow < 0 ? nullptr : &m_insurances[static_cast<std::size_t>(nRow)];
 }
 
-void patCDlgInsurance::UpdateButtons()
+void patCDlgInsurance::OnUpdateAdd(CCmdUI* pCmdUI)
 {
-    const bool bCompany = !patIsBlank(GetEntry().strCompany);
-    const int nRow = GetSelectedRow();
-    GetDlgItem(IDC_INSURE_ADD)->EnableWindow(bCompany);
-    GetDlgItem(IDC_INSURE_CHANGE)->EnableWindow(bCompany && nRow >= 0);
-    GetDlgItem(IDC_INSURE_REMOVE)->EnableWindow(nRow >= 0);
-    GetDlgItem(IDC_INSURE_PRIMARY)->EnableWindow(nRow > 0);
+    pCmdUI->Enable(!patIsBlank(GetEntry().strCompany));
 }
 
-void patCDlgInsurance::OnEntryChanged()
+void patCDlgInsurance::OnUpdateChange(CCmdUI* pCmdUI)
 {
-    UpdateButtons();
+    pCmdUI->Enable(!patIsBlank(GetEntry().strCompany) && GetSelectedRow() >= 0);
+}
+
+void patCDlgInsurance::OnUpdateRemove(CCmdUI* pCmdUI)
+{
+    pCmdUI->Enable(GetSelectedRow() >= 0);
+}
+
+void patCDlgInsurance::OnUpdatePrimary(CCmdUI* pCmdUI)
+{
+    pCmdUI->Enable(GetSelectedRow() > 0);
 }
 
 // The edit part still has the old text when the list tells of the selection.
@@ -174,7 +178,6 @@ void patCDlgInsurance::OnCompanySelected()
     CString strCompany;
     m_listCompany.GetLBText(nCompany, strCompany);
     m_listCompany.SetWindowText(strCompany);
-    UpdateButtons();
 }
 
 void patCDlgInsurance::OnRowChanged(NMHDR* pNMHDR, LRESULT* pResult)
@@ -182,8 +185,6 @@ void patCDlgInsurance::OnRowChanged(NMHDR* pNMHDR, LRESULT* pResult)
     const auto& change = *reinterpret_cast<const NMLISTVIEW*>(pNMHDR);
     if ((change.uChanged & LVIF_STATE) != 0 && (change.uNewState & LVIS_SELECTED) != 0)
         ShowEntry(m_insurances[static_cast<std::size_t>(change.iItem)]);
-    else
-        UpdateButtons();
     *pResult = 0;
 }
 
@@ -230,6 +231,7 @@ void patCDlgInsurance::OnClear()
     m_listInsurances.SetItemState(-1, 0, LVIS_SELECTED | LVIS_FOCUSED);
     ShowEntry({});
     GotoDlgCtrl(&m_listCompany);
+    UpdateControls();
 }
 
 void patCDlgInsurance::OnMakePrimary()

@@ -27,7 +27,6 @@ protected:
     void DoDataExchange(CDataExchange* pDX) override;
     BOOL OnInitDialog() override;
 
-    afx_msg void OnEntryChanged();
     afx_msg void OnCompanySelected();
     afx_msg void OnRowChanged(NMHDR* pNMHDR, LRESULT* pResult);
     afx_msg void OnAdd();
@@ -35,6 +34,10 @@ protected:
     afx_msg void OnRemove();
     afx_msg void OnClear();
     afx_msg void OnMakePrimary();
+    afx_msg void OnUpdateAdd(CCmdUI* pCmdUI);
+    afx_msg void OnUpdateChange(CCmdUI* pCmdUI);
+    afx_msg void OnUpdateRemove(CCmdUI* pCmdUI);
+    afx_msg void OnUpdatePrimary(CCmdUI* pCmdUI);
     DECLARE_MESSAGE_MAP()
 
 private:
@@ -47,7 +50,6 @@ private:
     /// Checks the fields and makes them row nRow, behind the last row a new one.
     void TakeEntry(int nRow);
     void ShowRow(int nRow);
-    void UpdateButtons();
 
     dbCInsuranceCompanies m_companies;
     std::vector<patInsurance> m_insurances;

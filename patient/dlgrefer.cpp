@@ -157,7 +157,6 @@ void patCDlgRefer::ShowEntry(const patReferral& entry)
     m_dateEntry.SetTime(patDayDate(entry.nDay));
     m_strNote = entry.strNote.c_str();
     UpdateData(FALSE);
-    UpdateButtons();
 }
 
 void patCDlgRefer::ShowEmptyEntry()
@@ -178,24 +177,19 @@ const patReferral* patCDlgRefer::GetSelected() const
     return nRow < 0 ? nullptr : &m_referrals[static_cast<std::size_t>(nRow)];
 }
 
-void patCDlgRefer::UpdateButtons()
+void patCDlgRefer::OnUpdateAdd(CCmdUI* pCmdUI)
 {
-    const bool bDoctor = m_listDoctor.GetCurSel() > 0;
-    const bool bSelected = GetSelectedRow() >= 0;
-    GetDlgItem(IDC_REFER_ADD)->EnableWindow(bDoctor);
-    GetDlgItem(IDC_REFER_CHANGE)->EnableWindow(bDoctor && bSelected);
-    GetDlgItem(IDC_REFER_REMOVE)->EnableWindow(bSelected);
+    pCmdUI->Enable(m_listDoctor.GetCurSel() > 0);
 }
 
-void patCDlgRefer::OnEntryChanged()
+void patCDlgRefer::OnUpdateChange(CCmdUI* pCmdUI)
 {
-    UpdateButtons();
+    pCmdUI->Enable(m_listDoctor.GetCurSel() > 0 && GetSelectedRow() >= 0);
 }
 
-void patCDlgRefer::OnEntryDateChanged(NMHDR*, LRESULT* pResult)
+void patCDlgRefer::OnUpdateRemove(CCmdUI* pCmdUI)
 {
-    UpdateButtons();
-    *pResult = 0;
+    pCmdUI->Enable(GetSelectedRow() >= 0);
 }
 
 void patCDlgRefer::OnRowChanged(NMHDR* pNMHDR, LRESULT* pResult)
@@ -203,8 +197,6 @@ void patCDlgRefer::OnRowChanged(NMHDR* pNMHDR, LRESULT* pResult)
     const auto& change = *reinterpret_cast<const NMLISTVIEW*>(pNMHDR);
     if ((change.uChanged & LVIF_STATE) != 0 && (change.uNewState & LVIS_SELECTED) != 0)
         ShowEntry(m_referrals[static_cast<std::size_t>(change.iItem)]);
-    else
-        UpdateButtons();
     *pResult = 0;
 }
 
@@ -265,6 +257,7 @@ void patCDlgRefer::OnClear()
     m_listReferrals.SetItemState(-1, 0, LVIS_SELECTED | LVIS_FOCUSED);
     ShowEmptyEntry();
     GotoDlgCtrl(&m_listDoctor);
+    UpdateControls();
 }
 
 bool patCDlgRefer::Check()

@@ -31,13 +31,14 @@ protected:
     BOOL OnInitDialog() override;
     BOOL OnSetActive() override;
 
-    afx_msg void OnEntryChanged();
-    afx_msg void OnEntryDateChanged(NMHDR* pNMHDR, LRESULT* pResult);
     afx_msg void OnRowChanged(NMHDR* pNMHDR, LRESULT* pResult);
     afx_msg void OnAdd();
     afx_msg void OnChange();
     afx_msg void OnRemove();
     afx_msg void OnClear();
+    afx_msg void OnUpdateAdd(CCmdUI* pCmdUI);
+    afx_msg void OnUpdateChange(CCmdUI* pCmdUI);
+    afx_msg void OnUpdateRemove(CCmdUI* pCmdUI);
     DECLARE_MESSAGE_MAP()
 
 private:
@@ -55,7 +56,6 @@ private:
     /// Checks the fields and makes them row nRow, behind the last row a new one.
     void TakeEntry(int nRow);
     void ShowRow(int nRow);
-    void UpdateButtons();
 
     struct DOCTOR
     {

@@ -7,13 +7,8 @@
 
 #include <afxcmn.h>
 
-namespace
-{
-constexpr UINT helpIdBase = 0x20000;
-}
-
 patCSheetPage::patCSheetPage(patCChartSheet& sheet, UINT nIDTemplate, patPAGE nPage)
-    : mfcCPropertyPage(nIDTemplate), m_sheet(sheet), m_nTemplate(nIDTemplate), m_nPage(nPage)
+    : mfcCPropertyPage(nIDTemplate), m_sheet(sheet), m_nPage(nPage)
 {
 }
 
@@ -34,11 +29,6 @@ bool patCSheetPage::Report(const patFinding& finding)
     return false;
 }
 
-UINT patCSheetPage::GetHelpId() const
-{
-    return helpIdBase + m_nTemplate;
-}
-
 // What the user entered lives in the controls. The framework's own OnSetActive would put the members' values
 // of the last exchange back over it.
 BOOL patCSheetPage::OnSetActive()
@@ -54,14 +44,10 @@ BOOL patCSheetPage::OnKillActive()
     return mfcCPropertyPage::OnKillActive() && Check();
 }
 
-BOOL patCSheetPage::PreTranslateMessage(MSG* pMsg)
+BOOL patCSheetPage::OnHelpKey(UINT nHelpID)
 {
-    if (pMsg->message == WM_KEYDOWN && pMsg->wParam == VK_F1)
-    {
-        VelApp()->ShowHelp(GetHelpId());
-        return TRUE;
-    }
-    return mfcCPropertyPage::PreTranslateMessage(pMsg);
+    VelApp()->ShowHelp(nHelpID);
+    return TRUE;
 }
 
 void patCSheetPage::AddColumn(CListCtrl& list, UINT nTitle, int nWidth)

@@ -26,17 +26,14 @@ public:
     /// inside the sheet's database transaction. Throws dbCException* when the database fails.
     virtual void CopyTo(dbCPatient& patient) = 0;
 
-    /// The page's topic in the help file.
-    UINT GetHelpId() const;
-
 protected:
     /// Raises the page's flag in the sheet.
     BOOL OnSetActive() override;
     /// Transfers the controls into the members and runs Check(). The user stays on the page when either
     /// fails.
     BOOL OnKillActive() override;
-    /// F1 anywhere on the page opens the page's help topic.
-    BOOL PreTranslateMessage(MSG* pMsg) override;
+    /// Opens the page's help topic.
+    BOOL OnHelpKey(UINT nHelpID) override;
 
     /// Appends a column to a list in report form; the width is in pixels.
     static void AddColumn(CListCtrl& list, UINT nTitle, int nWidth);
@@ -44,6 +41,5 @@ protected:
     patCChartSheet& m_sheet;
 
 private:
-    const UINT m_nTemplate;
     const patPAGE m_nPage;
 };
