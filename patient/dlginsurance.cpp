@@ -169,17 +169,6 @@ void patCDlgInsurance::OnUpdatePrimary(CCmdUI* pCmdUI)
     pCmdUI->Enable(GetSelectedRow() > 0);
 }
 
-// The edit part still has the old text when the list tells of the selection.
-void patCDlgInsurance::OnCompanySelected()
-{
-    const int nCompany = m_listCompany.GetCurSel();
-    if (nCompany == CB_ERR)
-        return;
-    CString strCompany;
-    m_listCompany.GetLBText(nCompany, strCompany);
-    m_listCompany.SetWindowText(strCompany);
-}
-
 void patCDlgInsurance::OnRowChanged(NMHDR* pNMHDR, LRESULT* pResult)
 {
     const auto& change = *reinterpret_cast<const NMLISTVIEW*>(pNMHDR);

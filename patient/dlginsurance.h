@@ -27,7 +27,6 @@ protected:
     void DoDataExchange(CDataExchange* pDX) override;
     BOOL OnInitDialog() override;
 
-    afx_msg void OnCompanySelected();
     afx_msg void OnRowChanged(NMHDR* pNMHDR, LRESULT* pResult);
     afx_msg void OnAdd();
     afx_msg void OnChange();

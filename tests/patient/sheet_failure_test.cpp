@@ -1,0 +1,321 @@
+// The sheet against a database that fails, other processes, and hostile texts.
+
+#include "tests/patient/sheetfixture.h"
+
+using veltest::Dialog;
+using veltest::DialogScript;
+
+namespace
+{
+
+using SheetFailureTest = SheetTest;
+
+constexpr char takenID[] = "The patient ID already exists. Please enter a unique ID.";
+constexpr char notSaved[] = "The patient could not be saved. Nothing was changed.";
+
+// A named event that both processes of a test know.
+class Signal
+{
+public:
+    explicit Signal(const std::string& name) : m_handle(CreateEventA(nullptr, TRUE, FALSE, name.c_str()))
+    {
+    }
+    ~Signal()
+    {
+        CloseHandle(m_handle);
+    }
+    Signal(const Signal&) = delete;
+    Signal& operator=(const Signal&) = delete;
+
+    void Set() const
+    {
+        SetEvent(m_handle);
+    }
+    bool Wait() const
+    {
+        return WaitForSingleObject(m_handle, 60'000) == WAIT_OBJECT_0;
+    }
+
+private:
+    HANDLE m_handle;
+};
+
+std::string SignalName(const char* pszName)
+{
+    return std::string("veltest-sheet-") + pszName;
+}
+
+void ExpectNotSaved(DialogScript& script, const Dialog& sheet)
+{
+    sheet.Press(IDOK);
+    const Dialog box = script.WaitForBox();
+    EXPECT_THAT(box.BoxText(), testing::StartsWith(std::string(notSaved) + "\n\n"));
+    EXPECT_GT(box.BoxText().size(), sizeof notSaved + 5); // the reason is given
+    box.Press(IDOK);
+    script.WaitUntil("the sheet is usable again", [&] { return sheet.IsEnabled(); });
+}
+
+// One user's part of the race: both have passed the check of the ID when they are asked about the similar patient.
+// Returns whether this one got the ID.
+bool RaceForID(DialogScript& script, const Signal& own, const Signal& other)
+{
+    const Dialog sheet = WaitForSheet(script);
+    FillNames(sheet, "RACE", "Ann", "Lee");
+    sheet.Item(IDC_CHART_BIRTHDATE).SetDate(2012, 3, 4);
+    sheet.Press(IDOK);
+    const Dialog question = script.WaitForBox("Similar Patient");
+    own.Set();
+    EXPECT_TRUE(other.Wait());
+    question.Press(IDYES);
+    question.WaitForClosed();
+    script.WaitUntil("the ID is won or lost", [&] { return !sheet.IsOpen() || script.FindBox().has_value(); });
+    if (!sheet.IsOpen())
+        return true;
+    EXPECT_EQ(script.WaitForBox().BoxText(), takenID);
+    script.AnswerBox("", IDOK);
+    script.WaitUntil("the sheet is usable again", [&] { return sheet.IsEnabled(); });
+    EXPECT_EQ(sheet.Focused().Id(), IDC_CHART_ID);
+    EXPECT_EQ(SelectedText(sheet.Item(IDC_CHART_ID)), "RACE");
+    sheet.Press(IDCANCEL);
+    return false;
+}
+
+VEL_CHILD_PROCESS(raceForID)
+{
+    dbCPatients::Open(arguments[0].c_str());
+    const Signal own(SignalName("child"));
+    const Signal other(SignalName("parent"));
+    dbCPatients patients;
+    CString strGUID;
+    bool bWon = false;
+    const __int64 nResult = veltest::RunModal([&] { return NewPatientDlg(nullptr, &patients, strGUID); },
+                                              [&](DialogScript& script) { bWon = RaceForID(script, own, other); });
+    dbCPatients::Close();
+    return testing::Test::HasFailure() || bWon != (nResult == IDOK) ? 99 : static_cast<int>(nResult);
+}
+
+TEST_F(SheetFailureTest, OfTwoProcessesExactlyOneGetsTheID)
+{
+    StorePatient("A1");
+    const Signal own(SignalName("parent"));
+    const Signal other(SignalName("child"));
+    veltest::ChildProcess child("raceForID", {DatabasePath()});
+    bool bWon = false;
+    const __int64 nResult = RunNew([&](DialogScript& script) { bWon = RaceForID(script, own, other); });
+    const int nOther = child.Wait();
+    EXPECT_EQ(nResult, bWon ? IDOK : IDCANCEL);
+    EXPECT_EQ(nOther, bWon ? IDCANCEL : IDOK);
+    EXPECT_EQ(m_strGUID.IsEmpty() != FALSE, !bWon);
+    EXPECT_EQ(m_patients.GetCount(dbSearchID, "RACE"), 1);
+}
+
+VEL_CHILD_PROCESS(holdDatabase)
+{
+    dbCPatients::Open(arguments[0].c_str());
+    {
+        const dbCTransaction transaction;
+        Signal(SignalName("held")).Set();
+        Signal(SignalName("release")).Wait();
+    }
+    dbCPatients::Close();
+    return 0;
+}
+
+TEST_F(SheetFailureTest, ALockedDatabaseIsReportedAndOKCanBeRepeated)
+{
+    const Signal held(SignalName("held"));
+    const Signal release(SignalName("release"));
+    veltest::ChildProcess child("holdDatabase", {DatabasePath()});
+    ASSERT_TRUE(held.Wait());
+    EXPECT_EQ(RunNew(
+                  [&](DialogScript& script)
+                  {
+                      const Dialog sheet = WaitForSheet(script);
+                      FillNames(sheet, "A1", "Ann", "Lee");
+                      sheet.SelectPage(PAT_PAGE_GUARDIAN);
+                      sheet.Item(IDC_GUARD_FIRSTNAME).SetText("Eve");
+                      sheet.Item(IDC_GUARD_LASTNAME).SetText("Lee");
+                      script.SetPatience(60'000);
+                      ExpectNotSaved(script, sheet);
+                      EXPECT_EQ(sheet.Item(IDC_GUARD_FIRSTNAME).Text(), "Eve");
+                      release.Set();
+                      EXPECT_EQ(child.Wait(), 0);
+                      sheet.Press(IDOK);
+                  }),
+              IDOK);
+    EXPECT_EQ(Stored("A1").GetGUID(), m_strGUID);
+}
+
+// A patient list whose database goes away at a given moment, or that fails outright.
+class FailingPatients : public dbCPatients
+{
+public:
+    enum class Moment
+    {
+        UniqueID,
+        SimilarPatient,
+        AfterTheChecks
+    };
+
+    explicit FailingPatients(Moment moment) : m_moment(moment)
+    {
+    }
+    BOOL IsIDFree(LPCTSTR pszID) override
+    {
+        Fail(Moment::UniqueID);
+        return dbCPatients::IsIDFree(pszID);
+    }
+    BOOL FindSimilar(LPCTSTR pszFirst, LPCTSTR pszLast, const velCDate& dateBirth, CString* pstrGUID) override
+    {
+        Fail(Moment::SimilarPatient);
+        const BOOL bFound = dbCPatients::FindSimilar(pszFirst, pszLast, dateBirth, pstrGUID);
+        if (m_moment == Moment::AfterTheChecks)
+            dbCPatients::Close();
+        return bFound;
+    }
+
+private:
+    void Fail(Moment moment) const
+    {
+        if (m_moment == moment)
+            dbCException::Throw(dbErrIO, "the cable is out");
+    }
+
+    Moment m_moment;
+};
+
+TEST_F(SheetFailureTest, ADatabaseThatFailsDuringOKLeavesTheSheetOpen)
+{
+    for (const auto moment : {FailingPatients::Moment::UniqueID, FailingPatients::Moment::SimilarPatient,
+                              FailingPatients::Moment::AfterTheChecks})
+    {
+        FailingPatients patients(moment);
+        m_pPatients = &patients;
+        EXPECT_EQ(RunNew(
+                      [](DialogScript& script)
+                      {
+                          const Dialog sheet = WaitForSheet(script);
+                          FillNames(sheet, "A1", "Ann", "Lee");
+                          ExpectNotSaved(script, sheet);
+                          EXPECT_EQ(sheet.Item(IDC_CHART_FIRSTNAME).Text(), "Ann");
+                          sheet.Press(IDCANCEL);
+                      }),
+                  IDCANCEL);
+        if (!dbCPatients::IsOpen())
+            dbCPatients::Open(DatabasePath().c_str());
+        EXPECT_TRUE(m_patients.IsIDFree("A1"));
+    }
+}
+
+// The name cannot be converted to Unicode, so the write fails half way, after the company was added.
+TEST_F(SheetFailureTest, NothingIsHalfWritten)
+{
+    dbCPatient data;
+    EXPECT_EQ(RunNewWithData(data,
+                             [](DialogScript& script)
+                             {
+                                 const Dialog sheet = WaitForSheet(script);
+                                 FillNames(sheet, "A1", "Ann", "Lee\x81");
+                                 sheet.SelectPage(PAT_PAGE_GUARDIAN);
+                                 sheet.Item(IDC_GUARD_FIRSTNAME).SetText("Eve");
+                                 sheet.Item(IDC_GUARD_LASTNAME).SetText("Lee");
+                                 sheet.SelectPage(PAT_PAGE_INSURANCE);
+                                 sheet.Item(IDC_INSURE_COMPANY).SetText("Northfield");
+                                 sheet.SettleIdle();
+                                 sheet.Press(IDC_INSURE_ADD);
+                                 ExpectNotSaved(script, sheet);
+                                 sheet.Press(IDCANCEL);
+                             }),
+              IDCANCEL);
+    EXPECT_TRUE(data.GetID().IsEmpty()); // the caller's record is as it was
+    EXPECT_EQ(data.GetInsurances().GetCount(), 0);
+    dbCInsuranceCompanies companies;
+    companies.Load();
+    EXPECT_EQ(companies.GetCount(), 0);
+    EXPECT_TRUE(m_patients.IsIDFree("A1"));
+}
+
+TEST_F(SheetFailureTest, ARecordChangedElsewhereIsNotOverwritten)
+{
+    dbCPatient patient = StorePatient("A1");
+    dbCPatient other = Stored("A1");
+
+    // Changes the record behind the sheet's back, on the user interface thread, while OK is being handled.
+    class : public dbCPatients
+    {
+    public:
+        BOOL IsIDFree(LPCTSTR pszID) override
+        {
+            if (m_pOther != nullptr)
+                m_pOther->Save();
+            m_pOther = nullptr;
+            return dbCPatients::IsIDFree(pszID);
+        }
+        dbCPatient* m_pOther = nullptr;
+    } patients;
+    other.SetNickname("other");
+    patients.m_pOther = &other;
+    m_pPatients = &patients;
+    EXPECT_EQ(RunChange(patient,
+                        [](DialogScript& script)
+                        {
+                            const Dialog sheet = WaitForSheet(script);
+                            FillNames(sheet, "A2", "Anna", "Lee");
+                            ExpectNotSaved(script, sheet);
+                            sheet.Press(IDCANCEL);
+                        }),
+              IDCANCEL);
+    EXPECT_EQ(Stored("A1").GetNickname(), "other");
+    EXPECT_EQ(Stored("A1").GetFirstname(0), "Ann");
+}
+
+TEST_F(SheetFailureTest, HostileTextsComeBackAsTheyWere)
+{
+    const std::string texts[] = {
+        "O'Brien \"x\"",
+        "%s %n %d 100%",
+        "'; DROP TABLE patient; --",
+        "\x01\x02\tz",
+        "M\xFCller \x80 \xFF",
+        "<1> <2> \\n",
+        std::string(50, '\xDF'),
+        " ",
+    };
+    int nNumber = 0;
+    for (const std::string& text : texts)
+    {
+        SCOPED_TRACE(text);
+        const std::string id = "H" + std::to_string(++nNumber);
+        EXPECT_EQ(RunNew(
+                      [&](DialogScript& script)
+                      {
+                          const Dialog sheet = WaitForSheet(script);
+                          FillNames(sheet, id, text, text);
+                          sheet.Item(IDC_CHART_STREET).SetText(text);
+                          sheet.SelectPage(PAT_PAGE_GUARDIAN);
+                          sheet.Item(IDC_GUARD_FIRSTNAME).SetText(text);
+                          sheet.Item(IDC_GUARD_LASTNAME).SetText(text);
+                          sheet.Item(IDC_GUARD_NOTES).SetText(text + std::string(40'000, '%'));
+                          sheet.SelectPage(PAT_PAGE_INSURANCE);
+                          sheet.Item(IDC_INSURE_COMPANY).SetText(text + "x");
+                          sheet.SettleIdle();
+                          if (text.size() < 50)
+                              sheet.Press(IDC_INSURE_ADD);
+                          else
+                              sheet.Press(IDC_INSURE_CLEAR);
+                          sheet.Press(IDOK);
+                      }),
+                  IDOK);
+        const dbCPatient patient = Stored(id.c_str());
+        EXPECT_EQ(patient.GetFirstname(0).GetString(), text);
+        EXPECT_EQ(patient.GetLastname(0).GetString(), text);
+        EXPECT_EQ(patient.GetAddress().GetStreet().GetString(), text);
+        dbCPerson guardian;
+        ASSERT_TRUE(patient.GetPersonInfo(dbPersonGuardian, guardian));
+        EXPECT_EQ(guardian.GetLastname().GetString(), text);
+        EXPECT_EQ(guardian.GetNotes().GetString(), text + std::string(40'000, '%'));
+        EXPECT_EQ(patient.GetInsurances().GetCount(), text.size() < 50 ? 1 : 0);
+    }
+}
+
+} // namespace

@@ -1,0 +1,85 @@
+// A practice of its own for one test of the patient sheet, and a user who works in it.
+#pragma once
+
+#include "app/veldlgs.h"
+#include "patient/patientres.h"
+#include "patient/sheetrules.h"
+#include "suite/patients/velpat.h"
+#include "tests/support/childprocess.h"
+#include "tests/support/dialogquality.h"
+#include "tests/support/dialogscript.h"
+#include "tests/support/picture.h"
+#include "tests/support/temporarypractice.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+// Opens the sheet on a new, empty database. Runs on the user interface thread; scripts run on their own.
+class SheetTest : public testing::Test
+{
+protected:
+    using Script = veltest::DialogScript::Script;
+
+    SheetTest()
+    {
+        dbCPatients::Create(DatabasePath().c_str());
+    }
+    ~SheetTest() override
+    {
+        dbCPatients::Close();
+    }
+
+    std::string DatabasePath() const
+    {
+        return m_practice.Path("patients.db");
+    }
+
+    __int64 RunNew(const Script& script)
+    {
+        return veltest::RunModal([this] { return NewPatientDlg(nullptr, m_pPatients, m_strGUID); }, script);
+    }
+    __int64 RunNewWithData(dbCPatient& data, const Script& script)
+    {
+        return veltest::RunModal([&] { return NewPatientDlgWithData(nullptr, m_pPatients, m_strGUID, &data); },
+                                 script);
+    }
+    __int64 RunChange(dbCPatient& patient, const Script& script)
+    {
+        return veltest::RunModal([&] { return ChangePatientDlg(nullptr, m_pPatients, &patient); }, script);
+    }
+
+    // The patient as the database has it; an empty one when there is none.
+    static dbCPatient Stored(const char* pszID)
+    {
+        dbCPatient patient;
+        EXPECT_TRUE(patient.Load(pszID, TRUE, FALSE)) << pszID;
+        return patient;
+    }
+
+    // A stored patient with something on every page.
+    dbCPatient StorePatient(const char* pszID, const char* pszFirstname = "Ann", const char* pszLastname = "Lee");
+    // A stored doctor; returns the GUID.
+    static CString StoreDoctor(const char* pszFirstname, const char* pszLastname);
+
+    veltest::TemporaryPractice m_practice;
+    dbCPatients m_patients;
+    dbCPatients* m_pPatients = &m_patients;
+    CString m_strGUID;
+};
+
+// The sheet in a script.
+veltest::Dialog WaitForSheet(veltest::DialogScript& script);
+
+// Types what every patient needs.
+void FillNames(const veltest::Dialog& sheet, const std::string& id, const std::string& firstname,
+               const std::string& lastname);
+
+// Presses OK, expects this box (exact text), answers it, and expects the sheet to be open still with the focus on
+// the control (0: wherever).
+void ExpectRefused(veltest::DialogScript& script, const veltest::Dialog& sheet, const std::string& text,
+                   int focusedControl = 0);
+
+// The selected text of an edit field.
+std::string SelectedText(const veltest::Control& field);
