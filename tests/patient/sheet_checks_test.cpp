@@ -18,7 +18,8 @@ constexpr char required[] = "Please make sure all the required patient fields ar
 constexpr char invalidID[] =
     "The patient ID has some invalid characters. The only valid characters are A-Z, 0-9, _ and -.";
 constexpr char takenID[] = "The patient ID already exists. Please enter a unique ID.";
-constexpr char guardianNames[] = "Both guardian firstname and lastname are required for entering guardian info";
+constexpr char guardianNames[] =
+    "Both guardian firstname and lastname are required for entering guardian info";
 
 TEST_F(SheetChecksTest, TheChartPageIsCheckedOnOKAndOnLeaving)
 {
@@ -44,53 +45,49 @@ TEST_F(SheetChecksTest, TheChartPageIsCheckedOnOKAndOnLeaving)
         {"A1", "Ann", "Lee", "", "2", "Please select a type for phone 2", IDC_CHART_PHONETYPE2},
     };
     const __int64 nBefore = dbCPatients::GetChangeCounter();
-    RunNew(
-        [&](DialogScript& script)
+    RunNew([&](DialogScript& script) {
+        const Dialog sheet = WaitForSheet(script);
+        for (const Case& c : cases)
         {
-            const Dialog sheet = WaitForSheet(script);
-            for (const Case& c : cases)
-            {
-                SCOPED_TRACE(std::string(c.pszID) + ": " + c.pszMessage);
-                FillNames(sheet, c.pszID, c.pszFirstname, c.pszLastname);
-                sheet.Item(IDC_CHART_PHONE1).SetText(c.pszPhone1);
-                sheet.Item(IDC_CHART_PHONE2).SetText(c.pszPhone2);
-                sheet.Item(IDC_CHART_NICKNAME).Focus();
-                ExpectRefused(script, sheet, c.pszMessage, c.nFocus);
+            SCOPED_TRACE(std::string(c.pszID) + ": " + c.pszMessage);
+            FillNames(sheet, c.pszID, c.pszFirstname, c.pszLastname);
+            sheet.Item(IDC_CHART_PHONE1).SetText(c.pszPhone1);
+            sheet.Item(IDC_CHART_PHONE2).SetText(c.pszPhone2);
+            sheet.Item(IDC_CHART_NICKNAME).Focus();
+            ExpectRefused(script, sheet, c.pszMessage, c.nFocus);
 
-                sheet.Item(IDC_CHART_NICKNAME).Focus();
-                sheet.ClickTab(PAT_PAGE_GUARDIAN);
-                EXPECT_EQ(script.WaitForBox().BoxText(), c.pszMessage);
-                script.AnswerBox("", IDOK);
-                script.WaitUntil("the sheet is usable again", [&] { return sheet.IsEnabled(); });
-                EXPECT_EQ(sheet.PageIndex(), PAT_PAGE_CHART);
-                EXPECT_EQ(sheet.Focused().Id(), c.nFocus);
-                EXPECT_EQ(sheet.Item(IDC_CHART_ID).Text(), c.pszID);
-            }
-            sheet.Press(IDCANCEL);
-        });
+            sheet.Item(IDC_CHART_NICKNAME).Focus();
+            sheet.ClickTab(PAT_PAGE_GUARDIAN);
+            EXPECT_EQ(script.WaitForBox().BoxText(), c.pszMessage);
+            script.AnswerBox("", IDOK);
+            script.WaitUntil("the sheet is usable again", [&] { return sheet.IsEnabled(); });
+            EXPECT_EQ(sheet.PageIndex(), PAT_PAGE_CHART);
+            EXPECT_EQ(sheet.Focused().Id(), c.nFocus);
+            EXPECT_EQ(sheet.Item(IDC_CHART_ID).Text(), c.pszID);
+        }
+        sheet.Press(IDCANCEL);
+    });
     EXPECT_EQ(dbCPatients::GetChangeCounter(), nBefore);
 }
 
 TEST_F(SheetChecksTest, ALongIDIsNotTypedAndFailsSilently)
 {
-    EXPECT_EQ(RunNew(
-                  [](DialogScript& script)
+    EXPECT_EQ(RunNew([](DialogScript& script) {
+                  const Dialog sheet = WaitForSheet(script);
+                  FillNames(sheet, "", "Ann", "Lee");
+                  sheet.Item(IDC_CHART_ID).Type(std::string(26, 'A'));
+                  EXPECT_EQ(sheet.Item(IDC_CHART_ID).Text(), std::string(25, 'A'));
+                  for (const std::size_t nLength : {26u, 10000u})
                   {
-                      const Dialog sheet = WaitForSheet(script);
-                      FillNames(sheet, "", "Ann", "Lee");
-                      sheet.Item(IDC_CHART_ID).Type(std::string(26, 'A'));
-                      EXPECT_EQ(sheet.Item(IDC_CHART_ID).Text(), std::string(25, 'A'));
-                      for (const std::size_t nLength : {26u, 10000u})
-                      {
-                          sheet.Item(IDC_CHART_ID).SetText(std::string(nLength, 'A'));
-                          sheet.Press(IDOK);
-                          script.Settle(sheet.Handle());
-                          EXPECT_FALSE(script.FindBox().has_value());
-                          EXPECT_TRUE(sheet.IsOpen());
-                      }
-                      sheet.Item(IDC_CHART_ID).SetText(std::string(25, 'A'));
+                      sheet.Item(IDC_CHART_ID).SetText(std::string(nLength, 'A'));
                       sheet.Press(IDOK);
-                  }),
+                      script.Settle(sheet.Handle());
+                      EXPECT_FALSE(script.FindBox().has_value());
+                      EXPECT_TRUE(sheet.IsOpen());
+                  }
+                  sheet.Item(IDC_CHART_ID).SetText(std::string(25, 'A'));
+                  sheet.Press(IDOK);
+              }),
               IDOK);
     Stored(std::string(25, 'A').c_str());
 }
@@ -104,98 +101,82 @@ TEST_F(SheetChecksTest, EveryOtherFieldHasItsMaximum)
         int nMaxChars;
     };
     const Field fields[] = {
-        {PAT_PAGE_CHART, IDC_CHART_FIRSTNAME, 50},
-        {PAT_PAGE_CHART, IDC_CHART_LASTNAME, 50},
-        {PAT_PAGE_CHART, IDC_CHART_NICKNAME, 30},
-        {PAT_PAGE_CHART, IDC_CHART_PHONE1, 30},
-        {PAT_PAGE_CHART, IDC_CHART_PHONE2, 30},
-        {PAT_PAGE_CHART, IDC_CHART_COMPANY, 50},
-        {PAT_PAGE_CHART, IDC_CHART_STREET, 255},
-        {PAT_PAGE_CHART, IDC_CHART_CITY, 50},
-        {PAT_PAGE_CHART, IDC_CHART_STATE, 20},
-        {PAT_PAGE_CHART, IDC_CHART_POSTALCODE, 20},
-        {PAT_PAGE_CHART, IDC_CHART_COUNTRY, 30},
-        {PAT_PAGE_CHART, IDC_CHART_EMAIL, 60},
-        {PAT_PAGE_GUARDIAN, IDC_GUARD_TITLE, 10},
-        {PAT_PAGE_GUARDIAN, IDC_GUARD_FIRSTNAME, 50},
-        {PAT_PAGE_GUARDIAN, IDC_GUARD_LASTNAME, 50},
-        {PAT_PAGE_GUARDIAN, IDC_GUARD_NICKNAME, 30},
-        {PAT_PAGE_GUARDIAN, IDC_GUARD_STREET, 255},
-        {PAT_PAGE_GUARDIAN, IDC_GUARD_EMAIL, 60},
+        {PAT_PAGE_CHART, IDC_CHART_FIRSTNAME, 50},   {PAT_PAGE_CHART, IDC_CHART_LASTNAME, 50},
+        {PAT_PAGE_CHART, IDC_CHART_NICKNAME, 30},    {PAT_PAGE_CHART, IDC_CHART_PHONE1, 30},
+        {PAT_PAGE_CHART, IDC_CHART_PHONE2, 30},      {PAT_PAGE_CHART, IDC_CHART_COMPANY, 50},
+        {PAT_PAGE_CHART, IDC_CHART_STREET, 255},     {PAT_PAGE_CHART, IDC_CHART_CITY, 50},
+        {PAT_PAGE_CHART, IDC_CHART_STATE, 20},       {PAT_PAGE_CHART, IDC_CHART_POSTALCODE, 20},
+        {PAT_PAGE_CHART, IDC_CHART_COUNTRY, 30},     {PAT_PAGE_CHART, IDC_CHART_EMAIL, 60},
+        {PAT_PAGE_GUARDIAN, IDC_GUARD_TITLE, 10},    {PAT_PAGE_GUARDIAN, IDC_GUARD_FIRSTNAME, 50},
+        {PAT_PAGE_GUARDIAN, IDC_GUARD_LASTNAME, 50}, {PAT_PAGE_GUARDIAN, IDC_GUARD_NICKNAME, 30},
+        {PAT_PAGE_GUARDIAN, IDC_GUARD_STREET, 255},  {PAT_PAGE_GUARDIAN, IDC_GUARD_EMAIL, 60},
     };
-    RunNew(
-        [&](DialogScript& script)
+    RunNew([&](DialogScript& script) {
+        const Dialog sheet = WaitForSheet(script);
+        FillNames(sheet, "A1", "Ann", "Lee");
+        for (const int nControl : {IDC_CHART_PHONETYPE1, IDC_CHART_PHONETYPE2})
+            sheet.Item(nControl).Choose(1);
+        sheet.SelectPage(PAT_PAGE_GUARDIAN);
+        sheet.Item(IDC_GUARD_FIRSTNAME).SetText("Eve");
+        sheet.Item(IDC_GUARD_LASTNAME).SetText("Lee");
+        sheet.SelectPage(PAT_PAGE_CHART);
+        for (const Field& field : fields)
         {
-            const Dialog sheet = WaitForSheet(script);
-            FillNames(sheet, "A1", "Ann", "Lee");
-            for (const int nControl : {IDC_CHART_PHONETYPE1, IDC_CHART_PHONETYPE2})
-                sheet.Item(nControl).Choose(1);
-            sheet.SelectPage(PAT_PAGE_GUARDIAN);
-            sheet.Item(IDC_GUARD_FIRSTNAME).SetText("Eve");
-            sheet.Item(IDC_GUARD_LASTNAME).SetText("Lee");
-            sheet.SelectPage(PAT_PAGE_CHART);
-            for (const Field& field : fields)
-            {
-                SCOPED_TRACE(field.nControl);
-                sheet.SelectPage(field.nPage);
-                const std::string text = sheet.Item(field.nControl).Text();
-                EXPECT_EQ(sheet.Item(field.nControl).Send(EM_GETLIMITTEXT), field.nMaxChars);
-                sheet.Item(field.nControl).SetText(std::string(field.nMaxChars == 255 ? 10000u : field.nMaxChars + 1u,
-                                                               'x'));
-                sheet.Press(IDOK);
-                EXPECT_THAT(script.WaitForBox().BoxText(), testing::HasSubstr(std::to_string(field.nMaxChars)));
-                script.AnswerBox("", IDOK);
-                script.WaitUntil("the sheet is usable again", [&] { return sheet.IsEnabled(); });
-                EXPECT_EQ(sheet.Focused().Id(), field.nControl);
-                sheet.Item(field.nControl).SetText(text);
-            }
-            sheet.Press(IDCANCEL);
-        });
+            SCOPED_TRACE(field.nControl);
+            sheet.SelectPage(field.nPage);
+            const std::string text = sheet.Item(field.nControl).Text();
+            EXPECT_EQ(sheet.Item(field.nControl).Send(EM_GETLIMITTEXT), field.nMaxChars);
+            sheet.Item(field.nControl)
+                .SetText(std::string(field.nMaxChars == 255 ? 10000u : field.nMaxChars + 1u, 'x'));
+            sheet.Press(IDOK);
+            EXPECT_THAT(script.WaitForBox().BoxText(), testing::HasSubstr(std::to_string(field.nMaxChars)));
+            script.AnswerBox("", IDOK);
+            script.WaitUntil("the sheet is usable again", [&] { return sheet.IsEnabled(); });
+            EXPECT_EQ(sheet.Focused().Id(), field.nControl);
+            sheet.Item(field.nControl).SetText(text);
+        }
+        sheet.Press(IDCANCEL);
+    });
 }
 
 TEST_F(SheetChecksTest, ABirthDateInTheFutureIsRefused)
 {
-    RunNew(
-        [](DialogScript& script)
-        {
-            const Dialog sheet = WaitForSheet(script);
-            FillNames(sheet, "A1", "Ann", "Lee");
-            sheet.Item(IDC_CHART_PHONE1).SetText("1"); // the birth date comes first
-            sheet.Item(IDC_CHART_BIRTHDATE).SetDate(9000, 1, 1);
-            sheet.Press(IDOK);
-            EXPECT_EQ(script.WaitForBox().BoxText().find("phone"), std::string::npos);
-            script.AnswerBox("", IDOK);
-            script.WaitUntil("the sheet is usable again", [&] { return sheet.IsEnabled(); });
-            EXPECT_EQ(sheet.Focused().Id(), IDC_CHART_BIRTHDATE);
-            sheet.Press(IDCANCEL);
-        });
+    RunNew([](DialogScript& script) {
+        const Dialog sheet = WaitForSheet(script);
+        FillNames(sheet, "A1", "Ann", "Lee");
+        sheet.Item(IDC_CHART_PHONE1).SetText("1"); // the birth date comes first
+        sheet.Item(IDC_CHART_BIRTHDATE).SetDate(9000, 1, 1);
+        sheet.Press(IDOK);
+        EXPECT_EQ(script.WaitForBox().BoxText().find("phone"), std::string::npos);
+        script.AnswerBox("", IDOK);
+        script.WaitUntil("the sheet is usable again", [&] { return sheet.IsEnabled(); });
+        EXPECT_EQ(sheet.Focused().Id(), IDC_CHART_BIRTHDATE);
+        sheet.Press(IDCANCEL);
+    });
 }
 
 TEST_F(SheetChecksTest, ATakenIDIsRefusedOnOKButNotOnLeaving)
 {
     StorePatient("TAKEN");
     dbCPatient patient = StorePatient("A1", "Bob");
-    RunNew(
-        [](DialogScript& script)
+    RunNew([](DialogScript& script) {
+        const Dialog sheet = WaitForSheet(script);
+        FillNames(sheet, "TAKEN", "Cy", "Lee");
+        sheet.SelectPage(PAT_PAGE_GUARDIAN);
+        EXPECT_EQ(sheet.PageIndex(), PAT_PAGE_GUARDIAN);
+        sheet.Item(IDC_GUARD_PHONE1).SetText("1"); // the guardian's checks come later
+        for (int nTime = 0; nTime < 2; ++nTime)
         {
-            const Dialog sheet = WaitForSheet(script);
-            FillNames(sheet, "TAKEN", "Cy", "Lee");
-            sheet.SelectPage(PAT_PAGE_GUARDIAN);
-            EXPECT_EQ(sheet.PageIndex(), PAT_PAGE_GUARDIAN);
-            sheet.Item(IDC_GUARD_PHONE1).SetText("1"); // the guardian's checks come later
-            for (int nTime = 0; nTime < 2; ++nTime)
-            {
-                ExpectRefused(script, sheet, takenID, IDC_CHART_ID);
-                EXPECT_EQ(sheet.PageIndex(), PAT_PAGE_CHART);
-                EXPECT_EQ(SelectedText(sheet.Item(IDC_CHART_ID)), "TAKEN");
-            }
-            sheet.SelectPage(PAT_PAGE_GUARDIAN);
-            EXPECT_EQ(sheet.Item(IDC_GUARD_PHONE1).Text(), "1");
-            sheet.Press(IDCANCEL);
-        });
+            ExpectRefused(script, sheet, takenID, IDC_CHART_ID);
+            EXPECT_EQ(sheet.PageIndex(), PAT_PAGE_CHART);
+            EXPECT_EQ(SelectedText(sheet.Item(IDC_CHART_ID)), "TAKEN");
+        }
+        sheet.SelectPage(PAT_PAGE_GUARDIAN);
+        EXPECT_EQ(sheet.Item(IDC_GUARD_PHONE1).Text(), "1");
+        sheet.Press(IDCANCEL);
+    });
     EXPECT_EQ(RunChange(patient,
-                        [](DialogScript& script)
-                        {
+                        [](DialogScript& script) {
                             const Dialog sheet = WaitForSheet(script);
                             sheet.Item(IDC_CHART_ID).SetText("TAKEN");
                             ExpectRefused(script, sheet, takenID, IDC_CHART_ID);
@@ -207,45 +188,41 @@ TEST_F(SheetChecksTest, ATakenIDIsRefusedOnOKButNotOnLeaving)
 
 TEST_F(SheetChecksTest, TheGuardianPageIsCheckedOnOKAndOnLeaving)
 {
-    RunNew(
-        [](DialogScript& script)
-        {
-            const Dialog sheet = WaitForSheet(script);
-            FillNames(sheet, "A1", "Ann", "Lee");
-            sheet.SelectPage(PAT_PAGE_GUARDIAN);
-            sheet.Item(IDC_GUARD_COUNTRY).SetText("Ruritania"); // alone it is no guardian
-            sheet.SelectPage(PAT_PAGE_CHART);
-            EXPECT_EQ(sheet.PageIndex(), PAT_PAGE_CHART);
-            sheet.SelectPage(PAT_PAGE_GUARDIAN);
+    RunNew([](DialogScript& script) {
+        const Dialog sheet = WaitForSheet(script);
+        FillNames(sheet, "A1", "Ann", "Lee");
+        sheet.SelectPage(PAT_PAGE_GUARDIAN);
+        sheet.Item(IDC_GUARD_COUNTRY).SetText("Ruritania"); // alone it is no guardian
+        sheet.SelectPage(PAT_PAGE_CHART);
+        EXPECT_EQ(sheet.PageIndex(), PAT_PAGE_CHART);
+        sheet.SelectPage(PAT_PAGE_GUARDIAN);
 
-            sheet.Item(IDC_GUARD_PHONE1).SetText("1");
-            ExpectRefused(script, sheet, guardianNames, IDC_GUARD_FIRSTNAME);
-            sheet.Item(IDC_GUARD_FIRSTNAME).SetText("Eve");
-            ExpectRefused(script, sheet, guardianNames, IDC_GUARD_LASTNAME);
-            sheet.Item(IDC_GUARD_LASTNAME).SetText("Lee");
-            ExpectRefused(script, sheet, "Please select a type for phone 1", IDC_GUARD_PHONETYPE1);
-            sheet.ClickTab(PAT_PAGE_INSURANCE);
-            script.AnswerBox("Please select a type for phone 1", IDOK);
-            script.WaitUntil("the sheet is usable again", [&] { return sheet.IsEnabled(); });
-            EXPECT_EQ(sheet.PageIndex(), PAT_PAGE_GUARDIAN);
-            sheet.Item(IDC_GUARD_PHONETYPE1).Choose(1);
-            sheet.Item(IDC_GUARD_PHONE2).SetText("2");
-            ExpectRefused(script, sheet, "Please select a type for phone 2", IDC_GUARD_PHONETYPE2);
-            sheet.Press(IDCANCEL);
-        });
+        sheet.Item(IDC_GUARD_PHONE1).SetText("1");
+        ExpectRefused(script, sheet, guardianNames, IDC_GUARD_FIRSTNAME);
+        sheet.Item(IDC_GUARD_FIRSTNAME).SetText("Eve");
+        ExpectRefused(script, sheet, guardianNames, IDC_GUARD_LASTNAME);
+        sheet.Item(IDC_GUARD_LASTNAME).SetText("Lee");
+        ExpectRefused(script, sheet, "Please select a type for phone 1", IDC_GUARD_PHONETYPE1);
+        sheet.ClickTab(PAT_PAGE_INSURANCE);
+        script.AnswerBox("Please select a type for phone 1", IDOK);
+        script.WaitUntil("the sheet is usable again", [&] { return sheet.IsEnabled(); });
+        EXPECT_EQ(sheet.PageIndex(), PAT_PAGE_GUARDIAN);
+        sheet.Item(IDC_GUARD_PHONETYPE1).Choose(1);
+        sheet.Item(IDC_GUARD_PHONE2).SetText("2");
+        ExpectRefused(script, sheet, "Please select a type for phone 2", IDC_GUARD_PHONETYPE2);
+        sheet.Press(IDCANCEL);
+    });
 }
 
 TEST_F(SheetChecksTest, AGuardianWithTheCountryAloneIsNotWritten)
 {
     m_practice.Set("Defaults", "Country", "Ruritania");
-    EXPECT_EQ(RunNew(
-                  [](DialogScript& script)
-                  {
-                      const Dialog sheet = WaitForSheet(script);
-                      FillNames(sheet, "A1", "Ann", "Lee");
-                      sheet.SelectPage(PAT_PAGE_GUARDIAN);
-                      sheet.Press(IDOK);
-                  }),
+    EXPECT_EQ(RunNew([](DialogScript& script) {
+                  const Dialog sheet = WaitForSheet(script);
+                  FillNames(sheet, "A1", "Ann", "Lee");
+                  sheet.SelectPage(PAT_PAGE_GUARDIAN);
+                  sheet.Press(IDOK);
+              }),
               IDOK);
     const dbCPatient patient = Stored("A1");
     dbCPerson guardian;
@@ -256,112 +233,107 @@ TEST_F(SheetChecksTest, AGuardianWithTheCountryAloneIsNotWritten)
 TEST_F(SheetChecksTest, TheReferralPageIsCheckedOnOKAndOnLeaving)
 {
     StoreDoctor("Ida", "Sorel");
-    RunNew(
-        [](DialogScript& script)
-        {
-            const std::string unfinished = "The referral being entered is not in the list yet. Press Add or Change "
-                                           "to take it over, or Clear to drop it.";
-            const Dialog sheet = WaitForSheet(script);
-            FillNames(sheet, "A1", "Ann", "Lee");
-            sheet.Item(IDC_CHART_BIRTHDATE).SetDate(2012, 3, 4);
-            sheet.SelectPage(PAT_PAGE_REFERRAL);
-            EXPECT_FALSE(sheet.Item(IDC_REFER_ADD).IsEnabled());
-            sheet.Item(IDC_REFER_NOTE).SetText("crowding");
-            ExpectRefused(script, sheet, unfinished, IDC_REFER_DOCTOR);
-            sheet.ClickTab(PAT_PAGE_CHART);
-            script.AnswerBox(unfinished, IDOK);
-            EXPECT_EQ(sheet.PageIndex(), PAT_PAGE_REFERRAL);
+    RunNew([](DialogScript& script) {
+        const std::string unfinished =
+            "The referral being entered is not in the list yet. Press Add or Change "
+            "to take it over, or Clear to drop it.";
+        const Dialog sheet = WaitForSheet(script);
+        FillNames(sheet, "A1", "Ann", "Lee");
+        sheet.Item(IDC_CHART_BIRTHDATE).SetDate(2012, 3, 4);
+        sheet.SelectPage(PAT_PAGE_REFERRAL);
+        EXPECT_FALSE(sheet.Item(IDC_REFER_ADD).IsEnabled());
+        sheet.Item(IDC_REFER_NOTE).SetText("crowding");
+        ExpectRefused(script, sheet, unfinished, IDC_REFER_DOCTOR);
+        sheet.ClickTab(PAT_PAGE_CHART);
+        script.AnswerBox(unfinished, IDOK);
+        EXPECT_EQ(sheet.PageIndex(), PAT_PAGE_REFERRAL);
 
-            sheet.Item(IDC_REFER_DOCTOR).Choose("Sorel, Ida");
-            sheet.Item(IDC_REFER_DATE).SetDate(2012, 3, 3);
-            sheet.SettleIdle();
-            sheet.Press(IDC_REFER_ADD);
-            script.AnswerBox("The referral by Sorel, Ida can neither lie in the future nor before the patient's "
-                             "birth.",
-                             IDOK);
-            sheet.Item(IDC_REFER_DATE).SetDate(2012, 3, 4);
-            sheet.Press(IDC_REFER_ADD);
-            EXPECT_EQ(sheet.Item(IDC_REFER_LIST).Rows().size(), 1u);
-            sheet.Item(IDC_REFER_DOCTOR).Choose("Sorel, Ida");
-            sheet.Item(IDC_REFER_DATE).SetDate(2012, 3, 4);
-            sheet.SettleIdle();
-            sheet.Press(IDC_REFER_ADD);
-            script.AnswerBox("Sorel, Ida is already listed with a referral on this date.", IDOK);
-            sheet.Press(IDC_REFER_CLEAR);
+        sheet.Item(IDC_REFER_DOCTOR).Choose("Sorel, Ida");
+        sheet.Item(IDC_REFER_DATE).SetDate(2012, 3, 3);
+        sheet.SettleIdle();
+        sheet.Press(IDC_REFER_ADD);
+        script.AnswerBox("The referral by Sorel, Ida can neither lie in the future nor before the patient's "
+                         "birth.",
+                         IDOK);
+        sheet.Item(IDC_REFER_DATE).SetDate(2012, 3, 4);
+        sheet.Press(IDC_REFER_ADD);
+        EXPECT_EQ(sheet.Item(IDC_REFER_LIST).Rows().size(), 1u);
+        sheet.Item(IDC_REFER_DOCTOR).Choose("Sorel, Ida");
+        sheet.Item(IDC_REFER_DATE).SetDate(2012, 3, 4);
+        sheet.SettleIdle();
+        sheet.Press(IDC_REFER_ADD);
+        script.AnswerBox("Sorel, Ida is already listed with a referral on this date.", IDOK);
+        sheet.Press(IDC_REFER_CLEAR);
 
-            // A birth date that is corrected afterwards makes the referral impossible.
-            sheet.SelectPage(PAT_PAGE_CHART);
-            sheet.Item(IDC_CHART_BIRTHDATE).SetDate(2013, 3, 4);
-            ExpectRefused(script, sheet,
-                          "The referral by Sorel, Ida can neither lie in the future nor before the patient's birth.",
-                          IDC_REFER_LIST);
-            EXPECT_EQ(sheet.PageIndex(), PAT_PAGE_REFERRAL);
-            sheet.Press(IDCANCEL);
-        });
+        // A birth date that is corrected afterwards makes the referral impossible.
+        sheet.SelectPage(PAT_PAGE_CHART);
+        sheet.Item(IDC_CHART_BIRTHDATE).SetDate(2013, 3, 4);
+        ExpectRefused(
+            script, sheet,
+            "The referral by Sorel, Ida can neither lie in the future nor before the patient's birth.",
+            IDC_REFER_LIST);
+        EXPECT_EQ(sheet.PageIndex(), PAT_PAGE_REFERRAL);
+        sheet.Press(IDCANCEL);
+    });
 }
 
 TEST_F(SheetChecksTest, TheInsurancePageIsCheckedOnOKAndOnLeaving)
 {
-    RunNew(
-        [](DialogScript& script)
+    RunNew([](DialogScript& script) {
+        const std::string unfinished =
+            "The insurance being entered is not in the list yet. Press Add or Change "
+            "to take it over, or Clear to drop it.";
+        const Dialog sheet = WaitForSheet(script);
+        FillNames(sheet, "A1", "Ann", "Lee");
+        sheet.SelectPage(PAT_PAGE_INSURANCE);
+        sheet.Item(IDC_INSURE_NUMBER).SetText("17");
+        ExpectRefused(script, sheet, unfinished, IDC_INSURE_COMPANY);
+        EXPECT_FALSE(sheet.Item(IDC_INSURE_ADD).IsEnabled());
+        for (int nTime = 0; nTime < 2; ++nTime)
         {
-            const std::string unfinished = "The insurance being entered is not in the list yet. Press Add or Change "
-                                           "to take it over, or Clear to drop it.";
-            const Dialog sheet = WaitForSheet(script);
-            FillNames(sheet, "A1", "Ann", "Lee");
-            sheet.SelectPage(PAT_PAGE_INSURANCE);
+            sheet.Item(IDC_INSURE_COMPANY).SetText("Northfield");
             sheet.Item(IDC_INSURE_NUMBER).SetText("17");
-            ExpectRefused(script, sheet, unfinished, IDC_INSURE_COMPANY);
-            EXPECT_FALSE(sheet.Item(IDC_INSURE_ADD).IsEnabled());
-            for (int nTime = 0; nTime < 2; ++nTime)
-            {
-                sheet.Item(IDC_INSURE_COMPANY).SetText("Northfield");
-                sheet.Item(IDC_INSURE_NUMBER).SetText("17");
-                sheet.SettleIdle();
-                sheet.Press(IDC_INSURE_ADD);
-            }
-            script.AnswerBox("Northfield is already listed with this policy number.", IDOK);
-            EXPECT_EQ(sheet.Item(IDC_INSURE_LIST).Rows().size(), 1u);
-            sheet.Press(IDCANCEL);
-        });
+            sheet.SettleIdle();
+            sheet.Press(IDC_INSURE_ADD);
+        }
+        script.AnswerBox("Northfield is already listed with this policy number.", IDOK);
+        EXPECT_EQ(sheet.Item(IDC_INSURE_LIST).Rows().size(), 1u);
+        sheet.Press(IDCANCEL);
+    });
 }
 
 TEST_F(SheetChecksTest, ASimilarPatientIsAskedAbout)
 {
     StorePatient("A1", "Ann %s", "O'Lee");
-    const std::string question = "Patient 'ANN %S o'lee' with DOB " +
-                                 std::string(velCDate(2012, 3, 4).FormatDate().GetString()) +
-                                 " already exists in the database.\nAre you sure you want to continue creating the "
-                                 "patient ?";
-    EXPECT_EQ(RunNew(
-                  [&](DialogScript& script)
-                  {
-                      const Dialog sheet = WaitForSheet(script);
-                      FillNames(sheet, "A2", "ANN %S", "o'lee");
-                      sheet.Item(IDC_CHART_BIRTHDATE).SetDate(2012, 3, 4);
-                      sheet.Item(IDC_CHART_CITY).SetText("Northport");
-                      sheet.Press(IDOK);
-                      const Dialog box = script.WaitForBox();
-                      EXPECT_EQ(box.Title(), "Similar Patient");
-                      EXPECT_EQ(box.BoxText(), question);
-                      box.Press(IDNO);
-                      box.WaitForClosed();
-                      EXPECT_TRUE(sheet.IsOpen());
-                      EXPECT_EQ(sheet.Item(IDC_CHART_CITY).Text(), "Northport");
-                      sheet.Press(IDOK);
-                      script.AnswerBox(question, IDYES);
-                  }),
+    const std::string question =
+        "Patient 'ANN %S o'lee' with DOB " + std::string(velCDate(2012, 3, 4).FormatDate().GetString()) +
+        " already exists in the database.\nAre you sure you want to continue creating the "
+        "patient ?";
+    EXPECT_EQ(RunNew([&](DialogScript& script) {
+                  const Dialog sheet = WaitForSheet(script);
+                  FillNames(sheet, "A2", "ANN %S", "o'lee");
+                  sheet.Item(IDC_CHART_BIRTHDATE).SetDate(2012, 3, 4);
+                  sheet.Item(IDC_CHART_CITY).SetText("Northport");
+                  sheet.Press(IDOK);
+                  const Dialog box = script.WaitForBox();
+                  EXPECT_EQ(box.Title(), "Similar Patient");
+                  EXPECT_EQ(box.BoxText(), question);
+                  box.Press(IDNO);
+                  box.WaitForClosed();
+                  EXPECT_TRUE(sheet.IsOpen());
+                  EXPECT_EQ(sheet.Item(IDC_CHART_CITY).Text(), "Northport");
+                  sheet.Press(IDOK);
+                  script.AnswerBox(question, IDYES);
+              }),
               IDOK);
     EXPECT_EQ(Stored("A2").GetAddress().GetCity(), "Northport");
 
     // Another birth date is another patient, and a patient that is changed is not similar to itself.
-    EXPECT_EQ(RunNew(
-                  [](DialogScript& script)
-                  {
-                      const Dialog sheet = WaitForSheet(script);
-                      FillNames(sheet, "A3", "Ann %s", "O'Lee");
-                      sheet.Press(IDOK);
-                  }),
+    EXPECT_EQ(RunNew([](DialogScript& script) {
+                  const Dialog sheet = WaitForSheet(script);
+                  FillNames(sheet, "A3", "Ann %s", "O'Lee");
+                  sheet.Press(IDOK);
+              }),
               IDOK);
     dbCPatient patient = Stored("A1");
     EXPECT_EQ(RunChange(patient, [](DialogScript& script) { WaitForSheet(script).Press(IDOK); }), IDOK);

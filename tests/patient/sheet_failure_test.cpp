@@ -55,8 +55,8 @@ void ExpectNotSaved(DialogScript& script, const Dialog& sheet)
     script.WaitUntil("the sheet is usable again", [&] { return sheet.IsEnabled(); });
 }
 
-// One user's part of the race: both have passed the check of the ID when they are asked about the similar patient.
-// Returns whether this one got the ID.
+// One user's part of the race: both have passed the check of the ID when they are asked about the similar
+// patient. Returns whether this one got the ID.
 bool RaceForID(DialogScript& script, const Signal& own, const Signal& other)
 {
     const Dialog sheet = WaitForSheet(script);
@@ -68,7 +68,8 @@ bool RaceForID(DialogScript& script, const Signal& own, const Signal& other)
     EXPECT_TRUE(other.Wait());
     question.Press(IDYES);
     question.WaitForClosed();
-    script.WaitUntil("the ID is won or lost", [&] { return !sheet.IsOpen() || script.FindBox().has_value(); });
+    script.WaitUntil("the ID is won or lost",
+                     [&] { return !sheet.IsOpen() || script.FindBox().has_value(); });
     if (!sheet.IsOpen())
         return true;
     EXPECT_EQ(script.WaitForBox().BoxText(), takenID);
@@ -88,8 +89,9 @@ VEL_CHILD_PROCESS(raceForID)
     dbCPatients patients;
     CString strGUID;
     bool bWon = false;
-    const __int64 nResult = veltest::RunModal([&] { return NewPatientDlg(nullptr, &patients, strGUID); },
-                                              [&](DialogScript& script) { bWon = RaceForID(script, own, other); });
+    const __int64 nResult =
+        veltest::RunModal([&] { return NewPatientDlg(nullptr, &patients, strGUID); },
+                          [&](DialogScript& script) { bWon = RaceForID(script, own, other); });
     dbCPatients::Close();
     return testing::Test::HasFailure() || bWon != (nResult == IDOK) ? 99 : static_cast<int>(nResult);
 }
@@ -127,21 +129,19 @@ TEST_F(SheetFailureTest, ALockedDatabaseIsReportedAndOKCanBeRepeated)
     const Signal release(SignalName("release"));
     veltest::ChildProcess child("holdDatabase", {DatabasePath()});
     ASSERT_TRUE(held.Wait());
-    EXPECT_EQ(RunNew(
-                  [&](DialogScript& script)
-                  {
-                      const Dialog sheet = WaitForSheet(script);
-                      FillNames(sheet, "A1", "Ann", "Lee");
-                      sheet.SelectPage(PAT_PAGE_GUARDIAN);
-                      sheet.Item(IDC_GUARD_FIRSTNAME).SetText("Eve");
-                      sheet.Item(IDC_GUARD_LASTNAME).SetText("Lee");
-                      script.SetPatience(60'000);
-                      ExpectNotSaved(script, sheet);
-                      EXPECT_EQ(sheet.Item(IDC_GUARD_FIRSTNAME).Text(), "Eve");
-                      release.Set();
-                      EXPECT_EQ(child.Wait(), 0);
-                      sheet.Press(IDOK);
-                  }),
+    EXPECT_EQ(RunNew([&](DialogScript& script) {
+                  const Dialog sheet = WaitForSheet(script);
+                  FillNames(sheet, "A1", "Ann", "Lee");
+                  sheet.SelectPage(PAT_PAGE_GUARDIAN);
+                  sheet.Item(IDC_GUARD_FIRSTNAME).SetText("Eve");
+                  sheet.Item(IDC_GUARD_LASTNAME).SetText("Lee");
+                  script.SetPatience(60'000);
+                  ExpectNotSaved(script, sheet);
+                  EXPECT_EQ(sheet.Item(IDC_GUARD_FIRSTNAME).Text(), "Eve");
+                  release.Set();
+                  EXPECT_EQ(child.Wait(), 0);
+                  sheet.Press(IDOK);
+              }),
               IDOK);
     EXPECT_EQ(Stored("A1").GetGUID(), m_strGUID);
 }
@@ -191,15 +191,13 @@ TEST_F(SheetFailureTest, ADatabaseThatFailsDuringOKLeavesTheSheetOpen)
     {
         FailingPatients patients(moment);
         m_pPatients = &patients;
-        EXPECT_EQ(RunNew(
-                      [](DialogScript& script)
-                      {
-                          const Dialog sheet = WaitForSheet(script);
-                          FillNames(sheet, "A1", "Ann", "Lee");
-                          ExpectNotSaved(script, sheet);
-                          EXPECT_EQ(sheet.Item(IDC_CHART_FIRSTNAME).Text(), "Ann");
-                          sheet.Press(IDCANCEL);
-                      }),
+        EXPECT_EQ(RunNew([](DialogScript& script) {
+                      const Dialog sheet = WaitForSheet(script);
+                      FillNames(sheet, "A1", "Ann", "Lee");
+                      ExpectNotSaved(script, sheet);
+                      EXPECT_EQ(sheet.Item(IDC_CHART_FIRSTNAME).Text(), "Ann");
+                      sheet.Press(IDCANCEL);
+                  }),
                   IDCANCEL);
         if (!dbCPatients::IsOpen())
             dbCPatients::Open(DatabasePath().c_str());
@@ -212,8 +210,7 @@ TEST_F(SheetFailureTest, NothingIsHalfWritten)
 {
     dbCPatient data;
     EXPECT_EQ(RunNewWithData(data,
-                             [](DialogScript& script)
-                             {
+                             [](DialogScript& script) {
                                  const Dialog sheet = WaitForSheet(script);
                                  FillNames(sheet, "A1", "Ann", "Lee\x81");
                                  sheet.SelectPage(PAT_PAGE_GUARDIAN);
@@ -257,8 +254,7 @@ TEST_F(SheetFailureTest, ARecordChangedElsewhereIsNotOverwritten)
     patients.m_pOther = &other;
     m_pPatients = &patients;
     EXPECT_EQ(RunChange(patient,
-                        [](DialogScript& script)
-                        {
+                        [](DialogScript& script) {
                             const Dialog sheet = WaitForSheet(script);
                             FillNames(sheet, "A2", "Anna", "Lee");
                             ExpectNotSaved(script, sheet);
@@ -272,39 +268,31 @@ TEST_F(SheetFailureTest, ARecordChangedElsewhereIsNotOverwritten)
 TEST_F(SheetFailureTest, HostileTextsComeBackAsTheyWere)
 {
     const std::string texts[] = {
-        "O'Brien \"x\"",
-        "%s %n %d 100%",
-        "'; DROP TABLE patient; --",
-        "\x01\x02\tz",
-        "M\xFCller \x80 \xFF",
-        "<1> <2> \\n",
-        std::string(50, '\xDF'),
-        " ",
+        "O'Brien \"x\"",       "%s %n %d 100%", "'; DROP TABLE patient; --", "\x01\x02\tz",
+        "M\xFCller \x80 \xFF", "<1> <2> \\n",   std::string(50, '\xDF'),     " ",
     };
     int nNumber = 0;
     for (const std::string& text : texts)
     {
         SCOPED_TRACE(text);
         const std::string id = "H" + std::to_string(++nNumber);
-        EXPECT_EQ(RunNew(
-                      [&](DialogScript& script)
-                      {
-                          const Dialog sheet = WaitForSheet(script);
-                          FillNames(sheet, id, text, text);
-                          sheet.Item(IDC_CHART_STREET).SetText(text);
-                          sheet.SelectPage(PAT_PAGE_GUARDIAN);
-                          sheet.Item(IDC_GUARD_FIRSTNAME).SetText(text);
-                          sheet.Item(IDC_GUARD_LASTNAME).SetText(text);
-                          sheet.Item(IDC_GUARD_NOTES).SetText(text + std::string(40'000, '%'));
-                          sheet.SelectPage(PAT_PAGE_INSURANCE);
-                          sheet.Item(IDC_INSURE_COMPANY).SetText(text + "x");
-                          sheet.SettleIdle();
-                          if (text.size() < 50)
-                              sheet.Press(IDC_INSURE_ADD);
-                          else
-                              sheet.Press(IDC_INSURE_CLEAR);
-                          sheet.Press(IDOK);
-                      }),
+        EXPECT_EQ(RunNew([&](DialogScript& script) {
+                      const Dialog sheet = WaitForSheet(script);
+                      FillNames(sheet, id, text, text);
+                      sheet.Item(IDC_CHART_STREET).SetText(text);
+                      sheet.SelectPage(PAT_PAGE_GUARDIAN);
+                      sheet.Item(IDC_GUARD_FIRSTNAME).SetText(text);
+                      sheet.Item(IDC_GUARD_LASTNAME).SetText(text);
+                      sheet.Item(IDC_GUARD_NOTES).SetText(text + std::string(40'000, '%'));
+                      sheet.SelectPage(PAT_PAGE_INSURANCE);
+                      sheet.Item(IDC_INSURE_COMPANY).SetText(text + "x");
+                      sheet.SettleIdle();
+                      if (text.size() < 50)
+                          sheet.Press(IDC_INSURE_ADD);
+                      else
+                          sheet.Press(IDC_INSURE_CLEAR);
+                      sheet.Press(IDOK);
+                  }),
                   IDOK);
         const dbCPatient patient = Stored(id.c_str());
         EXPECT_EQ(patient.GetFirstname(0).GetString(), text);

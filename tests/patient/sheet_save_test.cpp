@@ -20,70 +20,68 @@ TEST_F(SheetSaveTest, ANewPatientPassesThroughAllFivePages)
 {
     StoreDoctor("Ida", "Sorel");
     m_practice.Set("Defaults", "Country", "Ruritania");
-    const __int64 nResult = RunNew(
-        [](DialogScript& script)
+    const __int64 nResult = RunNew([](DialogScript& script) {
+        const Dialog sheet = WaitForSheet(script);
+        EXPECT_EQ(sheet.Title(), "Patient Information");
+        EXPECT_EQ(sheet.PageCount(), 5);
+        EXPECT_EQ(sheet.Item(IDC_CHART_COUNTRY).Text(), "Ruritania");
+        EXPECT_EQ(sheet.Item(IDC_CHART_PHONETYPE1).Items().front(), "");
+        EXPECT_FALSE(sheet.Item(IDC_CHART_TEETH).IsEnabled());
+        sheet.Item(IDC_CHART_ID).Type("A-1_B");
+        sheet.Item(IDC_CHART_FIRSTNAME).Type("Ann");
+        sheet.Item(IDC_CHART_LASTNAME).Type("Lee");
+        sheet.Item(IDC_CHART_NICKNAME).SetText("Nan");
+        sheet.Item(IDC_CHART_BIRTHDATE).SetDate(2012, 3, 4);
+        sheet.Press(IDC_CHART_GENDER_FIRST);
+        sheet.Item(IDC_CHART_GENDER_IDENTITY).Choose("Non-Binary");
+        sheet.Item(IDC_CHART_RACE).Choose("Korean");
+        sheet.Press(IDC_CHART_ADDRESS_OFFICE);
+        sheet.Item(IDC_CHART_COMPANY).SetText("Lee & Sons");
+        sheet.Item(IDC_CHART_STREET).SetText("Quay 1");
+        sheet.Item(IDC_CHART_CITY).SetText("Northport");
+        sheet.Item(IDC_CHART_STATE).SetText("RU");
+        sheet.Item(IDC_CHART_POSTALCODE).SetText("12345");
+        sheet.Item(IDC_CHART_PHONE1).SetText("111");
+        sheet.Item(IDC_CHART_PHONETYPE1).Choose(1);
+        sheet.Item(IDC_CHART_PHONETYPE2).Choose(2); // a type without a number passes
+        sheet.Item(IDC_CHART_EMAIL).SetText("ann@example.org");
+
+        sheet.SelectPage(PAT_PAGE_DETAIL);
+        sheet.SelectPage(PAT_PAGE_GUARDIAN);
+        EXPECT_EQ(sheet.Item(IDC_GUARD_COUNTRY).Text(), "Ruritania");
+        EXPECT_EQ(sheet.Item(IDC_GUARD_BIRTHDATE).Date().wYear, 0);
+        sheet.Item(IDC_GUARD_TITLE).SetText("Dr");
+        sheet.Item(IDC_GUARD_FIRSTNAME).SetText("Eve");
+        sheet.Item(IDC_GUARD_LASTNAME).SetText("Lee");
+        sheet.Item(IDC_GUARD_BIRTHDATE).SetDate(1980, 12, 31);
+        sheet.Press(IDC_GUARD_GENDER_FIRST);
+        sheet.Item(IDC_GUARD_CITY).SetText("Southport");
+        sheet.Item(IDC_GUARD_PHONE2).SetText("222");
+        sheet.Item(IDC_GUARD_PHONETYPE2).Choose(1);
+        sheet.Item(IDC_GUARD_NOTES).SetText("line 1\r\nline 2");
+
+        sheet.SelectPage(PAT_PAGE_REFERRAL);
+        sheet.Item(IDC_REFER_DOCTOR).Choose("Sorel, Ida");
+        sheet.Item(IDC_REFER_DATE).SetDate(2020, 5, 6);
+        sheet.Item(IDC_REFER_NOTE).SetText("crowding");
+        sheet.SettleIdle();
+        sheet.Press(IDC_REFER_ADD);
+        EXPECT_EQ(sheet.Item(IDC_REFER_LIST).Rows().size(), 1u);
+
+        sheet.SelectPage(PAT_PAGE_INSURANCE);
+        for (const char* pszCompany : {"Northfield", "Harbour Mutual"})
         {
-            const Dialog sheet = WaitForSheet(script);
-            EXPECT_EQ(sheet.Title(), "Patient Information");
-            EXPECT_EQ(sheet.PageCount(), 5);
-            EXPECT_EQ(sheet.Item(IDC_CHART_COUNTRY).Text(), "Ruritania");
-            EXPECT_EQ(sheet.Item(IDC_CHART_PHONETYPE1).Items().front(), "");
-            EXPECT_FALSE(sheet.Item(IDC_CHART_TEETH).IsEnabled());
-            sheet.Item(IDC_CHART_ID).Type("A-1_B");
-            sheet.Item(IDC_CHART_FIRSTNAME).Type("Ann");
-            sheet.Item(IDC_CHART_LASTNAME).Type("Lee");
-            sheet.Item(IDC_CHART_NICKNAME).SetText("Nan");
-            sheet.Item(IDC_CHART_BIRTHDATE).SetDate(2012, 3, 4);
-            sheet.Press(IDC_CHART_GENDER_FIRST);
-            sheet.Item(IDC_CHART_GENDER_IDENTITY).Choose("Non-Binary");
-            sheet.Item(IDC_CHART_RACE).Choose("Korean");
-            sheet.Press(IDC_CHART_ADDRESS_OFFICE);
-            sheet.Item(IDC_CHART_COMPANY).SetText("Lee & Sons");
-            sheet.Item(IDC_CHART_STREET).SetText("Quay 1");
-            sheet.Item(IDC_CHART_CITY).SetText("Northport");
-            sheet.Item(IDC_CHART_STATE).SetText("RU");
-            sheet.Item(IDC_CHART_POSTALCODE).SetText("12345");
-            sheet.Item(IDC_CHART_PHONE1).SetText("111");
-            sheet.Item(IDC_CHART_PHONETYPE1).Choose(1);
-            sheet.Item(IDC_CHART_PHONETYPE2).Choose(2); // a type without a number passes
-            sheet.Item(IDC_CHART_EMAIL).SetText("ann@example.org");
-
-            sheet.SelectPage(PAT_PAGE_DETAIL);
-            sheet.SelectPage(PAT_PAGE_GUARDIAN);
-            EXPECT_EQ(sheet.Item(IDC_GUARD_COUNTRY).Text(), "Ruritania");
-            EXPECT_EQ(sheet.Item(IDC_GUARD_BIRTHDATE).Date().wYear, 0);
-            sheet.Item(IDC_GUARD_TITLE).SetText("Dr");
-            sheet.Item(IDC_GUARD_FIRSTNAME).SetText("Eve");
-            sheet.Item(IDC_GUARD_LASTNAME).SetText("Lee");
-            sheet.Item(IDC_GUARD_BIRTHDATE).SetDate(1980, 12, 31);
-            sheet.Press(IDC_GUARD_GENDER_FIRST);
-            sheet.Item(IDC_GUARD_CITY).SetText("Southport");
-            sheet.Item(IDC_GUARD_PHONE2).SetText("222");
-            sheet.Item(IDC_GUARD_PHONETYPE2).Choose(1);
-            sheet.Item(IDC_GUARD_NOTES).SetText("line 1\r\nline 2");
-
-            sheet.SelectPage(PAT_PAGE_REFERRAL);
-            sheet.Item(IDC_REFER_DOCTOR).Choose("Sorel, Ida");
-            sheet.Item(IDC_REFER_DATE).SetDate(2020, 5, 6);
-            sheet.Item(IDC_REFER_NOTE).SetText("crowding");
+            sheet.Item(IDC_INSURE_COMPANY).SetText(pszCompany);
+            sheet.Item(IDC_INSURE_HOLDER).SetText("Eve Lee");
+            sheet.Item(IDC_INSURE_NUMBER).SetText("17");
             sheet.SettleIdle();
-            sheet.Press(IDC_REFER_ADD);
-            EXPECT_EQ(sheet.Item(IDC_REFER_LIST).Rows().size(), 1u);
-
-            sheet.SelectPage(PAT_PAGE_INSURANCE);
-            for (const char* pszCompany : {"Northfield", "Harbour Mutual"})
-            {
-                sheet.Item(IDC_INSURE_COMPANY).SetText(pszCompany);
-                sheet.Item(IDC_INSURE_HOLDER).SetText("Eve Lee");
-                sheet.Item(IDC_INSURE_NUMBER).SetText("17");
-                sheet.SettleIdle();
-                sheet.Press(IDC_INSURE_ADD);
-            }
-            sheet.Item(IDC_INSURE_LIST).SelectRow(1);
-            sheet.SettleIdle();
-            sheet.Press(IDC_INSURE_PRIMARY);
-            sheet.Press(IDOK);
-        });
+            sheet.Press(IDC_INSURE_ADD);
+        }
+        sheet.Item(IDC_INSURE_LIST).SelectRow(1);
+        sheet.SettleIdle();
+        sheet.Press(IDC_INSURE_PRIMARY);
+        sheet.Press(IDOK);
+    });
     EXPECT_EQ(nResult, IDOK);
 
     const dbCPatient patient = Stored("A-1_B");
@@ -143,8 +141,7 @@ TEST_F(SheetSaveTest, AChangeShowsWhatIsStoredAndKeepsWhatIsNotShown)
 {
     dbCPatient patient = StorePatient("A1");
     EXPECT_EQ(RunChange(patient,
-                        [](DialogScript& script)
-                        {
+                        [](DialogScript& script) {
                             const Dialog sheet = WaitForSheet(script);
                             EXPECT_EQ(sheet.Title(), "Patient Information - Ann Lee ID: A1");
                             EXPECT_EQ(sheet.Item(IDC_CHART_ID).Text(), "A1");
@@ -198,8 +195,7 @@ TEST_F(SheetSaveTest, PagesNeverOpenedContributeNothing)
 {
     dbCPatient patient = StorePatient("A1");
     EXPECT_EQ(RunChange(patient,
-                        [](DialogScript& script)
-                        {
+                        [](DialogScript& script) {
                             const Dialog sheet = WaitForSheet(script);
                             sheet.Item(IDC_CHART_ID).SetText("A2");
                             sheet.Press(IDOK);
@@ -221,8 +217,7 @@ TEST_F(SheetSaveTest, ListPagesChangeAndRemoveRows)
     dbCPatient patient = StorePatient("A1");
     const CString strDoctor = StoreDoctor("Noor", "Abel");
     EXPECT_EQ(RunChange(patient,
-                        [](DialogScript& script)
-                        {
+                        [](DialogScript& script) {
                             const Dialog sheet = WaitForSheet(script);
                             sheet.SelectPage(PAT_PAGE_REFERRAL);
                             EXPECT_FALSE(sheet.Item(IDC_REFER_CHANGE).IsEnabled());
@@ -238,8 +233,8 @@ TEST_F(SheetSaveTest, ListPagesChangeAndRemoveRows)
                             sheet.Press(IDC_INSURE_REMOVE);
                             EXPECT_TRUE(sheet.Item(IDC_INSURE_LIST).Rows().empty());
                             sheet.SelectPage(PAT_PAGE_GUARDIAN); // emptied but for the country
-                            for (const int nControl : {IDC_GUARD_FIRSTNAME, IDC_GUARD_LASTNAME, IDC_GUARD_NOTES,
-                                                       IDC_GUARD_PHONE1})
+                            for (const int nControl :
+                                 {IDC_GUARD_FIRSTNAME, IDC_GUARD_LASTNAME, IDC_GUARD_NOTES, IDC_GUARD_PHONE1})
                                 sheet.Item(nControl).SetText("");
                             sheet.Press(IDOK);
                         }),
@@ -263,8 +258,7 @@ TEST_F(SheetSaveTest, InitialDataFillTheChartPage)
     data.SetBirthdate(velCDate(1999, 9, 9));
     data.SetGender(1);
     EXPECT_EQ(RunNewWithData(data,
-                             [](DialogScript& script)
-                             {
+                             [](DialogScript& script) {
                                  const Dialog sheet = WaitForSheet(script);
                                  EXPECT_EQ(sheet.Item(IDC_CHART_ID).Text(), "D1");
                                  EXPECT_EQ(sheet.Item(IDC_CHART_LASTNAME).Text(), "Com");
@@ -278,11 +272,11 @@ TEST_F(SheetSaveTest, InitialDataFillTheChartPage)
 
     dbCPatient empty;
     EXPECT_EQ(RunNewWithData(empty,
-                             [](DialogScript& script)
-                             {
+                             [](DialogScript& script) {
                                  const Dialog sheet = WaitForSheet(script);
-                                 for (const int nControl : {IDC_CHART_ID, IDC_CHART_FIRSTNAME, IDC_CHART_LASTNAME,
-                                                            IDC_CHART_STREET, IDC_CHART_PHONE1, IDC_CHART_EMAIL})
+                                 for (const int nControl :
+                                      {IDC_CHART_ID, IDC_CHART_FIRSTNAME, IDC_CHART_LASTNAME,
+                                       IDC_CHART_STREET, IDC_CHART_PHONE1, IDC_CHART_EMAIL})
                                      EXPECT_EQ(sheet.Item(nControl).Text(), "");
                                  EXPECT_EQ(sheet.Item(IDC_CHART_BIRTHDATE).Date().wYear, 0);
                                  sheet.Press(IDCANCEL);
@@ -296,8 +290,7 @@ TEST_F(SheetSaveTest, AStoredRecordAsInitialDataStaysThePatientItIs)
 {
     dbCPatient data = StorePatient("A1");
     EXPECT_EQ(RunNewWithData(data,
-                             [](DialogScript& script)
-                             {
+                             [](DialogScript& script) {
                                  const Dialog sheet = WaitForSheet(script);
                                  EXPECT_EQ(sheet.Item(IDC_CHART_FIRSTNAME).Text(), "Ann");
                                  FillNames(sheet, "A2", "Bea", "Lee");
@@ -312,18 +305,15 @@ TEST_F(SheetSaveTest, CancelWritesNothing)
 {
     dbCPatient patient = StorePatient("A1");
     const __int64 nBefore = dbCPatients::GetChangeCounter();
-    EXPECT_EQ(RunNew(
-                  [](DialogScript& script)
-                  {
-                      const Dialog sheet = WaitForSheet(script);
-                      FillNames(sheet, "B1", "Bob", "Lee");
-                      sheet.Press(IDCANCEL);
-                  }),
+    EXPECT_EQ(RunNew([](DialogScript& script) {
+                  const Dialog sheet = WaitForSheet(script);
+                  FillNames(sheet, "B1", "Bob", "Lee");
+                  sheet.Press(IDCANCEL);
+              }),
               IDCANCEL);
     EXPECT_TRUE(m_strGUID.IsEmpty());
     EXPECT_EQ(RunChange(patient,
-                        [](DialogScript& script)
-                        {
+                        [](DialogScript& script) {
                             const Dialog sheet = WaitForSheet(script);
                             FillNames(sheet, "B1", "Bob", "Lee");
                             sheet.Close();
@@ -337,8 +327,7 @@ TEST_F(SheetSaveTest, APatientThatIsGoneCanOnlyBeCancelled)
     dbCPatient patient = StorePatient("A1");
     m_patients.DeletePatient("A1");
     EXPECT_EQ(RunChange(patient,
-                        [](DialogScript& script)
-                        {
+                        [](DialogScript& script) {
                             script.AnswerBox("Error occurs when loading patient info", IDOK);
                             const Dialog sheet = WaitForSheet(script);
                             EXPECT_FALSE(sheet.Item(IDOK).IsEnabled());

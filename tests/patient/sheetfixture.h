@@ -42,8 +42,8 @@ protected:
     }
     __int64 RunNewWithData(dbCPatient& data, const Script& script)
     {
-        return veltest::RunModal([&] { return NewPatientDlgWithData(nullptr, m_pPatients, m_strGUID, &data); },
-                                 script);
+        return veltest::RunModal(
+            [&] { return NewPatientDlgWithData(nullptr, m_pPatients, m_strGUID, &data); }, script);
     }
     __int64 RunChange(dbCPatient& patient, const Script& script)
     {
@@ -59,7 +59,8 @@ protected:
     }
 
     // A stored patient with something on every page.
-    dbCPatient StorePatient(const char* pszID, const char* pszFirstname = "Ann", const char* pszLastname = "Lee");
+    dbCPatient StorePatient(const char* pszID, const char* pszFirstname = "Ann",
+                            const char* pszLastname = "Lee");
     // A stored doctor; returns the GUID.
     static CString StoreDoctor(const char* pszFirstname, const char* pszLastname);
 
@@ -76,8 +77,8 @@ veltest::Dialog WaitForSheet(veltest::DialogScript& script);
 void FillNames(const veltest::Dialog& sheet, const std::string& id, const std::string& firstname,
                const std::string& lastname);
 
-// Presses OK, expects this box (exact text), answers it, and expects the sheet to be open still with the focus on
-// the control (0: wherever).
+// Presses OK, expects this box (exact text), answers it, and expects the sheet to be open still with the
+// focus on the control (0: wherever).
 void ExpectRefused(veltest::DialogScript& script, const veltest::Dialog& sheet, const std::string& text,
                    int focusedControl = 0);
 
