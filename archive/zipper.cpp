@@ -121,7 +121,7 @@ bool CZipper::StoredName(const std::string& path, bool ignorePath, std::string& 
 bool CZipper::AddFileToZip(const std::string& path, bool ignorePath)
 {
     std::string stored;
-    return m_zip && StoredName(path, ignorePath, stored) && StoreFile(path, stored);
+    return m_zip && !m_bFailed && StoredName(path, ignorePath, stored) && StoreFile(path, stored);
 }
 
 bool CZipper::OpenEntry(const std::string& stored, const arc::FileInfo& info)

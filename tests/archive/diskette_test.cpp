@@ -1,0 +1,135 @@
+#include "archive/archiveres.h"
+#include "archive/diskette.h"
+#include "archive/volumeformat.h"
+#include "tests/archive/memoryfilesystem.h"
+
+#include <gtest/gtest.h>
+
+using arc::DisketteCheck;
+namespace attribute = arc::attribute;
+
+namespace
+{
+const arc::HeaderLine Patient{"Smith", "Jo", "S1"};
+
+std::string VolumeBytes(int number)
+{
+    const auto header = arc::EncodeHeader(arc::MakeVolumeHeader({}, number, 1, arc::RecordForm::Short));
+    return {header.begin(), header.end()};
+}
+
+class ArchiveDiskette : public testing::Test
+{
+protected:
+    ArchiveDiskette()
+    {
+        files.AddDrive('A', 100, 512);
+    }
+    DisketteCheck Check(int number)
+    {
+        return arc::CheckDiskette(files, 'A', Patient, number);
+    }
+    MemoryFileSystem files;
+};
+} // namespace
+
+TEST_F(ArchiveDiskette, AnEmptyDriveHoldsNoDisk)
+{
+    EXPECT_EQ(Check(1), DisketteCheck::NoDisk);
+    EXPECT_EQ(arc::CheckDiskette(files, 'B', Patient, 1), DisketteCheck::NoDisk);
+    EXPECT_TRUE(arc::IsBlankDisk(files, 'A'));
+    EXPECT_FALSE(arc::IsBlankDisk(files, 'B'));
+}
+
+TEST_F(ArchiveDiskette, FirstDiskIsKnownByItsLabel)
+{
+    files.Put("A:\\other.txt", "x");
+    EXPECT_EQ(Check(1), DisketteCheck::NotPatientDisk);
+    files.Put("A:\\S1.002", VolumeBytes(2));
+    EXPECT_EQ(Check(1), DisketteCheck::OutOfOrder); // no label, but a volume of the patient
+    files.Put("A:\\CURRENT.DAT", "no header");
+    EXPECT_EQ(Check(1), DisketteCheck::OutOfOrder);
+    for (const arc::HeaderLine& other : {arc::HeaderLine{"Smyth", "Jo", "S1"}, arc::HeaderLine{"Smith", "jo", "S1"},
+                                         arc::HeaderLine{"Smith", "Jo", "S2"}})
+    {
+        files.Put("A:\\CURRENT.DAT", arc::WriteHeaderLine(other));
+        EXPECT_EQ(Check(1), DisketteCheck::OtherPatient);
+    }
+    files.Put("A:\\CURRENT.DAT", arc::WriteHeaderLine(Patient));
+    EXPECT_EQ(Check(1), DisketteCheck::OutOfOrder);
+    files.Put("A:\\S1.002", VolumeBytes(1));
+    EXPECT_EQ(Check(1), DisketteCheck::Right);
+}
+
+TEST_F(ArchiveDiskette, LaterDisksAreKnownByTheirVolume)
+{
+    files.Put("A:\\CURRENT.DAT", "anything");
+    EXPECT_EQ(Check(2), DisketteCheck::NotPatientDisk);
+    files.Put("A:\\S1.002", VolumeBytes(2).substr(0, 27));
+    EXPECT_EQ(Check(2), DisketteCheck::NotPatientDisk);
+    files.Put("A:\\S1.002", VolumeBytes(2));
+    EXPECT_EQ(Check(2), DisketteCheck::Right);
+    EXPECT_EQ(Check(3), DisketteCheck::OutOfOrder);
+}
+
+TEST_F(ArchiveDiskette, EveryWrongDiskRaisesItsQuestion)
+{
+    EXPECT_EQ(arc::DisketteQuestion(DisketteCheck::Right), 0u);
+    EXPECT_EQ(arc::DisketteQuestion(DisketteCheck::NoDisk), 0u);
+    EXPECT_EQ(arc::DisketteQuestion(DisketteCheck::NotPatientDisk), unsigned{IDS_ARC_DISK_NOT_PATIENT});
+    EXPECT_EQ(arc::DisketteQuestion(DisketteCheck::OtherPatient), unsigned{IDS_ARC_DISK_OTHER_PATIENT});
+    EXPECT_EQ(arc::DisketteQuestion(DisketteCheck::OutOfOrder), unsigned{IDS_ARC_DISK_OUT_OF_ORDER});
+}
+
+TEST_F(ArchiveDiskette, ErasesWhatItMayAndClearsReadOnly)
+{
+    files.Put("A:\\f\\g\\deep.txt", "x", attribute::ReadOnly | attribute::Hidden | attribute::System);
+    files.Put("A:\\none.txt", "x", attribute::Normal);
+    files.Put("A:\\plain.txt", "x");
+    EXPECT_TRUE(arc::EraseDrive(files, 'A'));
+    EXPECT_FALSE(files.Exists("A:\\f"));
+    EXPECT_TRUE(files.Tree("A:\\").empty());
+}
+
+TEST_F(ArchiveDiskette, SkippedFilesLeaveAFolderEraseGoodAndADriveEraseNot)
+{
+    constexpr std::uint32_t compressed = 0x800;
+    files.Put("A:\\kept.txt", "x", attribute::Archive | compressed);
+    files.Put("A:\\gone.txt", "x");
+    EXPECT_TRUE(arc::EraseFolder(files, "A:\\"));
+    EXPECT_TRUE(files.Exists("A:\\kept.txt"));
+    EXPECT_FALSE(files.Exists("A:\\gone.txt"));
+    EXPECT_FALSE(arc::EraseDrive(files, 'A'));
+}
+
+TEST_F(ArchiveDiskette, NeverEntersALinkedFolder)
+{
+    files.Put("A:\\link\\precious.txt", "x");
+    files.SetAttributes("A:\\link", attribute::Folder | attribute::Reparse);
+    EXPECT_TRUE(arc::EraseFolder(files, "A:\\"));
+    EXPECT_TRUE(files.Exists("A:\\link\\precious.txt"));
+}
+
+TEST_F(ArchiveDiskette, TheFirstFailureStopsTheWalk)
+{
+    files.Put("A:\\a.txt", "x");
+    files.Put("A:\\b.txt", "x");
+    files.Put("A:\\c.txt", "x");
+    const auto held = files.Open("A:\\b.txt", arc::Access::ReadShared);
+    EXPECT_FALSE(arc::EraseFolder(files, "A:\\"));
+    EXPECT_FALSE(files.Exists("A:\\a.txt"));
+    EXPECT_TRUE(files.Exists("A:\\c.txt"));
+}
+
+TEST_F(ArchiveDiskette, CountsVolumesInClustersTwice)
+{
+    const arc::HeaderLine label{"Smith", "Jo", "S1"}; // 14 bytes: a cluster
+    // 10 clusters of stream and 1 of label in volumes of 11; their header spills the stream into another cluster.
+    EXPECT_EQ(arc::EstimateVolumes(10 * 512 - 28, label, 512, 11), 1u);
+    EXPECT_EQ(arc::EstimateVolumes(10 * 512 - 27, label, 512, 11), 2u);
+    EXPECT_EQ(arc::EstimateVolumes(0, label, 512, 11), 1u);
+    // A label of more than a cluster: 4 + 5 + 3 + 5 = 17 bytes.
+    EXPECT_EQ(arc::EstimateVolumes(16, {"1234", "12345", "123"}, 16, 3), 2u);
+    EXPECT_EQ(arc::EstimateVolumes(100, label, 0, 11), 0u);
+    EXPECT_EQ(arc::EstimateVolumes(100, label, 512, 0), 0u);
+}

@@ -1,0 +1,80 @@
+// Drives in memory that behave as Windows does, and fail where a test wants them to.
+#pragma once
+
+#include "archive/filesystem.h"
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+// Names are kept with their case and found without it. "C:\\" is there from the start and is the current folder.
+// For one thread.
+class MemoryFileSystem : public arc::FileSystem
+{
+public:
+    struct Node
+    {
+        std::string name;    // with its case
+        bool folder = false;
+        std::string bytes;
+        std::uint32_t attributes = arc::attribute::Archive;
+        arc::LocalTime written{2026, 10, 21, 4, 5, 6};
+        std::uint64_t id = 0;
+        int readers = 0; // open now
+        bool alone = false;
+    };
+
+    MemoryFileSystem();
+
+    // --- what a test sets and looks at ---
+    void AddDrive(char letter, std::uint64_t clusters = 1 << 20, std::uint64_t bytesPerCluster = 512);
+    void Put(const std::string& path, const std::string& bytes, std::uint32_t attributes = arc::attribute::Archive);
+    bool Exists(const std::string& path) const;
+    std::string Bytes(const std::string& path) const; // empty when there is none
+    Node* Find(const std::string& path);
+    std::vector<std::string> Tree(const std::string& folder) const; // full paths of all files below
+
+    // From the call with this number on (from 1, counted from now) as many calls fail, or all when times is 0; call 0 =
+    // none. Calls are those that reach the file system: opening, reading, writing, flushing, closing, and all that
+    // change names.
+    void FailFrom(int call, int times = 0);
+    int Calls() const;
+
+    // --- arc::FileSystem ---
+    std::unique_ptr<arc::File> Open(const std::string& path, arc::Access access) override;
+    std::optional<arc::FileInfo> Query(const std::string& path) override;
+    std::optional<arc::FileIdentity> Identity(const std::string& path) override;
+    bool List(const std::string& folder, const std::string& wildcard,
+              std::vector<arc::FolderEntry>& entries) override;
+    bool CreateFolder(const std::string& path) override;
+    bool RemoveFolder(const std::string& path) override;
+    bool RemoveFile(const std::string& path) override;
+    bool Move(const std::string& from, const std::string& to) override;
+    bool SetAttributes(const std::string& path, std::uint32_t attributes) override;
+    bool SetWritten(const std::string& path, const arc::LocalTime& time) override;
+    std::string Absolute(const std::string& path) override;
+    std::optional<arc::DiskSpace> Space(const std::string& folder) override;
+
+private:
+    class MemoryFile;
+    struct Drive
+    {
+        std::uint64_t clusters;
+        std::uint64_t bytesPerCluster;
+    };
+
+    static std::string Full(const std::string& path);
+    static std::string Key(const std::string& path);
+    bool Fails();
+    std::uint64_t UsedClusters(char drive) const;
+    bool HasRoom(const std::string& key, std::uint64_t oldSize, std::uint64_t newSize) const;
+
+    std::map<char, Drive> m_drives;
+    std::map<std::string, std::shared_ptr<Node>> m_nodes; // by folded full path
+    std::uint64_t m_nextId = 1;
+    int m_calls = 0;
+    int m_failFrom = 0;
+    int m_failTimes = 0;
+};

@@ -1,0 +1,263 @@
+#include "archive/archiveres.h"
+#include "archive/filenames.h"
+#include "archive/fileset.h"
+#include "archive/headerline.h"
+#include "archive/progress.h"
+#include "archive/resultcodes.h"
+#include "tests/archive/memoryfilesystem.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <limits>
+#include <set>
+
+using arc::ArchiveKind;
+using testing::ElementsAre;
+
+TEST(ArchiveNames, KindIsTheFirstKnownPartAnywhereInTheLoweredPath)
+{
+    const struct
+    {
+        const char* path;
+        ArchiveKind kind;
+    } cases[] = {
+        {"D:\\x.KAR", ArchiveKind::VolumeFile},
+        {"A:\\CURRENT.DAT", ArchiveKind::Diskettes},
+        {"C:\\old\\SMITH.Pf", ArchiveKind::PatientFile},
+        {"C:\\a.pf\\Current.Dat", ArchiveKind::Diskettes},
+        {"C:\\a.pf\\current.dat.kar", ArchiveKind::VolumeFile},
+        {"C:\\x.pfx", ArchiveKind::PatientFile},
+        {"C:\\x.kaz", ArchiveKind::None},
+        {"kar", ArchiveKind::None},
+        {"", ArchiveKind::None},
+    };
+    for (const auto& c : cases)
+    {
+        EXPECT_EQ(arc::KindOfArchive(c.path), c.kind) << c.path;
+    }
+    EXPECT_TRUE(arc::IsZippedArchive("D:\\P.KAZ"));
+    EXPECT_FALSE(arc::IsZippedArchive("D:\\x.kaz\\P.kar"));
+}
+
+TEST(ArchiveNames, FilesOfAPatient)
+{
+    EXPECT_EQ(arc::PatientFileName("AB"), "AB.PF");
+    EXPECT_EQ(arc::TimepointBaseName("AB", 7), "AB07");
+    EXPECT_EQ(arc::TimepointBaseName("AB", 100), "AB100");
+    EXPECT_EQ(arc::ImageFileName("AB07", 4, '0'), "AB07.I40");
+    EXPECT_EQ(arc::ImageCompanionName("II07.I2I"), "II07.V2I"); // only the extension's first letter
+    EXPECT_EQ(arc::TimepointDataName("AB", 0, ".DF3"), "AB00.DF3");
+    EXPECT_EQ(arc::AlternateImageName("AB07.i40"), "AB07.C01");
+    EXPECT_EQ(arc::AlternateImageName("AB07.I41"), "");
+    EXPECT_EQ(arc::AlternateImageName("I40"), "");
+    EXPECT_EQ(arc::ZippedArchiveName("D:\\arc\\", "AB"), "D:\\arc\\AB.KAZ");
+}
+
+TEST(ArchiveNames, PatternArgumentHasTheEightPatternsAndSplitsBack)
+{
+    EXPECT_EQ(arc::ArchivePatternArgument("S1"), "\"S1.PF\" \"S1??.i??\" \"S1??.v??\" \"S1??.m\" \"S1??.i??.???\" "
+                                                 "\"S1$*\" \"S1??.d?.i??\" \"S1*.2dmorph\"");
+    EXPECT_EQ(arc::SplitPatternArgument(arc::ArchivePatternArgument("S1")), arc::ArchivePatterns("S1"));
+    EXPECT_THAT(arc::SplitPatternArgument("  a\"b\" \"\" c\""), ElementsAre("a", "b", "c"));
+    EXPECT_THAT(arc::SplitPatternArgument("\" \""), ElementsAre());
+}
+
+TEST(ArchiveNames, VolumesHaveThreeCharacterNumbers)
+{
+    EXPECT_EQ(arc::VolumeFileName("D:\\arc", "AB", 1), "D:\\arc\\AB.001");
+    EXPECT_EQ(arc::VolumeFileName("A:", "AB", 12), "A:\\AB.012");
+    EXPECT_EQ(arc::VolumeFileName("A:\\", "AB", 123), "A:\\AB.123");
+    EXPECT_EQ(arc::VolumeSearchPattern('B', "AB"), "B:\\AB.0*");
+}
+
+TEST(ArchiveNames, WildcardsAreStrict)
+{
+    const struct
+    {
+        const char* name;
+        const char* pattern;
+        bool matches;
+    } cases[] = {
+        {"A100.I40", "A1??.i??", true},     {"A1.I40", "A1??.i??", false},   {"A100.I4", "A1??.i??", false},
+        {"A00.I40", "A1??.i??", false},     {"A123.M", "A1??.m", true},      {"A1234.M", "A1??.m", false},
+        {"A100.I40.AVI", "A1??.i??", false}, {"A1$00$x.dat", "A1$*", true},  {"A12$00$x", "A1$*", false},
+        {"A1x.y.2dmorph", "A1*.2dmorph", true}, {"A1.2dmorphs", "A1*.2dmorph", false}, {"", "*", true},
+        {"", "?", false},                   {"abcabd", "*abd", true},        {"abc", "***", true},
+        {"\xE4", "\xC4", true},             {"\xF7", "\xD7", false},
+    };
+    for (const auto& c : cases)
+    {
+        EXPECT_EQ(arc::MatchesWildcard(c.name, c.pattern), c.matches) << c.name << " " << c.pattern;
+    }
+}
+
+TEST(ArchiveNames, Paths)
+{
+    EXPECT_EQ(arc::FolderOf("C:\\a\\b.c"), "C:\\a");
+    EXPECT_EQ(arc::FolderOf("C:\\b.c"), "C:\\");
+    EXPECT_EQ(arc::FolderOf("b.c"), "");
+    EXPECT_EQ(arc::FileNameOf("C:b.c"), "b.c");
+    EXPECT_EQ(arc::ExtensionOf("C:\\a.x\\b"), "");
+    EXPECT_EQ(arc::WithExtension("C:\\a.x\\b", "zip"), "C:\\a.x\\b.zip");
+    EXPECT_EQ(arc::WithExtension("C:\\b.c.d", "zip"), "C:\\b.c.zip");
+    EXPECT_TRUE(arc::HasDriveLetter("z:\\"));
+    EXPECT_FALSE(arc::HasDriveLetter("\\\\server\\share"));
+    EXPECT_FALSE(arc::HasDriveLetter("1:\\"));
+    EXPECT_TRUE(arc::IsDisketteDrive("a:"));
+}
+
+TEST(ArchiveHeaderLine, WritesThreeEndedFields)
+{
+    EXPECT_EQ(arc::WriteHeaderLine({"Smith", "Jo", "S1"}), "Smith\x01Jo\x01S1\x01\n");
+    const std::string longName(40, 'n');
+    EXPECT_EQ(arc::WriteHeaderLine({longName, "J\x01\n", "S"}), std::string(25, 'n') + "\x01J\x01S\x01\n");
+}
+
+TEST(ArchiveHeaderLine, AcceptsOnlyWholeLines)
+{
+    using namespace std::string_literals;
+    const std::string full(25, 'x');
+    const struct
+    {
+        std::string line;
+        bool accepted;
+    } cases[] = {
+        {"Smith\x01Jo\x01S1\x01\n", true},
+        {"Smith\x01Jo\x01S1\x01\r\n", true},
+        {full + "\x01" + full + "\x01" + full + "\x01\r\nrest", true},
+        {"\x01\x01S1\x01\n", true},
+        {"Smith\x01Jo\x01\x01\n", false},
+        {full + "x\x01Jo\x01S1\x01\n", false},
+        {"Smith\x01Jo\x01" + full + "x\x01\n", false},
+        {"Smith\x01Jo\x01S1\x01", false},
+        {"Smith\x01Jo\x01S1\x01 \n", false},
+        {"Smith\x01Jo\x01S1\n", false},
+        {"Smith\x01Jo\n\x01S1\x01\n", false},
+        {"Smi\0th\x01Jo\x01S1\x01\n"s, false},
+        {"", false},
+        {std::string(1000, '\x02'), false},
+        {"PK\x03\x04", false},
+    };
+    for (const auto& c : cases)
+    {
+        EXPECT_EQ(arc::ParseHeaderLine(c.line).has_value(), c.accepted) << testing::PrintToString(c.line);
+    }
+    EXPECT_EQ(arc::ParseHeaderLine(cases[0].line), (arc::HeaderLine{"Smith", "Jo", "S1"}));
+}
+
+TEST(ArchiveHeaderLine, ComparesTheFirst25Characters)
+{
+    const std::string name(25, 'n');
+    EXPECT_TRUE(arc::SamePatient({name + "abc", "Jo", "S1"}, {name, "Jo", "S1"}));
+    EXPECT_FALSE(arc::SamePatient({"smith", "Jo", "S1"}, {"Smith", "Jo", "S1"})); // exact, case and all
+    EXPECT_FALSE(arc::SamePatient({"Smith", "Jo", "S1"}, {"Smith", "Jo", "S2"}));
+}
+
+namespace
+{
+arc::TimepointFiles Timepoint(const std::string& id, int index)
+{
+    arc::TimepointFiles timepoint;
+    timepoint.index = index;
+    timepoint.baseName = arc::TimepointBaseName(id, index);
+    return timepoint;
+}
+} // namespace
+
+TEST(ArchiveFileSet, ListsByGroupThenTypeThenTimepoint)
+{
+    arc::ImageTypeTable types;
+    types[0] = "AB";
+    types[4] = "0";
+    arc::TimepointFiles first = Timepoint("P", 0);
+    arc::TimepointFiles second = Timepoint("P", 3);
+    first.typeBits[0] = 0b10;
+    second.typeBits[0] = 0b11;
+    second.typeBits[4] = 0b101; // a bit without a type of the table names no file
+    const auto names = arc::ListFileSet("P", {first, second}, types);
+    EXPECT_THAT(names, ElementsAre("P.PF", "P03.I0A", "P03.V0A", "P00.I0B", "P00.V0B", "P03.I0B", "P03.V0B", "P03.I40",
+                                   "P03.V40", "P00.DF0", "P00.DF1", "P00.DF2", "P00.DF3", "P00.M", "P03.DF0", "P03.DF1",
+                                   "P03.DF2", "P03.DF3", "P03.M"));
+    EXPECT_EQ(arc::FileSlots({first, second}), 1 + 2 * 5 + 5 * 2u);
+    EXPECT_THAT(arc::ListFileSet("P", {}, types), ElementsAre("P.PF"));
+}
+
+TEST(ArchiveFileSet, FindsTheOtherNameOfAMissingImage)
+{
+    MemoryFileSystem files;
+    files.Put("C:\\w\\P.PF", "1234");
+    files.Put("C:\\w\\P00.C01", "12");
+    files.Put("C:\\w\\P01.I40", "1");
+    files.Put("C:\\w\\P01.C01", "123");
+    files.CreateFolder("C:\\w\\P00.M");
+    const auto present = arc::PresentFiles(files, "C:\\w", {"P.PF", "P00.I40", "P01.I40", "P02.I40", "P00.M"});
+    ASSERT_EQ(present.size(), 3u);
+    EXPECT_EQ(present[0].size, 4u);
+    EXPECT_EQ(present[1].name, "P00.C01");
+    EXPECT_EQ(present[2].name, "P01.I40");
+}
+
+TEST(ArchiveFileSet, ArchiveHoldsPatternsThenListedFilesOnce)
+{
+    MemoryFileSystem files;
+    for (const char* name : {"A1.PF", "A100.I40", "A101.C01", "A100.DF0", "A100.DF9", "A1$00$note.txt", "A1$x.2dmorph",
+                             "A12.2dmorph", "A1200.I40", "A12.PF", "A100.V40", "A100.D1.I20", "B.PF", "A100.I40.AVI"})
+    {
+        files.Put(std::string("C:\\w\\") + name, name);
+    }
+    std::vector<arc::PresentFile> found;
+    ASSERT_TRUE(arc::FilesToArchive(files, "C:\\w", "A1", {"A1.PF", "A100.I40", "A101.I40", "A100.DF0", "A100.DF1"},
+                                    found));
+    std::vector<std::string> names;
+    for (const auto& file : found)
+    {
+        EXPECT_EQ(file.size, file.name.size());
+        names.push_back(file.name);
+    }
+    EXPECT_THAT(names, ElementsAre("A1.PF", "A100.I40", "A100.V40", "A100.I40.AVI", "A1$00$note.txt", "A1$x.2dmorph",
+                                   "A100.D1.I20", "A12.2dmorph", "A101.C01", "A100.DF0"));
+    EXPECT_FALSE(arc::FilesToArchive(files, "C:\\none", "A1", {}, found));
+}
+
+TEST(ArchiveProgress, Percentages)
+{
+    EXPECT_EQ(arc::ProgressPercent(0, 3), 0);
+    EXPECT_EQ(arc::ProgressPercent(2, 3), 66);
+    EXPECT_EQ(arc::ProgressPercent(4, 3), 100);
+    EXPECT_EQ(arc::ProgressPercent(0, 0), 100);
+    constexpr auto huge = std::numeric_limits<std::uint64_t>::max();
+    EXPECT_EQ(arc::ProgressPercent(huge / 2, huge), 50);
+    EXPECT_EQ(arc::UnzipPercent(0, 3), 0);
+    EXPECT_EQ(arc::UnzipPercent(1, 3), 34);
+    EXPECT_EQ(arc::UnzipPercent(1, 1000), 1);
+    EXPECT_EQ(arc::UnzipPercent(999, 1000), 100);
+    EXPECT_EQ(arc::UnzipPercent(0, 0), 100);
+}
+
+TEST(ArchiveResultCodes, EveryCodeHasTheMessageOfItsRow)
+{
+    const auto codesOf = [](unsigned (*table)(int), unsigned text) {
+        std::set<int> codes;
+        for (int code = -2; code <= 9000; ++code)
+        {
+            if (table(code) == text)
+            {
+                codes.insert(code);
+            }
+        }
+        return codes;
+    };
+    using Codes = std::set<int>;
+    EXPECT_EQ(codesOf(arc::SaveResultText, IDS_ARC_WRITE_PROTECTED), (Codes{3}));
+    EXPECT_EQ(codesOf(arc::SaveResultText, IDS_ARC_WRITE_FAILURE), (Codes{14}));
+    EXPECT_EQ(codesOf(arc::SaveResultText, IDS_ARC_NOT_CREATED), (Codes{15}));
+    EXPECT_EQ(codesOf(arc::SaveResultText, IDS_ARC_SAVE_ERROR_CODE),
+              (Codes{1, 2, 4, 5, 6, 7, 8, 10, 11, 12, 13, 16, 17, 18, 19, 20, 21}));
+    EXPECT_EQ(codesOf(arc::LoadResultText, IDS_ARC_OPEN_ERROR), (Codes{2, 3, 4, 5, 9, 11, 12, 25, 28, 29}));
+    EXPECT_EQ(codesOf(arc::LoadResultText, IDS_ARC_EXTRACT_ERROR), (Codes{39, 41, 42}));
+    EXPECT_EQ(codesOf(arc::LoadResultText, IDS_ARC_LOAD_ERROR_CODE), (Codes{44, 45, 46, 47, 49, 50}));
+    EXPECT_EQ(codesOf(arc::ThreadResultText, IDS_ARC_CANCELLED), (Codes{8493}));
+    EXPECT_EQ(codesOf(arc::ThreadResultText, IDS_ARC_NO_DIALOG), (Codes{8495}));
+}

@@ -1,0 +1,86 @@
+#include "tests/archive/rawzip.h"
+
+#include <zlib.h>
+
+namespace
+{
+void Put(std::string& to, std::uint32_t value, int bytes)
+{
+    for (int i = 0; i < bytes; ++i)
+    {
+        to += static_cast<char>(value >> (8 * i));
+    }
+}
+
+// The fields that both headers share, from "version needed" on.
+void PutCommon(std::string& to, const RawEntry& entry, std::size_t packed, std::size_t nameLength, bool local)
+{
+    Put(to, 20, 2);
+    Put(to, entry.flags, 2);
+    Put(to, local ? entry.localMethod.value_or(entry.method) : entry.method, 2);
+    Put(to, 0x2000, 2); // 04:00:00
+    Put(to, 0x5D75, 2); // 21 November 2026
+    const std::uint32_t crc = entry.crc.value_or(Crc(entry.contents));
+    const std::uint32_t size = entry.size.value_or(static_cast<std::uint32_t>(entry.contents.size()));
+    Put(to, local ? entry.localCrc.value_or(crc) : crc, 4);
+    Put(to, entry.packedSize.value_or(static_cast<std::uint32_t>(packed)), 4);
+    Put(to, local ? entry.localSize.value_or(size) : size, 4);
+    Put(to, static_cast<std::uint32_t>(nameLength), 2);
+}
+} // namespace
+
+std::uint32_t Crc(const std::string& bytes)
+{
+    return static_cast<std::uint32_t>(crc32(0, reinterpret_cast<const Bytef*>(bytes.data()), static_cast<uInt>(bytes.size())));
+}
+
+std::string Deflate(const std::string& bytes)
+{
+    z_stream stream{};
+    deflateInit2(&stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, -MAX_WBITS, 8, Z_DEFAULT_STRATEGY);
+    std::string packed(deflateBound(&stream, static_cast<uLong>(bytes.size())), '\0');
+    stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(bytes.data()));
+    stream.avail_in = static_cast<uInt>(bytes.size());
+    stream.next_out = reinterpret_cast<Bytef*>(packed.data());
+    stream.avail_out = static_cast<uInt>(packed.size());
+    deflate(&stream, Z_FINISH);
+    packed.resize(stream.total_out);
+    deflateEnd(&stream);
+    return packed;
+}
+
+std::string RawZip::Build() const
+{
+    std::string bytes;
+    std::string directory;
+    for (const RawEntry& entry : entries)
+    {
+        const std::string packed = entry.method == 8 ? Deflate(entry.contents) : entry.contents;
+        const std::string localName = entry.localName.value_or(entry.name);
+        const auto offset = static_cast<std::uint32_t>(bytes.size());
+        bytes += "PK\x03\x04";
+        PutCommon(bytes, entry, packed.size(), localName.size(), true);
+        Put(bytes, 0, 2);
+        bytes += localName + packed;
+
+        directory += "PK\x01\x02";
+        Put(directory, 20, 2);
+        PutCommon(directory, entry, packed.size(), entry.name.size(), false);
+        Put(directory, static_cast<std::uint32_t>(entry.extra.size()), 2);
+        Put(directory, static_cast<std::uint32_t>(entry.comment.size()), 2);
+        Put(directory, 0, 4); // disk, internal attributes
+        Put(directory, entry.attributes, 4);
+        Put(directory, entry.offset.value_or(offset), 4);
+        directory += entry.name + entry.extra + entry.comment;
+    }
+    const auto directoryAt = static_cast<std::uint32_t>(bytes.size());
+    bytes += directory + "PK\x05\x06";
+    const auto entryCount = count.value_or(static_cast<std::uint16_t>(entries.size()));
+    Put(bytes, 0, 4);
+    Put(bytes, entryCount, 2);
+    Put(bytes, entryCount, 2);
+    Put(bytes, directorySize.value_or(static_cast<std::uint32_t>(directory.size())), 4);
+    Put(bytes, directoryOffset.value_or(directoryAt), 4);
+    Put(bytes, static_cast<std::uint32_t>(comment.size()), 2);
+    return prefix + bytes + comment + trailing;
+}

@@ -1,0 +1,393 @@
+#include "archive/unzipper.h"
+#include "archive/zipper.h"
+#include "archive/ziplimits.h"
+#include "tests/archive/memoryfilesystem.h"
+#include "tests/archive/rawzip.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+using namespace std::string_literals;
+using testing::ElementsAre;
+namespace attribute = arc::attribute;
+
+namespace
+{
+RawEntry Entry(const std::string& name, const std::string& contents = "contents", std::uint16_t method = 0)
+{
+    RawEntry entry;
+    entry.name = name;
+    entry.contents = contents;
+    entry.method = method;
+    return entry;
+}
+
+class ArchiveUnzipper : public testing::Test
+{
+protected:
+    bool Open(const std::string& bytes)
+    {
+        files.Put("C:\\x.kaz", bytes);
+        return unzipper.OpenZip("C:\\x.kaz");
+    }
+
+    // Loads as the status thread does. Whatever happens, nothing may come to stand outside the folder.
+    bool Load(const std::string& bytes)
+    {
+        for (const std::string& path : files.Tree("C:\\out"))
+        {
+            files.RemoveFile(path);
+        }
+        const std::size_t others = files.Tree("C:").size() + (files.Exists("C:\\x.kaz") ? 0 : 1);
+        const bool loaded = Open(bytes) && unzipper.UnzipAll("C:\\out");
+        unzipper.CloseZip();
+        EXPECT_EQ(files.Tree("C:").size() - files.Tree("C:\\out").size(), others);
+        return loaded;
+    }
+
+    std::vector<std::string> Tree()
+    {
+        return files.Tree("C:\\out");
+    }
+
+    MemoryFileSystem files;
+    CUnzipper unzipper{files};
+};
+} // namespace
+
+TEST_F(ArchiveUnzipper, AnEmptyZipLoadsAsEmpty)
+{
+    RawZip zip;
+    ASSERT_EQ(zip.Build().size(), 22u);
+    EXPECT_TRUE(Load(zip.Build()));
+    EXPECT_TRUE(Tree().empty());
+    zip.comment = "nothing";
+    EXPECT_TRUE(Open(zip.Build()));
+    EXPECT_EQ(unzipper.FileCount(), 0u);
+    EXPECT_FALSE(unzipper.GoToFirstEntry());
+    char comment[5];
+    EXPECT_TRUE(unzipper.GlobalComment(comment, sizeof comment));
+    EXPECT_STREQ(comment, "noth");
+    EXPECT_FALSE(unzipper.GlobalComment(comment, 0));
+}
+
+TEST_F(ArchiveUnzipper, ListsWhatItHolds)
+{
+    RawZip zip;
+    zip.entries = {Entry("a.pf"), Entry("sub/"), Entry("Sub\\B.PF", std::string(5000, 'b'), 8),
+                   Entry(std::string(300, 'n')), Entry(std::string(260, 'm'))};
+    zip.entries[0].comment = std::string(400, 'c');
+    zip.entries[1].contents.clear();
+    ASSERT_TRUE(Open(zip.Build()));
+    EXPECT_EQ(unzipper.FileCount(), 5u);
+    CUnzipper::EntryInfo info;
+    ASSERT_TRUE(unzipper.CurrentEntryInfo(info));
+    EXPECT_EQ(info.name, "a.pf");
+    EXPECT_EQ(info.comment, std::string(255, 'c'));
+    EXPECT_EQ(info.time, (arc::LocalTime{2026, 10, 21, 4, 0, 0}));
+    EXPECT_EQ(info.attributes, 0x20u);
+    EXPECT_TRUE(unzipper.LocateEntry("sub\\b.pf"));
+    ASSERT_TRUE(unzipper.CurrentEntryInfo(info));
+    EXPECT_EQ(info.size, 5000u);
+    EXPECT_FALSE(info.folder);
+    EXPECT_FALSE(unzipper.LocateEntry("none"));
+    ASSERT_TRUE(unzipper.GoToNextEntry());
+    ASSERT_TRUE(unzipper.CurrentEntryInfo(info));
+    EXPECT_EQ(info.name, std::string(260, 'n'));
+    EXPECT_FALSE(unzipper.UnzipCurrentEntry("C:\\out"));
+    EXPECT_TRUE(unzipper.GoToNextEntry());
+    EXPECT_FALSE(unzipper.GoToNextEntry());
+    EXPECT_FALSE(unzipper.GoToNextEntry());
+    EXPECT_FALSE(unzipper.CurrentEntryInfo(info));
+    ASSERT_TRUE(unzipper.GoToFirstEntry());
+    ASSERT_TRUE(unzipper.GoToNextEntry());
+    ASSERT_TRUE(unzipper.CurrentEntryInfo(info));
+    EXPECT_TRUE(info.folder);
+    unzipper.CloseZip();
+    EXPECT_FALSE(unzipper.UnzipCurrentEntry("C:\\out"));
+    EXPECT_FALSE(unzipper.GoToFirstEntry());
+}
+
+TEST_F(ArchiveUnzipper, ExtractsBelowTheFolderWithTimes)
+{
+    RawZip zip;
+    zip.entries = {Entry("d\\e\\a.pf"), Entry("f\\"), Entry("b.pf", "", 8)};
+    zip.entries[1].contents.clear();
+    std::vector<int> percents;
+    unzipper.SetProgress([&](int percent, const std::string&) { percents.push_back(percent); });
+    files.Put("C:\\out\\d\\e\\a.pf", "older and longer than the new one", attribute::ReadOnly);
+    files.Put("C:\\x.kaz", zip.Build());
+    ASSERT_TRUE(unzipper.OpenZip("C:\\x.kaz"));
+    unzipper.SetOutputFolder("C:\\out");
+    ASSERT_TRUE(unzipper.UnzipAll());
+    EXPECT_THAT(percents, ElementsAre(34, 67, 100));
+    EXPECT_EQ(files.Bytes("C:\\out\\d\\e\\a.pf"), "contents");
+    EXPECT_EQ(files.Find("C:\\out\\d\\e\\a.pf")->written, (arc::LocalTime{2026, 10, 21, 4, 0, 0}));
+    EXPECT_TRUE(files.Find("C:\\out\\f")->folder);
+    EXPECT_TRUE(files.Exists("C:\\out\\b.pf"));
+    ASSERT_TRUE(unzipper.LocateEntry("d\\e\\a.pf"));
+    EXPECT_TRUE(unzipper.UnzipCurrentEntry("C:\\flat", true));
+    EXPECT_EQ(files.Bytes("C:\\flat\\a.pf"), "contents");
+}
+
+TEST_F(ArchiveUnzipper, ZipsOfOtherProgramsLoad)
+{
+    RawZip zip;
+    zip.entries = {Entry("a/b.pf", "text", 8), Entry("c.pf")};
+    zip.comment = "made elsewhere";
+    EXPECT_TRUE(Load(zip.Build()));
+    zip.prefix = std::string(1000, 'x'); // behind a self-extracting program
+    EXPECT_TRUE(Load(zip.Build()));
+    zip.trailing = std::string(500, '\0'); // padded by a medium
+    EXPECT_TRUE(Load(zip.Build()));
+    EXPECT_THAT(Tree(), ElementsAre("C:\\OUT\\A\\B.PF", "C:\\OUT\\C.PF"));
+}
+
+TEST_F(ArchiveUnzipper, HostileAndDamagedZipsAreRefused)
+{
+    const auto with = [](auto change) {
+        RawZip zip;
+        zip.entries = {Entry("a.pf", std::string(500, 'a'), 8), Entry("b.pf", "stored"), Entry("c.pf", "last")};
+        change(zip);
+        return zip.Build();
+    };
+    const auto renamed = [&](const std::string& name) {
+        return with([&](RawZip& zip) { zip.entries[1].name = name; });
+    };
+    std::string zip64Extra("\x01\x00\x08\x00", 4);
+    zip64Extra += std::string("\xFF\xFF\xFF\xFF\xFF\xFF\xFF\x7F", 8);
+    const struct
+    {
+        const char* what;
+        std::string bytes;
+    } cases[] = {
+        {"nothing", ""},
+        {"not a zip", std::string(5000, 'x')},
+        {"zeros", std::string(5000, '\0')},
+        {"parent", renamed("..\\b.pf")},
+        {"parent with slash", renamed("../../b.pf")},
+        {"absolute", renamed("\\b.pf")},
+        {"drive", renamed("C:\\b.pf")},
+        {"share", renamed("\\\\server\\share\\b.pf")},
+        {"stream", renamed("b.pf:x")},
+        {"device", renamed("AUX.PF")},
+        {"NUL inside", renamed("b.pf\0.txt"s)},
+        {"no name", renamed("")},
+        {"long name", renamed(std::string(300, 'n'))},
+        {"very long name", renamed(std::string(65000, 'n'))},
+        {"the same file twice", renamed("A.PF")},
+        {"file and folder of one name", renamed("a.pf\\x")},
+        {"encrypted", with([](RawZip& zip) { zip.entries[1].flags = 1; })},
+        {"strongly encrypted", with([](RawZip& zip) { zip.entries[1].flags = 0x41; })},
+        {"masked headers", with([](RawZip& zip) { zip.entries[1].flags = 0x2000; })},
+        {"another method", with([](RawZip& zip) { zip.entries[1].method = 12; })},
+        {"method differs", with([](RawZip& zip) { zip.entries[1].localMethod = 8; })},
+        {"name differs", with([](RawZip& zip) { zip.entries[1].localName = "x.pf"; })},
+        {"name of other length", with([](RawZip& zip) { zip.entries[1].localName = "bb.pf"; })},
+        {"checksum wrong", with([](RawZip& zip) { zip.entries[0].crc = 1; })},
+        {"checksum of stored wrong", with([](RawZip& zip) { zip.entries[1].crc = 1; })},
+        {"checksums differ", with([](RawZip& zip) { zip.entries[1].localCrc = 1; })},
+        {"size too large", with([](RawZip& zip) { zip.entries[0].size = 501; })},
+        {"size too small", with([](RawZip& zip) { zip.entries[0].size = 499; })},
+        {"size nothing", with([](RawZip& zip) { zip.entries[0].size = 0; })},
+        {"sizes differ", with([](RawZip& zip) { zip.entries[0].localSize = 499; })},
+        {"stored longer than packed", with([](RawZip& zip) { zip.entries[1].size = 7; })},
+        {"packed beyond the file", with([](RawZip& zip) { zip.entries[0].packedSize = 1 << 20; })},
+        {"packed of 4 GiB", with([](RawZip& zip) { zip.entries[0].packedSize = 0xFFFFFFFE; })},
+        {"packed cut short", with([](RawZip& zip) { zip.entries[0].packedSize = 3; })},
+        {"overlap", with([](RawZip& zip) {
+             zip.entries[2] = zip.entries[1];
+             zip.entries[2].name = "b.pf";
+             zip.entries[2].offset = 30 + 4 + static_cast<std::uint32_t>(Deflate(zip.entries[0].contents).size());
+         })},
+        {"header beyond the directory", with([](RawZip& zip) { zip.entries[1].offset = 100000; })},
+        {"header of 4 GiB", with([](RawZip& zip) { zip.entries[1].offset = 0xFFFFFFFE; })},
+        {"header elsewhere", with([](RawZip& zip) { zip.entries[1].offset = 1; })},
+        {"64 bit sizes that are not there", with([](RawZip& zip) { zip.entries[1].size = 0xFFFFFFFF; })},
+        {"64 bit size beyond everything", with([&](RawZip& zip) {
+             zip.entries[0].size = 0xFFFFFFFF;
+             zip.entries[0].extra = zip64Extra;
+         })},
+        {"extra field beyond its end", with([](RawZip& zip) { zip.entries[1].extra = "\x01\x00\x7F\x00"s; })},
+        {"folder with contents", with([](RawZip& zip) { zip.entries[1].attributes = 0x10; })},
+        {"too few counted", with([](RawZip& zip) { zip.count = 2; })},
+        {"too many counted", with([](RawZip& zip) { zip.count = 4; })},
+        {"all counted", with([](RawZip& zip) { zip.count = 0xFFFF; })},
+        {"directory shorter", with([](RawZip& zip) { zip.directorySize = 100; })},
+        {"directory of 4 GiB", with([](RawZip& zip) { zip.directorySize = 0xFFFFFFFF; })},
+        {"directory elsewhere", with([](RawZip& zip) { zip.directoryOffset = 0xFFFFFFF0; })},
+        {"comment cut off", with([](RawZip& zip) { zip.comment = "x"; }).substr(0, 1)},
+        {"signature in the comment", with([](RawZip& zip) { zip.comment = "PK\x05\x06"; })},
+    };
+    for (const auto& c : cases)
+    {
+        EXPECT_FALSE(Load(c.bytes)) << c.what;
+        // Only whole entries that came before may stand.
+        for (const std::string& path : Tree())
+        {
+            EXPECT_EQ(path, "C:\\OUT\\A.PF") << c.what;
+            EXPECT_EQ(files.Bytes(path), std::string(500, 'a')) << c.what;
+        }
+    }
+}
+
+TEST_F(ArchiveUnzipper, TruncatedAtAnyByteIsRefused)
+{
+    RawZip zip;
+    zip.entries = {Entry("a.pf", std::string(200, 'a'), 8), Entry("b.pf", "stored")};
+    zip.comment = "comment";
+    const std::string whole = zip.Build();
+    ASSERT_TRUE(Load(whole));
+    for (std::size_t size = 0; size < whole.size(); ++size)
+    {
+        EXPECT_FALSE(Load(whole.substr(0, size))) << size;
+        EXPECT_TRUE(Tree().empty());
+        EXPECT_FALSE(size > 0 && Load(whole.substr(size))) << "without its first " << size;
+    }
+}
+
+// Every single bit of a small zip: refused, or loaded with the very same contents.
+TEST_F(ArchiveUnzipper, AFlippedBitNeverLoadsOtherContents)
+{
+    RawZip zip;
+    zip.entries = {Entry("a.pf", std::string(100, 'a') + "xyz", 8), Entry("b.pf", "stored")};
+    const std::string whole = zip.Build();
+    for (std::size_t bit = 0; bit < whole.size() * 8; ++bit)
+    {
+        std::string changed = whole;
+        changed[bit / 8] ^= static_cast<char>(1 << bit % 8);
+        if (Load(changed))
+        {
+            EXPECT_EQ(files.Bytes("C:\\out\\a.pf"), zip.entries[0].contents) << bit;
+            EXPECT_EQ(files.Bytes("C:\\out\\b.pf"), zip.entries[1].contents) << bit;
+        }
+    }
+}
+
+TEST_F(ArchiveUnzipper, ABombIsRefusedBeforeItUnpacks)
+{
+    RawZip zip;
+    zip.entries = {Entry("a.pf", "small", 8)};
+    zip.entries[0].size = zip.entries[0].localSize = 0x70000000; // 1.75 GiB out of a few bytes
+    EXPECT_FALSE(Open(zip.Build()));
+}
+
+TEST_F(ArchiveUnzipper, NeedsRoomForAllBeforeItStarts)
+{
+    files.AddDrive('D', 10, 512);
+    RawZip zip;
+    zip.entries = {Entry("a.pf"), Entry("b.pf", std::string(6000, 'b'), 8)};
+    ASSERT_TRUE(Open(zip.Build()));
+    EXPECT_FALSE(unzipper.UnzipAll("D:\\out"));
+    EXPECT_TRUE(files.Tree("D:").empty());
+}
+
+TEST_F(ArchiveUnzipper, NeverWritesThroughALink)
+{
+    RawZip zip;
+    zip.entries = {Entry("link\\a.pf")};
+    ASSERT_TRUE(Open(zip.Build()));
+    files.CreateFolder("C:\\out");
+    files.CreateFolder("C:\\out\\link");
+    files.SetAttributes("C:\\out\\link", attribute::Folder | attribute::Reparse);
+    EXPECT_FALSE(unzipper.UnzipAll("C:\\out"));
+    files.SetAttributes("C:\\out\\link", attribute::Folder);
+    files.Put("C:\\out\\link\\a.pf", "x", attribute::Archive | attribute::Reparse);
+    EXPECT_FALSE(unzipper.UnzipAll("C:\\out"));
+    EXPECT_EQ(files.Bytes("C:\\out\\link\\a.pf"), "x");
+}
+
+TEST_F(ArchiveUnzipper, TheShortFormOfALongNameIsNoticed)
+{
+    // The second entry's name is, in this folder, another form of the first one's.
+    class ShortNames : public MemoryFileSystem
+    {
+    public:
+        static std::string Long(const std::string& path)
+        {
+            const std::size_t at = path.find("LONGNA~1.PF");
+            return at == std::string::npos ? path : path.substr(0, at) + "LONGNAMED.PF";
+        }
+        std::optional<arc::FileInfo> Query(const std::string& path) override
+        {
+            return MemoryFileSystem::Query(Long(path));
+        }
+        std::optional<arc::FileIdentity> Identity(const std::string& path) override
+        {
+            return MemoryFileSystem::Identity(Long(path));
+        }
+        std::unique_ptr<arc::File> Open(const std::string& path, arc::Access access) override
+        {
+            return MemoryFileSystem::Open(Long(path), access);
+        }
+    };
+    ShortNames disk;
+    RawZip zip;
+    zip.entries = {Entry("LONGNAMED.PF", "first"), Entry("LONGNA~1.PF", "second")};
+    disk.Put("C:\\x.kaz", zip.Build());
+    CUnzipper loader(disk);
+    ASSERT_TRUE(loader.OpenZip("C:\\x.kaz"));
+    EXPECT_FALSE(loader.UnzipAll("C:\\out"));
+    EXPECT_EQ(disk.Bytes("C:\\out\\LONGNAMED.PF"), "first");
+}
+
+TEST_F(ArchiveUnzipper, AnyFaultLeavesNoPartOfAFile)
+{
+    RawZip zip;
+    zip.entries = {Entry("a.pf", std::string(300'000, 'a'), 8), Entry("d\\b.pf", std::string(300'000, 'b'))};
+    files.Put("C:\\x.kaz", zip.Build());
+    const auto load = [&] {
+        CUnzipper loader(files);
+        return loader.OpenZip("C:\\x.kaz") && loader.UnzipAll("C:\\out");
+    };
+    const auto clear = [&] {
+        files.FailFrom(0);
+        for (const std::string& path : files.Tree("C:\\out"))
+        {
+            files.RemoveFile(path);
+        }
+        files.RemoveFolder("C:\\out\\d");
+        files.RemoveFolder("C:\\out");
+    };
+    ASSERT_TRUE(load());
+    const int calls = files.Calls();
+    for (int call = 1; call <= calls; ++call)
+    {
+        clear();
+        files.FailFrom(call, 1); // one fault; what is done about it works
+        const bool loaded = load();
+        files.FailFrom(0);
+        EXPECT_TRUE(!loaded || Tree().size() == 2) << call;
+        for (const std::string& path : Tree())
+        {
+            EXPECT_EQ(files.Bytes(path).size(), 300'000u) << call;
+        }
+        clear();
+        files.FailFrom(call); // nothing works any more
+        EXPECT_TRUE(!load() || Tree().size() == 2) << call;
+    }
+}
+
+TEST_F(ArchiveUnzipper, AFullDiskKeepsNoPartOfAFile)
+{
+    // The disk has room when it is asked and none when it is written to.
+    class Filling : public MemoryFileSystem
+    {
+    public:
+        std::optional<arc::DiskSpace> Space(const std::string&) override
+        {
+            return arc::DiskSpace{512, 1 << 20, 1 << 20};
+        }
+    };
+    Filling disk;
+    disk.AddDrive('D', 700, 512);
+    RawZip zip;
+    zip.entries = {Entry("a.pf", std::string(300'000, 'a'), 8), Entry("b.pf", std::string(300'000, 'b'), 8)};
+    disk.Put("C:\\x.kaz", zip.Build());
+    CUnzipper loader(disk);
+    ASSERT_TRUE(loader.OpenZip("C:\\x.kaz"));
+    EXPECT_FALSE(loader.UnzipAll("D:\\out"));
+    EXPECT_THAT(disk.Tree("D:"), ElementsAre("D:\\OUT\\A.PF"));
+}

@@ -1,0 +1,202 @@
+// The rules' file system on a real disk.
+#include "archive/filenames.h"
+#include "archive/filesystem.h"
+#include "archive/fileset.h"
+#include "archive/unzipper.h"
+#include "archive/verify.h"
+#include "archive/volumestream.h"
+#include "archive/zipper.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <algorithm>
+
+namespace attribute = arc::attribute;
+
+namespace
+{
+class ArchiveWindowsFiles : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        char temp[MAX_PATH];
+        ASSERT_NE(GetTempPathA(sizeof temp, temp), 0u);
+        folder = std::string(temp) + "arc" + std::to_string(GetCurrentProcessId()) + "_" + std::to_string(GetTickCount());
+        ASSERT_TRUE(files.CreateFolder(folder));
+    }
+
+    void TearDown() override
+    {
+        Remove(folder);
+    }
+
+    void Remove(const std::string& path)
+    {
+        std::vector<arc::FolderEntry> entries;
+        files.List(path, "*", entries);
+        for (const auto& entry : entries)
+        {
+            const std::string below = arc::JoinPath(path, entry.name);
+            files.SetAttributes(below, attribute::Normal);
+            entry.info.IsFolder() ? Remove(below) : static_cast<void>(files.RemoveFile(below));
+        }
+        files.RemoveFolder(path);
+    }
+
+    std::string Path(const std::string& name) const
+    {
+        return arc::JoinPath(folder, name);
+    }
+
+    void Put(const std::string& name, const std::string& bytes)
+    {
+        const auto file = files.Open(Path(name), arc::Access::Replace);
+        ASSERT_TRUE(file) << name;
+        ASSERT_TRUE(file->Write(bytes.data(), bytes.size()));
+        ASSERT_TRUE(file->FlushToDisk());
+        ASSERT_TRUE(file->Close());
+    }
+
+    std::string Get(const std::string& name)
+    {
+        const auto file = files.Open(Path(name), arc::Access::ReadShared);
+        std::string bytes(file ? static_cast<std::size_t>(file->Size().value_or(0)) : 0, '\0');
+        return file && file->Read(bytes.data(), bytes.size()) == bytes.size() ? bytes : "unreadable";
+    }
+
+    arc::FileSystem& files = arc::WindowsFileSystem();
+    std::string folder;
+};
+} // namespace
+
+TEST_F(ArchiveWindowsFiles, ReadsAndWritesByPosition)
+{
+    Put("a.bin", std::string(600'000, 'a'));
+    const auto file = files.Open(Path("a.bin"), arc::Access::Update);
+    ASSERT_TRUE(file);
+    ASSERT_TRUE(file->Seek(300'000) && file->Write("xyz", 3));
+    char bytes[5];
+    ASSERT_TRUE(file->Seek(299'999));
+    ASSERT_EQ(file->Read(bytes, 5), 5u);
+    EXPECT_EQ(std::string(bytes, 5), "axyza");
+    ASSERT_TRUE(file->Seek(599'999));
+    EXPECT_EQ(file->Read(bytes, 5), 1u);
+    EXPECT_EQ(file->Read(bytes, 5), 0u);
+    EXPECT_EQ(file->Size(), 600'000u);
+    EXPECT_TRUE(file->Close());
+    EXPECT_FALSE(file->Read(bytes, 1));
+}
+
+TEST_F(ArchiveWindowsFiles, SharesAsAsked)
+{
+    Put("a.bin", "a");
+    {
+        const auto alone = files.Open(Path("a.bin"), arc::Access::ReadAlone);
+        ASSERT_TRUE(alone);
+        EXPECT_FALSE(files.Open(Path("a.bin"), arc::Access::ReadShared));
+    }
+    const auto shared = files.Open(Path("a.bin"), arc::Access::ReadShared);
+    ASSERT_TRUE(shared);
+    EXPECT_TRUE(files.Open(Path("a.bin"), arc::Access::ReadShared));
+    EXPECT_FALSE(files.Open(Path("a.bin"), arc::Access::ReadAlone));
+    EXPECT_FALSE(files.Open(Path("a.bin"), arc::Access::Replace));
+    EXPECT_EQ(Get("a.bin"), "a");
+}
+
+TEST_F(ArchiveWindowsFiles, KeepsAttributesAndTimes)
+{
+    Put("a.bin", "abc");
+    const arc::LocalTime summer{2024, 6, 15, 12, 30, 44};
+    const arc::LocalTime winter{2024, 0, 15, 12, 30, 44};
+    for (const arc::LocalTime& time : {summer, winter})
+    {
+        ASSERT_TRUE(files.SetWritten(Path("a.bin"), time));
+        EXPECT_EQ(files.Query(Path("a.bin"))->written, time);
+    }
+    ASSERT_TRUE(files.SetAttributes(Path("a.bin"), attribute::ReadOnly | attribute::Hidden));
+    const auto info = files.Query(Path("a.bin"));
+    ASSERT_TRUE(info);
+    EXPECT_EQ(info->attributes & (attribute::ReadOnly | attribute::Hidden), attribute::ReadOnly | attribute::Hidden);
+    EXPECT_EQ(info->size, 3u);
+    EXPECT_FALSE(files.RemoveFile(Path("a.bin")));
+    ASSERT_TRUE(files.SetAttributes(Path("a.bin"), 0));
+    EXPECT_TRUE(files.RemoveFile(Path("a.bin")));
+    EXPECT_FALSE(files.Query(Path("a.bin")));
+}
+
+TEST_F(ArchiveWindowsFiles, ListsMovesAndTells)
+{
+    Put("A100.I40", "1");
+    Put("A100.V40", "22");
+    ASSERT_TRUE(files.CreateFolder(Path("sub")));
+    std::vector<arc::FolderEntry> entries;
+    EXPECT_TRUE(files.List(folder, "A1*", entries));
+    EXPECT_EQ(entries.size(), 2u);
+    entries.clear();
+    EXPECT_TRUE(files.List(folder, "*", entries));
+    EXPECT_EQ(entries.size(), 3u);
+    entries.clear();
+    EXPECT_TRUE(files.List(folder, "none*", entries));
+    EXPECT_FALSE(files.List(Path("nowhere"), "*", entries));
+    EXPECT_TRUE(entries.empty());
+
+    EXPECT_FALSE(files.Move(Path("A100.I40"), Path("A100.V40")));
+    EXPECT_TRUE(files.Move(Path("A100.I40"), Path("sub\\b")));
+    EXPECT_FALSE(files.RemoveFolder(Path("sub")));
+    EXPECT_NE(files.Identity(Path("sub\\b")), files.Identity(Path("A100.V40")));
+    EXPECT_EQ(files.Identity(Path("sub\\b")), files.Identity(Path("SUB\\B")));
+    EXPECT_EQ(files.Absolute(Path("sub\\..\\sub\\.\\b")), Path("sub\\b"));
+    EXPECT_EQ(files.Absolute("C:\\" + std::string(300, 'x')), "");
+    const auto space = files.Space(folder);
+    ASSERT_TRUE(space);
+    EXPECT_GT(space->FreeBytes(), 1u << 20);
+    EXPECT_LE(space->freeClusters, space->totalClusters);
+    EXPECT_FALSE(files.Space("Q:\\"));
+}
+
+TEST_F(ArchiveWindowsFiles, DevicesAreNoFiles)
+{
+    EXPECT_FALSE(files.Open("NUL", arc::Access::Replace));
+    EXPECT_FALSE(files.Open(Path("NUL"), arc::Access::Replace));
+}
+
+TEST_F(ArchiveWindowsFiles, APatientGoesThroughAZipAndThroughVolumes)
+{
+    ASSERT_TRUE(files.CreateFolder(Path("work")) && files.CreateFolder(Path("arc")) && files.CreateFolder(Path("vol")));
+    for (const char* name : {"S1.PF", "S100.I40", "S100.V40", "S100.DF0", "S1$00$M\xFCller.txt"})
+    {
+        Put(std::string("work\\") + name, std::string(70'000, name[3]) + name);
+    }
+    std::vector<arc::PresentFile> set;
+    ASSERT_TRUE(arc::FilesToArchive(files, Path("work"), "S1", {"S100.DF0", "S100.DF1"}, set));
+    ASSERT_EQ(set.size(), 5u);
+    CZipper zipper(files);
+    ASSERT_TRUE(zipper.OpenZip(Path("arc\\S1.KAZ")));
+    EXPECT_TRUE(zipper.AddFiles(Path("work"), set));
+    ASSERT_TRUE(zipper.CloseZip());
+    EXPECT_TRUE(arc::VerifyZip(files, Path("arc\\S1.KAZ"), set));
+    CUnzipper unzipper(files);
+    ASSERT_TRUE(unzipper.OpenZip(Path("arc\\S1.KAZ")));
+    EXPECT_TRUE(unzipper.UnzipAll(Path("new\\deep")));
+
+    arc::FolderVolumes volumes(files, Path("arc"), "S1");
+    ASSERT_EQ(arc::WriteVolumeStream(files, Path("work"), {{"S1.PF", set[0].size}}, {}, volumes),
+              arc::VolumeStatus::Done);
+    std::vector<arc::PresentFile> read;
+    ASSERT_EQ(arc::ReadVolumeStream(files, Path("vol"), volumes, read), arc::VolumeStatus::Done);
+    EXPECT_EQ(Get("vol\\S1.PF"), Get("work\\S1.PF"));
+    for (const auto& file : set)
+    {
+        EXPECT_EQ(Get("new\\deep\\" + file.name), Get("work\\" + file.name)) << file.name;
+        // Zip times count in steps of two seconds, rounded down.
+        const auto was = files.Query(Path("work\\" + file.name));
+        const auto is = files.Query(Path("new\\deep\\" + file.name));
+        ASSERT_TRUE(was && is);
+        EXPECT_EQ(is->written.minute, was->written.minute);
+        EXPECT_EQ(is->written.second, was->written.second / 2 * 2);
+    }
+}
