@@ -4,14 +4,15 @@
 #include "archive/statusthread.h"
 
 BEGIN_MESSAGE_MAP(CDlgArchDummy, CDialog)
-    ON_MESSAGE(arcMsgSaveEnded, &CDlgArchDummy::OnSaveEnded)
-    ON_MESSAGE(arcMsgLoadEnded, &CDlgArchDummy::OnLoadEnded)
+ON_MESSAGE(arcMsgSaveEnded, &CDlgArchDummy::OnSaveEnded)
+ON_MESSAGE(arcMsgLoadEnded, &CDlgArchDummy::OnLoadEnded)
 END_MESSAGE_MAP()
 
-CDlgArchDummy::CDlgArchDummy(CWnd* pParent, ARCHIVE_OP nOperation, dbCPatient* pPatient, CStringArray& selectedIDs,
-                             CStringArray& givenArchives, CStringArray&, CStringArray&, CStringArray&)
-    : CDialog(IDD_ARC_DUMMY, pParent), m_pHost(pParent),
-      m_call{nOperation, pPatient, &selectedIDs, &givenArchives}, m_nOperation(nOperation)
+CDlgArchDummy::CDlgArchDummy(CWnd* pParent, ARCHIVE_OP nOperation, dbCPatient* pPatient,
+                             CStringArray& selectedIDs, CStringArray& givenArchives, CStringArray&,
+                             CStringArray&, CStringArray&)
+    : CDialog(IDD_ARC_DUMMY, pParent),
+      m_pHost(pParent), m_call{nOperation, pPatient, &selectedIDs, &givenArchives}, m_nOperation(nOperation)
 {
 }
 

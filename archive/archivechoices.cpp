@@ -70,8 +70,8 @@ ArchiveOffer OfferFor(const ArchiveSituation& situation)
     offer.getFromArchive = offer.getFromInternet =
         allow == 1 || allow == 3 || situation.practiceManagement || situation.viewerEdition;
     offer.saveToArchive = offer.saveToInternet = offer.includeViewer = situation.patientValid;
-    offer.mergeTimepoints = situation.patientValid && allow != 0 && !situation.viewerEdition &&
-                            situation.selectedPatients == 1;
+    offer.mergeTimepoints =
+        situation.patientValid && allow != 0 && !situation.viewerEdition && situation.selectedPatients == 1;
     offer.selected = Preselected(situation.operation, offer);
     return offer;
 }

@@ -7,10 +7,10 @@
 #include "suite/util/velini.h"
 
 BEGIN_MESSAGE_MAP(CDlgArchive, mfcCDialog)
-    ON_BN_CLICKED(IDC_ARC_HELP, &CDlgArchive::OnHelp)
-    ON_UPDATE_COMMAND_UI(IDOK, &CDlgArchive::OnUpdateOK)
-    ON_UPDATE_COMMAND_UI(IDC_ARC_INCLUDE_VIEWER, &CDlgArchive::OnUpdateSaveOption)
-    ON_UPDATE_COMMAND_UI(IDC_ARC_KEEP_OTHERS_OUT, &CDlgArchive::OnUpdateSaveOption)
+ON_BN_CLICKED(IDC_ARC_HELP, &CDlgArchive::OnHelp)
+ON_UPDATE_COMMAND_UI(IDOK, &CDlgArchive::OnUpdateOK)
+ON_UPDATE_COMMAND_UI(IDC_ARC_INCLUDE_VIEWER, &CDlgArchive::OnUpdateSaveOption)
+ON_UPDATE_COMMAND_UI(IDC_ARC_KEEP_OTHERS_OUT, &CDlgArchive::OnUpdateSaveOption)
 END_MESSAGE_MAP()
 
 CDlgArchive::CDlgArchive(CWnd* pParent, const arcSArchiveCall& call, arcCArchiveManager& manager)

@@ -1,4 +1,5 @@
-// The operations of the archive dialog: what is asked, and in which order the patients go through the manager.
+// The operations of the archive dialog: what is asked, and in which order the patients go through the
+// manager.
 #include "archive/archivedlg.h"
 
 #include "app/appres.h"
@@ -25,7 +26,8 @@ bool CDlgArchive::RunSave()
     save.bKeepOthersOut = m_bKeepOthersOut;
     save.bAskToRemove = !bSeveral;
     if (bSeveral)
-        save.bRemove = AfxMessageBox(IDS_ARC_MULTIPLE_SAVE_ASK, MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2) == IDYES;
+        save.bRemove =
+            AfxMessageBox(IDS_ARC_MULTIPLE_SAVE_ASK, MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2) == IDYES;
 
     const auto target = arcChooseTarget(this, ids.front());
     if (!target)
@@ -82,8 +84,8 @@ bool CDlgArchive::SaveOne(const arcSSave& save, bool bSeveral, bool& bAbort)
     }
 }
 
-/// Makes the folder of a saved archive a self-starting disc if that was chosen, and in any case makes the folder of
-/// the setting `archive` current.
+/// Makes the folder of a saved archive a self-starting disc if that was chosen, and in any case makes the
+/// folder of the setting `archive` current.
 void CDlgArchive::FinishDisc(const arcSSave& save, bool bSaved)
 {
     if (bSaved && m_bIncludeViewer && save.nFormat == arcFormatZipped)
@@ -116,14 +118,16 @@ bool CDlgArchive::RunLoad()
                 return false;
             }
         }
-        bDelete = AfxMessageBox(IDS_ARC_MULTIPLE_LOAD_ASK, MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2) == IDYES;
+        bDelete =
+            AfxMessageBox(IDS_ARC_MULTIPLE_LOAD_ASK, MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2) == IDYES;
     }
 
     for (const CString& strPath : paths)
     {
         bool bStop = false;
         if (LoadOne(strPath, bSeveral, bStop) && bDelete && !::DeleteFile(strPath))
-            AfxMessageBox(velFormatTemplate(IDS_ARC_ARCHIVE_NOT_REMOVED, strPath), MB_OK | MB_ICONEXCLAMATION);
+            AfxMessageBox(velFormatTemplate(IDS_ARC_ARCHIVE_NOT_REMOVED, strPath),
+                          MB_OK | MB_ICONEXCLAMATION);
         if (bStop)
             break;
     }
@@ -205,8 +209,9 @@ bool CDlgArchive::ConfirmMerge(const CString& strPath)
         return true;
 
     CString strText, strCaption;
-    strText.Format(IDS_ARC_MISMATCH, selected.id.c_str(), selected.firstName.c_str(), selected.lastName.c_str(),
-                   header->id.c_str(), header->firstName.c_str(), header->lastName.c_str());
+    strText.Format(IDS_ARC_MISMATCH, selected.id.c_str(), selected.firstName.c_str(),
+                   selected.lastName.c_str(), header->id.c_str(), header->firstName.c_str(),
+                   header->lastName.c_str());
     strCaption.LoadString(IDS_ARC_MISMATCH_CAPTION);
     return MessageBox(strText, strCaption, MB_YESNO | MB_ICONEXCLAMATION) == IDYES;
 }

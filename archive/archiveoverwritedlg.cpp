@@ -8,8 +8,8 @@
 #include "suite/util/velstring.h"
 
 BEGIN_MESSAGE_MAP(CDlgArchiveOverwrite, mfcCDialog)
-    ON_CONTROL_RANGE(BN_CLICKED, IDYES, IDNO, &CDlgArchiveOverwrite::OnAnswer)
-    ON_CONTROL_RANGE(BN_CLICKED, IDC_ARC_OVERWRITE_ALL, IDC_ARC_OVERWRITE_ALL, &CDlgArchiveOverwrite::OnAnswer)
+ON_CONTROL_RANGE(BN_CLICKED, IDYES, IDNO, &CDlgArchiveOverwrite::OnAnswer)
+ON_CONTROL_RANGE(BN_CLICKED, IDC_ARC_OVERWRITE_ALL, IDC_ARC_OVERWRITE_ALL, &CDlgArchiveOverwrite::OnAnswer)
 END_MESSAGE_MAP()
 
 CDlgArchiveOverwrite::CDlgArchiveOverwrite(CWnd* pParent, LPCTSTR pszPath, bool bSeveral)
@@ -33,8 +33,9 @@ BOOL CDlgArchiveOverwrite::OnInitDialog()
         strSize.Format("%llu", (status.m_size + 1023) / 1024);
         if (status.m_mtime.GetAsSystemTime(written))
         {
-            SetDlgItemText(IDC_ARC_OVERWRITE_DETAILS,
-                           velFormatTemplate(IDS_ARC_OVERWRITE_DETAILS, velCDate(written).FormatDate(), strSize));
+            SetDlgItemText(
+                IDC_ARC_OVERWRITE_DETAILS,
+                velFormatTemplate(IDS_ARC_OVERWRITE_DETAILS, velCDate(written).FormatDate(), strSize));
         }
     }
     GetDlgItem(IDC_ARC_OVERWRITE_ALL)->ShowWindow(m_bSeveral ? SW_SHOW : SW_HIDE);

@@ -10,7 +10,8 @@ namespace
 constexpr std::size_t SmallestRead = 4096;
 } // namespace
 
-BufferedFile::BufferedFile(std::unique_ptr<RawFile> file) : m_file(std::move(file)), m_nReadAhead(SmallestRead)
+BufferedFile::BufferedFile(std::unique_ptr<RawFile> file)
+    : m_file(std::move(file)), m_nReadAhead(SmallestRead)
 {
 }
 

@@ -23,8 +23,8 @@ public:
     virtual bool Close() = 0;
 };
 
-// One window of the file is held in memory, read or written. Reads grow from small to the window's size while they go
-// on in order, so that jumping about costs little and reading through is fast.
+// One window of the file is held in memory, read or written. Reads grow from small to the window's size while
+// they go on in order, so that jumping about costs little and reading through is fast.
 class BufferedFile : public File
 {
 public:

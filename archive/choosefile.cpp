@@ -80,7 +80,8 @@ std::vector<CString> arcChooseArchives(CWnd* pParent, bool bSeveral)
     DWORD dwFlags = OFN_HIDEREADONLY | OFN_FILEMUSTEXIST | OFN_PATHMUSTEXIST | OFN_NOCHANGEDIR;
     if (bSeveral)
         dwFlags |= OFN_ALLOWMULTISELECT;
-    CFileDialog dialog(TRUE, Extensions[arcFormatZipped], nullptr, dwFlags, LoadText(IDS_ARC_FILTER_LOAD), pParent);
+    CFileDialog dialog(TRUE, Extensions[arcFormatZipped], nullptr, dwFlags, LoadText(IDS_ARC_FILTER_LOAD),
+                       pParent);
     const CString strTitle = LoadText(IDS_ARC_CHOOSE_TITLE);
     const CString strFolder = velWithBackslash(ArchiveFolder());
     std::vector<char> names(SeveralFilesBuffer);

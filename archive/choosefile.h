@@ -12,13 +12,13 @@ struct arcSTarget
     arcFormat nFormat = arcFormatZipped;
 };
 
-/// The file to save a patient into, offered as the ID in the folder of the setting `ArchiveFilePath`; the chosen
-/// folder is written back there. Nothing when the user cancelled, chose a network path (told) or did not want the
-/// earlier format after all. Whether a file of the name exists is not asked here.
+/// The file to save a patient into, offered as the ID in the folder of the setting `ArchiveFilePath`; the
+/// chosen folder is written back there. Nothing when the user cancelled, chose a network path (told) or did
+/// not want the earlier format after all. Whether a file of the name exists is not asked here.
 std::optional<arcSTarget> arcChooseTarget(CWnd* pParent, LPCTSTR pszID);
 
-/// The archives to load; empty when the user cancelled or chose a network path (told). bSeveral lets more than one be
-/// chosen.
+/// The archives to load; empty when the user cancelled or chose a network path (told). bSeveral lets more
+/// than one be chosen.
 std::vector<CString> arcChooseArchives(CWnd* pParent, bool bSeveral);
 
 /// The path of a patient's archive in a folder.

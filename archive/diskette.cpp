@@ -57,8 +57,8 @@ bool EraseBelow(FileSystem& files, const std::string& folder, int depth)
 }
 } // namespace
 
-std::uint64_t EstimateVolumes(std::uint64_t streamBytes, const HeaderLine& label, std::uint64_t bytesPerCluster,
-                              std::uint64_t clustersPerVolume)
+std::uint64_t EstimateVolumes(std::uint64_t streamBytes, const HeaderLine& label,
+                              std::uint64_t bytesPerCluster, std::uint64_t clustersPerVolume)
 {
     if (bytesPerCluster == 0 || clustersPerVolume == 0)
     {

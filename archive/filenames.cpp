@@ -36,8 +36,9 @@ ArchiveKind KindOfArchive(std::string_view path)
     {
         const char* part;
         ArchiveKind kind;
-    } kinds[] = {
-        {".kar", ArchiveKind::VolumeFile}, {"current.dat", ArchiveKind::Diskettes}, {".pf", ArchiveKind::PatientFile}};
+    } kinds[] = {{".kar", ArchiveKind::VolumeFile},
+                 {"current.dat", ArchiveKind::Diskettes},
+                 {".pf", ArchiveKind::PatientFile}};
     for (const auto& kind : kinds)
     {
         if (lower.find(kind.part) != std::string::npos)
@@ -106,8 +107,8 @@ std::string AlternateImageName(std::string_view imageName)
 std::vector<std::string> ArchivePatterns(std::string_view id)
 {
     const std::string name(id);
-    return {PatientFileName(id), name + "??.i??", name + "??.v??",     name + "??.m", name + "??.i??.???",
-            name + "$*",         name + "??.d?.i??", name + "*.2dmorph"};
+    return {PatientFileName(id), name + "??.i??", name + "??.v??",    name + "??.m",
+            name + "??.i??.???", name + "$*",     name + "??.d?.i??", name + "*.2dmorph"};
 }
 
 std::string ArchivePatternArgument(std::string_view id)

@@ -15,7 +15,8 @@ inline constexpr std::string_view ScratchPatientId = "VELCOPY";
 inline constexpr std::string_view ScratchPatientFile = "VELCOPY.PF";
 inline constexpr std::string_view UnpackFolder = "VELTMP";
 // Data files of a timepoint, in the order in which they are listed.
-inline constexpr std::array<std::string_view, 5> TimepointDataExtensions = {".DF0", ".DF1", ".DF2", ".DF3", ".M"};
+inline constexpr std::array<std::string_view, 5> TimepointDataExtensions = {".DF0", ".DF1", ".DF2", ".DF3",
+                                                                            ".M"};
 
 // The kind of an archive as its path tells.
 enum class ArchiveKind

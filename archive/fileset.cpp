@@ -36,7 +36,8 @@ std::vector<std::string> ListFileSet(const std::string& id, const std::vector<Ti
             {
                 if ((timepoint.typeBits[group] & bit) != 0)
                 {
-                    names.push_back(ImageFileName(timepoint.baseName, static_cast<int>(group), types[group][type]));
+                    names.push_back(
+                        ImageFileName(timepoint.baseName, static_cast<int>(group), types[group][type]));
                     names.push_back(ImageCompanionName(names.back()));
                 }
             }

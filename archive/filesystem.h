@@ -1,5 +1,6 @@
-// What archiving needs of a file system, behind one interface: the Windows implementation serves the module, one in
-// memory serves the tests, which make any call of it fail. Paths are narrow text with "\\" as separator.
+// What archiving needs of a file system, behind one interface: the Windows implementation serves the module,
+// one in memory serves the tests, which make any call of it fail. Paths are narrow text with "\\" as
+// separator.
 #pragma once
 
 #include <cstddef>
@@ -80,7 +81,8 @@ struct DiskSpace
     }
 };
 
-// An open file. Closing happens in the destructor at the latest; who wrote calls Close() and looks at its answer.
+// An open file. Closing happens in the destructor at the latest; who wrote calls Close() and looks at its
+// answer.
 class File
 {
 public:
@@ -118,8 +120,9 @@ public:
     // Nothing when there is no such file or folder, or it cannot be asked.
     virtual std::optional<FileInfo> Query(const std::string& path) = 0;
     virtual std::optional<FileIdentity> Identity(const std::string& path) = 0;
-    // Appends what the folder holds and the wildcard matches, in the order of the platform, without "." and "..".
-    // False when the folder cannot be read; no match is no error. A match may be looser than MatchesWildcard.
+    // Appends what the folder holds and the wildcard matches, in the order of the platform, without "." and
+    // "..". False when the folder cannot be read; no match is no error. A match may be looser than
+    // MatchesWildcard.
     virtual bool List(const std::string& folder, const std::string& wildcard,
                       std::vector<FolderEntry>& entries) = 0;
 

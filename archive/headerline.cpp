@@ -56,7 +56,9 @@ std::optional<HeaderLine> ParseHeaderLine(std::string_view firstBytes)
 
 bool SamePatient(const HeaderLine& left, const HeaderLine& right)
 {
-    const auto first = [](const std::string& text) { return std::string_view(text).substr(0, HeaderFieldLength); };
+    const auto first = [](const std::string& text) {
+        return std::string_view(text).substr(0, HeaderFieldLength);
+    };
     return first(left.lastName) == first(right.lastName) && first(left.firstName) == first(right.firstName) &&
            first(left.id) == first(right.id);
 }

@@ -21,8 +21,8 @@ struct HeaderLine
     bool operator==(const HeaderLine&) const = default;
 };
 
-// The line's bytes: each field's first 25 characters and 0x01, then "\n". Bytes that would end a field or the line
-// early are left out.
+// The line's bytes: each field's first 25 characters and 0x01, then "\n". Bytes that would end a field or the
+// line early are left out.
 std::string WriteHeaderLine(const HeaderLine& header);
 
 // The header that the first bytes of a file hold; nothing when they are not three ended fields of at most 25

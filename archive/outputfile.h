@@ -10,8 +10,8 @@
 
 namespace arc
 {
-// The files that one run has made, to notice when two names of an archive are one file: by name, or because a short
-// name is another form of a long one.
+// The files that one run has made, to notice when two names of an archive are one file: by name, or because a
+// short name is another form of a long one.
 class MadeFiles
 {
 public:
@@ -34,8 +34,9 @@ public:
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
 
-    // Creates the file or replaces an existing one; read-only does not protect it. False, with nothing touched, when
-    // there is a folder or a reparse point of that name, or a file that this run has made (made may be null).
+    // Creates the file or replaces an existing one; read-only does not protect it. False, with nothing
+    // touched, when there is a folder or a reparse point of that name, or a file that this run has made (made
+    // may be null).
     bool Create(const std::string& path, MadeFiles* made);
     bool Write(const void* data, std::size_t bytes);
     // Closes the file and leaves it there; false when anything written was lost.

@@ -14,7 +14,8 @@ constexpr std::string_view Separators = "\\/";
 bool IsForbidden(char character)
 {
     constexpr std::string_view forbidden = "<>:\"|?*";
-    return static_cast<unsigned char>(character) < 0x20 || forbidden.find(character) != std::string_view::npos;
+    return static_cast<unsigned char>(character) < 0x20 ||
+           forbidden.find(character) != std::string_view::npos;
 }
 
 // "1" to "9", and the superscript digits that Windows takes for 1, 2 and 3: in code page 1252 and in UTF-8.
@@ -25,10 +26,12 @@ bool IsDeviceDigit(std::string_view text)
         text.remove_prefix(1);
         return text == "\xB9" || text == "\xB2" || text == "\xB3";
     }
-    return text.size() == 1 && ((text[0] >= '0' && text[0] <= '9') || text == "\xB9" || text == "\xB2" || text == "\xB3");
+    return text.size() == 1 &&
+           ((text[0] >= '0' && text[0] <= '9') || text == "\xB9" || text == "\xB2" || text == "\xB3");
 }
 
-// A component that Windows would keep as it stands: not empty, no dots or blanks at its end (which it drops, so that
+// A component that Windows would keep as it stands: not empty, no dots or blanks at its end (which it drops,
+// so that
 // "..", ". ." and "a.pf." all mean something else), no device.
 bool IsSafeComponent(std::string_view component)
 {
@@ -46,8 +49,8 @@ std::optional<SafeName> SafeRelativePath(std::string_view stored, std::size_t fo
         safe.folder = true;
         stored.remove_suffix(1);
     }
-    // Splitting never drops a component: a separator at the start, or two in a row, leave an empty one, which is
-    // refused. So rooted, network and "\\?\" forms need no rule of their own.
+    // Splitting never drops a component: a separator at the start, or two in a row, leave an empty one, which
+    // is refused. So rooted, network and "\\?\" forms need no rule of their own.
     while (true)
     {
         const std::size_t end = stored.find_first_of(Separators);
@@ -93,8 +96,10 @@ bool IsDeviceName(std::string_view name)
     {
         stem.remove_suffix(1);
     }
-    constexpr std::array<std::string_view, 7> whole = {"CON", "PRN", "AUX", "NUL", "CONIN$", "CONOUT$", "CLOCK$"};
-    if (std::any_of(whole.begin(), whole.end(), [&](std::string_view device) { return EqualNoCase(stem, device); }))
+    constexpr std::array<std::string_view, 7> whole = {"CON",    "PRN",     "AUX",   "NUL",
+                                                       "CONIN$", "CONOUT$", "CLOCK$"};
+    if (std::any_of(whole.begin(), whole.end(),
+                    [&](std::string_view device) { return EqualNoCase(stem, device); }))
     {
         return true;
     }
@@ -108,7 +113,8 @@ bool LiesBelow(std::string_view fullPath, std::string_view fullFolder)
     {
         fullFolder.remove_suffix(1);
     }
-    return !fullFolder.empty() && fullPath.size() > fullFolder.size() + 1 && fullPath[fullFolder.size()] == '\\' &&
+    return !fullFolder.empty() && fullPath.size() > fullFolder.size() + 1 &&
+           fullPath[fullFolder.size()] == '\\' &&
            EqualNoCase(fullPath.substr(0, fullFolder.size()), fullFolder);
 }
 

@@ -1,5 +1,5 @@
-// Whether a name stored in an archive may become a path below a folder. Every name that is read from an archive, of a
-// zip entry or of a volume's directory record, passes here before it meets the file system.
+// Whether a name stored in an archive may become a path below a folder. Every name that is read from an
+// archive, of a zip entry or of a volume's directory record, passes here before it meets the file system.
 #pragma once
 
 #include <cstddef>
@@ -18,9 +18,9 @@ struct SafeName
     bool folder = false; // the stored name ended in a separator
 };
 
-// The relative path that the stored name stands for, or nothing when it could leave the folder, reach a device or
-// another stream, alias another name, or cannot be a file name on Windows. Both separators are understood.
-// folderLength: length of the folder's full path, for the length of the whole.
+// The relative path that the stored name stands for, or nothing when it could leave the folder, reach a
+// device or another stream, alias another name, or cannot be a file name on Windows. Both separators are
+// understood. folderLength: length of the folder's full path, for the length of the whole.
 std::optional<SafeName> SafeRelativePath(std::string_view stored, std::size_t folderLength = 0);
 
 // The same for a name that must be a plain file name without any folder.

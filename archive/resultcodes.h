@@ -12,7 +12,8 @@ inline constexpr int ResultNotArchived = 8491; // the patient is locked or a che
 inline constexpr int ResultCancelled = 8493;
 inline constexpr int ResultNoDialog = 8495; // the progress dialog could not be created
 
-// The message for a result as a string resource id, 0 where nothing is shown. The texts with "%d" take the code.
+// The message for a result as a string resource id, 0 where nothing is shown. The texts with "%d" take the
+// code.
 unsigned SaveResultText(int code);
 unsigned LoadResultText(int code);
 // The message that the status thread itself shows when it ends with this code.

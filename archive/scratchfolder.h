@@ -8,9 +8,9 @@
 
 namespace arc
 {
-// Holds the scratch folder for one operation. Only one process has it at a time: an open file beside it says so, which
-// Windows closes and removes with its process, so that a dead user is none. What is in the folder is removed when it
-// is taken and when it is given back. For one thread.
+// Holds the scratch folder for one operation. Only one process has it at a time: an open file beside it says
+// so, which Windows closes and removes with its process, so that a dead user is none. What is in the folder
+// is removed when it is taken and when it is given back. For one thread.
 class ScratchFolder
 {
 public:

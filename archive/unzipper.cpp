@@ -272,8 +272,8 @@ bool CUnzipper::Extract(const std::string& folder, bool ignorePath, arc::MadeFil
     }
     const std::string path = arc::JoinPath(base, safe->path);
     const std::string full = m_files.Absolute(path);
-    if (!arc::LiesBelow(full, base) || !arc::EqualNoCase(full, path) || (made && !made->TakeName(safe->path)) ||
-        !MakeFolders(base, std::string(arc::FolderOf(safe->path))))
+    if (!arc::LiesBelow(full, base) || !arc::EqualNoCase(full, path) ||
+        (made && !made->TakeName(safe->path)) || !MakeFolders(base, std::string(arc::FolderOf(safe->path))))
     {
         return false;
     }
@@ -291,7 +291,8 @@ bool CUnzipper::Extract(const std::string& folder, bool ignorePath, arc::MadeFil
 
 bool CUnzipper::UnzipAll(const std::string& folder, bool ignorePath)
 {
-    const std::string base = m_bOpen ? m_files.Absolute(folder.empty() ? m_strOutputFolder : folder) : std::string();
+    const std::string base =
+        m_bOpen ? m_files.Absolute(folder.empty() ? m_strOutputFolder : folder) : std::string();
     if (base.empty() || !MakeFolderTree(m_files, base))
     {
         return false;

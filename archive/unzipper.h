@@ -16,9 +16,9 @@ class MadeFiles;
 class ZipFileFunctions;
 } // namespace arc
 
-// Owns the zip handle while a zip is open; the file system must outlive it. For one thread. Every operation answers
-// whether it succeeded and shows nothing. A name that may not become a path below the destination fails its entry; no
-// file that is not whole and of the right checksum is kept.
+// Owns the zip handle while a zip is open; the file system must outlive it. For one thread. Every operation
+// answers whether it succeeded and shows nothing. A name that may not become a path below the destination
+// fails its entry; no file that is not whole and of the right checksum is kept.
 class CUnzipper
 {
 public:
@@ -41,7 +41,8 @@ public:
     CUnzipper(const CUnzipper&) = delete;
     CUnzipper& operator=(const CUnzipper&) = delete;
 
-    // Reads and checks the whole directory (see ReadZipDirectory). The first entry is current; an empty zip opens.
+    // Reads and checks the whole directory (see ReadZipDirectory). The first entry is current; an empty zip
+    // opens.
     bool OpenZip(const std::string& zipPath);
     void CloseZip();
 
@@ -51,27 +52,30 @@ public:
     bool IsOpen() const;
     std::uint64_t FileCount() const;
     std::uint64_t UnpackedBytes() const;
-    // Copies the zip's comment, cut to size - 1 bytes and ended by NUL; false when no zip is open or size is 0.
+    // Copies the zip's comment, cut to size - 1 bytes and ended by NUL; false when no zip is open or size is
+    // 0.
     bool GlobalComment(char* buffer, std::size_t size) const;
 
     bool GoToFirstEntry();
     bool GoToNextEntry();
-    // Makes the entry with this stored name current, whatever the case of its letters; false leaves the current one.
+    // Makes the entry with this stored name current, whatever the case of its letters; false leaves the
+    // current one.
     bool LocateEntry(const std::string& storedName);
     bool CurrentEntryInfo(EntryInfo& info) const;
 
-    // Extracts the current entry below the folder (by default the output folder), which is made when missing. With
-    // ignorePath the stored folders are dropped. An existing file is replaced.
+    // Extracts the current entry below the folder (by default the output folder), which is made when missing.
+    // With ignorePath the stored folders are dropped. An existing file is replaced.
     bool UnzipCurrentEntry(const std::string& folder = {}, bool ignorePath = false);
-    // Extracts all entries, stopping at the first failure. Before anything is written the disk must have room for
-    // all. Two entries that are the same file on Windows are a failure.
+    // Extracts all entries, stopping at the first failure. Before anything is written the disk must have room
+    // for all. Two entries that are the same file on Windows are a failure.
     bool UnzipAll(const std::string& folder = {}, bool ignorePath = false);
 
     // Reads the current entry without keeping it: true when every byte is there and the checksum is right.
     bool CheckCurrentEntry();
 
 private:
-    bool ReadCurrentEntry(const std::function<bool(const void* data, std::size_t bytes)>& take, std::size_t chunk);
+    bool ReadCurrentEntry(const std::function<bool(const void* data, std::size_t bytes)>& take,
+                          std::size_t chunk);
     bool Extract(const std::string& folder, bool ignorePath, arc::MadeFiles* made);
     bool MakeFolders(const std::string& folder, const std::string& relative);
 

@@ -87,7 +87,8 @@ std::optional<VolumeHeader> DecodeHeader(ByteView bytes)
     }
     const ByteView tag = bytes.subspan(FormatTagOffset, VolumeHeaderSize - FormatTagOffset);
     const bool longForm = tag[0] == LongFormTag;
-    if (!std::all_of(tag.begin() + (longForm ? 1 : 0), tag.end(), [](unsigned char byte) { return byte == 0; }))
+    if (!std::all_of(tag.begin() + (longForm ? 1 : 0), tag.end(),
+                     [](unsigned char byte) { return byte == 0; }))
     {
         return std::nullopt;
     }

@@ -19,7 +19,8 @@ inline constexpr std::size_t LongRecordSize = 36;  // length and 32 bytes of nam
 inline constexpr std::size_t ShortRecordSize = 16; // length and 12 bytes of name
 inline constexpr std::size_t LongNameLength = 31;
 inline constexpr std::size_t ShortNameLength = 12;
-inline constexpr std::size_t LongFormFrom = 7; // length of the patient file's name part that needs the long form
+inline constexpr std::size_t LongFormFrom =
+    7; // length of the patient file's name part that needs the long form
 inline constexpr int MaxVolumes = 255;
 inline constexpr std::size_t MaxVolumeFiles = 65535;
 inline constexpr std::uint64_t MaxStreamBytes = 0xFFFFFFFF;
@@ -69,6 +70,7 @@ struct DirectoryRecord
 
 // The record's bytes in the form given; the name must fit (NameCapacity).
 std::string EncodeRecord(const DirectoryRecord& record, RecordForm form);
-// Nothing when the bytes are too few or the name is empty. The name ends at its first NUL; what follows is padding.
+// Nothing when the bytes are too few or the name is empty. The name ends at its first NUL; what follows is
+// padding.
 std::optional<DirectoryRecord> DecodeRecord(ByteView bytes, RecordForm form);
 } // namespace arc

@@ -23,7 +23,8 @@ std::size_t Overhead(int volume)
 class StreamProducer
 {
 public:
-    StreamProducer(FileSystem& files, const std::string& folder, const std::vector<PresentFile>& set, RecordForm form)
+    StreamProducer(FileSystem& files, const std::string& folder, const std::vector<PresentFile>& set,
+                   RecordForm form)
         : m_files(files), m_folder(folder), m_set(set), m_form(form)
     {
     }
@@ -67,7 +68,8 @@ private:
         {
             return VolumeStatus::OpenFailed;
         }
-        // The total already stands in volume 1: a file that is no longer as long as it was would shift all behind it.
+        // The total already stands in volume 1: a file that is no longer as long as it was would shift all
+        // behind it.
         if (m_file->Size() != next.size)
         {
             return VolumeStatus::FileChanged;
@@ -323,8 +325,8 @@ public:
     virtual VolumeStatus End(const DirectoryRecord& record) = 0;
 };
 
-VolumeStatus TakeFile(VolumeJoiner& stream, const DirectoryRecord& record, StreamTaker& taker, TransferBuffer& buffer,
-                      const VolumeProgress& progress)
+VolumeStatus TakeFile(VolumeJoiner& stream, const DirectoryRecord& record, StreamTaker& taker,
+                      TransferBuffer& buffer, const VolumeProgress& progress)
 {
     VolumeStatus status = taker.Begin(record);
     std::uint32_t left = record.length;
@@ -345,7 +347,8 @@ VolumeStatus TakeFile(VolumeJoiner& stream, const DirectoryRecord& record, Strea
     return status == VolumeStatus::Done ? taker.End(record) : status;
 }
 
-VolumeStatus ReadStream(VolumeSource& source, StreamTaker& taker, TransferBuffer buffer, const VolumeProgress& progress)
+VolumeStatus ReadStream(VolumeSource& source, StreamTaker& taker, TransferBuffer buffer,
+                        const VolumeProgress& progress)
 {
     if (!buffer.bytes)
     {
@@ -418,7 +421,8 @@ public:
             return VolumeStatus::DuplicateName;
         }
         m_file = std::make_unique<OutputFile>(m_files);
-        return m_file->Create(JoinPath(m_folder, *name), &m_made) ? VolumeStatus::Done : VolumeStatus::OpenFailed;
+        return m_file->Create(JoinPath(m_folder, *name), &m_made) ? VolumeStatus::Done
+                                                                  : VolumeStatus::OpenFailed;
     }
 
     VolumeStatus Take(const unsigned char* data, std::size_t bytes) override
@@ -476,7 +480,8 @@ public:
         {
             return VolumeStatus::FileChanged;
         }
-        return std::equal(m_original.begin(), m_original.end(), data) ? VolumeStatus::Done : VolumeStatus::Corrupt;
+        return std::equal(m_original.begin(), m_original.end(), data) ? VolumeStatus::Done
+                                                                      : VolumeStatus::Corrupt;
     }
 
     VolumeStatus End(const DirectoryRecord&) override
@@ -599,11 +604,12 @@ VolumeStatus CheckStreamLimits(const std::vector<PresentFile>& set, std::uint64_
     }
     const std::uint64_t perVolume = volumeCapacity - VolumeHeaderSize;
     return (total + TotalBlockSize + perVolume - 1) / perVolume <= MaxVolumes ? VolumeStatus::Done
-                                                                            : VolumeStatus::TooManyVolumes;
+                                                                              : VolumeStatus::TooManyVolumes;
 }
 
-VolumeStatus WriteVolumeStream(FileSystem& files, const std::string& folder, const std::vector<PresentFile>& set,
-                               const LocalTime& saved, VolumeDestination& destination, const VolumeProgress& progress,
+VolumeStatus WriteVolumeStream(FileSystem& files, const std::string& folder,
+                               const std::vector<PresentFile>& set, const LocalTime& saved,
+                               VolumeDestination& destination, const VolumeProgress& progress,
                                TransferBuffer buffer)
 {
     if (!buffer.bytes)
@@ -617,7 +623,8 @@ VolumeStatus WriteVolumeStream(FileSystem& files, const std::string& folder, con
     }
     const RecordForm form = FormForFirstFile(set.front().name);
     StreamProducer producer(files, folder, set, form);
-    VolumeCutter cutter(destination, MakeVolumeHeader(saved, 1, set.size(), form), StreamLength(set), progress);
+    VolumeCutter cutter(destination, MakeVolumeHeader(saved, 1, set.size(), form), StreamLength(set),
+                        progress);
     while (status == VolumeStatus::Done && !cutter.IsComplete())
     {
         std::size_t filled = 0;
@@ -631,14 +638,16 @@ VolumeStatus WriteVolumeStream(FileSystem& files, const std::string& folder, con
 }
 
 VolumeStatus ReadVolumeStream(FileSystem& files, const std::string& folder, VolumeSource& source,
-                              std::vector<PresentFile>& read, const VolumeProgress& progress, TransferBuffer buffer)
+                              std::vector<PresentFile>& read, const VolumeProgress& progress,
+                              TransferBuffer buffer)
 {
     FileTaker taker(files, folder, read);
     return ReadStream(source, taker, std::move(buffer), progress);
 }
 
-VolumeStatus VerifyVolumeStream(FileSystem& files, const std::string& folder, const std::vector<PresentFile>& set,
-                                VolumeSource& source, TransferBuffer buffer)
+VolumeStatus VerifyVolumeStream(FileSystem& files, const std::string& folder,
+                                const std::vector<PresentFile>& set, VolumeSource& source,
+                                TransferBuffer buffer)
 {
     Comparer comparer(files, folder, set);
     return ReadStream(source, comparer, std::move(buffer), {});

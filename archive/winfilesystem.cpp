@@ -194,10 +194,10 @@ public:
     {
         const QuietErrors quiet;
         const bool writes = access == Access::Replace || access == Access::Update;
-        const HANDLE handle =
-            CreateFileA(path.c_str(), GENERIC_READ | (writes ? GENERIC_WRITE : 0),
-                        access == Access::ReadShared ? FILE_SHARE_READ : 0, nullptr,
-                        access == Access::Replace ? CREATE_ALWAYS : OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+        const HANDLE handle = CreateFileA(path.c_str(), GENERIC_READ | (writes ? GENERIC_WRITE : 0),
+                                          access == Access::ReadShared ? FILE_SHARE_READ : 0, nullptr,
+                                          access == Access::Replace ? CREATE_ALWAYS : OPEN_EXISTING,
+                                          FILE_ATTRIBUTE_NORMAL, nullptr);
         if (handle == INVALID_HANDLE_VALUE)
         {
             return nullptr;
@@ -225,9 +225,9 @@ public:
     std::optional<FileIdentity> Identity(const std::string& path) override
     {
         const QuietErrors quiet;
-        const Handle file(CreateFileA(path.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                                      OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT,
-                                      nullptr));
+        const Handle file(CreateFileA(path.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                      nullptr, OPEN_EXISTING,
+                                      FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
         BY_HANDLE_FILE_INFORMATION information{};
         if (!file.IsValid() || !GetFileInformationByHandle(file.Get(), &information))
         {
@@ -237,12 +237,14 @@ public:
                             Joined(information.nFileIndexHigh, information.nFileIndexLow)};
     }
 
-    bool List(const std::string& folder, const std::string& wildcard, std::vector<FolderEntry>& entries) override
+    bool List(const std::string& folder, const std::string& wildcard,
+              std::vector<FolderEntry>& entries) override
     {
         const QuietErrors quiet;
         WIN32_FIND_DATAA data{};
         const SearchHandle search(FindFirstFileExA(JoinPath(folder, wildcard).c_str(), FindExInfoBasic, &data,
-                                                   FindExSearchNameMatch, nullptr, FIND_FIRST_EX_LARGE_FETCH));
+                                                   FindExSearchNameMatch, nullptr,
+                                                   FIND_FIRST_EX_LARGE_FETCH));
         if (search.Get() == INVALID_HANDLE_VALUE)
         {
             return GetLastError() == ERROR_FILE_NOT_FOUND;
@@ -292,9 +294,10 @@ public:
     {
         const QuietErrors quiet;
         FILETIME written{};
-        const Handle file(CreateFileA(path.c_str(), FILE_WRITE_ATTRIBUTES, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                      OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-        return file.IsValid() && ToFileTime(time, written) && SetFileTime(file.Get(), nullptr, nullptr, &written);
+        const Handle file(CreateFileA(path.c_str(), FILE_WRITE_ATTRIBUTES, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                      nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+        return file.IsValid() && ToFileTime(time, written) &&
+               SetFileTime(file.Get(), nullptr, nullptr, &written);
     }
 
     std::string Absolute(const std::string& path) override

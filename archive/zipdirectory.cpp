@@ -88,9 +88,10 @@ bool ReadExtent64(File& file, std::uint64_t locatorAt, Bytes locator, Extent& ex
 {
     const std::uint64_t endAt = Get64(locator, 8);
     std::vector<unsigned char> record(EndRecord64Size);
-    if (Get32(locator, 4) != 0 || Get32(locator, 16) > 1 || endAt > locatorAt || locatorAt - endAt < EndRecord64Size ||
-        !ReadAt(file, endAt, record) || Get32(record, 0) != End64Signature || Get32(record, 16) != 0 ||
-        Get32(record, 20) != 0 || Get64(record, 24) != Get64(record, 32))
+    if (Get32(locator, 4) != 0 || Get32(locator, 16) > 1 || endAt > locatorAt ||
+        locatorAt - endAt < EndRecord64Size || !ReadAt(file, endAt, record) ||
+        Get32(record, 0) != End64Signature || Get32(record, 16) != 0 || Get32(record, 20) != 0 ||
+        Get64(record, 24) != Get64(record, 32))
     {
         return false;
     }
@@ -121,8 +122,8 @@ bool ReadExtent(File& file, std::uint64_t fileSize, Extent& extent)
     const std::uint64_t endAt = fileSize - reach + at;
     if (at >= Locator64Size && Get32(tail, at - Locator64Size) == Locator64Signature)
     {
-        return ReadExtent64(file, endAt - Locator64Size, Bytes(tail).subspan(at - Locator64Size, Locator64Size),
-                            extent);
+        return ReadExtent64(file, endAt - Locator64Size,
+                            Bytes(tail).subspan(at - Locator64Size, Locator64Size), extent);
     }
     if (Get16(end, 4) != 0 || Get16(end, 6) != 0 || Get16(end, 8) != Get16(end, 10))
     {
@@ -271,8 +272,8 @@ bool CheckLocalHeader(File& file, std::uint64_t firstByte, std::uint64_t directo
     }
     std::uint64_t packed = Get32(header, 18);
     std::uint64_t size = Get32(header, 22);
-    return ApplyExtra64(Bytes(variable).subspan(nameLength), {&size, &packed}) && Get32(header, 14) == entry.crc &&
-           packed == entry.packedSize && size == entry.size;
+    return ApplyExtra64(Bytes(variable).subspan(nameLength), {&size, &packed}) &&
+           Get32(header, 14) == entry.crc && packed == entry.packedSize && size == entry.size;
 }
 
 bool Overlap(std::vector<Placed>& placed)
@@ -283,9 +284,8 @@ bool Overlap(std::vector<Placed>& placed)
     {
         order.push_back(&entry);
     }
-    std::sort(order.begin(), order.end(), [](const Placed* left, const Placed* right) {
-        return left->start < right->start;
-    });
+    std::sort(order.begin(), order.end(),
+              [](const Placed* left, const Placed* right) { return left->start < right->start; });
     return std::adjacent_find(order.begin(), order.end(), [](const Placed* left, const Placed* right) {
                return right->start < left->end;
            }) != order.end();
@@ -333,8 +333,8 @@ std::optional<ZipDirectory> ReadZipDirectory(File& file)
             return std::nullopt;
         }
     }
-    const bool bomb = directory.unpackedBytes > RatioFreeBytes &&
-                      directory.unpackedBytes / MaxUnpackRatio > *fileSize;
+    const bool bomb =
+        directory.unpackedBytes > RatioFreeBytes && directory.unpackedBytes / MaxUnpackRatio > *fileSize;
     if (!rest.empty() || bomb || Overlap(placed))
     {
         return std::nullopt;

@@ -1,5 +1,5 @@
-// How much an archive may hold. The one place for every limit that protects a load from hostile or broken archives; a
-// patient's real archive stays far below each of them.
+// How much an archive may hold. The one place for every limit that protects a load from hostile or broken
+// archives; a patient's real archive stays far below each of them.
 #pragma once
 
 #include <cstddef>
@@ -13,8 +13,8 @@ inline constexpr std::uint64_t MaxZipEntries = 250'000;
 inline constexpr std::uint64_t MaxCentralDirectoryBytes = 64ULL << 20;
 // Bytes of everything unpacked.
 inline constexpr std::uint64_t MaxUnpackedBytes = 1ULL << 40;
-// Unpacked bytes may be this many times the packed ones, once they pass the free allowance. Deflate itself can reach
-// about 1030; a set of images is far from it.
+// Unpacked bytes may be this many times the packed ones, once they pass the free allowance. Deflate itself
+// can reach about 1030; a set of images is far from it.
 inline constexpr std::uint64_t MaxUnpackRatio = 200;
 inline constexpr std::uint64_t RatioFreeBytes = 256ULL << 20;
 // Stored names and comments, in bytes, as far as they are shown.

@@ -60,7 +60,8 @@ bool CZipper::OpenZip(const std::string& zipPath, const std::string& rootFolder,
         return false;
     }
     m_strZipPath = m_files.Absolute(zipPath);
-    const std::string root = rootFolder.empty() ? std::string(arc::FolderOf(m_strZipPath)) : m_files.Absolute(rootFolder);
+    const std::string root =
+        rootFolder.empty() ? std::string(arc::FolderOf(m_strZipPath)) : m_files.Absolute(rootFolder);
     if (m_strZipPath.empty() || root.empty())
     {
         return false;
@@ -128,10 +129,10 @@ bool CZipper::OpenEntry(const std::string& stored, const arc::FileInfo& info)
 {
     const zip_fileinfo entry = EntryInfo(info);
     const bool folder = info.IsFolder();
-    const int result = zipOpenNewFileInZip4_64(
-        m_zip, stored.c_str(), &entry, nullptr, 0, nullptr, 0, nullptr, folder ? 0 : Z_DEFLATED,
-        Z_DEFAULT_COMPRESSION, 0, -MAX_WBITS, DEF_MEM_LEVEL, Z_DEFAULT_STRATEGY, nullptr, 0, 0, 0,
-        info.size >= LargeFile ? 1 : 0);
+    const int result =
+        zipOpenNewFileInZip4_64(m_zip, stored.c_str(), &entry, nullptr, 0, nullptr, 0, nullptr,
+                                folder ? 0 : Z_DEFLATED, Z_DEFAULT_COMPRESSION, 0, -MAX_WBITS, DEF_MEM_LEVEL,
+                                Z_DEFAULT_STRATEGY, nullptr, 0, 0, 0, info.size >= LargeFile ? 1 : 0);
     m_bFailed |= result != ZIP_OK;
     return result == ZIP_OK;
 }

@@ -18,13 +18,14 @@ class ZipFileFunctions;
 inline constexpr std::size_t ZipChunk = 2048;
 } // namespace arc
 
-// Owns the zip handle while a zip is open; the file system must outlive it. For one thread. Every operation answers
-// whether it succeeded and shows nothing. After any failed write CloseZip answers false: such a file is no archive.
+// Owns the zip handle while a zip is open; the file system must outlive it. For one thread. Every operation
+// answers whether it succeeded and shows nothing. After any failed write CloseZip answers false: such a file
+// is no archive.
 class CZipper
 {
 public:
-    // Called after each chunk with the percentage of all bytes to add (0 to 100, never less than before) and the name
-    // of the file under way.
+    // Called after each chunk with the percentage of all bytes to add (0 to 100, never less than before) and
+    // the name of the file under way.
     using Progress = std::function<void(int percent, const std::string& name)>;
 
     explicit CZipper(arc::FileSystem& files);
@@ -32,20 +33,24 @@ public:
     CZipper(const CZipper&) = delete;
     CZipper& operator=(const CZipper&) = delete;
 
-    // Creates the zip, or opens it to add behind its contents when append is given and it exists. An open zip is closed
-    // first. Absolute paths of files are stored relative to the root folder; without one that is the zip's own folder.
+    // Creates the zip, or opens it to add behind its contents when append is given and it exists. An open zip
+    // is closed first. Absolute paths of files are stored relative to the root folder; without one that is
+    // the zip's own folder.
     bool OpenZip(const std::string& zipPath, const std::string& rootFolder = {}, bool append = false);
-    // Stores the file under its path behind the root, or under its bare name with ignorePath. False unless every byte
-    // that the file had when it was opened is stored.
+    // Stores the file under its path behind the root, or under its bare name with ignorePath. False unless
+    // every byte that the file had when it was opened is stored.
     bool AddFileToZip(const std::string& path, bool ignorePath = false);
     // Stores the folder and all below it; names that begin with "." are skipped.
     bool AddFolderToZip(const std::string& folder, bool ignorePath = false);
-    // Adds every file that the patterns match ("*", "?" = exactly one character). A pattern without a folder looks in
-    // baseFolder, one with a folder in that. A file that several patterns match is stored once. No match is no error.
-    bool AddPatternList(const std::string& arguments, const std::string& baseFolder = {}, bool ignorePath = false);
+    // Adds every file that the patterns match ("*", "?" = exactly one character). A pattern without a folder
+    // looks in baseFolder, one with a folder in that. A file that several patterns match is stored once. No
+    // match is no error.
+    bool AddPatternList(const std::string& arguments, const std::string& baseFolder = {},
+                        bool ignorePath = false);
     // Adds these files of a folder under their bare names; their sizes make up the progress.
     bool AddFiles(const std::string& folder, const std::vector<arc::PresentFile>& set);
-    // Writes the central directory and has everything on the medium when it answers true. False when no zip is open.
+    // Writes the central directory and has everything on the medium when it answers true. False when no zip
+    // is open.
     bool CloseZip();
 
     // Stores one file in a zip beside it, of the same name with the extension "zip".

@@ -17,8 +17,10 @@ TEST(ArchiveRadio, InternetButtonsStandInTheOppositeOrderToTheirCodes)
     } cases[] = {{0, 0}, {1, 1}, {2, 2}, {3, 4}, {4, 3}};
     for (const auto& c : cases)
     {
-        EXPECT_EQ(static_cast<ARCHIVE_OP>(c.operation), arc::OperationOfRadio(static_cast<ArchiveRadio>(c.radio)));
-        EXPECT_EQ(static_cast<ArchiveRadio>(c.radio), arc::RadioOfOperation(static_cast<ARCHIVE_OP>(c.operation)));
+        EXPECT_EQ(static_cast<ARCHIVE_OP>(c.operation),
+                  arc::OperationOfRadio(static_cast<ArchiveRadio>(c.radio)));
+        EXPECT_EQ(static_cast<ArchiveRadio>(c.radio),
+                  arc::RadioOfOperation(static_cast<ARCHIVE_OP>(c.operation)));
     }
     EXPECT_FALSE(arc::OperationOfRadio(ArchiveRadio::None));
     EXPECT_EQ(ArchiveRadio::None, arc::RadioOfOperation(static_cast<ARCHIVE_OP>(5)));
@@ -91,7 +93,9 @@ TEST(ArchiveOffer, PreselectsTheOperationOrGettingFromAnArchive)
         {"merge", {ARCHIVE_OP_MERGE, true, 1, 1, false, false}, ArchiveRadio::MergeTimepoints},
         {"save without patient", {ARCHIVE_OP_SAVE, false, 0, 1, false, false}, ArchiveRadio::GetFromArchive},
         {"merge with two", {ARCHIVE_OP_MERGE, true, 2, 1, false, false}, ArchiveRadio::GetFromArchive},
-        {"load while getting is disabled", {ARCHIVE_OP_LOAD, true, 1, 0, false, false}, ArchiveRadio::GetFromArchive},
+        {"load while getting is disabled",
+         {ARCHIVE_OP_LOAD, true, 1, 0, false, false},
+         ArchiveRadio::GetFromArchive},
         {"upload", {ARCHIVE_OP_UPLOAD, true, 1, 1, false, false}, ArchiveRadio::None},
         {"download", {ARCHIVE_OP_DOWNLOAD, true, 1, 1, false, false}, ArchiveRadio::None},
     };

@@ -49,8 +49,9 @@ TEST_F(ArchiveDiskette, FirstDiskIsKnownByItsLabel)
     EXPECT_EQ(Check(1), DisketteCheck::OutOfOrder); // no label, but a volume of the patient
     files.Put("A:\\CURRENT.DAT", "no header");
     EXPECT_EQ(Check(1), DisketteCheck::OutOfOrder);
-    for (const arc::HeaderLine& other : {arc::HeaderLine{"Smyth", "Jo", "S1"}, arc::HeaderLine{"Smith", "jo", "S1"},
-                                         arc::HeaderLine{"Smith", "Jo", "S2"}})
+    for (const arc::HeaderLine& other :
+         {arc::HeaderLine{"Smyth", "Jo", "S1"}, arc::HeaderLine{"Smith", "jo", "S1"},
+          arc::HeaderLine{"Smith", "Jo", "S2"}})
     {
         files.Put("A:\\CURRENT.DAT", arc::WriteHeaderLine(other));
         EXPECT_EQ(Check(1), DisketteCheck::OtherPatient);
@@ -124,7 +125,8 @@ TEST_F(ArchiveDiskette, TheFirstFailureStopsTheWalk)
 TEST_F(ArchiveDiskette, CountsVolumesInClustersTwice)
 {
     const arc::HeaderLine label{"Smith", "Jo", "S1"}; // 14 bytes: a cluster
-    // 10 clusters of stream and 1 of label in volumes of 11; their header spills the stream into another cluster.
+    // 10 clusters of stream and 1 of label in volumes of 11; their header spills the stream into another
+    // cluster.
     EXPECT_EQ(arc::EstimateVolumes(10 * 512 - 28, label, 512, 11), 1u);
     EXPECT_EQ(arc::EstimateVolumes(10 * 512 - 27, label, 512, 11), 2u);
     EXPECT_EQ(arc::EstimateVolumes(0, label, 512, 11), 1u);

@@ -173,7 +173,8 @@ int MemoryFileSystem::Calls() const
 bool MemoryFileSystem::Fails()
 {
     ++m_calls;
-    return m_failFrom != 0 && m_calls >= m_failFrom && (m_failTimes == 0 || m_calls < m_failFrom + m_failTimes);
+    return m_failFrom != 0 && m_calls >= m_failFrom &&
+           (m_failTimes == 0 || m_calls < m_failFrom + m_failTimes);
 }
 
 std::uint64_t MemoryFileSystem::UsedClusters(char drive) const
@@ -235,7 +236,8 @@ std::unique_ptr<arc::File> MemoryFileSystem::Open(const std::string& path, arc::
     {
         return nullptr;
     }
-    return std::make_unique<arc::BufferedFile>(std::make_unique<MemoryFile>(*this, key, found->second, alone));
+    return std::make_unique<arc::BufferedFile>(
+        std::make_unique<MemoryFile>(*this, key, found->second, alone));
 }
 
 std::optional<arc::FileInfo> MemoryFileSystem::Query(const std::string& path)

@@ -9,14 +9,14 @@
 #include <string>
 #include <vector>
 
-// Names are kept with their case and found without it. "C:\\" is there from the start and is the current folder.
-// For one thread.
+// Names are kept with their case and found without it. "C:\\" is there from the start and is the current
+// folder. For one thread.
 class MemoryFileSystem : public arc::FileSystem
 {
 public:
     struct Node
     {
-        std::string name;    // with its case
+        std::string name; // with its case
         bool folder = false;
         std::string bytes;
         std::uint32_t attributes = arc::attribute::Archive;
@@ -30,15 +30,16 @@ public:
 
     // --- what a test sets and looks at ---
     void AddDrive(char letter, std::uint64_t clusters = 1 << 20, std::uint64_t bytesPerCluster = 512);
-    void Put(const std::string& path, const std::string& bytes, std::uint32_t attributes = arc::attribute::Archive);
+    void Put(const std::string& path, const std::string& bytes,
+             std::uint32_t attributes = arc::attribute::Archive);
     bool Exists(const std::string& path) const;
     std::string Bytes(const std::string& path) const; // empty when there is none
     Node* Find(const std::string& path);
     std::vector<std::string> Tree(const std::string& folder) const; // full paths of all files below
 
-    // From the call with this number on (from 1, counted from now) as many calls fail, or all when times is 0; call 0 =
-    // none. Calls are those that reach the file system: opening, reading, writing, flushing, closing, and all that
-    // change names.
+    // From the call with this number on (from 1, counted from now) as many calls fail, or all when times is
+    // 0; call 0 = none. Calls are those that reach the file system: opening, reading, writing, flushing,
+    // closing, and all that change names.
     void FailFrom(int call, int times = 0);
     int Calls() const;
 

@@ -57,8 +57,9 @@ TEST(ArchiveNames, FilesOfAPatient)
 
 TEST(ArchiveNames, PatternArgumentHasTheEightPatternsAndSplitsBack)
 {
-    EXPECT_EQ(arc::ArchivePatternArgument("S1"), "\"S1.PF\" \"S1??.i??\" \"S1??.v??\" \"S1??.m\" \"S1??.i??.???\" "
-                                                 "\"S1$*\" \"S1??.d?.i??\" \"S1*.2dmorph\"");
+    EXPECT_EQ(arc::ArchivePatternArgument("S1"),
+              "\"S1.PF\" \"S1??.i??\" \"S1??.v??\" \"S1??.m\" \"S1??.i??.???\" "
+              "\"S1$*\" \"S1??.d?.i??\" \"S1*.2dmorph\"");
     EXPECT_EQ(arc::SplitPatternArgument(arc::ArchivePatternArgument("S1")), arc::ArchivePatterns("S1"));
     EXPECT_THAT(arc::SplitPatternArgument("  a\"b\" \"\" c\""), ElementsAre("a", "b", "c"));
     EXPECT_THAT(arc::SplitPatternArgument("\" \""), ElementsAre());
@@ -80,12 +81,23 @@ TEST(ArchiveNames, WildcardsAreStrict)
         const char* pattern;
         bool matches;
     } cases[] = {
-        {"A100.I40", "A1??.i??", true},     {"A1.I40", "A1??.i??", false},   {"A100.I4", "A1??.i??", false},
-        {"A00.I40", "A1??.i??", false},     {"A123.M", "A1??.m", true},      {"A1234.M", "A1??.m", false},
-        {"A100.I40.AVI", "A1??.i??", false}, {"A1$00$x.dat", "A1$*", true},  {"A12$00$x", "A1$*", false},
-        {"A1x.y.2dmorph", "A1*.2dmorph", true}, {"A1.2dmorphs", "A1*.2dmorph", false}, {"", "*", true},
-        {"", "?", false},                   {"abcabd", "*abd", true},        {"abc", "***", true},
-        {"\xE4", "\xC4", true},             {"\xF7", "\xD7", false},
+        {"A100.I40", "A1??.i??", true},
+        {"A1.I40", "A1??.i??", false},
+        {"A100.I4", "A1??.i??", false},
+        {"A00.I40", "A1??.i??", false},
+        {"A123.M", "A1??.m", true},
+        {"A1234.M", "A1??.m", false},
+        {"A100.I40.AVI", "A1??.i??", false},
+        {"A1$00$x.dat", "A1$*", true},
+        {"A12$00$x", "A1$*", false},
+        {"A1x.y.2dmorph", "A1*.2dmorph", true},
+        {"A1.2dmorphs", "A1*.2dmorph", false},
+        {"", "*", true},
+        {"", "?", false},
+        {"abcabd", "*abd", true},
+        {"abc", "***", true},
+        {"\xE4", "\xC4", true},
+        {"\xF7", "\xD7", false},
     };
     for (const auto& c : cases)
     {
@@ -177,9 +189,9 @@ TEST(ArchiveFileSet, ListsByGroupThenTypeThenTimepoint)
     second.typeBits[0] = 0b11;
     second.typeBits[4] = 0b101; // a bit without a type of the table names no file
     const auto names = arc::ListFileSet("P", {first, second}, types);
-    EXPECT_THAT(names, ElementsAre("P.PF", "P03.I0A", "P03.V0A", "P00.I0B", "P00.V0B", "P03.I0B", "P03.V0B", "P03.I40",
-                                   "P03.V40", "P00.DF0", "P00.DF1", "P00.DF2", "P00.DF3", "P00.M", "P03.DF0", "P03.DF1",
-                                   "P03.DF2", "P03.DF3", "P03.M"));
+    EXPECT_THAT(names, ElementsAre("P.PF", "P03.I0A", "P03.V0A", "P00.I0B", "P00.V0B", "P03.I0B", "P03.V0B",
+                                   "P03.I40", "P03.V40", "P00.DF0", "P00.DF1", "P00.DF2", "P00.DF3", "P00.M",
+                                   "P03.DF0", "P03.DF1", "P03.DF2", "P03.DF3", "P03.M"));
     EXPECT_EQ(arc::FileSlots({first, second}), 1 + 2 * 5 + 5 * 2u);
     EXPECT_THAT(arc::ListFileSet("P", {}, types), ElementsAre("P.PF"));
 }
@@ -192,7 +204,8 @@ TEST(ArchiveFileSet, FindsTheOtherNameOfAMissingImage)
     files.Put("C:\\w\\P01.I40", "1");
     files.Put("C:\\w\\P01.C01", "123");
     files.CreateFolder("C:\\w\\P00.M");
-    const auto present = arc::PresentFiles(files, "C:\\w", {"P.PF", "P00.I40", "P01.I40", "P02.I40", "P00.M"});
+    const auto present =
+        arc::PresentFiles(files, "C:\\w", {"P.PF", "P00.I40", "P01.I40", "P02.I40", "P00.M"});
     ASSERT_EQ(present.size(), 3u);
     EXPECT_EQ(present[0].size, 4u);
     EXPECT_EQ(present[1].name, "P00.C01");
@@ -202,22 +215,23 @@ TEST(ArchiveFileSet, FindsTheOtherNameOfAMissingImage)
 TEST(ArchiveFileSet, ArchiveHoldsPatternsThenListedFilesOnce)
 {
     MemoryFileSystem files;
-    for (const char* name : {"A1.PF", "A100.I40", "A101.C01", "A100.DF0", "A100.DF9", "A1$00$note.txt", "A1$x.2dmorph",
-                             "A12.2dmorph", "A1200.I40", "A12.PF", "A100.V40", "A100.D1.I20", "B.PF", "A100.I40.AVI"})
+    for (const char* name :
+         {"A1.PF", "A100.I40", "A101.C01", "A100.DF0", "A100.DF9", "A1$00$note.txt", "A1$x.2dmorph",
+          "A12.2dmorph", "A1200.I40", "A12.PF", "A100.V40", "A100.D1.I20", "B.PF", "A100.I40.AVI"})
     {
         files.Put(std::string("C:\\w\\") + name, name);
     }
     std::vector<arc::PresentFile> found;
-    ASSERT_TRUE(arc::FilesToArchive(files, "C:\\w", "A1", {"A1.PF", "A100.I40", "A101.I40", "A100.DF0", "A100.DF1"},
-                                    found));
+    ASSERT_TRUE(arc::FilesToArchive(files, "C:\\w", "A1",
+                                    {"A1.PF", "A100.I40", "A101.I40", "A100.DF0", "A100.DF1"}, found));
     std::vector<std::string> names;
     for (const auto& file : found)
     {
         EXPECT_EQ(file.size, file.name.size());
         names.push_back(file.name);
     }
-    EXPECT_THAT(names, ElementsAre("A1.PF", "A100.I40", "A100.V40", "A100.I40.AVI", "A1$00$note.txt", "A1$x.2dmorph",
-                                   "A100.D1.I20", "A12.2dmorph", "A101.C01", "A100.DF0"));
+    EXPECT_THAT(names, ElementsAre("A1.PF", "A100.I40", "A100.V40", "A100.I40.AVI", "A1$00$note.txt",
+                                   "A1$x.2dmorph", "A100.D1.I20", "A12.2dmorph", "A101.C01", "A100.DF0"));
     EXPECT_FALSE(arc::FilesToArchive(files, "C:\\none", "A1", {}, found));
 }
 

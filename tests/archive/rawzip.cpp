@@ -31,7 +31,8 @@ void PutCommon(std::string& to, const RawEntry& entry, std::size_t packed, std::
 
 std::uint32_t Crc(const std::string& bytes)
 {
-    return static_cast<std::uint32_t>(crc32(0, reinterpret_cast<const Bytef*>(bytes.data()), static_cast<uInt>(bytes.size())));
+    return static_cast<std::uint32_t>(
+        crc32(0, reinterpret_cast<const Bytef*>(bytes.data()), static_cast<uInt>(bytes.size())));
 }
 
 std::string Deflate(const std::string& bytes)

@@ -149,7 +149,8 @@ TEST_F(ArchiveUnzipper, HostileAndDamagedZipsAreRefused)
 {
     const auto with = [](auto change) {
         RawZip zip;
-        zip.entries = {Entry("a.pf", std::string(500, 'a'), 8), Entry("b.pf", "stored"), Entry("c.pf", "last")};
+        zip.entries = {Entry("a.pf", std::string(500, 'a'), 8), Entry("b.pf", "stored"),
+                       Entry("c.pf", "last")};
         change(zip);
         return zip.Build();
     };
@@ -200,7 +201,8 @@ TEST_F(ArchiveUnzipper, HostileAndDamagedZipsAreRefused)
         {"overlap", with([](RawZip& zip) {
              zip.entries[2] = zip.entries[1];
              zip.entries[2].name = "b.pf";
-             zip.entries[2].offset = 30 + 4 + static_cast<std::uint32_t>(Deflate(zip.entries[0].contents).size());
+             zip.entries[2].offset =
+                 30 + 4 + static_cast<std::uint32_t>(Deflate(zip.entries[0].contents).size());
          })},
         {"header beyond the directory", with([](RawZip& zip) { zip.entries[1].offset = 100000; })},
         {"header of 4 GiB", with([](RawZip& zip) { zip.entries[1].offset = 0xFFFFFFFE; })},

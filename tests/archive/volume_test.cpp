@@ -45,7 +45,8 @@ public:
     {
         return m_capacity;
     }
-    VolumeStatus OpenForWriting(int number, std::unique_ptr<arc::File>& volume, std::uint64_t& capacity) override
+    VolumeStatus OpenForWriting(int number, std::unique_ptr<arc::File>& volume,
+                                std::uint64_t& capacity) override
     {
         const VolumeStatus status = FolderVolumes::OpenForWriting(number, volume, capacity);
         capacity = m_capacity;
@@ -92,7 +93,9 @@ protected:
 
     void PutLong()
     {
-        PutSet({{"LONG_ID.PF", "Smith\x01Jo\x01LONG_ID\x01\n"}, {"LONG_ID00.I00", ImageBytes(300)}, {"LONG_ID00.V00", "V"}});
+        PutSet({{"LONG_ID.PF", "Smith\x01Jo\x01LONG_ID\x01\n"},
+                {"LONG_ID00.I00", ImageBytes(300)},
+                {"LONG_ID00.V00", "V"}});
     }
 
     VolumeStatus Write(const std::string& id, std::uint64_t capacity, std::size_t buffer = 32767)
@@ -183,8 +186,9 @@ TEST_F(ArchiveVolumes, ProgressRisesTo100AndNoFurther)
     PutShort();
     Volumes volumes(files, "AB", 60);
     std::vector<int> seen;
-    ASSERT_EQ(arc::WriteVolumeStream(files, "C:\\w", set, Saved, volumes, [&](int percent) { seen.push_back(percent); },
-                                     SmallBuffer(16)),
+    ASSERT_EQ(arc::WriteVolumeStream(
+                  files, "C:\\w", set, Saved, volumes, [&](int percent) { seen.push_back(percent); },
+                  SmallBuffer(16)),
               VolumeStatus::Done);
     EXPECT_TRUE(std::is_sorted(seen.begin(), seen.end()));
     EXPECT_EQ(seen.back(), 100);
@@ -359,8 +363,8 @@ TEST_F(ArchiveVolumes, TheRightDiskPutInLaterIsTaken)
 
 TEST_F(ArchiveVolumes, HostileRecordsAreRefused)
 {
-    const auto volume = [](std::vector<arc::DirectoryRecord> records, std::string contents, std::uint32_t total,
-                           std::size_t count) {
+    const auto volume = [](std::vector<arc::DirectoryRecord> records, std::string contents,
+                           std::uint32_t total, std::size_t count) {
         const auto header = arc::EncodeHeader(arc::MakeVolumeHeader(Saved, 1, count, arc::RecordForm::Long));
         const auto block = arc::EncodeTotal(total);
         std::string bytes(header.begin(), header.end());
@@ -418,7 +422,8 @@ TEST_F(ArchiveVolumes, VerificationSeesEveryChangedByte)
         files.Put("C:\\arc\\AB.001", changed);
         arc::FolderVolumes volumes(files, "C:\\arc", "AB");
         const bool good = arc::VerifyVolumeStream(files, "C:\\w", set, volumes) == VolumeStatus::Done;
-        const bool padding = whole[at] == '\0' && at > 44 + 16 + 18 + 4 && (at < 44 + 16 + 18 + 16 || at > whole.size() - 6);
+        const bool padding =
+            whole[at] == '\0' && at > 44 + 16 + 18 + 4 && (at < 44 + 16 + 18 + 16 || at > whole.size() - 6);
         EXPECT_TRUE(!good || padding) << at;
     }
 }

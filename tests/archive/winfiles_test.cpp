@@ -25,7 +25,8 @@ protected:
     {
         char temp[MAX_PATH];
         ASSERT_NE(GetTempPathA(sizeof temp, temp), 0u);
-        folder = std::string(temp) + "arc" + std::to_string(GetCurrentProcessId()) + "_" + std::to_string(GetTickCount());
+        folder = std::string(temp) + "arc" + std::to_string(GetCurrentProcessId()) + "_" +
+                 std::to_string(GetTickCount());
         ASSERT_TRUE(files.CreateFolder(folder));
     }
 
@@ -120,7 +121,8 @@ TEST_F(ArchiveWindowsFiles, KeepsAttributesAndTimes)
     ASSERT_TRUE(files.SetAttributes(Path("a.bin"), attribute::ReadOnly | attribute::Hidden));
     const auto info = files.Query(Path("a.bin"));
     ASSERT_TRUE(info);
-    EXPECT_EQ(info->attributes & (attribute::ReadOnly | attribute::Hidden), attribute::ReadOnly | attribute::Hidden);
+    EXPECT_EQ(info->attributes & (attribute::ReadOnly | attribute::Hidden),
+              attribute::ReadOnly | attribute::Hidden);
     EXPECT_EQ(info->size, 3u);
     EXPECT_FALSE(files.RemoveFile(Path("a.bin")));
     ASSERT_TRUE(files.SetAttributes(Path("a.bin"), 0));
@@ -166,7 +168,8 @@ TEST_F(ArchiveWindowsFiles, DevicesAreNoFiles)
 
 TEST_F(ArchiveWindowsFiles, APatientGoesThroughAZipAndThroughVolumes)
 {
-    ASSERT_TRUE(files.CreateFolder(Path("work")) && files.CreateFolder(Path("arc")) && files.CreateFolder(Path("vol")));
+    ASSERT_TRUE(files.CreateFolder(Path("work")) && files.CreateFolder(Path("arc")) &&
+                files.CreateFolder(Path("vol")));
     for (const char* name : {"S1.PF", "S100.I40", "S100.V40", "S100.DF0", "S1$00$M\xFCller.txt"})
     {
         Put(std::string("work\\") + name, std::string(70'000, name[3]) + name);

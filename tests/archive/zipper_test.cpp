@@ -73,20 +73,21 @@ TEST_F(ArchiveZipper, StoresNamesBehindTheRoot)
         bool ignorePath;
         const char* stored; // null: refused
     } cases[] = {
-        {"C:\\w\\a.pf", false, "a.pf"},        {"c:\\W\\sub\\b.pf", false, "sub\\b.pf"},
-        {"C:\\w\\sub\\b.pf", true, "b.pf"},    {"C:\\c.pf", false, nullptr},
-        {"C:\\c.pf", true, "c.pf"},            {"D:\\d.pf", false, nullptr},
-        {"..\\c.pf", false, nullptr},          {"..\\c.pf", true, "c.pf"},
-        {".\\c.pf", false, "c.pf"},            {"w\\a.pf", false, "w\\a.pf"},
-        {"C:\\w\\none.pf", false, nullptr},    {"C:\\w\\sub", false, nullptr},
-        {"w\\..\\c.pf", false, nullptr},       {"", false, nullptr},
+        {"C:\\w\\a.pf", false, "a.pf"},     {"c:\\W\\sub\\b.pf", false, "sub\\b.pf"},
+        {"C:\\w\\sub\\b.pf", true, "b.pf"}, {"C:\\c.pf", false, nullptr},
+        {"C:\\c.pf", true, "c.pf"},         {"D:\\d.pf", false, nullptr},
+        {"..\\c.pf", false, nullptr},       {"..\\c.pf", true, "c.pf"},
+        {".\\c.pf", false, "c.pf"},         {"w\\a.pf", false, "w\\a.pf"},
+        {"C:\\w\\none.pf", false, nullptr}, {"C:\\w\\sub", false, nullptr},
+        {"w\\..\\c.pf", false, nullptr},    {"", false, nullptr},
     };
     for (const auto& c : cases)
     {
         ASSERT_TRUE(zipper.OpenZip("C:\\w\\x.zip"));
         EXPECT_EQ(zipper.AddFileToZip(c.path, c.ignorePath), c.stored != nullptr) << c.path;
         ASSERT_TRUE(zipper.CloseZip());
-        EXPECT_EQ(Names(), c.stored ? std::vector<std::string>{c.stored} : std::vector<std::string>()) << c.path;
+        EXPECT_EQ(Names(), c.stored ? std::vector<std::string>{c.stored} : std::vector<std::string>())
+            << c.path;
     }
 }
 
@@ -192,7 +193,8 @@ TEST_F(ArchiveZipper, PatternListTakesStrictMatchesOnce)
     ASSERT_TRUE(zipper.OpenZip("C:\\out\\A1.KAZ"));
     EXPECT_TRUE(zipper.AddPatternList(arc::ArchivePatternArgument("A1"), "C:\\work", true));
     ASSERT_TRUE(zipper.CloseZip());
-    EXPECT_THAT(Names("C:\\out\\A1.KAZ"), ElementsAre("A1.PF", "A100.I40", "A100.V40", "A1$00$x", "A1$y.2dmorph"));
+    EXPECT_THAT(Names("C:\\out\\A1.KAZ"),
+                ElementsAre("A1.PF", "A100.I40", "A100.V40", "A1$00$x", "A1$y.2dmorph"));
 
     ASSERT_TRUE(zipper.OpenZip("C:\\out\\B.KAZ", "C:\\work"));
     EXPECT_TRUE(zipper.AddPatternList("\"C:\\work\\B*\" C:\\work\\none.*"));
@@ -227,7 +229,9 @@ TEST_F(ArchiveZipper, ProgressMovesWithinALargeFile)
     ASSERT_TRUE(zipper.OpenZip("C:\\w\\x.zip"));
     EXPECT_TRUE(zipper.AddPatternList("\"*.i40\"", "C:\\w", true));
     EXPECT_TRUE(std::is_sorted(seen.begin(), seen.end()));
-    EXPECT_GT(std::count_if(seen.begin(), seen.end(), [](int percent) { return percent > 0 && percent < 100; }), 30);
+    EXPECT_GT(
+        std::count_if(seen.begin(), seen.end(), [](int percent) { return percent > 0 && percent < 100; }),
+        30);
     EXPECT_EQ(seen.back(), 100);
 }
 
@@ -248,7 +252,8 @@ TEST_F(ArchiveZipper, LargeFilesRoundTripThroughEveryBuffer)
     EXPECT_TRUE(unzipper.UnzipAll("C:\\out\\deep"));
     for (const auto& file : set)
     {
-        EXPECT_EQ(files.Bytes("C:\\out\\deep\\" + file.name), files.Bytes("C:\\w\\" + file.name)) << file.name;
+        EXPECT_EQ(files.Bytes("C:\\out\\deep\\" + file.name), files.Bytes("C:\\w\\" + file.name))
+            << file.name;
     }
     set.back().size++;
     EXPECT_FALSE(arc::VerifyZip(files, "C:\\x.kaz", set));
@@ -309,7 +314,7 @@ TEST_F(ArchiveZipper, VerificationSeesEveryChangedByte)
         files.Put("C:\\x.kaz", changed);
         unnoticed += arc::VerifyZip(files, "C:\\x.kaz", set) ? 1 : 0;
     }
-    // Versions, times and attributes of two entries in two headers, and the bits that fill up the last byte of packed
-    // contents; nothing of names, sizes, places or contents.
+    // Versions, times and attributes of two entries in two headers, and the bits that fill up the last byte
+    // of packed contents; nothing of names, sizes, places or contents.
     EXPECT_LE(unnoticed, 2 * (6 + 14 + 1));
 }
