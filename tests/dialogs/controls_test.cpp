@@ -1,0 +1,164 @@
+#include "suite/dialogs/cededit.h"
+#include "suite/dialogs/ctlregister.h"
+#include "suite/dialogs/mfcdialog.h"
+#include "suite/dialogs/unicodebutton.h"
+#include "tests/dialogs/dialogstestres.h"
+#include "tests/support/dialogquality.h"
+#include "tests/support/dialogscript.h"
+#include "tests/support/picture.h"
+
+#include <gtest/gtest.h>
+
+namespace
+{
+
+class ControlsDialog : public mfcCDialog
+{
+public:
+    ControlsDialog() : mfcCDialog(IDD_CONTROLS)
+    {
+    }
+
+    CString m_strName;
+    cedCEdit m_editName;
+    cedCEditID m_editID;
+    CUnicodeButton m_button;
+
+protected:
+    void DoDataExchange(CDataExchange* pDX) override
+    {
+        mfcCDialog::DoDataExchange(pDX);
+        DDX_Control(pDX, IDC_FAMILY_NAME, m_editName);
+        DDX_Control(pDX, IDC_PATIENT_ID, m_editID);
+        DDX_Control(pDX, IDC_UNICODE, m_button);
+        DDX_Text(pDX, IDC_FAMILY_NAME, m_strName);
+    }
+};
+
+class ControlsTest : public testing::Test
+{
+protected:
+    ControlsTest()
+    {
+        EXPECT_TRUE(cttRegisterClass(AfxGetInstanceHandle()));
+        EXPECT_TRUE(cedCEdit::RegisterControlClass(AfxGetInstanceHandle()));
+    }
+    ~ControlsTest() override
+    {
+        EXPECT_TRUE(cttUnregisterClass(AfxGetInstanceHandle()));
+        EXPECT_TRUE(cedCEdit::UnregisterControlClass(AfxGetInstanceHandle()));
+    }
+};
+
+// Number of pixels inside the control that are not its background: text or label.
+int InkOf(HWND window)
+{
+    ::RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW);
+    RECT client = {};
+    ::GetClientRect(window, &client);
+    const HDC context = ::GetDC(window);
+    const COLORREF background = ::GetPixel(context, client.right - 3, client.bottom - 3);
+    int ink = 0;
+    for (int y = 2; y < client.bottom - 2; ++y)
+    {
+        for (int x = 2; x < client.right - 2; ++x)
+        {
+            ink += ::GetPixel(context, x, y) != background ? 1 : 0;
+        }
+    }
+    ::ReleaseDC(window, context);
+    return ink;
+}
+
+TEST_F(ControlsTest, LabelShowsOnlyInAnEmptyFieldWithoutFocus)
+{
+    ControlsDialog dialog;
+    const INT_PTR result = veltest::RunModal(
+        [&] { return dialog.DoModal(); },
+        [&](veltest::DialogScript& script)
+        {
+            const veltest::Dialog shown = script.WaitForDialog("Controls");
+            EXPECT_EQ(veltest::DialogFindings(shown.Handle()), "");
+            const veltest::Control name = shown.Item(IDC_FAMILY_NAME);
+            const veltest::Control notes = shown.Item(IDC_NOTES);
+            const veltest::Control id = shown.Item(IDC_PATIENT_ID);
+            id.Focus();
+            EXPECT_EQ(name.Text(), "");
+            EXPECT_EQ(notes.Text(), "");
+            EXPECT_STREQ(cedCEdit::GetLabel(name.Handle()), "Family name");
+            EXPECT_STREQ(cedCEdit::GetLabel(notes.Handle()), "Notes for everybody");
+            EXPECT_STREQ(cedCEdit::GetLabel(id.Handle()), "");
+            const int labelInk = InkOf(name.Handle());
+            EXPECT_GT(labelInk, 50);
+            EXPECT_GT(InkOf(notes.Handle()), 50);
+            veltest::SavePicture(shown.Handle(), "controls-empty");
+
+            name.Focus();
+            EXPECT_LT(InkOf(name.Handle()), 20) << "only the caret may show";
+            name.Type("M\xFCller & S\xF6hne");
+            id.Focus();
+            EXPECT_EQ(name.Text(), "M\xFCller & S\xF6hne");
+            EXPECT_NE(InkOf(name.Handle()), labelInk);
+            veltest::SavePicture(shown.Handle(), "controls-filled");
+
+            name.SetText("");
+            EXPECT_EQ(InkOf(name.Handle()), labelInk) << "the label is back once the text is gone";
+            name.SetText("Weber");
+            shown.Press(IDOK);
+        });
+    EXPECT_EQ(result, IDOK);
+    EXPECT_STREQ(dialog.m_strName, "Weber");
+}
+
+TEST_F(ControlsTest, IdFieldTakesWhatIsTypedUpToItsLimit)
+{
+    ControlsDialog dialog;
+    veltest::RunModal([&] { return dialog.DoModal(); },
+                      [&](veltest::DialogScript& script)
+                      {
+                          const veltest::Dialog shown = script.WaitForDialog("Controls");
+                          const veltest::Control id = shown.Item(IDC_PATIENT_ID);
+                          id.Type("ab 12-");
+                          EXPECT_EQ(id.Text(), "ab 12-");
+                          id.Replace("12345678901234567890123456");
+                          EXPECT_EQ(id.Text(), "1234567890123456789012345");
+                          shown.Press(IDCANCEL);
+                      });
+}
+
+TEST_F(ControlsTest, UnicodeButtonKeepsCharactersOutsideTheCodePage)
+{
+    ControlsDialog dialog;
+    veltest::RunModal([&] { return dialog.DoModal(); },
+                      [&](veltest::DialogScript& script)
+                      {
+                          const veltest::Dialog shown = script.WaitForDialog("Controls");
+                          EXPECT_EQ(dialog.m_button.GetUnicodeText(), L"&Name");
+                          dialog.m_button.SetUnicodeText(L"\x0416\x03A9 &Name");
+                          EXPECT_EQ(dialog.m_button.GetUnicodeText(), L"\x0416\x03A9 &Name");
+                          veltest::SavePicture(shown.Handle(), "controls-unicode");
+                          shown.Press(IDCANCEL);
+                      });
+}
+
+TEST_F(ControlsTest, ClassesCanBeRegisteredTwiceAndAgainAfterUnloading)
+{
+    const HINSTANCE instance = AfxGetInstanceHandle();
+    EXPECT_TRUE(cedCEdit::RegisterControlClass(instance));
+    EXPECT_TRUE(cttRegisterClass(instance));
+    for (int load = 0; load < 2; ++load)
+    {
+        EXPECT_TRUE(cedCEdit::UnregisterControlClass(instance));
+        EXPECT_TRUE(cttUnregisterClass(instance));
+        EXPECT_EQ(::CreateWindow("VELEDIT", "x", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr, instance, nullptr), nullptr);
+        EXPECT_TRUE(cedCEdit::RegisterControlClass(instance));
+        EXPECT_TRUE(cttRegisterClass(instance));
+        const HWND field =
+            ::CreateWindow("VELEDIT", "x", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr, instance, nullptr);
+        ASSERT_NE(field, nullptr);
+        EXPECT_EQ(::GetWindowTextLength(field), 0);
+        ::DestroyWindow(field);
+    }
+}
+
+} // namespace

@@ -1,0 +1,18 @@
+#pragma once
+
+#define IDD_FLEX 9001
+#define IDD_FIXED 9002
+#define IDD_CONTROLS 9003
+#define IDD_PAGE_NAMES 9004
+#define IDD_PAGE_NOTES 9005
+
+#define IDC_FIELD 1001
+#define IDC_LIST 1002
+#define IDC_ADD 1003
+#define IDC_CORNER 1004
+#define IDC_WIDE 1005
+#define IDC_FAMILY_NAME 1010
+#define IDC_NOTES 1011
+#define IDC_PATIENT_ID 1012
+#define IDC_TEETH 1013
+#define IDC_UNICODE 1014

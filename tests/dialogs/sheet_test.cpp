@@ -1,0 +1,120 @@
+#include "suite/dialogs/mfccoloredtabctrl.h"
+#include "suite/dialogs/mfcpropertypage.h"
+#include "tests/dialogs/dialogstestres.h"
+#include "tests/support/dialogscript.h"
+#include "tests/support/picture.h"
+
+#include <gtest/gtest.h>
+
+namespace
+{
+
+class NamesPage : public mfcCPropertyPage
+{
+public:
+    NamesPage() : mfcCPropertyPage(IDD_PAGE_NAMES)
+    {
+    }
+
+    std::vector<UINT> m_helpIds;
+
+protected:
+    BOOL OnHelpKey(UINT nHelpID) override
+    {
+        m_helpIds.push_back(nHelpID);
+        return TRUE;
+    }
+    afx_msg void OnUpdateAdd(CCmdUI* pCmdUI)
+    {
+        pCmdUI->Enable(GetDlgItem(IDC_FIELD)->GetWindowTextLength() > 0);
+    }
+    DECLARE_MESSAGE_MAP()
+};
+
+BEGIN_MESSAGE_MAP(NamesPage, mfcCPropertyPage)
+    ON_UPDATE_COMMAND_UI(IDC_ADD, &NamesPage::OnUpdateAdd)
+END_MESSAGE_MAP()
+
+class ColoredSheet : public CPropertySheet
+{
+public:
+    ColoredSheet() : CPropertySheet("Coloured")
+    {
+        m_psh.dwFlags |= PSH_NOAPPLYNOW;
+        AddPage(&m_names);
+        AddPage(&m_notes);
+    }
+
+    BOOL OnInitDialog() override
+    {
+        const BOOL result = CPropertySheet::OnInitDialog();
+        m_tabs.SubclassWindow(GetTabControl()->m_hWnd);
+        return result;
+    }
+
+    NamesPage m_names;
+    mfcCPropertyPage m_notes{IDD_PAGE_NOTES};
+    CMfcColoredTabCtrl m_tabs;
+};
+
+COLORREF PixelOf(HWND window, int x, int y)
+{
+    ::RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
+    const HDC context = ::GetDC(window);
+    const COLORREF color = ::GetPixel(context, x, y);
+    ::ReleaseDC(window, context);
+    return color;
+}
+
+TEST(ColoredSheetTest, ShowsItsTabsAndServesItsPages)
+{
+    ColoredSheet sheet;
+    const INT_PTR result = veltest::RunModal(
+        [&] { return sheet.DoModal(); },
+        [&](veltest::DialogScript& script)
+        {
+            const veltest::Dialog shown = script.WaitForDialog("Coloured");
+            ASSERT_EQ(shown.PageCount(), 2);
+            const HWND tabs = sheet.m_tabs.m_hWnd;
+
+            // The selected tab carries the line in the tab's colour, the other one is only tinted.
+            RECT first = {};
+            RECT second = {};
+            ::SendMessage(tabs, TCM_GETITEMRECT, 0, reinterpret_cast<LPARAM>(&first));
+            ::SendMessage(tabs, TCM_GETITEMRECT, 1, reinterpret_cast<LPARAM>(&second));
+            const COLORREF highlight = ::GetSysColor(COLOR_HIGHLIGHT);
+            EXPECT_EQ(PixelOf(tabs, first.left + 5, first.top), highlight);
+            EXPECT_NE(PixelOf(tabs, second.left + 5, second.top), highlight);
+            EXPECT_NE(PixelOf(tabs, second.left + 5, second.top + 3), ::GetSysColor(COLOR_WINDOW));
+
+            const veltest::Control add = shown.Item(IDC_ADD);
+            script.WaitUntil("Add to be disabled", [&] { return !add.IsEnabled(); });
+            shown.Item(IDC_FIELD).Type("x");
+            script.WaitUntil("Add to be enabled", [&] { return add.IsEnabled(); });
+
+            shown.Item(IDC_FIELD).PressKey(VK_F1);
+            script.SettleIdle(shown.Handle());
+            shown.Page().Press(IDHELP);
+            EXPECT_EQ(sheet.m_names.m_helpIds, std::vector<UINT>(2, 0x20000U + IDD_PAGE_NAMES));
+
+            shown.ClickTab(1);
+            EXPECT_EQ(shown.PageIndex(), 1);
+            EXPECT_EQ(PixelOf(tabs, second.left + 5, second.top), highlight);
+            EXPECT_EQ(veltest::SavePagePictures(script, shown, "coloredsheet"), 2);
+
+            sheet.m_tabs.SetTabColor(1, RGB(200, 80, 20));
+            EXPECT_EQ(PixelOf(tabs, second.left + 5, second.top), COLORREF{RGB(200, 80, 20)});
+            sheet.m_tabs.SetTabColor(1, CLR_DEFAULT);
+            EXPECT_EQ(PixelOf(tabs, second.left + 5, second.top), highlight);
+
+            // By keyboard: the strip takes the focus, shows it and changes pages by cursor keys.
+            veltest::Control(script, tabs).Focus();
+            script.PressKey(tabs, VK_LEFT);
+            EXPECT_EQ(shown.PageIndex(), 0);
+            veltest::SavePicture(shown.Handle(), "coloredsheet-focus");
+            shown.Press(IDOK);
+        });
+    EXPECT_EQ(result, IDOK);
+}
+
+} // namespace
