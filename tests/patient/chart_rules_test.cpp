@@ -98,7 +98,9 @@ TEST(ChartRules, CodesAreFoundInTheirLists)
         EXPECT_EQ(patFindCode(patRaces, patRaces[i].nCode), static_cast<int>(i));
         codes.insert(patRaces[i].nCode);
         if (i > 1)
+        {
             EXPECT_LT(std::string(patRaces[i - 1].pszText), patRaces[i].pszText);
+        }
     }
     EXPECT_EQ(codes, (std::set<int>{0, 1, 2, 3, 4, 5, 6, 7, 8, 9}));
     EXPECT_STREQ(patRaces[static_cast<std::size_t>(patFindCode(patRaces, 7))].pszText, "South Pacific");

@@ -79,7 +79,9 @@ void ExpectRefused(DialogScript& script, const Dialog& sheet, const std::string&
     script.AnswerBox("", IDOK);
     script.WaitUntil("the sheet is usable again", [&] { return sheet.IsEnabled(); });
     if (focusedControl != 0)
-        EXPECT_EQ(GetDlgCtrlID(script.FocusOf(sheet.Handle())), focusedControl) << text;
+    {
+        EXPECT_EQ(sheet.Focused().Id(), focusedControl) << text;
+    }
 }
 
 std::string SelectedText(const Control& field)
