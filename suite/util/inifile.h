@@ -9,7 +9,7 @@
 #include <vector>
 
 // Bytes. What is longer counts as damaged.
-constexpr std::size_t inimaxFile = 4 * 1024 * 1024;
+constexpr std::size_t inimaxFile = 1024 * 1024;
 constexpr std::size_t inimaxLine = 8 * 1024;
 constexpr std::size_t inimaxValue = 4096;
 

@@ -120,7 +120,8 @@ private:
     std::mutex m_mutex;
     CString m_override;
     CString m_path; // of m_file
-    std::optional<Stamp> m_stamp;
+    std::optional<Stamp> m_stamp; // of m_file; none: there was no file
+    bool m_bCurrent = false;      // m_file need not be read again as long as the stamp stays
     iniCFile m_file;
 };
 
@@ -159,21 +160,22 @@ void SettingsStore::Refresh()
 
     // A file this young may change once more within the same time stamp.
     const bool settled = !stamp || stamp->written + youngTicks < ticks;
-    if (path == m_path && stamp == m_stamp && settled)
+    if (m_bCurrent && path == m_path && stamp == m_stamp)
     {
         return;
     }
     m_path = path;
-    m_stamp = settled ? stamp : std::nullopt;
+    m_stamp = stamp;
+    m_bCurrent = settled;
     const std::optional<std::string> text = stamp ? ReadText(path) : std::nullopt;
     m_file = text ? iniCFile::Parse(*text).value_or(iniCFile()) : iniCFile();
 }
 
-// Writes the text beside the file and puts it in the file's place once it is on the disk.
+// Writes the text beside the file and puts it in the file's place once it is on the disk. The name is always
+// the same: under the writers' lock it is free, or the rest of a writer that was killed.
 bool ReplaceText(const CString& path, const std::string& text)
 {
-    CString temporary;
-    temporary.Format("%s.%lu.tmp", path.GetString(), GetCurrentProcessId());
+    const CString temporary = path + ".tmp";
     FileHandle file(CreateFileA(temporary, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!file)
     {
@@ -263,8 +265,7 @@ bool SettingsStore::Write(LPCTSTR section, LPCTSTR key, LPCTSTR value)
         return false;
     }
     const std::string after = file.Text();
-    m_stamp.reset();
-    m_path.Empty();
+    m_bCurrent = false;
     return after == before || ReplaceText(path, after);
 }
 
