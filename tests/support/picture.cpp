@@ -91,7 +91,14 @@ bool SavePicture(HWND window, const std::string& name)
     std::error_code error;
     const std::filesystem::path folder = PictureFolder();
     std::filesystem::create_directories(folder, error);
-    const bool written = copied && bitmap != nullptr && DrawingLibrary().Write(bitmap, folder / (name + ".png"));
+    // Another run of the program may be writing the same picture.
+    const std::filesystem::path draft = folder / (name + "." + std::to_string(GetCurrentProcessId()));
+    bool written = copied && bitmap != nullptr && DrawingLibrary().Write(bitmap, draft);
+    if (written)
+    {
+        std::filesystem::rename(draft, folder / (name + ".png"), error);
+        written = !error;
+    }
     DeleteObject(bitmap);
     return written;
 }
