@@ -1,0 +1,66 @@
+/* Standard ids of the framework; usable from sources and from resource scripts. */
+#ifndef SUITE_MFC_AFXRES_H
+#define SUITE_MFC_AFXRES_H
+
+#ifdef RC_INVOKED
+#include <winresrc.h>
+#endif
+
+#ifndef IDC_STATIC
+#define IDC_STATIC (-1)
+#endif
+
+/* Commands */
+#define ID_FILE_NEW 0xE100
+#define ID_FILE_OPEN 0xE101
+#define ID_FILE_CLOSE 0xE102
+#define ID_FILE_SAVE 0xE103
+#define ID_FILE_SAVE_AS 0xE104
+#define ID_EDIT_CLEAR 0xE120
+#define ID_EDIT_COPY 0xE122
+#define ID_EDIT_CUT 0xE123
+#define ID_EDIT_FIND 0xE124
+#define ID_EDIT_PASTE 0xE125
+#define ID_EDIT_SELECT_ALL 0xE12A
+#define ID_EDIT_UNDO 0xE12B
+#define ID_APP_ABOUT 0xE140
+#define ID_APP_EXIT 0xE141
+#define ID_HELP_INDEX 0xE142
+#define ID_HELP 0xE146
+#define ID_VIEW_TOOLBAR 0xE800
+#define ID_VIEW_STATUS_BAR 0xE801
+#define ID_SEPARATOR 0
+
+/* Controls of the framework */
+#define AFX_IDC_TAB_CONTROL 0x3020
+#define AFX_IDW_TOOLBAR 0xE800
+#define AFX_IDW_STATUS_BAR 0xE801
+#define AFX_IDW_PANE_FIRST 0xE900
+#define ID_APPLY_NOW 0x3021
+#define ID_WIZBACK 0x3023
+#define ID_WIZNEXT 0x3024
+#define ID_WIZFINISH 0x3025
+
+/* Help ids derived from other ids */
+#define HID_BASE_COMMAND 0x00010000UL
+#define HID_BASE_RESOURCE 0x00020000UL
+#define HID_BASE_PROMPT 0x00030000UL
+
+/* Texts of the windows half: 0xF180 to 0xF19F, except AFX_IDS_APP_TITLE */
+#define AFX_IDS_APP_TITLE 0xE000
+#define AFX_IDP_PARSE_INT 0xF180
+#define AFX_IDP_PARSE_REAL 0xF181
+#define AFX_IDP_PARSE_INT_RANGE 0xF182
+#define AFX_IDP_PARSE_REAL_RANGE 0xF183
+#define AFX_IDP_PARSE_STRING_SIZE 0xF184
+#define AFX_IDP_PARSE_RADIO_BUTTON 0xF185
+#define AFX_IDP_PARSE_BYTE 0xF186
+#define AFX_IDP_PARSE_UINT 0xF187
+#define AFX_IDP_PARSE_DATETIME 0xF188
+#define AFX_IDP_INTERNAL_FAILURE 0xF190
+#define AFX_IDP_FAILED_TO_CREATE_DIALOG 0xF191
+#define AFX_IDP_FAILED_TO_START_THREAD 0xF192
+#define AFX_IDP_FAILED_TO_LAUNCH_HELP 0xF194
+#define AFX_IDP_COMMAND_FAILURE 0xF193
+
+#endif
