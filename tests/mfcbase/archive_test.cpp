@@ -83,8 +83,7 @@ TEST(Archive, ReadsBackWhatItWroteWithAnyBuffer)
         const CString big('y', 70000);
         const std::string bytes = Stored(
             [&](CArchive& ar) {
-                ar << -5 << 1.5 << 2.5f << LONGLONG(1) << CString() << big
-                   << COleDateTime(2026, 3, 4, 5, 6, 7);
+                ar << -5 << 1.5 << 2.5f << LONGLONG(1) << CString() << big << COleDateTime(2026, 3, 4, 5, 6, 7);
                 ar.WriteCount(0xFFFF);
                 ar.Write(big, 70000);
             },
@@ -143,8 +142,7 @@ TEST(Archive, EveryCutIsAnEndOfFile)
     EXPECT_EQ(Loading(whole, load), "");
     for (std::size_t length = 0; length < whole.size(); ++length)
     {
-        EXPECT_EQ(Loading(whole.substr(0, length), load), ArchiveError(CArchiveException::endOfFile))
-            << length;
+        EXPECT_EQ(Loading(whole.substr(0, length), load), ArchiveError(CArchiveException::endOfFile)) << length;
     }
 }
 
@@ -156,9 +154,8 @@ TEST(Archive, LengthsThatLieTakeNoMemory)
         EXPECT_STREQ(text, "kept");
         throw new CUserException;
     };
-    for (const std::string& bytes :
-         {std::string("\xFF\xFF\xFF\xFF\xFF\xFF\x7Fzz", 9), std::string("\xFF\xFF\xFF\xFF\xFF\xFF\xFFzz", 9),
-          std::string("\xFF\xFE\xFFzz", 5)})
+    for (const std::string& bytes : {std::string("\xFF\xFF\xFF\xFF\xFF\xFF\x7Fzz", 9),
+                                     std::string("\xFF\xFF\xFF\xFF\xFF\xFF\xFFzz", 9), std::string("\xFF\xFE\xFFzz", 5)})
     {
         EXPECT_EQ(Loading(bytes, loadText), "CUserException");
     }
@@ -183,8 +180,7 @@ TEST(Archive, StoresEachObjectOnce)
     first.m_strName = "first";
     first.m_pNext = &second;
     second.m_pNext = &first; // a ring
-    const std::string bytes =
-        Stored([&](CArchive& ar) { ar << &first << static_cast<CObject*>(nullptr) << &second; });
+    const std::string bytes = Stored([&](CArchive& ar) { ar << &first << static_cast<CObject*>(nullptr) << &second; });
 
     EXPECT_EQ(Loading(bytes,
                       [](CArchive& ar) {
@@ -251,9 +247,7 @@ TEST(Archive, ADateThatIsNoneBecomesInvalid)
 {
     const auto load = [](LONG status, double value) {
         COleDateTime date;
-        EXPECT_EQ(
-            Loading(Stored([&](CArchive& ar) { ar << status << value; }), [&](CArchive& ar) { ar >> date; }),
-            "");
+        EXPECT_EQ(Loading(Stored([&](CArchive& ar) { ar << status << value; }), [&](CArchive& ar) { ar >> date; }), "");
         return date.GetStatus();
     };
     EXPECT_EQ(load(0, 45000.5), COleDateTime::valid);

@@ -10,10 +10,9 @@ TEST(DateTime, AgreesWithTheSystemOnEveryKindOfDay)
     {
         int year, month, day, hour, minute, second;
     };
-    for (const Case& c :
-         {Case{100, 1, 1, 0, 0, 0}, Case{1582, 10, 15, 1, 2, 3}, Case{1899, 12, 29, 6, 0, 0},
-          Case{1899, 12, 30, 6, 0, 0}, Case{1900, 2, 28, 23, 59, 59}, Case{2000, 2, 29, 12, 0, 0},
-          Case{2026, 11, 21, 4, 5, 6}, Case{9999, 12, 31, 23, 59, 59}})
+    for (const Case& c : {Case{100, 1, 1, 0, 0, 0}, Case{1582, 10, 15, 1, 2, 3}, Case{1899, 12, 29, 6, 0, 0},
+                          Case{1899, 12, 30, 6, 0, 0}, Case{1900, 2, 28, 23, 59, 59}, Case{2000, 2, 29, 12, 0, 0},
+                          Case{2026, 11, 21, 4, 5, 6}, Case{9999, 12, 31, 23, 59, 59}})
     {
         const COleDateTime date(c.year, c.month, c.day, c.hour, c.minute, c.second);
         ASSERT_EQ(date.GetStatus(), COleDateTime::valid) << c.year;
@@ -56,8 +55,7 @@ TEST(DateTime, CalculatesAcrossTheEpoch)
     EXPECT_EQ(span.GetHours(), 12);
     EXPECT_EQ(early + span, late);
     EXPECT_EQ(late - span, early);
-    EXPECT_EQ((COleDateTime(9999, 12, 31, 0, 0, 0) + COleDateTimeSpan(2, 0, 0, 0)).GetStatus(),
-              COleDateTime::invalid);
+    EXPECT_EQ((COleDateTime(9999, 12, 31, 0, 0, 0) + COleDateTimeSpan(2, 0, 0, 0)).GetStatus(), COleDateTime::invalid);
 }
 
 TEST(DateTime, NullMixesWithNothing)
@@ -82,10 +80,9 @@ TEST(DateTime, FormatsInTheUsersLocale)
         const char* format;
         const char* expected;
     };
-    for (const Case& c :
-         {Case{"%x", "3/4/2026"}, Case{"%X", "3:06:07 PM"}, Case{"%Y-%m-%d %H:%M:%S", "2026-03-04 15:06:07"},
-          Case{"%#d.%#m.%y", "4.3.26"}, Case{"%A %a %B %b", "Wednesday Wed March Mar"},
-          Case{"%I %p %j %w %U %W", "03 PM 063 3 09 09"}, Case{"100%% %", "100% "}})
+    for (const Case& c : {Case{"%x", "3/4/2026"}, Case{"%X", "3:06:07 PM"}, Case{"%Y-%m-%d %H:%M:%S", "2026-03-04 15:06:07"},
+                          Case{"%#d.%#m.%y", "4.3.26"}, Case{"%A %a %B %b", "Wednesday Wed March Mar"},
+                          Case{"%I %p %j %w %U %W", "03 PM 063 3 09 09"}, Case{"100%% %", "100% "}})
     {
         EXPECT_STREQ(date.Format(c.format), c.expected) << c.format;
     }

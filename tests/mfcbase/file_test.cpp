@@ -12,10 +12,7 @@ namespace
 class FileTest : public ::testing::Test
 {
 protected:
-    CString Path(const char* name) const
-    {
-        return m_folder.Path(name).c_str();
-    }
+    CString Path(const char* name) const { return m_folder.Path(name).c_str(); }
 
     veltest::TemporaryPractice m_folder;
 };
@@ -56,8 +53,7 @@ TEST_F(FileTest, SaysWhyAFileDoesNotOpen)
     const UINT read = CFile::modeRead;
     EXPECT_EQ(Thrown([&] { CFile(Path("none.txt"), read); }), FileError(CFileException::fileNotFound));
     EXPECT_EQ(Thrown([&] { CFile(Path("no\\where.txt"), read); }), FileError(CFileException::badPath));
-    EXPECT_EQ(Thrown([&] { CFile(Path("working"), CFile::modeWrite); }),
-              FileError(CFileException::accessDenied));
+    EXPECT_EQ(Thrown([&] { CFile(Path("working"), CFile::modeWrite); }), FileError(CFileException::accessDenied));
     EXPECT_EQ(Thrown([&] { CFile::Remove(Path("none.txt")); }), FileError(CFileException::fileNotFound));
 
     CFileException error;
@@ -177,8 +173,7 @@ TEST_F(FileTest, FindsFiles)
         if (!finder.IsDots())
         {
             names += std::string(finder.GetFileTitle()) + ' ';
-            EXPECT_STREQ(finder.GetFilePath(),
-                         (m_folder.Working() + finder.GetFileName().GetString()).c_str());
+            EXPECT_STREQ(finder.GetFilePath(), (m_folder.Working() + finder.GetFileName().GetString()).c_str());
             EXPECT_FALSE(finder.IsDirectory());
         }
     }

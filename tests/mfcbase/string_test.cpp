@@ -98,8 +98,7 @@ TEST(CString, Trims)
         const char* left;
         const char* right;
     };
-    for (const Case& c :
-         {Case{" \t\r\n x y \n", "x y \n", " \t\r\n x y"}, Case{"  ", "", ""}, Case{"", "", ""}})
+    for (const Case& c : {Case{" \t\r\n x y \n", "x y \n", " \t\r\n x y"}, Case{"  ", "", ""}, Case{"", "", ""}})
     {
         EXPECT_EQ(Text(CString(c.text).TrimLeft()), c.left);
         EXPECT_EQ(Text(CString(c.text).TrimRight()), c.right);
@@ -125,11 +124,7 @@ TEST(CString, ComparesBytesAndIgnoresCaseBySystemRules)
 {
     EXPECT_LT(CString("a").Compare("b"), 0);
     EXPECT_GT(CString("\xE4").Compare("z"), 0);
-    EXPECT_EQ(CString("STRA\xDF"
-                      "E \xC4\xD6")
-                  .CompareNoCase("stra\xDF"
-                                 "e \xE4\xF6"),
-              0);
+    EXPECT_EQ(CString("STRA\xDF" "E \xC4\xD6").CompareNoCase("stra\xDF" "e \xE4\xF6"), 0);
     EXPECT_LT(CString("ab").CompareNoCase("ABC"), 0);
     EXPECT_NE(CString("_").CompareNoCase("A"), 0);
     EXPECT_LT(CString("a").Collate("\xE4"), 0); // a dictionary has the umlaut before b

@@ -1,4 +1,3 @@
-#include "suite/util/inifile.h"
 #include "suite/util/velini.h"
 #include "suite/util/velinisettings.h"
 #include "tests/support/childprocess.h"
@@ -15,18 +14,9 @@ namespace
 class SettingsTest : public ::testing::Test
 {
 protected:
-    void Write(const std::string& bytes) const
-    {
-        m_practice.WriteFile("veltrix.ini", bytes);
-    }
-    std::string Bytes() const
-    {
-        return m_practice.ReadFile("veltrix.ini");
-    }
-    CString Path() const
-    {
-        return m_practice.IniFile().c_str();
-    }
+    void Write(const std::string& bytes) const { m_practice.WriteFile("veltrix.ini", bytes); }
+    std::string Bytes() const { return m_practice.ReadFile("veltrix.ini"); }
+    CString Path() const { return m_practice.IniFile().c_str(); }
 
     veltest::TemporaryPractice m_practice;
 };
@@ -60,8 +50,8 @@ TEST_F(SettingsTest, AnswersValuesOrDefaults)
 
 TEST_F(SettingsTest, AFileThatIsNoneGivesDefaultsAndIsLeftAlone)
 {
-    for (const std::string& bytes :
-         {std::string("[S]\0k=v", 7), std::string("\xFF\xFE[\0S\0]\0", 8), std::string(inimaxFile + 1, 'x')})
+    for (const std::string& bytes : {std::string("[S]\0k=v", 7), std::string("\xFF\xFE[\0S\0]\0", 8),
+                                     std::string(2 * 1024 * 1024, 'x')})
     {
         Write(bytes);
         EXPECT_STREQ(velGetIniString("S", "k", "default"), "default");
@@ -214,23 +204,14 @@ TEST(SettingsContainer, KeepsItsFieldsInTheirOrder)
     const auto at = [&](const auto& field) {
         return reinterpret_cast<const char*>(&field) - reinterpret_cast<const char*>(&c);
     };
-    const std::ptrdiff_t order[] = {at(c.m_nMeasWndNumDisplayPrec),
-                                    at(c.m_nMeasInTracingNumDisplayPrec),
-                                    at(c.m_fTracingPrintTextScale),
-                                    at(c.m_nUseUniformTeethSize),
-                                    at(c.m_nUseTracingAntiAlias),
-                                    at(c.m_nTurnOnTextGuides),
-                                    at(c.m_nDisplayQuality),
-                                    at(c.m_nDisplayPhotoCornerRoundedness),
-                                    at(c.m_bRecycle),
-                                    at(c.m_crBackgroundColor),
-                                    at(c.m_strImplants),
-                                    at(c.m_nAllowPatientChanges),
-                                    at(c.m_bLimitCapturedImagesSize),
-                                    at(c.m_dLimitCapturedImagesToMegaPixel),
-                                    at(c.m_fTracingLineThickness)};
+    const std::ptrdiff_t order[] = {at(c.m_nMeasWndNumDisplayPrec), at(c.m_nMeasInTracingNumDisplayPrec),
+                                    at(c.m_fTracingPrintTextScale), at(c.m_nUseUniformTeethSize),
+                                    at(c.m_nUseTracingAntiAlias), at(c.m_nTurnOnTextGuides),
+                                    at(c.m_nDisplayQuality), at(c.m_nDisplayPhotoCornerRoundedness),
+                                    at(c.m_bRecycle), at(c.m_crBackgroundColor), at(c.m_strImplants),
+                                    at(c.m_nAllowPatientChanges), at(c.m_bLimitCapturedImagesSize),
+                                    at(c.m_dLimitCapturedImagesToMegaPixel), at(c.m_fTracingLineThickness)};
     EXPECT_TRUE(std::ranges::is_sorted(order));
-    static_assert(sizeof(c.m_dLimitCapturedImagesToMegaPixel) == 8 &&
-                  sizeof(c.m_fTracingLineThickness) == 4 && sizeof(c.m_bRecycle) == 4 &&
-                  sizeof(c.m_crBackgroundColor) == 4);
+    static_assert(sizeof(c.m_dLimitCapturedImagesToMegaPixel) == 8 && sizeof(c.m_fTracingLineThickness) == 4 &&
+                  sizeof(c.m_bRecycle) == 4 && sizeof(c.m_crBackgroundColor) == 4);
 }

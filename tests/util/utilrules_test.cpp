@@ -14,9 +14,7 @@ TEST(Template, FillsEachMarkerOnce)
         std::string result;
     };
     for (const Case& c : {
-             Case{"Patient Information - <1> ID: <2>",
-                  {"Ann Lee", "A1"},
-                  "Patient Information - Ann Lee ID: A1"},
+             Case{"Patient Information - <1> ID: <2>", {"Ann Lee", "A1"}, "Patient Information - Ann Lee ID: A1"},
              Case{"<2><1><1>", {"a", "b"}, "baa"},
              Case{"<1> <2>", {"<2>", "x"}, "<2> x"},
              Case{"<1> <3>", {"a", "b"}, "a <3>"},

@@ -1,0 +1,238 @@
+// The contracts of the exported functions, with the real dialogs.
+
+#include "app/veldlgs.h"
+#include "patient/patientres.h"
+#include "suite/patients/dbpatient.h"
+#include "suite/patients/veltrixlogin.h"
+#include "tests/support/dialogscript.h"
+#include "tests/support/temporarypractice.h"
+
+#include <gtest/gtest.h>
+
+namespace
+{
+
+using veltest::Dialog;
+using veltest::DialogScript;
+
+class EntryPoints : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        dbCPatients::Create(m_practice.Path("patients.db").c_str());
+    }
+    void TearDown() override
+    {
+        dbCPatients::Close();
+    }
+
+    static void FillChart(const Dialog& sheet, const char* id, const char* given, const char* family)
+    {
+        sheet.Item(IDC_CHART_ID).Replace(id);
+        sheet.Item(IDC_CHART_FIRSTNAME).Replace(given);
+        sheet.Item(IDC_CHART_LASTNAME).Replace(family);
+    }
+
+    static dbCPatient Store(const char* id, const char* given, const char* family)
+    {
+        dbCPatient patient;
+        patient.SetID(id);
+        patient.SetFirstname(given);
+        patient.SetLastname(family);
+        patient.Save();
+        return patient;
+    }
+
+    /// The events recorded so far as "kind GUID text", newest first.
+    static std::vector<std::string> Events()
+    {
+        dbTList<dbSAuditEvent> events;
+        CVeltrixLogin::LoadEvents(events, 100);
+        std::vector<std::string> lines;
+        for (const dbSAuditEvent& event : events)
+            lines.push_back(std::to_string(event.nKind) + " " + event.strPatientGUID.GetString() + " " +
+                            event.strText.GetString());
+        return lines;
+    }
+
+    veltest::TemporaryPractice m_practice;
+    dbCPatients m_patients;
+};
+
+TEST_F(EntryPoints, NewPatientIsSavedRecordedAndNamedToTheCaller)
+{
+    CString guid = "before";
+    const auto result = veltest::RunModal([&] { return NewPatientDlg(nullptr, &m_patients, guid); },
+                                          [](DialogScript& script) {
+                                              const Dialog sheet =
+                                                  script.WaitForDialog("Patient Information");
+                                              EXPECT_EQ(sheet.PageCount(), 5);
+                                              EXPECT_EQ(sheet.PageIndex(), 0);
+                                              EXPECT_EQ(CVeltrixLogin::m_bNewPatFromDI, 1);
+                                              FillChart(sheet, "A1", "Ann", "Lee");
+                                              sheet.Press(IDOK);
+                                          });
+    EXPECT_EQ(result, IDOK);
+    EXPECT_EQ(CVeltrixLogin::m_bNewPatFromDI, 0);
+
+    dbCPatient patient;
+    ASSERT_TRUE(patient.Load("A1"));
+    EXPECT_STREQ(guid, patient.GetGUID());
+    EXPECT_EQ(Events(), std::vector<std::string>{"1 " + std::string(guid.GetString()) +
+                                                 " The patient (A1) Lee, Ann has been created"});
+}
+
+TEST_F(EntryPoints, NewPatientWithDataShowsTheDataAndSaysDicom)
+{
+    dbCPatient data;
+    data.SetID("D7");
+    data.SetFirstname("Ann");
+    data.SetLastname("Lee");
+    CString guid;
+    const auto result =
+        veltest::RunModal([&] { return NewPatientDlgWithData(nullptr, &m_patients, guid, &data); },
+                          [](DialogScript& script) {
+                              const Dialog sheet = script.WaitForDialog("Patient Information");
+                              EXPECT_EQ(sheet.Item(IDC_CHART_ID).Text(), "D7");
+                              sheet.Press(IDOK);
+                          });
+    EXPECT_EQ(result, IDOK);
+    EXPECT_EQ(Events(), std::vector<std::string>{"1 " + std::string(guid.GetString()) +
+                                                 " The patient from DICOM (D7) Lee, Ann has been created"});
+}
+
+TEST_F(EntryPoints, NullInitialDataIsAnEmptyRecord)
+{
+    CString guid;
+    const auto result =
+        veltest::RunModal([&] { return NewPatientDlgWithData(nullptr, &m_patients, guid, nullptr); },
+                          [](DialogScript& script) {
+                              const Dialog sheet = script.WaitForDialog("Patient Information");
+                              EXPECT_EQ(sheet.Item(IDC_CHART_ID).Text(), "");
+                              sheet.Press(IDCANCEL);
+                          });
+    EXPECT_EQ(result, IDCANCEL);
+}
+
+TEST_F(EntryPoints, CancelledNewPatientLeavesNothing)
+{
+    CString guid = "before";
+    const auto result = veltest::RunModal([&] { return NewPatientDlg(nullptr, &m_patients, guid); },
+                                          [](DialogScript& script) {
+                                              const Dialog sheet =
+                                                  script.WaitForDialog("Patient Information");
+                                              FillChart(sheet, "A1", "Ann", "Lee");
+                                              sheet.Press(IDCANCEL);
+                                          });
+    EXPECT_EQ(result, IDCANCEL);
+    EXPECT_TRUE(guid.IsEmpty());
+    EXPECT_EQ(m_patients.GetCount(), 0);
+    EXPECT_TRUE(Events().empty());
+    EXPECT_EQ(CVeltrixLogin::m_bNewPatFromDI, 0);
+}
+
+TEST_F(EntryPoints, ChangePatientShowsNameAndIDAndRecordsTheChange)
+{
+    dbCPatient patient = Store("B2", "Bo  ", "O'Hara & <1>");
+    const auto result = veltest::RunModal([&] { return ChangePatientDlg(nullptr, &m_patients, &patient); },
+                                          [](DialogScript& script) {
+                                              // The caption has the names as they were entered, the event
+                                              // tidied.
+                                              const Dialog sheet = script.WaitForDialog(
+                                                  "Patient Information - Bo   O'Hara & <1> ID: B2");
+                                              EXPECT_EQ(CVeltrixLogin::m_bNewPatFromDI, 0);
+                                              sheet.Item(IDC_CHART_NICKNAME).Replace("Bobo");
+                                              sheet.Press(IDOK);
+                                          });
+    EXPECT_EQ(result, IDOK);
+    dbCPatient changed;
+    ASSERT_TRUE(changed.Load("B2"));
+    EXPECT_STREQ(changed.GetNickname(), "Bobo");
+    EXPECT_STREQ(patient.GetNickname(), "") << "the caller's object is not touched";
+    EXPECT_EQ(Events(),
+              std::vector<std::string>{"2 " + std::string(changed.GetGUID().GetString()) +
+                                       " The patient (B2) O'Hara & <1>, Bo data, has been modified"});
+}
+
+TEST_F(EntryPoints, NothingComesUpWithoutAPatientListOrPatient)
+{
+    dbCPatient patient = Store("B2", "Bo", "Lee");
+    dbCPatient unstored;
+    CString guid = "before";
+    CStringArray strings;
+    veltest::RunModal(
+        [&] {
+            EXPECT_EQ(NewPatientDlg(nullptr, nullptr, guid), IDCANCEL);
+            EXPECT_TRUE(guid.IsEmpty());
+            guid = "before";
+            EXPECT_EQ(NewPatientDlgWithData(nullptr, nullptr, guid, &unstored), IDCANCEL);
+            EXPECT_TRUE(guid.IsEmpty());
+            EXPECT_EQ(ChangePatientDlg(nullptr, nullptr, &patient), IDCANCEL);
+            EXPECT_EQ(ChangePatientDlg(nullptr, &m_patients, nullptr), IDCANCEL);
+            EXPECT_EQ(ChangePatientDlg(nullptr, &m_patients, &unstored), IDCANCEL);
+            EXPECT_EQ(ArchiveDlg(nullptr, 1, &patient, ARCHIVE_OP_SAVE, strings, nullptr, strings, strings,
+                                 strings, strings, 1, 2),
+                      IDCANCEL);
+        },
+        [](DialogScript&) {});
+    EXPECT_TRUE(Events().empty());
+}
+
+TEST_F(EntryPoints, APatientThatIsGoneIsReportedAndNothingRecorded)
+{
+    dbCPatient patient = Store("B2", "Bo", "Lee");
+    m_patients.DeletePatient("B2");
+    const auto result =
+        veltest::RunModal([&] { return ChangePatientDlg(nullptr, &m_patients, &patient); },
+                          [](DialogScript& script) {
+                              script.AnswerBox("Error occurs when loading patient info", IDOK);
+                              script.WaitForDialog("Patient Information - Bo Lee ID: B2").Press(IDCANCEL);
+                          });
+    EXPECT_EQ(result, IDCANCEL);
+    EXPECT_TRUE(Events().empty());
+}
+
+TEST_F(EntryPoints, DialogsOfLaterWorkAnswerAsCancelled)
+{
+    dbCPatient patient = Store("B2", "Bo", "Lee");
+    __int64 result = 77;
+    NewTimepointDlg(nullptr, 1, &patient, result);
+    EXPECT_EQ(result, IDCANCEL);
+
+    unsigned int operation = 77;
+    result = 77;
+    DeleteDlg(nullptr, 1, &patient, 0, 0, 0, "", result, operation);
+    EXPECT_EQ(result, IDCANCEL);
+    EXPECT_EQ(operation, DELETE_TIMEPOINT);
+    DeleteDlg(nullptr, 1, nullptr, -1, 0, 0, "", result, operation);
+    EXPECT_EQ(operation, DELETE_PATIENT);
+
+    CStringArray strings;
+    EXPECT_EQ(ArchiveDlg(nullptr, 1, nullptr, ARCHIVE_OP_LOAD, strings, &m_patients, strings, strings,
+                         strings, strings, 0, 0),
+              IDCANCEL);
+    EXPECT_EQ(ImportPatientDiagnostics(nullptr, nullptr), 0);
+    EXPECT_EQ(ImportPatientDiagnostics("nowhere.pf", patient.GetGUID()), 0);
+}
+
+TEST_F(EntryPoints, CancelledRenameEmptiesItsOutputs)
+{
+    dbCPatient patient = Store("B2", "Bo", "Lee");
+    CString last = "1";
+    CString first = "2";
+    CString passed = "3";
+    CString timepoint = "4";
+    COleDateTime date(2020, 1, 2, 3, 4, 5);
+    RENAME_OP operation = RENAME_TIMEPOINT;
+    for (RENAME_OP* const out : {&operation, static_cast<RENAME_OP*>(nullptr)})
+    {
+        EXPECT_EQ(RenameDlg(nullptr, 1, &patient, 0, "passed", out, last, first, passed, timepoint, date),
+                  IDCANCEL);
+        EXPECT_TRUE(last.IsEmpty() && first.IsEmpty() && passed.IsEmpty() && timepoint.IsEmpty());
+        EXPECT_EQ(date.GetStatus(), COleDateTime::invalid);
+    }
+    EXPECT_EQ(operation, RENAME_TIMEPOINT);
+}
+
+} // namespace

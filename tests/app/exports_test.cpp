@@ -1,0 +1,157 @@
+// What leaves VelDlgs.dll, and that it can be loaded and unloaded again and again.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <set>
+#include <string>
+
+namespace
+{
+
+template <typename T> const T* At(HMODULE module, DWORD offset)
+{
+    return reinterpret_cast<const T*>(reinterpret_cast<const char*>(module) + offset);
+}
+
+const IMAGE_NT_HEADERS* Headers(HMODULE module)
+{
+    return At<IMAGE_NT_HEADERS>(module, static_cast<DWORD>(At<IMAGE_DOS_HEADER>(module, 0)->e_lfanew));
+}
+
+/// A loaded module, unloaded at the end of the scope.
+class Module
+{
+public:
+    Module() : m_module(LoadLibraryA("VelDlgs.dll"))
+    {
+    }
+    ~Module()
+    {
+        if (m_module != nullptr)
+            FreeLibrary(m_module);
+    }
+    Module(const Module&) = delete;
+    Module& operator=(const Module&) = delete;
+
+    HMODULE Handle() const
+    {
+        return m_module;
+    }
+    template <typename Function> Function Get(const char* name) const
+    {
+        return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(m_module, name)));
+    }
+
+private:
+    HMODULE m_module;
+};
+
+/// The names in the export directory of a loaded module.
+std::multiset<std::string> ExportedNames(HMODULE module)
+{
+    const IMAGE_DATA_DIRECTORY& entry =
+        Headers(module)->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_EXPORT];
+    const auto* const directory = At<IMAGE_EXPORT_DIRECTORY>(module, entry.VirtualAddress);
+    const DWORD* const names = At<DWORD>(module, directory->AddressOfNames);
+    EXPECT_EQ(directory->NumberOfFunctions, directory->NumberOfNames) << "an export by number alone";
+    std::multiset<std::string> result;
+    for (DWORD i = 0; i < directory->NumberOfNames; ++i)
+        result.insert(At<char>(module, names[i]));
+    return result;
+}
+
+bool IsInCode(HMODULE module, const void* address)
+{
+    const IMAGE_NT_HEADERS* const headers = Headers(module);
+    const IMAGE_SECTION_HEADER* section = IMAGE_FIRST_SECTION(headers);
+    const auto offset =
+        static_cast<DWORD>(static_cast<const char*>(address) - reinterpret_cast<char*>(module));
+    for (WORD i = 0; i < headers->FileHeader.NumberOfSections; ++i, ++section)
+    {
+        if (offset >= section->VirtualAddress && offset < section->VirtualAddress + section->Misc.VirtualSize)
+            return (section->Characteristics & IMAGE_SCN_MEM_EXECUTE) != 0;
+    }
+    return false;
+}
+
+constexpr const char* container = "g_VelIniSettingContainer";
+
+TEST(Exports, AreTheThirteenAndNothingElse)
+{
+    const Module module;
+    ASSERT_NE(module.Handle(), nullptr) << "error " << GetLastError();
+    EXPECT_THAT(
+        ExportedNames(module.Handle()),
+        testing::UnorderedElementsAre(
+            "_Z10ArchiveDlgP4CWndiP10dbCPatient10ARCHIVE_OPR12CStringArrayP11dbCPatientsS4_S4_S4_S4_ii",
+            "_Z12EditKeywordsP4CWnd8INI_LIST", "_Z12NewPatientDlgP4CWndP11dbCPatientsR7CString",
+            "_Z14GrayStringProcP5HDC__xi", "_Z15NewTimepointDlgP4CWndiP10dbCPatientRx",
+            "_Z16ChangePatientDlgP4CWndP11dbCPatientsP10dbCPatient",
+            "_Z16nameMakeFullnamePKcS0_P7CString9NAMEORDER", "_Z19SetArchivingAllowedb",
+            "_Z20NewPatientDlgWithDataP4CWndP11dbCPatientsR7CStringP10dbCPatient",
+            "_Z8DeleteDlgP4CWndiP10dbCPatientiii7CStringRxRj",
+            "_Z9RenameDlgP4CWndiP10dbCPatienti7CStringP9RENAME_OPRS3_S6_S6_S6_R12COleDateTime",
+            "ImportPatientDiagnostics", container));
+}
+
+TEST(Exports, TheContainerIsDataAndTheOthersAreCode)
+{
+    const Module module;
+    ASSERT_NE(module.Handle(), nullptr);
+    for (const std::string& name : ExportedNames(module.Handle()))
+    {
+        const void* const address = reinterpret_cast<void*>(GetProcAddress(module.Handle(), name.c_str()));
+        EXPECT_EQ(IsInCode(module.Handle(), address), name != container) << name;
+    }
+}
+
+bool IsClassKnown(const char* name, HINSTANCE instance)
+{
+    WNDCLASSA windowClass = {};
+    return GetClassInfoA(instance, name, &windowClass) != FALSE;
+}
+
+TEST(Loading, WorksAgainAndAgainAndLeavesNoWindowClassBehind)
+{
+    for (int round = 0; round < 3; ++round)
+    {
+        HMODULE handle = nullptr;
+        {
+            const Module module;
+            handle = module.Handle();
+            ASSERT_NE(handle, nullptr) << "round " << round << ", error " << GetLastError();
+            for (const char* name : {"VELEDKEYW", "VELEDIT", "VELTEETH"})
+                EXPECT_TRUE(IsClassKnown(name, handle)) << name << ", round " << round;
+
+            // A fresh module: archiving is forbidden until it is allowed.
+            const auto setArchivingAllowed = module.Get<bool (*)(bool)>("_Z19SetArchivingAllowedb");
+            ASSERT_NE(setArchivingAllowed, nullptr);
+            EXPECT_FALSE(setArchivingAllowed(true));
+            EXPECT_TRUE(setArchivingAllowed(false));
+            EXPECT_FALSE(setArchivingAllowed(true));
+        }
+        EXPECT_EQ(GetModuleHandleA("VelDlgs.dll"), nullptr) << "still loaded after round " << round;
+        for (const char* name : {"VELEDKEYW", "VELEDIT", "VELTEETH"})
+            EXPECT_FALSE(IsClassKnown(name, handle)) << name << ", round " << round;
+    }
+}
+
+TEST(GrayString, DrawsTheTextAndReturnsItsHeight)
+{
+    const Module module;
+    const auto grayString = module.Get<int (*)(HDC, LPARAM, int)>("_Z14GrayStringProcP5HDC__xi");
+    ASSERT_NE(grayString, nullptr);
+    const HDC dc = CreateCompatibleDC(nullptr);
+    TEXTMETRICA metrics = {};
+    GetTextMetricsA(dc, &metrics);
+    const char text[] = "Aligner";
+    EXPECT_EQ(grayString(dc, reinterpret_cast<LPARAM>(text), -1), metrics.tmHeight);
+    EXPECT_EQ(grayString(dc, reinterpret_cast<LPARAM>("one\ntwo"), 7), 2 * metrics.tmHeight);
+    EXPECT_EQ(grayString(dc, 0, 0), 0);
+    DeleteDC(dc);
+}
+
+} // namespace

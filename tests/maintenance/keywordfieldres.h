@@ -1,0 +1,6 @@
+#pragma once
+
+#define IDD_KEYWORD_FIELDS 100
+#define IDC_FIELD_PATIENT 101
+#define IDC_FIELD_IMAGE 102
+#define IDC_FIELD_NONE 103
