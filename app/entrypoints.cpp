@@ -182,9 +182,9 @@ void DeleteDlg(CWnd* pParent, int practiceManagement, dbCPatient* pPatient, int 
 }
 
 __int64 ArchiveDlg(CWnd* pParent, int practiceManagement, dbCPatient* pPatient, ARCHIVE_OP nOperation,
-                   CStringArray& selectedIDs, dbCPatients* pPatients, CStringArray& strings1,
-                   CStringArray& strings2, CStringArray& strings3, CStringArray& strings4, int nOption1,
-                   int nOption2)
+                   CStringArray& selectedIDs, dbCPatients* pPatients, CStringArray& /*strings1*/,
+                   CStringArray& /*strings2*/, CStringArray& /*strings3*/, CStringArray& /*strings4*/,
+                   int nOption1, int nOption2)
 {
     AFX_MANAGE_STATE(AfxGetStaticModuleState());
     if (pPatients == nullptr)

@@ -1,9 +1,10 @@
 #pragma once
 
-/** What the module posts to the host's window while an archive operation goes on; plain C++ and Win32 numbers.
+/** What the module posts to the host's window while an archive operation goes on; plain C++ and Win32
+   numbers.
 
-    Message VEL_WM_PATIENT: wParam is a VEL_PATIENT_EVENT, lParam a copy of the patient's GUID (char*, ended by NUL)
-    that was allocated with GlobalAlloc(GMEM_FIXED); the host frees it with GlobalFree. */
+    Message VEL_WM_PATIENT: wParam is a VEL_PATIENT_EVENT, lParam a copy of the patient's GUID (char*, ended
+   by NUL) that was allocated with GlobalAlloc(GMEM_FIXED); the host frees it with GlobalFree. */
 inline constexpr unsigned VEL_WM_PATIENT = 1137;
 
 enum VEL_PATIENT_EVENT : unsigned

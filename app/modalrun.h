@@ -1,5 +1,6 @@
 #pragma once
 
+#include <afxdlgs.h>
 #include <afxwin.h>
 
 #include <functional>

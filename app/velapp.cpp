@@ -8,6 +8,8 @@
 
 #include <htmlhelp.h>
 
+#include <utility>
+
 namespace
 {
 
@@ -92,7 +94,8 @@ void CVelDlgsApp::ShowHelp(UINT helpId)
 
     m_strHelpFile = make_filename("Veltrix", "chm", "sys");
     m_strHelpWindow.LoadString(IDS_HELP_WINDOW);
-    const HWND hOwner = AfxGetMainWnd()->GetSafeHwnd();
+    const CWnd* const pOwner = AfxGetMainWnd();
+    const HWND hOwner = pOwner != nullptr ? pOwner->GetSafeHwnd() : nullptr;
     velHtmlHelp(hOwner, m_strHelpFile, HH_HELP_CONTEXT, helpId + helpIdOffset);
 
     const auto windowName = reinterpret_cast<DWORD_PTR>(m_strHelpWindow.GetString());

@@ -48,6 +48,7 @@
 #define AFX_CDECL
 #define AFXAPI_DATA AFX_DLL_CLASS
 #define afx_msg
+#define _AFXDLL 1
 
 // Checks the arguments of a printf-like function against its format; positions count from 1, `this` included.
 #define AFX_PRINTF_FORMAT(formatAt, argsAt) [[gnu::format(__MINGW_PRINTF_FORMAT, formatAt, argsAt)]]

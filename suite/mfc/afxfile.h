@@ -3,11 +3,11 @@
 
 struct CFileStatus
 {
-    CTime m_ctime;         // created
-    CTime m_mtime;         // last written
-    CTime m_atime;         // last read
-    ULONGLONG m_size = 0;  // bytes
-    DWORD m_attribute = 0; // CFile::Attribute bits
+    CTime m_ctime;           // created
+    CTime m_mtime;           // last written
+    CTime m_atime;           // last read
+    ULONGLONG m_size = 0;    // bytes
+    DWORD m_attribute = 0;   // CFile::Attribute bits
     TCHAR m_szFullName[MAX_PATH] = {};
 };
 
@@ -70,8 +70,8 @@ public:
 
     // FALSE when the file cannot be opened; the reason goes to *pError when given. Nothing is thrown.
     virtual BOOL Open(LPCTSTR lpszFileName, UINT nOpenFlags, CFileException* pError = nullptr);
-    virtual void Close(); // throws when what was written cannot be kept
-    virtual void Abort(); // closes, failures ignored
+    virtual void Close();  // throws when what was written cannot be kept
+    virtual void Abort();  // closes, failures ignored
 
     virtual UINT Read(void* lpBuf, UINT nCount); // fewer than nCount only at the end of the file
     virtual void Write(const void* lpBuf, UINT nCount);

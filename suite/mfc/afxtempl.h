@@ -322,7 +322,7 @@ private:
         ENSURE(node != nullptr);
         return node;
     }
-    static Node* Step(POSITION& rPosition, Node* Node::*direction)
+    static Node* Step(POSITION& rPosition, Node* Node::* direction)
     {
         Node* node = Checked(ToNode(rPosition));
         rPosition = ToPosition(node->*direction);

@@ -25,7 +25,7 @@ public:
     {
         return m_timeSpan;
     }
-    auto operator<=>(const CTimeSpan&) const = default; // NOLINT(modernize-use-nullptr)
+    auto operator<=>(const CTimeSpan&) const = default;
 
 private:
     __time64_t m_timeSpan = 0;
@@ -71,7 +71,7 @@ public:
     {
         return CTime(m_time - span.GetTimeSpan());
     }
-    auto operator<=>(const CTime&) const = default; // NOLINT(modernize-use-nullptr)
+    auto operator<=>(const CTime&) const = default;
 
 private:
     __time64_t m_time = 0;

@@ -22,16 +22,14 @@ std::string_view Trim(std::string_view text)
 
 bool HasControls(std::string_view text)
 {
-    return std::ranges::any_of(text,
-                               [](unsigned char ch) { return (ch < 0x20 && ch != '\t') || ch == 0x7F; });
+    return std::ranges::any_of(text, [](unsigned char ch) { return (ch < 0x20 && ch != '\t') || ch == 0x7F; });
 }
 
 std::string Folded(std::string_view text)
 {
     std::string folded(text);
-    std::ranges::transform(folded, folded.begin(), [](char ch) {
-        return ch >= 'A' && ch <= 'Z' ? static_cast<char>(ch - 'A' + 'a') : ch;
-    });
+    std::ranges::transform(folded, folded.begin(),
+                           [](char ch) { return ch >= 'A' && ch <= 'Z' ? static_cast<char>(ch - 'A' + 'a') : ch; });
     return folded;
 }
 
@@ -277,8 +275,7 @@ std::optional<int> iniParseInt(std::string_view text)
     {
         return std::nullopt;
     }
-    const std::uint64_t limit =
-        static_cast<std::uint64_t>(std::numeric_limits<int>::max()) + (negative ? 1 : 0);
+    const std::uint64_t limit = static_cast<std::uint64_t>(std::numeric_limits<int>::max()) + (negative ? 1 : 0);
     if (magnitude > limit)
     {
         return std::nullopt;

@@ -8,10 +8,9 @@ std::string utlFillTemplate(std::string_view text, std::span<const std::string_v
     std::string result;
     while (!text.empty() && result.length() < utlmaxTemplateResult)
     {
-        const std::size_t number =
-            text.length() >= 3 && text[0] == '<' && text[1] >= '1' && text[1] <= '9' && text[2] == '>'
-                ? static_cast<std::size_t>(text[1] - '0')
-                : 0;
+        const std::size_t number = text.length() >= 3 && text[0] == '<' && text[1] >= '1' && text[1] <= '9' && text[2] == '>'
+                                       ? static_cast<std::size_t>(text[1] - '0')
+                                       : 0;
         if (number != 0 && number <= arguments.size())
         {
             result += arguments[number - 1];
@@ -30,8 +29,7 @@ std::string utlFillTemplate(std::string_view text, std::span<const std::string_v
 std::string utlNumberText(int number, int width)
 {
     std::string digits = std::to_string(std::abs(static_cast<long long>(number)));
-    const std::size_t wanted =
-        static_cast<std::size_t>(std::clamp(width, 0, 64)) - (number < 0 && width > 0 ? 1 : 0);
+    const std::size_t wanted = static_cast<std::size_t>(std::clamp(width, 0, 64)) - (number < 0 && width > 0 ? 1 : 0);
     if (digits.length() < wanted)
     {
         digits.insert(0, wanted - digits.length(), '0');

@@ -66,9 +66,8 @@ std::optional<Stamp> StampOf(LPCTSTR path)
 // The file's text; nothing when it cannot be read whole or is too long to be a settings file.
 std::optional<std::string> ReadText(LPCTSTR path)
 {
-    const FileHandle file(CreateFileA(path, GENERIC_READ,
-                                      FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                                      OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
+    const FileHandle file(CreateFileA(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                      nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
     LARGE_INTEGER size = {};
     if (!file || GetFileType(file.Get()) != FILE_TYPE_DISK || !GetFileSizeEx(file.Get(), &size) ||
         size.QuadPart > static_cast<LONGLONG>(inimaxFile))
@@ -120,7 +119,7 @@ private:
 
     std::mutex m_mutex;
     CString m_override;
-    CString m_path;               // of m_file
+    CString m_path; // of m_file
     std::optional<Stamp> m_stamp; // of m_file; none: there was no file
     bool m_bCurrent = false;      // m_file need not be read again as long as the stamp stays
     iniCFile m_file;
@@ -177,8 +176,7 @@ void SettingsStore::Refresh()
 bool ReplaceText(const CString& path, const std::string& text)
 {
     const CString temporary = path + ".tmp";
-    FileHandle file(
-        CreateFileA(temporary, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+    FileHandle file(CreateFileA(temporary, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!file)
     {
         return false;

@@ -12,7 +12,7 @@ CString velWithBackslash(LPCTSTR lpszFolder)
 
 CString velGetTempPath()
 {
-    CString configured = velWithBackslash(velenv("TEMP"));
+    const CString configured = velWithBackslash(velenv("TEMP"));
     if (velFolderExists(configured))
     {
         return configured;
@@ -154,8 +154,7 @@ INT_PTR velFindFiles(LPCTSTR lpszPattern, CStringArray& rNames)
             found.push_back(finder.GetFileName());
         }
     }
-    std::ranges::sort(found,
-                      [](const CString& one, const CString& other) { return one.CompareNoCase(other) < 0; });
+    std::ranges::sort(found, [](const CString& one, const CString& other) { return one.CompareNoCase(other) < 0; });
     for (const CString& name : found)
     {
         rNames.Add(name);

@@ -9,13 +9,13 @@ namespace
 {
 // What the stream says ahead of an object.
 constexpr WORD nullTag = 0;
-constexpr WORD newClassTag = 0xFFFF;  // a class not met before follows
-constexpr WORD classTag = 0x8000;     // with the index of a class met before
-constexpr WORD bigObjectTag = 0x7FFF; // the index follows in 32 bits
+constexpr WORD newClassTag = 0xFFFF;    // a class not met before follows
+constexpr WORD classTag = 0x8000;       // with the index of a class met before
+constexpr WORD bigObjectTag = 0x7FFF;   // the index follows in 32 bits
 constexpr DWORD bigClassTag = 0x80000000;
 
 constexpr std::size_t smallestBuffer = 128;
-constexpr std::size_t textPiece = 65536;
+constexpr std::size_t textPiece = 64 * 1024;
 // Objects inside objects: deeper than any record is, and far from the end of the stack.
 constexpr int deepestObject = 256;
 } // namespace
@@ -119,8 +119,7 @@ UINT CArchive::Read(void* lpBuf, UINT nMax)
                 break;
             }
         }
-        const UINT piece =
-            static_cast<UINT>(std::min<std::size_t>(nMax - count, m_buffer.size() - m_nBufferPos));
+        const UINT piece = static_cast<UINT>(std::min<std::size_t>(nMax - count, m_buffer.size() - m_nBufferPos));
         memcpy(out + count, m_buffer.data() + m_nBufferPos, piece);
         m_nBufferPos += piece;
         count += piece;
@@ -422,8 +421,7 @@ CRuntimeClass* CArchive::ReadClass(const CRuntimeClass* pClass, DWORD wTag, UINT
         {
             AfxThrowArchiveException(CArchiveException::badClass, m_pFile->GetFilePath());
         }
-        if ((found->m_wSchema & ~VERSIONABLE_SCHEMA) != *pSchema &&
-            (found->m_wSchema & VERSIONABLE_SCHEMA) == 0)
+        if ((found->m_wSchema & ~VERSIONABLE_SCHEMA) != *pSchema && (found->m_wSchema & VERSIONABLE_SCHEMA) == 0)
         {
             AfxThrowArchiveException(CArchiveException::badSchema, m_pFile->GetFilePath());
         }

@@ -121,15 +121,13 @@ CString WholeDate(const COleDateTime& date, const DateParts& parts, bool isLong)
 {
     SYSTEMTIME time = {};
     char text[256];
-    if (date.GetAsSystemTime(time) &&
-        GetDateFormatA(LOCALE_USER_DEFAULT, isLong ? DATE_LONGDATE : DATE_SHORTDATE, &time, nullptr, text,
-                       sizeof(text)) > 0)
+    if (date.GetAsSystemTime(time) && GetDateFormatA(LOCALE_USER_DEFAULT, isLong ? DATE_LONGDATE : DATE_SHORTDATE,
+                                                     &time, nullptr, text, sizeof(text)) > 0)
     {
         return text;
     }
     // The system formats no date before 1601.
-    return Number(parts.year, 4, true) + "-" + Number(parts.month, 2, true) + "-" +
-           Number(parts.day, 2, true);
+    return Number(parts.year, 4, true) + "-" + Number(parts.month, 2, true) + "-" + Number(parts.day, 2, true);
 }
 
 CString WholeTime(const DateParts& parts)
@@ -625,12 +623,12 @@ double COleDateTimeSpan::GetTotalDays() const
 
 double COleDateTimeSpan::GetTotalHours() const
 {
-    return std::trunc(GetTotalSeconds() / 3600.0);
+    return static_cast<double>(SpanSeconds(*this) / 3600);
 }
 
 double COleDateTimeSpan::GetTotalMinutes() const
 {
-    return std::trunc(GetTotalSeconds() / 60.0);
+    return static_cast<double>(SpanSeconds(*this) / 60);
 }
 
 double COleDateTimeSpan::GetTotalSeconds() const
@@ -686,8 +684,7 @@ COleDateTimeSpan COleDateTimeSpan::operator-() const
 
 bool COleDateTimeSpan::operator==(const COleDateTimeSpan& dateSpan) const
 {
-    return m_status == dateSpan.m_status &&
-           (m_status == null || (m_status == valid && m_span == dateSpan.m_span));
+    return m_status == dateSpan.m_status && (m_status == null || (m_status == valid && m_span == dateSpan.m_span));
 }
 
 bool COleDateTimeSpan::operator!=(const COleDateTimeSpan& dateSpan) const
@@ -722,8 +719,8 @@ COleDateTimeSpan::operator double() const
 
 void COleDateTimeSpan::SetDateTimeSpan(LONG lDays, int nHours, int nMins, int nSecs)
 {
-    *this =
-        COleDateTimeSpan(lDays + nHours / 24.0 + nMins / 1440.0 + nSecs / static_cast<double>(secondsPerDay));
+    *this = COleDateTimeSpan(lDays + nHours / 24.0 + nMins / 1440.0 +
+                             nSecs / static_cast<double>(secondsPerDay));
 }
 
 CString COleDateTimeSpan::Format(LPCTSTR pFormat) const

@@ -281,8 +281,9 @@ BOOL CFile::GetStatus(CFileStatus& rStatus) const
     {
         return FALSE;
     }
-    const WIN32_FILE_ATTRIBUTE_DATA data = {info.dwFileAttributes, info.ftCreationTime, info.ftLastAccessTime,
-                                            info.ftLastWriteTime,  info.nFileSizeHigh,  info.nFileSizeLow};
+    const WIN32_FILE_ATTRIBUTE_DATA data = {info.dwFileAttributes, info.ftCreationTime,
+                                            info.ftLastAccessTime, info.ftLastWriteTime,
+                                            info.nFileSizeHigh,    info.nFileSizeLow};
     CopyStatus(rStatus, m_strFileName, data);
     return TRUE;
 }

@@ -510,8 +510,9 @@ void CString::FormatMessage(UINT nFormatID, ...)
 void CString::FormatMessageV(LPCSTR lpszFormat, va_list* pArgs)
 {
     LPSTR text = nullptr;
-    const DWORD length = ::FormatMessageA(FORMAT_MESSAGE_FROM_STRING | FORMAT_MESSAGE_ALLOCATE_BUFFER,
-                                          lpszFormat, 0, 0, reinterpret_cast<LPSTR>(&text), 0, pArgs);
+    const DWORD length =
+        ::FormatMessageA(FORMAT_MESSAGE_FROM_STRING | FORMAT_MESSAGE_ALLOCATE_BUFFER, lpszFormat, 0, 0,
+                         reinterpret_cast<LPSTR>(&text), 0, pArgs);
     if (length == 0 && GetLastError() == ERROR_NOT_ENOUGH_MEMORY)
     {
         AfxThrowMemoryException();
@@ -545,8 +546,7 @@ BOOL CString::GetEnvironmentVariable(LPCSTR lpszVar)
     for (;;)
     {
         SetLastError(ERROR_SUCCESS);
-        const DWORD length =
-            ::GetEnvironmentVariableA(lpszVar, value.data(), static_cast<DWORD>(value.size()));
+        const DWORD length = ::GetEnvironmentVariableA(lpszVar, value.data(), static_cast<DWORD>(value.size()));
         if (length < value.size())
         {
             value.resize(length);
