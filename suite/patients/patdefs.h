@@ -5,7 +5,8 @@
 // Text is narrow text in the system code page in every call. The library is used from the thread that
 // opened the database (the user interface thread); none of its classes may be shared between threads.
 
-#include <afxwin.h>
+#include <afx.h>
+#include <afxcoll.h>
 
 #ifdef velpat_EXPORTS
 #define VELPAT_API __declspec(dllexport)
