@@ -11,6 +11,8 @@ public:
 
     const CString& GetInsuranceGUID() const { return m_strGUID; }
     const CString& GetCompanyGUID() const { return m_strCompanyGUID; }
+    /// The company's name when the policy was read.
+    const CString& GetCompanyName() const { return m_strCompanyName; }
     const CString& GetHolder() const { return m_strHolder; }
     const CString& GetNumber() const { return m_strNumber; }
     const CString& GetGroup() const { return m_strGroup; }
@@ -18,13 +20,14 @@ public:
 
     void SetInsuranceGUID(LPCTSTR psz) { m_strGUID = psz; }
     void SetCompanyGUID(LPCTSTR psz) { m_strCompanyGUID = psz; }
+    void SetCompanyName(LPCTSTR psz) { m_strCompanyName = psz; }
     void SetHolder(LPCTSTR psz) { m_strHolder = psz; }
     void SetNumber(LPCTSTR psz) { m_strNumber = psz; }
     void SetGroup(LPCTSTR psz) { m_strGroup = psz; }
     void SetNote(LPCTSTR psz) { m_strNote = psz; }
 
 private:
-    CString m_strGUID, m_strCompanyGUID, m_strHolder, m_strNumber, m_strGroup, m_strNote;
+    CString m_strGUID, m_strCompanyGUID, m_strCompanyName, m_strHolder, m_strNumber, m_strGroup, m_strNote;
 };
 
 using dbCInsurances = dbTList<dbCInsurance>;

@@ -42,8 +42,16 @@ private:
         std::string folded;
     };
 
+    /// What Save will do, in the order in which it was asked for.
+    struct Change
+    {
+        bool bAdded;
+        CString strText;
+        std::string folded;
+    };
+
     int m_nList = -1;
     size_t m_nNext = 0;
     std::vector<Word> m_words;
-    std::vector<CString> m_added, m_removed;
+    std::vector<Change> m_changes;
 };

@@ -3,6 +3,7 @@
 #include "suite/patients/dbdiagnostics.h"
 #include "suite/patients/dbinsurance.h"
 #include "suite/patients/dbreferrals.h"
+#include "suite/patients/dbtreatment.h"
 #include "suite/patients/patpatient.h"
 
 #include <map>
@@ -80,22 +81,25 @@ public:
 
     /// Writes or reads the whole patient. Format 1 is the present one, 2 the earlier one that other programs of
     /// the suite still write. Throws CArchiveException* when what is read is no patient of that format, is cut
-    /// short or exceeds the limits, and leaves the object unchanged. Touches no database when reading; when writing
-    /// reads the names of the linked doctors, office and status, if a database is open.
+    /// short or exceeds the limits, dbCException* (dbErrText) for text that the code page does not have, and leaves
+    /// the object unchanged. Touches no database when reading; writing a stored patient adds its diagnostic records,
+    /// its treatment history and the names of office and status from the open database.
     void Serialize(CArchive& ar, int nFormat = 1);
 
-    /// What Serialize read: diagnostic entries, and the names that office, status and doctors had in the practice
+    /// What Serialize read: diagnostic entries, treatment history, and the names that office, status and doctors had in the practice
     /// the archive comes from.
     dbCDiagnosticInfos& GetArchiveDiagnostics() { return m_archiveDiagnostics; }
     const dbCDiagnosticInfos& GetArchiveDiagnostics() const { return m_archiveDiagnostics; }
+    const dbTList<dbCPatientTreatmentStatusHistoryRow>& GetArchiveTreatments() const { return m_archiveTreatments; }
     const CString& GetArchiveOffice() const { return m_strArchiveOffice; }
     const CString& GetArchiveStatus() const { return m_strArchiveStatus; }
 
     /// Copies the timepoint at a position, with everything recorded about its images. FALSE when there is none.
     BOOL CopyTimepoint(int nIndex, patCTimepoint& timepoint) const;
-    /// Appends a copied timepoint under the number its base file name ends in, with a new GUID when its own is in
-    /// use; an unused treatment link is cut. Returns 0, 1993 when the patient has 100 timepoints, or 1994 when the
-    /// number is taken. Save stores it.
+    static constexpr int PASTE_NUMBER_TAKEN = 1994;   ///< result of PasteTimepoint
+    /// Appends a copied timepoint under the number its base file name ends in (SetBaseFilename), with a new GUID and
+    /// without the treatment link. Returns 0, 1993 when the patient has 100 timepoints, or PASTE_NUMBER_TAKEN. Save
+    /// stores it.
     int PasteTimepoint(const patCTimepoint& timepoint);
 
     /// FALSE while the patient's balance is not zero.
@@ -124,6 +128,7 @@ private:
     dbCInsurances m_insurances;
     dbCPatientReferralsContainer m_referrals;
     dbCDiagnosticInfos m_archiveDiagnostics;
+    dbTList<dbCPatientTreatmentStatusHistoryRow> m_archiveTreatments;
     CString m_strArchiveOffice, m_strArchiveStatus;
     CString m_strLoadedID;          ///< the ID in the database, empty for a new patient
     BOOL m_bRenameFiles = TRUE;

@@ -87,7 +87,7 @@ public:
     BOOL FindID(LPCTSTR pszID, CString& strGUID);
     BOOL FindVeltrixID(LPCTSTR pszVeltrixID, CString& strGUID);
 
-    /// Appends up to `nMax` rows in the order of family name, given name and ID (of the ID for dbSearchID) that
+    /// Appends up to `nMax` rows in the order of family name, given name and birth date (of the ID for dbSearchID) that
     /// begin with `pszSearch` (any letter case) and stand behind `pAfter`, if given. Returns how many.
     int GetPage(dbPatientSearch nBy, LPCTSTR pszSearch, const dbSPatientListRow* pAfter, int nMax, dbTList<dbSPatientListRow>& rows);
     int GetCount(dbPatientSearch nBy = dbSearchName, LPCTSTR pszSearch = "");
@@ -102,6 +102,6 @@ public:
 
     /// Removes a patient with everything stored about it and its files in the working folder. The removal is lasting
     /// once the record is marked; files that cannot be removed then are removed when the database is next opened.
-    /// Throws with code dbErrInUse inside a dbCTransaction, dbErrNotFound when there is no such patient.
+    /// Throws with code dbErrNotFound when there is no such patient. Within a dbCTransaction it is part of it.
     void DeletePatient(LPCTSTR pszIDOrGUID);
 };
