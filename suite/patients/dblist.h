@@ -1,5 +1,7 @@
 #pragma once
 
+#include "suite/patients/patdefs.h"
+
 #include <vector>
 
 /// A growing list of values, with the framework's names. Indices run from 0; an index must be valid.

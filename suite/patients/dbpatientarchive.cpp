@@ -4,6 +4,7 @@
 #include "suite/patients/dbpatients.h"
 #include "suite/patients/dbpatientstore.h"
 
+#include <limits>
 #include <set>
 #include <type_traits>
 

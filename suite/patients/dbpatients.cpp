@@ -134,11 +134,11 @@ __int64 dbCPatients::GetChangeCounter()
 
 BOOL dbCPatients::IsGUID(LPCTSTR psz)
 {
-    static constexpr char PATTERN[] = "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}";
-    if (!psz || strlen(psz) != sizeof(PATTERN) - 1)
+    static constexpr char FORM[] = "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}";
+    if (!psz || strlen(psz) != sizeof(FORM) - 1)
         return FALSE;
-    for (size_t i = 0; i < sizeof(PATTERN) - 1; ++i)
-        if (PATTERN[i] == 'X' ? !isxdigit(static_cast<unsigned char>(psz[i])) : psz[i] != PATTERN[i])
+    for (size_t i = 0; i < sizeof(FORM) - 1; ++i)
+        if (FORM[i] == 'X' ? !isxdigit(static_cast<unsigned char>(psz[i])) : psz[i] != FORM[i])
             return FALSE;
     return TRUE;
 }
