@@ -1,5 +1,6 @@
 #include "patient/chartsheet.h"
 
+#include "app/modalrun.h"
 #include "app/velapp.h"
 #include "patient/patientres.h"
 #include "suite/patients/dbpatients.h"
@@ -125,23 +126,19 @@ void patCChartSheet::ShowPage(int nPage)
     m_bShowingPage = false;
 }
 
+// Whatever goes wrong is told, and the sheet stays open with what the user entered.
 void patCChartSheet::OnOK()
 {
     if (m_nLoaded == LOADED::Failed)
         return;
-    try
-    {
-        if (!TransferPages() || !RunSteps() || !SavePatient())
-            return;
-    }
-    catch (dbCException* e) // a check could not ask the database; what SavePatient meets it reports itself
-    {
-        ReportSaveFailure(*e);
-        e->Delete();
-        return;
-    }
-    *m_pResultID = m_pageChart.GetID();
-    EndDialog(IDOK);
+    velGuard(0, IDS_PATIENT_SAVE_FAILED, [&]() -> INT_PTR {
+        if (TransferPages() && RunSteps() && SavePatient())
+        {
+            *m_pResultID = m_pageChart.GetID();
+            EndDialog(IDOK);
+        }
+        return 0;
+    });
 }
 
 bool patCChartSheet::TransferPages()
@@ -222,10 +219,10 @@ bool patCChartSheet::ConfirmBillingParty()
 
 bool patCChartSheet::SavePatient()
 {
-    const CWaitCursor wait;
     const dbCPatient before(*m_pPatient);
     try
     {
+        const CWaitCursor wait;
         dbCTransaction transaction;
         CopyPages();
         m_pPatient->Save();
@@ -235,8 +232,10 @@ bool patCChartSheet::SavePatient()
     catch (dbCException* e)
     {
         *m_pPatient = before;
-        ReportSaveFailure(*e);
-        e->Delete();
+        if (e->GetError() != dbErrDuplicateID)
+            throw;
+        e->Delete(); // another process took the ID after it was checked
+        m_pageChart.ReportTakenID();
         return false;
     }
     catch (...)
@@ -253,19 +252,4 @@ void patCChartSheet::CopyPages()
         if (m_bPageInitialised[nPage])
             GetPage(nPage).CopyTo(*m_pPatient);
     }
-}
-
-// Another process can take the ID between its check and the write.
-void patCChartSheet::ReportSaveFailure(const dbCException& e)
-{
-    if (e.GetError() == dbErrDuplicateID)
-    {
-        m_pageChart.ReportTakenID();
-        return;
-    }
-    char szError[512];
-    e.GetErrorMessage(szError, sizeof szError);
-    CString strMessage;
-    strMessage.Format(IDS_PATIENT_SAVE_FAILED, szError);
-    AfxMessageBox(strMessage, MB_OK | MB_ICONSTOP);
 }

@@ -102,7 +102,6 @@ private:
     bool ConfirmBillingParty();
     bool SavePatient();
     void CopyPages();
-    void ReportSaveFailure(const dbCException& e);
 
     patCDlgChart m_pageChart;
     patCDlgDtail m_pageDetail;

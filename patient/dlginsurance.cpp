@@ -1,5 +1,6 @@
 #include "patient/dlginsurance.h"
 
+#include "app/modalrun.h"
 #include "patient/chartsheet.h"
 #include "patient/patientres.h"
 #include "patient/textrules.h"
@@ -71,7 +72,7 @@ BOOL patCDlgInsurance::OnInitDialog()
     AddColumn(m_listInsurances, IDS_INSURE_COLUMN_NUMBER, nWidth * 2);
     AddColumn(m_listInsurances, IDS_INSURE_COLUMN_GROUP, nWidth * 2);
 
-    FillCompanies();
+    velGuard(0, IDS_PATIENT_LIST_FAILED, [&]() -> INT_PTR { return FillCompanies(), 0; });
     if (m_sheet.IsNewPatient() || m_sheet.LoadExistingPatient())
         LoadInsurances(m_sheet.GetPatient().GetInsurances());
     ShowEntry({});
@@ -244,19 +245,23 @@ void patCDlgInsurance::CopyTo(dbCPatient& patient)
 {
     if (m_insurances == m_loaded)
         return;
-    dbCInsurances before = patient.GetInsurances();
+    const dbCInsurances before = patient.GetInsurances();
     for (const dbCInsurance& insurance : before)
         patient.RemoveInsurance(insurance.GetInsuranceGUID());
     CString strPrimary;
     for (const patInsurance& shown : m_insurances)
     {
-        dbCInsurance insurance; // what this page does not show stays with its policy
-        for (const dbCInsurance& candidate : before)
-        {
-            if (candidate.GetInsuranceGUID() == shown.strPolicyID.c_str())
-                insurance = candidate;
-        }
-        insurance.SetCompanyGUID(FindOrAddCompany(shown.strCompany));
+        dbCInsurance insurance; // a policy that was there keeps what this page does not show
+        const auto wasThere = std::find_if(before.begin(), before.end(), [&](const dbCInsurance& candidate) {
+            return candidate.GetInsuranceGUID() == shown.strPolicyID.c_str();
+        });
+        if (wasThere != before.end())
+            insurance = *wasThere;
+        const auto wasShown = std::find_if(m_loaded.begin(), m_loaded.end(), [&](const patInsurance& loaded) {
+            return !shown.strPolicyID.empty() && loaded.strPolicyID == shown.strPolicyID;
+        });
+        if (wasShown == m_loaded.end() || wasShown->strCompany != shown.strCompany)
+            insurance.SetCompanyGUID(FindOrAddCompany(shown.strCompany));
         insurance.SetHolder(shown.strHolder.c_str());
         insurance.SetNumber(shown.strNumber.c_str());
         insurance.SetGroup(shown.strGroup.c_str());

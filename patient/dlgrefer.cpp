@@ -1,7 +1,9 @@
 #include "patient/dlgrefer.h"
 
+#include "app/modalrun.h"
 #include "patient/chartsheet.h"
 #include "patient/daynumber.h"
+#include "patient/detailrules.h"
 #include "patient/patientres.h"
 #include "suite/patients/dbdoctors.h"
 #include "suite/patients/dbpatients.h"
@@ -50,49 +52,45 @@ BOOL patCDlgRefer::OnInitDialog()
 
     if (m_sheet.IsNewPatient() || m_sheet.LoadExistingPatient())
         LoadReferrals(m_sheet.GetPatient().GetReferrals());
-    FillDoctors();
     ShowEmptyEntry();
     return TRUE;
 }
 
-// The doctor editor of the details page can have added doctors since the list was filled.
+// The doctors are read when the page is first shown, and again when the doctor editor of the details page, or
+// another user, may have changed them.
 BOOL patCDlgRefer::OnSetActive()
 {
     const BOOL bActive = patCSheetPage::OnSetActive();
-    if (dbCPatients::GetChangeCounter() != m_nDoctorsRead)
-    {
-        const std::string strDoctorID = GetEntry().strDoctorID;
-        FillDoctors();
-        SelectDoctor(strDoctorID);
-    }
+    velGuard(0, IDS_PATIENT_LIST_FAILED, [&]() -> INT_PTR {
+        if (dbCPatients::GetChangeCounter() != m_nDoctorsRead)
+            FillDoctors();
+        return 0;
+    });
     return bActive;
 }
 
 BOOL patCDlgRefer::AppendDoctor(const dbSDoctorRow& row, LPVOID pPage)
 {
-    std::string strName = row.last;
-    if (!row.first.empty())
-        strName += ", " + row.first;
-    static_cast<patCDlgRefer*>(pPage)->m_doctors.push_back({row.guid, std::move(strName)});
+    static_cast<patCDlgRefer*>(pPage)->m_doctors.push_back({row.guid, patDoctorName(row.last, row.first)});
     return TRUE;
 }
 
 void patCDlgRefer::FillDoctors()
 {
+    const std::string strSelectedID = GetEntry().strDoctorID;
     m_nDoctorsRead = dbCPatients::GetChangeCounter();
     m_doctors.clear();
+    m_listDoctor.SetRedraw(FALSE);
+    m_listDoctor.ResetContent();
+    CString strPlaceholder;
+    strPlaceholder.LoadString(IDS_REFER_SELECT_DOCTOR);
+    m_listDoctor.AddString(strPlaceholder);
     dbCDoctors doctors;
     doctors.RegisterEnumCallback(&patCDlgRefer::AppendDoctor, this);
     doctors.Enum(dbDoctorsByName);
-
-    CString strPlaceholder;
-    strPlaceholder.LoadString(IDS_REFER_SELECT_DOCTOR);
-    m_listDoctor.SetRedraw(FALSE);
-    m_listDoctor.ResetContent();
-    m_listDoctor.AddString(strPlaceholder);
     for (const DOCTOR& doctor : m_doctors)
         m_listDoctor.AddString(doctor.strName.c_str());
-    m_listDoctor.SetCurSel(0);
+    SelectDoctor(strSelectedID);
     m_listDoctor.SetRedraw(TRUE);
     m_listDoctor.Invalidate();
 }
@@ -111,11 +109,10 @@ void patCDlgRefer::LoadReferrals(dbCPatientReferralsContainer& referrals)
     {
         if (row.Get_refID().IsEmpty())
             row.Set_refID(dbNewGUID());
-        std::string strDoctor = row.Get_docLastname().GetString();
-        if (!row.Get_docFirstname().IsEmpty())
-            strDoctor += std::string(", ") + row.Get_docFirstname().GetString();
-        m_referrals.push_back({row.Get_refID().GetString(), row.Get_docID().GetString(), std::move(strDoctor),
-                               patDayNumber(row.Get_date()), row.Get_note().GetString()});
+        m_referrals.push_back(
+            {row.Get_refID().GetString(), row.Get_docID().GetString(),
+             patDoctorName(row.Get_docLastname().GetString(), row.Get_docFirstname().GetString()),
+             patDayNumber(row.Get_date()), row.Get_note().GetString()});
     }
     m_loaded = m_referrals;
     for (int nRow = 0; nRow < static_cast<int>(m_referrals.size()); ++nRow)
