@@ -69,25 +69,28 @@ BOOL patCDlgRefer::OnSetActive()
     return bActive;
 }
 
-BOOL patCDlgRefer::AppendDoctor(const dbSDoctorRow& row, LPVOID pPage)
+BOOL patCDlgRefer::AppendDoctor(const dbSDoctorRow& row, LPVOID pDoctors)
 {
-    static_cast<patCDlgRefer*>(pPage)->m_doctors.push_back({row.guid, patDoctorName(row.last, row.first)});
+    static_cast<std::vector<DOCTOR>*>(pDoctors)->push_back({row.guid, patDoctorName(row.last, row.first)});
     return TRUE;
 }
 
 void patCDlgRefer::FillDoctors()
 {
+    const __int64 nState = dbCPatients::GetChangeCounter();
+    std::vector<DOCTOR> rows;
+    dbCDoctors doctors;
+    doctors.RegisterEnumCallback(&patCDlgRefer::AppendDoctor, &rows);
+    doctors.Enum(dbDoctorsByName);
+
     const std::string strSelectedID = GetEntry().strDoctorID;
-    m_nDoctorsRead = dbCPatients::GetChangeCounter();
-    m_doctors.clear();
-    m_listDoctor.SetRedraw(FALSE);
-    m_listDoctor.ResetContent();
+    m_doctors = std::move(rows);
+    m_nDoctorsRead = nState;
     CString strPlaceholder;
     strPlaceholder.LoadString(IDS_REFER_SELECT_DOCTOR);
+    m_listDoctor.SetRedraw(FALSE);
+    m_listDoctor.ResetContent();
     m_listDoctor.AddString(strPlaceholder);
-    dbCDoctors doctors;
-    doctors.RegisterEnumCallback(&patCDlgRefer::AppendDoctor, this);
-    doctors.Enum(dbDoctorsByName);
     for (const DOCTOR& doctor : m_doctors)
         m_listDoctor.AddString(doctor.strName.c_str());
     SelectDoctor(strSelectedID);

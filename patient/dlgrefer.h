@@ -42,7 +42,13 @@ protected:
     DECLARE_MESSAGE_MAP()
 
 private:
-    static BOOL AppendDoctor(const dbSDoctorRow& row, LPVOID pPage);
+    struct DOCTOR
+    {
+        std::string strID;
+        std::string strName;
+    };
+
+    static BOOL AppendDoctor(const dbSDoctorRow& row, LPVOID pDoctors);
 
     void FillDoctors();
     void SelectDoctor(const std::string& strDoctorID);
@@ -56,12 +62,6 @@ private:
     /// Checks the fields and makes them row nRow, behind the last row a new one.
     void TakeEntry(int nRow);
     void ShowRow(int nRow);
-
-    struct DOCTOR
-    {
-        std::string strID;
-        std::string strName;
-    };
 
     std::vector<DOCTOR> m_doctors; ///< behind the entries of the drop-down list, without its first
     __int64 m_nDoctorsRead = -1;   ///< state of the database when they were read
