@@ -3,6 +3,7 @@
 #include "app/modalrun.h"
 #include "app/velapp.h"
 #include "patient/patientres.h"
+#include "suite/patients/dbexception.h"
 #include "suite/patients/dbpatients.h"
 #include "suite/patients/dbtransaction.h"
 #include "suite/util/velini.h"

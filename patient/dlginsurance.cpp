@@ -8,14 +8,16 @@
 #include <algorithm>
 
 BEGIN_MESSAGE_MAP(patCDlgInsurance, patCSheetPage)
-ON_CBN_EDITCHANGE(IDC_INSURE_COMPANY, &patCDlgInsurance::OnEntryChanged)
-ON_CBN_SELCHANGE(IDC_INSURE_COMPANY, &patCDlgInsurance::OnCompanySelected)
 ON_NOTIFY(LVN_ITEMCHANGED, IDC_INSURE_LIST, &patCDlgInsurance::OnRowChanged)
 ON_BN_CLICKED(IDC_INSURE_ADD, &patCDlgInsurance::OnAdd)
 ON_BN_CLICKED(IDC_INSURE_CHANGE, &patCDlgInsurance::OnChange)
 ON_BN_CLICKED(IDC_INSURE_REMOVE, &patCDlgInsurance::OnRemove)
 ON_BN_CLICKED(IDC_INSURE_CLEAR, &patCDlgInsurance::OnClear)
 ON_BN_CLICKED(IDC_INSURE_PRIMARY, &patCDlgInsurance::OnMakePrimary)
+ON_UPDATE_COMMAND_UI(IDC_INSURE_ADD, &patCDlgInsurance::OnUpdateAdd)
+ON_UPDATE_COMMAND_UI(IDC_INSURE_CHANGE, &patCDlgInsurance::OnUpdateChange)
+ON_UPDATE_COMMAND_UI(IDC_INSURE_REMOVE, &patCDlgInsurance::OnUpdateRemove)
+ON_UPDATE_COMMAND_UI(IDC_INSURE_PRIMARY, &patCDlgInsurance::OnUpdatePrimary)
 END_MESSAGE_MAP()
 
 namespace

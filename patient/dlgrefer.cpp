@@ -12,14 +12,14 @@
 #include <algorithm>
 
 BEGIN_MESSAGE_MAP(patCDlgRefer, patCSheetPage)
-ON_CBN_SELCHANGE(IDC_REFER_DOCTOR, &patCDlgRefer::OnEntryChanged)
-ON_EN_CHANGE(IDC_REFER_NOTE, &patCDlgRefer::OnEntryChanged)
-ON_NOTIFY(DTN_DATETIMECHANGE, IDC_REFER_DATE, &patCDlgRefer::OnEntryDateChanged)
 ON_NOTIFY(LVN_ITEMCHANGED, IDC_REFER_LIST, &patCDlgRefer::OnRowChanged)
 ON_BN_CLICKED(IDC_REFER_ADD, &patCDlgRefer::OnAdd)
 ON_BN_CLICKED(IDC_REFER_CHANGE, &patCDlgRefer::OnChange)
 ON_BN_CLICKED(IDC_REFER_REMOVE, &patCDlgRefer::OnRemove)
 ON_BN_CLICKED(IDC_REFER_CLEAR, &patCDlgRefer::OnClear)
+ON_UPDATE_COMMAND_UI(IDC_REFER_ADD, &patCDlgRefer::OnUpdateAdd)
+ON_UPDATE_COMMAND_UI(IDC_REFER_CHANGE, &patCDlgRefer::OnUpdateChange)
+ON_UPDATE_COMMAND_UI(IDC_REFER_REMOVE, &patCDlgRefer::OnUpdateRemove)
 END_MESSAGE_MAP()
 
 patCDlgRefer::patCDlgRefer(patCChartSheet& sheet)

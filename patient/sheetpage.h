@@ -27,6 +27,10 @@ public:
     virtual void CopyTo(dbCPatient& patient) = 0;
 
 protected:
+    /// Tells the user what a check found: this page to the front, the message, the focus to the control at
+    /// fault. Returns whether it passed.
+    bool Report(const patFinding& finding);
+
     /// Raises the page's flag in the sheet.
     BOOL OnSetActive() override;
     /// Transfers the controls into the members and runs Check(). The user stays on the page when either
