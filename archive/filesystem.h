@@ -97,6 +97,9 @@ public:
     virtual std::optional<std::uint64_t> Size() = 0;
     // Everything written so far is on the medium when this answers true.
     virtual bool FlushToDisk() = 0;
+    virtual std::optional<FileIdentity> Identity() = 0;
+    // Gives the file this time of last writing; to be called behind the last write.
+    virtual bool SetWritten(const LocalTime& time) = 0;
     // False when anything written was lost. Later calls answer true and do nothing.
     virtual bool Close() = 0;
 };
@@ -105,6 +108,7 @@ enum class Access
 {
     ReadAlone,  // existing file; nobody else may open it meanwhile
     ReadShared, // existing file; others may read it
+    CreateNew,  // written from empty; fails when there is anything of the name; normal attributes
     Replace,    // written from empty, an existing file of the name is replaced; normal attributes
     Update      // existing file, read and written
 };
@@ -119,7 +123,6 @@ public:
     virtual std::unique_ptr<File> Open(const std::string& path, Access access) = 0;
     // Nothing when there is no such file or folder, or it cannot be asked.
     virtual std::optional<FileInfo> Query(const std::string& path) = 0;
-    virtual std::optional<FileIdentity> Identity(const std::string& path) = 0;
     // Appends what the folder holds and the wildcard matches, in the order of the platform, without "." and
     // "..". False when the folder cannot be read; no match is no error. A match may be looser than
     // MatchesWildcard.
@@ -131,7 +134,6 @@ public:
     virtual bool RemoveFile(const std::string& path) = 0;
     virtual bool Move(const std::string& from, const std::string& to) = 0; // never onto an existing file
     virtual bool SetAttributes(const std::string& path, std::uint32_t attributes) = 0;
-    virtual bool SetWritten(const std::string& path, const LocalTime& time) = 0;
 
     // The full path with drive letter, dots resolved; empty when that fails or exceeds 260 characters.
     virtual std::string Absolute(const std::string& path) = 0;

@@ -34,38 +34,43 @@ OutputFile::~OutputFile()
 
 bool OutputFile::Create(const std::string& path, MadeFiles* made)
 {
-    if (const auto existing = m_files.Query(path))
+    // Mostly there is nothing of the name, and making the file is all it takes.
+    m_file = m_files.Open(path, Access::CreateNew);
+    if (!m_file && MayReplace(path, made))
     {
-        if (existing->IsFolder() || existing->IsReparsePoint())
-        {
-            return false;
-        }
-        const auto identity = made ? m_files.Identity(path) : std::nullopt;
-        if (identity && made->Contains(*identity))
-        {
-            return false;
-        }
-        // A hidden, system or read-only file cannot be replaced as it is.
-        if ((existing->attributes & ~(attribute::Normal | attribute::Archive)) != 0 &&
-            !m_files.SetAttributes(path, attribute::Normal))
-        {
-            return false;
-        }
+        m_file = m_files.Open(path, Access::Replace);
     }
-    m_file = m_files.Open(path, Access::Replace);
     if (!m_file)
     {
         return false;
     }
     m_path = path;
-    if (made)
+    if (const auto identity = made ? m_file->Identity() : std::nullopt)
     {
-        if (const auto identity = m_files.Identity(path))
-        {
-            made->Add(*identity);
-        }
+        made->Add(*identity);
     }
     return true;
+}
+
+bool OutputFile::MayReplace(const std::string& path, const MadeFiles* made)
+{
+    const auto existing = m_files.Query(path);
+    if (!existing || existing->IsFolder() || existing->IsReparsePoint())
+    {
+        return false;
+    }
+    if (made)
+    {
+        const auto file = m_files.Open(path, Access::ReadShared);
+        const auto identity = file ? file->Identity() : std::nullopt;
+        if (!identity || made->Contains(*identity))
+        {
+            return false;
+        }
+    }
+    // A hidden, system or read-only file cannot be replaced as it is.
+    return (existing->attributes & ~(attribute::Normal | attribute::Archive)) == 0 ||
+           m_files.SetAttributes(path, attribute::Normal);
 }
 
 bool OutputFile::Write(const void* data, std::size_t bytes)
@@ -73,8 +78,12 @@ bool OutputFile::Write(const void* data, std::size_t bytes)
     return m_file->Write(data, bytes);
 }
 
-bool OutputFile::Keep()
+bool OutputFile::Keep(const LocalTime* written)
 {
+    if (written)
+    {
+        m_file->SetWritten(*written);
+    }
     if (!m_file->Close())
     {
         return false;

@@ -39,10 +39,13 @@ public:
     // may be null).
     bool Create(const std::string& path, MadeFiles* made);
     bool Write(const void* data, std::size_t bytes);
-    // Closes the file and leaves it there; false when anything written was lost.
-    bool Keep();
+    // Closes the file and leaves it there, with this time of last writing if one is given; false when
+    // anything written was lost.
+    bool Keep(const LocalTime* written = nullptr);
 
 private:
+    bool MayReplace(const std::string& path, const MadeFiles* made);
+
     FileSystem& m_files;
     std::unique_ptr<File> m_file;
     std::string m_path;

@@ -281,11 +281,10 @@ bool CUnzipper::Extract(const std::string& folder, bool ignorePath, arc::MadeFil
     if (!output.Create(path, made) ||
         !ReadCurrentEntry([&](const void* data, std::size_t bytes) { return output.Write(data, bytes); },
                           arc::ZipChunk) ||
-        !output.Keep())
+        !output.Keep(&entry.time))
     {
         return false;
     }
-    m_files.SetWritten(path, entry.time);
     return true;
 }
 

@@ -64,6 +64,36 @@ private:
     HANDLE m_handle;
 };
 
+LocalTime FromFileTime(const FILETIME& time)
+{
+    SYSTEMTIME utc{};
+    SYSTEMTIME local{};
+    LocalTime result;
+    if (FileTimeToSystemTime(&time, &utc) && SystemTimeToTzSpecificLocalTime(nullptr, &utc, &local))
+    {
+        result = {local.wYear, local.wMonth - 1, local.wDay, local.wHour, local.wMinute, local.wSecond};
+    }
+    return result;
+}
+
+bool ToFileTime(const LocalTime& time, FILETIME& result)
+{
+    SYSTEMTIME local{};
+    local.wYear = static_cast<WORD>(time.year);
+    local.wMonth = static_cast<WORD>(time.month + 1);
+    local.wDay = static_cast<WORD>(time.day);
+    local.wHour = static_cast<WORD>(time.hour);
+    local.wMinute = static_cast<WORD>(time.minute);
+    local.wSecond = static_cast<WORD>(time.second);
+    SYSTEMTIME utc{};
+    return TzSpecificLocalTimeToSystemTime(nullptr, &local, &utc) && SystemTimeToFileTime(&utc, &result);
+}
+
+std::uint64_t Joined(DWORD high, DWORD low)
+{
+    return static_cast<std::uint64_t>(high) << 32 | low;
+}
+
 class WindowsFile : public RawFile
 {
 public:
@@ -106,6 +136,23 @@ public:
         return FlushFileBuffers(m_handle.Get());
     }
 
+    std::optional<FileIdentity> Identity() override
+    {
+        BY_HANDLE_FILE_INFORMATION information{};
+        if (!GetFileInformationByHandle(m_handle.Get(), &information))
+        {
+            return std::nullopt;
+        }
+        return FileIdentity{information.dwVolumeSerialNumber,
+                            Joined(information.nFileIndexHigh, information.nFileIndexLow)};
+    }
+
+    bool SetWritten(const LocalTime& time) override
+    {
+        FILETIME written{};
+        return ToFileTime(time, written) && SetFileTime(m_handle.Get(), nullptr, nullptr, &written);
+    }
+
     bool Close() override
     {
         return m_handle.Close();
@@ -122,36 +169,6 @@ private:
 
     Handle m_handle;
 };
-
-LocalTime FromFileTime(const FILETIME& time)
-{
-    SYSTEMTIME utc{};
-    SYSTEMTIME local{};
-    LocalTime result;
-    if (FileTimeToSystemTime(&time, &utc) && SystemTimeToTzSpecificLocalTime(nullptr, &utc, &local))
-    {
-        result = {local.wYear, local.wMonth - 1, local.wDay, local.wHour, local.wMinute, local.wSecond};
-    }
-    return result;
-}
-
-bool ToFileTime(const LocalTime& time, FILETIME& result)
-{
-    SYSTEMTIME local{};
-    local.wYear = static_cast<WORD>(time.year);
-    local.wMonth = static_cast<WORD>(time.month + 1);
-    local.wDay = static_cast<WORD>(time.day);
-    local.wHour = static_cast<WORD>(time.hour);
-    local.wMinute = static_cast<WORD>(time.minute);
-    local.wSecond = static_cast<WORD>(time.second);
-    SYSTEMTIME utc{};
-    return TzSpecificLocalTimeToSystemTime(nullptr, &local, &utc) && SystemTimeToFileTime(&utc, &result);
-}
-
-std::uint64_t Joined(DWORD high, DWORD low)
-{
-    return static_cast<std::uint64_t>(high) << 32 | low;
-}
 
 // Both WIN32_FIND_DATA and WIN32_FILE_ATTRIBUTE_DATA name these fields alike.
 template <class FindData> FileInfo Info(const FindData& data)
@@ -193,11 +210,13 @@ public:
     std::unique_ptr<File> Open(const std::string& path, Access access) override
     {
         const QuietErrors quiet;
-        const bool writes = access == Access::Replace || access == Access::Update;
+        const bool writes = access != Access::ReadAlone && access != Access::ReadShared;
+        const DWORD disposition = access == Access::CreateNew ? CREATE_NEW
+                                  : access == Access::Replace ? CREATE_ALWAYS
+                                                              : OPEN_EXISTING;
         const HANDLE handle = CreateFileA(path.c_str(), GENERIC_READ | (writes ? GENERIC_WRITE : 0),
                                           access == Access::ReadShared ? FILE_SHARE_READ : 0, nullptr,
-                                          access == Access::Replace ? CREATE_ALWAYS : OPEN_EXISTING,
-                                          FILE_ATTRIBUTE_NORMAL, nullptr);
+                                          disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
         if (handle == INVALID_HANDLE_VALUE)
         {
             return nullptr;
@@ -220,21 +239,6 @@ public:
             return std::nullopt;
         }
         return Info(data);
-    }
-
-    std::optional<FileIdentity> Identity(const std::string& path) override
-    {
-        const QuietErrors quiet;
-        const Handle file(CreateFileA(path.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                                      nullptr, OPEN_EXISTING,
-                                      FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
-        BY_HANDLE_FILE_INFORMATION information{};
-        if (!file.IsValid() || !GetFileInformationByHandle(file.Get(), &information))
-        {
-            return std::nullopt;
-        }
-        return FileIdentity{information.dwVolumeSerialNumber,
-                            Joined(information.nFileIndexHigh, information.nFileIndexLow)};
     }
 
     bool List(const std::string& folder, const std::string& wildcard,
@@ -288,16 +292,6 @@ public:
     {
         const QuietErrors quiet;
         return SetFileAttributesA(path.c_str(), attributes == 0 ? attribute::Normal : attributes);
-    }
-
-    bool SetWritten(const std::string& path, const LocalTime& time) override
-    {
-        const QuietErrors quiet;
-        FILETIME written{};
-        const Handle file(CreateFileA(path.c_str(), FILE_WRITE_ATTRIBUTES, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                      nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-        return file.IsValid() && ToFileTime(time, written) &&
-               SetFileTime(file.Get(), nullptr, nullptr, &written);
     }
 
     std::string Absolute(const std::string& path) override

@@ -59,6 +59,17 @@ public:
         return !m_files.Fails();
     }
 
+    std::optional<arc::FileIdentity> Identity() override
+    {
+        return arc::FileIdentity{1, m_node->id};
+    }
+
+    bool SetWritten(const arc::LocalTime& time) override
+    {
+        m_node->written = time;
+        return !m_files.Fails();
+    }
+
     bool Close() override
     {
         Release();
@@ -205,20 +216,20 @@ std::unique_ptr<arc::File> MemoryFileSystem::Open(const std::string& path, arc::
         return nullptr;
     }
     auto found = m_nodes.find(key);
-    const bool writes = access == arc::Access::Replace || access == arc::Access::Update;
+    const bool writes = access != arc::Access::ReadAlone && access != arc::Access::ReadShared;
     const bool alone = access != arc::Access::ReadShared;
     if (found != m_nodes.end())
     {
         Node& node = *found->second;
         const bool protectedFile = (node.attributes & arc::attribute::ReadOnly) != 0;
         const bool hidden = (node.attributes & (arc::attribute::Hidden | arc::attribute::System)) != 0;
-        if (node.folder || node.alone || (alone && node.readers > 0) || (writes && protectedFile) ||
-            (access == arc::Access::Replace && hidden))
+        if (access == arc::Access::CreateNew || node.folder || node.alone || (alone && node.readers > 0) ||
+            (writes && protectedFile) || (access == arc::Access::Replace && hidden))
         {
             return nullptr;
         }
     }
-    if (access == arc::Access::Replace)
+    if (access == arc::Access::Replace || access == arc::Access::CreateNew)
     {
         const auto parent = m_nodes.find(Key(std::string(arc::FolderOf(Absolute(path)))));
         if (parent == m_nodes.end() || !parent->second->folder)
@@ -248,12 +259,6 @@ std::optional<arc::FileInfo> MemoryFileSystem::Query(const std::string& path)
         return std::nullopt;
     }
     return arc::FileInfo{node->bytes.size(), node->attributes, node->written};
-}
-
-std::optional<arc::FileIdentity> MemoryFileSystem::Identity(const std::string& path)
-{
-    const Node* node = Find(path);
-    return node ? std::optional(arc::FileIdentity{1, node->id}) : std::nullopt;
 }
 
 bool MemoryFileSystem::List(const std::string& folder, const std::string& wildcard,
@@ -329,17 +334,6 @@ bool MemoryFileSystem::SetAttributes(const std::string& path, std::uint32_t attr
         return false;
     }
     node->attributes = attributes;
-    return true;
-}
-
-bool MemoryFileSystem::SetWritten(const std::string& path, const arc::LocalTime& time)
-{
-    Node* node = Find(path);
-    if (Fails() || !node)
-    {
-        return false;
-    }
-    node->written = time;
     return true;
 }
 

@@ -46,7 +46,6 @@ public:
     // --- arc::FileSystem ---
     std::unique_ptr<arc::File> Open(const std::string& path, arc::Access access) override;
     std::optional<arc::FileInfo> Query(const std::string& path) override;
-    std::optional<arc::FileIdentity> Identity(const std::string& path) override;
     bool List(const std::string& folder, const std::string& wildcard,
               std::vector<arc::FolderEntry>& entries) override;
     bool CreateFolder(const std::string& path) override;
@@ -54,7 +53,6 @@ public:
     bool RemoveFile(const std::string& path) override;
     bool Move(const std::string& from, const std::string& to) override;
     bool SetAttributes(const std::string& path, std::uint32_t attributes) override;
-    bool SetWritten(const std::string& path, const arc::LocalTime& time) override;
     std::string Absolute(const std::string& path) override;
     std::optional<arc::DiskSpace> Space(const std::string& folder) override;
 

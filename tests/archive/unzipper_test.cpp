@@ -316,10 +316,6 @@ TEST_F(ArchiveUnzipper, TheShortFormOfALongNameIsNoticed)
         {
             return MemoryFileSystem::Query(Long(path));
         }
-        std::optional<arc::FileIdentity> Identity(const std::string& path) override
-        {
-            return MemoryFileSystem::Identity(Long(path));
-        }
         std::unique_ptr<arc::File> Open(const std::string& path, arc::Access access) override
         {
             return MemoryFileSystem::Open(Long(path), access);

@@ -115,7 +115,7 @@ TEST_F(ArchiveWindowsFiles, KeepsAttributesAndTimes)
     const arc::LocalTime winter{2024, 0, 15, 12, 30, 44};
     for (const arc::LocalTime& time : {summer, winter})
     {
-        ASSERT_TRUE(files.SetWritten(Path("a.bin"), time));
+        ASSERT_TRUE(files.Open(Path("a.bin"), arc::Access::Update)->SetWritten(time));
         EXPECT_EQ(files.Query(Path("a.bin"))->written, time);
     }
     ASSERT_TRUE(files.SetAttributes(Path("a.bin"), attribute::ReadOnly | attribute::Hidden));
@@ -149,8 +149,15 @@ TEST_F(ArchiveWindowsFiles, ListsMovesAndTells)
     EXPECT_FALSE(files.Move(Path("A100.I40"), Path("A100.V40")));
     EXPECT_TRUE(files.Move(Path("A100.I40"), Path("sub\\b")));
     EXPECT_FALSE(files.RemoveFolder(Path("sub")));
-    EXPECT_NE(files.Identity(Path("sub\\b")), files.Identity(Path("A100.V40")));
-    EXPECT_EQ(files.Identity(Path("sub\\b")), files.Identity(Path("SUB\\B")));
+    const auto identity = [&](const char* name) {
+        const auto file = files.Open(Path(name), arc::Access::ReadShared);
+        return file ? file->Identity() : std::nullopt;
+    };
+    EXPECT_TRUE(identity("sub\\b"));
+    EXPECT_NE(identity("sub\\b"), identity("A100.V40"));
+    EXPECT_EQ(identity("sub\\b"), identity("SUB\\B"));
+    EXPECT_FALSE(files.Open(Path("SUB\\B"), arc::Access::CreateNew));
+    EXPECT_TRUE(files.Open(Path("new"), arc::Access::CreateNew));
     EXPECT_EQ(files.Absolute(Path("sub\\..\\sub\\.\\b")), Path("sub\\b"));
     EXPECT_EQ(files.Absolute("C:\\" + std::string(300, 'x')), "");
     const auto space = files.Space(folder);

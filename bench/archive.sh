@@ -1,0 +1,56 @@
+#!/usr/bin/env bash
+# Measures archives against other programs on one generated patient, in one run:
+#   bench/archive.sh [megabytes]      (200 by default)
+# Prints ratios; below 1 is faster than the other program. The other programs run natively, ours under Wine.
+. "$(dirname "$0")/../tools/common.sh"
+cd "$root"
+megabytes=${1:-200}
+cmake --preset windows-release >/dev/null
+cmake --build --preset windows-release --target archive_bench -- --quiet
+folder=$(mktemp -d "$root/build/bench.XXXXXX")
+trap 'rm -rf "$folder"' EXIT
+
+tools/wine-run build/windows-release/bin/archive_bench.exe "$(tools/windows-path "$folder")" "$megabytes" \
+  >"$folder/times"
+# The best of two: the first may read from a cold disk.
+seconds() {
+  local best=999999 start end
+  for _ in 1 2; do
+    start=$(date +%s.%N)
+    "$@" >/dev/null
+    end=$(date +%s.%N)
+    best=$(echo "$end $start $best" | awk '{ t = $1 - $2; print t < $3 ? t : $3 }')
+  done
+  echo "$best"
+}
+zip_6() { rm -f "$folder/other.zip"; (cd "$folder/work" && zip -6 -q "$folder/other.zip" ./*); }
+unzip_it() { rm -rf "$folder/other"; unzip -q "$folder/zip/BENCH01.KAZ" -d "$folder/other"; }
+copy_it() { rm -rf "$folder/copy"; cp -r "$folder/work" "$folder/copy"; sync -f "$folder/copy"; }
+{
+  echo "zip_6 $(seconds zip_6) 0"
+  echo "unzip $(seconds unzip_it) 0"
+  echo "cp $(seconds copy_it) 0"
+} >>"$folder/times"
+awk '
+  { time[$1] = $2; bytes[$1] = $3 }
+  function ratio(text, one, other, most) {
+    printf "%-42s %6.2f s / %6.2f s = %5.2f   (aim: at most %s)\n", text, time[one], time[other], time[one] / time[other], most
+  }
+  END {
+    printf "%.0f MB in the set, %.0f MB packed, peak memory %.1f MB\n", bytes["generate"] / 1048576,
+      bytes["packed"] / 1048576, bytes["peak_memory"] / 1048576
+    ratio("save / the zip library'\''s own program", "save", "minizip_program", "1")
+    ratio("save / zip -6", "save", "zip_6", "1")
+    ratio("verify / save", "verify", "save", "0.2")
+    ratio("load / the zip library'\''s own program", "load", "minizip_unzip", "1")
+    ratio("load / unzip", "load", "unzip", "-")
+    ratio("volumes written / copying under Wine", "volume_write", "windows_copy", "2")
+    ratio("volumes read / copying under Wine", "volume_read", "windows_copy", "2")
+    ratio("volumes written / cp", "volume_write", "cp", "2")
+    ratio("volumes read / cp", "volume_read", "cp", "-")
+    for (n = 25; n <= 100; n *= 2) {
+      name = "listing_" n "x40"
+      printf "listing %3d timepoints of 40 images: %.3f ms, %.0f ns a name\n", n, time[name] * 1000,
+        time[name] * 1e9 / bytes[name]
+    }
+  }' "$folder/times"

@@ -1,0 +1,283 @@
+// Measures the archive code on a generated patient: archive_bench folder megabytes
+// Prints one line a step: name, seconds, bytes. bench/archive.sh puts them beside other programs.
+#include "archive/diskette.h"
+#include "archive/filenames.h"
+#include "archive/fileset.h"
+#include "archive/unzipper.h"
+#include "archive/verify.h"
+#include "archive/volumestream.h"
+#include "archive/zipper.h"
+
+#include <minizip/unzip.h>
+#include <minizip/zip.h>
+
+#include <windows.h>
+
+#include <psapi.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <random>
+
+namespace
+{
+const std::string Id = "BENCH01";
+
+struct Patient
+{
+    std::string folder;
+    std::vector<arc::TimepointFiles> timepoints;
+    arc::ImageTypeTable types;
+    std::vector<arc::PresentFile> files;
+};
+
+double Seconds(const std::function<bool()>& step)
+{
+    const auto start = std::chrono::steady_clock::now();
+    const bool done = step();
+    const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
+    if (!done)
+    {
+        std::fprintf(stderr, "a step failed\n");
+        std::exit(1);
+    }
+    return time.count();
+}
+
+void Print(const char* name, double seconds, std::uint64_t bytes)
+{
+    std::printf("%s %.6f %llu\n", name, seconds, static_cast<unsigned long long>(bytes));
+    std::fflush(stdout);
+}
+
+Patient MakePatient(const std::string& folder, int timepoints, int images)
+{
+    Patient patient;
+    patient.folder = folder;
+    for (int image = 0; image < images; ++image)
+    {
+        patient.types[static_cast<std::size_t>(image % arc::ImageGroups)] +=
+            static_cast<char>('A' + image / arc::ImageGroups);
+    }
+    for (int index = 0; index < timepoints; ++index)
+    {
+        arc::TimepointFiles timepoint;
+        timepoint.index = index;
+        timepoint.baseName = arc::TimepointBaseName(Id, index);
+        for (std::size_t group = 0; group < patient.types.size(); ++group)
+        {
+            timepoint.typeBits[group] = (1U << patient.types[group].size()) - 1;
+        }
+        patient.timepoints.push_back(timepoint);
+    }
+    return patient;
+}
+
+// Two thirds of the bytes are noise, as packed images are; the companions compress as drawings and text do.
+bool Generate(Patient& patient, std::uint64_t bytes)
+{
+    arc::FileSystem& files = arc::WindowsFileSystem();
+    const auto names = arc::ListFileSet(Id, patient.timepoints, patient.types);
+    const std::uint64_t perPair = bytes / (names.size() / 2);
+    std::mt19937_64 random(20261121);
+    std::vector<std::uint64_t> noise(static_cast<std::size_t>(perPair * 2 / 3 / sizeof(std::uint64_t)));
+    std::string text;
+    for (const std::string& name : names)
+    {
+        const char kind = arc::ExtensionOf(name)[1];
+        const auto file = files.Open(arc::JoinPath(patient.folder, name), arc::Access::Replace);
+        if (!file)
+        {
+            return false;
+        }
+        const void* data = nullptr;
+        std::size_t size = 0;
+        if (kind == 'I')
+        {
+            for (std::uint64_t& word : noise)
+            {
+                word = random();
+            }
+            data = noise.data();
+            size = noise.size() * sizeof(std::uint64_t);
+        }
+        else
+        {
+            text.clear();
+            while (text.size() < perPair / 3)
+            {
+                text +=
+                    "point " + std::to_string(random() % 4096) + "," + std::to_string(random() % 4096) + "\n";
+            }
+            data = text.data();
+            size = text.size();
+        }
+        if (!file->Write(data, size) || !file->Close())
+        {
+            return false;
+        }
+    }
+    patient.files = arc::PresentFiles(files, patient.folder, names);
+    return patient.files.size() == names.size();
+}
+
+// What the zip library's own program does: stdio, 16 KiB at a time, the same level.
+bool PlainMinizip(const Patient& patient, const std::string& path)
+{
+    const zipFile zip = zipOpen64(path.c_str(), APPEND_STATUS_CREATE);
+    std::vector<char> buffer(16384);
+    for (const arc::PresentFile& file : patient.files)
+    {
+        zip_fileinfo info{};
+        std::FILE* source = std::fopen(arc::JoinPath(patient.folder, file.name).c_str(), "rb");
+        if (!source || zipOpenNewFileInZip64(zip, file.name.c_str(), &info, nullptr, 0, nullptr, 0, nullptr,
+                                             Z_DEFLATED, Z_DEFAULT_COMPRESSION, 0) != ZIP_OK)
+        {
+            return false;
+        }
+        while (const std::size_t got = std::fread(buffer.data(), 1, buffer.size(), source))
+        {
+            if (zipWriteInFileInZip(zip, buffer.data(), static_cast<unsigned>(got)) != ZIP_OK)
+            {
+                return false;
+            }
+        }
+        std::fclose(source);
+        zipCloseFileInZip(zip);
+    }
+    return zipClose(zip, nullptr) == ZIP_OK;
+}
+
+// And how it would unpack.
+bool PlainUnzip(const std::string& path, const std::string& folder)
+{
+    const unzFile zip = unzOpen64(path.c_str());
+    std::vector<char> buffer(16384);
+    for (int result = unzGoToFirstFile(zip); result == UNZ_OK; result = unzGoToNextFile(zip))
+    {
+        char name[260];
+        unz_file_info64 info{};
+        unzGetCurrentFileInfo64(zip, &info, name, sizeof name, nullptr, 0, nullptr, 0);
+        std::FILE* target = std::fopen(arc::JoinPath(folder, name).c_str(), "wb");
+        if (!target || unzOpenCurrentFile(zip) != UNZ_OK)
+        {
+            return false;
+        }
+        int got = 0;
+        while ((got = unzReadCurrentFile(zip, buffer.data(), static_cast<unsigned>(buffer.size()))) > 0)
+        {
+            std::fwrite(buffer.data(), 1, static_cast<std::size_t>(got), target);
+        }
+        std::fclose(target);
+        unzCloseCurrentFile(zip);
+    }
+    return unzClose(zip) == UNZ_OK;
+}
+
+bool Copy(const Patient& patient, const std::string& folder)
+{
+    return std::all_of(patient.files.begin(), patient.files.end(), [&](const arc::PresentFile& file) {
+        return CopyFileA(arc::JoinPath(patient.folder, file.name).c_str(),
+                         arc::JoinPath(folder, file.name).c_str(), TRUE);
+    });
+}
+
+void MeasureListing()
+{
+    for (const int timepoints : {25, 50, 100})
+    {
+        const Patient patient = MakePatient("", timepoints, 40);
+        std::size_t names = 0;
+        constexpr int rounds = 50;
+        const double time = Seconds([&] {
+            for (int round = 0; round < rounds; ++round)
+            {
+                names = arc::ListFileSet(Id, patient.timepoints, patient.types).size();
+            }
+            return true;
+        });
+        const std::string label = "listing_" + std::to_string(timepoints) + "x40";
+        Print(label.c_str(), time / rounds, names);
+    }
+}
+} // namespace
+
+int main(int count, char** arguments)
+{
+    if (count != 3)
+    {
+        std::fprintf(stderr, "usage: archive_bench folder megabytes\n");
+        return 2;
+    }
+    arc::FileSystem& files = arc::WindowsFileSystem();
+    const std::string root = files.Absolute(arguments[1]);
+    const std::uint64_t bytes = std::strtoull(arguments[2], nullptr, 10) << 20;
+    for (const char* folder : {"", "work", "zip", "out", "plain", "copy", "vol", "back"})
+    {
+        files.CreateFolder(arc::JoinPath(root, folder));
+    }
+    Patient patient = MakePatient(arc::JoinPath(root, "work"), 20, 24);
+    const double generated = Seconds([&] { return Generate(patient, bytes); });
+    Print("generate", generated, arc::StreamLength(patient.files));
+
+    const std::string archive = arc::ZippedArchiveName(arc::JoinPath(root, "zip"), Id);
+    const std::string plain = arc::JoinPath(root, "zip\\plain.zip");
+    const auto save = [&] {
+        CZipper zipper(files);
+        const bool added = zipper.OpenZip(archive) && zipper.AddFiles(patient.folder, patient.files);
+        return zipper.CloseZip() && added;
+    };
+    const auto load = [&] {
+        CUnzipper unzipper(files);
+        return unzipper.OpenZip(archive) && unzipper.UnzipAll(arc::JoinPath(root, "out"));
+    };
+    arc::FolderVolumes volumes(files, arc::JoinPath(root, "vol"), Id);
+    const auto writeVolumes = [&] {
+        return arc::WriteVolumeStream(files, patient.folder, patient.files, {}, volumes) ==
+               arc::VolumeStatus::Done;
+    };
+    const auto readVolumes = [&] {
+        std::vector<arc::PresentFile> read;
+        return arc::ReadVolumeStream(files, arc::JoinPath(root, "back"), volumes, read) ==
+               arc::VolumeStatus::Done;
+    };
+    const struct
+    {
+        const char* name;
+        std::function<bool()> step;
+        const char* emptied; // folder that is empty when the step begins
+    } steps[] = {
+        {"minizip_program", [&] { return PlainMinizip(patient, plain); }, nullptr},
+        {"save", save, nullptr},
+        {"verify", [&] { return arc::VerifyZip(files, archive, patient.files); }, nullptr},
+        {"minizip_unzip", [&] { return PlainUnzip(plain, arc::JoinPath(root, "plain")); }, "plain"},
+        {"load", load, "out"},
+        {"windows_copy", [&] { return Copy(patient, arc::JoinPath(root, "copy")); }, "copy"},
+        {"volume_write", writeVolumes, nullptr},
+        {"volume_read", readVolumes, "back"},
+    };
+    // Each step twice, the faster counts: what runs beside it on the machine disturbs one seldom twice.
+    for (const auto& step : steps)
+    {
+        double best = 0;
+        for (int round = 0; round < 2; ++round)
+        {
+            if (step.emptied)
+            {
+                arc::EraseFolder(files, arc::JoinPath(root, step.emptied));
+            }
+            const double time = Seconds(step.step);
+            best = round == 0 ? time : std::min(best, time);
+        }
+        Print(step.name, best, 0);
+    }
+    Print("packed", 0, files.Query(archive)->size);
+    MeasureListing();
+    PROCESS_MEMORY_COUNTERS memory{};
+    K32GetProcessMemoryInfo(GetCurrentProcess(), &memory, sizeof memory);
+    Print("peak_memory", 0, memory.PeakWorkingSetSize);
+    return 0;
+}
