@@ -20,7 +20,8 @@ namespace
 
 constexpr char className[] = "VELEDIT";
 
-// The system's edit class, read when the class is first registered. Written on the user interface thread only.
+// The system's edit class, read when the class is first registered. Written on the user interface thread
+// only.
 WNDPROC pfnEdit = nullptr;
 int nLabelOffset = 0; // of the label in the window's extra bytes, behind the edit control's own
 
@@ -99,16 +100,15 @@ LRESULT CALLBACK EditProc(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam
     case WM_CREATE:
         return PassCreation(hWnd, nMessage, wParam, lParam);
 
-    case WM_NCDESTROY:
-    {
+    case WM_NCDESTROY: {
         const std::unique_ptr<std::string> label(LabelOf(hWnd));
         ::SetWindowLongPtr(hWnd, nLabelOffset, 0);
         return ::CallWindowProc(pfnEdit, hWnd, nMessage, wParam, lParam);
     }
 
-    case WM_PAINT:
-    {
-        // With a device context in wParam the control is asked to paint into that, else into its update region.
+    case WM_PAINT: {
+        // With a device context in wParam the control is asked to paint into that, else into its update
+        // region.
         const LRESULT nResult = ::CallWindowProc(pfnEdit, hWnd, nMessage, wParam, lParam);
         const auto hGiven = reinterpret_cast<HDC>(wParam);
         const HDC hDC = hGiven != nullptr ? hGiven : ::GetDC(hWnd);
@@ -120,8 +120,7 @@ LRESULT CALLBACK EditProc(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam
         return nResult;
     }
 
-    case WM_PRINTCLIENT:
-    {
+    case WM_PRINTCLIENT: {
         const LRESULT nResult = ::CallWindowProc(pfnEdit, hWnd, nMessage, wParam, lParam);
         DrawLabel(hWnd, reinterpret_cast<HDC>(wParam));
         return nResult;
@@ -135,9 +134,9 @@ LRESULT CALLBACK EditProc(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam
     case WM_CUT:
     case WM_UNDO:
     case EM_UNDO:
-    case EM_REPLACESEL:
-    {
-        // The label comes and goes with the focus and the text; the control repaints only what it draws itself.
+    case EM_REPLACESEL: {
+        // The label comes and goes with the focus and the text; the control repaints only what it draws
+        // itself.
         const LRESULT nResult = ::CallWindowProc(pfnEdit, hWnd, nMessage, wParam, lParam);
         ::InvalidateRect(hWnd, nullptr, TRUE);
         return nResult;

@@ -25,7 +25,9 @@ void ctlDrawGrip(HWND hWnd, HDC hDC, const RECT& rect);
 /// A mixture of two colours; nPart of 100 parts come from the second.
 constexpr COLORREF ctlMixColors(COLORREF first, COLORREF second, int nPart)
 {
-    const auto mix = [nPart](int a, int b) { return static_cast<BYTE>((a * (100 - nPart) + b * nPart) / 100); };
+    const auto mix = [nPart](int a, int b) {
+        return static_cast<BYTE>((a * (100 - nPart) + b * nPart) / 100);
+    };
     return RGB(mix(GetRValue(first), GetRValue(second)), mix(GetGValue(first), GetGValue(second)),
                mix(GetBValue(first), GetBValue(second)));
 }

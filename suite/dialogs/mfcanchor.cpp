@@ -70,8 +70,8 @@ void mfcAnchorLayout::Arrange(CWnd& wnd) const
         const UINT nFlags = SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOCOPYBITS;
         if (hMoves != nullptr)
         {
-            hMoves = ::DeferWindowPos(hMoves, placed.hWnd, nullptr, rect.left, rect.top, rect.Width(), rect.Height(),
-                                      nFlags);
+            hMoves = ::DeferWindowPos(hMoves, placed.hWnd, nullptr, rect.left, rect.top, rect.Width(),
+                                      rect.Height(), nFlags);
         }
         else
         {

@@ -5,8 +5,8 @@
 #include <span>
 #include <vector>
 
-/// Edges of the dialog that a control keeps its distance to when the dialog is resized. A control bound to two
-/// opposite edges stretches, one bound to neither stays in the middle.
+/// Edges of the dialog that a control keeps its distance to when the dialog is resized. A control bound to
+/// two opposite edges stretches, one bound to neither stays in the middle.
 enum mfcEdges : unsigned
 {
     mfcLeft = 1,

@@ -20,14 +20,14 @@ int Scaled(CDC& dc, int nPixels)
 } // namespace
 
 BEGIN_MESSAGE_MAP(CMfcColoredTabCtrl, CTabCtrl)
-    ON_WM_PAINT()
-    ON_WM_ERASEBKGND()
-    ON_WM_MOUSEMOVE()
-    ON_WM_SETFOCUS()
-    ON_WM_KILLFOCUS()
-    ON_WM_SYSCOLORCHANGE()
-    ON_MESSAGE(WM_MOUSELEAVE, CMfcColoredTabCtrl::OnMouseLeave)
-    ON_MESSAGE(WM_UPDATEUISTATE, CMfcColoredTabCtrl::OnUIState)
+ON_WM_PAINT()
+ON_WM_ERASEBKGND()
+ON_WM_MOUSEMOVE()
+ON_WM_SETFOCUS()
+ON_WM_KILLFOCUS()
+ON_WM_SYSCOLORCHANGE()
+ON_MESSAGE(WM_MOUSELEAVE, CMfcColoredTabCtrl::OnMouseLeave)
+ON_MESSAGE(WM_UPDATEUISTATE, CMfcColoredTabCtrl::OnUIState)
 END_MESSAGE_MAP()
 
 void CMfcColoredTabCtrl::SetTabColor(int nTab, COLORREF color)
@@ -118,7 +118,8 @@ void CMfcColoredTabCtrl::DrawTab(CDC& dc, int nTab) const
     }
     else if (!bSelected)
     {
-        colorBack = ctlMixColors(::GetSysColor(COLOR_BTNFACE), GetTabColor(nTab), nTab == m_nHotTab ? 22 : 10);
+        colorBack =
+            ctlMixColors(::GetSysColor(COLOR_BTNFACE), GetTabColor(nTab), nTab == m_nHotTab ? 22 : 10);
         colorText = ::GetSysColor(COLOR_BTNTEXT);
     }
     if (!IsWindowEnabled())
@@ -141,14 +142,16 @@ void CMfcColoredTabCtrl::DrawTab(CDC& dc, int nTab) const
         dc.FillSolidRect(rect.left, rect.top, rect.Width(), Scaled(dc, markHeight), GetTabColor(nTab));
     }
 
-    const auto nState = static_cast<UINT>(const_cast<CMfcColoredTabCtrl*>(this)->SendMessage(WM_QUERYUISTATE));
+    const auto nState =
+        static_cast<UINT>(const_cast<CMfcColoredTabCtrl*>(this)->SendMessage(WM_QUERYUISTATE));
     CRect rectText = rect;
     rectText.top += Scaled(dc, bSelected ? markHeight : 1);
     CFont* pPrevious = dc.SelectObject(GetFont());
     dc.SetBkMode(TRANSPARENT);
     dc.SetTextColor(colorText);
     dc.DrawText(title.data(), -1, &rectText,
-                DT_CENTER | DT_VCENTER | DT_SINGLELINE | ((nState & UISF_HIDEACCEL) != 0 ? UINT{DT_HIDEPREFIX} : 0U));
+                DT_CENTER | DT_VCENTER | DT_SINGLELINE |
+                    ((nState & UISF_HIDEACCEL) != 0 ? UINT{DT_HIDEPREFIX} : 0U));
     dc.SelectObject(pPrevious);
     if (bSelected && ::GetFocus() == m_hWnd && (nState & UISF_HIDEFOCUS) == 0)
     {

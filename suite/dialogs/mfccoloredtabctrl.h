@@ -4,10 +4,10 @@
 
 #include <map>
 
-/// A tab strip with a coloured line over the selected tab and tinted other tabs. It replaces the standard strip
-/// of a property sheet by SubclassWindow, or is created like any tab control. All colours come from the system
-/// and follow its changes; with a high-contrast scheme only the scheme's own colours are used. The focus is
-/// shown as the system asks for. Lives on the thread of its window.
+/// A tab strip with a coloured line over the selected tab and tinted other tabs. It replaces the standard
+/// strip of a property sheet by SubclassWindow, or is created like any tab control. All colours come from the
+/// system and follow its changes; with a high-contrast scheme only the scheme's own colours are used. The
+/// focus is shown as the system asks for. Lives on the thread of its window.
 class VELCTL_API CMfcColoredTabCtrl : public CTabCtrl
 {
     DECLARE_DYNAMIC(CMfcColoredTabCtrl)

@@ -19,11 +19,11 @@ constexpr char sizeSection[] = "Dialogs";
 } // namespace
 
 BEGIN_MESSAGE_MAP(CNSFlexDialog, CDialog)
-    ON_WM_SIZE()
-    ON_WM_GETMINMAXINFO()
-    ON_WM_NCHITTEST()
-    ON_WM_ERASEBKGND()
-    ON_WM_DESTROY()
+ON_WM_SIZE()
+ON_WM_GETMINMAXINFO()
+ON_WM_NCHITTEST()
+ON_WM_ERASEBKGND()
+ON_WM_DESTROY()
 END_MESSAGE_MAP()
 
 CNSFlexDialog::CNSFlexDialog() : m_sizeSmallest(0, 0), m_rectGrip(0, 0, 0, 0)
@@ -169,8 +169,8 @@ BOOL CNSFlexDialog::OnEraseBkgnd(CDC* pDC)
 }
 
 BEGIN_MESSAGE_MAP(mfcCDialog, CNSFlexDialog)
-    ON_MESSAGE_VOID(WM_KICKIDLE, mfcCDialog::OnKickIdle)
-    ON_BN_CLICKED(IDHELP, &mfcCDialog::OnHelpButton)
+ON_MESSAGE_VOID(WM_KICKIDLE, mfcCDialog::OnKickIdle)
+ON_BN_CLICKED(IDHELP, &mfcCDialog::OnHelpButton)
 END_MESSAGE_MAP()
 
 mfcCDialog::mfcCDialog() : m_nHelpID(0)

@@ -7,13 +7,9 @@
 IMPLEMENT_DYNAMIC(mfcCPropertyPage, CPropertyPage)
 
 BEGIN_MESSAGE_MAP(mfcCPropertyPage, CPropertyPage)
-    ON_MESSAGE_VOID(WM_KICKIDLE, mfcCPropertyPage::OnKickIdle)
-    ON_BN_CLICKED(IDHELP, &mfcCPropertyPage::OnHelpButton)
+ON_MESSAGE_VOID(WM_KICKIDLE, mfcCPropertyPage::OnKickIdle)
+ON_BN_CLICKED(IDHELP, &mfcCPropertyPage::OnHelpButton)
 END_MESSAGE_MAP()
-
-mfcCPropertyPage::mfcCPropertyPage() : m_nHelpID(0)
-{
-}
 
 mfcCPropertyPage::mfcCPropertyPage(UINT nIDTemplate, UINT nIDCaption)
     : CPropertyPage(nIDTemplate, nIDCaption), m_nHelpID(ctlHelpID(nIDTemplate))

@@ -2,18 +2,17 @@
 
 #include "suite/dialogs/ctlapi.h"
 
-/// The suite's property page: command-update handlers (ON_UPDATE_COMMAND_UI with control ids) run whenever the
-/// sheet is idle while the page is shown, and F1 in any of its controls and a help button with the id IDHELP
-/// are answered. Lives on the thread of its sheet.
+/// The suite's property page: command-update handlers (ON_UPDATE_COMMAND_UI with control ids) run whenever
+/// the sheet is idle while the page is shown, and F1 in any of its controls and a help button with the id
+/// IDHELP are answered. Lives on the thread of its sheet.
 class VELCTL_API mfcCPropertyPage : public CPropertyPage
 {
     DECLARE_DYNAMIC(mfcCPropertyPage)
 
 public:
-    mfcCPropertyPage();
     explicit mfcCPropertyPage(UINT nIDTemplate, UINT nIDCaption = 0);
 
-    /// The page's help id: 0x20000 plus the id of its template; 0 without a template id.
+    /// The page's help id: 0x20000 plus the id of its template.
     UINT GetHelpID() const
     {
         return m_nHelpID;

@@ -12,8 +12,8 @@ enum class cttTooth : char
     extracted = 'X'
 };
 
-/// The 32 permanent teeth of a patient as a dentist sees them: two arches of 16, the patient's right on the left.
-/// A tooth is named by its place (0 to 15 upper arch, 16 to 31 lower arch) or its two-digit FDI number.
+/// The 32 permanent teeth of a patient as a dentist sees them: two arches of 16, the patient's right on the
+/// left. A tooth is named by its place (0 to 15 upper arch, 16 to 31 lower arch) or its two-digit FDI number.
 class cttChart
 {
 public:
@@ -31,8 +31,8 @@ public:
     /// Takes a tooth to its next state: present, missing, extracted, present.
     void Toggle(int place);
 
-    /// One letter per tooth in the order of the places; the empty text for a complete set, so that most records
-    /// store nothing.
+    /// One letter per tooth in the order of the places; the empty text for a complete set, so that most
+    /// records store nothing.
     std::string ToText() const;
 
     /// Takes such a text; false, with a complete set, when it is none.

@@ -117,7 +117,8 @@ TeethWindow::Geometry TeethWindow::Measure() const
     Geometry geometry = {};
     ::GetClientRect(m_hWnd, &geometry.rectClient);
     const HDC hDC = ::GetDC(m_hWnd);
-    const HGDIOBJ hPrevious = ::SelectObject(hDC, m_hFont != nullptr ? m_hFont : ::GetStockObject(DEFAULT_GUI_FONT));
+    const HGDIOBJ hPrevious =
+        ::SelectObject(hDC, m_hFont != nullptr ? m_hFont : ::GetStockObject(DEFAULT_GUI_FONT));
     TEXTMETRIC metric = {};
     ::GetTextMetrics(hDC, &metric);
     ::SelectObject(hDC, hPrevious);
@@ -175,7 +176,8 @@ void TeethWindow::TellCurrent() const
     UINT nID = IDS_CTL_TOOTH_PRESENT;
     if (m_chart.Tooth(m_nCurrent) != cttTooth::present)
     {
-        nID = m_chart.Tooth(m_nCurrent) == cttTooth::missing ? IDS_CTL_TOOTH_MISSING : IDS_CTL_TOOTH_EXTRACTED;
+        nID =
+            m_chart.Tooth(m_nCurrent) == cttTooth::missing ? IDS_CTL_TOOTH_MISSING : IDS_CTL_TOOTH_EXTRACTED;
     }
     char format[100] = {};
     char text[120] = {};
@@ -230,12 +232,14 @@ void TeethWindow::DrawTooth(HDC hDC, const Geometry& geometry, int nPlace) const
     const RECT rect = geometry.Tooth(nPlace);
     const int nRound = std::min<int>(rect.right - rect.left, rect.bottom - rect.top) / 2;
     const bool bGone = state == cttTooth::missing;
-    const COLORREF colorOutline =
-        ctlIsHighContrast() ? colorLine : ctlMixColors(::GetSysColor(COLOR_WINDOW), colorLine, bGone ? 35 : 55);
+    const COLORREF colorOutline = ctlIsHighContrast()
+                                      ? colorLine
+                                      : ctlMixColors(::GetSysColor(COLOR_WINDOW), colorLine, bGone ? 35 : 55);
     const HPEN hPen = ::CreatePen(bGone ? PS_DOT : PS_SOLID, 1, colorOutline);
     const HGDIOBJ hPreviousPen = ::SelectObject(hDC, hPen);
-    const HGDIOBJ hPreviousBrush = ::SelectObject(
-        hDC, bGone || !bEnabled ? ::GetStockObject(NULL_BRUSH) : static_cast<HGDIOBJ>(::GetSysColorBrush(COLOR_WINDOW)));
+    const HGDIOBJ hPreviousBrush =
+        ::SelectObject(hDC, bGone || !bEnabled ? ::GetStockObject(NULL_BRUSH)
+                                               : static_cast<HGDIOBJ>(::GetSysColorBrush(COLOR_WINDOW)));
     ::RoundRect(hDC, rect.left, rect.top, rect.right, rect.bottom, nRound, nRound);
     if (state == cttTooth::extracted)
     {
@@ -257,9 +261,11 @@ void TeethWindow::Draw(HDC hDC, const Geometry& geometry) const
 {
     const int nSaved = ::SaveDC(hDC);
     // The dialog's own background, whatever its theme.
-    const auto hBackground = reinterpret_cast<HBRUSH>(::SendMessage(
-        ::GetParent(m_hWnd), WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(hDC), reinterpret_cast<LPARAM>(m_hWnd)));
-    ::FillRect(hDC, &geometry.rectClient, hBackground != nullptr ? hBackground : ::GetSysColorBrush(COLOR_BTNFACE));
+    const auto hBackground = reinterpret_cast<HBRUSH>(::SendMessage(::GetParent(m_hWnd), WM_CTLCOLORSTATIC,
+                                                                    reinterpret_cast<WPARAM>(hDC),
+                                                                    reinterpret_cast<LPARAM>(m_hWnd)));
+    ::FillRect(hDC, &geometry.rectClient,
+               hBackground != nullptr ? hBackground : ::GetSysColorBrush(COLOR_BTNFACE));
     ::SelectObject(hDC, m_hFont != nullptr ? m_hFont : ::GetStockObject(DEFAULT_GUI_FONT));
     ::SetBkMode(hDC, TRANSPARENT);
     for (int nPlace = 0; nPlace < cttChart::toothCount; ++nPlace)

@@ -73,39 +73,39 @@ int InkOf(HWND window)
 TEST_F(ControlsTest, LabelShowsOnlyInAnEmptyFieldWithoutFocus)
 {
     ControlsDialog dialog;
-    const INT_PTR result = veltest::RunModal(
-        [&] { return dialog.DoModal(); },
-        [&](veltest::DialogScript& script)
-        {
-            const veltest::Dialog shown = script.WaitForDialog("Controls");
-            EXPECT_EQ(veltest::DialogFindings(shown.Handle()), "");
-            const veltest::Control name = shown.Item(IDC_FAMILY_NAME);
-            const veltest::Control notes = shown.Item(IDC_NOTES);
-            const veltest::Control id = shown.Item(IDC_PATIENT_ID);
-            id.Focus();
-            EXPECT_EQ(name.Text(), "");
-            EXPECT_EQ(notes.Text(), "");
-            EXPECT_STREQ(cedCEdit::GetLabel(name.Handle()), "Family name");
-            EXPECT_STREQ(cedCEdit::GetLabel(notes.Handle()), "Notes for everybody");
-            EXPECT_STREQ(cedCEdit::GetLabel(id.Handle()), "");
-            const int labelInk = InkOf(name.Handle());
-            EXPECT_GT(labelInk, 50);
-            EXPECT_GT(InkOf(notes.Handle()), 50);
-            veltest::SavePicture(shown.Handle(), "controls-empty");
+    const INT_PTR result =
+        veltest::RunModal([&] { return dialog.DoModal(); },
+                          [&](veltest::DialogScript& script) {
+                              const veltest::Dialog shown = script.WaitForDialog("Controls");
+                              EXPECT_EQ(veltest::DialogFindings(shown.Handle()), "");
+                              const veltest::Control name = shown.Item(IDC_FAMILY_NAME);
+                              const veltest::Control notes = shown.Item(IDC_NOTES);
+                              const veltest::Control id = shown.Item(IDC_PATIENT_ID);
+                              id.Focus();
+                              EXPECT_EQ(name.Text(), "");
+                              EXPECT_EQ(notes.Text(), "");
+                              EXPECT_STREQ(cedCEdit::GetLabel(name.Handle()), "Family name");
+                              EXPECT_STREQ(cedCEdit::GetLabel(notes.Handle()), "Notes for everybody");
+                              EXPECT_STREQ(cedCEdit::GetLabel(id.Handle()), "");
+                              const int labelInk = InkOf(name.Handle());
+                              EXPECT_GT(labelInk, 50);
+                              EXPECT_GT(InkOf(notes.Handle()), 50);
+                              veltest::SavePicture(shown.Handle(), "controls-empty");
 
-            name.Focus();
-            EXPECT_LT(InkOf(name.Handle()), 20) << "only the caret may show";
-            name.Type("M\xFCller & S\xF6hne");
-            id.Focus();
-            EXPECT_EQ(name.Text(), "M\xFCller & S\xF6hne");
-            EXPECT_NE(InkOf(name.Handle()), labelInk);
-            veltest::SavePicture(shown.Handle(), "controls-filled");
+                              name.Focus();
+                              EXPECT_LT(InkOf(name.Handle()), 20) << "only the caret may show";
+                              name.Type("M\xFCller & S\xF6hne");
+                              id.Focus();
+                              EXPECT_EQ(name.Text(), "M\xFCller & S\xF6hne");
+                              EXPECT_NE(InkOf(name.Handle()), labelInk);
+                              veltest::SavePicture(shown.Handle(), "controls-filled");
 
-            name.SetText("");
-            EXPECT_EQ(InkOf(name.Handle()), labelInk) << "the label is back once the text is gone";
-            name.SetText("Weber");
-            shown.Press(IDOK);
-        });
+                              name.SetText("");
+                              EXPECT_EQ(InkOf(name.Handle()), labelInk)
+                                  << "the label is back once the text is gone";
+                              name.SetText("Weber");
+                              shown.Press(IDOK);
+                          });
     EXPECT_EQ(result, IDOK);
     EXPECT_STREQ(dialog.m_strName, "Weber");
 }
@@ -114,8 +114,7 @@ TEST_F(ControlsTest, IdFieldTakesWhatIsTypedUpToItsLimit)
 {
     ControlsDialog dialog;
     veltest::RunModal([&] { return dialog.DoModal(); },
-                      [&](veltest::DialogScript& script)
-                      {
+                      [&](veltest::DialogScript& script) {
                           const veltest::Dialog shown = script.WaitForDialog("Controls");
                           const veltest::Control id = shown.Item(IDC_PATIENT_ID);
                           id.Type("ab 12-");
@@ -130,8 +129,7 @@ TEST_F(ControlsTest, UnicodeButtonKeepsCharactersOutsideTheCodePage)
 {
     ControlsDialog dialog;
     veltest::RunModal([&] { return dialog.DoModal(); },
-                      [&](veltest::DialogScript& script)
-                      {
+                      [&](veltest::DialogScript& script) {
                           const veltest::Dialog shown = script.WaitForDialog("Controls");
                           EXPECT_EQ(dialog.m_button.GetUnicodeText(), L"&Name");
                           dialog.m_button.SetUnicodeText(L"\x0416\x03A9 &Name");
@@ -150,7 +148,8 @@ TEST_F(ControlsTest, ClassesCanBeRegisteredTwiceAndAgainAfterUnloading)
     {
         EXPECT_TRUE(cedCEdit::UnregisterControlClass(instance));
         EXPECT_TRUE(cttUnregisterClass(instance));
-        EXPECT_EQ(::CreateWindow("VELEDIT", "x", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr, instance, nullptr), nullptr);
+        EXPECT_EQ(::CreateWindow("VELEDIT", "x", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr, instance, nullptr),
+                  nullptr);
         EXPECT_TRUE(cedCEdit::RegisterControlClass(instance));
         EXPECT_TRUE(cttRegisterClass(instance));
         const HWND field =

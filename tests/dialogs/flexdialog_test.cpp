@@ -37,9 +37,8 @@ TEST(AnchorTest, PlacesFollowTheirEdges)
 }
 
 constexpr mfcAnchor flexAnchors[] = {
-    {IDC_FIELD, mfcStretchTop}, {IDC_ADD, mfcTopRight},        {IDC_LIST, mfcStretchAll},
-    {IDOK, mfcBottomRight},     {IDCANCEL, mfcBottomRight},    {IDHELP, mfcBottomRight},
-    {12345, mfcStretchAll}, // no such control
+    {IDC_FIELD, mfcStretchTop}, {IDC_ADD, mfcTopRight},   {IDC_LIST, mfcStretchAll}, {IDOK, mfcBottomRight},
+    {IDCANCEL, mfcBottomRight}, {IDHELP, mfcBottomRight}, {12345, mfcStretchAll}, // no such control
 };
 
 class FlexDialog : public mfcCDialog
@@ -71,7 +70,7 @@ protected:
 };
 
 BEGIN_MESSAGE_MAP(FlexDialog, mfcCDialog)
-    ON_UPDATE_COMMAND_UI(IDC_ADD, &FlexDialog::OnUpdateAdd)
+ON_UPDATE_COMMAND_UI(IDC_ADD, &FlexDialog::OnUpdateAdd)
 END_MESSAGE_MAP()
 
 CRect PlaceOf(HWND window)
@@ -93,8 +92,7 @@ TEST(FlexDialogTest, GrowsWithItsControlsAndNeverShrinksBelowItsTemplate)
     FlexDialog dialog;
     const INT_PTR result = veltest::RunModal(
         [&] { return dialog.DoModal(); },
-        [](veltest::DialogScript& script)
-        {
+        [](veltest::DialogScript& script) {
             const veltest::Dialog shown = script.WaitForDialog("Resizable");
             const HWND window = shown.Handle();
             EXPECT_EQ(veltest::DialogFindings(window), "");
@@ -109,7 +107,8 @@ TEST(FlexDialogTest, GrowsWithItsControlsAndNeverShrinksBelowItsTemplate)
             const CRect list = PlaceOf(shown.Item(IDC_LIST).Handle());
             const CRect ok = PlaceOf(shown.Item(IDOK).Handle());
             Resize(script, window, start.Width() + 100, start.Height() + 60);
-            EXPECT_EQ(PlaceOf(shown.Item(IDC_LIST).Handle()).Size(), CSize(list.Width() + 100, list.Height() + 60));
+            EXPECT_EQ(PlaceOf(shown.Item(IDC_LIST).Handle()).Size(),
+                      CSize(list.Width() + 100, list.Height() + 60));
             EXPECT_EQ(PlaceOf(shown.Item(IDOK).Handle()), ok + CPoint(100, 60));
             EXPECT_EQ(veltest::DialogFindings(window), "");
             veltest::SavePicture(window, "flexdialog");
@@ -131,8 +130,7 @@ TEST(FlexDialogTest, KeepsItsSizeWithoutAnchors)
 {
     mfcCDialog dialog(IDD_FIXED);
     veltest::RunModal([&] { return dialog.DoModal(); },
-                      [](veltest::DialogScript& script)
-                      {
+                      [](veltest::DialogScript& script) {
                           const veltest::Dialog shown = script.WaitForDialog("Fixed");
                           EXPECT_EQ(::GetWindowLongPtr(shown.Handle(), GWL_STYLE) & WS_THICKFRAME, 0);
                           EXPECT_EQ(veltest::DialogFindings(shown.Handle()), "");
@@ -145,8 +143,7 @@ TEST(FlexDialogTest, UpdatesControlsWheneverItIsIdle)
 {
     FlexDialog dialog;
     veltest::RunModal([&] { return dialog.DoModal(); },
-                      [](veltest::DialogScript& script)
-                      {
+                      [](veltest::DialogScript& script) {
                           const veltest::Dialog shown = script.WaitForDialog("Resizable");
                           const veltest::Control add = shown.Item(IDC_ADD);
                           script.WaitUntil("Add to be disabled", [&] { return !add.IsEnabled(); });
@@ -163,8 +160,7 @@ TEST(FlexDialogTest, AnswersHelpFromKeyAndButton)
     FlexDialog dialog;
     EXPECT_EQ(dialog.GetHelpID(), 0x20000U + IDD_FLEX);
     veltest::RunModal([&] { return dialog.DoModal(); },
-                      [&](veltest::DialogScript& script)
-                      {
+                      [&](veltest::DialogScript& script) {
                           const veltest::Dialog shown = script.WaitForDialog("Resizable");
                           shown.Item(IDC_FIELD).PressKey(VK_F1);
                           script.SettleIdle(shown.Handle());
@@ -186,8 +182,7 @@ TEST(FlexDialogTest, RemembersItsSizeOnlyWhenAsked)
         {
             FlexDialog dialog(remembers);
             veltest::RunModal([&] { return dialog.DoModal(); },
-                              [&](veltest::DialogScript& script)
-                              {
+                              [&](veltest::DialogScript& script) {
                                   const veltest::Dialog shown = script.WaitForDialog("Resizable");
                                   *size = PlaceOf(shown.Handle()).Size();
                                   Resize(script, shown.Handle(), size->cx + 50, size->cy + 40);
@@ -201,8 +196,7 @@ TEST(FlexDialogTest, RemembersItsSizeOnlyWhenAsked)
         practice.Set("Dialogs", "Flex", damaged);
         FlexDialog dialog(true);
         veltest::RunModal([&] { return dialog.DoModal(); },
-                          [&](veltest::DialogScript& script)
-                          {
+                          [&](veltest::DialogScript& script) {
                               const veltest::Dialog shown = script.WaitForDialog("Resizable");
                               CRect smallest(0, 0, 200, 120);
                               ::MapDialogRect(shown.Handle(), &smallest);

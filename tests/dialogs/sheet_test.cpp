@@ -32,7 +32,7 @@ protected:
 };
 
 BEGIN_MESSAGE_MAP(NamesPage, mfcCPropertyPage)
-    ON_UPDATE_COMMAND_UI(IDC_ADD, &NamesPage::OnUpdateAdd)
+ON_UPDATE_COMMAND_UI(IDC_ADD, &NamesPage::OnUpdateAdd)
 END_MESSAGE_MAP()
 
 class ColoredSheet : public CPropertySheet
@@ -71,8 +71,7 @@ TEST(ColoredSheetTest, ShowsItsTabsAndServesItsPages)
     ColoredSheet sheet;
     const INT_PTR result = veltest::RunModal(
         [&] { return sheet.DoModal(); },
-        [&](veltest::DialogScript& script)
-        {
+        [&](veltest::DialogScript& script) {
             const veltest::Dialog shown = script.WaitForDialog("Coloured");
             ASSERT_EQ(shown.PageCount(), 2);
             const HWND tabs = sheet.m_tabs.m_hWnd;

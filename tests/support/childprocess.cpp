@@ -85,8 +85,8 @@ ChildProcess::ChildProcess(const std::string& function, const std::vector<std::s
     startup.hStdInput = GetStdHandle(STD_INPUT_HANDLE);
     startup.hStdOutput = GetStdHandle(STD_OUTPUT_HANDLE);
     startup.hStdError = GetStdHandle(STD_ERROR_HANDLE);
-    if (!CreateProcessA(path.data(), commandLine.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup,
-                        &m_process))
+    if (!CreateProcessA(path.data(), commandLine.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
+                        &startup, &m_process))
     {
         throw std::runtime_error("the child process could not be started");
     }

@@ -15,9 +15,9 @@ using ChildFunction = int (*)(const std::vector<std::string>& arguments);
 // Declares what a second process of this test program does:
 //     VEL_CHILD_PROCESS(holdLock) { ... arguments[0] ... return 0; }
 //     veltest::ChildProcess child("holdLock", {"A1"});
-#define VEL_CHILD_PROCESS(name)                                                                                        \
-    static int name(const std::vector<std::string>& arguments);                                                        \
-    static const bool name##Registered = veltest::RegisterChild(#name, name);                                          \
+#define VEL_CHILD_PROCESS(name)                                                                              \
+    static int name(const std::vector<std::string>& arguments);                                              \
+    static const bool name##Registered = veltest::RegisterChild(#name, name);                                \
     static int name([[maybe_unused]] const std::vector<std::string>& arguments)
 
 bool RegisterChild(const char* name, ChildFunction function);
@@ -35,7 +35,10 @@ public:
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;
 
-    DWORD Id() const { return m_process.dwProcessId; }
+    DWORD Id() const
+    {
+        return m_process.dwProcessId;
+    }
     bool IsRunning() const;
 
     // The exit code; throws std::runtime_error when the process does not end in time (milliseconds).

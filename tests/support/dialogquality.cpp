@@ -59,7 +59,8 @@ Kind KindOf(HWND window)
     if (name == "static")
     {
         const DWORD type = style & SS_TYPEMASK;
-        return type <= SS_RIGHT || type == SS_SIMPLE || type == SS_LEFTNOWORDWRAP ? Kind::text : Kind::picture;
+        return type <= SS_RIGHT || type == SS_SIMPLE || type == SS_LEFTNOWORDWRAP ? Kind::text
+                                                                                  : Kind::picture;
     }
     if (name == "button")
     {
@@ -163,11 +164,15 @@ public:
     }
 
 private:
-    void Report(const std::string& finding) { m_findings.push_back(finding); }
+    void Report(const std::string& finding)
+    {
+        m_findings.push_back(finding);
+    }
 
     void Collect()
     {
-        for (HWND child = GetWindow(m_dialog, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT))
+        for (HWND child = GetWindow(m_dialog, GW_CHILD); child != nullptr;
+             child = GetWindow(child, GW_HWNDNEXT))
         {
             const auto& ignored = m_options.ignoredIds;
             if (!IsWindowVisible(child) ||
@@ -219,8 +224,9 @@ private:
             {
                 const bool lines = (style & BS_MULTILINE) != 0;
                 const int around = part.kind == Kind::push ? 8 : part.kind == Kind::check ? 18 : 16;
-                needed = Measure(part.window)
-                             .Of(part.label, width - around, lines ? UINT{DT_WORDBREAK} : UINT{DT_SINGLELINE});
+                needed =
+                    Measure(part.window)
+                        .Of(part.label, width - around, lines ? UINT{DT_WORDBREAK} : UINT{DT_SINGLELINE});
                 needed.cx += part.label.empty() ? 0 : around;
             }
             else if (part.kind == Kind::edit && (style & ES_MULTILINE) == 0)
@@ -234,7 +240,8 @@ private:
             if (needed.cx > width || needed.cy > height)
             {
                 Report("text is cut in " + Name(part) + ": needs " + std::to_string(needed.cx) + "x" +
-                       std::to_string(needed.cy) + " of " + std::to_string(width) + "x" + std::to_string(height));
+                       std::to_string(needed.cy) + " of " + std::to_string(width) + "x" +
+                       std::to_string(height));
             }
         }
     }
@@ -293,12 +300,14 @@ private:
             const auto [position, isNew] = keys.emplace(key, &part);
             if (!isNew)
             {
-                Report(std::string("access key ") + key + " twice: " + Name(*position->second) + " and " + Name(part));
+                Report(std::string("access key ") + key + " twice: " + Name(*position->second) + " and " +
+                       Name(part));
             }
             if (part.kind == Kind::text)
             {
                 const Part* field = index + 1 < m_parts.size() ? &m_parts[index + 1] : nullptr;
-                if (field == nullptr || field->kind == Kind::text || field->kind == Kind::group || !field->tabStop)
+                if (field == nullptr || field->kind == Kind::text || field->kind == Kind::group ||
+                    !field->tabStop)
                 {
                     Report("no field follows the label " + Name(part));
                 }
@@ -312,9 +321,9 @@ private:
 
     void CheckDefaultButton()
     {
-        const auto count = std::count_if(
-            m_parts.begin(), m_parts.end(), [](const Part& part)
-            { return part.kind == Kind::push && (StyleOf(part.window) & BS_TYPEMASK) == BS_DEFPUSHBUTTON; });
+        const auto count = std::count_if(m_parts.begin(), m_parts.end(), [](const Part& part) {
+            return part.kind == Kind::push && (StyleOf(part.window) & BS_TYPEMASK) == BS_DEFPUSHBUTTON;
+        });
         const auto buttons = std::count_if(m_parts.begin(), m_parts.end(),
                                            [](const Part& part) { return part.kind == Kind::push; });
         if (count > 1)
@@ -410,9 +419,9 @@ private:
             {
                 Report("height of " + std::to_string(height) + " units: " + Name(part));
             }
-            const int margin = std::min(
-                {ToUnits(part.place.left, true), ToUnits(part.place.top, false),
-                 ToUnits(m_client.right - part.place.right, true), ToUnits(m_client.bottom - part.place.bottom, false)});
+            const int margin = std::min({ToUnits(part.place.left, true), ToUnits(part.place.top, false),
+                                         ToUnits(m_client.right - part.place.right, true),
+                                         ToUnits(m_client.bottom - part.place.bottom, false)});
             if (margin < smallestMargin && part.kind != Kind::picture)
             {
                 Report("margin of " + std::to_string(margin) + " units: " + Name(part));
@@ -426,8 +435,10 @@ private:
                 {
                     continue;
                 }
-                const bool sameRow = part.place.top == other.place.top && part.place.right <= other.place.left;
-                const bool sameColumn = part.place.left == other.place.left && part.place.bottom <= other.place.top;
+                const bool sameRow =
+                    part.place.top == other.place.top && part.place.right <= other.place.left;
+                const bool sameColumn =
+                    part.place.left == other.place.left && part.place.bottom <= other.place.top;
                 if ((sameRow && ToUnits(other.place.left - part.place.right, true) < smallestGap) ||
                     (sameColumn && ToUnits(other.place.top - part.place.bottom, false) < smallestGap))
                 {

@@ -10,9 +10,9 @@ namespace veltest
 
 struct QualityOptions
 {
-    bool isPage = false;        // a property page: the sheet has the default button
-    bool checkGrid = true;      // sizes and distances in dialog units
-    bool checkTabOrder = true;  // from top to bottom, in rows from left to right, group by group
+    bool isPage = false;         // a property page: the sheet has the default button
+    bool checkGrid = true;       // sizes and distances in dialog units
+    bool checkTabOrder = true;   // from top to bottom, in rows from left to right, group by group
     std::vector<int> ignoredIds; // controls placed on purpose against the rules
 };
 

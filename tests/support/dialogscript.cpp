@@ -11,11 +11,11 @@ namespace veltest
 namespace
 {
 
-constexpr DWORD pollInterval = 5;           // milliseconds
-constexpr DWORD defaultPatience = 20'000;   // a busy machine is not a failure
+constexpr DWORD pollInterval = 5;         // milliseconds
+constexpr DWORD defaultPatience = 20'000; // a busy machine is not a failure
 constexpr DWORD idlePatience = 2'000;
-constexpr DWORD firstIdlePatience = 300;    // for threads whose windows may have no idle work at all
-constexpr UINT messageGetMenu = 0x01E1;     // MN_GETHMENU of a popup menu's window
+constexpr DWORD firstIdlePatience = 300; // for threads whose windows may have no idle work at all
+constexpr UINT messageGetMenu = 0x01E1;  // MN_GETHMENU of a popup menu's window
 
 struct Search
 {
@@ -104,7 +104,8 @@ void DialogScript::Run() noexcept
     std::string failure;
     try
     {
-        SetThreadDesktop(GetThreadDesktop(m_uiThread)); // a new thread may begin on the process's first desktop
+        SetThreadDesktop(
+            GetThreadDesktop(m_uiThread)); // a new thread may begin on the process's first desktop
         m_script(*this);
     }
     catch (const std::exception& thrown)
@@ -177,7 +178,8 @@ void DialogScript::CloseEverything()
             const HWND control = GetDlgItem(window, button);
             if (button == IDCANCEL || control != nullptr)
             {
-                PostMessageA(window, WM_COMMAND, static_cast<WPARAM>(button), reinterpret_cast<LPARAM>(control));
+                PostMessageA(window, WM_COMMAND, static_cast<WPARAM>(button),
+                             reinterpret_cast<LPARAM>(control));
                 if (control != nullptr)
                 {
                     break;
@@ -198,27 +200,25 @@ HWND DialogScript::FindMatch(const std::function<bool(HWND)>& matches)
 HWND DialogScript::WaitForMatch(const std::string& description, const std::function<bool(HWND)>& matches)
 {
     HWND found = nullptr;
-    WaitUntil(description,
-              [&]
-              {
-                  found = FindMatch(matches);
-                  return found != nullptr;
-              });
+    WaitUntil(description, [&] {
+        found = FindMatch(matches);
+        return found != nullptr;
+    });
     Settle(found); // it is in its message loop now, with its initialisation done
     return found;
 }
 
 Dialog DialogScript::WaitForDialog(const std::string& title)
 {
-    const auto matches = [&](HWND window)
-    { return IsDialog(window) && (title.empty() || WindowText(window) == title); };
+    const auto matches = [&](HWND window) {
+        return IsDialog(window) && (title.empty() || WindowText(window) == title);
+    };
     return {*this, WaitForMatch("dialog \"" + title + "\"", matches)};
 }
 
 Dialog DialogScript::WaitForDialogWith(int controlId)
 {
-    const auto matches = [&](HWND window)
-    {
+    const auto matches = [&](HWND window) {
         const std::vector<HWND> controls = IsDialog(window) ? Descendants(window) : std::vector<HWND>();
         return std::any_of(controls.begin(), controls.end(),
                            [&](HWND control) { return GetDlgCtrlID(control) == controlId; });
@@ -228,8 +228,9 @@ Dialog DialogScript::WaitForDialogWith(int controlId)
 
 Dialog DialogScript::WaitForBox(const std::string& text)
 {
-    const auto matches = [&](HWND window)
-    { return IsBox(window) && (text.empty() || WindowText(GetDlgItem(window, 0xFFFF)) == text); };
+    const auto matches = [&](HWND window) {
+        return IsBox(window) && (text.empty() || WindowText(GetDlgItem(window, 0xFFFF)) == text);
+    };
     return {*this, WaitForMatch("message box \"" + text + "\"", matches)};
 }
 
@@ -241,8 +242,8 @@ HWND DialogScript::WaitForWindowOfClass(const std::string& windowClass)
 
 std::optional<Dialog> DialogScript::FindDialog(const std::string& title)
 {
-    const HWND window = FindMatch([&](HWND candidate)
-                                  { return IsDialog(candidate) && WindowText(candidate) == title; });
+    const HWND window =
+        FindMatch([&](HWND candidate) { return IsDialog(candidate) && WindowText(candidate) == title; });
     return window != nullptr ? std::optional<Dialog>(Dialog(*this, window)) : std::nullopt;
 }
 
@@ -350,7 +351,8 @@ void DialogScript::PressKey(HWND window, UINT virtualKey, UINT modifier)
 {
     const DWORD thread = GetWindowThreadProcessId(window, nullptr);
     const HWND top = GetAncestor(window, GA_ROOT);
-    WaitUntil("the foreground", [&] { return GetForegroundWindow() == top || SetForegroundWindow(top) == FALSE; });
+    WaitUntil("the foreground",
+              [&] { return GetForegroundWindow() == top || SetForegroundWindow(top) == FALSE; });
     std::vector<INPUT> inputs = {KeyInput(virtualKey, 0), KeyInput(virtualKey, KEYEVENTF_KEYUP)};
     if (modifier != 0)
     {
@@ -380,12 +382,10 @@ HWND DialogScript::FocusOf(HWND window)
 std::string DialogScript::ListWindows()
 {
     std::string listing;
-    FindMatch(
-        [&](HWND window)
-        {
-            listing += DescribeTree(window);
-            return false;
-        });
+    FindMatch([&](HWND window) {
+        listing += DescribeTree(window);
+        return false;
+    });
     return listing.empty() ? "(none)\n" : listing;
 }
 

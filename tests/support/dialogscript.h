@@ -31,8 +31,9 @@ public:
 //         });
 //
 // The script runs on a thread of its own and may use EXPECT_ and ASSERT_ macros. Whatever happens, the modal
-// call ends: when the script fails, or ends with a window left open, the test fails and the windows are closed.
-// A modal call that returns before the script has ended fails too, unless the script still waits for nothing.
+// call ends: when the script fails, or ends with a window left open, the test fails and the windows are
+// closed. A modal call that returns before the script has ended fails too, unless the script still waits for
+// nothing.
 class DialogScript
 {
 public:
@@ -46,8 +47,8 @@ public:
     // Windows that are visible and enabled; an empty title fits every title. They throw ScriptFailure when
     // none comes up in time.
     Dialog WaitForDialog(const std::string& title);
-    Dialog WaitForDialogWith(int controlId);                  // the dialog that has this control
-    Dialog WaitForBox(const std::string& text = {});          // a message box; empty fits every text
+    Dialog WaitForDialogWith(int controlId);         // the dialog that has this control
+    Dialog WaitForBox(const std::string& text = {}); // a message box; empty fits every text
     HWND WaitForWindowOfClass(const std::string& windowClass);
     std::optional<Dialog> FindDialog(const std::string& title);
     std::optional<Dialog> FindBox();
@@ -66,11 +67,20 @@ public:
     void Settle(HWND window);     // everything posted to the window's thread has been taken
     void SettleIdle(HWND window); // and its command-update handlers have run since
     void PressKey(HWND window, UINT virtualKey, UINT modifier = 0);
-    HWND FocusOf(HWND window);    // the focused window of that window's thread, null when none
+    HWND FocusOf(HWND window); // the focused window of that window's thread, null when none
 
-    DWORD UiThread() const { return m_uiThread; }
-    void SetPatience(DWORD milliseconds) { m_patience = milliseconds; }
-    DWORD Patience() const { return m_patience; }
+    DWORD UiThread() const
+    {
+        return m_uiThread;
+    }
+    void SetPatience(DWORD milliseconds)
+    {
+        m_patience = milliseconds;
+    }
+    DWORD Patience() const
+    {
+        return m_patience;
+    }
 
     // All visible windows of this process with their controls.
     static std::string ListWindows();
@@ -90,8 +100,7 @@ private:
 };
 
 // Runs the modal call on this thread while the script plays the user; returns what the call returned.
-template <typename Call>
-std::invoke_result_t<Call> RunModal(Call call, DialogScript::Script script)
+template <typename Call> std::invoke_result_t<Call> RunModal(Call call, DialogScript::Script script)
 {
     const DialogScript running(std::move(script));
     return call();

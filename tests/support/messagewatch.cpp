@@ -61,8 +61,7 @@ MessageWatch::Thread& MessageWatch::Watched(DWORD id)
     return thread;
 }
 
-template <typename Predicate>
-bool MessageWatch::Wait(DWORD timeout, Predicate predicate)
+template <typename Predicate> bool MessageWatch::Wait(DWORD timeout, Predicate predicate)
 {
     std::unique_lock lock(m_mutex);
     return m_changed.wait_for(lock, std::chrono::milliseconds(timeout),

@@ -47,15 +47,14 @@ private:
     {
         HHOOK getHook = nullptr;
         HHOOK sentHook = nullptr;
-        WPARAM marker = 0;           // newest marker taken from the queue
+        WPARAM marker = 0; // newest marker taken from the queue
         std::uint64_t idlePasses = 0;
         std::uint64_t idleAtMarker = 0; // passes counted when that marker was taken
         std::uint64_t keys = 0;
     };
 
     Thread& Watched(DWORD thread);
-    template <typename Predicate>
-    bool Wait(DWORD timeout, Predicate predicate);
+    template <typename Predicate> bool Wait(DWORD timeout, Predicate predicate);
 
     static LRESULT CALLBACK OnMessageTaken(int code, WPARAM removed, LPARAM message) noexcept;
     static LRESULT CALLBACK OnMessageHandled(int code, WPARAM sender, LPARAM message) noexcept;

@@ -21,7 +21,7 @@ public:
 
 } // namespace veltest
 
-#define VEL_MFC_TEST_PROGRAM()                                                                                         \
-    static CWinApp testProgramApp;                                                                                     \
-    [[maybe_unused]] static const auto* const testProgramEnvironment =                                                 \
+#define VEL_MFC_TEST_PROGRAM()                                                                               \
+    static CWinApp testProgramApp;                                                                           \
+    [[maybe_unused]] static const auto* const testProgramEnvironment =                                       \
         ::testing::AddGlobalTestEnvironment(new veltest::MfcEnvironment)

@@ -57,7 +57,8 @@ private:
 std::string PictureFolder()
 {
     std::array<char, MAX_PATH> text = {};
-    const DWORD length = GetEnvironmentVariableA("VELTEST_PICTURES", text.data(), static_cast<DWORD>(text.size()));
+    const DWORD length =
+        GetEnvironmentVariableA("VELTEST_PICTURES", text.data(), static_cast<DWORD>(text.size()));
     if (length > 0 && length < text.size())
     {
         return text.data();

@@ -7,8 +7,8 @@
 namespace veltest
 {
 
-// The folder that pictures are written to: the variable VELTEST_PICTURES, else "pictures" beside the folder of
-// the test program.
+// The folder that pictures are written to: the variable VELTEST_PICTURES, else "pictures" beside the folder
+// of the test program.
 std::string PictureFolder();
 
 // Writes the window as it shows, with its frame, to <folder>/<name>.png. Callable from every thread while the

@@ -64,7 +64,8 @@ TemporaryPractice::~TemporaryPractice()
     RemoveTree(m_folder);
 }
 
-void TemporaryPractice::Set(const std::string& section, const std::string& key, const std::string& value) const
+void TemporaryPractice::Set(const std::string& section, const std::string& key,
+                            const std::string& value) const
 {
     if (!WritePrivateProfileStringA(section.c_str(), key.c_str(), value.c_str(), IniFile().c_str()))
     {

@@ -39,13 +39,15 @@ void PrintAddress(const void* address)
 {
     HMODULE module = nullptr;
     std::array<char, MAX_PATH> path = {};
-    if (GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+    if (GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS |
+                               GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
                            static_cast<LPCSTR>(address), &module) &&
         GetModuleFileNameA(module, path.data(), static_cast<DWORD>(path.size())) != 0)
     {
         const char* name = std::strrchr(path.data(), '\\');
         const auto offset = static_cast<const char*>(address) - reinterpret_cast<const char*>(module);
-        std::printf("  %s+0x%llx\n", name != nullptr ? name + 1 : path.data(), static_cast<long long>(offset));
+        std::printf("  %s+0x%llx\n", name != nullptr ? name + 1 : path.data(),
+                    static_cast<long long>(offset));
         return;
     }
     std::printf("  %p\n", address);
@@ -56,7 +58,8 @@ bool IsOwnCode(const void* address)
 {
     HMODULE module = nullptr;
     std::array<char, MAX_PATH> path = {};
-    if (!GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+    if (!GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS |
+                                GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
                             static_cast<LPCSTR>(address), &module) ||
         GetModuleFileNameA(module, path.data(), static_cast<DWORD>(path.size())) == 0)
     {
@@ -130,8 +133,8 @@ int RunOnOwnDesktop()
     PROCESS_INFORMATION process = {};
     std::string commandLine = GetCommandLineA();
     DWORD exitCode = 1;
-    if (!CreateProcessA(ProgramPath().c_str(), commandLine.data(), nullptr, nullptr, TRUE, CREATE_SUSPENDED, nullptr,
-                        nullptr, &startup, &process))
+    if (!CreateProcessA(ProgramPath().c_str(), commandLine.data(), nullptr, nullptr, TRUE, CREATE_SUSPENDED,
+                        nullptr, nullptr, &startup, &process))
     {
         std::printf("the test could not be started on its desktop: error %lu\n", GetLastError());
         return 1;

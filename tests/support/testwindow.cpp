@@ -96,7 +96,8 @@ std::string DescribeTree(HWND window)
     for (const HWND child : Descendants(window))
     {
         std::string indent = "  ";
-        for (HWND parent = GetParent(child); parent != nullptr && parent != window; parent = GetParent(parent))
+        for (HWND parent = GetParent(child); parent != nullptr && parent != window;
+             parent = GetParent(parent))
         {
             indent += "  ";
         }
@@ -237,7 +238,8 @@ std::vector<std::string> Control::Items() const
         const auto position = static_cast<WPARAM>(index);
         const LRESULT length = Send(list ? LB_GETTEXTLEN : CB_GETLBTEXTLEN, position);
         std::string text(static_cast<std::size_t>(std::max<LRESULT>(length, 0)) + 1, '\0');
-        const LRESULT copied = Send(list ? LB_GETTEXT : CB_GETLBTEXT, position, reinterpret_cast<LPARAM>(text.data()));
+        const LRESULT copied =
+            Send(list ? LB_GETTEXT : CB_GETLBTEXT, position, reinterpret_cast<LPARAM>(text.data()));
         text.resize(static_cast<std::size_t>(std::max<LRESULT>(copied, 0)));
         items.push_back(std::move(text));
     }
@@ -253,8 +255,9 @@ std::string Control::SelectedItem() const
 {
     const int selection = Selection();
     const std::vector<std::string> items = Items();
-    return selection >= 0 && selection < static_cast<int>(items.size()) ? items[static_cast<std::size_t>(selection)]
-                                                                        : std::string();
+    return selection >= 0 && selection < static_cast<int>(items.size())
+               ? items[static_cast<std::size_t>(selection)]
+               : std::string();
 }
 
 void Control::Choose(int index) const
@@ -318,7 +321,8 @@ SYSTEMTIME Control::Date() const
 std::vector<std::vector<std::string>> Control::Rows() const
 {
     const auto header = reinterpret_cast<HWND>(Send(LVM_GETHEADER));
-    const int columns = header != nullptr ? static_cast<int>(SendMessageA(header, HDM_GETITEMCOUNT, 0, 0)) : 1;
+    const int columns =
+        header != nullptr ? static_cast<int>(SendMessageA(header, HDM_GETITEMCOUNT, 0, 0)) : 1;
     std::vector<std::vector<std::string>> rows(static_cast<std::size_t>(Send(LVM_GETITEMCOUNT)));
     for (std::size_t row = 0; row < rows.size(); ++row)
     {
@@ -357,7 +361,8 @@ HWND Dialog::FindItem(int id) const
     HWND found = nullptr;
     for (const HWND control : Descendants(m_window))
     {
-        if (GetDlgCtrlID(control) == id && (found == nullptr || (!IsWindowVisible(found) && IsWindowVisible(control))))
+        if (GetDlgCtrlID(control) == id &&
+            (found == nullptr || (!IsWindowVisible(found) && IsWindowVisible(control))))
         {
             found = control;
         }
@@ -477,8 +482,8 @@ void Dialog::ClickTab(int index) const
 {
     RECT place = {};
     const HWND tabs = TabControl();
-    if (tabs == nullptr || !SendMessageA(tabs, TCM_GETITEMRECT, static_cast<WPARAM>(index),
-                                         reinterpret_cast<LPARAM>(&place)))
+    if (tabs == nullptr ||
+        !SendMessageA(tabs, TCM_GETITEMRECT, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&place)))
     {
         throw ScriptFailure("no tab " + std::to_string(index) + " in " + DescribeWindow(m_window));
     }
@@ -503,7 +508,8 @@ std::vector<std::string> Dialog::Buttons() const
     std::vector<std::string> buttons;
     for (const HWND control : Descendants(m_window))
     {
-        if (IsWindowVisible(control) && WindowClass(control) == "Button" && ButtonType(control) <= BS_DEFPUSHBUTTON)
+        if (IsWindowVisible(control) && WindowClass(control) == "Button" &&
+            ButtonType(control) <= BS_DEFPUSHBUTTON)
         {
             buttons.push_back(WithoutAccessKeys(WindowText(control)));
         }
@@ -515,7 +521,8 @@ std::string Dialog::DefaultButton() const
 {
     for (const HWND control : Descendants(m_window))
     {
-        if (IsWindowVisible(control) && WindowClass(control) == "Button" && ButtonType(control) == BS_DEFPUSHBUTTON)
+        if (IsWindowVisible(control) && WindowClass(control) == "Button" &&
+            ButtonType(control) == BS_DEFPUSHBUTTON)
         {
             return WithoutAccessKeys(WindowText(control));
         }
@@ -527,12 +534,10 @@ bool Dialog::HasIcon(LPCSTR systemIcon) const
 {
     const HICON wanted = LoadIconA(nullptr, systemIcon);
     const std::vector<HWND> controls = Descendants(m_window);
-    return std::any_of(controls.begin(), controls.end(),
-                       [&](HWND control)
-                       {
-                           return WindowClass(control) == "Static" && IsWindowVisible(control) &&
-                                  SendMessageA(control, STM_GETICON, 0, 0) == reinterpret_cast<LRESULT>(wanted);
-                       });
+    return std::any_of(controls.begin(), controls.end(), [&](HWND control) {
+        return WindowClass(control) == "Static" && IsWindowVisible(control) &&
+               SendMessageA(control, STM_GETICON, 0, 0) == reinterpret_cast<LRESULT>(wanted);
+    });
 }
 
 } // namespace veltest

@@ -13,9 +13,9 @@ class DialogScript;
 // Text, class and description of any window of this process; safe to call from any of its threads.
 std::string WindowText(HWND window);
 std::string WindowClass(HWND window);
-std::vector<HWND> Descendants(HWND window);  // children of every depth in creation (tab) order
-std::string DescribeWindow(HWND window);     // one line: class, id, text, state, place
-std::string DescribeTree(HWND window);       // the same for the window and its descendants
+std::vector<HWND> Descendants(HWND window);              // children of every depth in creation (tab) order
+std::string DescribeWindow(HWND window);                 // one line: class, id, text, state, place
+std::string DescribeTree(HWND window);                   // the same for the window and its descendants
 std::string WithoutAccessKeys(const std::string& label); // "&Save && go" becomes "Save & go"
 
 // One control of a dialog as a script's thread sees it. What a user would do goes through posted messages, so
@@ -24,22 +24,39 @@ std::string WithoutAccessKeys(const std::string& label); // "&Save && go" become
 class Control
 {
 public:
-    Control(DialogScript& script, HWND window) : m_script(&script), m_window(window) {}
+    Control(DialogScript& script, HWND window) : m_script(&script), m_window(window)
+    {
+    }
 
-    HWND Handle() const { return m_window; }
-    int Id() const { return GetDlgCtrlID(m_window); }
-    std::string Text() const { return WindowText(m_window); }
-    bool IsEnabled() const { return IsWindowEnabled(m_window) != FALSE; }
-    bool IsVisible() const { return IsWindowVisible(m_window) != FALSE; }
+    HWND Handle() const
+    {
+        return m_window;
+    }
+    int Id() const
+    {
+        return GetDlgCtrlID(m_window);
+    }
+    std::string Text() const
+    {
+        return WindowText(m_window);
+    }
+    bool IsEnabled() const
+    {
+        return IsWindowEnabled(m_window) != FALSE;
+    }
+    bool IsVisible() const
+    {
+        return IsWindowVisible(m_window) != FALSE;
+    }
     bool HasFocus() const;
 
-    void Focus() const;                         // as the tab key or an access key would
-    void Type(const std::string& text) const;   // focuses and appends characters at the caret
+    void Focus() const;                          // as the tab key or an access key would
+    void Type(const std::string& text) const;    // focuses and appends characters at the caret
     void Replace(const std::string& text) const; // focuses, selects everything and types; empty text deletes
     void SetText(const std::string& text) const; // sets it past every limit of typing
-    void PostKey(UINT virtualKey) const;        // key down and up for this window, without a key state
-    void PressKey(UINT virtualKey) const;       // focuses, then real input, as from the keyboard
-    void Notify(UINT code) const;               // posts WM_COMMAND with this code to the parent
+    void PostKey(UINT virtualKey) const;         // key down and up for this window, without a key state
+    void PressKey(UINT virtualKey) const;        // focuses, then real input, as from the keyboard
+    void Notify(UINT code) const;                // posts WM_COMMAND with this code to the parent
     LRESULT Send(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const; // with a time limit
     void Post(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const;
 
@@ -49,15 +66,15 @@ public:
 
     // Combo boxes and list boxes.
     std::vector<std::string> Items() const;
-    int Selection() const;                      // -1 when nothing is selected
-    std::string SelectedItem() const;           // empty when nothing is selected
-    void Choose(int index) const;               // selects and notifies the dialog
-    void Choose(const std::string& item) const; // the whole text of an item
+    int Selection() const;                                   // -1 when nothing is selected
+    std::string SelectedItem() const;                        // empty when nothing is selected
+    void Choose(int index) const;                            // selects and notifies the dialog
+    void Choose(const std::string& item) const;              // the whole text of an item
     void SelectItems(const std::vector<int>& indices) const; // list boxes with multiple selection
 
     // Date and time pickers. The date is the user's: it is notified to the dialog.
     void SetDate(WORD year, WORD month, WORD day) const;
-    SYSTEMTIME Date() const;                    // year 0 when no date is set
+    SYSTEMTIME Date() const; // year 0 when no date is set
 
     // List views in report form.
     std::vector<std::vector<std::string>> Rows() const;
@@ -65,7 +82,10 @@ public:
 
 private:
     bool IsClass(const char* part) const;
-    bool IsListBox() const { return IsClass("ListBox"); }
+    bool IsListBox() const
+    {
+        return IsClass("ListBox");
+    }
 
     DialogScript* m_script;
     HWND m_window;
@@ -75,12 +95,26 @@ private:
 class Dialog
 {
 public:
-    Dialog(DialogScript& script, HWND window) : m_script(&script), m_window(window) {}
+    Dialog(DialogScript& script, HWND window) : m_script(&script), m_window(window)
+    {
+    }
 
-    HWND Handle() const { return m_window; }
-    std::string Title() const { return WindowText(m_window); }
-    bool IsOpen() const { return IsWindow(m_window) != FALSE && IsWindowVisible(m_window) != FALSE; }
-    bool IsEnabled() const { return IsWindowEnabled(m_window) != FALSE; }
+    HWND Handle() const
+    {
+        return m_window;
+    }
+    std::string Title() const
+    {
+        return WindowText(m_window);
+    }
+    bool IsOpen() const
+    {
+        return IsWindow(m_window) != FALSE && IsWindowVisible(m_window) != FALSE;
+    }
+    bool IsEnabled() const
+    {
+        return IsWindowEnabled(m_window) != FALSE;
+    }
 
     // Controls by id, by their own text or by the label in front of them; "&" of access keys is ignored when
     // the text searched for holds none. In a property sheet the visible page is searched first.
@@ -90,27 +124,36 @@ public:
     Control ByLabel(const std::string& label) const;
     Control Focused() const;
 
-    void Press(int id) const { Item(id).Click(); }
-    void Press(const std::string& text) const { ByText(text).Click(); }
-    void PressKey(UINT virtualKey) const;   // real input into the focused control
-    void PressF1() const { PressKey(VK_F1); }
-    void PressAccessKey(char key) const;    // Alt and the key
-    void Close() const;                     // the close box of the caption
+    void Press(int id) const
+    {
+        Item(id).Click();
+    }
+    void Press(const std::string& text) const
+    {
+        ByText(text).Click();
+    }
+    void PressKey(UINT virtualKey) const; // real input into the focused control
+    void PressF1() const
+    {
+        PressKey(VK_F1);
+    }
+    void PressAccessKey(char key) const; // Alt and the key
+    void Close() const;                  // the close box of the caption
     void WaitForClosed() const;
-    void SettleIdle() const;                // waits for the next pass of command-update handlers
+    void SettleIdle() const; // waits for the next pass of command-update handlers
 
     // Property sheets.
     int PageIndex() const;
-    Dialog Page() const;                    // the visible page
-    void SelectPage(int index) const;       // asks the sheet; a page may refuse to be left
-    void ClickTab(int index) const;         // by mouse
+    Dialog Page() const;              // the visible page
+    void SelectPage(int index) const; // asks the sheet; a page may refuse to be left
+    void ClickTab(int index) const;   // by mouse
     int PageCount() const;
 
     // Message boxes.
     std::string BoxText() const;
     std::vector<std::string> Buttons() const;
     std::string DefaultButton() const;
-    bool HasIcon(LPCSTR systemIcon) const;  // IDI_QUESTION, IDI_EXCLAMATION, ...
+    bool HasIcon(LPCSTR systemIcon) const; // IDI_QUESTION, IDI_EXCLAMATION, ...
 
 private:
     HWND FindItem(int id) const;

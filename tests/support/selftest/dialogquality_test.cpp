@@ -21,7 +21,8 @@ HWND Create(int dialog)
 {
     const INITCOMMONCONTROLSEX controls = {sizeof controls, ICC_DATE_CLASSES};
     InitCommonControlsEx(&controls);
-    const HWND window = CreateDialogA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(dialog), nullptr, QuietProc);
+    const HWND window =
+        CreateDialogA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(dialog), nullptr, QuietProc);
     ShowWindow(window, SW_SHOW);
     return window;
 }

@@ -62,7 +62,8 @@ TEST(ProgramsTest, PracticeIsSetUpAndRemoved)
         EXPECT_EQ(practice.Get("Defaults", "Country"), "USA");
         practice.WriteFile("working\\A1.PF", std::string("a\0b\r\n", 5));
         EXPECT_EQ(practice.ReadFile("working\\A1.PF"), std::string("a\0b\r\n", 5));
-        SetFileAttributesA(practice.Path("working\\A1.PF").c_str(), FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN);
+        SetFileAttributesA(practice.Path("working\\A1.PF").c_str(),
+                           FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN);
     }
     EXPECT_FALSE(std::filesystem::exists(folder));
     EXPECT_EQ(std::getenv("VELTRIX_INI"), nullptr);
