@@ -200,9 +200,9 @@ bool CUnzipper::ReadCurrentEntry(const std::function<bool(const void* data, std:
     {
         taken += static_cast<unsigned>(got);
         good = taken <= entry.size && take(buffer.data(), static_cast<std::size_t>(got));
-        if (m_progress && taken % ReportBytes < static_cast<unsigned>(got))
+        if (good && m_progress && taken % ReportBytes < static_cast<unsigned>(got))
         {
-            m_progress(arc::UnzipPercent(m_nCurrent, m_directory.entries.size()), entry.name);
+            good = m_progress(arc::UnzipPercent(m_nCurrent, m_directory.entries.size()), entry.name);
         }
     }
     // The library compares checksums when it closes an entry, but only one that was read to its end.
@@ -309,10 +309,10 @@ bool CUnzipper::UnzipAll(const std::string& folder, bool ignorePath)
         {
             return false;
         }
-        if (m_progress)
+        if (m_progress && !m_progress(arc::UnzipPercent(m_nCurrent + 1, m_directory.entries.size()),
+                                      m_directory.entries[m_nCurrent].name))
         {
-            m_progress(arc::UnzipPercent(m_nCurrent + 1, m_directory.entries.size()),
-                       m_directory.entries[m_nCurrent].name);
+            return false;
         }
     }
     return true;

@@ -33,8 +33,9 @@ public:
         std::uint32_t attributes = 0;
         bool folder = false;
     };
-    // Called after each entry with the percentage of entries done, rounded up, and the entry's name.
-    using Progress = std::function<void(int percent, const std::string& name)>;
+    // Called at least every 64 KiB and behind each entry, with the percentage of entries done, rounded up,
+    // and the entry's name. False ends the work: the entry counts as failed.
+    using Progress = std::function<bool(int percent, const std::string& name)>;
 
     explicit CUnzipper(arc::FileSystem& files);
     ~CUnzipper(); // closes

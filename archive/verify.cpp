@@ -8,7 +8,7 @@
 namespace arc
 {
 bool VerifyZip(FileSystem& files, const std::string& zipPath, const std::vector<PresentFile>& expected,
-               const std::function<void()>& alive)
+               const std::function<bool()>& alive)
 {
     CUnzipper unzipper(files);
     if (!unzipper.OpenZip(zipPath) || unzipper.FileCount() != expected.size())
@@ -17,7 +17,7 @@ bool VerifyZip(FileSystem& files, const std::string& zipPath, const std::vector<
     }
     if (alive)
     {
-        unzipper.SetProgress([&](int, const std::string&) { alive(); });
+        unzipper.SetProgress([&](int, const std::string&) { return alive(); });
     }
     std::unordered_map<std::string, std::uint64_t> sizes;
     for (const PresentFile& file : expected)

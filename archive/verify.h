@@ -14,5 +14,5 @@ namespace arc
 // every entry unpacks whole with the right checksum. alive is called now and then while it reads, for a
 // window that wants painting.
 bool VerifyZip(FileSystem& files, const std::string& zipPath, const std::vector<PresentFile>& expected,
-               const std::function<void()>& alive = {});
+               const std::function<bool()>& alive = {});
 } // namespace arc

@@ -68,6 +68,7 @@ bool CZipper::OpenZip(const std::string& zipPath, const std::string& rootFolder,
     }
     m_strRoot = arc::JoinPath(root, "");
     m_nFiles = m_nFolders = m_nBytes = 0;
+    m_stored.clear();
     m_bFailed = false;
     m_nPercent = 0;
 
@@ -169,16 +170,20 @@ bool CZipper::StoreFile(const std::string& path, const std::string& stored)
         m_bFailed = zipWriteInFileInZip(m_zip, chunk, static_cast<unsigned>(*got)) != ZIP_OK;
         copied += *got;
         m_nProgressDone += *got;
-        if (copied % ReportBytes < *got)
+        if (copied % ReportBytes < *got && !Report(stored))
         {
-            Report(stored);
+            break;
         }
     }
     ++m_nFiles;
     m_nBytes += static_cast<std::uint32_t>(copied);
     m_bFailed |= zipCloseFileInZip(m_zip) != ZIP_OK;
-    Report(stored);
-    return complete && !m_bFailed;
+    if (!complete || m_bFailed || !Report(stored))
+    {
+        return false;
+    }
+    m_stored.push_back({stored, copied});
+    return true;
 }
 
 bool CZipper::AddFolderToZip(const std::string& folder, bool ignorePath)
@@ -241,7 +246,8 @@ bool CZipper::AddTree(const std::string& folder, const std::string& stored, bool
     return true;
 }
 
-bool CZipper::AddPatternList(const std::string& arguments, const std::string& baseFolder, bool ignorePath)
+bool CZipper::AddPatternList(const std::string& arguments, const std::string& baseFolder, bool ignorePath,
+                             const std::vector<std::string>& moreFiles)
 {
     if (!m_zip)
     {
@@ -263,7 +269,10 @@ bool CZipper::AddPatternList(const std::string& arguments, const std::string& ba
         std::vector<arc::FolderEntry> entries;
         // The folder is asked for what begins alike; which of it matches is decided here.
         const std::string begin(pattern.substr(0, pattern.find_first_of("*?")));
-        m_files.List(folder.empty() ? "." : folder, begin == pattern ? begin : begin + "*", entries);
+        if (!m_files.List(folder.empty() ? "." : folder, begin == pattern ? begin : begin + "*", entries))
+        {
+            return false; // a folder that cannot be read is not one without matches
+        }
         for (const arc::FolderEntry& entry : entries)
         {
             const std::string path = arc::JoinPath(folder, entry.name);
@@ -273,6 +282,15 @@ bool CZipper::AddPatternList(const std::string& arguments, const std::string& ba
                 found.push_back({path, entry.info.size});
                 m_nProgressTotal += entry.info.size;
             }
+        }
+    }
+    for (const std::string& path : moreFiles)
+    {
+        if (taken.insert(arc::FoldCase(path)).second)
+        {
+            const auto info = m_files.Query(path);
+            found.push_back({path, info ? info->size : 0});
+            m_nProgressTotal += found.back().size;
         }
     }
     const bool all = std::all_of(found.begin(), found.end(),
@@ -327,18 +345,24 @@ void CZipper::SetProgress(Progress progress)
     m_progress = std::move(progress);
 }
 
-void CZipper::Report(const std::string& name)
+bool CZipper::Report(const std::string& name)
 {
-    if (m_progress && m_nProgressTotal > 0)
+    if (!m_progress || m_nProgressTotal == 0)
     {
-        m_nPercent = std::max(m_nPercent, arc::ProgressPercent(m_nProgressDone, m_nProgressTotal));
-        m_progress(m_nPercent, name);
+        return true;
     }
+    m_nPercent = std::max(m_nPercent, arc::ProgressPercent(m_nProgressDone, m_nProgressTotal));
+    return m_progress(m_nPercent, name);
 }
 
 bool CZipper::IsOpen() const
 {
     return m_zip != nullptr;
+}
+
+const std::vector<arc::PresentFile>& CZipper::Stored() const
+{
+    return m_stored;
 }
 
 std::uint32_t CZipper::FilesAdded() const

@@ -24,9 +24,10 @@ inline constexpr std::size_t ZipChunk = 2048;
 class CZipper
 {
 public:
-    // Called after each chunk with the percentage of all bytes to add (0 to 100, never less than before) and
-    // the name of the file under way.
-    using Progress = std::function<void(int percent, const std::string& name)>;
+    // Called at least every 64 KiB and behind each file, with the percentage of all bytes to add (0 to 100,
+    // never less than before) and the name of the file under way. False ends the work: the file counts as
+    // failed.
+    using Progress = std::function<bool(int percent, const std::string& name)>;
 
     explicit CZipper(arc::FileSystem& files);
     ~CZipper(); // closes
@@ -44,9 +45,10 @@ public:
     bool AddFolderToZip(const std::string& folder, bool ignorePath = false);
     // Adds every file that the patterns match ("*", "?" = exactly one character). A pattern without a folder
     // looks in baseFolder, one with a folder in that. A file that several patterns match is stored once. No
-    // match is no error.
+    // match is no error, a folder that cannot be read is. moreFiles: paths of further files, which must
+    // exist, added behind those.
     bool AddPatternList(const std::string& arguments, const std::string& baseFolder = {},
-                        bool ignorePath = false);
+                        bool ignorePath = false, const std::vector<std::string>& moreFiles = {});
     // Adds these files of a folder under their bare names; their sizes make up the progress.
     bool AddFiles(const std::string& folder, const std::vector<arc::PresentFile>& set);
     // Writes the central directory and has everything on the medium when it answers true. False when no zip
@@ -60,6 +62,8 @@ public:
     void SetProgress(Progress progress);
 
     bool IsOpen() const;
+    // Stored names and sizes of the files that were stored whole since the zip was opened, in their order.
+    const std::vector<arc::PresentFile>& Stored() const;
     // Since the zip was opened.
     std::uint32_t FilesAdded() const;
     std::uint32_t FoldersAdded() const;
@@ -70,7 +74,7 @@ private:
     bool OpenEntry(const std::string& stored, const arc::FileInfo& info);
     bool AddTree(const std::string& folder, const std::string& stored, bool ignorePath, int depth);
     bool StoreFile(const std::string& path, const std::string& stored);
-    void Report(const std::string& name);
+    bool Report(const std::string& name);
 
     arc::FileSystem& m_files;
     std::unique_ptr<arc::ZipFileFunctions> m_functions; // of the open zip
@@ -80,6 +84,7 @@ private:
     std::uint32_t m_nFiles = 0;
     std::uint32_t m_nFolders = 0;
     std::uint32_t m_nBytes = 0;
+    std::vector<arc::PresentFile> m_stored;
     bool m_bFailed = false; // something could not be written: the zip is spoilt
     Progress m_progress;
     std::uint64_t m_nProgressDone = 0;

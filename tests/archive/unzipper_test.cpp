@@ -116,7 +116,10 @@ TEST_F(ArchiveUnzipper, ExtractsBelowTheFolderWithTimes)
     zip.entries = {Entry("d\\e\\a.pf"), Entry("f\\"), Entry("b.pf", "", 8)};
     zip.entries[1].contents.clear();
     std::vector<int> percents;
-    unzipper.SetProgress([&](int percent, const std::string&) { percents.push_back(percent); });
+    unzipper.SetProgress([&](int percent, const std::string&) {
+        percents.push_back(percent);
+        return true;
+    });
     files.Put("C:\\out\\d\\e\\a.pf", "older and longer than the new one", attribute::ReadOnly);
     files.Put("C:\\x.kaz", zip.Build());
     ASSERT_TRUE(unzipper.OpenZip("C:\\x.kaz"));

@@ -225,7 +225,10 @@ TEST_F(ArchiveZipper, ProgressMovesWithinALargeFile)
     files.Put("C:\\w\\large.i40", Noise(3'000'000));
     files.Put("C:\\w\\small.i40", "x");
     std::vector<int> seen;
-    zipper.SetProgress([&](int percent, const std::string&) { seen.push_back(percent); });
+    zipper.SetProgress([&](int percent, const std::string&) {
+        seen.push_back(percent);
+        return true;
+    });
     ASSERT_TRUE(zipper.OpenZip("C:\\w\\x.zip"));
     EXPECT_TRUE(zipper.AddPatternList("\"*.i40\"", "C:\\w", true));
     EXPECT_TRUE(std::is_sorted(seen.begin(), seen.end()));

@@ -1,0 +1,50 @@
+#include "archive/asidefile.h"
+
+namespace arc
+{
+AsideFile::AsideFile(FileSystem& files) : m_files(files)
+{
+}
+
+bool AsideFile::MoveAway(const std::string& path)
+{
+    m_aside.clear();
+    const auto existing = m_files.Query(path);
+    if (!existing)
+    {
+        return true;
+    }
+    if (existing->IsFolder() || (existing->attributes & attribute::ReadOnly) != 0)
+    {
+        return false;
+    }
+    constexpr int attempts = 1000;
+    for (int number = 1; number < attempts; ++number)
+    {
+        const std::string aside = path + ".previous" + (number == 1 ? "" : std::to_string(number));
+        if (!m_files.Query(aside))
+        {
+            // Should somebody take the name meanwhile, the move fails and nothing is lost.
+            const bool moved = m_files.Move(path, aside);
+            m_aside = moved ? aside : std::string();
+            return moved;
+        }
+    }
+    return false;
+}
+
+void AsideFile::Discard()
+{
+    if (!m_aside.empty())
+    {
+        m_files.SetAttributes(m_aside, attribute::Normal);
+        m_files.RemoveFile(m_aside);
+        m_aside.clear();
+    }
+}
+
+const std::string& AsideFile::Path() const
+{
+    return m_aside;
+}
+} // namespace arc

@@ -1,0 +1,168 @@
+#include "archive/filenames.h"
+#include "archive/resultcodes.h"
+#include "archive/zipwork.h"
+#include "tests/archive/memoryfilesystem.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+using testing::ElementsAre;
+namespace attribute = arc::attribute;
+
+extern "C" const char* __lsan_default_suppressions();
+extern "C" const char* __lsan_default_suppressions()
+{
+    return "leak:zipOpenNewFileInZip4_64"; // see zipper_test.cpp
+}
+
+namespace
+{
+const std::string Archive = "C:\\arc\\S1.KAZ";
+
+class ArchiveZipWork : public testing::Test
+{
+protected:
+    ArchiveZipWork()
+    {
+        for (const char* name : {"S1.PF", "S100.I40", "S100.DF0", "S12.PF"})
+        {
+            files.Put(std::string("C:\\w\\") + name, std::string(5000, name[3]) + name);
+        }
+        files.Put("C:\\tmp\\S1.ACV", "record");
+        files.CreateFolder("C:\\arc");
+        save.archivePath = Archive;
+        save.patterns = arc::ArchivePatternArgument("S1");
+        save.folder = "C:\\w";
+        save.moreFiles = {"C:\\tmp\\S1.ACV", "C:\\w\\S100.DF0", "C:\\w\\S1.PF"};
+    }
+
+    MemoryFileSystem files;
+    arc::ZipSave save;
+};
+} // namespace
+
+TEST_F(ArchiveZipWork, WhatIsSavedLoadsEqual)
+{
+    std::vector<int> percents;
+    save.checking = "checking";
+    std::string last;
+    ASSERT_EQ(arc::SaveZip(files, save,
+                           [&](int percent, const std::string& name) {
+                               percents.push_back(percent);
+                               last = name;
+                               return true;
+                           }),
+              arc::ResultDone);
+    EXPECT_TRUE(std::is_sorted(percents.begin(), percents.end()));
+    EXPECT_EQ(last, "S100.DF0"); // too small to be reported while it is read back
+    ASSERT_EQ(arc::LoadZip(files, Archive, "C:\\out"), arc::ResultDone);
+    EXPECT_THAT(files.Tree("C:\\out"),
+                ElementsAre("C:\\OUT\\S1.ACV", "C:\\OUT\\S1.PF", "C:\\OUT\\S100.DF0", "C:\\OUT\\S100.I40"));
+    EXPECT_EQ(files.Bytes("C:\\out\\S100.DF0"), files.Bytes("C:\\w\\S100.DF0"));
+    EXPECT_THAT(files.Tree("C:\\arc"), ElementsAre("C:\\ARC\\S1.KAZ"));
+}
+
+TEST_F(ArchiveZipWork, TheOldArchiveGoesOnlyWhenTheNewOneIsGood)
+{
+    files.Put(Archive, "old", attribute::Archive | attribute::Hidden);
+    files.Put(Archive + ".previous", "older");
+    ASSERT_EQ(arc::SaveZip(files, save), arc::ResultDone);
+    EXPECT_THAT(files.Tree("C:\\arc"), ElementsAre("C:\\ARC\\S1.KAZ", "C:\\ARC\\S1.KAZ.PREVIOUS"));
+    EXPECT_EQ(files.Bytes(Archive + ".previous"), "older");
+
+    files.Put(Archive, "old");
+    const auto held = files.Open("C:\\w\\S100.I40", arc::Access::ReadShared);
+    EXPECT_EQ(arc::SaveZip(files, save), arc::ResultSaveFailed);
+    EXPECT_FALSE(files.Exists(Archive));
+    EXPECT_EQ(files.Bytes(Archive + ".previous2"), "old");
+    EXPECT_EQ(files.Bytes(Archive + ".previous"), "older");
+}
+
+TEST_F(ArchiveZipWork, AReadOnlyArchiveStays)
+{
+    files.Put(Archive, "old", attribute::Archive | attribute::ReadOnly);
+    EXPECT_EQ(arc::SaveZip(files, save), arc::ResultSaveFailed);
+    EXPECT_EQ(files.Bytes(Archive), "old");
+    save.diskette = true;
+    EXPECT_EQ(arc::SaveZip(files, save), arc::ResultSaveFailed);
+    EXPECT_EQ(files.Bytes(Archive), "old");
+}
+
+TEST_F(ArchiveZipWork, OnADisketteTheArchiveIsWrittenOver)
+{
+    files.Put(Archive, "old");
+    save.diskette = true;
+    EXPECT_EQ(arc::SaveZip(files, save), arc::ResultDone);
+    EXPECT_THAT(files.Tree("C:\\arc"), ElementsAre("C:\\ARC\\S1.KAZ"));
+}
+
+TEST_F(ArchiveZipWork, FailuresHaveTheirCodes)
+{
+    save.moreFiles.push_back("C:\\tmp\\none");
+    EXPECT_EQ(arc::SaveZip(files, save), arc::ResultSaveFailed);
+    EXPECT_FALSE(files.Exists(Archive));
+    save.moreFiles.pop_back();
+    save.archivePath = "C:\\nowhere\\S1.KAZ";
+    EXPECT_EQ(arc::SaveZip(files, save), arc::ResultSaveFailed);
+    // Two files of one bare name could not both be loaded.
+    save.archivePath = Archive;
+    files.Put("C:\\tmp\\S100.I40", "other");
+    save.moreFiles.push_back("C:\\tmp\\S100.I40");
+    EXPECT_EQ(arc::SaveZip(files, save), arc::ResultSaveFailed);
+    EXPECT_FALSE(files.Exists(Archive));
+
+    files.Put(Archive, "no zip");
+    EXPECT_EQ(arc::LoadZip(files, Archive, "C:\\out"), arc::ResultLoadFailed);
+    EXPECT_EQ(arc::LoadZip(files, "C:\\none.kaz", "C:\\out"), arc::ResultLoadFailed);
+}
+
+TEST_F(ArchiveZipWork, StoppingLeavesNoArchive)
+{
+    files.Put(Archive, "old");
+    EXPECT_EQ(arc::SaveZip(files, save, [](int, const std::string&) { return false; }), arc::ResultCancelled);
+    EXPECT_FALSE(files.Exists(Archive));
+    EXPECT_EQ(files.Bytes(Archive + ".previous"), "old");
+    ASSERT_EQ(arc::SaveZip(files, save), arc::ResultDone);
+    EXPECT_EQ(arc::LoadZip(files, Archive, "C:\\out", [](int, const std::string&) { return false; }),
+              arc::ResultCancelled);
+}
+
+// Whichever call is the last that works, as when the process is killed there: the old archive is whole, under
+// its own name or beside it, or the new one is.
+TEST_F(ArchiveZipWork, NoMomentLosesBothArchives)
+{
+    const auto reset = [&] {
+        files.FailFrom(0);
+        for (const std::string& path : files.Tree("C:\\arc"))
+        {
+            files.RemoveFile(path);
+        }
+        files.Put(Archive, "old");
+    };
+    reset();
+    files.FailFrom(0);
+    ASSERT_EQ(arc::SaveZip(files, save), arc::ResultDone);
+    const int calls = files.Calls();
+    const std::string good = files.Bytes(Archive);
+    ASSERT_GT(calls, 20);
+    for (int call = 1; call <= calls; ++call)
+    {
+        for (const int times : {0, 1})
+        {
+            reset();
+            files.FailFrom(call, times);
+            const int result = arc::SaveZip(files, save);
+            files.FailFrom(0);
+            const bool whole = files.Bytes(Archive) == good;
+            const bool kept = files.Bytes(Archive) == "old" || files.Bytes(Archive + ".previous") == "old";
+            EXPECT_TRUE(whole || kept) << call << " " << times;
+            EXPECT_TRUE(result != arc::ResultDone || whole) << call << " " << times;
+            // After a fault that passed, what is not good does not stand under the archive's name.
+            EXPECT_TRUE(times == 0 || result == arc::ResultDone || !files.Exists(Archive) ||
+                        files.Bytes(Archive) == "old")
+                << call;
+        }
+    }
+}
