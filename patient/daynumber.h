@@ -1,4 +1,4 @@
-// Whole days as numbers, for rules that know no windows.
+// Whole days, alone and as numbers for rules that know no windows.
 #pragma once
 
 #include "suite/util/veldate.h"
@@ -8,3 +8,6 @@ long patDayNumber(const velCDate& date);
 
 /// The date of a day number; no date for 0.
 velCDate patDayDate(long nDay);
+
+/// The date without the time of day that a date field adds to it.
+velCDate patWholeDay(const velCDate& date);

@@ -3,6 +3,7 @@
 #include "app/velapp.h"
 #include "patient/chartrules.h"
 #include "patient/chartsheet.h"
+#include "patient/daynumber.h"
 #include "patient/patientres.h"
 #include "suite/dialogs/teethcontrol.h"
 #include "suite/patients/dbpatients.h"
@@ -55,6 +56,7 @@ void patCDlgChart::DoDataExchange(CDataExchange* pDX)
     DDX_Text(pDX, IDC_CHART_NICKNAME, m_strNickname);
     DDV_MaxChars(pDX, m_strNickname, PAT_MAX_NICKNAME);
     DDX_DateTimeCtrl(pDX, IDC_CHART_BIRTHDATE, m_dateBirth);
+    m_dateBirth = patWholeDay(m_dateBirth);
     DDX_Radio(pDX, IDC_CHART_GENDER_FIRST, m_nGenderButton);
     m_contact.DoDataExchange(pDX);
 }

@@ -2,6 +2,7 @@
 
 #include "patient/chartrules.h"
 #include "patient/chartsheet.h"
+#include "patient/daynumber.h"
 #include "patient/patientres.h"
 #include "suite/patients/dbpatient.h"
 
@@ -40,6 +41,7 @@ void patCDlgGuard::DoDataExchange(CDataExchange* pDX)
     DDX_Text(pDX, IDC_GUARD_NICKNAME, m_strNickname);
     DDV_MaxChars(pDX, m_strNickname, PAT_MAX_NICKNAME);
     DDX_DateTimeCtrl(pDX, IDC_GUARD_BIRTHDATE, m_dateBirth);
+    m_dateBirth = patWholeDay(m_dateBirth);
     DDX_Radio(pDX, IDC_GUARD_GENDER_FIRST, m_nGenderButton);
     m_contact.DoDataExchange(pDX);
     DDX_Text(pDX, IDC_GUARD_NOTES, m_strNotes);
