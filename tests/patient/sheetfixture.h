@@ -24,6 +24,7 @@ protected:
 
     SheetTest()
     {
+        m_practice.Set("Environment", "DatabaseTimeout", "2000"); // milliseconds
         dbCPatients::Create(DatabasePath().c_str());
     }
     ~SheetTest() override
