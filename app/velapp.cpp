@@ -108,7 +108,7 @@ LRESULT CVelDlgsApp::ProcessWndProcException(CException* e, const MSG* pMsg)
     // What the user has been told already ends no dialog, and painting must come to an end in any case.
     if (e->IsKindOf(RUNTIME_CLASS(CUserException)) || !velEndModalRun(e))
         return CWinApp::ProcessWndProcException(e, pMsg);
-    if (pMsg->message == WM_PAINT)
+    if (pMsg != nullptr && pMsg->message == WM_PAINT)
         ::ValidateRect(pMsg->hwnd, nullptr);
-    return pMsg->message == WM_CREATE ? -1 : 0;
+    return pMsg != nullptr && pMsg->message == WM_CREATE ? -1 : 0;
 }

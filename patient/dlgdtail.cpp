@@ -113,6 +113,12 @@ void patCDlgDtail::List::Append(LPCTSTR pszText, const char* pszID)
     SetItemData(AddString(pszText), reinterpret_cast<DWORD_PTR>(pszID));
 }
 
+void patCDlgDtail::List::RemoveUpTo(int nEntry)
+{
+    for (int i = nEntry - 1; i > 0; --i)
+        DeleteString(static_cast<UINT>(i));
+}
+
 void patCDlgDtail::List::Select(const char* pszID)
 {
     for (int i = GetCount() - 1; i > 0; --i)
@@ -202,11 +208,13 @@ void patCDlgDtail::LoadLists(const dbCPatient& patient)
         pList->strLoaded = pList->GetSelectedID();
 }
 
+// When the doctors cannot be read, both lists keep what they show, so that OK changes nothing by itself.
 void patCDlgDtail::FillTreatingDoctors(const CString& strSelectedGUID)
 {
     const CFilling filling(m_listTreatingDoctor, expectedDoctors);
-    m_listTreatingDoctor.Begin(LoadText(IDS_DETAIL_SELECT_TREATING));
+    const int nBefore = m_listTreatingDoctor.GetCount();
     m_pTreatingDoctors->EnumTreatingDoctors(m_listTreatingDoctor);
+    m_listTreatingDoctor.RemoveUpTo(nBefore);
     m_listTreatingDoctor.Select(strSelectedGUID);
     ShowSummary(m_listTreatingDoctor, IDC_DETAIL_TREATING_SUMMARY);
 }
@@ -214,16 +222,18 @@ void patCDlgDtail::FillTreatingDoctors(const CString& strSelectedGUID)
 void patCDlgDtail::FillReferringDoctors(const CString& strSelectedGUID)
 {
     const CFilling filling(m_listReferringDoctor, expectedDoctors);
-    m_listReferringDoctor.Begin(LoadText(IDS_REFER_SELECT_DOCTOR));
-    m_pDoctors->RegisterEnumCallback(
-        [](const dbSDoctorRow& row, LPVOID pList) -> BOOL {
-            static_cast<List*>(pList)->Append(patDoctorName(row.last, row.first).c_str(), row.guid.c_str());
-            return TRUE;
-        },
-        &m_listReferringDoctor);
+    const int nBefore = m_listReferringDoctor.GetCount();
+    m_pDoctors->RegisterEnumCallback(&patCDlgDtail::AppendDoctor, &m_listReferringDoctor);
     m_pDoctors->Enum(dbDoctorsByName);
+    m_listReferringDoctor.RemoveUpTo(nBefore);
     m_listReferringDoctor.Select(strSelectedGUID);
     ShowSummary(m_listReferringDoctor, IDC_DETAIL_REFERRING_SUMMARY);
+}
+
+BOOL patCDlgDtail::AppendDoctor(const dbSDoctorRow& row, LPVOID pList)
+{
+    static_cast<List*>(pList)->Append(patDoctorName(row.last, row.first).c_str(), row.guid.c_str());
+    return TRUE;
 }
 
 void patCDlgDtail::FillOffices(const CString& strOfficeID)

@@ -44,12 +44,16 @@ private:
         void Begin(const CString& strPlaceholder);
         /// Adds an entry; pszID must stay where it is as long as the entry.
         void Append(LPCTSTR pszText, const char* pszID);
+        /// Removes what stands between the placeholder and this entry.
+        void RemoveUpTo(int nEntry);
         /// Selects the entry with this id, or the placeholder.
         void Select(const char* pszID);
         /// The selected id; empty for the placeholder.
         CString GetSelectedID() const;
         bool IsChanged() const;
     };
+
+    static BOOL AppendDoctor(const dbSDoctorRow& row, LPVOID pList);
 
     void LoadTexts(const dbCPatient& patient);
     void LoadLists(const dbCPatient& patient);
