@@ -22,14 +22,16 @@ std::string_view Trim(std::string_view text)
 
 bool HasControls(std::string_view text)
 {
-    return std::ranges::any_of(text, [](unsigned char ch) { return (ch < 0x20 && ch != '\t') || ch == 0x7F; });
+    return std::ranges::any_of(text,
+                               [](unsigned char ch) { return (ch < 0x20 && ch != '\t') || ch == 0x7F; });
 }
 
 std::string Folded(std::string_view text)
 {
     std::string folded(text);
-    std::ranges::transform(folded, folded.begin(),
-                           [](char ch) { return ch >= 'A' && ch <= 'Z' ? static_cast<char>(ch - 'A' + 'a') : ch; });
+    std::ranges::transform(folded, folded.begin(), [](char ch) {
+        return ch >= 'A' && ch <= 'Z' ? static_cast<char>(ch - 'A' + 'a') : ch;
+    });
     return folded;
 }
 
@@ -173,6 +175,14 @@ std::string iniCFile::LineEnd() const
     return !m_lines.empty() && m_lines[0].ends_with('\n') && !m_lines[0].ends_with("\r\n") ? "\n" : "\r\n";
 }
 
+void iniCFile::EndLastLine()
+{
+    if (!m_lines.empty() && !m_lines.back().ends_with('\n'))
+    {
+        m_lines.back() += LineEnd();
+    }
+}
+
 bool iniCFile::Set(std::string_view section, std::string_view key, std::string_view value)
 {
     iniCFile changed(*this);
@@ -181,16 +191,13 @@ bool iniCFile::Set(std::string_view section, std::string_view key, std::string_v
     const auto found = m_values.find(IndexKey(section, key));
     if (found != m_values.end())
     {
-        // The key keeps its spelling and its blanks.
+        // The key keeps its spelling, the line its end.
         std::string& raw = changed.m_lines[found->second];
-        raw = raw.substr(0, Understand(raw).valueAt) + Quoted(value) + end;
+        const std::string ownEnd = raw.substr(WithoutEnd(raw).length());
+        raw = raw.substr(0, Understand(raw).valueAt) + Quoted(value) + (ownEnd.empty() ? end : ownEnd);
     }
     else
     {
-        if (!changed.m_lines.empty() && !changed.m_lines.back().ends_with('\n'))
-        {
-            changed.m_lines.back() += end;
-        }
         const auto isSection = [&](const std::string& raw) {
             const Line line = Understand(raw);
             return line.kind == Line::Kind::section && Folded(line.name) == Folded(section);
@@ -201,6 +208,7 @@ bool iniCFile::Set(std::string_view section, std::string_view key, std::string_v
         auto header = std::ranges::find_if(changed.m_lines, isSection);
         if (header == changed.m_lines.end())
         {
+            changed.EndLastLine();
             if (!changed.m_lines.empty() && !Trim(WithoutEnd(changed.m_lines.back())).empty())
             {
                 changed.m_lines.push_back(end);
@@ -215,6 +223,10 @@ bool iniCFile::Set(std::string_view section, std::string_view key, std::string_v
             while (Trim(WithoutEnd(*(place - 1))).empty())
             {
                 --place;
+            }
+            if (place == changed.m_lines.end())
+            {
+                changed.EndLastLine();
             }
             changed.m_lines.insert(place, setting);
         }
@@ -275,7 +287,8 @@ std::optional<int> iniParseInt(std::string_view text)
     {
         return std::nullopt;
     }
-    const std::uint64_t limit = static_cast<std::uint64_t>(std::numeric_limits<int>::max()) + (negative ? 1 : 0);
+    const std::uint64_t limit =
+        static_cast<std::uint64_t>(std::numeric_limits<int>::max()) + (negative ? 1 : 0);
     if (magnitude > limit)
     {
         return std::nullopt;

@@ -13,11 +13,11 @@ constexpr std::size_t inimaxFile = 1024 * 1024;
 constexpr std::size_t inimaxLine = 8 * 1024;
 constexpr std::size_t inimaxValue = 4096;
 
-// The lines of a file in memory. A line is a section "[name]", a setting "key=value" or anything else, which is
-// kept and ignored: comments (";" or "#"), blank lines, lines over inimaxLine, settings whose value is over
-// inimaxValue, lines with control characters other than the tab. Names ignore the case of ASCII letters; of
-// equal names the first counts. Blanks around names and values do not belong to them, nor does a pair of quotes
-// around a value.
+// The lines of a file in memory. A line is a section "[name]", a setting "key=value" or anything else, which
+// is kept and ignored: comments (";" or "#"), blank lines, lines over inimaxLine, settings whose value is
+// over inimaxValue, lines with control characters other than the tab. Names ignore the case of ASCII letters;
+// of equal names the first counts. Blanks around names and values do not belong to them, nor does a pair of
+// quotes around a value.
 class iniCFile
 {
 public:
@@ -29,8 +29,8 @@ public:
     std::optional<std::string> Find(std::string_view section, std::string_view key) const;
 
     // Sets or adds a setting; a new one goes to the end of its section, a new section to the end of the file.
-    // False, with nothing changed, when Find would not answer exactly this value afterwards (control characters
-    // or lengths that are not read, a key that holds "=").
+    // False, with nothing changed, when Find would not answer exactly this value afterwards (control
+    // characters or lengths that are not read, a key that holds "=").
     bool Set(std::string_view section, std::string_view key, std::string_view value);
     // Takes every line that sets the key away.
     void Remove(std::string_view section, std::string_view key);
@@ -41,11 +41,12 @@ public:
 private:
     void Index();
     std::string LineEnd() const;
+    void EndLastLine();
 
     std::vector<std::string> m_lines;                      // with their line ends
     std::unordered_map<std::string, std::size_t> m_values; // line by folded section and key
 };
 
-// A whole number: blanks, a sign, decimal digits or "0x" and hexadecimal ones, and nothing behind it but blanks
-// or a comment. Nothing when the text is no such number or it does not fit.
+// A whole number: blanks, a sign, decimal digits or "0x" and hexadecimal ones, and nothing behind it but
+// blanks or a comment. Nothing when the text is no such number or it does not fit.
 std::optional<int> iniParseInt(std::string_view text);

@@ -12,7 +12,8 @@ iniCFile Parsed(std::string_view text)
     return iniCFile::Parse(text).value();
 }
 
-std::optional<std::string> Found(std::string_view text, std::string_view section = "S", std::string_view key = "k")
+std::optional<std::string> Found(std::string_view text, std::string_view section = "S",
+                                 std::string_view key = "k")
 {
     return Parsed(text).Find(section, key);
 }
@@ -79,12 +80,14 @@ TEST(IniFile, ChangesOneLineAndKeepsTheRest)
         const char* after;
     };
     for (const Case& c : {
-             Case{"replaced", "; note\n[S]\n K = 1 \nrubbish\n[T]\nk=2\n", "; note\n[S]\n K =new\nrubbish\n[T]\nk=2\n"},
+             Case{"replaced", "; note\n[S]\n K = 1 \nrubbish\n[T]\nk=2\n",
+                  "; note\n[S]\n K =new\nrubbish\n[T]\nk=2\n"},
              Case{"CR LF kept", "[S]\r\nk=1\r\n", "[S]\r\nk=new\r\n"},
              Case{"added to its section", "[S]\na=1\n\n; of T\n[T]\n", "[S]\na=1\n\n; of T\nk=new\n[T]\n"},
              Case{"before the blank lines", "[S]\na=1\n\n\n[T]\n", "[S]\na=1\nk=new\n\n\n[T]\n"},
              Case{"last line without end", "[S]\r\na=1", "[S]\r\na=1\r\nk=new\r\n"},
              Case{"new section", "[T]\na=1\n", "[T]\na=1\n\n[S]\nk=new\n"},
+             Case{"its own line end", "[S]\r\nk=1\n", "[S]\r\nk=new\n"},
              Case{"empty file", "", "[S]\r\nk=new\r\n"},
              Case{"damaged line kept", "[S]\nk=\x01\n", "[S]\nk=\x01\nk=new\n"},
          })
@@ -98,9 +101,10 @@ TEST(IniFile, ChangesOneLineAndKeepsTheRest)
 
 TEST(IniFile, EveryValueItTakesIsReadBackExactly)
 {
-    for (const std::string& value : {std::string(), std::string(" "), std::string("  a  "), std::string("\"a\""),
-                                     std::string("'"), std::string("''"), std::string("\""), std::string("a;b#c=d[e]"),
-                                     std::string("\t"), std::string("\xA0\xE4"), longest})
+    for (const std::string& value :
+         {std::string(), std::string(" "), std::string("  a  "), std::string("\"a\""), std::string("'"),
+          std::string("''"), std::string("\""), std::string("a;b#c=d[e]"), std::string("\t"),
+          std::string("\xA0\xE4"), longest})
     {
         iniCFile file = Parsed("[S]\nk=old\n");
         ASSERT_TRUE(file.Set("S", "k", value)) << value;
@@ -118,10 +122,11 @@ TEST(IniFile, RefusesWhatItCouldNotReadBack)
         std::string key;
         std::string value;
     };
-    for (const Case& c : {Case{"S", "k", "a\nb"}, Case{"S", "k", "a\r"}, Case{"S", "k", std::string("a\0b", 3)},
-                          Case{"S", "k", "x" + longest}, Case{"S", "k\n[T]\nx", "v"}, Case{"S", "a=b", "v"},
-                          Case{"S", ";k", "v"}, Case{"S", "[k]", "v"}, Case{"S", " k", "v"}, Case{"S", "", "v"},
-                          Case{"", "k", "v"}, Case{"S]", "k", "v"}, Case{" S", "k", "v"}, Case{"S\n[T", "k", "v"}})
+    for (const Case& c :
+         {Case{"S", "k", "a\nb"}, Case{"S", "k", "a\r"}, Case{"S", "k", std::string("a\0b", 3)},
+          Case{"S", "k", "x" + longest}, Case{"S", "k\n[T]\nx", "v"}, Case{"S", "a=b", "v"},
+          Case{"S", ";k", "v"}, Case{"S", "[k]", "v"}, Case{"S", " k", "v"}, Case{"S", "", "v"},
+          Case{"", "k", "v"}, Case{"S]", "k", "v"}, Case{" S", "k", "v"}, Case{"S\n[T", "k", "v"}})
     {
         iniCFile file = Parsed("[T]\nx=1\n");
         EXPECT_FALSE(file.Set(c.section, c.key, c.value)) << c.section << '|' << c.key << '|' << c.value;
@@ -147,11 +152,26 @@ TEST(IniInt, TakesWholeNumbersOnly)
         std::optional<int> value;
     };
     const std::optional<int> none;
-    for (const Case& c : {Case{"7", 7}, Case{" -12 ", -12}, Case{"+3", 3}, Case{"007", 7}, Case{"0x1F", 31},
-                          Case{"1 ; on", 1}, Case{"2147483647", INT_MAX}, Case{"-2147483648", INT_MIN},
-                          Case{"2147483648", none}, Case{"-2147483649", none}, Case{"99999999999999999999", none},
-                          Case{"", none}, Case{"-", none}, Case{"0x", none}, Case{"abc", none}, Case{"1.5", none},
-                          Case{"1 2", none}, Case{"--1", none}, Case{"0x-1", none}, Case{"yes", none}})
+    for (const Case& c : {Case{"7", 7},
+                          Case{" -12 ", -12},
+                          Case{"+3", 3},
+                          Case{"007", 7},
+                          Case{"0x1F", 31},
+                          Case{"1 ; on", 1},
+                          Case{"2147483647", INT_MAX},
+                          Case{"-2147483648", INT_MIN},
+                          Case{"2147483648", none},
+                          Case{"-2147483649", none},
+                          Case{"99999999999999999999", none},
+                          Case{"", none},
+                          Case{"-", none},
+                          Case{"0x", none},
+                          Case{"abc", none},
+                          Case{"1.5", none},
+                          Case{"1 2", none},
+                          Case{"--1", none},
+                          Case{"0x-1", none},
+                          Case{"yes", none}})
     {
         EXPECT_EQ(iniParseInt(c.text), c.value) << c.text;
     }
