@@ -87,7 +87,7 @@ LRESULT CreateLabel(HWND hWnd, WPARAM wParam, LPARAM lParam)
     {
         ::SetWindowLongPtr(hWnd, nLabelOffset, reinterpret_cast<LONG_PTR>(label.release()));
     }
-    return nResult;
+    return nResult; // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks): the window owns it until WM_NCDESTROY
 }
 
 LRESULT CALLBACK EditProc(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam) noexcept

@@ -169,7 +169,7 @@ BOOL CNSFlexDialog::OnEraseBkgnd(CDC* pDC)
 }
 
 BEGIN_MESSAGE_MAP(mfcCDialog, CNSFlexDialog)
-ON_MESSAGE_VOID(WM_KICKIDLE, mfcCDialog::OnKickIdle)
+ON_MESSAGE_VOID(WM_KICKIDLE, &mfcCDialog::OnKickIdle)
 ON_BN_CLICKED(IDHELP, &mfcCDialog::OnHelpButton)
 END_MESSAGE_MAP()
 

@@ -7,7 +7,7 @@
 IMPLEMENT_DYNAMIC(mfcCPropertyPage, CPropertyPage)
 
 BEGIN_MESSAGE_MAP(mfcCPropertyPage, CPropertyPage)
-ON_MESSAGE_VOID(WM_KICKIDLE, mfcCPropertyPage::OnKickIdle)
+ON_MESSAGE_VOID(WM_KICKIDLE, &mfcCPropertyPage::OnKickIdle)
 ON_BN_CLICKED(IDHELP, &mfcCPropertyPage::OnHelpButton)
 END_MESSAGE_MAP()
 

@@ -371,7 +371,8 @@ LRESULT CALLBACK TeethProc(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lPara
     if (nMessage == WM_NCCREATE)
     {
         pWindow = new (std::nothrow) TeethWindow(hWnd);
-        ::SetWindowLongPtr(hWnd, 0, reinterpret_cast<LONG_PTR>(pWindow));
+        ::SetWindowLongPtr(hWnd, 0, reinterpret_cast<LONG_PTR>(pWindow)); // deleted by WM_NCDESTROY
+        // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks)
         return pWindow != nullptr && ::DefWindowProc(hWnd, nMessage, wParam, lParam);
     }
     if (nMessage == WM_NCDESTROY)
@@ -407,7 +408,7 @@ BOOL cttRegisterClass(HINSTANCE hInstance)
     wc.cbSize = sizeof wc;
     wc.style = CS_HREDRAW | CS_VREDRAW | CS_DBLCLKS;
     wc.lpfnWndProc = TeethProc;
-    wc.cbWndExtra = sizeof(TeethWindow*);
+    wc.cbWndExtra = sizeof(LONG_PTR);
     wc.hInstance = hInstance;
     wc.hCursor = ::LoadCursor(nullptr, IDC_ARROW);
     wc.lpszClassName = className;
