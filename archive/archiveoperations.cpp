@@ -9,6 +9,7 @@
 #include "archive/archiveres.h"
 #include "archive/choosefile.h"
 #include "archive/discbundle.h"
+#include "archive/filenames.h"
 #include "archive/resultcodes.h"
 #include "suite/util/velini.h"
 #include "suite/util/velpath.h"

@@ -4,6 +4,7 @@
 #include "archive/archivedlgres.h"
 #include "archive/archiveoverwritedlg.h"
 #include "archive/archiveres.h"
+#include "archive/filenames.h"
 #include "suite/util/velini.h"
 #include "suite/util/velpath.h"
 
