@@ -14,6 +14,7 @@
 #define IDS_ARC_OPEN_ERROR             9809
 #define IDS_ARC_EXTRACT_ERROR          9810
 #define IDS_ARC_LOAD_ERROR_CODE        9811
+#define IDS_ARC_STATUS_CHECKING        9812
 // Diskettes and volumes
 #define IDS_ARC_DISK_NOT_PATIENT       9820
 #define IDS_ARC_DISK_OTHER_PATIENT     9821
