@@ -50,6 +50,12 @@ public:
     /// The set of normative values the patient is measured against, 0 for the default.
     int GetNorm() const { return m_f.nNorm; }
 
+    /// For a new record that must keep the GUID it has elsewhere (a downloaded patient). A stored one's never changes.
+    void SetGUID(LPCTSTR psz)
+    {
+        if (!m_bStored)
+            m_f.strGUID = psz;
+    }
     void SetLastname(LPCTSTR psz) { m_f.strLastname = psz; }
     void SetFirstname(LPCTSTR psz) { m_f.strFirstname = psz; }
     void SetBirthdate(const velCDate& date) { m_f.dateBirth = date; }

@@ -1,0 +1,182 @@
+// The byte form of a patient and loading it into another practice.
+
+#include "tests/patients/testdatabase.h"
+
+namespace
+{
+std::string Store(dbCPatient patient, int nFormat)
+{
+    CMemFile file;
+    CArchive ar(&file, CArchive::store);
+    patient.Serialize(ar, nFormat);
+    ar.Close();
+    return {reinterpret_cast<const char*>(file.GetBufferPtr()), static_cast<size_t>(file.GetLength())};
+}
+
+/// Reads a patient; FALSE, with the patient unchanged, when the framework's or the library's exception is thrown.
+bool Read(dbCPatient& patient, std::string bytes, int nFormat)
+{
+    CMemFile file(reinterpret_cast<BYTE*>(bytes.data()), static_cast<UINT>(bytes.size()));
+    CArchive ar(&file, CArchive::load);
+    try
+    {
+        patient.Serialize(ar, nFormat);
+        return true;
+    }
+    catch (CException* e)
+    {
+        EXPECT_TRUE(e->IsKindOf(RUNTIME_CLASS(CArchiveException)) || e->IsKindOf(RUNTIME_CLASS(dbCException)));
+        e->Delete();
+        return false;
+    }
+}
+
+TEST(PatientArchive, LoadedIntoAnEmptyPracticeEveryFieldIsEqual)
+{
+    std::string bytes, before;
+    {
+        TestDatabase home;
+        dbCPatient patient = FullPatient("A1", HardText());
+        patient.SetOfficeID(dbCOfficeLocations().AddOffice("Main Street"));
+        dbCPerson doctor;
+        doctor.SetPersonGUID(AddDoctor("Frost"));
+        patient.AddPersonInfo(dbPersonTreatingDoctor, doctor);
+        patient.GetReferrals().AddReferralDoc(AddDoctor("Reed", "Tom", FALSE), velCDate(2024, 1, 2), "note");
+        dbCInsuranceCompany company;
+        company.SetName("Sound Cover");
+        company.Save();
+        patient.GetInsurances()[0].SetCompanyGUID(company.GetCompanyGUID());
+        patient.Save();
+
+        dbCPatientTreatmentStatusHistoryRow treatment;
+        treatment.SetpatID(patient.GetGUID());
+        treatment.SetDescription("Phase 1");
+        treatment.SetNewCode("P1");
+        treatment.SetDateTime(velCDate(2024, 1, 3));
+        dbCPatientTreatmentStatusHistoryTable().InsertRow(treatment);
+        patient.GetTimepoints()[0].SetptshID(treatment.GetptshID());
+        patient.Save();
+        const CString strItem = dbCDiagnosticGroup::DefineItem("Airway", "Clinical", "AW1", "Tonsils");
+        dbCDiagnosticInfo info;
+        info.SetValue("enlarged");
+        dbCPatientDiagnostics(patient.GetGUID(), 0, "Clinical").AddDiagnosticRecord(strItem, 2, info, 0, velCDate(2024, 1, 4));
+        patient.Load("A1");
+        before = Image(patient);
+        bytes = Store(patient, 1);
+    }
+    TestDatabase away;
+    const CString strOffice = dbCOfficeLocations().AddOffice("MAIN street");
+    dbCDiagnosticGroup::DefineItem("Airway", "Clinical", "aw1", "Tonsils");
+    dbCPatient archived;
+    ASSERT_TRUE(Read(archived, bytes, 1));
+    EXPECT_EQ(Image(archived), before);
+    dbCPatients patients;
+    ASSERT_TRUE(patients.AddFromArchive(archived));
+    EXPECT_FALSE(patients.AddFromArchive(archived)) << "it is there already";
+
+    dbCPatient loaded;
+    ASSERT_TRUE(loaded.Load("A1"));
+    EXPECT_EQ(loaded.GetLastname(), HardText());
+    EXPECT_EQ(loaded.GetOfficeID(), strOffice) << "matched by name";
+    EXPECT_EQ(loaded.GetReferrals()[0].Get_docLastname(), "Reed");
+    EXPECT_EQ(loaded.GetInsurances()[0].GetCompanyName(), "Sound Cover");
+    EXPECT_EQ(loaded.GetTimepoints().GetCount(), 3);
+    dbCPatientTreatmentStatusHistoryTable history;
+    history.LoadByPatID(loaded.GetGUID());
+    ASSERT_EQ(history.GetCount(), 1);
+    EXPECT_EQ(loaded.GetTimepoints()[0].GetptshID(), history[0].GetptshID());
+    EXPECT_TRUE(dbCPatientDiagnosisTreatmentsContainer::HasDiagnostics(loaded.GetTimepoints()[2].GettpID()));
+    dbCPerson doctor;
+    ASSERT_TRUE(loaded.GetPersonInfo(dbPersonTreatingDoctor, doctor));
+    EXPECT_EQ(doctor.GetLastname(), "Frost");
+}
+
+TEST(PatientArchive, TheEarlierFormatCarriesItsFields)
+{
+    dbCPatient patient = FullPatient("A1", HardText());
+    patient.SetGUID(dbNewGUID());
+    dbCDiagnosticInfo info;
+    info.SetGroupTitle("Airway");
+    info.SetItemCode("AW1");
+    info.SetTP(1);
+    patient.GetArchiveDiagnostics().Add(info);
+    const std::string bytes = Store(patient, 2);
+    dbCPatient read;
+    EXPECT_FALSE(Read(read, bytes, 1)) << "told from the present format";
+    read.Initialize();
+    ASSERT_TRUE(Read(read, bytes, 2));
+    EXPECT_EQ(read.GetLastname(), HardText());
+    EXPECT_EQ(read.GetTimepoints()[2].GetImageBits(0), 4U);
+    ASSERT_EQ(read.GetArchiveDiagnostics().GetCount(), 1);
+    EXPECT_EQ(read.GetArchiveDiagnostics()[0].GetTP(), 1);
+}
+
+TEST(PatientArchive, CutShortAnywhereItIsRefusedAndChangesNothing)
+{
+    dbCPatient patient = FullPatient("A1");
+    patient.SetGUID(dbNewGUID());
+    for (const int nFormat : {1, 2})
+    {
+        const std::string bytes = Store(patient, nFormat);
+        dbCPatient read = NewPatient("KEPT");
+        for (size_t n = 0; n < bytes.size(); ++n)
+            ASSERT_FALSE(Read(read, bytes.substr(0, n), nFormat)) << nFormat << ": " << n;
+        EXPECT_EQ(read.GetID(), "KEPT");
+        EXPECT_TRUE(Read(read, bytes, nFormat));
+    }
+}
+
+TEST(PatientArchive, DamagedBytesAreRefusedOrReadNeverWorse)
+{
+    dbCPatient patient = FullPatient("A1");
+    patient.SetGUID(dbNewGUID());
+    const std::string first = Store(patient, 1), second = Store(patient, 2);
+    for (size_t n = 0; n < first.size(); ++n)
+    {
+        std::string damaged = first;
+        damaged[n] = static_cast<char>(damaged[n] ^ 0x81);
+        dbCPatient read;
+        ASSERT_FALSE(Read(read, damaged, 1)) << n;
+    }
+    // The earlier format has no sum: lengths and counts may lie, but what is read is always usable.
+    for (size_t n = 0; n < second.size(); ++n)
+    {
+        std::string damaged = second;
+        damaged[n] = '\xFF';
+        dbCPatient read;
+        if (Read(read, damaged, 2))
+        {
+            EXPECT_TRUE(dbCPatients::IsGUID(read.GetGUID())) << n;
+            EXPECT_LE(read.GetTimepoints().GetCount(), 100) << n;
+        }
+    }
+    EXPECT_FALSE(Read(patient, "", 1));
+    EXPECT_FALSE(Read(patient, std::string("VPA1\xFF\xFF\xFF\x03") + std::string(4, '\0'), 1)) << "claims 64 MB";
+}
+
+TEST(PatientArchive, AnIDThatIsAPathIsRefused)
+{
+    for (const char* pszID : {"..\\..\\EVIL", "C:EVIL", "A/B", ""})
+    {
+        dbCPatient patient = FullPatient("A1"), read;
+        patient.SetGUID(dbNewGUID());
+        patient.SetID(pszID);
+        EXPECT_FALSE(Read(read, Store(patient, 1), 1)) << pszID;
+    }
+}
+
+TEST(PatientArchive, ATakenIDStoresNothing)
+{
+    TestDatabase database;
+    NewPatient("A1").Save();
+    dbCPatient patient = FullPatient("a1");
+    patient.SetGUID(dbNewGUID());
+    dbCPerson doctor;
+    doctor.SetPersonGUID(dbNewGUID());
+    doctor.SetLastname("Only In The Archive");
+    patient.AddPersonInfo(dbPersonTreatingDoctor, doctor);
+    EXPECT_FALSE(dbCPatients().AddFromArchive(patient));
+    EXPECT_EQ(dbCDoctors().Enum(), 0);
+    EXPECT_EQ(dbCPatients().GetCount(), 1);
+}
+}

@@ -1,0 +1,128 @@
+// Databases that cannot be opened or written: each tells its own reason and is left as it was.
+
+#include "tests/patients/testdatabase.h"
+
+#include <filesystem>
+
+namespace
+{
+TEST(Database, CallsWithoutOneSaySo)
+{
+    dbCPatients::Close();
+    EXPECT_FALSE(dbCPatients::IsOpen());
+    EXPECT_EQ(ErrorOf([] { NewPatient("A1").Save(); }), dbErrNotOpen);
+    EXPECT_EQ(ErrorOf([] { dbCPatients().IsIDFree("A1"); }), dbErrNotOpen);
+    EXPECT_EQ(ErrorOf([] { dbCTransaction transaction; }), dbErrNotOpen);
+    EXPECT_EQ(dbCPatients().IsLocked("A1"), patLockFailed);
+}
+
+TEST(Database, MissingIsNotCreated)
+{
+    const veltest::TemporaryPractice practice;
+    for (const std::string& path : {practice.Path("none.db"), practice.Path("none\\none.db"), practice.Path("working")})
+        EXPECT_EQ(ErrorOf([&] { dbCPatients::Open(path.c_str()); }), dbErrMissing) << path;
+    EXPECT_FALSE(std::filesystem::exists(practice.Path("none.db")));
+}
+
+TEST(Database, CreateKeepsItsHandsOffAnExistingFile)
+{
+    const veltest::TemporaryPractice practice;
+    practice.WriteFile("patients.db", "precious");
+    EXPECT_EQ(ErrorOf([&] { dbCPatients::Create(practice.Path("patients.db").c_str()); }), dbErrExists);
+    EXPECT_EQ(practice.ReadFile("patients.db"), "precious");
+}
+
+TEST(Database, WhatIsNoPatientDatabaseIsRefusedUnchanged)
+{
+    const veltest::TemporaryPractice practice;
+    std::string page(4096, 'x');
+    const struct { const char* pszName; std::string bytes; dbError nError; } CASES[] = {
+        {"text", page, dbErrCorrupt}, {"empty", "", dbErrNotPatients}, {"short", "SQLite format 3", dbErrCorrupt}};
+    for (const auto& test : CASES)
+    {
+        practice.WriteFile("file.db", test.bytes);
+        EXPECT_EQ(ErrorOf([&] { dbCPatients::Open(practice.Path("file.db").c_str()); }), test.nError) << test.pszName;
+        EXPECT_EQ(practice.ReadFile("file.db"), test.bytes) << test.pszName;
+    }
+}
+
+TEST(Database, TruncatedOrDamagedIsReportedAndNotOverwritten)
+{
+    std::string bytes;
+    {
+        TestDatabase database;
+        for (int i = 0; i < 20; ++i)
+            FullPatient(("P" + std::to_string(i)).c_str(), CString('n', 400)).Save();
+        dbCPatients::Close();
+        bytes = database.practice.ReadFile("patients.db");
+    }
+    const veltest::TemporaryPractice practice;
+    practice.WriteFile("cut.db", bytes.substr(0, bytes.size() / 2));
+    EXPECT_EQ(ErrorOf([&] { dbCPatients::Open(practice.Path("cut.db").c_str()); }), dbErrCorrupt);
+
+    // Everything behind the first pages is noise: opening may succeed, reading must say what is wrong.
+    std::string noise = bytes;
+    for (size_t n = 4096 * 2; n < noise.size(); ++n)
+        noise[n] = static_cast<char>(n * 7);
+    practice.WriteFile("noise.db", noise);
+    EXPECT_EQ(ErrorOf([&] {
+                  dbCPatients::Open(practice.Path("noise.db").c_str());
+                  dbCPatient patient;
+                  patient.Load("P1");
+              }),
+              dbErrCorrupt);
+    dbCPatients::Close();
+}
+
+TEST(Database, ReadOnlyIsRefusedWhenOpened)
+{
+    TestDatabase database;
+    dbCPatients::Close();
+    SetFileAttributesA(database.Path().c_str(), FILE_ATTRIBUTE_READONLY);
+    EXPECT_EQ(ErrorOf([&] { dbCPatients::Open(database.Path().c_str()); }), dbErrReadOnly);
+    SetFileAttributesA(database.Path().c_str(), FILE_ATTRIBUTE_NORMAL);
+    dbCPatients::Open(database.Path().c_str());
+}
+
+TEST(Database, AFileHeldByAnotherProgramCountsAsLocked)
+{
+    TestDatabase database;
+    dbCPatients::Close();
+    const HANDLE hFile =
+        CreateFileA(database.Path().c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    ASSERT_NE(hFile, INVALID_HANDLE_VALUE);
+    EXPECT_EQ(ErrorOf([&] { dbCPatients::Open(database.Path().c_str()); }), dbErrLocked);
+    CloseHandle(hFile);
+    dbCPatients::Open(database.Path().c_str());
+}
+
+TEST(Database, AFailedOpenKeepsTheOneThatIsOpen)
+{
+    TestDatabase database;
+    NewPatient("A1").Save();
+    EXPECT_EQ(ErrorOf([&] { dbCPatients::Open(database.practice.Path("none.db").c_str()); }), dbErrMissing);
+    EXPECT_EQ(dbCPatients::GetPath(), database.Path().c_str());
+    EXPECT_FALSE(dbCPatients().IsIDFree("A1"));
+}
+
+TEST(Database, ChangesShowInTheCounter)
+{
+    TestDatabase database;
+    const __int64 nBefore = dbCPatients::GetChangeCounter();
+    EXPECT_EQ(dbCPatients::GetChangeCounter(), nBefore);
+    NewPatient("A1").Save();
+    EXPECT_NE(dbCPatients::GetChangeCounter(), nBefore);
+}
+
+TEST(Database, RecognisesGUIDs)
+{
+    EXPECT_TRUE(dbCPatients::IsGUID(dbNewGUID()));
+    EXPECT_TRUE(dbCPatients::IsGUID("{0123abcd-0000-0000-0000-00000000FFFF}"));
+    for (const char* psz : {"", "A1", "0123abcd-0000-0000-0000-00000000FFFF", "{0123abcd-0000-0000-0000-00000000FFFG}",
+                            "{0123abcd-0000-0000-0000-00000000FFFF} "})
+        EXPECT_FALSE(dbCPatients::IsGUID(psz)) << psz;
+    EXPECT_FALSE(dbCPatients::IsGUID(nullptr));
+    EXPECT_TRUE(InitVelPatDLL(1));
+    EXPECT_FALSE(InitVelPatDLL(2));
+}
+}

@@ -1,0 +1,170 @@
+// The live patient files: the ".PF" file, renaming with the ID, removal with the patient.
+
+#include "tests/patients/testdatabase.h"
+
+#include <filesystem>
+#include <set>
+
+namespace
+{
+std::set<std::string> FilesIn(const std::string& folder)
+{
+    std::set<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+        names.insert(entry.path().filename().string());
+    return names;
+}
+
+struct OpenFile
+{
+    explicit OpenFile(const std::string& path)
+        : hFile(CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr))
+    {
+        EXPECT_NE(hFile, INVALID_HANDLE_VALUE);
+    }
+    ~OpenFile() { CloseHandle(hFile); }
+    HANDLE hFile;
+};
+
+TEST(PatientFiles, HeaderLineAndTimepoints)
+{
+    TestDatabase database;
+    dbCPatient patient = NewPatient("A1", "A name of more than twenty-five characters", "Ann\x01\nX");
+    dbCTimepoint timepoint;
+    timepoint.SetName("Initial");
+    timepoint.SetDate(velCDate(2024, 2, 29));
+    timepoint.SetImage(7, 1);
+    patient.GetTimepoints().Add(&patient, timepoint, TRUE, FALSE);
+    patient.Save();
+    EXPECT_EQ(database.practice.ReadFile("working/A1.PF"),
+              "A name of more than twent\x01" "Ann  X\x01" "A1\x01\n"
+              "0 00000000 00000000 00000000 00000000 00000000 00000000 00000000 00000002\x01"
+              "2024-02-29 00:00:00\x01" "Initial\x01\n");
+    EXPECT_EQ(FilesIn(database.practice.Working()).size(), 1U) << "no scratch file stays behind";
+}
+
+TEST(PatientFiles, WithoutOptionNoFileIsWritten)
+{
+    TestDatabase database;
+    dbCPatient patient = NewPatient("A1");
+    patient.Save(dbSaveWithoutFile);
+    EXPECT_TRUE(FilesIn(database.practice.Working()).empty());
+    patient.WritePatientFile(database.practice.Path("temp").c_str());
+    EXPECT_EQ(FilesIn(database.practice.Path("temp")).count("A1.PF"), 1U);
+}
+
+TEST(PatientFiles, AVanishedWorkingFolderRefusesTheSaveAsAWhole)
+{
+    TestDatabase database;
+    std::filesystem::remove_all(database.practice.Working());
+    dbCPatient patient = NewPatient("A1");
+    EXPECT_EQ(ErrorOf([&] { patient.Save(); }), dbErrIO);
+    EXPECT_FALSE(patient.IsValid());
+    EXPECT_TRUE(dbCPatients().IsIDFree("A1"));
+}
+
+const char* const OWN_FILES[] = {"A100.I0A", "A100.V0A", "a123.m", "A123.DF3", "A123.I0A.AVI", "A1$00$scan", "A100.C01",
+                                 "A1.2dmorph"};
+const char* const OTHER_FILES[] = {"A12.PF", "A1200.I0A", "A12$00$scan", "A12x.2dmorph", "A1B.PF", "A1.TXT", "B100.I0A"};
+
+void WriteAll(const TestDatabase& database)
+{
+    for (const char* psz : OWN_FILES)
+        database.practice.WriteFile(std::string("working/") + psz, psz);
+    for (const char* psz : OTHER_FILES)
+        database.practice.WriteFile(std::string("working/") + psz, psz);
+}
+
+TEST(PatientFiles, DeletingAPatientTakesItsFilesAndNobodyElses)
+{
+    TestDatabase database;
+    dbCPatient patient = FullPatient("A1");
+    patient.Save();
+    NewPatient("A12").Save();
+    WriteAll(database);
+    SetFileAttributesA((database.practice.Working() + "A100.I0A").c_str(), FILE_ATTRIBUTE_READONLY);
+    dbCPatients().DeletePatient(patient.GetGUID());
+    EXPECT_EQ(FilesIn(database.practice.Working()), std::set<std::string>(std::begin(OTHER_FILES), std::end(OTHER_FILES)));
+    EXPECT_TRUE(dbCPatients().IsIDFree("A1"));
+    EXPECT_EQ(dbCPatients().GetCount(), 1);
+    EXPECT_EQ(ErrorOf([&] { dbCPatients().DeletePatient("A1"); }), dbErrNotFound);
+}
+
+TEST(PatientFiles, AFileInUseIsRemovedWithTheNextOpening)
+{
+    TestDatabase database;
+    NewPatient("A1").Save();
+    database.practice.WriteFile("working/A100.I0A", "image");
+    {
+        const OpenFile viewer(database.practice.Working() + "A100.I0A");
+        dbCPatients().DeletePatient("A1");
+        EXPECT_EQ(dbCPatients().GetCount(), 0);
+        EXPECT_FALSE(dbCPatients().IsIDFree("A1")) << "its files are still there";
+        EXPECT_FALSE(dbCPatient().Load("A1"));
+    }
+    dbCPatients::Open(database.Path().c_str());
+    EXPECT_TRUE(dbCPatients().IsIDFree("A1"));
+    EXPECT_TRUE(FilesIn(database.practice.Working()).empty());
+}
+
+TEST(PatientFiles, ARolledBackDeletionTouchesNothing)
+{
+    TestDatabase database;
+    NewPatient("A1").Save();
+    {
+        dbCTransaction transaction;
+        dbCPatients().DeletePatient("A1");
+        EXPECT_EQ(dbCPatients().GetCount(), 0);
+    }
+    EXPECT_EQ(dbCPatients().GetCount(), 1);
+    EXPECT_EQ(FilesIn(database.practice.Working()).count("A1.PF"), 1U);
+}
+
+TEST(PatientFiles, ANewIDRenamesTheFiles)
+{
+    TestDatabase database;
+    dbCPatient patient = FullPatient("A1");
+    patient.Save();
+    NewPatient("A12").Save();
+    WriteAll(database);
+    patient.SetID("Z9");
+    EXPECT_EQ(patient.GetTimepoints()[1].GetBaseFilename(), "Z901");
+    patient.Save();
+    std::set<std::string> expected(std::begin(OTHER_FILES), std::end(OTHER_FILES));
+    for (const char* psz : OWN_FILES)
+        expected.insert(std::string("Z9") + (psz + 2));
+    expected.insert("Z9.PF");
+    EXPECT_EQ(FilesIn(database.practice.Working()), expected);
+    EXPECT_EQ(database.practice.ReadFile("working/Z900.I0A"), "A100.I0A");
+    NewPatient("A1").Save();
+}
+
+TEST(PatientFiles, AnIDIsNotChangedWhileAFileIsInUseOrItsNameTaken)
+{
+    TestDatabase database;
+    dbCPatient patient = NewPatient("A1");
+    patient.Save();
+    database.practice.WriteFile("working/A100.I0A", "mine");
+    {
+        const OpenFile viewer(database.practice.Working() + "A100.I0A");
+        patient.SetID("Z9");
+        EXPECT_EQ(ErrorOf([&] { patient.Save(); }), dbErrIO);
+    }
+    database.practice.WriteFile("working/Z900.I0A", "not mine");
+    EXPECT_EQ(ErrorOf([&] { patient.Save(); }), dbErrIO);
+    EXPECT_EQ(database.practice.ReadFile("working/Z900.I0A"), "not mine");
+    EXPECT_TRUE(dbCPatients().IsIDFree("Z9"));
+    EXPECT_EQ(FilesIn(database.practice.Working()), (std::set<std::string>{"A1.PF", "A100.I0A", "Z900.I0A"}));
+}
+
+TEST(PatientFiles, ChangingOnlyTheLetterCaseOfAnID)
+{
+    TestDatabase database;
+    dbCPatient patient = NewPatient("ab1");
+    patient.Save();
+    database.practice.WriteFile("working/ab100.I0A", "image");
+    patient.SetID("AB1");
+    patient.Save();
+    EXPECT_EQ(FilesIn(database.practice.Working()), (std::set<std::string>{"AB1.PF", "AB100.I0A"}));
+}
+}

@@ -1,0 +1,331 @@
+// A patient through the database and back, and what Save promises.
+
+#include "tests/patients/testdatabase.h"
+
+namespace
+{
+TEST(Patient, EveryFieldComesBackFromTheFile)
+{
+    TestDatabase database;
+    const CString strText = HardText();
+    dbCPatient saved = FullPatient("A1", strText);
+    dbCOfficeLocations offices;
+    dbCPatientStatusList statuses;
+    saved.SetOfficeID(offices.AddOffice(strText));
+    saved.SetStatusID(statuses.AddStatus(strText));
+    const CString strDoctor = AddDoctor(strText, strText);
+    dbCPerson doctor;
+    doctor.SetPersonGUID(strDoctor);
+    saved.SetPersonInfo(dbPersonTreatingDoctor, doctor);
+    EXPECT_EQ(saved.GetReferrals().AddReferralDoc(strDoctor, velCDate(2024, 3, 1), strText), 0);
+    dbCInsuranceCompany company;
+    company.SetName(strText);
+    company.Save();
+    saved.GetInsurances()[0].SetCompanyGUID(company.GetCompanyGUID());
+    saved.Save();
+    EXPECT_TRUE(saved.IsValid());
+
+    dbCPatients::Close();
+    dbCPatients::Open(database.Path().c_str());
+    dbCPatient byID, byGUID;
+    ASSERT_TRUE(byID.Load("a1"));
+    ASSERT_TRUE(byGUID.Load(saved.GetGUID()));
+    EXPECT_EQ(Image(byID), Image(byGUID));
+    EXPECT_EQ(byID.GetLastname(), strText);
+    EXPECT_EQ(byID.GetNotes(), strText + "\r\nsecond line");
+    EXPECT_EQ(byID.GetGenderIdentity(), 3);
+    EXPECT_EQ(byID.GetAddresses().GetCount(), 2);
+    EXPECT_EQ(byID.GetAddress(1).GetCompany(), strText);
+    EXPECT_EQ(byID.GetPhones()[1].GetType(), strText);
+    EXPECT_EQ(byID.GetTimepoints()[2].GetDate(), COleDateTime(2022, 5, 17, 14, 30, 59));
+    EXPECT_EQ(byID.GetTimepoints()[2].GetBaseFilename(), "A102");
+    EXPECT_EQ(byID.GetTimepoints()[2].GetImageFilename(4, 0), "A102.I40");
+    EXPECT_EQ(byID.GetTimepoints()[2].GetCompanionFilename(4, 0), "A102.V40");
+    EXPECT_EQ(byID.GetTimepoints()[1].GetImageInfo(0, 1).strNote, strText);
+    EXPECT_FALSE(byID.GetTimepoints()[1].IsActive());
+    EXPECT_EQ(dbCOfficeLocations::GetOffice(byID.GetOfficeID()), strText);
+    EXPECT_EQ(dbCPatientStatusList::GetStatus(byID.GetStatusID()), strText);
+    dbCPerson person;
+    ASSERT_TRUE(byID.GetPersonInfo(dbPersonGuardian, person));
+    EXPECT_EQ(person.GetBirthdate().ToISO(), "1975-12-31");
+    EXPECT_EQ(person.GetPhone(0).GetType(), "Mobile");
+    ASSERT_TRUE(byID.GetPersonInfo(dbPersonTreatingDoctor, person));
+    EXPECT_EQ(person.GetPersonGUID(), strDoctor);
+    EXPECT_EQ(byID.GetReferrals()[0].Get_docLastname(), strText);
+    EXPECT_EQ(byID.GetInsurances()[0].GetCompanyName(), strText);
+}
+
+TEST(Patient, AnUnsetBirthDateStaysUnset)
+{
+    TestDatabase database;
+    dbCPatient patient = NewPatient("A1");
+    patient.SetBirthdate(velCDate());
+    patient.Save();
+    dbCPatient loaded;
+    ASSERT_TRUE(loaded.Load("A1"));
+    EXPECT_TRUE(loaded.GetBirthdate().IsNull());
+}
+
+TEST(Patient, SavingAgainReplacesWhatWasRemoved)
+{
+    TestDatabase database;
+    dbCPatient patient = FullPatient("A1");
+    patient.Save();
+    const CString strKept = patient.GetTimepoints()[2].GettpID();
+    patient.GetTimepoints().RemoveAt(0);
+    // The remaining two change numbers with each other.
+    patient.GetTimepoints()[0].SetNumber("A1", 2);
+    patient.GetTimepoints()[1].SetNumber("A1", 1);
+    patient.GetPhones().RemoveAt(0);
+    patient.RemovePersonInfo(dbPersonGuardian);
+    patient.RemoveInsurance(patient.GetInsurances()[0].GetInsuranceGUID());
+    patient.Save();
+    patient.SetNotes("once more");
+    patient.Save();
+
+    dbCPatient loaded;
+    ASSERT_TRUE(loaded.Load("A1"));
+    ASSERT_EQ(loaded.GetTimepoints().GetCount(), 2);
+    EXPECT_EQ(loaded.GetTimepoints()[1].GettpID(), strKept);
+    EXPECT_EQ(loaded.GetTimepoints()[1].GetNumber(), 1);
+    EXPECT_EQ(loaded.GetPhones().GetCount(), 1);
+    EXPECT_TRUE(loaded.GetInsurances().IsEmpty());
+    dbCPerson person;
+    EXPECT_FALSE(loaded.GetPersonInfo(dbPersonGuardian, person));
+    CString strTpID;
+    EXPECT_EQ(dbCPatients::Get_tpID("A1", 1, strTpID), 0);
+    EXPECT_EQ(strTpID, strKept);
+    EXPECT_NE(dbCPatients::Get_tpID("A1", 2, strTpID), 0);
+}
+
+TEST(Patient, LoadOfWhatIsNotThereLeavesTheObjectAlone)
+{
+    TestDatabase database;
+    NewPatient("A1").Save();
+    dbCPatient patient = NewPatient("B2", "Other");
+    for (const char* psz : {"", "A", "A1 ", "A%", "' OR 1=1 --", "{00000000-0000-0000-0000-000000000000}"})
+        EXPECT_FALSE(patient.Load(psz)) << psz;
+    EXPECT_FALSE(patient.Load("A1", FALSE, TRUE));
+    EXPECT_EQ(patient.GetLastname(), "Other");
+    EXPECT_FALSE(patient.IsValid());
+}
+
+TEST(Patient, RefusedIDs)
+{
+    TestDatabase database;
+    for (const char* psz : {"", "ABCDEFGHIJKLMNOPQRSTUVWXYZ", "A\\B", "..\\A", "A:B", "A*", "A\x01"})
+        EXPECT_EQ(ErrorOf([&] { NewPatient(psz).Save(); }), dbErrInvalid) << psz;
+    NewPatient("ABCDEFGHIJKLMNOPQRSTUVWXY").Save();
+    dbCPatients patients;
+    EXPECT_FALSE(patients.IsIDFree("abcdefghijklmnopqrstuvwxy"));
+}
+
+TEST(Patient, ATakenIDIsRefusedInAnyLetterCase)
+{
+    TestDatabase database;
+    dbCPatient first = NewPatient("AB12"), second = NewPatient("ab12"), third = NewPatient("C3");
+    first.Save();
+    EXPECT_EQ(ErrorOf([&] { second.Save(); }), dbErrDuplicateID);
+    EXPECT_FALSE(second.IsValid());
+    EXPECT_TRUE(second.GetGUID().IsEmpty());
+    third.Save();
+    third.SetID("Ab12");
+    EXPECT_EQ(ErrorOf([&] { third.Save(); }), dbErrDuplicateID);
+    first.SetID("ab12");
+    first.Save();
+    EXPECT_EQ(dbCPatients().GetCount(), 2);
+}
+
+TEST(Patient, ARecordChangedBySomeoneElseIsNotOverwritten)
+{
+    TestDatabase database;
+    NewPatient("A1").Save();
+    dbCPatient mine, theirs;
+    mine.Load("A1");
+    theirs.Load("A1");
+    theirs.SetNotes("theirs");
+    theirs.Save();
+    mine.SetNotes("mine");
+    EXPECT_EQ(ErrorOf([&] { mine.Save(); }), dbErrChangedElsewhere);
+    EXPECT_EQ(mine.GetNotes(), "mine");
+    dbCPatients().DeletePatient("A1");
+    EXPECT_EQ(ErrorOf([&] { theirs.Save(); }), dbErrChangedElsewhere);
+    EXPECT_TRUE(theirs.isDeleted());
+}
+
+TEST(Patient, RollbackPutsObjectFileAndDatabaseBack)
+{
+    TestDatabase database;
+    dbCPatient stored = NewPatient("A1");
+    stored.Save();
+    dbCPatient added = NewPatient("B2");
+    {
+        dbCTransaction outer;
+        {
+            dbCTransaction inner;
+            added.Save();
+            stored.SetNotes("edited");
+            stored.Save();
+            { NewPatient("GONE").Save(); }   // the object does not live to see the rollback
+            inner.Commit();
+        }
+        EXPECT_TRUE(added.IsValid());
+        EXPECT_FALSE(dbCPatients().IsIDFree("GONE"));
+    }
+    EXPECT_FALSE(dbCTransaction::IsActive());
+    EXPECT_FALSE(added.IsValid());
+    EXPECT_TRUE(added.GetGUID().IsEmpty());
+    EXPECT_EQ(stored.GetNotes(), "edited") << "what the user entered stays";
+    EXPECT_TRUE(dbCPatients().IsIDFree("B2"));
+    EXPECT_EQ(GetFileAttributesA((database.practice.Working() + "B2.PF").c_str()), INVALID_FILE_ATTRIBUTES);
+    // Both can be saved again.
+    added.Save();
+    stored.Save();
+    dbCPatient loaded;
+    ASSERT_TRUE(loaded.Load("A1"));
+    EXPECT_EQ(loaded.GetNotes(), "edited");
+}
+
+TEST(Patient, AnInnerRollbackKeepsTheOuterWork)
+{
+    TestDatabase database;
+    dbCTransaction outer;
+    NewPatient("A1").Save();
+    {
+        dbCTransaction inner;
+        NewPatient("B2").Save();
+    }
+    outer.Commit();
+    EXPECT_FALSE(dbCPatients().IsIDFree("A1"));
+    EXPECT_TRUE(dbCPatients().IsIDFree("B2"));
+}
+
+TEST(Patient, FormsOfTheName)
+{
+    patCPatient patient;
+    patient.SetLastname("  de \t la\r\nCruz ");
+    EXPECT_EQ(patient.GetLastname(), "  de \t la\r\nCruz ");
+    EXPECT_EQ(patient.GetLastname(1), "de la Cruz");
+}
+
+TEST(Patient, SimilarPatient)
+{
+    TestDatabase database;
+    dbCPatient saved = NewPatient("A1", "M\xDCLLER ", "J\xF6rg");
+    saved.Save();
+    dbCPatient undated = NewPatient("A2", "Undated");
+    undated.SetBirthdate(velCDate());
+    undated.Save();
+    dbCPatients patients;
+    CString strGUID;
+    EXPECT_TRUE(patients.FindSimilar("j\xD6RG", "m\xFCller", velCDate(2010, 2, 28), &strGUID));
+    EXPECT_EQ(strGUID, saved.GetGUID());
+    EXPECT_FALSE(patients.FindSimilar("J\xF6rg", "M\xFCller", velCDate(2010, 2, 27)));
+    EXPECT_FALSE(patients.FindSimilar("J\xF6rg", "Muller", velCDate(2010, 2, 28)));
+    EXPECT_FALSE(patients.FindSimilar("J\xF6rg", "M\xFCller", velCDate()));
+    EXPECT_TRUE(patients.FindSimilar("Ann", "undated", velCDate()));
+    saved.SetBirthdate(velCDate(2011, 1, 1));
+    saved.Save();
+    EXPECT_FALSE(patients.FindSimilar("J\xF6rg", "M\xFCller", velCDate(2010, 2, 28)));
+}
+
+TEST(Patient, PagesAndSearchesOfTheList)
+{
+    TestDatabase database(false);
+    {
+        dbCTransaction transaction;
+        for (int i = 0; i < 25; ++i)
+        {
+            CString strID, strFirst;
+            strID.Format("P%02d", i);
+            strFirst.Format("First%02d", 24 - i);
+            NewPatient(strID, i % 2 ? "lee" : "Adams", strFirst).Save();
+        }
+        NewPatient("Q_1", "100%", "x").Save();
+        transaction.Commit();
+    }
+    dbCPatients patients;
+    dbTList<dbSPatientListRow> rows;
+    while (patients.GetPage(dbSearchName, "", rows.IsEmpty() ? nullptr : &rows[rows.GetCount() - 1], 7, rows) > 0)
+    {
+    }
+    ASSERT_EQ(rows.GetCount(), 26);
+    EXPECT_EQ(rows[0].strLastname, "100%");
+    EXPECT_EQ(rows[1].strFirstname, "First00");
+    EXPECT_EQ(rows[25].strID, "P01");
+
+    const struct { dbPatientSearch nBy; const char* pszSearch; int nCount; } CASES[] = {
+        {dbSearchName, "L", 12}, {dbSearchName, "LEE", 12}, {dbSearchName, "lee, first0", 5}, {dbSearchName, "leex", 0},
+        {dbSearchName, "%", 0}, {dbSearchName, "100%", 1}, {dbSearchID, "p", 25}, {dbSearchID, "P1", 10},
+        {dbSearchID, "q_", 1}, {dbSearchID, "_", 0}, {dbSearchName, "'", 0}};
+    for (const auto& test : CASES)
+    {
+        rows.RemoveAll();
+        EXPECT_EQ(patients.GetPage(test.nBy, test.pszSearch, nullptr, 100, rows), test.nCount) << test.pszSearch;
+        EXPECT_EQ(patients.GetCount(test.nBy, test.pszSearch), test.nCount) << test.pszSearch;
+    }
+}
+
+TEST(Patient, BalanceDecidesOnDeletion)
+{
+    TestDatabase database;
+    dbCPatient patient = NewPatient("A1");
+    EXPECT_EQ(ErrorOf([&] { patient.SetBalance(5); }), dbErrNotFound);
+    patient.Save();
+    EXPECT_TRUE(patient.CanDeletePatient());
+    patient.SetBalance(-1250);
+    EXPECT_EQ(patient.GetBalance(), -1250);
+    EXPECT_FALSE(patient.CanDeletePatient());
+    patient.SetBalance(0);
+    EXPECT_TRUE(patient.CanDeletePatient());
+}
+
+TEST(Patient, AtMostAHundredTimepoints)
+{
+    TestDatabase database;
+    dbCPatient patient = NewPatient("A1");
+    for (int i = 0; i < 100; ++i)
+        ASSERT_EQ(patient.GetTimepoints().Add(&patient, dbCTimepoint(), TRUE, FALSE), 0);
+    EXPECT_EQ(patient.GetTimepoints().Add(&patient, dbCTimepoint(), TRUE, FALSE), 1993);
+    EXPECT_EQ(patient.GetTimepoints().GetCount(), 100);
+    patient.GetTimepoints().RemoveAt(42);
+    EXPECT_EQ(patient.GetTimepoints().Add(&patient, dbCTimepoint(), TRUE, FALSE), 0);
+    EXPECT_EQ(patient.GetTimepoints()[99].GetBaseFilename(), "A142");
+    patient.Save();
+}
+
+TEST(Patient, PastedTimepointTakesTheNumberOfItsBaseName)
+{
+    TestDatabase database;
+    dbCPatient source = FullPatient("S1"), target = FullPatient("T1");
+    patCTimepoint timepoint;
+    EXPECT_FALSE(source.CopyTimepoint(3, timepoint));
+    ASSERT_TRUE(source.CopyTimepoint(1, timepoint));
+    timepoint.SetBaseFilename("T101");
+    EXPECT_EQ(target.PasteTimepoint(timepoint), dbCPatient::PASTE_NUMBER_TAKEN);
+    timepoint.SetBaseFilename("T1XY");
+    EXPECT_EQ(target.PasteTimepoint(timepoint), dbCPatient::PASTE_NUMBER_TAKEN);
+    timepoint.SetBaseFilename("T107");
+    EXPECT_EQ(target.PasteTimepoint(timepoint), 0);
+    target.Save();
+    source.Save();
+    dbCPatient loaded;
+    ASSERT_TRUE(loaded.Load("T1"));
+    ASSERT_EQ(loaded.GetTimepoints().GetCount(), 4);
+    EXPECT_EQ(loaded.GetTimepoints()[3].GetBaseFilename(), "T107");
+    EXPECT_EQ(loaded.GetTimepoints()[3].GetImageInfo(0, 1).strTitle, "text");
+}
+
+TEST(Patient, BirthDatesThatCanBeStored)
+{
+    const velCDate today = velCDate::Today();
+    velCDate invalid;
+    invalid.SetStatus(COleDateTime::invalid);
+    EXPECT_TRUE(patCPatients::IsDOBValid(velCDate(), FALSE));
+    EXPECT_TRUE(patCPatients::IsDOBValid(today, FALSE));
+    EXPECT_TRUE(patCPatients::IsDOBValid(velCDate(1850, 1, 1), FALSE));
+    EXPECT_FALSE(patCPatients::IsDOBValid(velCDate(1849, 12, 31), FALSE));
+    EXPECT_FALSE(patCPatients::IsDOBValid(today + COleDateTimeSpan(1, 0, 0, 0), FALSE));
+    EXPECT_FALSE(patCPatients::IsDOBValid(invalid, FALSE));
+}
+}

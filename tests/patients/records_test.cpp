@@ -1,0 +1,338 @@
+// The practice's lists: keywords, doctors, offices, statuses, insurances, options, treatments, diagnostics, tasks, and
+// the audit log.
+
+#include "tests/patients/testdatabase.h"
+
+namespace
+{
+std::vector<std::string> Words(CKeywords& keywords)
+{
+    std::vector<std::string> words;
+    CString strWord;
+    keywords.MoveFirst();
+    while (keywords.GetNext(strWord))
+        words.emplace_back(strWord.GetString());
+    return words;
+}
+
+TEST(Keywords, WhatTwoEditorsDidIsMerged)
+{
+    TestDatabase database;
+    CKeywords first, second;
+    ASSERT_TRUE(first.Load(dbKeywordsPatient));
+    for (const char* psz : {"one", "two", "three"})
+        EXPECT_TRUE(first.Add(psz));
+    first.Save();
+
+    ASSERT_TRUE(first.Load(dbKeywordsPatient));
+    ASSERT_TRUE(second.Load(dbKeywordsPatient));
+    EXPECT_TRUE(first.Remove("TWO"));
+    EXPECT_TRUE(first.Add("four"));
+    EXPECT_TRUE(second.Add("Five"));
+    EXPECT_TRUE(second.Remove("three"));
+    EXPECT_TRUE(second.Add("three"));
+    EXPECT_TRUE(second.Add("FOUR"));
+    first.Save();
+    second.Save();
+    CKeywords merged;
+    ASSERT_TRUE(merged.Load(dbKeywordsPatient));
+    EXPECT_EQ(Words(merged), (std::vector<std::string>{"one", "four", "Five", "three"}));
+    CKeywords images;
+    ASSERT_TRUE(images.Load(dbKeywordsImage));
+    EXPECT_EQ(images.GetCount(), 0);
+}
+
+TEST(Keywords, EmptyLongHardAndMany)
+{
+    TestDatabase database;
+    const CString strLong('x', 500);
+    CKeywords keywords;
+    EXPECT_FALSE(keywords.Load(2));
+    EXPECT_EQ(ErrorOf([&] { keywords.Save(); }), dbErrInvalid);
+    ASSERT_TRUE(keywords.Load(dbKeywordsImage));
+    EXPECT_TRUE(keywords.Add(""));
+    EXPECT_FALSE(keywords.Add(""));
+    EXPECT_TRUE(keywords.Add(strLong));
+    EXPECT_TRUE(keywords.Add(HardText()));
+    EXPECT_TRUE(keywords.Add("\xC4pfel"));
+    EXPECT_FALSE(keywords.Add("\xE4PFEL")) << "letter case beyond ASCII";
+    EXPECT_FALSE(keywords.Remove("none"));
+    for (int i = 0; i < 5000; ++i)
+        ASSERT_TRUE(keywords.Add(std::to_string(i).c_str()));
+    keywords.Save();
+    CKeywords loaded;
+    ASSERT_TRUE(loaded.Load(dbKeywordsImage));
+    ASSERT_EQ(loaded.GetCount(), 5004);
+    const auto words = Words(loaded);
+    EXPECT_EQ(words[0], "");
+    EXPECT_EQ(words[1], strLong.GetString());
+    EXPECT_EQ(words[2], HardText().GetString());
+    EXPECT_EQ(words.back(), "4999");
+}
+
+TEST(Keywords, WithoutADatabaseTheListDoesNotLoad)
+{
+    CKeywords keywords;
+    EXPECT_FALSE(keywords.Load(dbKeywordsPatient));
+}
+
+TEST(Doctors, RecordEnumerationAndTypes)
+{
+    TestDatabase database;
+    const CString strZora = AddDoctor("zora"), strAbel = AddDoctor("Abel", "Z", FALSE);
+    AddDoctor("Abel", "A");
+    dbCDoctor doctor;
+    ASSERT_TRUE(doctor.Load(strZora));
+    EXPECT_EQ(doctor.GetType(), "Orthodontist");
+    dbCAddress address;
+    address.SetStreet("1 High Street");
+    doctor.GetPerson().SetAddress(0, address);
+    doctor.Save();
+    dbCDoctor again;
+    ASSERT_TRUE(again.Load(strZora));
+    EXPECT_EQ(again.GetPerson().GetAddress(0).GetStreet(), "1 High Street");
+    again.Save();
+    EXPECT_EQ(ErrorOf([&] { doctor.Save(); }), dbErrChangedElsewhere);
+    EXPECT_EQ(ErrorOf([] { dbCDoctor().Save(); }), dbErrInvalid);
+
+    struct Seen
+    {
+        std::vector<std::string> names;
+        size_t nStopAfter = 100;
+        static BOOL Take(const dbSDoctorRow& row, LPVOID pContext)
+        {
+            auto* pSeen = static_cast<Seen*>(pContext);
+            pSeen->names.push_back(row.last + "," + row.first);
+            return pSeen->names.size() < pSeen->nStopAfter;
+        }
+    } seen;
+    dbCDoctors doctors;
+    doctors.RegisterEnumCallback(Seen::Take, &seen);
+    EXPECT_EQ(doctors.Enum(dbDoctorsByName), 3);
+    EXPECT_EQ(seen.names, (std::vector<std::string>{"Abel,A", "Abel,Z", "zora,Ida"}));
+    seen = {{}, 1};
+    doctors.Enum(dbDoctorsAsStored);
+    EXPECT_EQ(seen.names, (std::vector<std::string>{"zora,Ida"}));
+
+    dbCDoctorTypes types;
+    EXPECT_TRUE(types.AddDoctorType("Dentist"));
+    EXPECT_FALSE(types.AddDoctorType("DENTIST "));
+    EXPECT_FALSE(types.AddDoctorType("  "));
+    EXPECT_FALSE(types.ModifyDoctorType("Orthodontist", "dentist"));
+    EXPECT_FALSE(types.ModifyDoctorType("nobody", "x"));
+    EXPECT_TRUE(types.ModifyDoctorType("orthodontist", "Specialist"));
+    types.Load();
+    ASSERT_EQ(types.GetCount(), 2);
+    EXPECT_EQ(types[1], "Specialist");
+    again.Load(strAbel);
+    EXPECT_EQ(again.GetType(), "Specialist");
+    EXPECT_TRUE(types.DeleteDoctorType("Specialist"));
+    EXPECT_FALSE(types.DeleteDoctorType("Specialist"));
+    again.Load(strAbel);
+    EXPECT_EQ(again.GetType(), "");
+}
+
+TEST(Doctors, OneThatIsReferredToStays)
+{
+    TestDatabase database;
+    const CString strDoctor = AddDoctor("Frost");
+    dbCPatient patient = NewPatient("A1");
+    patient.GetReferrals().AddReferralDoc(strDoctor, velCDate());
+    patient.Save();
+    dbCDoctor doctor;
+    doctor.Load(strDoctor);
+    EXPECT_EQ(ErrorOf([&] { doctor.Delete(); }), dbErrInUse);
+    patient.GetReferrals().RemoveAll();
+    patient.Save();
+    doctor.Delete();
+    EXPECT_FALSE(doctor.Load(strDoctor));
+    dbCPerson gone;
+    gone.SetPersonGUID(strDoctor);
+    patient.SetPersonInfo(dbPersonTreatingDoctor, gone);
+    EXPECT_EQ(ErrorOf([&] { patient.Save(); }), dbErrNotFound);
+}
+
+TEST(Offices, DeletingOneLeavesItsPatientsWithout)
+{
+    TestDatabase database;
+    dbCOfficeLocations offices;
+    const CString strMain = offices.AddOffice("Main"), strSide = offices.AddOffice("Annex");
+    EXPECT_EQ(ErrorOf([&] { offices.AddOffice("MAIN"); }), dbErrInvalid);
+    EXPECT_EQ(ErrorOf([&] { offices.AddOffice(" "); }), dbErrInvalid);
+    dbCPatient patient = NewPatient("A1");
+    patient.SetOfficeID(strMain);
+    patient.Save();
+    offices.RenameOffice(strSide, "Zoo");
+    offices.Load();
+    EXPECT_EQ(offices[1].GetOffice(), "Zoo");
+    offices.DeleteOffice(strMain);
+    EXPECT_EQ(ErrorOf([&] { offices.DeleteOffice(strMain); }), dbErrNotFound);
+    patient.Load("A1");
+    EXPECT_EQ(patient.GetOfficeID(), "");
+    EXPECT_EQ(dbCOfficeLocations::GetOffice(strMain), "");
+}
+
+TEST(Insurances, ACompanyWithPoliciesStays)
+{
+    TestDatabase database;
+    dbCInsuranceCompany company;
+    company.SetName("Sound Cover");
+    company.Save();
+    dbCPatient patient = NewPatient("A1");
+    dbCInsurance first, second;
+    first.SetCompanyGUID(company.GetCompanyGUID());
+    second.SetNumber("2");
+    patient.AssignInsurance(first);
+    patient.AssignInsurance(second);
+    EXPECT_TRUE(patient.SetInsuranceGUID(second.GetInsuranceGUID()));
+    EXPECT_FALSE(patient.SetInsuranceGUID("none"));
+    patient.Save();
+    dbCInsuranceCompanies companies;
+    companies.Load();
+    EXPECT_EQ(ErrorOf([&] { companies.Delete(company.GetCompanyGUID()); }), dbErrInUse);
+    EXPECT_EQ(companies.GetCount(), 1);
+    patient.Load("A1");
+    EXPECT_EQ(patient.GetInsurances()[0].GetNumber(), "2");
+    EXPECT_EQ(patient.GetInsurances()[1].GetCompanyGUID(), company.GetCompanyGUID());
+}
+
+TEST(AuditLog, EventsComeBackNewestFirstAndOutliveThePatient)
+{
+    CVeltrixLogin log;
+    EXPECT_EQ(ErrorOf([&] { log.AddNewPatientEvent("g", "t"); }), dbErrNotOpen);
+    TestDatabase database;
+    dbCPatient patient = NewPatient("A1");
+    patient.Save();
+    log.AddNewPatientEvent(patient.GetGUID(), "first " + HardText());
+    log.AddPatientModifiedEvent(patient.GetGUID(), "second");
+    log.AddArchivedPatientEvent(patient.GetGUID(), "third");
+    dbCPatients().DeletePatient("A1");
+    log.AddPatientDeletedEvent(patient.GetGUID(), "fourth");
+    {
+        dbCTransaction transaction;
+        log.AddNewPatientEvent("g", "rolled back");
+    }
+    dbTList<dbSAuditEvent> events;
+    ASSERT_EQ(CVeltrixLogin::LoadEvents(events, 100), 4);
+    EXPECT_EQ(events[0].strText, "fourth");
+    EXPECT_EQ(events[0].nKind, dbAuditPatientDeleted);
+    EXPECT_EQ(events[3].strText, "first " + HardText());
+    EXPECT_EQ(events[3].nKind, dbAuditNewPatient);
+    EXPECT_EQ(events[3].strPatientGUID, patient.GetGUID());
+    EXPECT_FALSE(events[3].strUser.IsEmpty());
+    EXPECT_TRUE(events[3].dateTime.IsSameDate(velCDate::Today()));
+    EXPECT_EQ(CVeltrixLogin::LoadEvents(events, 1, events[1].nID), 1);
+    EXPECT_EQ(events[0].strText, "second");
+}
+
+TEST(ApplicationOptions, OneRowIsUpdatedSeveralAreLeftAlone)
+{
+    TestDatabase database;
+    using Options = dbCApplicationOptionsContainer;
+    CString strValue = "untouched";
+    EXPECT_EQ(Options::GetApplicationOption("KEY", strValue), -1);
+    EXPECT_EQ(strValue, "untouched");
+    EXPECT_EQ(Options::SetApplicationOption("KEY", HardText()), 0);
+    EXPECT_EQ(Options::SetApplicationOption("KEY", "two"), 0);
+    Options rows("KEY");
+    ASSERT_EQ(rows.GetCount(), 1);
+    EXPECT_EQ(rows[0].nStatus, 1);
+    dbSApplicationOption another;
+    another.strKey = "KEY";
+    another.strValue = "three";
+    rows.InsertRow(another);
+    EXPECT_EQ(Options::SetApplicationOption("KEY", "four"), -1);
+    EXPECT_EQ(Options::GetApplicationOption("KEY", strValue), 0);
+    EXPECT_EQ(strValue, "two");
+}
+
+TEST(Treatments, TableAndHistory)
+{
+    TestDatabase database;
+    dbCTreatmentStatusContainer::AddTreatment("Z", "Alpha");
+    dbCTreatmentStatusContainer::AddTreatment("A", "Zeta");
+    dbCTreatmentStatusContainer::AddTreatment("OLD", "Old", FALSE);
+    EXPECT_EQ(ErrorOf([] { dbCTreatmentStatusContainer::AddTreatment("Z", "again"); }), dbErrInvalid);
+    const dbCTreatmentStatusContainer active(1), all(0);
+    ASSERT_EQ(active.GetCount(), 2);
+    EXPECT_EQ(active[0].GetCode(), "Z");
+    EXPECT_EQ(all.GetCount(), 3);
+
+    dbCPatientTreatmentStatusHistoryTable history;
+    dbCPatientTreatmentStatusHistoryRow row;
+    row.SetpatID(dbNewGUID());
+    EXPECT_EQ(ErrorOf([&] { history.InsertRow(row); }), dbErrNotFound);
+    dbCPatient patient = FullPatient("A1");
+    patient.Save();
+    row.SetpatID(patient.GetGUID());
+    row.SetDescription("Alpha");
+    row.SetDateTime(COleDateTime(2024, 1, 2, 3, 4, 5));
+    history.InsertRow(row);
+    EXPECT_TRUE(dbCPatients::IsGUID(row.GetptshID()));
+    patCTimepoint timepoint = patient.GetTimepoint(1);
+    timepoint.SetptshID(row.GetptshID());
+    patient.SetTimepoint(1, timepoint);
+    patient.Save();
+    dbCTimepointsContainer timepoints;
+    ASSERT_TRUE(timepoints.LoadByPatID(patient.GetGUID(), 0));
+    ASSERT_EQ(timepoints.GetCount(), 3);
+    EXPECT_EQ(timepoints[1].GetptshID(), row.GetptshID());
+    EXPECT_EQ(timepoints[2].GetDateTime(), COleDateTime(2022, 5, 17, 14, 30, 59));
+    ASSERT_TRUE(timepoints.LoadByPatID(patient.GetGUID(), 1));
+    ASSERT_EQ(timepoints.GetCount(), 1);
+    EXPECT_TRUE(dbCTimepointsContainer::Reactivate(timepoints[0].GettpID()));
+    EXPECT_FALSE(timepoints.LoadByPatID(patient.GetGUID(), 1));
+}
+
+TEST(Diagnostics, RecordsByItemAndTimepoint)
+{
+    TestDatabase database;
+    dbCPatient patient = FullPatient("A1");
+    patient.Save();
+    const CString strItem = dbCDiagnosticGroup::DefineItem("Airway", "Clinical", "AW1", "Tonsils");
+    dbCDiagnosticGroup::DefineItem("Airway", "Clinical", "AW2", "Adenoids");
+    const dbCDiagnosticGroup group("Airway", "Clinical"), none("Airway", "Other");
+    EXPECT_EQ(group.GetItemCount(), 2);
+    EXPECT_EQ(group.GetItem(1).GetItemCode(), "AW2");
+    EXPECT_EQ(none.GetItemCount(), 0);
+    dbCPatientDiagnostics writer(patient.GetGUID(), 0, "Clinical");
+    dbCDiagnosticInfo info;
+    info.SetValue(HardText());
+    writer.AddDiagnosticRecord(strItem, 1, info, 0, velCDate(2024, 1, 1));
+    EXPECT_EQ(ErrorOf([&] { writer.AddDiagnosticRecord("none", 1, info, 0, velCDate(2024, 1, 1)); }), dbErrNotFound);
+    EXPECT_TRUE(dbCPatientDiagnosisTreatmentsContainer::HasDiagnostics(patient.GetTimepoints()[1].GettpID()));
+    EXPECT_FALSE(dbCPatientDiagnosisTreatmentsContainer::HasDiagnostics(patient.GetTimepoints()[0].GettpID()));
+    patient.Save();
+    const dbCPatientDiagnostics stored(patient.GetGUID(), 0, "Clinical");
+    ASSERT_EQ(stored.GetCount(), 1) << "saving the patient keeps what refers to its timepoints";
+    EXPECT_EQ(stored[0].strValue, HardText());
+    EXPECT_EQ(stored[0].nTP, 1);
+    EXPECT_TRUE(dbCAcPatientsContainer::IsPatientGUIDInUse(patient.GetGUID()));
+    EXPECT_FALSE(dbCAcPatientsContainer::IsPatientGUIDInUse(dbNewGUID()));
+}
+
+TEST(TransferTasks, OnlyPendingOnesAreRead)
+{
+    TestDatabase database;
+    EXPECT_TRUE(dbCRaskoTasksContainer::TableExists());
+    dbSRaskoTask task;
+    task.strPatientGUID = "G";
+    task.strData = "<patient/>";
+    task.nTotalBytes = 5'000'000'000;
+    dbCRaskoTasksContainer::InsertRow(task);
+    task.nStatus = 100;
+    dbCRaskoTasksContainer::InsertRow(task);
+    dbCRaskoTasksContainer tasks;
+    ASSERT_EQ(tasks.LoadPending("G"), 1);
+    EXPECT_EQ(tasks[0].nStatus, -2);
+    EXPECT_EQ(tasks[0].nTotalBytes, 5'000'000'000);
+    EXPECT_EQ(tasks.LoadPending("H"), 0);
+    dbSServicePatient row{"G", "1", "2"};
+    dbCServicePatients::Store(row);
+    row.strServiceID = "3";
+    dbCServicePatients::Store(row);
+    EXPECT_TRUE(dbCServicePatients::FindByGUID("G", row));
+    EXPECT_EQ(row.strServiceID, "3");
+    EXPECT_FALSE(dbCServicePatients::FindByGUID("H", row));
+}
+}

@@ -1,0 +1,106 @@
+// Versions of the database: older ones are brought forward, newer ones refused.
+
+#include "suite/patients/dbschema.h"
+#include "tests/support/temporarypractice.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+namespace
+{
+constexpr dbSMigration TO_2{"ALTER TABLE persons ADD COLUMN colour TEXT NOT NULL DEFAULT 'blue';"
+                            "UPDATE persons SET colour = 'red' WHERE lastName = 'Lee'"};
+constexpr dbSMigration TO_3{"CREATE TABLE extra (id INTEGER PRIMARY KEY, person INTEGER REFERENCES persons);"
+                            "INSERT INTO extra (person) SELECT id FROM persons"};
+constexpr dbSMigration BROKEN{"CREATE TABLE half (id INTEGER PRIMARY KEY); INSERT INTO nowhere VALUES (1)"};
+
+std::vector<dbSMigration> StepsAnd(std::initializer_list<dbSMigration> more)
+{
+    std::vector<dbSMigration> steps(dbSchemaSteps().begin(), dbSchemaSteps().end());
+    steps.insert(steps.end(), more);
+    return steps;
+}
+
+dbError Update(const std::string& path, const std::vector<dbSMigration>& steps)
+{
+    try
+    {
+        dbCConnection connection(path.c_str(), dbCConnection::Mode::Open);
+        dbUpdateSchema(connection, steps);
+    }
+    catch (dbCException* e)
+    {
+        const dbError nError = e->GetError();
+        e->Delete();
+        return nError;
+    }
+    return dbErrNone;
+}
+
+__int64 Ask(const std::string& path, const char* pszSql)
+{
+    dbCConnection connection(path.c_str(), dbCConnection::Mode::Open);
+    return connection.QueryInt(pszSql);
+}
+
+struct OldDatabase
+{
+    OldDatabase() : path(practice.Path("old.db"))
+    {
+        dbCConnection connection(path.c_str(), dbCConnection::Mode::Create);
+        dbCreateSchema(connection);
+        connection.Execute("INSERT INTO persons VALUES (1, 'G', '', 'Ann', 'Lee', '', '', '', '', NULL, 1)");
+    }
+    veltest::TemporaryPractice practice;
+    std::string path;
+};
+
+TEST(Schema, AnOlderDatabaseIsBroughtForwardWithItsData)
+{
+    const OldDatabase old;
+    EXPECT_EQ(Update(old.path, StepsAnd({TO_2, TO_3})), dbErrNone);
+    EXPECT_EQ(Ask(old.path, "PRAGMA user_version"), static_cast<__int64>(dbSchemaSteps().size()) + 2);
+    EXPECT_EQ(Ask(old.path, "SELECT count(*) FROM persons JOIN extra ON extra.person = persons.id WHERE colour = 'red'"), 1);
+    EXPECT_EQ(Update(old.path, StepsAnd({TO_2, TO_3})), dbErrNone) << "once is enough";
+    EXPECT_EQ(Ask(old.path, "SELECT count(*) FROM extra"), 1);
+}
+
+TEST(Schema, AFailingStepLeavesTheOldVersion)
+{
+    const OldDatabase old;
+    const __int64 nVersion = Ask(old.path, "PRAGMA user_version");
+    EXPECT_NE(Update(old.path, StepsAnd({TO_2, BROKEN})), dbErrNone);
+    EXPECT_EQ(Ask(old.path, "PRAGMA user_version"), nVersion);
+    EXPECT_EQ(Ask(old.path, "SELECT count(*) FROM pragma_table_info('persons') WHERE name = 'colour'"), 0);
+    EXPECT_EQ(Ask(old.path, "SELECT count(*) FROM sqlite_schema WHERE name = 'half'"), 0);
+}
+
+TEST(Schema, NewerOrForeignIsRefused)
+{
+    const OldDatabase old;
+    ASSERT_EQ(Update(old.path, StepsAnd({TO_2})), dbErrNone);
+    EXPECT_EQ(Update(old.path, StepsAnd({})), dbErrNewerVersion);
+    EXPECT_EQ(Ask(old.path, "PRAGMA user_version"), static_cast<__int64>(dbSchemaSteps().size()) + 1);
+
+    const std::string foreign = old.practice.Path("foreign.db");
+    {
+        dbCConnection connection(foreign.c_str(), dbCConnection::Mode::Create);
+        connection.Execute("CREATE TABLE t (x); PRAGMA user_version = 1");
+    }
+    EXPECT_EQ(Update(foreign, StepsAnd({})), dbErrNotPatients);
+    EXPECT_FALSE(std::filesystem::exists(foreign + "-wal"));
+}
+
+TEST(Schema, SettingsOfTheConnection)
+{
+    const OldDatabase old;
+    EXPECT_EQ(Ask(old.path, "PRAGMA foreign_keys"), 1);
+    EXPECT_EQ(Ask(old.path, "SELECT count(*) FROM pragma_journal_mode WHERE journal_mode = 'wal'"), 1);
+    EXPECT_EQ(Ask(old.path, "PRAGMA busy_timeout"), 5000);
+    old.practice.Set("Environment", "DatabaseTimeout", "1234");
+    EXPECT_EQ(Ask(old.path, "PRAGMA busy_timeout"), 1234);
+    old.practice.Set("Environment", "DatabaseTimeout", "-1");
+    EXPECT_EQ(Ask(old.path, "PRAGMA busy_timeout"), 0);
+}
+}

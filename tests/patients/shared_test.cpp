@@ -1,0 +1,165 @@
+// Two processes on one database: the race for an ID, waiting, and locks with their holders.
+
+#include "tests/patients/testdatabase.h"
+#include "tests/support/childprocess.h"
+
+#include <filesystem>
+#include <fstream>
+
+namespace
+{
+void Touch(const std::string& path)
+{
+    std::ofstream(path) << '.';
+}
+
+bool WaitFor(const std::string& path)
+{
+    for (int i = 0; i < 3000 && !std::filesystem::exists(path); ++i)
+        Sleep(10);
+    return std::filesystem::exists(path);
+}
+
+constexpr int RACE_IDS = 40;
+
+/// How many of the race's IDs this process got; -1 when anything but a duplicate stopped it.
+int Race(const std::string& prefix)
+{
+    int nWon = 0;
+    for (int i = 0; i < RACE_IDS; ++i)
+    {
+        dbCPatient patient = FullPatient(("RACE" + std::to_string(i)).c_str(), prefix.c_str());
+        const dbError nError = ErrorOf([&] { patient.Save(); });
+        if (nError != dbErrNone && nError != dbErrDuplicateID)
+            return -1;
+        nWon += nError == dbErrNone;
+    }
+    return nWon;
+}
+
+VEL_CHILD_PROCESS(race)
+{
+    dbCPatients::Open(arguments[0].c_str());
+    Touch(arguments[1]);
+    const int nWon = Race("child");
+    dbCPatients::Close();
+    return nWon;
+}
+
+VEL_CHILD_PROCESS(holdPatient)
+{
+    dbCPatients::Open(arguments[0].c_str());
+    dbCPatients patients;
+    const int nAnswer = patients.LockPatient("A1", atoi(arguments[2].c_str()));
+    Touch(arguments[1]);
+    if (nAnswer == 0)
+        Sleep(60'000);
+    return nAnswer;
+}
+
+VEL_CHILD_PROCESS(holdDatabase)
+{
+    dbCPatients::Open(arguments[0].c_str());
+    dbCTransaction transaction;
+    NewPatient("HALF").Save();
+    Touch(arguments[1]);
+    Sleep(60'000);
+    return 0;
+}
+
+TEST(SharedDatabase, ExactlyOneOfTwoWinsAnID)
+{
+    TestDatabase database;
+    database.practice.Set("Environment", "DatabaseTimeout", "20000");
+    dbCPatients::Open(database.Path().c_str());
+    veltest::ChildProcess child("race", {database.Path(), database.practice.Path("go")});
+    ASSERT_TRUE(WaitFor(database.practice.Path("go")));
+    const int nOwn = Race("parent");
+    const int nTheirs = child.Wait();
+    ASSERT_GE(nOwn, 0);
+    EXPECT_EQ(nOwn + nTheirs, RACE_IDS);
+    dbCPatients patients;
+    EXPECT_EQ(patients.GetCount(), RACE_IDS);
+    for (int i = 0; i < RACE_IDS; ++i)
+    {
+        dbCPatient patient;
+        ASSERT_TRUE(patient.Load(("RACE" + std::to_string(i)).c_str()));
+        EXPECT_EQ(patient.GetTimepoints().GetCount(), 3);
+    }
+}
+
+TEST(SharedDatabase, AWriterThatTakesTooLongIsReportedAndAKilledOneLeavesNothing)
+{
+    TestDatabase database;
+    NewPatient("A1").Save();
+    veltest::ChildProcess child("holdDatabase", {database.Path(), database.practice.Path("go")});
+    ASSERT_TRUE(WaitFor(database.practice.Path("go")));
+    dbCPatient patient = NewPatient("B2");
+    EXPECT_EQ(ErrorOf([&] { patient.Save(); }), dbErrLocked);
+    EXPECT_FALSE(patient.IsValid());
+    EXPECT_TRUE(dbCPatient().Load("A1")) << "reading goes on";
+    EXPECT_FALSE(dbCPatient().Load("HALF"));
+    child.Kill();
+    child.Wait();
+    patient.Save();
+    EXPECT_TRUE(dbCPatients().IsIDFree("HALF"));
+}
+
+TEST(PatientLock, AnothersLockIsSeenAndADeadHoldersRemoved)
+{
+    TestDatabase database;
+    dbCPatients patients;
+    CString strHolder;
+    {
+        veltest::ChildProcess child("holdPatient", {database.Path(), database.practice.Path("go"), "0"});
+        ASSERT_TRUE(WaitFor(database.practice.Path("go")));
+        EXPECT_EQ(patients.IsLocked("a1", &strHolder), patLockInUse);
+        EXPECT_FALSE(strHolder.IsEmpty());
+        EXPECT_EQ(patients.LockPatient("A1", patLockExclusive, &strHolder), patLockInUse);
+        EXPECT_EQ(patients.LockPatient("A1", patLockShared), patLockInUse);
+        EXPECT_FALSE(patients.Unlock("A1")) << "not ours to give back";
+        EXPECT_EQ(patients.IsLocked("A1"), patLockInUse);
+        EXPECT_EQ(patients.IsLocked("A2"), patLockFree);
+        child.Kill();
+        child.Wait();
+    }
+    EXPECT_EQ(patients.IsLocked("A1", &strHolder), patLockFree);
+    EXPECT_TRUE(strHolder.IsEmpty());
+    EXPECT_EQ(patients.LockPatient("A1"), patLockFree);
+    EXPECT_TRUE(patients.Unlock("A1"));
+}
+
+TEST(PatientLock, LookersCanBePassed)
+{
+    TestDatabase database;
+    dbCPatients patients;
+    veltest::ChildProcess child("holdPatient", {database.Path(), database.practice.Path("go"), "1"});
+    ASSERT_TRUE(WaitFor(database.practice.Path("go")));
+    EXPECT_EQ(patients.IsLocked("A1"), patLockPassable);
+    EXPECT_EQ(patients.LockPatient("A1", patLockExclusive), patLockPassable);
+    EXPECT_FALSE(patients.Unlock("A1"));
+    EXPECT_EQ(patients.LockPatient("A1", patLockShared), patLockFree);
+    EXPECT_TRUE(patients.Unlock("A1"));
+    dbCPatients::BreakLock("A1");
+    EXPECT_EQ(patients.IsLocked("A1"), patLockFree);
+    child.Kill();
+}
+
+TEST(PatientLock, LocksOfOneProcessAreCounted)
+{
+    TestDatabase database;
+    dbCPatients first, second;
+    EXPECT_EQ(first.LockPatient("A1"), patLockFree);
+    EXPECT_EQ(second.LockPatient("a1"), patLockFree);
+    EXPECT_TRUE(first.Unlock("A1"));
+    veltest::ChildProcess child("holdPatient", {database.Path(), database.practice.Path("go"), "0"});
+    EXPECT_EQ(child.Wait(), patLockInUse) << "one lock is left";
+    EXPECT_TRUE(second.Unlock("A1"));
+    EXPECT_FALSE(second.Unlock("A1"));
+    {
+        dbCTransaction transaction;
+        EXPECT_EQ(first.LockPatient("A1"), patLockFree);
+    }
+    EXPECT_FALSE(first.Unlock("A1")) << "rolled back with its transaction";
+}
+}
