@@ -96,7 +96,10 @@ public:
 
     /// Copies the timepoint at a position, with everything recorded about its images. FALSE when there is none.
     BOOL CopyTimepoint(int nIndex, patCTimepoint& timepoint) const;
-    static constexpr int PASTE_NUMBER_TAKEN = 1994;   ///< result of PasteTimepoint
+    enum : int
+    {
+        PASTE_NUMBER_TAKEN = 1994   ///< result of PasteTimepoint
+    };
     /// Appends a copied timepoint under the number its base file name ends in (SetBaseFilename), with a new GUID and
     /// without the treatment link. Returns 0, 1993 when the patient has 100 timepoints, or PASTE_NUMBER_TAKEN. Save
     /// stores it.

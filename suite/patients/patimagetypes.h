@@ -13,7 +13,10 @@ struct patSImageType
 class VELPAT_API patCImageTypes
 {
 public:
-    static constexpr int GROUP_COUNT = 8;
+    enum : int
+    {
+        GROUP_COUNT = 8
+    };
 
     /// Name of a group, 0 to 7, for users.
     static const char* GetGroupTitle(int nGroup);

@@ -78,8 +78,14 @@ public:
 class VELPAT_API patCTimepoints : public dbTList<patCTimepoint>
 {
 public:
-    static constexpr int MAX_COUNT = 100;
-    static constexpr int RESULT_FULL = 1993;   ///< result of Add: the patient has MAX_COUNT timepoints
+    enum : int
+    {
+        MAX_COUNT = 100
+    };
+    enum : int
+    {
+        RESULT_FULL = 1993   ///< result of Add: the patient has MAX_COUNT timepoints
+    };
 
     /// Position of the timepoint with this name (exact) whose date, formatted date-only in the user's locale,
     /// is `pszDate`; -1 when there is none.

@@ -17,11 +17,11 @@ constexpr int FIRST_BIRTH_YEAR = 1850;
 class RedrawPause
 {
 public:
-    explicit RedrawPause(CComboBox& combo) : m_combo(combo) { m_combo.SetRedraw(FALSE); }
+    explicit RedrawPause(CComboBox& combo) : m_combo(combo) { ::SendMessageA(m_combo, WM_SETREDRAW, FALSE, 0); }
     ~RedrawPause()
     {
-        m_combo.SetRedraw(TRUE);
-        m_combo.Invalidate();
+        ::SendMessageA(m_combo, WM_SETREDRAW, TRUE, 0);
+        ::InvalidateRect(m_combo, nullptr, TRUE);
     }
     RedrawPause(const RedrawPause&) = delete;
     RedrawPause& operator=(const RedrawPause&) = delete;
