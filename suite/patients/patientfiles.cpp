@@ -284,7 +284,8 @@ bool patIsPatientFile(const std::string& name, const std::string& id, bool* pbSh
         return false;
     const std::string_view rest = std::string_view(file).substr(id.size());
     constexpr std::string_view morph = ".2dmorph";
-    if (rest == ".pf" || rest == ".originalpf")
+    // With "~": a patient file that a process which has died was about to put in place.
+    if (rest == ".pf" || rest == ".originalpf" || rest.substr(0, 4) == ".pf~")
         return true;
     if (rest.size() >= morph.size() && rest.substr(rest.size() - morph.size()) == morph)
     {

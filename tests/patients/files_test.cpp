@@ -64,7 +64,7 @@ TEST(PatientFiles, AVanishedWorkingFolderRefusesTheSaveAsAWhole)
 }
 
 const char* const OWN_FILES[] = {"A100.I0A", "A100.V0A", "a123.m", "A123.DF3", "A123.I0A.AVI", "A1$00$scan", "A100.C01",
-                                 "A1.2dmorph"};
+                                 "A1.2dmorph", "A1.PF~3f"};
 const char* const OTHER_FILES[] = {"A12.PF", "A1200.I0A", "A12$00$scan", "A12x.2dmorph", "A1B.PF", "A1.TXT", "B100.I0A"};
 
 void WriteAll(const TestDatabase& database)
