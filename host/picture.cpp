@@ -310,12 +310,6 @@ picBitmap picLoadThumbnail(const std::string& path, int width, int height, COLOR
     return picBitmap(thumbnail.GetHBITMAP(FromColorRef(background), &bitmap) == Gdiplus::Ok ? bitmap : nullptr);
 }
 
-bool picSavePng(HBITMAP bitmap, const std::string& path)
-{
-    Bitmap image(bitmap, nullptr);
-    return image.GetLastStatus() == Gdiplus::Ok && Save(image, path, L"image/png");
-}
-
 bool picWriteSample(const std::string& path, picSubject subject, std::uint32_t seed, const std::string& label,
                     bool jpeg)
 {

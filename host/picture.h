@@ -1,7 +1,7 @@
-// Pictures through GDI+: thumbnails of image files, PNG files of windows, and the drawn images of the sample practice.
+// Pictures through GDI+: thumbnails of image files, and the drawn images of the sample practice.
 #pragma once
 
-#include <windows.h>
+#include <afxwin.h>
 
 #include <cstdint>
 #include <memory>
@@ -40,9 +40,6 @@ using picBitmap = std::unique_ptr<HBITMAP, picBitmapDeleter>;
 /// The image file, whatever its name, shrunk to fit into width x height pixels and centred on the background.
 /// Null when the file is missing or no image that GDI+ knows, or when it has more than 100 million pixels.
 picBitmap picLoadThumbnail(const std::string& path, int width, int height, COLORREF background);
-
-/// Writes a bitmap as a PNG file; false when that fails.
-bool picSavePng(HBITMAP bitmap, const std::string& path);
 
 /// What a drawn image shows.
 enum class picSubject

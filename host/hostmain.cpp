@@ -1,0 +1,8 @@
+#include "host/hostapp.h"
+
+namespace
+{
+
+hostCApp theApp;
+
+} // namespace
