@@ -393,7 +393,7 @@ void PlayAuditLog(tourCGuide& guide)
     guide.Picture(guide.GetFrame(), "audit-log");
 }
 
-constexpr std::array<tourSStep, 14> kSteps = {{
+constexpr std::array<tourSStep, 15> kSteps = {{
     {"The practice opens", PlayOpen},
     {"Dialogs that are still to come are greyed", PlayGreyed},
     {"The search finds patients while it is typed", PlaySearch},
@@ -406,6 +406,7 @@ constexpr std::array<tourSStep, 14> kSteps = {{
     {"A change, cancelled", PlayChangeCancelled},
     {"The keyword list is edited", PlayKeywords},
     {"Keywords, cancelled", PlayKeywordsCancelled},
+    {"The dialog module and its settings", PlayModule},
     {"Several patients are selected", PlaySeveral},
     {"The audit log", PlayAuditLog},
 }};
