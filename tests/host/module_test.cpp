@@ -1,0 +1,73 @@
+// The table of exports against the real module, and modules that are missing or wrong.
+
+#include "host/hostmodule.h"
+#include "host/hostsession.h"
+#include "tests/support/mfctestprogram.h"
+#include "tests/support/temporarypractice.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+VEL_MFC_TEST_PROGRAM();
+
+namespace
+{
+
+TEST(HostModule, FindsEveryExportByItsName)
+{
+    const veltest::TemporaryPractice practice;
+    hostCModule module;
+    CString error;
+    ASSERT_TRUE(module.Load(nullptr, error)) << error.GetString();
+    EXPECT_THAT(module.GetPath().GetString(), testing::EndsWith("VelDlgs.dll"));
+
+    // A wrong order in the table would call the wrong function.
+    EXPECT_FALSE(module->SetArchivingAllowed(true));
+    EXPECT_TRUE(module->SetArchivingAllowed(false));
+    CString name;
+    module->nameMakeFullname("Ann", "Lee", &name, NAMEORDER_LAST_FIRST);
+    EXPECT_STREQ("Lee, Ann", name);
+    EXPECT_EQ(1, module->settings->GetAllowPatientChanges());
+    EXPECT_EQ(20, module->settings->GetDisplayPhotoCornerRoundedness());
+    CString guid = "left from before";
+    EXPECT_EQ(IDCANCEL, module->NewPatientDlg(nullptr, nullptr, guid));
+    EXPECT_STREQ("", guid);
+    guid = "left from before";
+    EXPECT_EQ(IDCANCEL, module->NewPatientDlgWithData(nullptr, nullptr, guid, nullptr));
+    EXPECT_STREQ("", guid);
+    EXPECT_EQ(IDCANCEL, module->ChangePatientDlg(nullptr, nullptr, nullptr));
+    EXPECT_FALSE(module->ImportPatientDiagnostics("", "{no such patient}"));
+
+    module.Unload();
+    EXPECT_FALSE(module.IsLoaded());
+    ASSERT_TRUE(module.Load(nullptr, error)) << "a second time: " << error.GetString();
+}
+
+TEST(HostModule, AMissingOrWrongOneIsTold)
+{
+    const veltest::TemporaryPractice practice;
+    practice.WriteFile("noise.dll", "this is no library");
+    char system[MAX_PATH] = {};
+    ::GetSystemDirectory(system, MAX_PATH);
+
+    struct Case
+    {
+        std::string path;
+        std::string told;
+    };
+    const Case kCases[] = {
+        {practice.Path("absent.dll"), "is missing"},
+        {practice.Path("noise.dll"), "could not be loaded"},
+        {std::string(system) + "\\version.dll", "NewPatientDlg, NewPatientDlgWithData"},
+    };
+    for (const Case& wrong : kCases)
+    {
+        hostCModule module;
+        CString error;
+        EXPECT_FALSE(module.Load(wrong.path.c_str(), error)) << wrong.path;
+        EXPECT_FALSE(module.IsLoaded());
+        EXPECT_THAT(error.GetString(), testing::AllOf(testing::HasSubstr(wrong.path), testing::HasSubstr(wrong.told)));
+    }
+}
+
+} // namespace
