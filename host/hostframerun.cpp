@@ -202,11 +202,14 @@ BOOL hostCFrame::OpenPractice(LPCTSTR folder)
         const UINT id = question == hostQuestion::createPractice ? IDS_ASK_CREATE : IDS_ASK_SETTINGS;
         return AfxMessageBox(FormatText(id, where), MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2) == IDYES;
     };
+    // The module that draws it goes with the practice.
+    m_images.SetEmptyText("", nullptr);
     CString error;
     const BOOL opened = m_session.Open(wanted, ask, error);
     if (m_session.GetModule().IsLoaded())
     {
         m_images.SetBackground(m_session.GetModule()->settings->GetBackgroundColor());
+        m_images.SetEmptyText(hostText(IDS_NO_IMAGES), m_session.GetModule()->GrayStringProc);
     }
     m_message = hostText(opened ? IDS_READY : IDS_NO_PRACTICE);
     m_search.SetWindowText("");

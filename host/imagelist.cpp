@@ -4,6 +4,8 @@
 #include "host/hostres.h"
 #include "suite/util/velpath.h"
 
+#include <algorithm>
+
 namespace
 {
 
@@ -27,6 +29,10 @@ CString FindImageFile(const CString& name)
 }
 
 } // namespace
+
+BEGIN_MESSAGE_MAP(hostCImageList, CListCtrl)
+    ON_WM_PAINT()
+END_MESSAGE_MAP()
 
 hostCImageList::~hostCImageList()
 {
@@ -85,11 +91,39 @@ void hostCImageList::MakePlaceholder()
     ::ImageList_Add(m_thumbnails, bitmap.get(), nullptr);
 }
 
+void hostCImageList::SetEmptyText(LPCTSTR text, GRAYSTRINGPROC draw)
+{
+    m_emptyText = text;
+    m_drawEmpty = draw;
+    Invalidate();
+}
+
+void hostCImageList::OnPaint()
+{
+    Default();
+    if (!m_files.empty() || m_emptyText.IsEmpty())
+    {
+        return;
+    }
+    const HDC dc = ::GetDC(m_hWnd);
+    const HGDIOBJ font = ::SelectObject(dc, reinterpret_cast<HGDIOBJ>(SendMessage(WM_GETFONT)));
+    SIZE extent = {};
+    ::GetTextExtentPoint32(dc, m_emptyText, m_emptyText.GetLength(), &extent);
+    CRect client;
+    GetClientRect(&client);
+    ::GrayString(dc, ::GetSysColorBrush(COLOR_GRAYTEXT), m_drawEmpty,
+                 reinterpret_cast<LPARAM>(m_emptyText.GetString()), m_emptyText.GetLength(),
+                 std::max(0, (client.Width() - static_cast<int>(extent.cx)) / 2), hostScale(24), extent.cx, extent.cy);
+    ::SelectObject(dc, font);
+    ::ReleaseDC(m_hWnd, dc);
+}
+
 void hostCImageList::Clear()
 {
     DeleteAllItems();
     m_files.clear();
     m_next = 0;
+    Invalidate();
     ::ImageList_SetImageCount(m_thumbnails, 1);
 }
 

@@ -26,6 +26,14 @@ public:
     /// The colour behind the images, from the shared settings.
     void SetBackground(COLORREF color);
 
+    /// What stands in the list while it is empty, drawn grey by an output procedure; null for the system's own. The
+    /// procedure must stay loaded until another one is set.
+    void SetEmptyText(LPCTSTR text, GRAYSTRINGPROC draw);
+
+protected:
+    afx_msg void OnPaint();
+    DECLARE_MESSAGE_MAP()
+
 private:
     void MakePlaceholder();
 
@@ -33,4 +41,6 @@ private:
     COLORREF m_background = RGB(255, 255, 255);
     std::vector<CString> m_files; // full path for each item; empty when there is no file
     std::size_t m_next = 0;
+    CString m_emptyText;
+    GRAYSTRINGPROC m_drawEmpty = nullptr;
 };
