@@ -1,5 +1,6 @@
-// How the patient database's look-ups grow: ID uniqueness and similar patient at 100,000 patients against 1,000.
-// Prints times per look-up and their ratios; the aim is a ratio of at most 3. Arguments: small and large count.
+// How the patient database's look-ups grow: ID uniqueness and similar patient at 100,000 patients against
+// 1,000. Prints times per look-up and their ratios; the aim is a ratio of at most 3. Arguments: small and
+// large count.
 
 #include "suite/patients/velpat.h"
 #include "suite/util/velini.h"
@@ -44,8 +45,7 @@ void Fill(int nPatients)
 }
 
 /// Microseconds per look-up; half of those asked for exist.
-template<typename Lookup>
-double Measure(int nPatients, Lookup lookup)
+template <typename Lookup> double Measure(int nPatients, Lookup lookup)
 {
     int nFound = 0;
     const auto start = std::chrono::steady_clock::now();
@@ -84,19 +84,21 @@ Times MeasureAt(const std::filesystem::path& folder, int nPatients)
     dbCPatients::Close();
     return times;
 }
-}
+} // namespace
 
 int main(int argc, char** argv)
 {
     const int nSmall = argc > 1 ? atoi(argv[1]) : 1000, nLarge = argc > 2 ? atoi(argv[2]) : 100000;
-    const auto folder = std::filesystem::temp_directory_path() / ("lookup" + std::to_string(GetCurrentProcessId()));
+    const auto folder =
+        std::filesystem::temp_directory_path() / ("lookup" + std::to_string(GetCurrentProcessId()));
     std::filesystem::create_directories(folder);
     velSetIniFile((folder / "veltrix.ini").string().c_str());
     int nResult = 0;
     try
     {
         const Times small = MeasureAt(folder, nSmall), large = MeasureAt(folder, nLarge);
-        printf("ratio ID %.2f, similar patient %.2f (aim: at most 3)\n", large.idMicroseconds / small.idMicroseconds,
+        printf("ratio ID %.2f, similar patient %.2f (aim: at most 3)\n",
+               large.idMicroseconds / small.idMicroseconds,
                large.similarMicroseconds / small.similarMicroseconds);
     }
     catch (CException* e)

@@ -5,8 +5,9 @@
 
 dbCApplicationOptionsContainer::dbCApplicationOptionsContainer(LPCTSTR pszKey)
 {
-    dbCStatement query("SELECT id, optionKey, value, description, status, forUser, employeeID, oldID FROM applicationOptions"
-                       " WHERE optionKey = ? ORDER BY id");
+    dbCStatement query(
+        "SELECT id, optionKey, value, description, status, forUser, employeeID, oldID FROM applicationOptions"
+        " WHERE optionKey = ? ORDER BY id");
     query.Bind(pszKey);
     while (query.Step())
     {
@@ -25,8 +26,9 @@ dbCApplicationOptionsContainer::dbCApplicationOptionsContainer(LPCTSTR pszKey)
 
 void dbCApplicationOptionsContainer::InsertRow(const dbSApplicationOption& row)
 {
-    dbCStatement insert("INSERT INTO applicationOptions (optionKey, value, description, status, forUser, employeeID, oldID)"
-                        " VALUES (?, ?, ?, ?, ?, ?, ?)");
+    dbCStatement insert(
+        "INSERT INTO applicationOptions (optionKey, value, description, status, forUser, employeeID, oldID)"
+        " VALUES (?, ?, ?, ?, ?, ?, ?)");
     insert.Bind(row.strKey).Bind(row.strValue).Bind(row.strDescription).Bind(row.nStatus).Bind(row.nForUser);
     insert.Bind(row.strEmployeeID).Bind(row.strOldID).Run();
     dbSApplicationOption stored = row;
@@ -36,9 +38,14 @@ void dbCApplicationOptionsContainer::InsertRow(const dbSApplicationOption& row)
 
 void dbCApplicationOptionsContainer::UpdateRow(const dbSApplicationOption& row)
 {
-    dbCStatement update("UPDATE applicationOptions SET value = ?, description = ?, status = ?, forUser = ?, employeeID = ?,"
-                        " oldID = ? WHERE id = ?");
-    update.Bind(row.strValue).Bind(row.strDescription).Bind(row.nStatus).Bind(row.nForUser).Bind(row.strEmployeeID);
+    dbCStatement update(
+        "UPDATE applicationOptions SET value = ?, description = ?, status = ?, forUser = ?, employeeID = ?,"
+        " oldID = ? WHERE id = ?");
+    update.Bind(row.strValue)
+        .Bind(row.strDescription)
+        .Bind(row.nStatus)
+        .Bind(row.nForUser)
+        .Bind(row.strEmployeeID);
     update.Bind(row.strOldID).Bind(row.nRow).Run();
     if (dbCConnection::Current().GetChanges() == 0)
         dbCException::Throw(dbErrNotFound, row.strKey);

@@ -6,7 +6,7 @@
 /// One row of the application-options table.
 struct dbSApplicationOption
 {
-    __int64 nRow = 0;   ///< 0 until stored
+    __int64 nRow = 0; ///< 0 until stored
     CString strKey, strValue, strDescription, strEmployeeID, strOldID;
     int nStatus = 1;
     int nForUser = 0;
@@ -24,6 +24,7 @@ public:
 
     /// -1 and `strValue` untouched when the key has no row, otherwise 0 and the first row's value.
     static int GetApplicationOption(LPCTSTR pszKey, CString& strValue);
-    /// Inserts or updates the key's one row and returns 0; with more than one row writes nothing and returns -1.
+    /// Inserts or updates the key's one row and returns 0; with more than one row writes nothing and returns
+    /// -1.
     static int SetApplicationOption(LPCTSTR pszKey, LPCTSTR pszValue);
 };

@@ -35,7 +35,8 @@ std::string Mark(int nFormat)
     return "VPA" + std::to_string(nFormat);
 }
 
-/// Reads up to `nCount` bytes block by block, so that a lying length takes no more memory than the archive has bytes.
+/// Reads up to `nCount` bytes block by block, so that a lying length takes no more memory than the archive
+/// has bytes.
 std::string ReadUpTo(CArchive& ar, size_t nCount)
 {
     std::string bytes;
@@ -51,7 +52,7 @@ std::string ReadUpTo(CArchive& ar, size_t nCount)
     }
     return bytes;
 }
-}
+} // namespace
 
 void dbCArchiveWriter::Number(__int64 nValue)
 {
@@ -62,7 +63,8 @@ void dbCArchiveWriter::Number(__int64 nValue)
 
 void dbCArchiveWriter::Text(const CString& strText)
 {
-    const std::string text = m_nFormat == 1 ? dbToUtf8(strText.GetString()) : std::string(strText.GetString());
+    const std::string text =
+        m_nFormat == 1 ? dbToUtf8(strText.GetString()) : std::string(strText.GetString());
     const size_t nWidth = m_nFormat == 1 ? 4 : 2;
     if (text.size() > (nWidth == 4 ? MAX_TEXT : 0xFFFF))
         dbCException::Throw(dbErrInvalid, strText.Left(60));

@@ -10,7 +10,7 @@
 
 namespace
 {
-constexpr int DEFAULT_TIMEOUT = 5000;   // milliseconds
+constexpr int DEFAULT_TIMEOUT = 5000; // milliseconds
 
 std::unique_ptr<dbCConnection> g_pConnection;
 
@@ -57,7 +57,8 @@ dbError ErrorFromSqlite(sqlite3* pDb, int nResult, const std::string& message)
     case SQLITE_CONSTRAINT:
         if (nResult == SQLITE_CONSTRAINT_FOREIGNKEY)
             return dbErrInUse;
-        if (message.find("patients.patientID") != std::string::npos || message.find("persons.guid") != std::string::npos)
+        if (message.find("patients.patientID") != std::string::npos ||
+            message.find("persons.guid") != std::string::npos)
             return dbErrDuplicateID;
         return dbErrInvalid;
     default:
@@ -84,7 +85,7 @@ int Number(std::string_view text, size_t nPos, size_t nDigits)
     }
     return nValue;
 }
-}
+} // namespace
 
 // dbCConnection
 
@@ -108,7 +109,8 @@ dbCConnection::dbCConnection(LPCTSTR pszPath, Mode mode) : m_strPath(pszPath)
         dbCException::Throw(dbErrExists, pszPath);
     }
 
-    const int nFlags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_EXRESCODE | (mode == Mode::Create ? SQLITE_OPEN_CREATE : 0);
+    const int nFlags =
+        SQLITE_OPEN_READWRITE | SQLITE_OPEN_EXRESCODE | (mode == Mode::Create ? SQLITE_OPEN_CREATE : 0);
     const int nResult = sqlite3_open_v2(dbToUtf8(pszPath).c_str(), &m_pDb, nFlags, nullptr);
     try
     {
@@ -116,12 +118,14 @@ dbCConnection::dbCConnection(LPCTSTR pszPath, Mode mode) : m_strPath(pszPath)
             ThrowError(nResult);
         if (sqlite3_db_readonly(m_pDb, "main") == 1)
             dbCException::Throw(dbErrReadOnly, pszPath);
-        sqlite3_busy_timeout(m_pDb, std::max(0, velGetIniInt("Environment", "DatabaseTimeout", DEFAULT_TIMEOUT)));
+        sqlite3_busy_timeout(m_pDb,
+                             std::max(0, velGetIniInt("Environment", "DatabaseTimeout", DEFAULT_TIMEOUT)));
         sqlite3_db_config(m_pDb, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
         sqlite3_db_config(m_pDb, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
         sqlite3_db_config(m_pDb, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
         sqlite3_db_config(m_pDb, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
-        Execute("PRAGMA foreign_keys = ON; PRAGMA synchronous = FULL; PRAGMA temp_store = MEMORY; PRAGMA cache_size = -16000");
+        Execute("PRAGMA foreign_keys = ON; PRAGMA synchronous = FULL; PRAGMA temp_store = MEMORY; PRAGMA "
+                "cache_size = -16000");
     }
     catch (...)
     {
@@ -189,8 +193,8 @@ sqlite3_stmt* dbCConnection::Take(std::string_view sql)
         return pStatement;
     }
     sqlite3_stmt* pStatement = nullptr;
-    const int nResult = sqlite3_prepare_v3(m_pDb, sql.data(), static_cast<int>(sql.size()), SQLITE_PREPARE_PERSISTENT,
-                                           &pStatement, nullptr);
+    const int nResult = sqlite3_prepare_v3(m_pDb, sql.data(), static_cast<int>(sql.size()),
+                                           SQLITE_PREPARE_PERSISTENT, &pStatement, nullptr);
     if (nResult != SQLITE_OK)
         ThrowError(nResult);
     return pStatement;
@@ -306,8 +310,8 @@ dbCStatement& dbCStatement::Bind(const char* pszText)
 
 dbCStatement& dbCStatement::BindUtf8(std::string_view utf8)
 {
-    const int nResult =
-        sqlite3_bind_text64(m_pStatement, ++m_nBound, utf8.data(), utf8.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+    const int nResult = sqlite3_bind_text64(m_pStatement, ++m_nBound, utf8.data(), utf8.size(),
+                                            SQLITE_TRANSIENT, SQLITE_UTF8);
     if (nResult != SQLITE_OK)
         m_connection.ThrowError(nResult);
     return *this;
@@ -336,8 +340,8 @@ dbCStatement& dbCStatement::BindNull()
 
 bool dbCStatement::Step()
 {
-    // The engine ends a transaction by itself after some failures (a full disk); what follows must not then be
-    // written statement by statement.
+    // The engine ends a transaction by itself after some failures (a full disk); what follows must not then
+    // be written statement by statement.
     if (m_connection.GetLevel() > 0 && sqlite3_get_autocommit(m_connection.GetHandle()))
         dbCException::Throw(dbErrInternal, "the transaction was ended by the database");
     const int nResult = sqlite3_step(m_pStatement);
@@ -416,8 +420,8 @@ std::string dbDateText(const COleDateTime& date, bool bWithTime)
         return {};
     char sz[80];
     if (bWithTime)
-        snprintf(sz, sizeof(sz), "%04u-%02u-%02u %02u:%02u:%02u", st.wYear, st.wMonth, st.wDay, st.wHour, st.wMinute,
-                 st.wSecond);
+        snprintf(sz, sizeof(sz), "%04u-%02u-%02u %02u:%02u:%02u", st.wYear, st.wMonth, st.wDay, st.wHour,
+                 st.wMinute, st.wSecond);
     else
         snprintf(sz, sizeof(sz), "%04u-%02u-%02u", st.wYear, st.wMonth, st.wDay);
     return sz;
@@ -432,7 +436,8 @@ velCDate dbDateFromText(std::string_view text)
         return date;
     const bool bTime = text.size() >= 19;
     const COleDateTime value(nYear, nMonth, nDay, bTime ? std::max(0, Number(text, 11, 2)) : 0,
-                             bTime ? std::max(0, Number(text, 14, 2)) : 0, bTime ? std::max(0, Number(text, 17, 2)) : 0);
+                             bTime ? std::max(0, Number(text, 14, 2)) : 0,
+                             bTime ? std::max(0, Number(text, 17, 2)) : 0);
     if (dbIsSet(value))
         static_cast<COleDateTime&>(date) = value;
     return date;

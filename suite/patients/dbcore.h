@@ -37,14 +37,26 @@ public:
     static dbCConnection* CurrentOrNull();
     static void SetCurrent(std::unique_ptr<dbCConnection> pConnection);
 
-    sqlite3* GetHandle() const { return m_pDb; }
-    const CString& GetPath() const { return m_strPath; }
+    sqlite3* GetHandle() const
+    {
+        return m_pDb;
+    }
+    const CString& GetPath() const
+    {
+        return m_strPath;
+    }
 
     /// Runs SQL that is part of the program (never built from data), one statement or several.
     void Execute(const char* pszSql);
     __int64 QueryInt(const char* pszSql);
-    __int64 GetLastRow() const { return sqlite3_last_insert_rowid(m_pDb); }
-    int GetChanges() const { return sqlite3_changes(m_pDb); }
+    __int64 GetLastRow() const
+    {
+        return sqlite3_last_insert_rowid(m_pDb);
+    }
+    int GetChanges() const
+    {
+        return sqlite3_changes(m_pDb);
+    }
 
     /// Throws what a failed SQLite call means.
     [[noreturn]] void ThrowError(int nResult) const;
@@ -52,7 +64,10 @@ public:
     int Begin();
     void Commit(int nLevel);
     void Rollback(int nLevel) noexcept;
-    int GetLevel() const { return static_cast<int>(m_frames.size()); }
+    int GetLevel() const
+    {
+        return static_cast<int>(m_frames.size());
+    }
     void AtEnd(std::function<void()> fnRollback, std::function<void()> fnCommit);
 
 private:
@@ -69,8 +84,8 @@ private:
 
     sqlite3* m_pDb = nullptr;
     CString m_strPath;
-    std::unordered_map<std::string_view, std::vector<sqlite3_stmt*>> m_free;   ///< keys are string literals
-    std::vector<Frame> m_frames;   ///< one per open transaction, outermost first
+    std::unordered_map<std::string_view, std::vector<sqlite3_stmt*>> m_free; ///< keys are string literals
+    std::vector<Frame> m_frames; ///< one per open transaction, outermost first
 };
 
 /// A prepared statement taken from the connection's store for the length of a scope. The SQL must be a string
@@ -84,15 +99,24 @@ public:
     dbCStatement(const dbCStatement&) = delete;
     dbCStatement& operator=(const dbCStatement&) = delete;
 
-    dbCStatement& Bind(int nValue) { return Bind(static_cast<__int64>(nValue)); }
-    dbCStatement& Bind(unsigned long dwValue) { return Bind(static_cast<__int64>(dwValue)); }
+    dbCStatement& Bind(int nValue)
+    {
+        return Bind(static_cast<__int64>(nValue));
+    }
+    dbCStatement& Bind(unsigned long dwValue)
+    {
+        return Bind(static_cast<__int64>(dwValue));
+    }
     dbCStatement& Bind(__int64 nValue);
-    dbCStatement& Bind(const char* pszText);          ///< code-page text
-    dbCStatement& Bind(const CString& strText) { return Bind(strText.GetString()); }
+    dbCStatement& Bind(const char* pszText); ///< code-page text
+    dbCStatement& Bind(const CString& strText)
+    {
+        return Bind(strText.GetString());
+    }
     dbCStatement& BindUtf8(std::string_view utf8);
-    dbCStatement& BindDate(const COleDateTime& date);        ///< "YYYY-MM-DD", null when not set
-    dbCStatement& BindDateTime(const COleDateTime& date);    ///< "YYYY-MM-DD HH:MM:SS", null when not set
-    dbCStatement& BindRow(__int64 nRow);                     ///< a reference; null for 0
+    dbCStatement& BindDate(const COleDateTime& date);     ///< "YYYY-MM-DD", null when not set
+    dbCStatement& BindDateTime(const COleDateTime& date); ///< "YYYY-MM-DD HH:MM:SS", null when not set
+    dbCStatement& BindRow(__int64 nRow);                  ///< a reference; null for 0
     dbCStatement& BindNull();
 
     /// TRUE with a row, false at the end. The first call after the end starts over.
@@ -102,13 +126,22 @@ public:
     /// Forgets position and parameters.
     void Reset();
 
-    bool IsNull(int nColumn) const { return sqlite3_column_type(m_pStatement, nColumn) == SQLITE_NULL; }
-    __int64 Int64(int nColumn) const { return sqlite3_column_int64(m_pStatement, nColumn); }
-    int Int(int nColumn) const { return sqlite3_column_int(m_pStatement, nColumn); }
+    bool IsNull(int nColumn) const
+    {
+        return sqlite3_column_type(m_pStatement, nColumn) == SQLITE_NULL;
+    }
+    __int64 Int64(int nColumn) const
+    {
+        return sqlite3_column_int64(m_pStatement, nColumn);
+    }
+    int Int(int nColumn) const
+    {
+        return sqlite3_column_int(m_pStatement, nColumn);
+    }
     std::string_view Utf8(int nColumn) const;
     CString Text(int nColumn) const;
     CString TextForDisplay(int nColumn) const;
-    velCDate Date(int nColumn) const;   ///< date with or without time; null for anything else
+    velCDate Date(int nColumn) const; ///< date with or without time; null for anything else
 
 private:
     dbCConnection& m_connection;

@@ -19,13 +19,14 @@ __int64 RequireType(const CString& strType)
     dbCStatement("INSERT INTO doctorTypes (name, nameKey) VALUES (?, ?)").Bind(strType).BindUtf8(key).Run();
     return dbCConnection::Current().GetLastRow();
 }
-}
+} // namespace
 
 BOOL dbCDoctor::Load(LPCTSTR pszGUID)
 {
     const dbCReadScope scope;
-    dbCStatement query("SELECT d.person, d.treating, d.rowVersion, t.name FROM persons p JOIN doctors d ON d.person = p.id"
-                       " LEFT JOIN doctorTypes t ON t.id = d.type WHERE p.guid = ?");
+    dbCStatement query(
+        "SELECT d.person, d.treating, d.rowVersion, t.name FROM persons p JOIN doctors d ON d.person = p.id"
+        " LEFT JOIN doctorTypes t ON t.id = d.type WHERE p.guid = ?");
     query.Bind(pszGUID);
     if (!query.Step())
         return FALSE;
@@ -59,11 +60,14 @@ void dbCDoctor::Save()
     }
     nRow = dbSavePerson(nRow, person);
     const __int64 nVersion = m_nRowVersion + 1;
-    dbCStatement write(bNew ? std::string_view("INSERT INTO doctors (type, treating, lastKey, firstKey, rowVersion, person)"
-                                               " VALUES (?, ?, ?, ?, ?, ?)")
-                            : std::string_view("UPDATE doctors SET type = ?, treating = ?, lastKey = ?, firstKey = ?,"
-                                               " rowVersion = ? WHERE person = ?"));
-    write.BindRow(RequireType(m_strType)).Bind(m_bTreating ? 1 : 0).BindUtf8(dbFold(person.GetLastname().GetString()));
+    dbCStatement write(
+        bNew ? std::string_view("INSERT INTO doctors (type, treating, lastKey, firstKey, rowVersion, person)"
+                                " VALUES (?, ?, ?, ?, ?, ?)")
+             : std::string_view("UPDATE doctors SET type = ?, treating = ?, lastKey = ?, firstKey = ?,"
+                                " rowVersion = ? WHERE person = ?"));
+    write.BindRow(RequireType(m_strType))
+        .Bind(m_bTreating ? 1 : 0)
+        .BindUtf8(dbFold(person.GetLastname().GetString()));
     write.BindUtf8(dbFold(person.GetFirstname().GetString())).Bind(nVersion).Bind(nRow).Run();
     transaction.Commit();
     m_person = person;
@@ -83,12 +87,13 @@ void dbCDoctor::Delete()
 namespace
 {
 constexpr std::string_view DOCTORS_BY_NAME =
-    "SELECT p.guid, p.title, p.firstName, p.lastName, t.name, d.treating FROM doctors d JOIN persons p ON p.id = d.person"
+    "SELECT p.guid, p.title, p.firstName, p.lastName, t.name, d.treating FROM doctors d JOIN persons p ON "
+    "p.id = d.person"
     " LEFT JOIN doctorTypes t ON t.id = d.type ORDER BY d.lastKey, d.firstKey, d.person";
-constexpr std::string_view DOCTORS_AS_STORED =
-    "SELECT p.guid, p.title, p.firstName, p.lastName, t.name, d.treating FROM doctors d JOIN persons p ON p.id = d.person"
-    " LEFT JOIN doctorTypes t ON t.id = d.type ORDER BY d.person";
-}
+constexpr std::string_view DOCTORS_AS_STORED = "SELECT p.guid, p.title, p.firstName, p.lastName, t.name, "
+                                               "d.treating FROM doctors d JOIN persons p ON p.id = d.person"
+                                               " LEFT JOIN doctorTypes t ON t.id = d.type ORDER BY d.person";
+} // namespace
 
 std::deque<dbSDoctorRow> dbReadDoctors(int nOrder)
 {
@@ -130,7 +135,10 @@ BOOL dbCDoctorTypes::AddDoctorType(LPCTSTR pszName)
     const std::string key = dbFold(pszName);
     if (key.empty())
         return FALSE;
-    dbCStatement("INSERT INTO doctorTypes (name, nameKey) VALUES (?, ?) ON CONFLICT DO NOTHING").Bind(pszName).BindUtf8(key).Run();
+    dbCStatement("INSERT INTO doctorTypes (name, nameKey) VALUES (?, ?) ON CONFLICT DO NOTHING")
+        .Bind(pszName)
+        .BindUtf8(key)
+        .Run();
     return dbCConnection::Current().GetChanges() > 0;
 }
 
@@ -141,7 +149,10 @@ BOOL dbCDoctorTypes::ModifyDoctorType(LPCTSTR pszOldName, LPCTSTR pszNewName)
     if (newKey.empty())
         return FALSE;
     dbCStatement("UPDATE OR IGNORE doctorTypes SET name = ?, nameKey = ? WHERE nameKey = ?")
-        .Bind(pszNewName).BindUtf8(newKey).BindUtf8(oldKey).Run();
+        .Bind(pszNewName)
+        .BindUtf8(newKey)
+        .BindUtf8(oldKey)
+        .Run();
     return dbCConnection::Current().GetChanges() > 0;
 }
 

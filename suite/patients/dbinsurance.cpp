@@ -13,13 +13,23 @@ void dbCInsuranceCompany::Save()
     if (key.empty())
         dbCException::Throw(dbErrInvalid);
     const CString strGUID = m_strGUID.IsEmpty() ? dbNewGUID() : m_strGUID;
-    dbCStatement write("INSERT INTO insuranceCompanies (guid, name, nameKey, phone, note, type, company, street, city, state,"
-                       " postalCode, country) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?) ON CONFLICT (guid) DO UPDATE SET"
-                       " name = excluded.name, nameKey = excluded.nameKey, phone = excluded.phone, note = excluded.note,"
-                       " type = excluded.type, company = excluded.company, street = excluded.street, city = excluded.city,"
-                       " state = excluded.state, postalCode = excluded.postalCode, country = excluded.country");
-    write.Bind(strGUID).Bind(m_strName).BindUtf8(key).Bind(m_strPhone).Bind(m_strNote).Bind(m_address.GetType());
-    write.Bind(m_address.GetCompany()).Bind(m_address.GetStreet()).Bind(m_address.GetCity()).Bind(m_address.GetState());
+    dbCStatement write(
+        "INSERT INTO insuranceCompanies (guid, name, nameKey, phone, note, type, company, street, city, "
+        "state,"
+        " postalCode, country) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?) ON CONFLICT (guid) DO UPDATE SET"
+        " name = excluded.name, nameKey = excluded.nameKey, phone = excluded.phone, note = excluded.note,"
+        " type = excluded.type, company = excluded.company, street = excluded.street, city = excluded.city,"
+        " state = excluded.state, postalCode = excluded.postalCode, country = excluded.country");
+    write.Bind(strGUID)
+        .Bind(m_strName)
+        .BindUtf8(key)
+        .Bind(m_strPhone)
+        .Bind(m_strNote)
+        .Bind(m_address.GetType());
+    write.Bind(m_address.GetCompany())
+        .Bind(m_address.GetStreet())
+        .Bind(m_address.GetCity())
+        .Bind(m_address.GetState());
     write.Bind(m_address.GetPostalCode()).Bind(m_address.GetCountry()).Run();
     m_strGUID = strGUID;
 }
@@ -27,8 +37,9 @@ void dbCInsuranceCompany::Save()
 void dbCInsuranceCompanies::Load()
 {
     RemoveAll();
-    dbCStatement query("SELECT guid, name, phone, note, type, company, street, city, state, postalCode, country"
-                       " FROM insuranceCompanies ORDER BY nameKey, id");
+    dbCStatement query(
+        "SELECT guid, name, phone, note, type, company, street, city, state, postalCode, country"
+        " FROM insuranceCompanies ORDER BY nameKey, id");
     while (query.Step())
     {
         dbCAddress address;

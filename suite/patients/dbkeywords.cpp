@@ -39,7 +39,8 @@ BOOL CKeywords::GetNext(CString& strKeyword)
 
 int CKeywords::Find(const std::string& folded) const
 {
-    const auto found = std::find_if(m_words.begin(), m_words.end(), [&](const Word& word) { return word.folded == folded; });
+    const auto found =
+        std::find_if(m_words.begin(), m_words.end(), [&](const Word& word) { return word.folded == folded; });
     return found != m_words.end() ? static_cast<int>(found - m_words.begin()) : -1;
 }
 

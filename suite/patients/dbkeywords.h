@@ -12,16 +12,22 @@ enum dbKeywordList
     dbKeywordsImage = 1
 };
 
-/// One keyword list, in the order in which the words were added. Add and Remove change this object; Save stores what
-/// was added and removed, on top of whatever another process has stored meanwhile.
+/// One keyword list, in the order in which the words were added. Add and Remove change this object; Save
+/// stores what was added and removed, on top of whatever another process has stored meanwhile.
 class VELPAT_API CKeywords
 {
 public:
     /// Reads a list. FALSE for an unknown list or when the database cannot be read; the object is then empty.
     BOOL Load(int nList);
 
-    void MoveFirst() { m_nNext = 0; }
-    int GetCount() const { return static_cast<int>(m_words.size()); }
+    void MoveFirst()
+    {
+        m_nNext = 0;
+    }
+    int GetCount() const
+    {
+        return static_cast<int>(m_words.size());
+    }
     /// The next keyword; FALSE behind the last.
     BOOL GetNext(CString& strKeyword);
 

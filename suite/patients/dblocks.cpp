@@ -17,7 +17,7 @@ namespace
 struct Process
 {
     __int64 nID = 0;
-    __int64 nStart = 0;   ///< 100 ns since 1601
+    __int64 nStart = 0; ///< 100 ns since 1601
 };
 
 __int64 StartTime(HANDLE hProcess)
@@ -25,7 +25,8 @@ __int64 StartTime(HANDLE hProcess)
     FILETIME created{}, exited{}, kernel{}, user{};
     if (!GetProcessTimes(hProcess, &created, &exited, &kernel, &user))
         return 0;
-    return static_cast<__int64>((static_cast<unsigned __int64>(created.dwHighDateTime) << 32) | created.dwLowDateTime);
+    return static_cast<__int64>((static_cast<unsigned __int64>(created.dwHighDateTime) << 32) |
+                                created.dwLowDateTime);
 }
 
 const Process& OwnProcess()
@@ -36,7 +37,10 @@ const Process& OwnProcess()
 
 struct ProcessCloser
 {
-    void operator()(HANDLE hProcess) const { CloseHandle(hProcess); }
+    void operator()(HANDLE hProcess) const
+    {
+        CloseHandle(hProcess);
+    }
 };
 
 /// Whether a process of this computer has certainly ended. What cannot be asked counts as running.
@@ -70,14 +74,22 @@ std::vector<Holder> OtherHolders(LPCTSTR pszID)
     query.Bind(pszID).Bind(patComputerName()).Bind(OwnProcess().nID).Bind(OwnProcess().nStart);
     std::vector<Holder> holders;
     while (query.Step())
-        holders.push_back({query.TextForDisplay(0), query.TextForDisplay(1), {query.Int64(2), query.Int64(3)}, query.Int(4)});
+        holders.push_back({query.TextForDisplay(0),
+                           query.TextForDisplay(1),
+                           {query.Int64(2), query.Int64(3)},
+                           query.Int(4)});
     return holders;
 }
 
 void RemoveLock(LPCTSTR pszID, const CString& strComputer, const Process& process)
 {
-    dbCStatement("DELETE FROM locks WHERE patientID = ? AND computer = ? AND process = ? AND processStart = ?")
-        .Bind(pszID).Bind(strComputer).Bind(process.nID).Bind(process.nStart).Run();
+    dbCStatement(
+        "DELETE FROM locks WHERE patientID = ? AND computer = ? AND process = ? AND processStart = ?")
+        .Bind(pszID)
+        .Bind(strComputer)
+        .Bind(process.nID)
+        .Bind(process.nStart)
+        .Run();
 }
 
 /// The answer for this process, with dead holders removed.
@@ -100,12 +112,17 @@ int Ask(LPCTSTR pszID, CString* pstrHolder)
 
 void StoreLock(LPCTSTR pszID, int nMode)
 {
-    dbCStatement insert("INSERT INTO locks (patientID, computer, process, processStart, userName, mode, time)"
-                        " VALUES (?, ?, ?, ?, ?, ?, ?) ON CONFLICT DO UPDATE SET mode = min(mode, excluded.mode)");
-    insert.Bind(pszID).Bind(patComputerName()).Bind(OwnProcess().nID).Bind(OwnProcess().nStart).Bind(patUserName());
+    dbCStatement insert(
+        "INSERT INTO locks (patientID, computer, process, processStart, userName, mode, time)"
+        " VALUES (?, ?, ?, ?, ?, ?, ?) ON CONFLICT DO UPDATE SET mode = min(mode, excluded.mode)");
+    insert.Bind(pszID)
+        .Bind(patComputerName())
+        .Bind(OwnProcess().nID)
+        .Bind(OwnProcess().nStart)
+        .Bind(patUserName());
     insert.Bind(nMode).BindDateTime(COleDateTime::GetCurrentTime()).Run();
 }
-}
+} // namespace
 
 int patCPatients::IsLocked(LPCTSTR pszID, CString* pstrHolder)
 {
@@ -131,7 +148,8 @@ int patCPatients::LockPatient(LPCTSTR pszID, int nMode, CString* pstrHolder)
         dbCTransaction transaction;
         const int nAnswer = Ask(pszID, pstrHolder);
         // Those who only look do not keep each other out.
-        const bool bGranted = nAnswer == patLockFree || (nAnswer == patLockPassable && nMode == patLockShared);
+        const bool bGranted =
+            nAnswer == patLockFree || (nAnswer == patLockPassable && nMode == patLockShared);
         if (bGranted)
         {
             StoreLock(pszID, nMode);
@@ -176,7 +194,10 @@ void dbReleaseOwnLocks() noexcept
     try
     {
         dbCStatement("DELETE FROM locks WHERE computer = ? AND process = ? AND processStart = ?")
-            .Bind(patComputerName()).Bind(OwnProcess().nID).Bind(OwnProcess().nStart).Run();
+            .Bind(patComputerName())
+            .Bind(OwnProcess().nID)
+            .Bind(OwnProcess().nStart)
+            .Run();
     }
     catch (CException* e)
     {

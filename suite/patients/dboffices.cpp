@@ -26,7 +26,7 @@ void RequireChange(LPCTSTR pszGUID)
     if (dbCConnection::Current().GetChanges() == 0)
         dbCException::Throw(dbErrNotFound, pszGUID);
 }
-}
+} // namespace
 
 // Offices
 
@@ -52,14 +52,20 @@ CString dbCOfficeLocations::AddOffice(LPCTSTR pszName)
 {
     CString strID = dbNewGUID();
     dbCStatement("INSERT INTO offices (guid, name, nameKey) VALUES (?, ?, ?)")
-        .Bind(strID).Bind(pszName).BindUtf8(RequiredKey(pszName)).Run();
+        .Bind(strID)
+        .Bind(pszName)
+        .BindUtf8(RequiredKey(pszName))
+        .Run();
     return strID;
 }
 
 void dbCOfficeLocations::RenameOffice(LPCTSTR pszOfficeID, LPCTSTR pszName)
 {
     dbCStatement("UPDATE offices SET name = ?, nameKey = ? WHERE guid = ?")
-        .Bind(pszName).BindUtf8(RequiredKey(pszName)).Bind(pszOfficeID).Run();
+        .Bind(pszName)
+        .BindUtf8(RequiredKey(pszName))
+        .Bind(pszOfficeID)
+        .Run();
     RequireChange(pszOfficeID);
 }
 
@@ -94,14 +100,21 @@ CString dbCPatientStatusList::AddStatus(LPCTSTR pszName, BOOL bShown)
 {
     CString strID = dbNewGUID();
     dbCStatement("INSERT INTO statuses (guid, name, nameKey, shown) VALUES (?, ?, ?, ?)")
-        .Bind(strID).Bind(pszName).BindUtf8(RequiredKey(pszName)).Bind(bShown ? 1 : 0).Run();
+        .Bind(strID)
+        .Bind(pszName)
+        .BindUtf8(RequiredKey(pszName))
+        .Bind(bShown ? 1 : 0)
+        .Run();
     return strID;
 }
 
 void dbCPatientStatusList::RenameStatus(LPCTSTR pszStatusID, LPCTSTR pszName)
 {
     dbCStatement("UPDATE statuses SET name = ?, nameKey = ? WHERE guid = ?")
-        .Bind(pszName).BindUtf8(RequiredKey(pszName)).Bind(pszStatusID).Run();
+        .Bind(pszName)
+        .BindUtf8(RequiredKey(pszName))
+        .Bind(pszStatusID)
+        .Run();
     RequireChange(pszStatusID);
 }
 

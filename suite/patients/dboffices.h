@@ -7,10 +7,22 @@
 class VELPAT_API dbCOfficeLocation
 {
 public:
-    const CString& GetOfficeID() const { return m_strID; }
-    const CString& GetOffice() const { return m_strName; }
-    void SetOfficeID(LPCTSTR psz) { m_strID = psz; }
-    void SetOffice(LPCTSTR psz) { m_strName = psz; }
+    const CString& GetOfficeID() const
+    {
+        return m_strID;
+    }
+    const CString& GetOffice() const
+    {
+        return m_strName;
+    }
+    void SetOfficeID(LPCTSTR psz)
+    {
+        m_strID = psz;
+    }
+    void SetOffice(LPCTSTR psz)
+    {
+        m_strName = psz;
+    }
 
 private:
     CString m_strID, m_strName;
@@ -34,13 +46,31 @@ public:
 class VELPAT_API dbCPatientStatus
 {
 public:
-    const CString& GetStatusID() const { return m_strID; }
-    const CString& GetStatus() const { return m_strName; }
+    const CString& GetStatusID() const
+    {
+        return m_strID;
+    }
+    const CString& GetStatus() const
+    {
+        return m_strName;
+    }
     /// FALSE for a status whose patients are not to be shown in the patient list.
-    BOOL IsShown() const { return m_bShown; }
-    void SetStatusID(LPCTSTR psz) { m_strID = psz; }
-    void SetStatus(LPCTSTR psz) { m_strName = psz; }
-    void SetShown(BOOL bShown) { m_bShown = bShown; }
+    BOOL IsShown() const
+    {
+        return m_bShown;
+    }
+    void SetStatusID(LPCTSTR psz)
+    {
+        m_strID = psz;
+    }
+    void SetStatus(LPCTSTR psz)
+    {
+        m_strName = psz;
+    }
+    void SetShown(BOOL bShown)
+    {
+        m_bShown = bShown;
+    }
 
 private:
     CString m_strID, m_strName;

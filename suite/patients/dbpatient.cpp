@@ -11,7 +11,8 @@ dbCPatient::dbCPatient() : m_pSelf(std::make_shared<dbCPatient*>(this))
 
 dbCPatient::~dbCPatient() = default;
 
-dbCPatient::dbCPatient(const dbCPatient& other) : patCPatient(other), m_pSelf(std::make_shared<dbCPatient*>(this))
+dbCPatient::dbCPatient(const dbCPatient& other)
+    : patCPatient(other), m_pSelf(std::make_shared<dbCPatient*>(this))
 {
     *this = other;
 }
@@ -103,8 +104,9 @@ void dbCPatient::RemovePersonInfo(int nKind)
 
 BOOL dbCPatient::SetInsuranceGUID(LPCTSTR pszPolicyGUID)
 {
-    const auto found = std::find_if(m_insurances.begin(), m_insurances.end(),
-                                    [&](const dbCInsurance& policy) { return policy.GetInsuranceGUID() == pszPolicyGUID; });
+    const auto found =
+        std::find_if(m_insurances.begin(), m_insurances.end(),
+                     [&](const dbCInsurance& policy) { return policy.GetInsuranceGUID() == pszPolicyGUID; });
     if (found == m_insurances.end())
         return FALSE;
     std::rotate(m_insurances.begin(), found, found + 1);

@@ -10,10 +10,9 @@
 
 namespace
 {
-constexpr __int64 MAX_ROWS = 100000;   // of any one list
+constexpr __int64 MAX_ROWS = 100000; // of any one list
 
-template<typename Value>
-void Exchange(dbCArchiveWriter& ar, const Value& value)
+template <typename Value> void Exchange(dbCArchiveWriter& ar, const Value& value)
 {
     if constexpr (std::is_base_of_v<COleDateTime, Value>)
         ar.Text(dbDateText(value, true).c_str());
@@ -23,19 +22,19 @@ void Exchange(dbCArchiveWriter& ar, const Value& value)
         ar.Number(static_cast<__int64>(value));
 }
 
-template<typename Value>
-void Exchange(dbCArchiveReader& ar, Value& value)
+template <typename Value> void Exchange(dbCArchiveReader& ar, Value& value)
 {
     if constexpr (std::is_base_of_v<COleDateTime, Value>)
         value = dbDateFromText(ar.Text().GetString());
     else if constexpr (std::is_same_v<CString, Value>)
         value = ar.Text();
     else
-        value = static_cast<Value>(ar.Number(std::numeric_limits<Value>::min(), std::numeric_limits<Value>::max()));
+        value = static_cast<Value>(
+            ar.Number(std::numeric_limits<Value>::min(), std::numeric_limits<Value>::max()));
 }
 
 /// Moves one property of an object in the archive's direction.
-template<typename Ar, typename Object, typename Get, typename Set>
+template <typename Ar, typename Object, typename Get, typename Set>
 void Property(Ar& ar, Object& object, Get get, Set set)
 {
     std::decay_t<decltype((object.*get)())> value = (object.*get)();
@@ -45,8 +44,7 @@ void Property(Ar& ar, Object& object, Get get, Set set)
 }
 
 /// Moves a list item by item; `item` moves one.
-template<typename Ar, typename List, typename Item>
-void Rows(Ar& ar, List& list, __int64 nMax, Item item)
+template <typename Ar, typename List, typename Item> void Rows(Ar& ar, List& list, __int64 nMax, Item item)
 {
     using Value = std::decay_t<decltype(list[0])>;
     if constexpr (Ar::READING)
@@ -67,8 +65,7 @@ void Rows(Ar& ar, List& list, __int64 nMax, Item item)
     }
 }
 
-template<typename Ar>
-void Address(Ar& ar, dbCAddress& address)
+template <typename Ar> void Address(Ar& ar, dbCAddress& address)
 {
     Property(ar, address, &dbCAddress::GetType, &dbCAddress::SetType);
     Property(ar, address, &dbCAddress::GetCompany, &dbCAddress::SetCompany);
@@ -79,22 +76,19 @@ void Address(Ar& ar, dbCAddress& address)
     Property(ar, address, &dbCAddress::GetCountry, &dbCAddress::SetCountry);
 }
 
-template<typename Ar>
-void Phone(Ar& ar, dbCPhone& phone)
+template <typename Ar> void Phone(Ar& ar, dbCPhone& phone)
 {
     Property(ar, phone, &dbCPhone::GetNumber, &dbCPhone::SetNumber);
     Property(ar, phone, &dbCPhone::GetType, &dbCPhone::SetType);
 }
 
-template<typename Ar>
-void Contacts(Ar& ar, dbCAddresses& addresses, dbCPhones& phones)
+template <typename Ar> void Contacts(Ar& ar, dbCAddresses& addresses, dbCPhones& phones)
 {
     Rows(ar, addresses, MAX_ROWS, [&](dbCAddress& address) { Address(ar, address); });
     Rows(ar, phones, MAX_ROWS, [&](dbCPhone& phone) { Phone(ar, phone); });
 }
 
-template<typename Ar>
-void Person(Ar& ar, dbCPerson& person)
+template <typename Ar> void Person(Ar& ar, dbCPerson& person)
 {
     Property(ar, person, &dbCPerson::GetPersonGUID, &dbCPerson::SetPersonGUID);
     Property(ar, person, &dbCPerson::GetTitle, &dbCPerson::SetTitle);
@@ -109,8 +103,7 @@ void Person(Ar& ar, dbCPerson& person)
     Contacts(ar, person.GetAddresses(), person.GetPhones());
 }
 
-template<typename Ar>
-void Images(Ar& ar, patCTimepoint& timepoint)
+template <typename Ar> void Images(Ar& ar, patCTimepoint& timepoint)
 {
     const auto one = [&](int& nGroup, int& nType, patSImageInfo& info) {
         Exchange(ar, nGroup);
@@ -142,8 +135,7 @@ void Images(Ar& ar, patCTimepoint& timepoint)
     }
 }
 
-template<typename Ar>
-void Timepoint(Ar& ar, patCTimepoint& timepoint)
+template <typename Ar> void Timepoint(Ar& ar, patCTimepoint& timepoint)
 {
     Property(ar, timepoint, &patCTimepoint::GettpID, &patCTimepoint::SettpID);
     Property(ar, timepoint, &patCTimepoint::GetBaseFilename, &patCTimepoint::SetBaseFilename);
@@ -163,8 +155,7 @@ void Timepoint(Ar& ar, patCTimepoint& timepoint)
     }
 }
 
-template<typename Ar>
-void Diagnostic(Ar& ar, dbCDiagnosticInfo& info)
+template <typename Ar> void Diagnostic(Ar& ar, dbCDiagnosticInfo& info)
 {
     Property(ar, info, &dbCDiagnosticInfo::GetGroupTitle, &dbCDiagnosticInfo::SetGroupTitle);
     Property(ar, info, &dbCDiagnosticInfo::GetItemCode, &dbCDiagnosticInfo::SetItemCode);
@@ -173,8 +164,7 @@ void Diagnostic(Ar& ar, dbCDiagnosticInfo& info)
     Property(ar, info, &dbCDiagnosticInfo::GetNote, &dbCDiagnosticInfo::SetNote);
 }
 
-template<typename Ar>
-void Referral(Ar& ar, dbCPatientReferralsRow& row)
+template <typename Ar> void Referral(Ar& ar, dbCPatientReferralsRow& row)
 {
     Property(ar, row, &dbCPatientReferralsRow::Get_refID, &dbCPatientReferralsRow::Set_refID);
     Property(ar, row, &dbCPatientReferralsRow::Get_docID, &dbCPatientReferralsRow::Set_docID);
@@ -188,8 +178,7 @@ void Referral(Ar& ar, dbCPatientReferralsRow& row)
     row.Set_doctor(strFirst, strLast, strEmail);
 }
 
-template<typename Ar>
-void Insurance(Ar& ar, dbCInsurance& insurance)
+template <typename Ar> void Insurance(Ar& ar, dbCInsurance& insurance)
 {
     Property(ar, insurance, &dbCInsurance::GetInsuranceGUID, &dbCInsurance::SetInsuranceGUID);
     Property(ar, insurance, &dbCInsurance::GetCompanyGUID, &dbCInsurance::SetCompanyGUID);
@@ -200,8 +189,7 @@ void Insurance(Ar& ar, dbCInsurance& insurance)
     Property(ar, insurance, &dbCInsurance::GetNote, &dbCInsurance::SetNote);
 }
 
-template<typename Ar>
-void Treatment(Ar& ar, dbCPatientTreatmentStatusHistoryRow& row)
+template <typename Ar> void Treatment(Ar& ar, dbCPatientTreatmentStatusHistoryRow& row)
 {
     using Row = dbCPatientTreatmentStatusHistoryRow;
     Property(ar, row, &Row::GetptshID, &Row::SetptshID);
@@ -236,17 +224,17 @@ void CheckID(const CString& strID)
         AfxThrowArchiveException(CArchiveException::badIndex);
     }
 }
-}
+} // namespace
 
 struct dbCPatient::Archive
 {
-    template<typename Ar>
-    static void Own(Ar& ar, dbCPatient& patient)
+    template <typename Ar> static void Own(Ar& ar, dbCPatient& patient)
     {
         Fields& f = patient.m_f;
-        for (CString* pText : {&f.strID, &f.strGUID, &f.strLastname, &f.strFirstname, &f.strNickname, &f.strEmail, &f.strTitle,
-                               &f.strSalutation, &f.strModelNumber, &f.strKeywords, &f.strNotes, &f.strVeltrixID,
-                               &patient.m_strArchiveOffice, &patient.m_strArchiveStatus})
+        for (CString* pText :
+             {&f.strID, &f.strGUID, &f.strLastname, &f.strFirstname, &f.strNickname, &f.strEmail, &f.strTitle,
+              &f.strSalutation, &f.strModelNumber, &f.strKeywords, &f.strNotes, &f.strVeltrixID,
+              &patient.m_strArchiveOffice, &patient.m_strArchiveStatus})
             Exchange(ar, *pText);
         Exchange(ar, f.dateBirth);
         Exchange(ar, f.dateRecord);
@@ -261,8 +249,7 @@ struct dbCPatient::Archive
         Contacts(ar, patient.m_addresses, patient.m_phones);
     }
 
-    template<typename Ar>
-    static void Persons(Ar& ar, dbCPatient& patient)
+    template <typename Ar> static void Persons(Ar& ar, dbCPatient& patient)
     {
         if constexpr (Ar::READING)
         {
@@ -281,13 +268,14 @@ struct dbCPatient::Archive
         }
     }
 
-    template<typename Ar>
-    static void Whole(Ar& ar, dbCPatient& patient)
+    template <typename Ar> static void Whole(Ar& ar, dbCPatient& patient)
     {
         Own(ar, patient);
         Persons(ar, patient);
-        Rows(ar, patient.m_timepoints, patCTimepoints::MAX_COUNT, [&](patCTimepoint& row) { Timepoint(ar, row); });
-        Rows(ar, patient.m_archiveDiagnostics, MAX_ROWS, [&](dbCDiagnosticInfo& row) { Diagnostic(ar, row); });
+        Rows(ar, patient.m_timepoints, patCTimepoints::MAX_COUNT,
+             [&](patCTimepoint& row) { Timepoint(ar, row); });
+        Rows(ar, patient.m_archiveDiagnostics, MAX_ROWS,
+             [&](dbCDiagnosticInfo& row) { Diagnostic(ar, row); });
         if (ar.GetFormat() != 1)
             return;
         Rows(ar, patient.m_referrals, MAX_ROWS, [&](dbCPatientReferralsRow& row) { Referral(ar, row); });
@@ -309,7 +297,8 @@ struct dbCPatient::Archive
         patient.m_archiveDiagnostics.RemoveAll();
         dbCStatement query("SELECT g.title, i.code, t.number, d.value, d.note FROM persons p"
                            " JOIN diagnostics d ON d.patient = p.id JOIN diagnosticItems i ON i.id = d.item"
-                           " JOIN diagnosticGroups g ON g.id = i.diagnosticGroup LEFT JOIN timepoints t ON t.id = d.timepoint"
+                           " JOIN diagnosticGroups g ON g.id = i.diagnosticGroup LEFT JOIN timepoints t ON "
+                           "t.id = d.timepoint"
                            " WHERE p.guid = ? AND g.category = 'Clinical' ORDER BY d.time, d.position, d.id");
         query.Bind(patient.GetGUID());
         while (query.Step())

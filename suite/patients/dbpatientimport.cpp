@@ -9,7 +9,8 @@
 namespace
 {
 /// GUID of the row with this GUID, else of the one with this name, else empty.
-CString Match(std::string_view byGuid, std::string_view byName, const CString& strGUID, const CString& strName)
+CString Match(std::string_view byGuid, std::string_view byName, const CString& strGUID,
+              const CString& strName)
 {
     dbCStatement exact(byGuid);
     exact.Bind(strGUID);
@@ -26,8 +27,10 @@ CString RequireDoctor(const dbCPerson& person)
     dbCDoctor doctor;
     if (dbCPatients::IsGUID(person.GetPersonGUID()) && doctor.Load(person.GetPersonGUID()))
         return doctor.GetGUID();
-    dbCStatement named("SELECT p.guid FROM doctors d JOIN persons p ON p.id = d.person WHERE d.lastKey = ? AND d.firstKey = ?");
-    named.BindUtf8(dbFold(person.GetLastname().GetString())).BindUtf8(dbFold(person.GetFirstname().GetString()));
+    dbCStatement named("SELECT p.guid FROM doctors d JOIN persons p ON p.id = d.person WHERE d.lastKey = ? "
+                       "AND d.firstKey = ?");
+    named.BindUtf8(dbFold(person.GetLastname().GetString()))
+        .BindUtf8(dbFold(person.GetFirstname().GetString()));
     if (named.Step())
         return named.Text(0);
     if (dbFold(person.GetLastname().GetString()).empty())
@@ -72,7 +75,7 @@ void StoreDiagnostics(const dbCPatient& patient)
         ++nPosition;
     }
 }
-}
+} // namespace
 
 BOOL dbCPatients::AddFromArchive(dbCPatient& patient)
 {
@@ -83,10 +86,12 @@ BOOL dbCPatients::AddFromArchive(dbCPatient& patient)
     dbCPatient added = patient;
     added.m_bStored = FALSE;
     added.m_strLoadedID.Empty();
-    added.SetOfficeID(Match("SELECT 1 FROM offices WHERE guid = ?", "SELECT guid FROM offices WHERE nameKey = ?",
-                            added.GetOfficeID(), added.m_strArchiveOffice));
-    added.SetStatusID(Match("SELECT 1 FROM statuses WHERE guid = ?", "SELECT guid FROM statuses WHERE nameKey = ?",
-                            added.GetStatusID(), added.m_strArchiveStatus));
+    added.SetOfficeID(Match("SELECT 1 FROM offices WHERE guid = ?",
+                            "SELECT guid FROM offices WHERE nameKey = ?", added.GetOfficeID(),
+                            added.m_strArchiveOffice));
+    added.SetStatusID(Match("SELECT 1 FROM statuses WHERE guid = ?",
+                            "SELECT guid FROM statuses WHERE nameKey = ?", added.GetStatusID(),
+                            added.m_strArchiveStatus));
     for (auto person = added.m_persons.begin(); person != added.m_persons.end();)
     {
         if (person->first == dbPersonGuardian)
@@ -119,8 +124,8 @@ BOOL dbCPatients::AddFromArchive(dbCPatient& patient)
     {
         insurance.SetInsuranceGUID(dbNewGUID());
         CString strCompany = Match("SELECT 1 FROM insuranceCompanies WHERE guid = ?",
-                                   "SELECT guid FROM insuranceCompanies WHERE nameKey = ?", insurance.GetCompanyGUID(),
-                                   insurance.GetCompanyName());
+                                   "SELECT guid FROM insuranceCompanies WHERE nameKey = ?",
+                                   insurance.GetCompanyGUID(), insurance.GetCompanyName());
         if (strCompany.IsEmpty() && !insurance.GetCompanyName().IsEmpty())
         {
             dbCInsuranceCompany company;
@@ -139,8 +144,8 @@ BOOL dbCPatients::AddFromArchive(dbCPatient& patient)
         timepoint.SetNumber(added.GetID(), timepoint.GetNumber());
     }
 
-    // The treatment history refers to the patient and the timepoints to the history: the patient is stored first
-    // without its links, then with them.
+    // The treatment history refers to the patient and the timepoints to the history: the patient is stored
+    // first without its links, then with them.
     added.Save(dbSaveWithoutFile);
     StoreTreatments(added);
     added.Save();

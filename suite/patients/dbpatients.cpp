@@ -28,7 +28,7 @@ std::pair<std::string, std::string> SplitNameSearch(LPCTSTR pszSearch, bool& bCo
     return {dbFold(strSearch.Left(nComma).GetString()), dbFold(strSearch.Mid(nComma + 1).GetString())};
 }
 
-constexpr char KEY_SEPARATOR = '\x01';   // below every character of a folded text
+constexpr char KEY_SEPARATOR = '\x01'; // below every character of a folded text
 
 /// A row's place in the order: the index columns, the row number last.
 struct SortKey
@@ -38,7 +38,8 @@ struct SortKey
 
     CString ToText() const
     {
-        const std::string text = last + KEY_SEPARATOR + first + KEY_SEPARATOR + birth + KEY_SEPARATOR + std::to_string(nRow);
+        const std::string text =
+            last + KEY_SEPARATOR + first + KEY_SEPARATOR + birth + KEY_SEPARATOR + std::to_string(nRow);
         return text.c_str();
     }
 
@@ -64,7 +65,7 @@ void CloseCurrent()
     dbReleaseOwnLocks();
     dbCConnection::SetCurrent(nullptr);
 }
-}
+} // namespace
 
 // The current database
 
@@ -81,13 +82,16 @@ void dbCPatients::Create(LPCTSTR pszPath)
 {
     {
         // Claims the name, so that of two processes only one creates.
-        const HANDLE hFile = CreateFileA(pszPath, GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+        const HANDLE hFile =
+            CreateFileA(pszPath, GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
         if (hFile == INVALID_HANDLE_VALUE)
         {
             const DWORD dwError = GetLastError();
             dbCException::Throw(dwError == ERROR_FILE_EXISTS || dwError == ERROR_ALREADY_EXISTS ? dbErrExists
-                                : dwError == ERROR_ACCESS_DENIED || dwError == ERROR_WRITE_PROTECT ? dbErrReadOnly
-                                                                                                  : dbErrIO, pszPath);
+                                : dwError == ERROR_ACCESS_DENIED || dwError == ERROR_WRITE_PROTECT
+                                    ? dbErrReadOnly
+                                    : dbErrIO,
+                                pszPath);
         }
         CloseHandle(hFile);
     }
@@ -127,7 +131,8 @@ __int64 dbCPatients::GetChangeCounter()
 {
     // data_version counts the commits of others, total_changes the rows of this connection.
     dbCConnection& connection = dbCConnection::Current();
-    return (connection.QueryInt("PRAGMA data_version") << 40) + sqlite3_total_changes64(connection.GetHandle());
+    return (connection.QueryInt("PRAGMA data_version") << 40) +
+           sqlite3_total_changes64(connection.GetHandle());
 }
 
 // Look-ups
@@ -190,20 +195,27 @@ int dbCPatients::GetPage(dbPatientSearch nBy, LPCTSTR pszSearch, const dbSPatien
                          dbTList<dbSPatientListRow>& rows)
 {
     static constexpr std::string_view BY_NAME =
-        "SELECT t.person, p.guid, t.patientID, p.lastName, p.firstName, p.birthDate, t.lastKey, t.firstKey, t.birthKey"
-        " FROM patients t JOIN persons p ON p.id = t.person WHERE t.deleted = 0 AND t.lastKey >= ? AND t.lastKey < ?"
-        " AND t.firstKey >= ? AND t.firstKey < ? AND (t.lastKey, t.firstKey, t.birthKey, t.person) > (?, ?, ?, ?)"
+        "SELECT t.person, p.guid, t.patientID, p.lastName, p.firstName, p.birthDate, t.lastKey, t.firstKey, "
+        "t.birthKey"
+        " FROM patients t JOIN persons p ON p.id = t.person WHERE t.deleted = 0 AND t.lastKey >= ? AND "
+        "t.lastKey < ?"
+        " AND t.firstKey >= ? AND t.firstKey < ? AND (t.lastKey, t.firstKey, t.birthKey, t.person) > (?, ?, "
+        "?, ?)"
         " ORDER BY t.lastKey, t.firstKey, t.birthKey, t.person LIMIT ?";
-    static constexpr std::string_view BY_ID =
-        "SELECT t.person, p.guid, t.patientID, p.lastName, p.firstName, p.birthDate, t.lastKey, t.firstKey, t.birthKey"
-        " FROM patients t JOIN persons p ON p.id = t.person WHERE t.deleted = 0 AND t.patientID >= ? AND t.patientID < ?"
-        " AND t.patientID > ? ORDER BY t.patientID LIMIT ?";
+    static constexpr std::string_view BY_ID = "SELECT t.person, p.guid, t.patientID, p.lastName, "
+                                              "p.firstName, p.birthDate, t.lastKey, t.firstKey, t.birthKey"
+                                              " FROM patients t JOIN persons p ON p.id = t.person WHERE "
+                                              "t.deleted = 0 AND t.patientID >= ? AND t.patientID < ?"
+                                              " AND t.patientID > ? ORDER BY t.patientID LIMIT ?";
 
     dbCStatement query(nBy == dbSearchID ? BY_ID : BY_NAME);
     if (nBy == dbSearchID)
     {
         const std::string prefix = dbToUtf8(pszSearch);
-        query.BindUtf8(prefix).BindUtf8(EndOfPrefix(prefix)).Bind(pAfter ? pAfter->strID.GetString() : "").Bind(nMax);
+        query.BindUtf8(prefix)
+            .BindUtf8(EndOfPrefix(prefix))
+            .Bind(pAfter ? pAfter->strID.GetString() : "")
+            .Bind(nMax);
     }
     else
     {
@@ -222,8 +234,9 @@ int dbCPatients::GetPage(dbPatientSearch nBy, LPCTSTR pszSearch, const dbSPatien
         row.strLastname = query.TextForDisplay(3);
         row.strFirstname = query.TextForDisplay(4);
         row.dateBirth = query.Date(5);
-        row.strSortKey = SortKey{std::string(query.Utf8(6)), std::string(query.Utf8(7)), std::string(query.Utf8(8)),
-                                 query.Int64(0)}.ToText();
+        row.strSortKey = SortKey{std::string(query.Utf8(6)), std::string(query.Utf8(7)),
+                                 std::string(query.Utf8(8)), query.Int64(0)}
+                             .ToText();
         rows.Add(row);
     }
     return nRead;
@@ -234,7 +247,8 @@ int dbCPatients::GetCount(dbPatientSearch nBy, LPCTSTR pszSearch)
     if (nBy == dbSearchID)
     {
         const std::string prefix = dbToUtf8(pszSearch);
-        dbCStatement query("SELECT count(*) FROM patients WHERE deleted = 0 AND patientID >= ? AND patientID < ?");
+        dbCStatement query(
+            "SELECT count(*) FROM patients WHERE deleted = 0 AND patientID >= ? AND patientID < ?");
         query.BindUtf8(prefix).BindUtf8(EndOfPrefix(prefix)).Step();
         return query.Int(0);
     }
@@ -270,11 +284,14 @@ int dbCPatients::Get_tpID(LPCTSTR pszPatientID, int nIndex, CString& strTpID)
 void dbCPatients::DeletePatient(LPCTSTR pszIDOrGUID)
 {
     dbCTransaction transaction;
-    dbCStatement mark(IsGUID(pszIDOrGUID)
-                          ? std::string_view("UPDATE patients SET deleted = 1, rowVersion = rowVersion + 1 WHERE deleted = 0"
-                                             " AND person = (SELECT id FROM persons WHERE guid = ?)")
-                          : std::string_view("UPDATE patients SET deleted = 1, rowVersion = rowVersion + 1 WHERE deleted = 0"
-                                             " AND patientID = ?"));
+    dbCStatement mark(
+        IsGUID(pszIDOrGUID)
+            ? std::string_view(
+                  "UPDATE patients SET deleted = 1, rowVersion = rowVersion + 1 WHERE deleted = 0"
+                  " AND person = (SELECT id FROM persons WHERE guid = ?)")
+            : std::string_view(
+                  "UPDATE patients SET deleted = 1, rowVersion = rowVersion + 1 WHERE deleted = 0"
+                  " AND patientID = ?"));
     mark.Bind(pszIDOrGUID).Run();
     if (dbCConnection::Current().GetChanges() == 0)
         dbCException::Throw(dbErrNotFound, pszIDOrGUID);

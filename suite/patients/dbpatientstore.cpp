@@ -17,7 +17,8 @@ constexpr int MAX_ID_LENGTH = 25;
 constexpr const char* FIND_OFFICE = "SELECT id FROM offices WHERE guid = ?";
 constexpr const char* FIND_STATUS = "SELECT id FROM statuses WHERE guid = ?";
 constexpr const char* FIND_COMPANY = "SELECT id FROM insuranceCompanies WHERE guid = ?";
-constexpr const char* FIND_DOCTOR = "SELECT d.person FROM doctors d JOIN persons p ON p.id = d.person WHERE p.guid = ?";
+constexpr const char* FIND_DOCTOR =
+    "SELECT d.person FROM doctors d JOIN persons p ON p.id = d.person WHERE p.guid = ?";
 constexpr const char* FIND_TREATMENT = "SELECT id FROM treatmentHistory WHERE guid = ?";
 
 __int64 RequiredDoctor(LPCTSTR pszGUID)
@@ -34,7 +35,7 @@ __int64 AttachedPerson(__int64 nPatientRow, int nKind)
     query.Bind(nPatientRow).Bind(nKind);
     return query.Step() ? query.Int64(0) : 0;
 }
-}
+} // namespace
 
 __int64 dbFindListRow(const char* pszSql, LPCTSTR pszGUID)
 {
@@ -47,12 +48,14 @@ __int64 dbFindListRow(const char* pszSql, LPCTSTR pszGUID)
 
 __int64 dbCPatientStore::FindRow(LPCTSTR pszGUID)
 {
-    return dbFindListRow("SELECT t.person FROM patients t JOIN persons p ON p.id = t.person WHERE p.guid = ?", pszGUID);
+    return dbFindListRow("SELECT t.person FROM patients t JOIN persons p ON p.id = t.person WHERE p.guid = ?",
+                         pszGUID);
 }
 
 void dbCPatientStore::CheckID(const CString& strID)
 {
-    bool bValid = !strID.IsEmpty() && strID.GetLength() <= MAX_ID_LENGTH && strID.FindOneOf("\\/:*?\"<>|") < 0;
+    bool bValid =
+        !strID.IsEmpty() && strID.GetLength() <= MAX_ID_LENGTH && strID.FindOneOf("\\/:*?\"<>|") < 0;
     for (int i = 0; i < strID.GetLength(); ++i)
         bValid = bValid && static_cast<unsigned char>(strID[i]) >= ' ';
     if (!bValid)
@@ -64,12 +67,14 @@ void dbCPatientStore::CheckID(const CString& strID)
 BOOL dbCPatientStore::Load(dbCPatient& patient, LPCTSTR pszIDOrGUID, BOOL bByID, BOOL bByGUID)
 {
     static constexpr std::string_view BY_GUID =
-        "SELECT t.person, t.patientID, t.genderIdentity, t.race, t.modelNumber, t.keywords, t.teeth, o.guid, s.guid,"
+        "SELECT t.person, t.patientID, t.genderIdentity, t.race, t.modelNumber, t.keywords, t.teeth, o.guid, "
+        "s.guid,"
         " t.veltrixID, t.norm, t.recordDate, t.rowVersion FROM persons p JOIN patients t ON t.person = p.id"
         " LEFT JOIN offices o ON o.id = t.office LEFT JOIN statuses s ON s.id = t.status"
         " WHERE p.guid = ? AND t.deleted = 0";
     static constexpr std::string_view BY_ID =
-        "SELECT t.person, t.patientID, t.genderIdentity, t.race, t.modelNumber, t.keywords, t.teeth, o.guid, s.guid,"
+        "SELECT t.person, t.patientID, t.genderIdentity, t.race, t.modelNumber, t.keywords, t.teeth, o.guid, "
+        "s.guid,"
         " t.veltrixID, t.norm, t.recordDate, t.rowVersion FROM patients t"
         " LEFT JOIN offices o ON o.id = t.office LEFT JOIN statuses s ON s.id = t.status"
         " WHERE t.patientID = ? AND t.deleted = 0";
@@ -132,8 +137,9 @@ void dbCPatientStore::LoadPersons(dbCPatient& patient, __int64 nRow)
 
 void dbCPatientStore::LoadInsurances(dbCPatient& patient, __int64 nRow)
 {
-    dbCStatement query("SELECT i.guid, c.guid, i.holder, i.number, i.groupNumber, i.note, c.name FROM insurances i"
-                       " LEFT JOIN insuranceCompanies c ON c.id = i.company WHERE i.patient = ? ORDER BY i.position");
+    dbCStatement query(
+        "SELECT i.guid, c.guid, i.holder, i.number, i.groupNumber, i.note, c.name FROM insurances i"
+        " LEFT JOIN insuranceCompanies c ON c.id = i.company WHERE i.patient = ? ORDER BY i.position");
     query.Bind(nRow);
     while (query.Step())
     {
@@ -151,9 +157,10 @@ void dbCPatientStore::LoadInsurances(dbCPatient& patient, __int64 nRow)
 
 void dbCPatientStore::LoadTimepoints(dbCPatient& patient, __int64 nRow)
 {
-    dbCStatement query("SELECT t.id, t.guid, t.number, t.name, t.date, h.guid, t.active, t.bits0, t.bits1, t.bits2, t.bits3,"
-                       " t.bits4, t.bits5, t.bits6, t.bits7 FROM timepoints t"
-                       " LEFT JOIN treatmentHistory h ON h.id = t.treatment WHERE t.patient = ? ORDER BY t.position");
+    dbCStatement query(
+        "SELECT t.id, t.guid, t.number, t.name, t.date, h.guid, t.active, t.bits0, t.bits1, t.bits2, t.bits3,"
+        " t.bits4, t.bits5, t.bits6, t.bits7 FROM timepoints t"
+        " LEFT JOIN treatmentHistory h ON h.id = t.treatment WHERE t.patient = ? ORDER BY t.position");
     query.Bind(nRow);
     while (query.Step())
     {
@@ -170,7 +177,8 @@ void dbCPatientStore::LoadTimepoints(dbCPatient& patient, __int64 nRow)
         dbCStatement images("SELECT imageGroup, type, title, note, guid FROM images WHERE timepoint = ?");
         images.Bind(query.Int64(0));
         while (images.Step())
-            timepoint.SetImageInfo(images.Int(0), images.Int(1), {images.Text(2), images.Text(3), images.Text(4)});
+            timepoint.SetImageInfo(images.Int(0), images.Int(1),
+                                   {images.Text(2), images.Text(3), images.Text(4)});
         patient.m_timepoints.Add(timepoint);
     }
 }
@@ -243,27 +251,36 @@ dbCPerson dbCPatientStore::OwnPerson(const dbCPatient& patient)
 
 void dbCPatientStore::WritePatientRow(const dbCPatient& patient, __int64 nRow, bool bNew)
 {
-    dbCStatement write(bNew ? std::string_view(
-                                  "INSERT INTO patients (patientID, lastKey, firstKey, birthKey, genderIdentity, race,"
-                                  " modelNumber, keywords, teeth, office, status, veltrixID, norm, recordDate, rowVersion,"
-                                  " person) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)")
-                            : std::string_view(
-                                  "UPDATE patients SET patientID = ?, lastKey = ?, firstKey = ?, birthKey = ?,"
-                                  " genderIdentity = ?, race = ?, modelNumber = ?, keywords = ?, teeth = ?, office = ?,"
-                                  " status = ?, veltrixID = ?, norm = ?, recordDate = ?, rowVersion = ? WHERE person = ?"));
+    dbCStatement write(
+        bNew ? std::string_view(
+                   "INSERT INTO patients (patientID, lastKey, firstKey, birthKey, genderIdentity, race,"
+                   " modelNumber, keywords, teeth, office, status, veltrixID, norm, recordDate, rowVersion,"
+                   " person) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)")
+             : std::string_view(
+                   "UPDATE patients SET patientID = ?, lastKey = ?, firstKey = ?, birthKey = ?,"
+                   " genderIdentity = ?, race = ?, modelNumber = ?, keywords = ?, teeth = ?, office = ?,"
+                   " status = ?, veltrixID = ?, norm = ?, recordDate = ?, rowVersion = ? WHERE person = ?"));
     const auto& fields = patient.m_f;
     write.Bind(fields.strID).BindUtf8(dbFold(fields.strLastname.GetString()));
     write.BindUtf8(dbFold(fields.strFirstname.GetString())).BindUtf8(dbDateText(fields.dateBirth, false));
-    write.Bind(fields.nGenderIdentity).Bind(fields.nRace).Bind(fields.strModelNumber).Bind(fields.strKeywords);
+    write.Bind(fields.nGenderIdentity)
+        .Bind(fields.nRace)
+        .Bind(fields.strModelNumber)
+        .Bind(fields.strKeywords);
     write.Bind(fields.strTeeth).BindRow(dbFindListRow(FIND_OFFICE, fields.strOfficeID));
-    write.BindRow(dbFindListRow(FIND_STATUS, fields.strStatusID)).Bind(fields.strVeltrixID).Bind(fields.nNorm);
+    write.BindRow(dbFindListRow(FIND_STATUS, fields.strStatusID))
+        .Bind(fields.strVeltrixID)
+        .Bind(fields.nNorm);
     write.BindDate(fields.dateRecord).Bind(patient.m_nRowVersion).Bind(nRow).Run();
 }
 
 void dbCPatientStore::SavePersons(const dbCPatient& patient, __int64 nRow)
 {
     SaveGuardian(patient, nRow);
-    dbCStatement("DELETE FROM patientPersons WHERE patient = ? AND kind <> ?").Bind(nRow).Bind(dbPersonGuardian).Run();
+    dbCStatement("DELETE FROM patientPersons WHERE patient = ? AND kind <> ?")
+        .Bind(nRow)
+        .Bind(dbPersonGuardian)
+        .Run();
     dbCStatement insert("INSERT INTO patientPersons (patient, kind, person) VALUES (?, ?, ?)");
     for (const auto& [nKind, person] : patient.m_persons)
         if (nKind != dbPersonGuardian)
@@ -282,22 +299,29 @@ void dbCPatientStore::SaveGuardian(const dbCPatient& patient, __int64 nRow)
     }
     if (nStored != 0)
     {
-        dbCStatement("DELETE FROM patientPersons WHERE patient = ? AND kind = ?").Bind(nRow).Bind(dbPersonGuardian).Run();
+        dbCStatement("DELETE FROM patientPersons WHERE patient = ? AND kind = ?")
+            .Bind(nRow)
+            .Bind(dbPersonGuardian)
+            .Run();
         dbDeletePerson(nStored);
     }
     if (bGiven)
     {
         const __int64 nPerson = dbSavePerson(0, guardian->second);
         dbCStatement("INSERT INTO patientPersons (patient, kind, person) VALUES (?, ?, ?)")
-            .Bind(nRow).Bind(dbPersonGuardian).Bind(nPerson).Run();
+            .Bind(nRow)
+            .Bind(dbPersonGuardian)
+            .Bind(nPerson)
+            .Run();
     }
 }
 
 void dbCPatientStore::SaveInsurances(const dbCPatient& patient, __int64 nRow)
 {
     dbCStatement("DELETE FROM insurances WHERE patient = ?").Bind(nRow).Run();
-    dbCStatement insert("INSERT INTO insurances (guid, patient, position, company, holder, number, groupNumber, note)"
-                        " VALUES (?, ?, ?, ?, ?, ?, ?, ?)");
+    dbCStatement insert(
+        "INSERT INTO insurances (guid, patient, position, company, holder, number, groupNumber, note)"
+        " VALUES (?, ?, ?, ?, ?, ?, ?, ?)");
     int nPosition = 0;
     for (const dbCInsurance& insurance : patient.m_insurances)
     {
@@ -309,8 +333,8 @@ void dbCPatientStore::SaveInsurances(const dbCPatient& patient, __int64 nRow)
 
 void dbCPatientStore::SaveTimepoints(dbCPatient& patient, __int64 nRow, bool bNew)
 {
-    // Stored timepoints keep their rows, which diagnostic records refer to. Their numbers are set aside first, so
-    // that they can change places.
+    // Stored timepoints keep their rows, which diagnostic records refer to. Their numbers are set aside
+    // first, so that they can change places.
     std::map<std::string, __int64> stored;
     if (!bNew)
     {
@@ -327,14 +351,20 @@ void dbCPatientStore::SaveTimepoints(dbCPatient& patient, __int64 nRow, bool bNe
             timepoint.SettpID(dbNewGUID());
         const auto found = stored.find(timepoint.GettpID().GetString());
         const bool bInsert = found == stored.end();
-        dbCStatement write(bInsert ? std::string_view("INSERT INTO timepoints (position, number, name, date, treatment, active,"
-                                                      " bits0, bits1, bits2, bits3, bits4, bits5, bits6, bits7, guid, patient)"
-                                                      " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)")
-                                   : std::string_view("UPDATE timepoints SET position = ?, number = ?, name = ?, date = ?,"
-                                                      " treatment = ?, active = ?, bits0 = ?, bits1 = ?, bits2 = ?, bits3 = ?,"
-                                                      " bits4 = ?, bits5 = ?, bits6 = ?, bits7 = ? WHERE id = ?"));
-        write.Bind(nPosition++).Bind(timepoint.GetNumber()).Bind(timepoint.GetName()).BindDateTime(timepoint.GetDate());
-        write.BindRow(dbFindListRow(FIND_TREATMENT, timepoint.GetptshID())).Bind(timepoint.IsActive() ? 1 : 0);
+        dbCStatement write(
+            bInsert
+                ? std::string_view("INSERT INTO timepoints (position, number, name, date, treatment, active,"
+                                   " bits0, bits1, bits2, bits3, bits4, bits5, bits6, bits7, guid, patient)"
+                                   " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)")
+                : std::string_view("UPDATE timepoints SET position = ?, number = ?, name = ?, date = ?,"
+                                   " treatment = ?, active = ?, bits0 = ?, bits1 = ?, bits2 = ?, bits3 = ?,"
+                                   " bits4 = ?, bits5 = ?, bits6 = ?, bits7 = ? WHERE id = ?"));
+        write.Bind(nPosition++)
+            .Bind(timepoint.GetNumber())
+            .Bind(timepoint.GetName())
+            .BindDateTime(timepoint.GetDate());
+        write.BindRow(dbFindListRow(FIND_TREATMENT, timepoint.GetptshID()))
+            .Bind(timepoint.IsActive() ? 1 : 0);
         for (int nGroup = 0; nGroup < patCImageTypes::GROUP_COUNT; ++nGroup)
             write.Bind(timepoint.GetImageBits(nGroup));
         __int64 nTimepoint = 0;
@@ -350,9 +380,16 @@ void dbCPatientStore::SaveTimepoints(dbCPatient& patient, __int64 nRow, bool bNe
             dbCStatement("DELETE FROM images WHERE timepoint = ?").Bind(nTimepoint).Run();
             stored.erase(found);
         }
-        dbCStatement image("INSERT INTO images (timepoint, imageGroup, type, title, note, guid) VALUES (?, ?, ?, ?, ?, ?)");
+        dbCStatement image(
+            "INSERT INTO images (timepoint, imageGroup, type, title, note, guid) VALUES (?, ?, ?, ?, ?, ?)");
         for (const auto& [slot, info] : timepoint.GetImageInfos())
-            image.Bind(nTimepoint).Bind(slot.first).Bind(slot.second).Bind(info.strTitle).Bind(info.strNote).Bind(info.strGUID).Run();
+            image.Bind(nTimepoint)
+                .Bind(slot.first)
+                .Bind(slot.second)
+                .Bind(info.strTitle)
+                .Bind(info.strNote)
+                .Bind(info.strGUID)
+                .Run();
     }
     for (const auto& [guid, nRemoved] : stored)
         dbCStatement("DELETE FROM timepoints WHERE id = ?").Bind(nRemoved).Run();

@@ -4,13 +4,21 @@ namespace
 {
 void SaveAddresses(__int64 nRow, const dbCAddresses& addresses)
 {
-    dbCStatement insert("INSERT INTO addresses (person, position, type, company, street, city, state, postalCode, country)"
-                        " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)");
+    dbCStatement insert(
+        "INSERT INTO addresses (person, position, type, company, street, city, state, postalCode, country)"
+        " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)");
     int nPosition = 0;
     for (const dbCAddress& address : addresses)
     {
-        insert.Bind(nRow).Bind(nPosition++).Bind(address.GetType()).Bind(address.GetCompany()).Bind(address.GetStreet());
-        insert.Bind(address.GetCity()).Bind(address.GetState()).Bind(address.GetPostalCode()).Bind(address.GetCountry());
+        insert.Bind(nRow)
+            .Bind(nPosition++)
+            .Bind(address.GetType())
+            .Bind(address.GetCompany())
+            .Bind(address.GetStreet());
+        insert.Bind(address.GetCity())
+            .Bind(address.GetState())
+            .Bind(address.GetPostalCode())
+            .Bind(address.GetCountry());
         insert.Run();
     }
 }
@@ -22,7 +30,7 @@ void SavePhones(__int64 nRow, const dbCPhones& phones)
     for (const dbCPhone& phone : phones)
         insert.Bind(nRow).Bind(nPosition++).Bind(phone.GetNumber()).Bind(phone.GetType()).Run();
 }
-}
+} // namespace
 
 __int64 dbFindPerson(LPCTSTR pszGUID)
 {
@@ -34,8 +42,9 @@ __int64 dbFindPerson(LPCTSTR pszGUID)
 dbCPerson dbLoadPerson(__int64 nRow)
 {
     dbCPerson person;
-    dbCStatement query("SELECT guid, title, firstName, lastName, nickname, salutation, email, notes, birthDate, gender"
-                       " FROM persons WHERE id = ?");
+    dbCStatement query(
+        "SELECT guid, title, firstName, lastName, nickname, salutation, email, notes, birthDate, gender"
+        " FROM persons WHERE id = ?");
     query.Bind(nRow);
     if (!query.Step())
         dbCException::Throw(dbErrNotFound);
@@ -81,16 +90,18 @@ __int64 dbSavePerson(__int64 nRow, const dbCPerson& person)
     };
     if (nRow == 0)
     {
-        dbCStatement insert("INSERT INTO persons (title, firstName, lastName, nickname, salutation, email, notes,"
-                            " birthDate, gender, guid) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
+        dbCStatement insert(
+            "INSERT INTO persons (title, firstName, lastName, nickname, salutation, email, notes,"
+            " birthDate, gender, guid) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
         bindFields(insert);
         insert.Bind(person.GetPersonGUID()).Run();
         nRow = dbCConnection::Current().GetLastRow();
     }
     else
     {
-        dbCStatement update("UPDATE persons SET title = ?, firstName = ?, lastName = ?, nickname = ?, salutation = ?,"
-                            " email = ?, notes = ?, birthDate = ?, gender = ? WHERE id = ?");
+        dbCStatement update(
+            "UPDATE persons SET title = ?, firstName = ?, lastName = ?, nickname = ?, salutation = ?,"
+            " email = ?, notes = ?, birthDate = ?, gender = ? WHERE id = ?");
         bindFields(update);
         update.Bind(nRow).Run();
         dbCStatement("DELETE FROM addresses WHERE person = ?").Bind(nRow).Run();

@@ -12,13 +12,18 @@ constexpr DWORD COPY_BUFFER = 256 * 1024;
 
 struct HandleCloser
 {
-    void operator()(HANDLE hFile) const { CloseHandle(hFile); }
+    void operator()(HANDLE hFile) const
+    {
+        CloseHandle(hFile);
+    }
 };
 using UniqueHandle = std::unique_ptr<void, HandleCloser>;
 
-UniqueHandle OpenHandle(const std::string& path, DWORD dwAccess, DWORD dwShare, DWORD dwDisposition, DWORD dwFlags)
+UniqueHandle OpenHandle(const std::string& path, DWORD dwAccess, DWORD dwShare, DWORD dwDisposition,
+                        DWORD dwFlags)
 {
-    const HANDLE hFile = CreateFileA(path.c_str(), dwAccess, dwShare, nullptr, dwDisposition, dwFlags, nullptr);
+    const HANDLE hFile =
+        CreateFileA(path.c_str(), dwAccess, dwShare, nullptr, dwDisposition, dwFlags, nullptr);
     return UniqueHandle(hFile != INVALID_HANDLE_VALUE ? hFile : nullptr);
 }
 
@@ -56,7 +61,7 @@ std::string NewToken()
              InterlockedIncrement(&nCount));
     return szToken;
 }
-}
+} // namespace
 
 dbCFilePlacement::dbCFilePlacement() : m_strFolder(velGetDataPath()), m_token(NewToken())
 {
@@ -92,7 +97,10 @@ void dbCFilePlacement::Place()
     // Noted for good before the first file is made.
     dbCTransaction transaction;
     for (const File& file : m_files)
-        dbCStatement("INSERT INTO placedFiles (token, name) VALUES (?, ?)").Bind(m_token.c_str()).Bind(file.name.c_str()).Run();
+        dbCStatement("INSERT INTO placedFiles (token, name) VALUES (?, ?)")
+            .Bind(m_token.c_str())
+            .Bind(file.name.c_str())
+            .Run();
     transaction.Commit();
 
     for (const File& file : m_files)
@@ -132,7 +140,7 @@ void dbCFilePlacement::Undo() noexcept
     }
     catch (CException* e)
     {
-        e->Delete();   // the next Open does it
+        e->Delete(); // the next Open does it
     }
 }
 

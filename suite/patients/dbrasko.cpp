@@ -4,14 +4,16 @@
 
 BOOL dbCRaskoTasksContainer::TableExists()
 {
-    return dbCConnection::Current().QueryInt("SELECT count(*) FROM sqlite_schema WHERE type = 'table' AND name = 'raskoTasks'") != 0;
+    return dbCConnection::Current().QueryInt(
+               "SELECT count(*) FROM sqlite_schema WHERE type = 'table' AND name = 'raskoTasks'") != 0;
 }
 
 int dbCRaskoTasksContainer::LoadPending(LPCTSTR pszPatientGUID)
 {
     RemoveAll();
-    dbCStatement query("SELECT id, type, status, totalBytes, patientID, patientGuid, description, data, queueComputer"
-                       " FROM raskoTasks WHERE patientGuid = ? AND status < ? ORDER BY id");
+    dbCStatement query(
+        "SELECT id, type, status, totalBytes, patientID, patientGuid, description, data, queueComputer"
+        " FROM raskoTasks WHERE patientGuid = ? AND status < ? ORDER BY id");
     query.Bind(pszPatientGUID).Bind(static_cast<int>(dbSRaskoTask::STATUS_FINISHED));
     while (query.Step())
     {
@@ -32,10 +34,18 @@ int dbCRaskoTasksContainer::LoadPending(LPCTSTR pszPatientGUID)
 
 void dbCRaskoTasksContainer::InsertRow(dbSRaskoTask& task)
 {
-    dbCStatement insert("INSERT INTO raskoTasks (type, patientID, patientGuid, description, data, status, totalBytes,"
-                        " queueComputer, time) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)");
-    insert.Bind(task.nType).Bind(task.strPatientID).Bind(task.strPatientGUID).Bind(task.strDescription).Bind(task.strData);
-    insert.Bind(task.nStatus).Bind(task.nTotalBytes).Bind(task.strQueueComputer).BindDateTime(COleDateTime::GetCurrentTime());
+    dbCStatement insert(
+        "INSERT INTO raskoTasks (type, patientID, patientGuid, description, data, status, totalBytes,"
+        " queueComputer, time) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)");
+    insert.Bind(task.nType)
+        .Bind(task.strPatientID)
+        .Bind(task.strPatientGUID)
+        .Bind(task.strDescription)
+        .Bind(task.strData);
+    insert.Bind(task.nStatus)
+        .Bind(task.nTotalBytes)
+        .Bind(task.strQueueComputer)
+        .BindDateTime(COleDateTime::GetCurrentTime());
     insert.Run();
     task.nTask = dbCConnection::Current().GetLastRow();
 }
@@ -52,7 +62,8 @@ BOOL dbCServicePatients::FindByGUID(LPCTSTR pszPatientGUID, dbSServicePatient& r
 
 void dbCServicePatients::Store(const dbSServicePatient& row)
 {
-    dbCStatement write("INSERT INTO servicePatients (patientGuid, serviceID, serviceGuid) VALUES (?, ?, ?)"
-                       " ON CONFLICT DO UPDATE SET serviceID = excluded.serviceID, serviceGuid = excluded.serviceGuid");
+    dbCStatement write(
+        "INSERT INTO servicePatients (patientGuid, serviceID, serviceGuid) VALUES (?, ?, ?)"
+        " ON CONFLICT DO UPDATE SET serviceID = excluded.serviceID, serviceGuid = excluded.serviceGuid");
     write.Bind(row.strPatientGUID).Bind(row.strServiceID).Bind(row.strServiceGUID).Run();
 }

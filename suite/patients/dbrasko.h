@@ -11,14 +11,14 @@ struct dbSRaskoTask
         UPLOAD = 0,
         DOWNLOAD = 1,
         STATUS_QUEUED = -2,
-        STATUS_FINISHED = 100   ///< and above; everything below is pending
+        STATUS_FINISHED = 100 ///< and above; everything below is pending
     };
 
-    __int64 nTask = 0;   ///< 0 until stored
+    __int64 nTask = 0; ///< 0 until stored
     int nType = UPLOAD;
     int nStatus = STATUS_QUEUED;
     __int64 nTotalBytes = 0;
-    CString strPatientID;     ///< the patient's ID on the service
+    CString strPatientID; ///< the patient's ID on the service
     CString strPatientGUID;
     CString strDescription, strData, strQueueComputer;
 };

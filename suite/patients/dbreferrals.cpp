@@ -53,8 +53,9 @@ void dbCPatientReferralsContainer::Save(LPCTSTR pszPatientGUID)
 
 void dbLoadReferrals(dbCPatientReferralsContainer& referrals, __int64 nPatientRow)
 {
-    dbCStatement query("SELECT r.guid, r.type, r.date, r.note, p.guid, p.firstName, p.lastName, p.email FROM referrals r"
-                       " JOIN persons p ON p.id = r.doctor WHERE r.patient = ? ORDER BY r.position");
+    dbCStatement query(
+        "SELECT r.guid, r.type, r.date, r.note, p.guid, p.firstName, p.lastName, p.email FROM referrals r"
+        " JOIN persons p ON p.id = r.doctor WHERE r.patient = ? ORDER BY r.position");
     query.Bind(nPatientRow);
     while (query.Step())
     {
@@ -73,14 +74,19 @@ void dbSaveReferrals(dbCPatientReferralsContainer& referrals, __int64 nPatientRo
 {
     dbCStatement("DELETE FROM referrals WHERE patient = ?").Bind(nPatientRow).Run();
     dbCStatement insert("INSERT INTO referrals (guid, patient, position, doctor, type, date, note)"
-                        " VALUES (?, ?, ?, (SELECT d.person FROM persons p JOIN doctors d ON d.person = p.id WHERE p.guid = ?),"
+                        " VALUES (?, ?, ?, (SELECT d.person FROM persons p JOIN doctors d ON d.person = p.id "
+                        "WHERE p.guid = ?),"
                         " ?, ?, ?)");
     int nPosition = 0;
     for (dbCPatientReferralsRow& row : referrals)
     {
         if (row.Get_refID().IsEmpty())
             row.Set_refID(dbNewGUID());
-        insert.Bind(row.Get_refID()).Bind(nPatientRow).Bind(nPosition++).Bind(row.Get_docID()).Bind(row.Get_type());
+        insert.Bind(row.Get_refID())
+            .Bind(nPatientRow)
+            .Bind(nPosition++)
+            .Bind(row.Get_docID())
+            .Bind(row.Get_type());
         insert.BindDate(row.Get_date()).Bind(row.Get_note()).Run();
     }
 }

@@ -4,10 +4,11 @@
 
 namespace
 {
-constexpr int APPLICATION_ID = 0x56656C50;   // "VelP"
+constexpr int APPLICATION_ID = 0x56656C50; // "VelP"
 
-// Relations use the row numbers, calls the GUIDs. Persons hold what patients, guardians and doctors have in common,
-// so that a patient's row number and GUID are those of its person. "...Key" columns hold folded text (dbFold).
+// Relations use the row numbers, calls the GUIDs. Persons hold what patients, guardians and doctors have in
+// common, so that a patient's row number and GUID are those of its person. "...Key" columns hold folded text
+// (dbFold).
 constexpr const char* VERSION_1 = R"sql(
 CREATE TABLE persons (
     id INTEGER PRIMARY KEY, guid TEXT NOT NULL UNIQUE, title TEXT NOT NULL, firstName TEXT NOT NULL,
@@ -157,8 +158,7 @@ size_t CheckVersion(dbCConnection& connection, size_t nNewest)
 }
 
 /// Runs `work` in a transaction of its own, rolled back when it throws.
-template<typename Work>
-void InTransaction(dbCConnection& connection, Work work)
+template <typename Work> void InTransaction(dbCConnection& connection, Work work)
 {
     const int nLevel = connection.Begin();
     try
@@ -172,7 +172,7 @@ void InTransaction(dbCConnection& connection, Work work)
         throw;
     }
 }
-}
+} // namespace
 
 std::span<const dbSMigration> dbSchemaSteps()
 {

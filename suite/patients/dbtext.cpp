@@ -8,7 +8,8 @@ namespace
 {
 bool IsAscii(std::string_view text)
 {
-    return std::all_of(text.begin(), text.end(), [](char ch) { return static_cast<unsigned char>(ch) < 0x80; });
+    return std::all_of(text.begin(), text.end(),
+                       [](char ch) { return static_cast<unsigned char>(ch) < 0x80; });
 }
 
 bool WideFrom(UINT nCodePage, std::string_view text, std::wstring& wide)
@@ -27,7 +28,8 @@ std::string NarrowFrom(UINT nCodePage, const std::wstring& wide, BOOL* pbLossy)
 {
     const DWORD dwFlags = pbLossy ? WC_NO_BEST_FIT_CHARS : 0;
     const int nWide = static_cast<int>(wide.size());
-    const int nBytes = WideCharToMultiByte(nCodePage, dwFlags, wide.data(), nWide, nullptr, 0, nullptr, nullptr);
+    const int nBytes =
+        WideCharToMultiByte(nCodePage, dwFlags, wide.data(), nWide, nullptr, 0, nullptr, nullptr);
     std::string narrow(static_cast<size_t>(nBytes), '\0');
     WideCharToMultiByte(nCodePage, dwFlags, wide.data(), nWide, narrow.data(), nBytes, nullptr, pbLossy);
     return narrow;
@@ -43,7 +45,8 @@ std::wstring CheckedWide(std::string_view text)
     std::wstring wide;
     BOOL bLossy = FALSE;
     if (!WideFrom(CP_ACP, text, wide) || NarrowFrom(CP_ACP, wide, &bLossy) != text || bLossy)
-        dbCException::Throw(dbErrText, CString(text.data(), static_cast<int>(std::min<size_t>(text.size(), 60))));
+        dbCException::Throw(dbErrText,
+                            CString(text.data(), static_cast<int>(std::min<size_t>(text.size(), 60))));
     return wide;
 }
 
@@ -63,7 +66,7 @@ bool FromUtf8(std::string_view utf8, std::string& narrow)
     narrow = NarrowFrom(CP_ACP, wide, &bLossy);
     return bReadable && !bLossy;
 }
-}
+} // namespace
 
 std::string dbToUtf8(std::string_view text)
 {

@@ -6,8 +6,8 @@
 
 /// Everything done on the current database between construction and Commit() happens at once or not at all.
 /// Rolls back when it is destroyed uncommitted. Transactions nest: an inner one can be rolled back by itself,
-/// an inner Commit becomes lasting with the outermost one. The outermost takes the write lock at once, so that
-/// what is read inside stays true until the end; waits up to the database timeout for it (dbErrLocked).
+/// an inner Commit becomes lasting with the outermost one. The outermost takes the write lock at once, so
+/// that what is read inside stays true until the end; waits up to the database timeout for it (dbErrLocked).
 class VELPAT_API dbCTransaction
 {
 public:
@@ -24,11 +24,11 @@ public:
 
     static BOOL IsActive();
 
-    /// Registers an action for the end of the innermost open transaction, and of those around it: the first runs
-    /// when that transaction is rolled back (last registered first), the second when the outermost one has been
-    /// committed. Neither may throw. With no open transaction the commit action runs at once.
+    /// Registers an action for the end of the innermost open transaction, and of those around it: the first
+    /// runs when that transaction is rolled back (last registered first), the second when the outermost one
+    /// has been committed. Neither may throw. With no open transaction the commit action runs at once.
     static void AtEnd(std::function<void()> fnRollback, std::function<void()> fnCommit = nullptr);
 
 private:
-    int m_nLevel;   ///< nesting depth of this transaction, 1 for the outermost; 0 when it has ended
+    int m_nLevel; ///< nesting depth of this transaction, 1 for the outermost; 0 when it has ended
 };

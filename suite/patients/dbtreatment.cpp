@@ -18,7 +18,10 @@ dbCTreatmentStatusContainer::dbCTreatmentStatusContainer(BOOL bActiveOnly)
 void dbCTreatmentStatusContainer::AddTreatment(LPCTSTR pszCode, LPCTSTR pszDescription, BOOL bActive)
 {
     dbCStatement("INSERT INTO treatments (code, description, active) VALUES (?, ?, ?)")
-        .Bind(pszCode).Bind(pszDescription).Bind(bActive ? 1 : 0).Run();
+        .Bind(pszCode)
+        .Bind(pszDescription)
+        .Bind(bActive ? 1 : 0)
+        .Run();
 }
 
 void dbCPatientTreatmentStatusHistoryTable::LoadByPatID(LPCTSTR pszPatientGUID)
@@ -43,8 +46,9 @@ void dbCPatientTreatmentStatusHistoryTable::LoadByPatID(LPCTSTR pszPatientGUID)
 void dbCPatientTreatmentStatusHistoryTable::InsertRow(dbCPatientTreatmentStatusHistoryRow& row)
 {
     const CString strID = dbNewGUID();
-    dbCStatement insert("INSERT INTO treatmentHistory (guid, patient, description, code, active, time)"
-                        " SELECT ?, t.person, ?, ?, ?, ? FROM persons p JOIN patients t ON t.person = p.id WHERE p.guid = ?");
+    dbCStatement insert(
+        "INSERT INTO treatmentHistory (guid, patient, description, code, active, time)"
+        " SELECT ?, t.person, ?, ?, ?, ? FROM persons p JOIN patients t ON t.person = p.id WHERE p.guid = ?");
     insert.Bind(strID).Bind(row.GetDescription()).Bind(row.GetNewCode()).Bind(row.GetActive());
     insert.BindDateTime(row.GetDateTime()).Bind(row.GetpatID()).Run();
     if (dbCConnection::Current().GetChanges() == 0)
@@ -56,9 +60,10 @@ void dbCPatientTreatmentStatusHistoryTable::InsertRow(dbCPatientTreatmentStatusH
 BOOL dbCTimepointsContainer::LoadByPatID(LPCTSTR pszPatientGUID, int nInactive)
 {
     RemoveAll();
-    dbCStatement query("SELECT t.guid, t.name, t.date, h.guid, t.number, t.active FROM persons p"
-                       " JOIN timepoints t ON t.patient = p.id LEFT JOIN treatmentHistory h ON h.id = t.treatment"
-                       " WHERE p.guid = ? AND (? = 0 OR t.active = 0) ORDER BY t.position");
+    dbCStatement query(
+        "SELECT t.guid, t.name, t.date, h.guid, t.number, t.active FROM persons p"
+        " JOIN timepoints t ON t.patient = p.id LEFT JOIN treatmentHistory h ON h.id = t.treatment"
+        " WHERE p.guid = ? AND (? = 0 OR t.active = 0) ORDER BY t.position");
     query.Bind(pszPatientGUID).Bind(nInactive);
     while (query.Step())
     {

@@ -12,7 +12,7 @@ namespace
 {
 constexpr char SEPARATOR = '\x01';
 constexpr size_t MAX_FIELD = 25;
-constexpr ULONGLONG MAX_FILE = 1 << 20;   ///< bytes; a patient with 100 timepoints needs far less
+constexpr ULONGLONG MAX_FILE = 1 << 20; ///< bytes; a patient with 100 timepoints needs far less
 
 /// The line's fields, each ended by the separator; false when the line does not end behind the last.
 bool SplitFields(std::string_view line, std::vector<std::string>& fields)
@@ -43,7 +43,8 @@ bool NextLine(std::string_view& text, std::string_view& line)
 bool ReadNumbers(const std::string& field, const CString& strID, patCTimepoint& timepoint)
 {
     int nNumber = -1, nUsed = 0;
-    if (sscanf(field.c_str(), "%d%n", &nNumber, &nUsed) != 1 || nNumber < 0 || nNumber >= patCTimepoints::MAX_COUNT)
+    if (sscanf(field.c_str(), "%d%n", &nNumber, &nUsed) != 1 || nNumber < 0 ||
+        nNumber >= patCTimepoints::MAX_COUNT)
         return false;
     timepoint.SetNumber(strID, nNumber);
     const char* psz = field.c_str() + nUsed;
@@ -103,7 +104,7 @@ std::string ReadText(LPCTSTR pszPath)
     text.resize(file.Read(text.data(), static_cast<UINT>(text.size())));
     return text;
 }
-}
+} // namespace
 
 BOOL patReadPatientFile(LPCTSTR pszPath, dbCPatient& patient)
 {
@@ -129,7 +130,8 @@ patCEarlierFile::patCEarlierFile(const dbCPatient& patient)
     m_strOriginal = strFolder + patient.GetID() + ".ORIGINALPF";
     if (velFileExists(m_strFile) && !MoveFileA(m_strFile, m_strOriginal))
         dbCException::Throw(dbErrIO, m_strFile);
-    m_hOriginal = CreateFileA(m_strOriginal, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+    m_hOriginal =
+        CreateFileA(m_strOriginal, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
     try
     {
         patient.WritePatientFile(strFolder);
@@ -150,7 +152,7 @@ void patCEarlierFile::Restore() noexcept
 {
     if (m_hOriginal == INVALID_HANDLE_VALUE)
     {
-        DeleteFileA(m_strFile);   // there was none before
+        DeleteFileA(m_strFile); // there was none before
         return;
     }
     CloseHandle(m_hOriginal);

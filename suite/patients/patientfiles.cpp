@@ -34,13 +34,17 @@ std::string Field(LPCTSTR psz, size_t nMax = std::string::npos)
 
 struct HandleCloser
 {
-    void operator()(HANDLE hFile) const { CloseHandle(hFile); }
+    void operator()(HANDLE hFile) const
+    {
+        CloseHandle(hFile);
+    }
 };
 using UniqueHandle = std::unique_ptr<void, HandleCloser>;
 
 UniqueHandle OpenFileHandle(LPCTSTR pszPath, DWORD dwAccess, DWORD dwShare, DWORD dwDisposition)
 {
-    const HANDLE hFile = CreateFileA(pszPath, dwAccess, dwShare, nullptr, dwDisposition, FILE_ATTRIBUTE_NORMAL, nullptr);
+    const HANDLE hFile =
+        CreateFileA(pszPath, dwAccess, dwShare, nullptr, dwDisposition, FILE_ATTRIBUTE_NORMAL, nullptr);
     return UniqueHandle(hFile != INVALID_HANDLE_VALUE ? hFile : nullptr);
 }
 
@@ -53,7 +57,8 @@ CString WriteBeside(const CString& strPath, const std::string& text)
     if (!file)
         ThrowFileError(GetLastError(), strPath);
     DWORD dwWritten = 0;
-    const BOOL bWritten = WriteFile(file.get(), text.data(), static_cast<DWORD>(text.size()), &dwWritten, nullptr);
+    const BOOL bWritten =
+        WriteFile(file.get(), text.data(), static_cast<DWORD>(text.size()), &dwWritten, nullptr);
     const DWORD dwError = bWritten ? ERROR_DISK_FULL : GetLastError();
     file.reset();
     if (!bWritten || dwWritten != text.size())
@@ -72,7 +77,8 @@ CString PatientFilePath(const CString& strFolder, const patCPatient& patient)
 /// Removes or renames cleanly only if nobody else has the file open.
 bool IsFileFree(const CString& strPath)
 {
-    return OpenFileHandle(strPath, DELETE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, OPEN_EXISTING) != nullptr;
+    return OpenFileHandle(strPath, DELETE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                          OPEN_EXISTING) != nullptr;
 }
 
 /// The names of a patient's files in the working folder.
@@ -86,13 +92,15 @@ std::vector<std::string> ListFiles(const CString& strFolder, LPCTSTR pszID)
     do
     {
         bool bShared = false;
-        if (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY || !patIsPatientFile(data.cFileName, pszID, &bShared))
+        if (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY ||
+            !patIsPatientFile(data.cFileName, pszID, &bShared))
             continue;
         bool bOwn = true;
         if (bShared)
         {
-            dbCStatement longer("SELECT 1 FROM patients WHERE ? LIKE replace(replace(replace(patientID, '\\', '\\\\'),"
-                                " '_', '\\_'), '%', '\\%') || '%' ESCAPE '\\' AND length(patientID) > ? LIMIT 1");
+            dbCStatement longer(
+                "SELECT 1 FROM patients WHERE ? LIKE replace(replace(replace(patientID, '\\', '\\\\'),"
+                " '_', '\\_'), '%', '\\%') || '%' ESCAPE '\\' AND length(patientID) > ? LIMIT 1");
             longer.Bind(data.cFileName).Bind(static_cast<int>(strlen(pszID)));
             bOwn = !longer.Step();
         }
@@ -193,20 +201,22 @@ void Attempt(void (*pfnWork)()) noexcept
     {
     }
 }
-}
+} // namespace
 
 std::string patPatientFileText(const patCPatient& patient)
 {
-    std::string text = Field(patient.GetLastname(), MAX_HEADER_FIELD) + Field(patient.GetFirstname(), MAX_HEADER_FIELD) +
+    std::string text = Field(patient.GetLastname(), MAX_HEADER_FIELD) +
+                       Field(patient.GetFirstname(), MAX_HEADER_FIELD) +
                        Field(patient.GetID(), MAX_HEADER_FIELD) + "\n";
     for (const patCTimepoint& timepoint : patient.GetTimepoints())
     {
         char szNumbers[120];
         int nLength = snprintf(szNumbers, sizeof(szNumbers), "%d", timepoint.GetNumber());
         for (int nGroup = 0; nGroup < patCImageTypes::GROUP_COUNT; ++nGroup)
-            nLength += snprintf(szNumbers + nLength, sizeof(szNumbers) - static_cast<size_t>(nLength), " %08lx",
-                                timepoint.GetImageBits(nGroup));
-        text += Field(szNumbers) + Field(dbDateText(timepoint.GetDate(), true).c_str()) + Field(timepoint.GetName()) + "\n";
+            nLength += snprintf(szNumbers + nLength, sizeof(szNumbers) - static_cast<size_t>(nLength),
+                                " %08lx", timepoint.GetImageBits(nGroup));
+        text += Field(szNumbers) + Field(dbDateText(timepoint.GetDate(), true).c_str()) +
+                Field(timepoint.GetName()) + "\n";
     }
     return text;
 }
@@ -235,7 +245,8 @@ void patWritePatientFileAtCommit(const patCPatient& patient)
     const CString strTemp = WriteBeside(strPath, patPatientFileText(patient));
     dbCTransaction::AtEnd([strTemp] { DeleteFileA(strTemp); },
                           [strTemp, strPath] {
-                              // A file in use keeps its old content; the next Save or WritePatientFile replaces it.
+                              // A file in use keeps its old content; the next Save or WritePatientFile
+                              // replaces it.
                               if (!MoveFileExA(strTemp, strPath, MOVEFILE_REPLACE_EXISTING))
                                   DeleteFileA(strTemp);
                           });
@@ -246,7 +257,8 @@ void patRenameFilesAtCommit(LPCTSTR pszOldID, LPCTSTR pszNewID)
     const CString strFolder = velGetDataPath();
     if (strFolder.IsEmpty())
         return;
-    // Only the letter case differs: on Windows these are the same files, and renaming finds nothing in the way.
+    // Only the letter case differs: on Windows these are the same files, and renaming finds nothing in the
+    // way.
     const bool bSameFiles = CString(pszOldID).CompareNoCase(pszNewID) == 0;
     for (const std::string& name : ListFiles(strFolder, pszOldID))
     {
@@ -298,8 +310,9 @@ bool patIsPatientFile(const std::string& name, const std::string& id, bool* pbSh
                isdigit(static_cast<unsigned char>(rest[nPos + 1]));
     };
     if (rest.size() >= 3 && rest[0] == '$')
-        return twoDigits(1);                        // extras: ID $ number, anything
-    return twoDigits(0) && rest.size() > 3 && rest[2] == '.';   // images, companions and data files of a timepoint
+        return twoDigits(1); // extras: ID $ number, anything
+    return twoDigits(0) && rest.size() > 3 &&
+           rest[2] == '.'; // images, companions and data files of a timepoint
 }
 
 void patFinishFileWork() noexcept

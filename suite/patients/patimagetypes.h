@@ -5,8 +5,8 @@
 /// One image type: the character that ends its files' extension and its name for users.
 struct patSImageType
 {
-    char chCode;            ///< third character of the extension, as in ".I2A"
-    const char* pszTitle;   ///< for example "Profile"
+    char chCode;          ///< third character of the extension, as in ".I2A"
+    const char* pszTitle; ///< for example "Profile"
 };
 
 /// The image groups and types. Bit k of a timepoint's word for group g says that it holds an image of type k.

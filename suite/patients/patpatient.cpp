@@ -23,7 +23,7 @@ CString NameInForm(const CString& strName, int nForm)
     }
     return strText;
 }
-}
+} // namespace
 
 patCPatient::patCPatient()
 {

@@ -1,7 +1,7 @@
 #pragma once
 
 // String ids of VelPat.dll.
-#define IDS_DBERR_FIRST 41200   // text of dbError n is IDS_DBERR_FIRST + n
+#define IDS_DBERR_FIRST 41200 // text of dbError n is IDS_DBERR_FIRST + n
 #define IDS_DBERR_NOTOPEN 41201
 #define IDS_DBERR_MISSING 41202
 #define IDS_DBERR_EXISTS 41203
@@ -25,5 +25,5 @@
 #define IDS_DOB_INVALID 41252
 #define IDS_NEW_TREATMENT 41253
 
-#define IDS_PHONE_TYPE_FIRST 41260   // PHONE_TYPE_COUNT names in display order
+#define IDS_PHONE_TYPE_FIRST 41260 // PHONE_TYPE_COUNT names in display order
 #define PHONE_TYPE_COUNT 6

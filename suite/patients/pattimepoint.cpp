@@ -10,10 +10,11 @@ namespace
 CString ImageName(const CString& strBase, char chKind, int nGroup, int nType)
 {
     CString strName;
-    strName.Format("%s.%c%d%c", strBase.GetString(), chKind, nGroup, patCImageTypes::GetType(nGroup, nType).chCode);
+    strName.Format("%s.%c%d%c", strBase.GetString(), chKind, nGroup,
+                   patCImageTypes::GetType(nGroup, nType).chCode);
     return strName;
 }
-}
+} // namespace
 
 void patCTimepoint::SetBaseFilename(LPCTSTR psz)
 {
@@ -75,7 +76,8 @@ int patCTimepoints::GetFreeNumber() const
     return free != used.end() ? static_cast<int>(free - used.begin()) : -1;
 }
 
-int patCTimepoints::Add(const patCPatient* pPatient, const patCTimepoint& timepoint, BOOL bNewNumber, BOOL bNewGUID)
+int patCTimepoints::Add(const patCPatient* pPatient, const patCTimepoint& timepoint, BOOL bNewNumber,
+                        BOOL bNewGUID)
 {
     if (GetCount() >= MAX_COUNT)
         return RESULT_FULL;

@@ -20,39 +20,93 @@ struct patSImageInfo
 class VELPAT_API patCTimepoint
 {
 public:
-    const CString& GetName() const { return m_strName; }
-    const velCDate& GetDate() const { return m_date; }
+    const CString& GetName() const
+    {
+        return m_strName;
+    }
+    const velCDate& GetDate() const
+    {
+        return m_date;
+    }
     /// The treatment-status history row that the timepoint belongs to; empty for none.
-    const CString& GetptshID() const { return m_strPtshID; }
+    const CString& GetptshID() const
+    {
+        return m_strPtshID;
+    }
     /// The timepoint's GUID in the database.
-    const CString& GettpID() const { return m_strTpID; }
+    const CString& GettpID() const
+    {
+        return m_strTpID;
+    }
     /// The two-digit number (0 to 99) in the names of the timepoint's files.
-    int GetNumber() const { return m_nNumber; }
+    int GetNumber() const
+    {
+        return m_nNumber;
+    }
     /// What the names of the timepoint's image files begin with: patient ID and two-digit number.
-    const CString& GetBaseFilename() const { return m_strBaseFilename; }
+    const CString& GetBaseFilename() const
+    {
+        return m_strBaseFilename;
+    }
     /// FALSE when the timepoint is kept but not shown.
-    BOOL IsActive() const { return m_bActive; }
+    BOOL IsActive() const
+    {
+        return m_bActive;
+    }
 
-    void SetName(LPCTSTR psz) { m_strName = psz; }
-    void SetDate(const velCDate& date) { m_date = date; }
-    void SetptshID(LPCTSTR psz) { m_strPtshID = psz; }
-    void SettpID(LPCTSTR psz) { m_strTpID = psz; }
-    void SetActive(BOOL bActive) { m_bActive = bActive; }
+    void SetName(LPCTSTR psz)
+    {
+        m_strName = psz;
+    }
+    void SetDate(const velCDate& date)
+    {
+        m_date = date;
+    }
+    void SetptshID(LPCTSTR psz)
+    {
+        m_strPtshID = psz;
+    }
+    void SettpID(LPCTSTR psz)
+    {
+        m_strTpID = psz;
+    }
+    void SetActive(BOOL bActive)
+    {
+        m_bActive = bActive;
+    }
     /// Sets the base name and takes the number from its last two digits.
     void SetBaseFilename(LPCTSTR psz);
     void SetNumber(LPCTSTR pszPatientID, int nNumber);
 
     /// The set of types that the timepoint holds in a group, one bit per type.
-    DWORD GetImageBits(int nGroup) const { return m_bits.at(static_cast<size_t>(nGroup)); }
-    void SetImageBits(int nGroup, DWORD dwBits) { m_bits.at(static_cast<size_t>(nGroup)) = dwBits; }
-    BOOL HasImage(int nGroup, int nType) const { return (GetImageBits(nGroup) >> nType) & 1; }
+    DWORD GetImageBits(int nGroup) const
+    {
+        return m_bits.at(static_cast<size_t>(nGroup));
+    }
+    void SetImageBits(int nGroup, DWORD dwBits)
+    {
+        m_bits.at(static_cast<size_t>(nGroup)) = dwBits;
+    }
+    BOOL HasImage(int nGroup, int nType) const
+    {
+        return (GetImageBits(nGroup) >> nType) & 1;
+    }
     void SetImage(int nGroup, int nType, BOOL bPresent = TRUE);
 
     /// Title, note and GUID of an image; empty ones when nothing was recorded.
     patSImageInfo GetImageInfo(int nGroup, int nType) const;
-    void SetImageInfo(int nGroup, int nType, const patSImageInfo& info) { m_infos[{nGroup, nType}] = info; }
-    const std::map<std::pair<int, int>, patSImageInfo>& GetImageInfos() const { return m_infos; }
-    void RemoveImageInfos() { m_infos.clear(); }
+    void SetImageInfo(int nGroup, int nType, const patSImageInfo& info)
+    {
+        m_infos[{nGroup, nType}] = info;
+    }
+    const std::map<std::pair<int, int>, patSImageInfo>& GetImageInfos() const
+    {
+        return m_infos;
+    }
+    void RemoveImageInfos()
+    {
+        m_infos.clear();
+    }
 
     /// File name (no folder) of an image and of its companion.
     CString GetImageFilename(int nGroup, int nType) const;
@@ -84,7 +138,7 @@ public:
     };
     enum : int
     {
-        RESULT_FULL = 1993   ///< result of Add: the patient has MAX_COUNT timepoints
+        RESULT_FULL = 1993 ///< result of Add: the patient has MAX_COUNT timepoints
     };
 
     /// Position of the timepoint with this name (exact) whose date, formatted date-only in the user's locale,
@@ -92,8 +146,8 @@ public:
     int Find(LPCTSTR pszName, LPCTSTR pszDate) const;
 
     using dbTList<patCTimepoint>::Add;
-    /// Appends a timepoint for the patient. `bNewNumber` gives it the smallest file number that the patient does
-    /// not use, `bNewGUID` a new GUID. Returns 0, or RESULT_FULL and adds nothing.
+    /// Appends a timepoint for the patient. `bNewNumber` gives it the smallest file number that the patient
+    /// does not use, `bNewGUID` a new GUID. Returns 0, or RESULT_FULL and adds nothing.
     int Add(const patCPatient* pPatient, const patCTimepoint& timepoint, BOOL bNewNumber, BOOL bNewGUID);
 
     /// The smallest file number not in use, -1 when all are.

@@ -17,7 +17,10 @@ constexpr int FIRST_BIRTH_YEAR = 1850;
 class RedrawPause
 {
 public:
-    explicit RedrawPause(CComboBox& combo) : m_combo(combo) { ::SendMessageA(m_combo, WM_SETREDRAW, FALSE, 0); }
+    explicit RedrawPause(CComboBox& combo) : m_combo(combo)
+    {
+        ::SendMessageA(m_combo, WM_SETREDRAW, FALSE, 0);
+    }
     ~RedrawPause()
     {
         ::SendMessageA(m_combo, WM_SETREDRAW, TRUE, 0);
@@ -29,7 +32,7 @@ public:
 private:
     CComboBox& m_combo;
 };
-}
+} // namespace
 
 BOOL patCPatients::IsDOBValid(const velCDate& date, BOOL bShowMessage)
 {
@@ -47,7 +50,8 @@ BOOL patCPatients::IsDOBValid(const velCDate& date, BOOL bShowMessage)
     return nMessage == 0;
 }
 
-int patCPatient::FillTreatmentList(CComboBox& combo, CStringArray& ptshIDs, BOOL bActiveOnly, BOOL bWithNew) const
+int patCPatient::FillTreatmentList(CComboBox& combo, CStringArray& ptshIDs, BOOL bActiveOnly,
+                                   BOOL bWithNew) const
 {
     combo.ResetContent();
     ptshIDs.RemoveAll();

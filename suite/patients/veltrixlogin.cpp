@@ -9,11 +9,12 @@ namespace
 {
 void Record(dbAuditKind nKind, LPCTSTR pszPatientGUID, LPCTSTR pszText)
 {
-    dbCStatement insert("INSERT INTO auditEvents (kind, time, userName, computer, patientGuid, text) VALUES (?, ?, ?, ?, ?, ?)");
+    dbCStatement insert("INSERT INTO auditEvents (kind, time, userName, computer, patientGuid, text) VALUES "
+                        "(?, ?, ?, ?, ?, ?)");
     insert.Bind(static_cast<int>(nKind)).BindDateTime(COleDateTime::GetCurrentTime()).Bind(patUserName());
     insert.Bind(patComputerName()).Bind(pszPatientGUID).Bind(pszText).Run();
 }
-}
+} // namespace
 
 void CVeltrixLogin::AddNewPatientEvent(LPCTSTR pszPatientGUID, LPCTSTR pszText)
 {
@@ -38,8 +39,9 @@ void CVeltrixLogin::AddPatientDeletedEvent(LPCTSTR pszPatientGUID, LPCTSTR pszTe
 int CVeltrixLogin::LoadEvents(dbTList<dbSAuditEvent>& events, int nMax, __int64 nBefore)
 {
     events.RemoveAll();
-    dbCStatement query("SELECT id, kind, time, userName, computer, patientGuid, text FROM auditEvents WHERE id < ?"
-                       " ORDER BY id DESC LIMIT ?");
+    dbCStatement query(
+        "SELECT id, kind, time, userName, computer, patientGuid, text FROM auditEvents WHERE id < ?"
+        " ORDER BY id DESC LIMIT ?");
     query.Bind(nBefore != 0 ? nBefore : INT64_MAX).Bind(nMax);
     while (query.Step())
     {

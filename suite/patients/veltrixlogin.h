@@ -22,9 +22,9 @@ struct dbSAuditEvent
     CString strUser, strComputer, strPatientGUID, strText;
 };
 
-/// Records audit events in the current database, with user, computer and time. Events outlive their patient. Holds
-/// nothing: constructible while a library loads, without a database. A call that cannot record throws dbCException*;
-/// inside a dbCTransaction the event is part of it.
+/// Records audit events in the current database, with user, computer and time. Events outlive their patient.
+/// Holds nothing: constructible while a library loads, without a database. A call that cannot record throws
+/// dbCException*; inside a dbCTransaction the event is part of it.
 class VELPAT_API CVeltrixLogin
 {
 public:

@@ -13,7 +13,8 @@ std::string Store(dbCPatient patient, int nFormat)
     return {reinterpret_cast<const char*>(file.GetBufferPtr()), static_cast<size_t>(file.GetLength())};
 }
 
-/// Reads a patient; FALSE, with the patient unchanged, when the framework's or the library's exception is thrown.
+/// Reads a patient; FALSE, with the patient unchanged, when the framework's or the library's exception is
+/// thrown.
 bool Read(dbCPatient& patient, std::string bytes, int nFormat)
 {
     CMemFile file(reinterpret_cast<BYTE*>(bytes.data()), static_cast<UINT>(bytes.size()));
@@ -25,7 +26,8 @@ bool Read(dbCPatient& patient, std::string bytes, int nFormat)
     }
     catch (CException* e)
     {
-        EXPECT_TRUE(e->IsKindOf(RUNTIME_CLASS(CArchiveException)) || e->IsKindOf(RUNTIME_CLASS(dbCException)));
+        EXPECT_TRUE(e->IsKindOf(RUNTIME_CLASS(CArchiveException)) ||
+                    e->IsKindOf(RUNTIME_CLASS(dbCException)));
         e->Delete();
         return false;
     }
@@ -59,7 +61,8 @@ TEST(PatientArchive, LoadedIntoAnEmptyPracticeEveryFieldIsEqual)
         const CString strItem = dbCDiagnosticGroup::DefineItem("Airway", "Clinical", "AW1", "Tonsils");
         dbCDiagnosticInfo info;
         info.SetValue("enlarged");
-        dbCPatientDiagnostics(patient.GetGUID(), 0, "Clinical").AddDiagnosticRecord(strItem, 2, info, 0, velCDate(2024, 1, 4));
+        dbCPatientDiagnostics(patient.GetGUID(), 0, "Clinical")
+            .AddDiagnosticRecord(strItem, 2, info, 0, velCDate(2024, 1, 4));
         patient.Load("A1");
         before = Image(patient);
         bytes = Store(patient, 1);
@@ -151,7 +154,8 @@ TEST(PatientArchive, DamagedBytesAreRefusedOrReadNeverWorse)
         }
     }
     EXPECT_FALSE(Read(patient, "", 1));
-    EXPECT_FALSE(Read(patient, std::string("VPA1\xFF\xFF\xFF\x03") + std::string(4, '\0'), 1)) << "claims 64 MB";
+    EXPECT_FALSE(Read(patient, std::string("VPA1\xFF\xFF\xFF\x03") + std::string(4, '\0'), 1))
+        << "claims 64 MB";
 }
 
 TEST(PatientArchive, AnIDThatIsAPathIsRefused)
@@ -179,4 +183,4 @@ TEST(PatientArchive, ATakenIDStoresNothing)
     EXPECT_EQ(dbCDoctors().Enum(), 0);
     EXPECT_EQ(dbCPatients().GetCount(), 1);
 }
-}
+} // namespace

@@ -19,7 +19,8 @@ TEST(Database, CallsWithoutOneSaySo)
 TEST(Database, MissingIsNotCreated)
 {
     const veltest::TemporaryPractice practice;
-    for (const std::string& path : {practice.Path("none.db"), practice.Path("none\\none.db"), practice.Path("working")})
+    for (const std::string& path :
+         {practice.Path("none.db"), practice.Path("none\\none.db"), practice.Path("working")})
         EXPECT_EQ(ErrorOf([&] { dbCPatients::Open(path.c_str()); }), dbErrMissing) << path;
     EXPECT_FALSE(std::filesystem::exists(practice.Path("none.db")));
 }
@@ -36,12 +37,19 @@ TEST(Database, WhatIsNoPatientDatabaseIsRefusedUnchanged)
 {
     const veltest::TemporaryPractice practice;
     std::string page(4096, 'x');
-    const struct { const char* pszName; std::string bytes; dbError nError; } CASES[] = {
-        {"text", page, dbErrCorrupt}, {"empty", "", dbErrNotPatients}, {"short", "SQLite format 3", dbErrCorrupt}};
+    const struct
+    {
+        const char* pszName;
+        std::string bytes;
+        dbError nError;
+    } CASES[] = {{"text", page, dbErrCorrupt},
+                 {"empty", "", dbErrNotPatients},
+                 {"short", "SQLite format 3", dbErrCorrupt}};
     for (const auto& test : CASES)
     {
         practice.WriteFile("file.db", test.bytes);
-        EXPECT_EQ(ErrorOf([&] { dbCPatients::Open(practice.Path("file.db").c_str()); }), test.nError) << test.pszName;
+        EXPECT_EQ(ErrorOf([&] { dbCPatients::Open(practice.Path("file.db").c_str()); }), test.nError)
+            << test.pszName;
         EXPECT_EQ(practice.ReadFile("file.db"), test.bytes) << test.pszName;
     }
 }
@@ -88,8 +96,8 @@ TEST(Database, AFileHeldByAnotherProgramCountsAsLocked)
 {
     TestDatabase database;
     dbCPatients::Close();
-    const HANDLE hFile =
-        CreateFileA(database.Path().c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    const HANDLE hFile = CreateFileA(database.Path().c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
+                                     OPEN_EXISTING, 0, nullptr);
     ASSERT_NE(hFile, INVALID_HANDLE_VALUE);
     EXPECT_EQ(ErrorOf([&] { dbCPatients::Open(database.Path().c_str()); }), dbErrLocked);
     CloseHandle(hFile);
@@ -118,11 +126,12 @@ TEST(Database, RecognisesGUIDs)
 {
     EXPECT_TRUE(dbCPatients::IsGUID(dbNewGUID()));
     EXPECT_TRUE(dbCPatients::IsGUID("{0123abcd-0000-0000-0000-00000000FFFF}"));
-    for (const char* psz : {"", "A1", "0123abcd-0000-0000-0000-00000000FFFF", "{0123abcd-0000-0000-0000-00000000FFFG}",
-                            "{0123abcd-0000-0000-0000-00000000FFFF} "})
+    for (const char* psz :
+         {"", "A1", "0123abcd-0000-0000-0000-00000000FFFF", "{0123abcd-0000-0000-0000-00000000FFFG}",
+          "{0123abcd-0000-0000-0000-00000000FFFF} "})
         EXPECT_FALSE(dbCPatients::IsGUID(psz)) << psz;
     EXPECT_FALSE(dbCPatients::IsGUID(nullptr));
     EXPECT_TRUE(InitVelPatDLL(1));
     EXPECT_FALSE(InitVelPatDLL(2));
 }
-}
+} // namespace

@@ -22,7 +22,10 @@ struct OpenFile
     {
         EXPECT_NE(hFile, INVALID_HANDLE_VALUE);
     }
-    ~OpenFile() { CloseHandle(hFile); }
+    ~OpenFile()
+    {
+        CloseHandle(hFile);
+    }
     HANDLE hFile;
 };
 
@@ -37,9 +40,12 @@ TEST(PatientFiles, HeaderLineAndTimepoints)
     patient.GetTimepoints().Add(&patient, timepoint, TRUE, FALSE);
     patient.Save();
     EXPECT_EQ(database.practice.ReadFile("working/A1.PF"),
-              "A name of more than twent\x01" "Ann  X\x01" "A1\x01\n"
+              "A name of more than twent\x01"
+              "Ann  X\x01"
+              "A1\x01\n"
               "0 00000000 00000000 00000000 00000000 00000000 00000000 00000000 00000002\x01"
-              "2024-02-29 00:00:00\x01" "Initial\x01\n");
+              "2024-02-29 00:00:00\x01"
+              "Initial\x01\n");
     EXPECT_EQ(FilesIn(database.practice.Working()).size(), 1U) << "no scratch file stays behind";
 }
 
@@ -63,9 +69,10 @@ TEST(PatientFiles, AVanishedWorkingFolderRefusesTheSaveAsAWhole)
     EXPECT_TRUE(dbCPatients().IsIDFree("A1"));
 }
 
-const char* const OWN_FILES[] = {"A100.I0A", "A100.V0A", "a123.m", "A123.DF3", "A123.I0A.AVI", "A1$00$scan", "A100.C01",
-                                 "A1.2dmorph", "A1.PF~3f"};
-const char* const OTHER_FILES[] = {"A12.PF", "A1200.I0A", "A12$00$scan", "A12x.2dmorph", "A1B.PF", "A1.TXT", "B100.I0A"};
+const char* const OWN_FILES[] = {"A100.I0A",   "A100.V0A", "a123.m",     "A123.DF3", "A123.I0A.AVI",
+                                 "A1$00$scan", "A100.C01", "A1.2dmorph", "A1.PF~3f"};
+const char* const OTHER_FILES[] = {"A12.PF", "A1200.I0A", "A12$00$scan", "A12x.2dmorph",
+                                   "A1B.PF", "A1.TXT",    "B100.I0A"};
 
 void WriteAll(const TestDatabase& database)
 {
@@ -84,7 +91,8 @@ TEST(PatientFiles, DeletingAPatientTakesItsFilesAndNobodyElses)
     WriteAll(database);
     SetFileAttributesA((database.practice.Working() + "A100.I0A").c_str(), FILE_ATTRIBUTE_READONLY);
     dbCPatients().DeletePatient(patient.GetGUID());
-    EXPECT_EQ(FilesIn(database.practice.Working()), std::set<std::string>(std::begin(OTHER_FILES), std::end(OTHER_FILES)));
+    EXPECT_EQ(FilesIn(database.practice.Working()),
+              std::set<std::string>(std::begin(OTHER_FILES), std::end(OTHER_FILES)));
     EXPECT_TRUE(dbCPatients().IsIDFree("A1"));
     EXPECT_EQ(dbCPatients().GetCount(), 1);
     EXPECT_EQ(ErrorOf([&] { dbCPatients().DeletePatient("A1"); }), dbErrNotFound);
@@ -168,6 +176,10 @@ TEST(PatientFiles, ChangingOnlyTheLetterCaseOfAnID)
     // Whether the folder shows the new case is the file system's affair.
     EXPECT_EQ(FilesIn(database.practice.Working()).size(), 2U);
     EXPECT_EQ(database.practice.ReadFile("working/AB100.I0A"), "image");
-    EXPECT_EQ(database.practice.ReadFile("working/AB1.PF").find("Lee\x01" "Ann\x01" "AB1\x01"), 0U);
+    EXPECT_EQ(database.practice.ReadFile("working/AB1.PF")
+                  .find("Lee\x01"
+                        "Ann\x01"
+                        "AB1\x01"),
+              0U);
 }
-}
+} // namespace

@@ -166,7 +166,9 @@ TEST(Patient, RollbackPutsObjectFileAndDatabaseBack)
             added.Save();
             stored.SetNotes("edited");
             stored.Save();
-            { NewPatient("GONE").Save(); }   // the object does not live to see the rollback
+            {
+                NewPatient("GONE").Save();
+            } // the object does not live to see the rollback
             inner.Commit();
         }
         EXPECT_TRUE(added.IsValid());
@@ -246,7 +248,8 @@ TEST(Patient, PagesAndSearchesOfTheList)
     }
     dbCPatients patients;
     dbTList<dbSPatientListRow> rows;
-    while (patients.GetPage(dbSearchName, "", rows.IsEmpty() ? nullptr : &rows[rows.GetCount() - 1], 7, rows) > 0)
+    while (patients.GetPage(dbSearchName, "", rows.IsEmpty() ? nullptr : &rows[rows.GetCount() - 1], 7,
+                            rows) > 0)
     {
     }
     ASSERT_EQ(rows.GetCount(), 26);
@@ -254,14 +257,20 @@ TEST(Patient, PagesAndSearchesOfTheList)
     EXPECT_EQ(rows[1].strFirstname, "First00");
     EXPECT_EQ(rows[25].strID, "P01");
 
-    const struct { dbPatientSearch nBy; const char* pszSearch; int nCount; } CASES[] = {
-        {dbSearchName, "L", 12}, {dbSearchName, "LEE", 12}, {dbSearchName, "lee, first0", 5}, {dbSearchName, "leex", 0},
-        {dbSearchName, "%", 0}, {dbSearchName, "100%", 1}, {dbSearchID, "p", 25}, {dbSearchID, "P1", 10},
-        {dbSearchID, "q_", 1}, {dbSearchID, "_", 0}, {dbSearchName, "'", 0}};
+    const struct
+    {
+        dbPatientSearch nBy;
+        const char* pszSearch;
+        int nCount;
+    } CASES[] = {{dbSearchName, "L", 12},   {dbSearchName, "LEE", 12}, {dbSearchName, "lee, first0", 5},
+                 {dbSearchName, "leex", 0}, {dbSearchName, "%", 0},    {dbSearchName, "100%", 1},
+                 {dbSearchID, "p", 25},     {dbSearchID, "P1", 10},    {dbSearchID, "q_", 1},
+                 {dbSearchID, "_", 0},      {dbSearchName, "'", 0}};
     for (const auto& test : CASES)
     {
         rows.RemoveAll();
-        EXPECT_EQ(patients.GetPage(test.nBy, test.pszSearch, nullptr, 100, rows), test.nCount) << test.pszSearch;
+        EXPECT_EQ(patients.GetPage(test.nBy, test.pszSearch, nullptr, 100, rows), test.nCount)
+            << test.pszSearch;
         EXPECT_EQ(patients.GetCount(test.nBy, test.pszSearch), test.nCount) << test.pszSearch;
     }
 }
@@ -328,4 +337,4 @@ TEST(Patient, BirthDatesThatCanBeStored)
     EXPECT_FALSE(patCPatients::IsDOBValid(today + COleDateTimeSpan(1, 0, 0, 0), FALSE));
     EXPECT_FALSE(patCPatients::IsDOBValid(invalid, FALSE));
 }
-}
+} // namespace

@@ -1,5 +1,5 @@
-// The practice's lists: keywords, doctors, offices, statuses, insurances, options, treatments, diagnostics, tasks, and
-// the audit log.
+// The practice's lists: keywords, doctors, offices, statuses, insurances, options, treatments, diagnostics,
+// tasks, and the audit log.
 
 #include "tests/patients/testdatabase.h"
 
@@ -299,9 +299,11 @@ TEST(Diagnostics, RecordsByItemAndTimepoint)
     dbCDiagnosticInfo info;
     info.SetValue(HardText());
     writer.AddDiagnosticRecord(strItem, 1, info, 0, velCDate(2024, 1, 1));
-    EXPECT_EQ(ErrorOf([&] { writer.AddDiagnosticRecord("none", 1, info, 0, velCDate(2024, 1, 1)); }), dbErrNotFound);
+    EXPECT_EQ(ErrorOf([&] { writer.AddDiagnosticRecord("none", 1, info, 0, velCDate(2024, 1, 1)); }),
+              dbErrNotFound);
     EXPECT_TRUE(dbCPatientDiagnosisTreatmentsContainer::HasDiagnostics(patient.GetTimepoints()[1].GettpID()));
-    EXPECT_FALSE(dbCPatientDiagnosisTreatmentsContainer::HasDiagnostics(patient.GetTimepoints()[0].GettpID()));
+    EXPECT_FALSE(
+        dbCPatientDiagnosisTreatmentsContainer::HasDiagnostics(patient.GetTimepoints()[0].GettpID()));
     patient.Save();
     const dbCPatientDiagnostics stored(patient.GetGUID(), 0, "Clinical");
     ASSERT_EQ(stored.GetCount(), 1) << "saving the patient keeps what refers to its timepoints";
@@ -335,4 +337,4 @@ TEST(TransferTasks, OnlyPendingOnesAreRead)
     EXPECT_EQ(row.strServiceID, "3");
     EXPECT_FALSE(dbCServicePatients::FindByGUID("H", row));
 }
-}
+} // namespace

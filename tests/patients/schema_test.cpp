@@ -61,7 +61,10 @@ TEST(Schema, AnOlderDatabaseIsBroughtForwardWithItsData)
     const OldDatabase old;
     EXPECT_EQ(Update(old.path, StepsAnd({TO_2, TO_3})), dbErrNone);
     EXPECT_EQ(Ask(old.path, "PRAGMA user_version"), static_cast<__int64>(dbSchemaSteps().size()) + 2);
-    EXPECT_EQ(Ask(old.path, "SELECT count(*) FROM persons JOIN extra ON extra.person = persons.id WHERE colour = 'red'"), 1);
+    EXPECT_EQ(
+        Ask(old.path,
+            "SELECT count(*) FROM persons JOIN extra ON extra.person = persons.id WHERE colour = 'red'"),
+        1);
     EXPECT_EQ(Update(old.path, StepsAnd({TO_2, TO_3})), dbErrNone) << "once is enough";
     EXPECT_EQ(Ask(old.path, "SELECT count(*) FROM extra"), 1);
 }
@@ -103,4 +106,4 @@ TEST(Schema, SettingsOfTheConnection)
     old.practice.Set("Environment", "DatabaseTimeout", "-1");
     EXPECT_EQ(Ask(old.path, "PRAGMA busy_timeout"), 0);
 }
-}
+} // namespace

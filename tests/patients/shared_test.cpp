@@ -162,4 +162,4 @@ TEST(PatientLock, LocksOfOneProcessAreCounted)
     }
     EXPECT_FALSE(first.Unlock("A1")) << "rolled back with its transaction";
 }
-}
+} // namespace

@@ -17,17 +17,22 @@ struct TestDatabase
             practice.Set("Environment", "WORKING", "");
         dbCPatients::Create(Path().c_str());
     }
-    ~TestDatabase() { dbCPatients::Close(); }
+    ~TestDatabase()
+    {
+        dbCPatients::Close();
+    }
 
-    std::string Path() const { return practice.Path("patients.db"); }
+    std::string Path() const
+    {
+        return practice.Path("patients.db");
+    }
 
     veltest::TemporaryPractice practice;
 };
 
-/// The code of the database exception that `action` throws, dbErrNone when it throws none. The exception must have
-/// a text for the user.
-template<typename Action>
-dbError ErrorOf(Action action)
+/// The code of the database exception that `action` throws, dbErrNone when it throws none. The exception must
+/// have a text for the user.
+template <typename Action> dbError ErrorOf(Action action)
 {
     try
     {
