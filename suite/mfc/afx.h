@@ -227,6 +227,8 @@ inline CObject* AfxDynamicDownCast(CRuntimeClass* pClass, CObject* pObject)
 
 // The module in the resource chain of the current module state that holds the resource.
 AFX_DLL_API HINSTANCE AfxFindResourceHandle(LPCTSTR lpszName, LPCTSTR lpszType);
+// The module of the chain that holds the string, or null.
+AFX_DLL_API HINSTANCE AfxFindStringResourceHandle(UINT nID);
 // Loads a string resource into a buffer of nMaxBuf characters, terminator included; answers its length,
 // and 0 with an empty text when there is no such string.
 AFX_DLL_API int AfxLoadString(UINT nIDS, LPTSTR lpszBuf, UINT nMaxBuf = 256);

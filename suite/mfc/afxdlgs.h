@@ -40,7 +40,9 @@ public:
 
 protected:
     BOOL OnNotify(WPARAM wParam, LPARAM lParam, LRESULT* pResult) override;
+    void PreInitDialog() override;
     void OnInitDialogFailed() override;
+    afx_msg HBRUSH OnCtlColor(CDC* pDC, CWnd* pWnd, UINT nCtlColor);
     DECLARE_MESSAGE_MAP()
 
     CString m_strCaption;
@@ -48,7 +50,7 @@ protected:
 
 private:
     friend class CPropertySheet;
-    static INT_PTR CALLBACK PageProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam);
+    static UINT CALLBACK PageCallback(HWND hWnd, UINT message, LPPROPSHEETPAGE pPropPage);
 };
 
 // A sheet of pages. DoModal runs it modeless inside a modal loop, so that messages pass PreTranslateMessage
@@ -93,14 +95,19 @@ public:
     virtual void BuildPropPageArray();
 
     BOOL PreTranslateMessage(MSG* pMsg) override;
+    BOOL OnCmdMsg(UINT nID, int nCode, void* pExtra, AFX_CMDHANDLERINFO* pHandlerInfo) override;
     BOOL ContinueModal() override;
+    BOOL DestroyWindow() override;
 
 protected:
     BOOL OnCommand(WPARAM wParam, LPARAM lParam) override;
     using CWnd::Create;
     afx_msg LRESULT HandleInitDialog(WPARAM wParam, LPARAM lParam);
     afx_msg LRESULT OnKickIdle(WPARAM wParam, LPARAM lParam);
+    afx_msg LRESULT OnCommandHelp(WPARAM wParam, LPARAM lParam);
+    afx_msg LRESULT OnPressButton(WPARAM wParam, LPARAM lParam);
     afx_msg void OnClose();
+    afx_msg void OnSysCommand(UINT nID, LPARAM lParam);
     DECLARE_MESSAGE_MAP()
 
     CArray<CPropertyPage*, CPropertyPage*> m_pages;
@@ -111,8 +118,9 @@ protected:
 private:
     friend class CPropertyPage;
     HWND CreateSheet(HWND hWndOwner);
+    static int CALLBACK SheetCallback(HWND hWnd, UINT message, LPARAM lParam);
+    static PROPSHEETPAGE Describe(const CPropertyPage& page);
     std::vector<PROPSHEETPAGE> m_pspages;
-    bool m_bEndDialog = false; // EndDialog was called: its result stands
 };
 
 // ---------------------------------------------------------------------------------------------------------

@@ -26,6 +26,7 @@ public:
 
     CWinThread* m_pCurrentWinThread = nullptr; // not owned
     std::unique_ptr<CHandleMaps> m_maps;
+    int m_nDepth = 0; // blocks of AFX_MANAGE_STATE for this module that are open on this thread
 };
 
 // One per module; made on first use and kept until the module unloads. The fields are set while the module
@@ -74,8 +75,6 @@ private:
 AFX_DLL_API HINSTANCE AfxGetInstanceHandle();
 AFX_DLL_API HINSTANCE AfxGetResourceHandle();
 AFX_DLL_API void AfxSetResourceHandle(HINSTANCE hInstResource);
-// The module of the chain that holds the string, or null.
-AFX_DLL_API HINSTANCE AfxFindStringResourceHandle(UINT nID);
 AFX_DLL_API LPCTSTR AfxGetAppName();
 
 // ---------------------------------------------------------------------------------------------------------

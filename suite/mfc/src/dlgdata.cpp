@@ -1,12 +1,11 @@
 // Dialog data exchange and validation.
-#include "suite/mfc/afxwin.h"
+#include "wndaccess.h"
+
 #include "suite/mfc/afxdtctl.h"
 
 #include <climits>
+#include <cerrno>
 #include <cstdlib>
-
-// ---------------------------------------------------------------------------------------------------------
-// CDataExchange
 
 CDataExchange::CDataExchange(CWnd* pDlgWnd, BOOL bSaveAndValidate)
     : m_bSaveAndValidate(bSaveAndValidate), m_pDlgWnd(pDlgWnd)
@@ -15,268 +14,305 @@ CDataExchange::CDataExchange(CWnd* pDlgWnd, BOOL bSaveAndValidate)
 
 HWND CDataExchange::PrepareCtrl(int nIDC)
 {
-    const HWND hWndCtrl = ::GetDlgItem(m_pDlgWnd->GetSafeHwnd(), nIDC);
-    if (hWndCtrl == nullptr)
+    const HWND control = ::GetDlgItem(m_pDlgWnd->m_hWnd, nIDC);
+    if (control == nullptr)
     {
-        TRACE("No control with id %d in the dialog.\n", nIDC);
+        TRACE("no control %d for data exchange\n", nIDC);
         AfxThrowNotSupportedException();
     }
+    m_hWndLastControl = control;
     m_idLastControl = nIDC;
-    m_hWndLastControl = hWndCtrl;
     m_bEditLastControl = FALSE;
-    return hWndCtrl;
+    return control;
 }
 
 HWND CDataExchange::PrepareEditCtrl(int nIDC)
 {
-    const HWND hWndCtrl = PrepareCtrl(nIDC);
+    const HWND control = PrepareCtrl(nIDC);
     m_bEditLastControl = TRUE;
-    return hWndCtrl;
+    return control;
 }
 
 void CDataExchange::Fail()
 {
-    // Only the user's input can be wrong; what the program puts in is its own.
-    if (m_bSaveAndValidate && m_idLastControl != 0)
+    if (m_bSaveAndValidate && m_hWndLastControl != nullptr)
     {
         ::SetFocus(m_hWndLastControl);
         if (m_bEditLastControl)
+        {
             ::SendMessage(m_hWndLastControl, EM_SETSEL, 0, -1);
+        }
     }
     AfxThrowUserException();
 }
 
-// ---------------------------------------------------------------------------------------------------------
-// Text
-
 namespace
 {
-
-CString WindowText(HWND hWnd)
+CString TextOf(HWND window)
 {
-    CString strText;
-    const int nLength = ::GetWindowTextLength(hWnd);
-    ::GetWindowText(hWnd, strText.GetBuffer(nLength), nLength + 1);
-    strText.ReleaseBuffer();
-    return strText;
+    CString text;
+    const int length = ::GetWindowTextLength(window);
+    if (length > 0)
+    {
+        ::GetWindowText(window, text.GetBuffer(length), length + 1);
+        text.ReleaseBuffer();
+    }
+    return text;
 }
 
-// Leaves a text that is already shown alone, which keeps the caret.
-void ShowText(HWND hWnd, const CString& strText)
+// Only when it differs, so that the control does not flicker and its selection stays.
+void SetTextOf(HWND window, const CString& text)
 {
-    if (WindowText(hWnd) != strText)
-        ::SetWindowText(hWnd, strText);
+    if (TextOf(window) != text)
+    {
+        ::SetWindowText(window, text);
+    }
 }
 
-// The whole text as a number from nMin to nMax, blanks around it allowed.
-bool ParseNumber(const CString& strText, long long nMin, long long nMax, long long& nValue)
+// A decimal number with nothing but blanks around it.
+bool ParseNumber(const CString& text, long long low, long long high, long long& value)
 {
-    CString strNumber = strText;
-    strNumber.Trim();
-    if (strNumber.IsEmpty())
-        return false;
-    char* pszEnd = nullptr;
+    char* end = nullptr;
     errno = 0;
-    nValue = std::strtoll(strNumber, &pszEnd, 10);
-    return errno == 0 && *pszEnd == '\0' && nValue >= nMin && nValue <= nMax;
+    value = std::strtoll(text, &end, 10);
+    if (end == text.GetString() || errno == ERANGE)
+    {
+        return false;
+    }
+    while (*end == ' ' || *end == '\t')
+    {
+        ++end;
+    }
+    return *end == '\0' && value >= low && value <= high;
 }
 
-template <class Number>
-void ExchangeNumber(CDataExchange* pDX, int nIDC, Number& value, long long nMin, long long nMax, UINT nPrompt)
+void ExchangeNumber(CDataExchange& dx, int id, long long low, long long high, UINT complaint, long long& value)
 {
-    const HWND hWndCtrl = pDX->PrepareEditCtrl(nIDC);
-    if (!pDX->m_bSaveAndValidate)
+    const HWND control = dx.PrepareEditCtrl(id);
+    if (!dx.m_bSaveAndValidate)
     {
-        CString strText;
-        strText.Format("%lld", static_cast<long long>(value));
-        ShowText(hWndCtrl, strText);
-        return;
+        CString text;
+        text.Format("%lld", value);
+        SetTextOf(control, text);
     }
-    long long nValue = 0;
-    if (!ParseNumber(WindowText(hWndCtrl), nMin, nMax, nValue))
+    else if (!ParseNumber(TextOf(control), low, high, value))
     {
-        AfxMessageBox(nPrompt);
-        pDX->Fail();
+        AfxMessageBox(complaint, MB_OK | MB_ICONEXCLAMATION);
+        dx.Fail();
     }
-    value = static_cast<Number>(nValue);
 }
 
+// The index in a list or combo box.
+void ExchangeIndex(CDataExchange& dx, int id, UINT get, UINT set, int& index)
+{
+    const HWND control = dx.PrepareCtrl(id);
+    if (dx.m_bSaveAndValidate)
+    {
+        index = static_cast<int>(::SendMessage(control, get, 0, 0));
+    }
+    else
+    {
+        ::SendMessage(control, set, static_cast<WPARAM>(index), 0);
+    }
+}
 } // namespace
+
+void DDX_Control(CDataExchange* pDX, int nIDC, CWnd& rControl)
+{
+    if (rControl.m_hWnd != nullptr || pDX->m_bSaveAndValidate)
+    {
+        return; // attached before
+    }
+    const HWND control = pDX->PrepareCtrl(nIDC);
+    if (!rControl.SubclassWindow(control))
+    {
+        ASSERT(FALSE); // two objects for one control?
+        AfxThrowNotSupportedException();
+    }
+}
 
 void DDX_Text(CDataExchange* pDX, int nIDC, CString& value)
 {
-    const HWND hWndCtrl = pDX->PrepareEditCtrl(nIDC);
+    const HWND control = pDX->PrepareEditCtrl(nIDC);
     if (pDX->m_bSaveAndValidate)
-        value = WindowText(hWndCtrl);
+    {
+        value = TextOf(control);
+    }
     else
-        ShowText(hWndCtrl, value);
+    {
+        SetTextOf(control, value);
+    }
 }
 
 void DDX_Text(CDataExchange* pDX, int nIDC, int& value)
 {
-    ExchangeNumber(pDX, nIDC, value, INT_MIN, INT_MAX, AFX_IDP_PARSE_INT);
+    long long number = value;
+    ExchangeNumber(*pDX, nIDC, INT_MIN, INT_MAX, AFX_IDP_PARSE_INT, number);
+    value = static_cast<int>(number);
 }
 
 void DDX_Text(CDataExchange* pDX, int nIDC, UINT& value)
 {
-    ExchangeNumber(pDX, nIDC, value, 0, UINT_MAX, AFX_IDP_PARSE_UINT);
+    long long number = value;
+    ExchangeNumber(*pDX, nIDC, 0, UINT_MAX, AFX_IDP_PARSE_UINT, number);
+    value = static_cast<UINT>(number);
+}
+
+void DDX_Check(CDataExchange* pDX, int nIDC, int& value)
+{
+    const HWND control = pDX->PrepareCtrl(nIDC);
+    if (pDX->m_bSaveAndValidate)
+    {
+        value = static_cast<int>(::SendMessage(control, BM_GETCHECK, 0, 0));
+    }
+    else
+    {
+        ::SendMessage(control, BM_SETCHECK, value < 0 || value > 2 ? 0 : static_cast<WPARAM>(value), 0);
+    }
+}
+
+void DDX_Radio(CDataExchange* pDX, int nIDC, int& value)
+{
+    HWND control = pDX->PrepareCtrl(nIDC);
+    ASSERT((::GetWindowLongPtr(control, GWL_STYLE) & WS_GROUP) != 0); // the first of its group
+    if (pDX->m_bSaveAndValidate)
+    {
+        value = -1;
+    }
+    int button = 0;
+    do
+    {
+        if ((::SendMessage(control, WM_GETDLGCODE, 0, 0) & DLGC_RADIOBUTTON) != 0)
+        {
+            if (!pDX->m_bSaveAndValidate)
+            {
+                ::SendMessage(control, BM_SETCHECK, button == value, 0);
+            }
+            else if (::SendMessage(control, BM_GETCHECK, 0, 0) != 0)
+            {
+                value = button;
+            }
+            ++button;
+        }
+        control = ::GetWindow(control, GW_HWNDNEXT);
+    } while (control != nullptr && (::GetWindowLongPtr(control, GWL_STYLE) & WS_GROUP) == 0);
+}
+
+void DDX_LBIndex(CDataExchange* pDX, int nIDC, int& index)
+{
+    ExchangeIndex(*pDX, nIDC, LB_GETCURSEL, LB_SETCURSEL, index);
+}
+
+void DDX_CBIndex(CDataExchange* pDX, int nIDC, int& index)
+{
+    ExchangeIndex(*pDX, nIDC, CB_GETCURSEL, CB_SETCURSEL, index);
+}
+
+void DDX_LBString(CDataExchange* pDX, int nIDC, CString& value)
+{
+    const HWND control = pDX->PrepareCtrl(nIDC);
+    if (!pDX->m_bSaveAndValidate)
+    {
+        ::SendMessage(control, LB_SELECTSTRING, static_cast<WPARAM>(-1),
+                      reinterpret_cast<LPARAM>(value.GetString()));
+        return;
+    }
+    value.Empty();
+    const auto index = static_cast<WPARAM>(::SendMessage(control, LB_GETCURSEL, 0, 0));
+    const LRESULT length = ::SendMessage(control, LB_GETTEXTLEN, index, 0);
+    if (static_cast<int>(index) != LB_ERR && length > 0)
+    {
+        ::SendMessage(control, LB_GETTEXT, index,
+                      reinterpret_cast<LPARAM>(value.GetBuffer(static_cast<int>(length))));
+        value.ReleaseBuffer();
+    }
+}
+
+namespace
+{
+void ExchangeComboText(CDataExchange& dx, int id, UINT find, CString& value)
+{
+    const HWND control = dx.PrepareCtrl(id);
+    if (dx.m_bSaveAndValidate)
+    {
+        value = TextOf(control);
+        return;
+    }
+    const LRESULT index = ::SendMessage(control, find, static_cast<WPARAM>(-1),
+                                        reinterpret_cast<LPARAM>(value.GetString()));
+    ::SendMessage(control, CB_SETCURSEL, static_cast<WPARAM>(index), 0);
+    if (index == CB_ERR)
+    {
+        SetTextOf(control, value); // shown in the edit part, if it has one
+    }
+}
+} // namespace
+
+void DDX_CBString(CDataExchange* pDX, int nIDC, CString& value)
+{
+    ExchangeComboText(*pDX, nIDC, CB_FINDSTRING, value);
+}
+
+void DDX_CBStringExact(CDataExchange* pDX, int nIDC, CString& value)
+{
+    ExchangeComboText(*pDX, nIDC, CB_FINDSTRINGEXACT, value);
+}
+
+void DDX_DateTimeCtrl(CDataExchange* pDX, int nIDC, COleDateTime& value)
+{
+    CDateTimeCtrl control;
+    control.m_hWnd = pDX->PrepareCtrl(nIDC); // lent, not attached
+    if (pDX->m_bSaveAndValidate)
+    {
+        control.GetTime(value);
+    }
+    else
+    {
+        control.SetTime(value);
+    }
+    control.m_hWnd = nullptr;
 }
 
 void DDV_MaxChars(CDataExchange* pDX, const CString& value, int nChars)
 {
-    if (pDX->m_bSaveAndValidate && value.GetLength() > nChars)
+    ASSERT(nChars >= 1);
+    if (pDX->m_bSaveAndValidate)
     {
-        CString strLimit, strPrompt;
-        strLimit.Format("%d", nChars);
-        AfxFormatString1(strPrompt, AFX_IDP_PARSE_STRING_SIZE, strLimit);
-        AfxMessageBox(strPrompt, MB_ICONEXCLAMATION, AFX_IDP_PARSE_STRING_SIZE);
-        pDX->Fail();
+        if (value.GetLength() > nChars)
+        {
+            CString limit;
+            limit.Format("%d", nChars);
+            CString prompt;
+            AfxFormatString1(prompt, AFX_IDP_PARSE_STRING_SIZE, limit);
+            AfxMessageBox(prompt, MB_ICONEXCLAMATION, AFX_IDP_PARSE_STRING_SIZE);
+            pDX->Fail();
+        }
+        return;
     }
-    else if (!pDX->m_bSaveAndValidate && pDX->m_idLastControl != 0 && pDX->m_bEditLastControl)
+    const HWND control = ::GetDlgItem(pDX->m_pDlgWnd->m_hWnd, pDX->m_idLastControl);
+    if (control != nullptr && pDX->m_bEditLastControl)
     {
-        ::SendMessage(::GetDlgItem(pDX->m_pDlgWnd->GetSafeHwnd(), pDX->m_idLastControl), EM_LIMITTEXT,
+        // A combo box takes its limit by another message.
+        char name[16] = "";
+        ::GetClassName(control, name, sizeof(name));
+        ::SendMessage(control, lstrcmpiA(name, "ComboBox") == 0 ? CB_LIMITTEXT : EM_LIMITTEXT,
                       static_cast<WPARAM>(nChars), 0);
     }
 }
 
 void DDV_MinMaxInt(CDataExchange* pDX, int value, int minVal, int maxVal)
 {
+    ASSERT(minVal <= maxVal);
     if (!pDX->m_bSaveAndValidate || (value >= minVal && value <= maxVal))
+    {
         return;
-    CString strMin, strMax, strPrompt;
-    strMin.Format("%d", minVal);
-    strMax.Format("%d", maxVal);
-    AfxFormatString2(strPrompt, AFX_IDP_PARSE_INT_RANGE, strMin, strMax);
-    AfxMessageBox(strPrompt, MB_ICONEXCLAMATION, AFX_IDP_PARSE_INT_RANGE);
+    }
+    CString low;
+    low.Format("%d", minVal);
+    CString high;
+    high.Format("%d", maxVal);
+    CString prompt;
+    AfxFormatString2(prompt, AFX_IDP_PARSE_INT_RANGE, low, high);
+    AfxMessageBox(prompt, MB_ICONEXCLAMATION, AFX_IDP_PARSE_INT_RANGE);
     pDX->Fail();
-}
-
-// ---------------------------------------------------------------------------------------------------------
-// Buttons
-
-void DDX_Check(CDataExchange* pDX, int nIDC, int& value)
-{
-    const HWND hWndCtrl = pDX->PrepareCtrl(nIDC);
-    if (pDX->m_bSaveAndValidate)
-        value = static_cast<int>(::SendMessage(hWndCtrl, BM_GETCHECK, 0, 0));
-    else
-        ::SendMessage(hWndCtrl, BM_SETCHECK, value >= 0 && value <= 2 ? static_cast<WPARAM>(value) : 0, 0);
-}
-
-void DDX_Radio(CDataExchange* pDX, int nIDC, int& value)
-{
-    HWND hWndCtrl = pDX->PrepareCtrl(nIDC);
-    if (pDX->m_bSaveAndValidate)
-        value = -1;
-    int nButton = 0;
-    do
-    {
-        if ((::SendMessage(hWndCtrl, WM_GETDLGCODE, 0, 0) & DLGC_RADIOBUTTON) != 0)
-        {
-            if (!pDX->m_bSaveAndValidate)
-                ::SendMessage(hWndCtrl, BM_SETCHECK, nButton == value, 0);
-            else if (::SendMessage(hWndCtrl, BM_GETCHECK, 0, 0) != 0)
-                value = nButton;
-            ++nButton;
-        }
-        hWndCtrl = ::GetWindow(hWndCtrl, GW_HWNDNEXT);
-    } while (hWndCtrl != nullptr && (::GetWindowLong(hWndCtrl, GWL_STYLE) & WS_GROUP) == 0);
-}
-
-// ---------------------------------------------------------------------------------------------------------
-// Lists
-
-void DDX_CBIndex(CDataExchange* pDX, int nIDC, int& index)
-{
-    const HWND hWndCtrl = pDX->PrepareCtrl(nIDC);
-    if (pDX->m_bSaveAndValidate)
-        index = static_cast<int>(::SendMessage(hWndCtrl, CB_GETCURSEL, 0, 0));
-    else
-        ::SendMessage(hWndCtrl, CB_SETCURSEL, static_cast<WPARAM>(index), 0);
-}
-
-void DDX_CBString(CDataExchange* pDX, int nIDC, CString& value)
-{
-    const HWND hWndCtrl = pDX->PrepareCtrl(nIDC);
-    if (pDX->m_bSaveAndValidate)
-    {
-        value = WindowText(hWndCtrl);
-        return;
-    }
-    const auto lpText = reinterpret_cast<LPARAM>(value.GetString());
-    if (::SendMessage(hWndCtrl, CB_SELECTSTRING, static_cast<WPARAM>(-1), lpText) == CB_ERR)
-        ShowText(hWndCtrl, value);
-}
-
-void DDX_CBStringExact(CDataExchange* pDX, int nIDC, CString& value)
-{
-    if (pDX->m_bSaveAndValidate)
-    {
-        DDX_CBString(pDX, nIDC, value);
-        return;
-    }
-    const HWND hWndCtrl = pDX->PrepareCtrl(nIDC);
-    const LRESULT nIndex = ::SendMessage(hWndCtrl, CB_FINDSTRINGEXACT, static_cast<WPARAM>(-1),
-                                         reinterpret_cast<LPARAM>(value.GetString()));
-    ::SendMessage(hWndCtrl, CB_SETCURSEL, static_cast<WPARAM>(nIndex), 0);
-    if (nIndex < 0)
-        ShowText(hWndCtrl, value);
-}
-
-void DDX_LBString(CDataExchange* pDX, int nIDC, CString& value)
-{
-    const HWND hWndCtrl = pDX->PrepareCtrl(nIDC);
-    if (!pDX->m_bSaveAndValidate)
-    {
-        ::SendMessage(hWndCtrl, LB_SELECTSTRING, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(value.GetString()));
-        return;
-    }
-    value.Empty();
-    const auto nIndex = static_cast<WPARAM>(::SendMessage(hWndCtrl, LB_GETCURSEL, 0, 0));
-    const auto nLength = static_cast<int>(::SendMessage(hWndCtrl, LB_GETTEXTLEN, nIndex, 0));
-    if (nLength >= 0)
-    {
-        ::SendMessage(hWndCtrl, LB_GETTEXT, nIndex, reinterpret_cast<LPARAM>(value.GetBuffer(nLength)));
-        value.ReleaseBuffer();
-    }
-}
-
-void DDX_LBIndex(CDataExchange* pDX, int nIDC, int& index)
-{
-    const HWND hWndCtrl = pDX->PrepareCtrl(nIDC);
-    if (pDX->m_bSaveAndValidate)
-        index = static_cast<int>(::SendMessage(hWndCtrl, LB_GETCURSEL, 0, 0));
-    else
-        ::SendMessage(hWndCtrl, LB_SETCURSEL, static_cast<WPARAM>(index), 0);
-}
-
-// ---------------------------------------------------------------------------------------------------------
-// Controls and dates
-
-void DDX_Control(CDataExchange* pDX, int nIDC, CWnd& rControl)
-{
-    if (rControl.m_hWnd != nullptr)
-        return;
-    const HWND hWndCtrl = pDX->PrepareCtrl(nIDC);
-    if (!rControl.SubclassWindow(hWndCtrl))
-    {
-        ASSERT(FALSE); // two variables for one control
-        AfxThrowNotSupportedException();
-    }
-}
-
-void DDX_DateTimeCtrl(CDataExchange* pDX, int nIDC, COleDateTime& value)
-{
-    const HWND hWndCtrl = pDX->PrepareCtrl(nIDC);
-    SYSTEMTIME time = {};
-    if (pDX->m_bSaveAndValidate)
-    {
-        if (::SendMessage(hWndCtrl, DTM_GETSYSTEMTIME, 0, reinterpret_cast<LPARAM>(&time)) == GDT_VALID)
-            value = COleDateTime(time);
-        else
-            value.SetStatus(COleDateTime::null);
-        return;
-    }
-    const bool bSet = value.GetStatus() == COleDateTime::valid && value.GetAsSystemTime(time);
-    ::SendMessage(hWndCtrl, DTM_SETSYSTEMTIME, bSet ? GDT_VALID : GDT_NONE, reinterpret_cast<LPARAM>(&time));
 }

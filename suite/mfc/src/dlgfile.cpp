@@ -1,80 +1,96 @@
-// The common file dialog.
+// CFileDialog.
 #include "suite/mfc/afxdlgs.h"
 
-#include <commdlg.h>
+#include <algorithm>
+#include <cstring>
 
 IMPLEMENT_DYNAMIC(CCommonDialog, CDialog)
 IMPLEMENT_DYNAMIC(CFileDialog, CCommonDialog)
 
-CCommonDialog::CCommonDialog(CWnd* pParentWnd)
+namespace
 {
-    m_pParentWnd = pParentWnd;
+// Room for what a user selects at once; without multiple selection one path.
+constexpr std::size_t manyNames = 64 * 1024;
+constexpr std::size_t oneName = 1024;
+
+CString AfterLast(const CString& path, char separator)
+{
+    const int place = path.ReverseFind(separator);
+    return place >= 0 ? path.Mid(place + 1) : path;
+}
+} // namespace
+
+CCommonDialog::CCommonDialog(CWnd* pParentWnd) : CDialog(static_cast<UINT>(0), pParentWnd)
+{
 }
 
 CFileDialog::CFileDialog(BOOL bOpenFileDialog, LPCTSTR lpszDefExt, LPCTSTR lpszFileName, DWORD dwFlags,
                          LPCTSTR lpszFilter, CWnd* pParentWnd, DWORD, BOOL)
-    : CCommonDialog(pParentWnd), m_ofn(), m_bOpenFileDialog(bOpenFileDialog)
+    : CCommonDialog(pParentWnd), m_ofn{}, m_bOpenFileDialog(bOpenFileDialog),
+      m_fileName((dwFlags & OFN_ALLOWMULTISELECT) != 0 ? manyNames : oneName, '\0')
 {
     m_ofn.lStructSize = sizeof(m_ofn);
-    m_ofn.Flags = dwFlags | OFN_EXPLORER | OFN_ENABLESIZING;
+    m_ofn.lpstrFile = m_fileName.data();
+    m_ofn.nMaxFile = static_cast<DWORD>(m_fileName.size());
     m_ofn.lpstrDefExt = lpszDefExt;
     m_ofn.nFilterIndex = 1;
-    m_fileName.resize(MAX_PATH);
+    m_ofn.Flags = dwFlags | OFN_EXPLORER | OFN_ENABLESIZING;
     if (lpszFileName != nullptr)
-        ::lstrcpyn(m_fileName.data(), lpszFileName, MAX_PATH);
-    m_ofn.lpstrFile = m_fileName.data();
-    m_ofn.nMaxFile = MAX_PATH;
+    {
+        lstrcpyn(m_ofn.lpstrFile, lpszFileName, static_cast<int>(m_ofn.nMaxFile));
+    }
     if (lpszFilter != nullptr)
     {
+        // The system wants zeros where the filter has bars.
         m_strFilter = lpszFilter;
-        m_strFilter.Replace('|', '\0');
-        m_ofn.lpstrFilter = m_strFilter;
+        const int length = m_strFilter.GetLength();
+        char* text = m_strFilter.GetBuffer(length + 1);
+        std::replace(text, text + length, '|', '\0');
+        text[length] = '\0';
+        m_ofn.lpstrFilter = text;
     }
 }
 
 INT_PTR CFileDialog::DoModal()
 {
-    HWND hWndTop = nullptr;
-    CWnd* const pOwner = CWnd::GetSafeOwner(m_pParentWnd, &hWndTop);
-    m_ofn.hwndOwner = pOwner != nullptr ? pOwner->GetSafeHwnd() : nullptr;
-    const BOOL bChosen = m_bOpenFileDialog ? ::GetOpenFileName(&m_ofn) : ::GetSaveFileName(&m_ofn);
-    if (hWndTop != nullptr)
-        ::EnableWindow(hWndTop, TRUE);
-    return bChosen ? IDOK : IDCANCEL;
+    m_ofn.hInstance = AfxGetResourceHandle();
+    const HWND owner = PreModal();
+    m_ofn.hwndOwner = owner;
+    const BOOL chosen = m_bOpenFileDialog ? ::GetOpenFileName(&m_ofn) : ::GetSaveFileName(&m_ofn);
+    PostModal();
+    return chosen ? IDOK : IDCANCEL;
 }
 
 CString CFileDialog::GetPathName() const
 {
-    if ((m_ofn.Flags & OFN_ALLOWMULTISELECT) == 0)
-        return m_ofn.lpstrFile;
     POSITION pos = GetStartPosition();
     return GetNextPathName(pos);
 }
 
 CString CFileDialog::GetFileName() const
 {
-    const CString strPath = GetPathName();
-    return strPath.Mid(strPath.ReverseFind('\\') + 1);
+    return AfterLast(GetPathName(), '\\');
 }
 
 CString CFileDialog::GetFileExt() const
 {
-    const CString strName = GetFileName();
-    const int nDot = strName.ReverseFind('.');
-    return nDot < 0 ? CString() : strName.Mid(nDot + 1);
+    const CString name = GetFileName();
+    const int dot = name.ReverseFind('.');
+    return dot >= 0 ? name.Mid(dot + 1) : CString();
 }
 
 CString CFileDialog::GetFileTitle() const
 {
-    const CString strName = GetFileName();
-    const int nDot = strName.ReverseFind('.');
-    return nDot < 0 ? strName : strName.Left(nDot);
+    const CString name = GetFileName();
+    const int dot = name.ReverseFind('.');
+    return dot > 0 ? name.Left(dot) : name;
 }
 
 CString CFileDialog::GetFolderPath() const
 {
-    const CString strPath = GetPathName();
-    return strPath.Left(strPath.ReverseFind('\\'));
+    const CString path = GetPathName();
+    const int last = path.ReverseFind('\\');
+    return last >= 0 ? path.Left(last) : CString();
 }
 
 BOOL CFileDialog::GetReadOnlyPref() const
@@ -87,24 +103,32 @@ POSITION CFileDialog::GetStartPosition() const
     return reinterpret_cast<POSITION>(m_ofn.lpstrFile);
 }
 
-// Several files come as the folder and then their names, each ended by a zero, the last by two; a single one as
-// its path alone.
+// The buffer holds one path, or a folder and the names in it, each ended by a zero, and a zero more.
 CString CFileDialog::GetNextPathName(POSITION& pos) const
 {
-    LPCTSTR pszHere = reinterpret_cast<LPCTSTR>(pos);
-    pos = nullptr;
-    const bool bFirst = pszHere == m_ofn.lpstrFile;
-    const LPCTSTR pszBehind = pszHere + ::lstrlen(pszHere) + 1;
-    if (bFirst && ((m_ofn.Flags & OFN_ALLOWMULTISELECT) == 0 || *pszBehind == '\0'))
-        return pszHere;
-    if (bFirst)
-        pszHere = pszBehind;
-
-    const LPCTSTR pszNext = pszHere + ::lstrlen(pszHere) + 1;
-    if (*pszNext != '\0')
-        pos = reinterpret_cast<POSITION>(const_cast<LPTSTR>(pszNext));
-    CString strPath = m_ofn.lpstrFile;
-    if (strPath.IsEmpty() || strPath[strPath.GetLength() - 1] != '\\')
-        strPath += '\\';
-    return strPath + pszHere;
+    if ((m_ofn.Flags & OFN_ALLOWMULTISELECT) == 0)
+    {
+        pos = nullptr;
+        return m_ofn.lpstrFile;
+    }
+    const char* folder = m_ofn.lpstrFile;
+    auto* place = reinterpret_cast<const char*>(pos);
+    if (place == folder)
+    {
+        place += std::strlen(place) + 1;
+        if (*place == '\0')
+        {
+            pos = nullptr;
+            return folder;
+        }
+    }
+    CString path(folder);
+    if (path.IsEmpty() || path.GetAt(path.GetLength() - 1) != '\\')
+    {
+        path += '\\';
+    }
+    path += place;
+    place += std::strlen(place) + 1;
+    pos = *place != '\0' ? reinterpret_cast<POSITION>(const_cast<char*>(place)) : nullptr;
+    return path;
 }

@@ -1,172 +1,18 @@
-// Property sheets and their pages.
-//
-// A modal sheet is made as a modeless one and then run by the framework's own loop, so that its messages pass
-// through PreTranslateMessage like those of any dialog.
+// CPropertySheet.
+#include "wndaccess.h"
+
 #include "suite/mfc/afxdlgs.h"
 #include "suite/mfc/afxpriv.h"
-
-// ---------------------------------------------------------------------------------------------------------
-// CPropertyPage
-
-IMPLEMENT_DYNAMIC(CPropertyPage, CDialog)
-
-BEGIN_MESSAGE_MAP(CPropertyPage, CDialog)
-END_MESSAGE_MAP()
-
-CPropertyPage::CPropertyPage(UINT nIDTemplate, UINT nIDCaption, DWORD dwSize) : m_psp()
-{
-    m_lpszTemplateName = MAKEINTRESOURCE(nIDTemplate);
-    m_psp.dwSize = dwSize;
-    m_psp.hInstance = AfxFindResourceHandle(m_lpszTemplateName, RT_DIALOG);
-    m_psp.pszTemplate = m_lpszTemplateName;
-    m_psp.pfnDlgProc = PageProc;
-    m_psp.lParam = reinterpret_cast<LPARAM>(this);
-    if (nIDCaption != 0 && m_strCaption.LoadString(nIDCaption))
-    {
-        m_psp.dwFlags |= PSP_USETITLE;
-        m_psp.pszTitle = m_strCaption;
-    }
-}
-
-CPropertyPage::~CPropertyPage() = default;
-
-// Attaches the page to its window with the first message that comes here, the dialog's initialisation, and lets
-// the framework handle that as it does for every dialog.
-INT_PTR CALLBACK CPropertyPage::PageProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam)
-{
-    if (message != WM_INITDIALOG)
-        return FALSE;
-    if (CWnd::FromHandlePermanent(hWnd) != nullptr)
-        return TRUE;
-    const auto* const pPsp = reinterpret_cast<const PROPSHEETPAGE*>(lParam);
-    auto* const pPage = reinterpret_cast<CPropertyPage*>(pPsp->lParam);
-    if (!pPage->SubclassWindow(hWnd))
-        return FALSE;
-    return ::SendMessage(hWnd, WM_INITDIALOG, wParam, lParam);
-}
-
-CPropertySheet* CPropertyPage::GetParentSheet() const
-{
-    return dynamic_cast<CPropertySheet*>(CWnd::FromHandlePermanent(::GetParent(m_hWnd)));
-}
-
-void CPropertyPage::EndDialog(int nEndID)
-{
-    if (CPropertySheet* const pSheet = GetParentSheet())
-        pSheet->EndDialog(nEndID);
-}
-
-// A page that cannot be initialised ends the sheet, as a dialog ends itself.
-void CPropertyPage::OnInitDialogFailed()
-{
-    EndDialog(-1);
-}
-
-void CPropertyPage::SetModified(BOOL bChanged)
-{
-    if (m_hWnd != nullptr)
-        ::SendMessage(::GetParent(m_hWnd), bChanged ? PSM_CHANGED : PSM_UNCHANGED, reinterpret_cast<WPARAM>(m_hWnd), 0);
-}
-
-void CPropertyPage::CancelToClose()
-{
-    if (m_hWnd != nullptr)
-        ::SendMessage(::GetParent(m_hWnd), PSM_CANCELTOCLOSE, 0, 0);
-}
-
-LRESULT CPropertyPage::QuerySiblings(WPARAM wParam, LPARAM lParam)
-{
-    return m_hWnd == nullptr ? 0 : ::SendMessage(::GetParent(m_hWnd), PSM_QUERYSIBLINGS, wParam, lParam);
-}
-
-BOOL CPropertyPage::OnSetActive()
-{
-    if (m_bFirstSetActive)
-        m_bFirstSetActive = FALSE;
-    else
-        UpdateData(FALSE);
-    return TRUE;
-}
-
-BOOL CPropertyPage::OnKillActive()
-{
-    return UpdateData(TRUE);
-}
-
-BOOL CPropertyPage::OnApply()
-{
-    OnOK();
-    return TRUE;
-}
-
-void CPropertyPage::OnReset()
-{
-    OnCancel();
-}
-
-void CPropertyPage::OnOK()
-{
-}
-
-void CPropertyPage::OnCancel()
-{
-}
-
-BOOL CPropertyPage::OnQueryCancel()
-{
-    return TRUE;
-}
-
-BOOL CPropertyPage::OnNotify(WPARAM wParam, LPARAM lParam, LRESULT* pResult)
-{
-    const auto* const pHeader = reinterpret_cast<const NMHDR*>(lParam);
-    // Controls of the page send notifications of their own; the sheet's come from the sheet or its tab.
-    const HWND hSheet = ::GetParent(m_hWnd);
-    if (pHeader->hwndFrom != hSheet && ::GetParent(pHeader->hwndFrom) != hSheet)
-        return CDialog::OnNotify(wParam, lParam, pResult);
-    if (CDialog::OnNotify(wParam, lParam, pResult))
-        return TRUE;
-
-    switch (pHeader->code)
-    {
-    case PSN_SETACTIVE:
-        *pResult = OnSetActive() ? 0 : -1;
-        return TRUE;
-    case PSN_KILLACTIVE:
-        *pResult = OnKillActive() ? FALSE : TRUE;
-        return TRUE;
-    case PSN_APPLY:
-        *pResult = OnApply() ? PSNRET_NOERROR : PSNRET_INVALID_NOCHANGEPAGE;
-        return TRUE;
-    case PSN_RESET:
-        OnReset();
-        return TRUE;
-    case PSN_QUERYCANCEL:
-        *pResult = OnQueryCancel() ? FALSE : TRUE;
-        return TRUE;
-    case PSN_HELP:
-        SendMessage(WM_COMMAND, ID_HELP);
-        return TRUE;
-    default:
-        return FALSE;
-    }
-}
-
-// Tab, Enter, Esc and the access keys belong to the sheet, whose buttons are among the controls to go to.
-BOOL CPropertyPage::PreTranslateMessage(MSG* pMsg)
-{
-    return CWnd::PreTranslateMessage(pMsg);
-}
-
-// ---------------------------------------------------------------------------------------------------------
-// CPropertySheet
 
 IMPLEMENT_DYNAMIC(CPropertySheet, CWnd)
 
 BEGIN_MESSAGE_MAP(CPropertySheet, CWnd)
     ON_MESSAGE(WM_INITDIALOG, &CPropertySheet::HandleInitDialog)
     ON_MESSAGE(WM_KICKIDLE, &CPropertySheet::OnKickIdle)
+    ON_MESSAGE(WM_COMMANDHELP, &CPropertySheet::OnCommandHelp)
+    ON_MESSAGE(PSM_PRESSBUTTON, &CPropertySheet::OnPressButton)
     ON_WM_CLOSE()
+    ON_WM_SYSCOMMAND()
 END_MESSAGE_MAP()
 
 CPropertySheet::CPropertySheet()
@@ -188,33 +34,46 @@ CPropertySheet::~CPropertySheet() = default;
 
 void CPropertySheet::Construct(UINT nIDCaption, CWnd* pParentWnd, UINT iSelectPage)
 {
-    CString strCaption;
-    strCaption.LoadString(nIDCaption);
-    Construct(strCaption, pParentWnd, iSelectPage);
+    CString caption;
+    VERIFY(caption.LoadString(nIDCaption));
+    Construct(caption.GetString(), pParentWnd, iSelectPage);
 }
 
 void CPropertySheet::Construct(LPCTSTR pszCaption, CWnd* pParentWnd, UINT iSelectPage)
 {
     m_strCaption = pszCaption;
     m_pParentWnd = pParentWnd;
-    m_psh = {};
+    m_psh = PROPSHEETHEADER{};
     m_psh.dwSize = sizeof(m_psh);
     m_psh.dwFlags = PSH_PROPSHEETPAGE;
-    m_psh.hInstance = AfxGetResourceHandle();
-    m_psh.pszCaption = m_strCaption;
     m_psh.nStartPage = iSelectPage;
 }
 
+// ---------------------------------------------------------------------------------------------------------
+// Pages
+
 void CPropertySheet::AddPage(CPropertyPage* pPage)
 {
-    ASSERT(pPage != nullptr && m_hWnd == nullptr);
+    ASSERT(pPage != nullptr);
     m_pages.Add(pPage);
+    if (m_hWnd != nullptr)
+    {
+        PROPSHEETPAGE description = Describe(*pPage);
+        const HPROPSHEETPAGE handle = ::CreatePropertySheetPage(&description);
+        if (handle == nullptr || !Ask<BOOL>(PSM_ADDPAGE, 0, handle))
+        {
+            m_pages.RemoveAt(m_pages.GetSize() - 1);
+            AfxThrowMemoryException();
+        }
+    }
 }
 
 void CPropertySheet::RemovePage(int nPage)
 {
     if (m_hWnd != nullptr)
+    {
         SendMessage(PSM_REMOVEPAGE, static_cast<WPARAM>(nPage));
+    }
     m_pages.RemoveAt(nPage);
 }
 
@@ -230,32 +89,32 @@ CPropertyPage* CPropertySheet::GetPage(int nPage) const
 
 int CPropertySheet::GetPageIndex(const CPropertyPage* pPage) const
 {
-    for (int i = 0; i < GetPageCount(); ++i)
+    for (int index = 0; index < GetPageCount(); ++index)
     {
-        if (GetPage(i) == pPage)
-            return i;
+        if (GetPage(index) == pPage)
+        {
+            return index;
+        }
     }
     return -1;
-}
-
-CTabCtrl* CPropertySheet::GetTabControl() const
-{
-    const auto hTab = reinterpret_cast<HWND>(::SendMessage(m_hWnd, PSM_GETTABCONTROL, 0, 0));
-    return static_cast<CTabCtrl*>(CWnd::FromHandle(hTab));
 }
 
 int CPropertySheet::GetActiveIndex() const
 {
     if (m_hWnd == nullptr)
+    {
         return static_cast<int>(m_psh.nStartPage);
-    const auto hTab = reinterpret_cast<HWND>(::SendMessage(m_hWnd, PSM_GETTABCONTROL, 0, 0));
-    return static_cast<int>(::SendMessage(hTab, TCM_GETCURSEL, 0, 0));
+    }
+    return static_cast<int>(::SendMessage(Ask<HWND>(PSM_GETTABCONTROL), TCM_GETCURSEL, 0, 0));
 }
 
 CPropertyPage* CPropertySheet::GetActivePage() const
 {
-    const int nActive = GetActiveIndex();
-    return nActive >= 0 && nActive < GetPageCount() ? GetPage(nActive) : nullptr;
+    if (m_hWnd != nullptr)
+    {
+        return dynamic_cast<CPropertyPage*>(CWnd::FromHandlePermanent(Ask<HWND>(PSM_GETCURRENTPAGEHWND)));
+    }
+    return GetPage(GetActiveIndex());
 }
 
 BOOL CPropertySheet::SetActivePage(int nPage)
@@ -265,22 +124,27 @@ BOOL CPropertySheet::SetActivePage(int nPage)
         m_psh.nStartPage = static_cast<UINT>(nPage);
         return TRUE;
     }
-    return SendMessage(PSM_SETCURSEL, static_cast<WPARAM>(nPage)) != 0;
+    return Ask<BOOL>(PSM_SETCURSEL, nPage);
 }
 
 BOOL CPropertySheet::SetActivePage(CPropertyPage* pPage)
 {
-    const int nPage = GetPageIndex(pPage);
-    return nPage >= 0 && SetActivePage(nPage);
+    const int index = GetPageIndex(pPage);
+    return index >= 0 && SetActivePage(index);
+}
+
+CTabCtrl* CPropertySheet::GetTabControl() const
+{
+    return static_cast<CTabCtrl*>(CWnd::FromHandle(Ask<HWND>(PSM_GETTABCONTROL)));
 }
 
 void CPropertySheet::SetTitle(LPCTSTR lpszText, UINT nStyle)
 {
     m_strCaption = lpszText;
-    m_psh.pszCaption = m_strCaption;
-    m_psh.dwFlags = (m_psh.dwFlags & ~static_cast<DWORD>(PSH_PROPTITLE)) | nStyle;
     if (m_hWnd != nullptr)
-        SendMessage(PSM_SETTITLE, nStyle, reinterpret_cast<LPARAM>(lpszText));
+    {
+        Ask(PSM_SETTITLE, nStyle, lpszText);
+    }
 }
 
 BOOL CPropertySheet::PressButton(int nButton)
@@ -288,80 +152,142 @@ BOOL CPropertySheet::PressButton(int nButton)
     return PostMessage(PSM_PRESSBUTTON, static_cast<WPARAM>(nButton));
 }
 
+PROPSHEETPAGE CPropertySheet::Describe(const CPropertyPage& page)
+{
+    PROPSHEETPAGE description = page.m_psp;
+    description.hInstance = AfxFindResourceHandle(description.pszTemplate, RT_DIALOG);
+    return description;
+}
+
 void CPropertySheet::BuildPropPageArray()
 {
     m_pspages.clear();
-    for (int i = 0; i < GetPageCount(); ++i)
+    for (int index = 0; index < GetPageCount(); ++index)
     {
-        CPropertyPage* const pPage = GetPage(i);
-        pPage->m_bFirstSetActive = TRUE;
-        m_pspages.push_back(pPage->m_psp);
+        m_pspages.push_back(Describe(*GetPage(index)));
     }
     m_psh.ppsp = m_pspages.data();
     m_psh.nPages = static_cast<UINT>(m_pspages.size());
 }
 
+// ---------------------------------------------------------------------------------------------------------
+// The run
+
+int CALLBACK CPropertySheet::SheetCallback(HWND, UINT message, LPARAM lParam)
+{
+    if (message == PSCB_PRECREATE)
+    {
+        // Shown when it is complete. The style stands elsewhere in an extended template.
+        auto* plain = reinterpret_cast<DLGTEMPLATE*>(lParam);
+        auto* words = reinterpret_cast<WORD*>(lParam);
+        DWORD* style = words[1] == 0xFFFF ? reinterpret_cast<DWORD*>(words + 6) : &plain->style;
+        *style &= ~static_cast<DWORD>(WS_VISIBLE);
+    }
+    return 0;
+}
+
 HWND CPropertySheet::CreateSheet(HWND hWndOwner)
 {
+    INITCOMMONCONTROLSEX controls{sizeof(controls), ICC_TAB_CLASSES};
+    ::InitCommonControlsEx(&controls);
     BuildPropPageArray();
+    m_psh.dwFlags |= PSH_MODELESS | PSH_USECALLBACK;
+    m_psh.pfnCallback = &CPropertySheet::SheetCallback;
+    m_psh.pszCaption = m_strCaption;
     m_psh.hwndParent = hWndOwner;
-    m_psh.dwFlags |= PSH_MODELESS;
-    AfxHookWindowCreate(this);
-    const INT_PTR nResult = ::PropertySheet(&m_psh);
+    m_psh.hInstance = AfxGetInstanceHandle();
+    m_nModalResult = 0;
+    m_bContinueModal = true;
     AfxUnhookWindowCreate();
-    return nResult > 0 ? m_hWnd : nullptr;
+    AfxHookWindowCreate(this);
+    const INT_PTR created = ::PropertySheet(&m_psh);
+    AfxUnhookWindowCreate();
+    m_psh.dwFlags &= ~static_cast<DWORD>(PSH_MODELESS);
+    return created > 0 ? m_hWnd : nullptr;
+}
+
+BOOL CPropertySheet::Create(CWnd* pParentWnd, DWORD dwStyle, DWORD dwExStyle)
+{
+    m_bModeless = TRUE;
+    if (CreateSheet(pParentWnd != nullptr ? pParentWnd->m_hWnd : nullptr) == nullptr)
+    {
+        return FALSE;
+    }
+    if (dwStyle != static_cast<DWORD>(-1))
+    {
+        ModifyStyle(0, dwStyle & ~static_cast<DWORD>(WS_VISIBLE));
+    }
+    ModifyStyleEx(0, dwExStyle);
+    if ((dwStyle & WS_VISIBLE) != 0)
+    {
+        ShowWindow(SW_SHOWNORMAL);
+    }
+    return TRUE;
 }
 
 INT_PTR CPropertySheet::DoModal()
 {
-    ASSERT(m_hWnd == nullptr);
-    HWND hWndTop = nullptr;
-    CWnd* const pOwner = CWnd::GetSafeOwner(m_pParentWnd, &hWndTop);
-    const HWND hOwner = pOwner != nullptr ? pOwner->GetSafeHwnd() : nullptr;
-    const bool bDisableOwner = hOwner != nullptr && ::IsWindowEnabled(hOwner);
-    if (bDisableOwner)
-        ::EnableWindow(hOwner, FALSE);
-    if (::GetCapture() != nullptr)
-        ::SendMessage(::GetCapture(), WM_CANCELMODE, 0, 0);
-
     m_bModeless = FALSE;
-    m_bEndDialog = false;
-    m_nModalResult = -1;
-    m_bContinueModal = true;
-    // A page or the sheet itself may have ended it while it was made.
-    if (CreateSheet(hOwner) != nullptr && !m_bEndDialog)
-        RunModalLoop(MLF_NOIDLEMSG);
-    const INT_PTR nResult = m_nModalResult;
-
-    // The owner must be enabled before the sheet goes, or another application comes to the front.
-    if (m_hWnd != nullptr)
-        ::ShowWindow(m_hWnd, SW_HIDE);
-    if (bDisableOwner)
-        ::EnableWindow(hOwner, TRUE);
-    if (hOwner != nullptr && ::GetActiveWindow() == m_hWnd)
-        ::SetActiveWindow(hOwner);
-    if (m_hWnd != nullptr)
-        DestroyWindow();
-    if (hWndTop != nullptr)
-        ::EnableWindow(hWndTop, TRUE);
-    return nResult;
+    HWND top = nullptr;
+    const CWnd* ownerWnd = CWnd::GetSafeOwner(m_pParentWnd, &top);
+    const HWND owner = ownerWnd != nullptr ? ownerWnd->m_hWnd : nullptr;
+    const bool disabled = owner != nullptr && owner != ::GetDesktopWindow() && ::IsWindowEnabled(owner);
+    if (disabled)
+    {
+        ::EnableWindow(owner, FALSE);
+    }
+    int result = -1;
+    try
+    {
+        if (CreateSheet(owner) != nullptr)
+        {
+            result = m_bContinueModal ? RunModalLoop(MLF_SHOWONIDLE) : m_nModalResult;
+            if (m_hWnd != nullptr)
+            {
+                SetWindowPos(nullptr, 0, 0, 0, 0,
+                             SWP_HIDEWINDOW | SWP_NOSIZE | SWP_NOMOVE | SWP_NOACTIVATE | SWP_NOZORDER);
+            }
+        }
+    }
+    catch (...)
+    {
+        AfxProcessCurrentException(nullptr);
+        result = -1;
+    }
+    if (disabled)
+    {
+        ::EnableWindow(owner, TRUE);
+    }
+    if (owner != nullptr && m_hWnd != nullptr && ::GetActiveWindow() == m_hWnd)
+    {
+        ::SetActiveWindow(owner);
+    }
+    DestroyWindow();
+    if (top != nullptr && ::IsWindow(top))
+    {
+        ::EnableWindow(top, TRUE);
+    }
+    return result;
 }
 
-BOOL CPropertySheet::Create(CWnd* pParentWnd, DWORD, DWORD)
+BOOL CPropertySheet::ContinueModal()
 {
-    m_bModeless = TRUE;
-    return CreateSheet(pParentWnd != nullptr ? pParentWnd->GetSafeHwnd() : nullptr) != nullptr;
+    // The system's OK and Cancel end a modeless sheet by leaving it without a current page.
+    return CWnd::ContinueModal() && Ask<HWND>(PSM_GETCURRENTPAGEHWND) != nullptr;
 }
 
 void CPropertySheet::EndDialog(int nEndID)
 {
+    EndModalLoop(nEndID);
     if (m_bModeless)
     {
         DestroyWindow();
-        return;
     }
-    m_bEndDialog = true;
-    EndModalLoop(nEndID);
+}
+
+BOOL CPropertySheet::DestroyWindow()
+{
+    return CWnd::DestroyWindow();
 }
 
 void CPropertySheet::MapDialogRect(LPRECT lpRect) const
@@ -369,55 +295,140 @@ void CPropertySheet::MapDialogRect(LPRECT lpRect) const
     ::MapDialogRect(m_hWnd, lpRect);
 }
 
-// Without an active page comctl32 has finished with the sheet (OK or Cancel went through).
-BOOL CPropertySheet::ContinueModal()
+// ---------------------------------------------------------------------------------------------------------
+// Messages
+
+LRESULT CPropertySheet::HandleInitDialog(WPARAM, LPARAM)
 {
-    return CWnd::ContinueModal() && ::IsWindow(m_hWnd) && ::SendMessage(m_hWnd, PSM_GETCURRENTPAGEHWND, 0, 0) != 0;
+    CRect before;
+    GetWindowRect(&before);
+    BOOL result = FALSE;
+    try
+    {
+        result = OnInitDialog();
+    }
+    catch (...)
+    {
+        const MSG message = *GetCurrentMessage();
+        AfxProcessCurrentException(&message);
+        EndModalLoop(-1);
+        return FALSE;
+    }
+    CRect after;
+    GetWindowRect(&after);
+    if (before.TopLeft() == after.TopLeft() && !IsWindowVisible())
+    {
+        CenterWindow();
+    }
+    return result;
 }
 
 BOOL CPropertySheet::OnInitDialog()
 {
-    const BOOL bResult = static_cast<BOOL>(Default());
-    if (!m_bModeless)
-        CenterWindow();
-    return bResult;
-}
-
-LRESULT CPropertySheet::HandleInitDialog(WPARAM, LPARAM)
-{
-    return OnInitDialog();
-}
-
-void CPropertySheet::OnClose()
-{
-    if (m_bModeless)
-        DestroyWindow();
-    else
-        SendMessage(WM_COMMAND, IDCANCEL);
-}
-
-// The page's controls have the commands whose states are asked for while the loop is idle.
-LRESULT CPropertySheet::OnKickIdle(WPARAM wParam, LPARAM lParam)
-{
-    CPropertyPage* const pPage = GetActivePage();
-    return pPage != nullptr && pPage->m_hWnd != nullptr ? pPage->SendMessage(WM_KICKIDLE, wParam, lParam) : 0;
-}
-
-BOOL CPropertySheet::OnCommand(WPARAM wParam, LPARAM lParam)
-{
-    if (CWnd::OnCommand(wParam, lParam))
-        return TRUE;
-    // comctl32 does the rest; should it end the sheet, this is the result.
-    if (HIWORD(wParam) == BN_CLICKED && (LOWORD(wParam) == IDOK || LOWORD(wParam) == IDCANCEL))
-        m_nModalResult = LOWORD(wParam);
-    return FALSE;
+    return static_cast<BOOL>(Default()); // comctl32 makes the tabs and the first page
 }
 
 BOOL CPropertySheet::PreTranslateMessage(MSG* pMsg)
 {
     if (CWnd::PreTranslateMessage(pMsg))
+    {
         return TRUE;
-    const bool bInput = (pMsg->message >= WM_KEYFIRST && pMsg->message <= WM_KEYLAST) ||
-                        (pMsg->message >= WM_MOUSEFIRST && pMsg->message <= WM_MOUSELAST);
-    return bInput && SendMessage(PSM_ISDIALOGMESSAGE, 0, reinterpret_cast<LPARAM>(pMsg)) != 0;
+    }
+    // Ctrl+Tab, Ctrl+PgUp and Ctrl+PgDn change the page.
+    const bool changesPage = pMsg->message == WM_KEYDOWN && ::GetKeyState(VK_CONTROL) < 0 &&
+                             (pMsg->wParam == VK_TAB || pMsg->wParam == VK_PRIOR || pMsg->wParam == VK_NEXT);
+    if (changesPage && Ask<BOOL>(PSM_ISDIALOGMESSAGE, 0, pMsg))
+    {
+        return TRUE;
+    }
+    return PreTranslateInput(pMsg);
+}
+
+BOOL CPropertySheet::OnCmdMsg(UINT nID, int nCode, void* pExtra, AFX_CMDHANDLERINFO* pHandlerInfo)
+{
+    if (CWnd::OnCmdMsg(nID, nCode, pExtra, pHandlerInfo))
+    {
+        return TRUE;
+    }
+    const bool command = nCode == CN_COMMAND || static_cast<UINT>(nCode) == CN_UPDATE_COMMAND_UI;
+    if (!command || (nID & 0x8000) == 0 || nID >= 0xF000)
+    {
+        return FALSE;
+    }
+    CWnd* parent = GetParent();
+    if (parent != nullptr && parent->OnCmdMsg(nID, nCode, pExtra, pHandlerInfo))
+    {
+        return TRUE;
+    }
+    CWinThread* thread = AfxGetThread();
+    return thread != nullptr && thread->OnCmdMsg(nID, nCode, pExtra, pHandlerInfo);
+}
+
+BOOL CPropertySheet::OnCommand(WPARAM wParam, LPARAM lParam)
+{
+    if (CWnd::OnCommand(wParam, lParam))
+    {
+        return TRUE; // the sheet's own handler
+    }
+    // The button becomes the result, should it close the sheet.
+    const auto button = reinterpret_cast<HWND>(lParam);
+    if (button != nullptr && HIWORD(wParam) == BN_CLICKED &&
+        (::SendMessage(button, WM_GETDLGCODE, 0, 0) & (DLGC_UNDEFPUSHBUTTON | DLGC_DEFPUSHBUTTON)) != 0)
+    {
+        m_nModalResult = LOWORD(wParam);
+    }
+    return FALSE;
+}
+
+LRESULT CPropertySheet::OnPressButton(WPARAM wParam, LPARAM)
+{
+    // As a click, so that the sheet's handlers are asked.
+    int id = 0;
+    switch (wParam)
+    {
+    case PSBTN_OK:
+    case PSBTN_FINISH:
+        id = IDOK;
+        break;
+    case PSBTN_CANCEL:
+        id = IDCANCEL;
+        break;
+    default:
+        return Default();
+    }
+    const HWND button = ::GetDlgItem(m_hWnd, id);
+    SendMessage(WM_COMMAND, MAKEWPARAM(id, BN_CLICKED), reinterpret_cast<LPARAM>(button));
+    return 0;
+}
+
+void CPropertySheet::OnClose()
+{
+    if (m_bModeless)
+    {
+        DestroyWindow();
+        return;
+    }
+    m_nModalResult = IDCANCEL;
+    Default();
+}
+
+void CPropertySheet::OnSysCommand(UINT nID, LPARAM)
+{
+    if ((nID & 0xFFF0) == SC_CLOSE)
+    {
+        m_nModalResult = IDCANCEL;
+    }
+    Default();
+}
+
+LRESULT CPropertySheet::OnKickIdle(WPARAM wParam, LPARAM lParam)
+{
+    const HWND page = Ask<HWND>(PSM_GETCURRENTPAGEHWND);
+    return page != nullptr ? ::SendMessage(page, WM_KICKIDLE, wParam, lParam) : 0;
+}
+
+LRESULT CPropertySheet::OnCommandHelp(WPARAM wParam, LPARAM lParam)
+{
+    CPropertyPage* page = GetActivePage();
+    return page != nullptr ? page->SendMessage(WM_COMMANDHELP, wParam, lParam) : 0;
 }

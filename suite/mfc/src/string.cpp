@@ -524,7 +524,8 @@ void CString::FormatMessageV(LPCSTR lpszFormat, va_list* pArgs)
 BOOL CString::LoadString(UINT nID)
 {
     // String resources are stored in blocks of sixteen.
-    return LoadString(AfxFindResourceHandle(MAKEINTRESOURCE((nID >> 4) + 1), RT_STRING), nID);
+    const HINSTANCE module = AfxFindStringResourceHandle(nID);
+    return module != nullptr && LoadString(module, nID);
 }
 
 BOOL CString::LoadString(HINSTANCE hInstance, UINT nID)

@@ -65,6 +65,9 @@ protected:
     CWnd* m_pParentWnd = nullptr;
     HWND m_hWndTop = nullptr; // top window disabled besides the parent
     bool m_bInitFailed = false;
+
+private:
+    friend struct AfxDialogAccess; // the dialog procedure
 };
 
 // The dialog procedure of every dialog: the work is done by the framework's window procedure.

@@ -95,9 +95,10 @@ protected:
     DECLARE_MESSAGE_MAP()
 
 private:
+    friend BOOL AfxWinInit(HINSTANCE, HINSTANCE, LPTSTR, int);
+    void InitNames(); // once the module's resources can be read
     CString m_strAppName;
     CString m_strExeName;
-    friend struct AfxThreadAccess;
 };
 
 AFX_DLL_API CWinThread* AfxBeginThread(AFX_THREADPROC pfnThreadProc, LPVOID pParam,

@@ -14,6 +14,8 @@ class AFX_DLL_CLASS CWnd : public CCmdTarget
     DECLARE_DYNCREATE(CWnd)
 public:
     CWnd();
+    // Only for the places in the order of windows, such as wndTop.
+    explicit CWnd(HWND hWnd);
     ~CWnd() override;
 
     HWND m_hWnd = nullptr;

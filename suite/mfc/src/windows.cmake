@@ -1,0 +1,23 @@
+# Sources of the framework's windows: message maps, windows, dialogs, controls, threads, module state.
+set(velmfc_windows_sources
+  src/appcore.cpp
+  src/cmdtarg.cpp
+  src/comctrl.cpp
+  src/dlgcore.cpp
+  src/dlgdata.cpp
+  src/dlgfile.cpp
+  src/dlgpage.cpp
+  src/dlgprop.cpp
+  src/dllinit.cpp
+  src/gdi.cpp
+  src/handlemap.cpp
+  src/menu.cpp
+  src/state.cpp
+  src/thrdcore.cpp
+  src/winctrl.cpp
+  src/wincore.cpp
+  src/winfrm.cpp
+  src/winmsg.cpp
+  src/winwrap.cpp
+  src/wndproc.cpp
+  src/wndtree.cpp)
