@@ -1,5 +1,5 @@
 // Start and end: of the framework's own library, of a program and of a regular DLL.
-#include "threadstate.h"
+#include "wndaccess.h"
 
 namespace
 {
@@ -78,7 +78,7 @@ BOOL AfxWinInit(HINSTANCE hInstance, HINSTANCE, LPTSTR lpCmdLine, int nCmdShow)
         app->m_hInstance = hInstance;
         app->m_lpCmdLine = lpCmdLine;
         app->m_nCmdShow = nCmdShow;
-        app->InitNames();
+        AfxAppAccess::InitNames(*app);
     }
     return TRUE;
 }

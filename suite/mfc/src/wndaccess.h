@@ -19,6 +19,14 @@ struct AfxWndAccess
     }
 };
 
+struct AfxAppAccess
+{
+    static void InitNames(CWinApp& app)
+    {
+        app.InitNames();
+    }
+};
+
 struct AfxDialogAccess
 {
     static void InitFailed(CDialog& dialog)

@@ -95,7 +95,7 @@ protected:
     DECLARE_MESSAGE_MAP()
 
 private:
-    friend BOOL AfxWinInit(HINSTANCE, HINSTANCE, LPTSTR, int);
+    friend struct AfxAppAccess;
     void InitNames(); // once the module's resources can be read
     CString m_strAppName;
     CString m_strExeName;
