@@ -20,7 +20,7 @@ void PumpWaitingMessages()
 IMPLEMENT_DYNAMIC(arcCDlgArchiveProgress, mfcCDialog)
 
 BEGIN_MESSAGE_MAP(arcCDlgArchiveProgress, mfcCDialog)
-    ON_COMMAND(arcCmdStartWork, &arcCDlgArchiveProgress::OnStartWork)
+ON_COMMAND(arcCmdStartWork, &arcCDlgArchiveProgress::OnStartWork)
 END_MESSAGE_MAP()
 
 arcCDlgArchiveProgress::arcCDlgArchiveProgress(const arcSStatusWork& work)

@@ -6,9 +6,9 @@
 
 #include <afxcmn.h>
 
-/// Lives on the status thread. The work begins with the command arcCmdStartWork and runs inside its handler, which
-/// dispatches the thread's messages whenever the work reports. Nothing that the user does closes the window; the
-/// thread destroys it once it is finished.
+/// Lives on the status thread. The work begins with the command arcCmdStartWork and runs inside its handler,
+/// which dispatches the thread's messages whenever the work reports. Nothing that the user does closes the
+/// window; the thread destroys it once it is finished.
 class arcCDlgArchiveProgress : public mfcCDialog
 {
     DECLARE_DYNAMIC(arcCDlgArchiveProgress)

@@ -40,8 +40,8 @@ HWND MainWindowOf(HWND hOwner)
     return hRoot != nullptr ? hRoot : hOwner;
 }
 
-// Shows the progress dialog and does the work; answers the result code. The main window is enabled again before the
-// dialog goes, so that it and no other program's window becomes the active one.
+// Shows the progress dialog and does the work; answers the result code. The main window is enabled again
+// before the dialog goes, so that it and no other program's window becomes the active one.
 int RunWork(const arcSStatusWork& work)
 {
     arcCDlgArchiveProgress dialog(work);
