@@ -141,11 +141,6 @@ bool BufferedFile::FlushToDisk()
     return m_file && WriteOut() && m_file->FlushToDisk();
 }
 
-std::optional<FileIdentity> BufferedFile::Identity()
-{
-    return m_file ? m_file->Identity() : std::nullopt;
-}
-
 bool BufferedFile::SetWritten(const LocalTime& time)
 {
     return m_file && WriteOut() && m_file->SetWritten(time);

@@ -20,7 +20,6 @@ public:
     virtual bool WriteAt(std::uint64_t position, const void* data, std::size_t bytes) = 0; // all or false
     virtual std::optional<std::uint64_t> Size() = 0;
     virtual bool FlushToDisk() = 0;
-    virtual std::optional<FileIdentity> Identity() = 0;
     virtual bool SetWritten(const LocalTime& time) = 0;
     virtual bool Close() = 0;
 };
@@ -39,7 +38,6 @@ public:
     std::uint64_t Position() const override;
     std::optional<std::uint64_t> Size() override;
     bool FlushToDisk() override;
-    std::optional<FileIdentity> Identity() override;
     bool SetWritten(const LocalTime& time) override;
     bool Close() override;
 

@@ -59,15 +59,6 @@ struct FolderEntry
     FileInfo info;
 };
 
-// Tells two names of one file apart from two files (a long name and its 8.3 form are one file).
-struct FileIdentity
-{
-    std::uint64_t volume = 0;
-    std::uint64_t file = 0;
-
-    auto operator<=>(const FileIdentity&) const = default;
-};
-
 struct DiskSpace
 {
     std::uint64_t bytesPerCluster = 0;
@@ -97,7 +88,6 @@ public:
     virtual std::optional<std::uint64_t> Size() = 0;
     // Everything written so far is on the medium when this answers true.
     virtual bool FlushToDisk() = 0;
-    virtual std::optional<FileIdentity> Identity() = 0;
     // Gives the file this time of last writing; to be called behind the last write.
     virtual bool SetWritten(const LocalTime& time) = 0;
     // False when anything written was lost. Later calls answer true and do nothing.

@@ -1,22 +1,18 @@
 #include "archive/outputfile.h"
 
-#include "archive/pathsafety.h"
+#include "archive/filenames.h"
+
+#include <algorithm>
 
 namespace arc
 {
-bool MadeFiles::TakeName(const std::string& relative)
+bool IsOwnName(FileSystem& files, const std::string& path)
 {
-    return m_names.insert(SameFileKey(relative)).second;
-}
-
-bool MadeFiles::Contains(const FileIdentity& file) const
-{
-    return m_files.contains(file);
-}
-
-void MadeFiles::Add(const FileIdentity& file)
-{
-    m_files.insert(file);
+    const std::string_view name = FileNameOf(path);
+    std::vector<FolderEntry> entries;
+    return files.List(std::string(FolderOf(path)), std::string(name), entries) &&
+           std::any_of(entries.begin(), entries.end(),
+                       [&](const FolderEntry& entry) { return EqualNoCase(entry.name, name); });
 }
 
 OutputFile::OutputFile(FileSystem& files) : m_files(files)
@@ -32,41 +28,24 @@ OutputFile::~OutputFile()
     }
 }
 
-bool OutputFile::Create(const std::string& path, MadeFiles* made)
+bool OutputFile::Create(const std::string& path)
 {
     // Mostly there is nothing of the name, and making the file is all it takes.
     m_file = m_files.Open(path, Access::CreateNew);
-    if (!m_file && MayReplace(path, made))
+    if (!m_file && MayReplace(path))
     {
         m_file = m_files.Open(path, Access::Replace);
     }
-    if (!m_file)
-    {
-        return false;
-    }
     m_path = path;
-    if (const auto identity = made ? m_file->Identity() : std::nullopt)
-    {
-        made->Add(*identity);
-    }
-    return true;
+    return m_file != nullptr;
 }
 
-bool OutputFile::MayReplace(const std::string& path, const MadeFiles* made)
+bool OutputFile::MayReplace(const std::string& path)
 {
     const auto existing = m_files.Query(path);
-    if (!existing || existing->IsFolder() || existing->IsReparsePoint())
+    if (!existing || existing->IsFolder() || existing->IsReparsePoint() || !IsOwnName(m_files, path))
     {
         return false;
-    }
-    if (made)
-    {
-        const auto file = m_files.Open(path, Access::ReadShared);
-        const auto identity = file ? file->Identity() : std::nullopt;
-        if (!identity || made->Contains(*identity))
-        {
-            return false;
-        }
     }
     // A hidden, system or read-only file cannot be replaced as it is.
     return (existing->attributes & ~(attribute::Normal | attribute::Archive)) == 0 ||

@@ -5,25 +5,13 @@
 
 #include <cstddef>
 #include <memory>
-#include <set>
 #include <string>
 
 namespace arc
 {
-// The files that one run has made, to notice when two names of an archive are one file: by name, or because a
-// short name is another form of a long one.
-class MadeFiles
-{
-public:
-    // True when the name was not used yet; remembers it. relative: a safe path below the run's folder.
-    bool TakeName(const std::string& relative);
-    bool Contains(const FileIdentity& file) const;
-    void Add(const FileIdentity& file);
-
-private:
-    std::set<std::string> m_names;
-    std::set<FileIdentity> m_files;
-};
+// True when the folder holds a file or folder of this very name; false when there is none, or when the name
+// is another form of one with a long name ("LONGNA~1.PF"), which would be changed unseen.
+bool IsOwnName(FileSystem& files, const std::string& path);
 
 // Owns the file while it is written. Unless Keep() has answered true, the destructor removes it.
 class OutputFile
@@ -35,16 +23,15 @@ public:
     OutputFile& operator=(const OutputFile&) = delete;
 
     // Creates the file or replaces an existing one; read-only does not protect it. False, with nothing
-    // touched, when there is a folder or a reparse point of that name, or a file that this run has made (made
-    // may be null).
-    bool Create(const std::string& path, MadeFiles* made);
+    // touched, when there is a folder or a reparse point of that name, or a file whose own name is another.
+    bool Create(const std::string& path);
     bool Write(const void* data, std::size_t bytes);
     // Closes the file and leaves it there, with this time of last writing if one is given; false when
     // anything written was lost.
     bool Keep(const LocalTime* written = nullptr);
 
 private:
-    bool MayReplace(const std::string& path, const MadeFiles* made);
+    bool MayReplace(const std::string& path);
 
     FileSystem& m_files;
     std::unique_ptr<File> m_file;

@@ -229,7 +229,10 @@ bool CUnzipper::MakeFolders(const std::string& folder, const std::string& relati
             continue;
         }
         const auto info = m_files.Query(path);
-        if (info ? !info->IsFolder() || info->IsReparsePoint() : !m_files.CreateFolder(path))
+        const bool usable = info
+                                ? info->IsFolder() && !info->IsReparsePoint() && arc::IsOwnName(m_files, path)
+                                : m_files.CreateFolder(path);
+        if (!usable)
         {
             return false;
         }
@@ -244,7 +247,7 @@ bool CUnzipper::UnzipCurrentEntry(const std::string& folder, bool ignorePath)
     return Extract(folder, ignorePath, nullptr);
 }
 
-bool CUnzipper::Extract(const std::string& folder, bool ignorePath, arc::MadeFiles* made)
+bool CUnzipper::Extract(const std::string& folder, bool ignorePath, std::set<std::string>* names)
 {
     if (m_nCurrent >= m_directory.entries.size())
     {
@@ -273,12 +276,13 @@ bool CUnzipper::Extract(const std::string& folder, bool ignorePath, arc::MadeFil
     const std::string path = arc::JoinPath(base, safe->path);
     const std::string full = m_files.Absolute(path);
     if (!arc::LiesBelow(full, base) || !arc::EqualNoCase(full, path) ||
-        (made && !made->TakeName(safe->path)) || !MakeFolders(base, std::string(arc::FolderOf(safe->path))))
+        (names && !names->insert(arc::SameFileKey(safe->path)).second) ||
+        !MakeFolders(base, std::string(arc::FolderOf(safe->path))))
     {
         return false;
     }
     arc::OutputFile output(m_files);
-    if (!output.Create(path, made) ||
+    if (!output.Create(path) ||
         !ReadCurrentEntry([&](const void* data, std::size_t bytes) { return output.Write(data, bytes); },
                           arc::ZipChunk) ||
         !output.Keep(&entry.time))
@@ -302,10 +306,10 @@ bool CUnzipper::UnzipAll(const std::string& folder, bool ignorePath)
         return false;
     }
     m_strKnownFolder.clear();
-    arc::MadeFiles made;
+    std::set<std::string> names;
     for (bool more = GoToFirstEntry(); more; more = GoToNextEntry())
     {
-        if (!Extract(base, ignorePath, &made))
+        if (!Extract(base, ignorePath, &names))
         {
             return false;
         }

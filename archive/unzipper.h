@@ -8,11 +8,11 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <set>
 #include <string>
 
 namespace arc
 {
-class MadeFiles;
 class ZipFileFunctions;
 } // namespace arc
 
@@ -77,7 +77,8 @@ public:
 private:
     bool ReadCurrentEntry(const std::function<bool(const void* data, std::size_t bytes)>& take,
                           std::size_t chunk);
-    bool Extract(const std::string& folder, bool ignorePath, arc::MadeFiles* made);
+    // names: of the files made so far, by SameFileKey, none of which may come again; null for a single entry.
+    bool Extract(const std::string& folder, bool ignorePath, std::set<std::string>* names);
     bool MakeFolders(const std::string& folder, const std::string& relative);
 
     arc::FileSystem& m_files;

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstring>
 #include <new>
+#include <set>
 
 namespace arc
 {
@@ -416,13 +417,12 @@ public:
         {
             return VolumeStatus::UnsafeName;
         }
-        if (!m_made.TakeName(*name))
+        if (!m_names.insert(SameFileKey(*name)).second)
         {
             return VolumeStatus::DuplicateName;
         }
         m_file = std::make_unique<OutputFile>(m_files);
-        return m_file->Create(JoinPath(m_folder, *name), &m_made) ? VolumeStatus::Done
-                                                                  : VolumeStatus::OpenFailed;
+        return m_file->Create(JoinPath(m_folder, *name)) ? VolumeStatus::Done : VolumeStatus::OpenFailed;
     }
 
     VolumeStatus Take(const unsigned char* data, std::size_t bytes) override
@@ -444,7 +444,7 @@ private:
     FileSystem& m_files;
     const std::string& m_folder;
     std::vector<PresentFile>& m_read;
-    MadeFiles m_made;
+    std::set<std::string> m_names; // taken by this stream, by SameFileKey
     std::unique_ptr<OutputFile> m_file;
 };
 

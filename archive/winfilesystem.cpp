@@ -136,17 +136,6 @@ public:
         return FlushFileBuffers(m_handle.Get());
     }
 
-    std::optional<FileIdentity> Identity() override
-    {
-        BY_HANDLE_FILE_INFORMATION information{};
-        if (!GetFileInformationByHandle(m_handle.Get(), &information))
-        {
-            return std::nullopt;
-        }
-        return FileIdentity{information.dwVolumeSerialNumber,
-                            Joined(information.nFileIndexHigh, information.nFileIndexLow)};
-    }
-
     bool SetWritten(const LocalTime& time) override
     {
         FILETIME written{};

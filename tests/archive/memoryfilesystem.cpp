@@ -59,11 +59,6 @@ public:
         return !m_files.Fails();
     }
 
-    std::optional<arc::FileIdentity> Identity() override
-    {
-        return arc::FileIdentity{1, m_node->id};
-    }
-
     bool SetWritten(const arc::LocalTime& time) override
     {
         m_node->written = time;
@@ -134,7 +129,6 @@ void MemoryFileSystem::Put(const std::string& path, const std::string& bytes, st
     node->name = arc::FileNameOf(full);
     node->bytes = bytes;
     node->attributes = attributes;
-    node->id = m_nextId++;
     m_nodes[Key(full)] = node;
 }
 
@@ -292,7 +286,6 @@ bool MemoryFileSystem::CreateFolder(const std::string& path)
     node->name = arc::FileNameOf(full);
     node->folder = true;
     node->attributes = arc::attribute::Folder;
-    node->id = m_nextId++;
     m_nodes[Key(full)] = node;
     return true;
 }

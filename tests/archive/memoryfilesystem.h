@@ -21,7 +21,6 @@ public:
         std::string bytes;
         std::uint32_t attributes = arc::attribute::Archive;
         arc::LocalTime written{2026, 10, 21, 4, 5, 6};
-        std::uint64_t id = 0;
         int readers = 0; // open now
         bool alone = false;
     };
@@ -72,7 +71,6 @@ private:
 
     std::map<char, Drive> m_drives;
     std::map<std::string, std::shared_ptr<Node>> m_nodes; // by folded full path
-    std::uint64_t m_nextId = 1;
     int m_calls = 0;
     int m_failFrom = 0;
     int m_failTimes = 0;

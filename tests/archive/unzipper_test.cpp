@@ -319,6 +319,11 @@ TEST_F(ArchiveUnzipper, TheShortFormOfALongNameIsNoticed)
         {
             return MemoryFileSystem::Query(Long(path));
         }
+        bool List(const std::string& folder, const std::string& wildcard,
+                  std::vector<arc::FolderEntry>& entries) override
+        {
+            return MemoryFileSystem::List(Long(folder), Long(wildcard), entries);
+        }
         std::unique_ptr<arc::File> Open(const std::string& path, arc::Access access) override
         {
             return MemoryFileSystem::Open(Long(path), access);
@@ -332,6 +337,12 @@ TEST_F(ArchiveUnzipper, TheShortFormOfALongNameIsNoticed)
     ASSERT_TRUE(loader.OpenZip("C:\\x.kaz"));
     EXPECT_FALSE(loader.UnzipAll("C:\\out"));
     EXPECT_EQ(disk.Bytes("C:\\out\\LONGNAMED.PF"), "first");
+
+    zip.entries = {Entry("LONGNAMED.PF\\a", "first"), Entry("LONGNA~1.PF\\a", "second")};
+    disk.Put("C:\\x.kaz", zip.Build());
+    ASSERT_TRUE(loader.OpenZip("C:\\x.kaz"));
+    EXPECT_FALSE(loader.UnzipAll("C:\\out2"));
+    EXPECT_EQ(disk.Bytes("C:\\out2\\LONGNAMED.PF\\a"), "first");
 }
 
 TEST_F(ArchiveUnzipper, AnyFaultLeavesNoPartOfAFile)
