@@ -2,9 +2,11 @@
 
 #include "suite/patients/dblocks.h"
 #include "suite/patients/dbpatientstore.h"
+#include "suite/patients/dbplacement.h"
 #include "suite/patients/dbschema.h"
 #include "suite/patients/dbtext.h"
 #include "suite/patients/dbtransaction.h"
+#include "suite/patients/patientfile.h"
 #include "suite/patients/patientfiles.h"
 
 #include <utility>
@@ -75,6 +77,8 @@ void dbCPatients::Open(LPCTSTR pszPath)
     dbUpdateSchema(*pConnection);
     CloseCurrent();
     dbCConnection::SetCurrent(std::move(pConnection));
+    dbCFilePlacement::RemoveAbandoned();
+    patCEarlierFile::RestoreAbandoned();
     patFinishFileWork();
 }
 

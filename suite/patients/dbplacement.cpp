@@ -53,6 +53,34 @@ DWORD CopyContents(HANDLE hFrom, HANDLE hTo)
     }
 }
 
+/// Whether a record that is there speaks of files with such a name: then the file is that record's, whoever made it.
+bool BelongsToTimepoint(const std::string& name)
+{
+    constexpr size_t NUMBER_DIGITS = 2;
+    dbCStatement query("SELECT 1 FROM patients p JOIN timepoints t ON t.patient = p.person"
+                       " WHERE p.patientID = ? AND p.deleted = 0 AND t.number = ?");
+    for (size_t nLength = 1; nLength + NUMBER_DIGITS < name.size(); ++nLength)
+    {
+        const size_t nNumber = name[nLength] == '$' ? nLength + 1 : nLength;
+        const std::string digits = name.substr(nNumber, NUMBER_DIGITS);
+        if (digits.size() < NUMBER_DIGITS || digits.find_first_not_of("0123456789") != std::string::npos)
+            continue;
+        query.Bind(name.substr(0, nLength).c_str()).Bind(atoi(digits.c_str()));
+        const bool bFound = query.Step();
+        query.Reset();
+        if (bFound)
+            return true;
+    }
+    return false;
+}
+
+/// Removes a file that no record speaks of; false when it is still there.
+bool RemovePlaced(const CString& strFolder, const CString& strName)
+{
+    const CString strPath = strFolder + strName;
+    return !velFileExists(strPath) || BelongsToTimepoint(strName.GetString()) || DeleteFileA(strPath);
+}
+
 std::string NewToken()
 {
     static LONG nCount = 0;
@@ -84,6 +112,8 @@ void dbCFilePlacement::Place()
 {
     if (m_strFolder.IsEmpty())
         dbCException::Throw(dbErrIO, m_strFolder);
+    // What somebody began and never finished must neither stand in the way nor be taken for ours later.
+    RemoveAbandoned();
     for (const File& file : m_files)
         if (velFileExists(m_strFolder + file.name.c_str()))
             dbCException::Throw(dbErrExists, file.name.c_str());
@@ -96,11 +126,16 @@ void dbCFilePlacement::Place()
 
     // Noted for good before the first file is made.
     dbCTransaction transaction;
+    dbCStatement noted("SELECT 1 FROM placedFiles WHERE name = ? COLLATE NOCASE AND token <> ?");
+    dbCStatement note("INSERT INTO placedFiles (token, name) VALUES (?, ?)");
     for (const File& file : m_files)
-        dbCStatement("INSERT INTO placedFiles (token, name) VALUES (?, ?)")
-            .Bind(m_token.c_str())
-            .Bind(file.name.c_str())
-            .Run();
+    {
+        noted.Bind(file.name.c_str()).Bind(m_token.c_str());
+        if (noted.Step())
+            dbCException::Throw(dbErrExists, file.name.c_str());
+        noted.Reset();
+        note.Bind(m_token.c_str()).Bind(file.name.c_str()).Run();
+    }
     transaction.Commit();
 
     for (const File& file : m_files)
@@ -130,9 +165,11 @@ void dbCFilePlacement::Keep()
 
 void dbCFilePlacement::Undo() noexcept
 {
+    bool bAll = true;
     for (const std::string& path : m_placed)
-        DeleteFileA(path.c_str());
-    if (m_hToken == INVALID_HANDLE_VALUE)
+        bAll = DeleteFileA(path.c_str()) && bAll;
+    // What cannot be removed now is removed when the database is next opened.
+    if (!bAll || m_hToken == INVALID_HANDLE_VALUE)
         return;
     try
     {
@@ -172,7 +209,7 @@ try
         // Once the rows are gone the files are the practice's own: remove them first.
         bool bAll = true;
         for (const CString& strName : names)
-            bAll = (DeleteFileA(strFolder + strName) || !velFileExists(strFolder + strName)) && bAll;
+            bAll = RemovePlaced(strFolder, strName) && bAll;
         if (!bAll)
             continue;
         dbCStatement("DELETE FROM placedFiles WHERE token = ?").Bind(strToken).Run();

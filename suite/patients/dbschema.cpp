@@ -135,7 +135,13 @@ CREATE TABLE servicePatients (patientGuid TEXT PRIMARY KEY, serviceID TEXT NOT N
     WITHOUT ROWID;
 )sql";
 
-constexpr dbSMigration STEPS[] = {{VERSION_1}};
+// Files that are being put into the working folder for records that are not committed yet.
+constexpr const char* VERSION_2 = R"sql(
+CREATE TABLE placedFiles (id INTEGER PRIMARY KEY, token TEXT NOT NULL, name TEXT NOT NULL);
+CREATE INDEX placedFilesByToken ON placedFiles (token);
+)sql";
+
+constexpr dbSMigration STEPS[] = {{VERSION_1}, {VERSION_2}};
 
 void RunSteps(dbCConnection& connection, std::span<const dbSMigration> steps, size_t nFrom)
 {

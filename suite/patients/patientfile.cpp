@@ -128,10 +128,17 @@ patCEarlierFile::patCEarlierFile(const dbCPatient& patient)
     const CString strFolder = velGetDataPath();
     m_strFile = strFolder + patient.GetID() + ".PF";
     m_strOriginal = strFolder + patient.GetID() + ".ORIGINALPF";
-    if (velFileExists(m_strFile) && !MoveFileA(m_strFile, m_strOriginal))
+    RestoreAbandoned();
+    const bool bHasOwn = velFileExists(m_strFile) != FALSE;
+    if (bHasOwn && !MoveFileA(m_strFile, m_strOriginal))
         dbCException::Throw(dbErrIO, m_strFile);
-    m_hOriginal =
-        CreateFileA(m_strOriginal, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+    m_hOriginal = CreateFileA(m_strOriginal, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+    if (bHasOwn && m_hOriginal == INVALID_HANDLE_VALUE)
+    {
+        // Not under our hand: it goes back, unless somebody has put it back already.
+        MoveFileA(m_strOriginal, m_strFile);
+        dbCException::Throw(dbErrIO, m_strFile);
+    }
     try
     {
         patient.WritePatientFile(strFolder);
