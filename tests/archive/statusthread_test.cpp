@@ -24,7 +24,7 @@ namespace
 class OwnerWindow : public CWnd
 {
 public:
-    BOOL Create()
+    BOOL Open()
     {
         return CreateEx(0, AfxRegisterWndClass(0), "Host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 10, 10, 600, 400,
                         nullptr, nullptr);
@@ -59,7 +59,7 @@ class StatusThreadTest : public testing::Test
 protected:
     void SetUp() override
     {
-        ASSERT_TRUE(owner.Create());
+        ASSERT_TRUE(owner.Open());
         work.hOwner = owner.GetSafeHwnd();
         work.strStatus = "\nArchiving data for\n\nJo Smith (ID:S1).";
         work.strFolder = practice.Path("working").c_str();
