@@ -88,6 +88,9 @@ bool arcCStatusThread::Start(const arcSStatusWork& work)
 
 BOOL arcCStatusThread::InitInstance()
 {
+    // The window belongs on the desktop of its owner, which need not be the one that new threads begin on.
+    const DWORD nOwnerThread = ::GetWindowThreadProcessId(m_work.hOwner, nullptr);
+    ::SetThreadDesktop(::GetThreadDesktop(nOwnerThread != 0 ? nOwnerThread : ::GetCurrentThreadId()));
     m_nResult = arc::ResultNoDialog;
     try
     {

@@ -163,7 +163,12 @@ TEST_F(StatusThreadTest, ShowsTheWorkAndCannotBeClosed)
 TEST_F(StatusThreadTest, FailuresAreToldAndReported)
 {
     work.strArchivePath = practice.Path("nowhere\\S1.KAZ").c_str();
-    Run([](veltest::DialogScript& script) { script.AnswerBox("Couldn't create archive file.", IDOK); });
+    Run([](veltest::DialogScript& script) {
+        script.AnswerBox(
+            "Couldn't create archive file. Please check if the drive or the existing archive file is "
+            "read-only.",
+            IDOK);
+    });
     EXPECT_EQ(owner.m_nEnded, arcMsgSaveEnded);
     EXPECT_EQ(owner.m_nResult, arc::ResultSaveFailed);
 
