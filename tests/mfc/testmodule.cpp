@@ -1,0 +1,74 @@
+// A regular DLL for the tests of module state; built twice, under two names.
+#include <afxwin.h>
+
+#include "mfctestres.h"
+
+namespace
+{
+class CTestModuleApp : public CWinApp
+{
+public:
+    BOOL InitInstance() override
+    {
+        CWinApp::InitInstance();
+        char refuse[4] = "";
+        return ::GetEnvironmentVariable("MFCTEST_REFUSE", refuse, sizeof(refuse)) == 0;
+    }
+};
+
+CTestModuleApp theApp;
+
+class CTestWindow : public CWnd
+{
+public:
+    CWinApp* m_appInside = nullptr;
+
+protected:
+    LRESULT OnAsk(WPARAM, LPARAM)
+    {
+        return AfxGetApp() == &theApp && AfxGetInstanceHandle() == theApp.m_hInstance;
+    }
+    DECLARE_MESSAGE_MAP()
+};
+
+BEGIN_MESSAGE_MAP(CTestWindow, CWnd)
+    ON_MESSAGE(WM_APP, &CTestWindow::OnAsk)
+END_MESSAGE_MAP()
+
+CTestWindow window;
+} // namespace
+
+// The module's own string.
+extern "C" __declspec(dllexport) int TestModuleName(char* text, int size)
+{
+    AFX_MANAGE_STATE(AfxGetStaticModuleState());
+    CString name;
+    if (AfxGetApp() != &theApp || !name.LoadString(IDS_WHO))
+    {
+        return 0;
+    }
+    lstrcpyn(text, name, size);
+    return 1;
+}
+
+// A window whose handlers must run in this module's state, whoever sends.
+extern "C" __declspec(dllexport) HWND TestModuleOpenWindow()
+{
+    AFX_MANAGE_STATE(AfxGetStaticModuleState());
+    WNDCLASS windowClass{};
+    windowClass.lpfnWndProc = &::DefWindowProc;
+    windowClass.hInstance = AfxGetInstanceHandle();
+    windowClass.lpszClassName = "MfcTestModuleWindow";
+    if (!AfxRegisterClass(&windowClass) ||
+        !window.CreateEx(0, windowClass.lpszClassName, "", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr))
+    {
+        return nullptr;
+    }
+    return window.m_hWnd;
+}
+
+extern "C" __declspec(dllexport) void TestModuleCloseWindow()
+{
+    AFX_MANAGE_STATE(AfxGetStaticModuleState());
+    window.DestroyWindow();
+}
