@@ -82,10 +82,7 @@ void arcCDlgArchiveProgress::OnStartWork()
     catch (...)
     {
     }
-    if (!m_work.otherWork)
-    {
-        ReportResult();
-    }
+    ReportResult();
     m_bFinished = TRUE;
 }
 
