@@ -14,8 +14,7 @@ class AFX_DLL_CLASS CPropertyPage : public CDialog
 {
     DECLARE_DYNAMIC(CPropertyPage)
 public:
-    explicit CPropertyPage(UINT nIDTemplate, UINT nIDCaption = 0,
-                           DWORD dwSize = sizeof(PROPSHEETPAGE));
+    explicit CPropertyPage(UINT nIDTemplate, UINT nIDCaption = 0, DWORD dwSize = sizeof(PROPSHEETPAGE));
     ~CPropertyPage() override;
 
     // For comctl32; flags such as PSP_HASHELP may be changed until the sheet runs.

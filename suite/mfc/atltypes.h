@@ -9,9 +9,15 @@ class CRect;
 class CSize : public SIZE
 {
 public:
-    CSize() : SIZE{0, 0} {}
-    CSize(int initCX, int initCY) : SIZE{initCX, initCY} {}
-    CSize(const SIZE& initSize) : SIZE(initSize) {}
+    CSize() : SIZE{0, 0}
+    {
+    }
+    CSize(int initCX, int initCY) : SIZE{initCX, initCY}
+    {
+    }
+    CSize(const SIZE& initSize) : SIZE(initSize)
+    {
+    }
 
     BOOL operator==(const SIZE& size) const
     {
@@ -34,9 +40,15 @@ public:
 class CPoint : public POINT
 {
 public:
-    CPoint() : POINT{0, 0} {}
-    CPoint(int initX, int initY) : POINT{initX, initY} {}
-    CPoint(const POINT& initPt) : POINT(initPt) {}
+    CPoint() : POINT{0, 0}
+    {
+    }
+    CPoint(int initX, int initY) : POINT{initX, initY}
+    {
+    }
+    CPoint(const POINT& initPt) : POINT(initPt)
+    {
+    }
     // From the packed form that mouse messages carry; coordinates are signed.
     explicit CPoint(LPARAM dwPoint)
         : POINT{static_cast<short>(LOWORD(dwPoint)), static_cast<short>(HIWORD(dwPoint))}
@@ -78,12 +90,19 @@ public:
 class CRect : public RECT
 {
 public:
-    CRect() : RECT{0, 0, 0, 0} {}
-    CRect(int l, int t, int r, int b) : RECT{l, t, r, b} {}
-    CRect(const RECT& srcRect) : RECT(srcRect) {}
-    explicit CRect(LPCRECT lpSrcRect) : RECT(*lpSrcRect) {}
-    CRect(const POINT& point, const SIZE& size)
-        : RECT{point.x, point.y, point.x + size.cx, point.y + size.cy}
+    CRect() : RECT{0, 0, 0, 0}
+    {
+    }
+    CRect(int l, int t, int r, int b) : RECT{l, t, r, b}
+    {
+    }
+    CRect(const RECT& srcRect) : RECT(srcRect)
+    {
+    }
+    explicit CRect(LPCRECT lpSrcRect) : RECT(*lpSrcRect)
+    {
+    }
+    CRect(const POINT& point, const SIZE& size) : RECT{point.x, point.y, point.x + size.cx, point.y + size.cy}
     {
     }
     CRect(const POINT& topLeft, const POINT& bottomRight)

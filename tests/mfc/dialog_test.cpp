@@ -35,7 +35,7 @@ protected:
 };
 
 BEGIN_MESSAGE_MAP(CReflectingButton, CButton)
-    ON_CONTROL_REFLECT_EX(BN_CLICKED, &CReflectingButton::OnClicked)
+ON_CONTROL_REFLECT_EX(BN_CLICKED, &CReflectingButton::OnClicked)
 END_MESSAGE_MAP()
 
 enum class Fault
@@ -62,7 +62,9 @@ enum class Fault
 class CBasicDialog : public CDialog
 {
 public:
-    explicit CBasicDialog(CWnd* pParent = nullptr) : CDialog(IDD_BASIC, pParent) {}
+    explicit CBasicDialog(CWnd* pParent = nullptr) : CDialog(IDD_BASIC, pParent)
+    {
+    }
 
     CString m_name;
     int m_check = 0;
@@ -122,9 +124,9 @@ protected:
 };
 
 BEGIN_MESSAGE_MAP(CBasicDialog, CDialog)
-    ON_BN_CLICKED(IDC_ACTION, &CBasicDialog::OnAction)
-    ON_UPDATE_COMMAND_UI(IDC_CHECK, &CBasicDialog::OnUpdateCheck)
-    ON_MESSAGE(WM_KICKIDLE, &CBasicDialog::OnKickIdle)
+ON_BN_CLICKED(IDC_ACTION, &CBasicDialog::OnAction)
+ON_UPDATE_COMMAND_UI(IDC_CHECK, &CBasicDialog::OnUpdateCheck)
+ON_MESSAGE(WM_KICKIDLE, &CBasicDialog::OnKickIdle)
 END_MESSAGE_MAP()
 
 // A plain top-level window to own dialogs.
@@ -133,8 +135,8 @@ class COwner : public CWnd
 public:
     COwner()
     {
-        CreateEx(0, AfxRegisterWndClass(0), "Owner", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 300, 200, nullptr,
-                 nullptr);
+        CreateEx(0, AfxRegisterWndClass(0), "Owner", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 300, 200,
+                 nullptr, nullptr);
     }
     ~COwner() override
     {
@@ -330,7 +332,8 @@ TEST(MfcWindow, RefusesToBeCreatedWhenOnCreateThrows)
     };
     theApp.m_thrown.clear();
     CFaulty window;
-    EXPECT_FALSE(window.CreateEx(0, AfxRegisterWndClass(0), "Faulty", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr));
+    EXPECT_FALSE(
+        window.CreateEx(0, AfxRegisterWndClass(0), "Faulty", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr));
     EXPECT_EQ(window.m_hWnd, nullptr);
     EXPECT_EQ(theApp.m_thrown, std::vector<std::string>{"create"});
 }

@@ -26,7 +26,9 @@ CTestApp& TestApp();
 class CTextException : public CException
 {
 public:
-    explicit CTextException(const char* text) : m_text(text) {}
+    explicit CTextException(const char* text) : m_text(text)
+    {
+    }
     BOOL GetErrorMessage(LPTSTR lpszError, UINT nMaxError, PUINT) const override
     {
         lstrcpyn(lpszError, m_text, static_cast<int>(nMaxError));

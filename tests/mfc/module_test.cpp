@@ -9,7 +9,9 @@ namespace
 class CModule
 {
 public:
-    explicit CModule(const char* file) : m_module(::LoadLibrary(file)) {}
+    explicit CModule(const char* file) : m_module(::LoadLibrary(file))
+    {
+    }
     ~CModule()
     {
         if (m_module != nullptr)

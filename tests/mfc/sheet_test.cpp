@@ -18,7 +18,9 @@ using veltest::RunModal;
 class CTestPage : public CPropertyPage
 {
 public:
-    explicit CTestPage(UINT nIDTemplate) : CPropertyPage(nIDTemplate) {}
+    explicit CTestPage(UINT nIDTemplate) : CPropertyPage(nIDTemplate)
+    {
+    }
 
     bool m_leaves = true;
     bool m_applies = true;
@@ -93,7 +95,7 @@ protected:
 };
 
 BEGIN_MESSAGE_MAP(CTestSheet, CPropertySheet)
-    ON_COMMAND(IDOK, &CTestSheet::OnOK)
+ON_COMMAND(IDOK, &CTestSheet::OnOK)
 END_MESSAGE_MAP()
 
 class MfcSheet : public ::testing::Test
@@ -166,7 +168,8 @@ TEST_F(MfcSheet, SendsPressedButtonsThroughItsHandlers)
     CTestSheet sheet;
     sheet.m_ownOK = true;
     sheet.m_okResult = 9;
-    EXPECT_EQ(Run(sheet, [&](DialogScript&, Dialog& open) { ::PostMessage(open.Handle(), PSM_PRESSBUTTON, PSBTN_OK, 0); }),
+    EXPECT_EQ(Run(sheet, [&](DialogScript&,
+                             Dialog& open) { ::PostMessage(open.Handle(), PSM_PRESSBUTTON, PSBTN_OK, 0); }),
               9);
 }
 

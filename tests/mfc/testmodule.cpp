@@ -32,7 +32,7 @@ protected:
 };
 
 BEGIN_MESSAGE_MAP(CTestWindow, CWnd)
-    ON_MESSAGE(WM_APP, &CTestWindow::OnAsk)
+ON_MESSAGE(WM_APP, &CTestWindow::OnAsk)
 END_MESSAGE_MAP()
 
 CTestWindow window;

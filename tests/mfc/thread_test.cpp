@@ -52,8 +52,8 @@ protected:
 IMPLEMENT_DYNCREATE(CTestThread, CWinThread)
 
 BEGIN_MESSAGE_MAP(CTestThread, CWinThread)
-    ON_THREAD_MESSAGE(wmAnswer, &CTestThread::OnAnswer)
-    ON_THREAD_MESSAGE(wmThrow, &CTestThread::OnThrow)
+ON_THREAD_MESSAGE(wmAnswer, &CTestThread::OnAnswer)
+ON_THREAD_MESSAGE(wmThrow, &CTestThread::OnThrow)
 END_MESSAGE_MAP()
 
 DWORD WaitForExit(CWinThread& thread)

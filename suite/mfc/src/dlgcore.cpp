@@ -9,11 +9,11 @@
 IMPLEMENT_DYNAMIC(CDialog, CWnd)
 
 BEGIN_MESSAGE_MAP(CDialog, CWnd)
-    ON_COMMAND(IDOK, &CDialog::OnOK)
-    ON_COMMAND(IDCANCEL, &CDialog::OnCancel)
-    ON_MESSAGE(WM_INITDIALOG, &CDialog::HandleInitDialog)
-    ON_MESSAGE(WM_SETFONT, &CDialog::HandleSetFont)
-    ON_MESSAGE(WM_COMMANDHELP, &CDialog::OnCommandHelp)
+ON_COMMAND(IDOK, &CDialog::OnOK)
+ON_COMMAND(IDCANCEL, &CDialog::OnCancel)
+ON_MESSAGE(WM_INITDIALOG, &CDialog::HandleInitDialog)
+ON_MESSAGE(WM_SETFONT, &CDialog::HandleSetFont)
+ON_MESSAGE(WM_COMMANDHELP, &CDialog::OnCommandHelp)
 END_MESSAGE_MAP()
 
 namespace

@@ -86,7 +86,8 @@ bool ParseNumber(const CString& text, long long low, long long high, long long& 
     return *end == '\0' && value >= low && value <= high;
 }
 
-void ExchangeNumber(CDataExchange& dx, int id, long long low, long long high, UINT complaint, long long& value)
+void ExchangeNumber(CDataExchange& dx, int id, long long low, long long high, UINT complaint,
+                    long long& value)
 {
     const HWND control = dx.PrepareEditCtrl(id);
     if (!dx.m_bSaveAndValidate)
@@ -238,8 +239,8 @@ void ExchangeComboText(CDataExchange& dx, int id, UINT find, CString& value)
         value = TextOf(control);
         return;
     }
-    const LRESULT index = ::SendMessage(control, find, static_cast<WPARAM>(-1),
-                                        reinterpret_cast<LPARAM>(value.GetString()));
+    const LRESULT index =
+        ::SendMessage(control, find, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(value.GetString()));
     ::SendMessage(control, CB_SETCURSEL, static_cast<WPARAM>(index), 0);
     if (index == CB_ERR)
     {

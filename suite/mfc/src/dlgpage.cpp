@@ -7,11 +7,10 @@
 IMPLEMENT_DYNAMIC(CPropertyPage, CDialog)
 
 BEGIN_MESSAGE_MAP(CPropertyPage, CDialog)
-    ON_WM_CTLCOLOR()
+ON_WM_CTLCOLOR()
 END_MESSAGE_MAP()
 
-CPropertyPage::CPropertyPage(UINT nIDTemplate, UINT nIDCaption, DWORD dwSize)
-    : CDialog(nIDTemplate), m_psp{}
+CPropertyPage::CPropertyPage(UINT nIDTemplate, UINT nIDCaption, DWORD dwSize) : CDialog(nIDTemplate), m_psp{}
 {
     m_psp.dwSize = dwSize;
     m_psp.dwFlags = PSP_USECALLBACK;

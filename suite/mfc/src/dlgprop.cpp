@@ -7,12 +7,12 @@
 IMPLEMENT_DYNAMIC(CPropertySheet, CWnd)
 
 BEGIN_MESSAGE_MAP(CPropertySheet, CWnd)
-    ON_MESSAGE(WM_INITDIALOG, &CPropertySheet::HandleInitDialog)
-    ON_MESSAGE(WM_KICKIDLE, &CPropertySheet::OnKickIdle)
-    ON_MESSAGE(WM_COMMANDHELP, &CPropertySheet::OnCommandHelp)
-    ON_MESSAGE(PSM_PRESSBUTTON, &CPropertySheet::OnPressButton)
-    ON_WM_CLOSE()
-    ON_WM_SYSCOMMAND()
+ON_MESSAGE(WM_INITDIALOG, &CPropertySheet::HandleInitDialog)
+ON_MESSAGE(WM_KICKIDLE, &CPropertySheet::OnKickIdle)
+ON_MESSAGE(WM_COMMANDHELP, &CPropertySheet::OnCommandHelp)
+ON_MESSAGE(PSM_PRESSBUTTON, &CPropertySheet::OnPressButton)
+ON_WM_CLOSE()
+ON_WM_SYSCOMMAND()
 END_MESSAGE_MAP()
 
 CPropertySheet::CPropertySheet()

@@ -101,7 +101,9 @@ CHandleMaps& AfxMaps();
 class CTempMapScope
 {
 public:
-    CTempMapScope() : m_mark(AfxMaps().Mark()) {}
+    CTempMapScope() : m_mark(AfxMaps().Mark())
+    {
+    }
     void Drop() const
     {
         AfxMaps().DropSince(m_mark);

@@ -262,8 +262,8 @@ void AfxSetResourceHandle(HINSTANCE hInstResource)
 
 HINSTANCE AfxFindResourceHandle(LPCTSTR lpszName, LPCTSTR lpszType)
 {
-    const HINSTANCE found = FindInChain(
-        [&](HINSTANCE module) { return ::FindResource(module, lpszName, lpszType) != nullptr; });
+    const HINSTANCE found =
+        FindInChain([&](HINSTANCE module) { return ::FindResource(module, lpszName, lpszType) != nullptr; });
     return found != nullptr ? found : AfxGetResourceHandle();
 }
 

@@ -11,15 +11,15 @@ const CWnd wndTopMost(HWND_TOPMOST);
 const CWnd wndNoTopMost(HWND_NOTOPMOST);
 
 BEGIN_MESSAGE_MAP(CWnd, CCmdTarget)
-    ON_WM_COMPAREITEM()
-    ON_WM_MEASUREITEM()
-    ON_WM_DRAWITEM()
-    ON_WM_DELETEITEM()
-    ON_WM_CTLCOLOR()
-    ON_WM_NCDESTROY()
-    ON_WM_PARENTNOTIFY()
-    ON_WM_HSCROLL()
-    ON_WM_VSCROLL()
+ON_WM_COMPAREITEM()
+ON_WM_MEASUREITEM()
+ON_WM_DRAWITEM()
+ON_WM_DELETEITEM()
+ON_WM_CTLCOLOR()
+ON_WM_NCDESTROY()
+ON_WM_PARENTNOTIFY()
+ON_WM_HSCROLL()
+ON_WM_VSCROLL()
 END_MESSAGE_MAP()
 
 CWnd::CWnd() = default;
@@ -188,9 +188,8 @@ BOOL CWnd::CreateDlgIndirect(LPCDLGTEMPLATE lpDialogTemplate, CWnd* pParentWnd, 
     m_nModalResult = -1;
     m_bContinueModal = true;
     AfxHookWindowCreate(this);
-    HWND hWnd = ::CreateDialogIndirectParam(hInst, lpDialogTemplate,
-                                            pParentWnd != nullptr ? pParentWnd->m_hWnd : nullptr,
-                                            &AfxDlgProc, 0);
+    HWND hWnd = ::CreateDialogIndirectParam(
+        hInst, lpDialogTemplate, pParentWnd != nullptr ? pParentWnd->m_hWnd : nullptr, &AfxDlgProc, 0);
     if (!AfxUnhookWindowCreate())
     {
         PostNcDestroy();
@@ -309,7 +308,8 @@ BOOL CWnd::OnWndMsg(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* pResult
         {
             return FALSE;
         }
-        const UINT plain = wanted > WM_REFLECT_BASE && message != wanted ? message - WM_REFLECT_BASE : message;
+        const UINT plain =
+            wanted > WM_REFLECT_BASE && message != wanted ? message - WM_REFLECT_BASE : message;
         AFX_MSGARGS args{plain, wParam, lParam, 0, 0, nullptr};
         if (!entry->pfnHandler(this, args))
         {
@@ -345,9 +345,15 @@ BOOL CWnd::OnCommand(WPARAM wParam, LPARAM lParam)
             {
                 m_enabled = bOn != FALSE;
             }
-            void SetCheck(int) override {}
-            void SetRadio(BOOL) override {}
-            void SetText(LPCTSTR) override {}
+            void SetCheck(int) override
+            {
+            }
+            void SetRadio(BOOL) override
+            {
+            }
+            void SetText(LPCTSTR) override
+            {
+            }
         };
         if (id == 0)
         {

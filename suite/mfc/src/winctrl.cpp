@@ -148,8 +148,7 @@ BOOL CScrollBar::Create(DWORD dwStyle, const RECT& rect, CWnd* pParentWnd, UINT 
 
 namespace
 {
-template <class List>
-bool AnswerOwnerDraw(List& list, UINT message, LPARAM lParam, LRESULT* result)
+template <class List> bool AnswerOwnerDraw(List& list, UINT message, LPARAM lParam, LRESULT* result)
 {
     switch (message)
     {

@@ -7,11 +7,11 @@ IMPLEMENT_DYNCREATE(CFrameWnd, CWnd)
 const CRect CFrameWnd::rectDefault(CW_USEDEFAULT, CW_USEDEFAULT, 0, 0);
 
 BEGIN_MESSAGE_MAP(CFrameWnd, CWnd)
-    ON_WM_CLOSE()
-    ON_WM_SIZE()
-    ON_WM_INITMENUPOPUP()
-    ON_WM_QUERYENDSESSION()
-    ON_MESSAGE(WM_IDLEUPDATECMDUI, &CFrameWnd::OnIdleUpdateCmdUI)
+ON_WM_CLOSE()
+ON_WM_SIZE()
+ON_WM_INITMENUPOPUP()
+ON_WM_QUERYENDSESSION()
+ON_MESSAGE(WM_IDLEUPDATECMDUI, &CFrameWnd::OnIdleUpdateCmdUI)
 END_MESSAGE_MAP()
 
 CFrameWnd::CFrameWnd() = default;
@@ -146,7 +146,9 @@ namespace
 class ToolButtonState : public CCmdUI
 {
 public:
-    explicit ToolButtonState(HWND bar) : m_bar(bar) {}
+    explicit ToolButtonState(HWND bar) : m_bar(bar)
+    {
+    }
     void Enable(BOOL bOn) override
     {
         m_bEnableChanged = TRUE;
@@ -156,7 +158,9 @@ public:
     {
         ::SendMessage(m_bar, TB_CHECKBUTTON, m_nID, MAKELPARAM(nCheck != 0, 0));
     }
-    void SetText(LPCTSTR) override {}
+    void SetText(LPCTSTR) override
+    {
+    }
 
 private:
     HWND m_bar;

@@ -13,7 +13,9 @@ namespace
 class CForeignException : public CException
 {
 public:
-    explicit CForeignException(const char* text) : CException(FALSE), m_text(text) {}
+    explicit CForeignException(const char* text) : CException(FALSE), m_text(text)
+    {
+    }
     BOOL GetErrorMessage(LPTSTR lpszError, UINT nMaxError, PUINT pnHelpContext) const override
     {
         if (pnHelpContext != nullptr)
@@ -77,7 +79,8 @@ bool IsInputMethodWindow(const CREATESTRUCT& create)
     if (IS_INTRESOURCE(create.lpszClass))
     {
         char name[8] = "";
-        GlobalGetAtomName(static_cast<ATOM>(reinterpret_cast<ULONG_PTR>(create.lpszClass)), name, sizeof(name));
+        GlobalGetAtomName(static_cast<ATOM>(reinterpret_cast<ULONG_PTR>(create.lpszClass)), name,
+                          sizeof(name));
         return lstrcmpiA(name, "ime") == 0;
     }
     return lstrcmpiA(create.lpszClass, "ime") == 0;

@@ -60,7 +60,7 @@ protected:
     DECLARE_MESSAGE_MAP()
 
     UINT m_nIDHelp = 0;
-    LPCTSTR m_lpszTemplateName = nullptr; // not copied: a resource name or MAKEINTRESOURCE
+    LPCTSTR m_lpszTemplateName = nullptr;        // not copied: a resource name or MAKEINTRESOURCE
     LPCDLGTEMPLATE m_lpDialogTemplate = nullptr; // not owned
     CWnd* m_pParentWnd = nullptr;
     HWND m_hWndTop = nullptr; // top window disabled besides the parent
