@@ -50,6 +50,7 @@ BEGIN_MESSAGE_MAP(hostCFrame, CFrameWnd)
     ON_COMMAND(ID_APP_EXIT, &hostCFrame::OnExit)
     ON_COMMAND_RANGE(ID_COMMAND_FIRST, ID_COMMAND_LAST, &hostCFrame::OnCommandRange)
     ON_UPDATE_COMMAND_UI_RANGE(ID_COMMAND_FIRST, ID_COMMAND_LAST, &hostCFrame::OnUpdateCommand)
+    ON_MESSAGE(WM_NEXTDLGCTL, &hostCFrame::OnNextDlgCtl)
     ON_MESSAGE(HOST_WM_SPLIT, &hostCFrame::OnSplit)
     ON_MESSAGE(HOST_WM_SELECTION, &hostCFrame::OnSelectionChanged)
     ON_MESSAGE(VELDLGS_PATIENT_CHANGED, &hostCFrame::OnPatientChanged)
@@ -292,6 +293,14 @@ void hostCFrame::OnActivate(UINT state, CWnd* other, BOOL minimized)
 void hostCFrame::OnSetFocus(CWnd*)
 {
     ::SetFocus(::IsChild(m_hWnd, m_lastFocus) && ::IsWindowVisible(m_lastFocus) ? m_lastFocus : m_search.m_hWnd);
+}
+
+// The panes are reached as the controls of a dialog are.
+LRESULT hostCFrame::OnNextDlgCtl(WPARAM control, LPARAM isHandle)
+{
+    ::SetFocus(isHandle != 0 ? reinterpret_cast<HWND>(control)
+                             : ::GetNextDlgTabItem(m_hWnd, ::GetFocus(), control != 0));
+    return 0;
 }
 
 void hostCFrame::OnNextPane()

@@ -47,6 +47,7 @@ protected:
     afx_msg void OnNextPane();
     afx_msg void OnExit();
     afx_msg void OnCommandRange(UINT id);
+    afx_msg LRESULT OnNextDlgCtl(WPARAM control, LPARAM isHandle);
     afx_msg LRESULT OnSplit(WPARAM id, LPARAM position);
     afx_msg LRESULT OnSelectionChanged(WPARAM wParam, LPARAM lParam);
     afx_msg LRESULT OnPatientChanged(WPARAM what, LPARAM guid);

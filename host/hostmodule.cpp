@@ -10,12 +10,12 @@ namespace
 
 // In the order of hostCModule::Exports.
 constexpr std::array<hostCModule::Name, 13> kNames = {{
-    {"NewPatientDlg", "_Z12NewPatientDlgP4CWndP11dbCPatientsR7CString"},
-    {"NewPatientDlgWithData", "_Z20NewPatientDlgWithDataP4CWndP11dbCPatientsR7CStringP10dbCPatient"},
+    {"NewPatientDlg", "_Z13NewPatientDlgP4CWndP11dbCPatientsR7CString"},
+    {"NewPatientDlgWithData", "_Z21NewPatientDlgWithDataP4CWndP11dbCPatientsR7CStringP10dbCPatient"},
     {"ChangePatientDlg", "_Z16ChangePatientDlgP4CWndP11dbCPatientsP10dbCPatient"},
     {"NewTimepointDlg", "_Z15NewTimepointDlgP4CWndiP10dbCPatientRx"},
     {"DeleteDlg", "_Z9DeleteDlgP4CWndiP10dbCPatientiii7CStringRxRj"},
-    {"ArchiveDlg", "_Z10ArchiveDlgP4CWndiP10dbCPatient10ARCHIVE_OPR12CStringArrayP11dbCPatientsS4_S4_S4_S4_ii"},
+    {"ArchiveDlg", "_Z10ArchiveDlgP4CWndiP10dbCPatient10ARCHIVE_OPR12CStringArrayP11dbCPatientsS5_S5_S5_S5_ii"},
     {"RenameDlg", "_Z9RenameDlgP4CWndiP10dbCPatienti7CStringP9RENAME_OPRS3_S6_S6_S6_R12COleDateTime"},
     {"EditKeywords", "_Z12EditKeywordsP4CWnd8INI_LIST"},
     {"ImportPatientDiagnostics", "ImportPatientDiagnostics"},

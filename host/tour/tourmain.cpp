@@ -18,6 +18,7 @@ class tourCApp : public hostCApp
 public:
     int Run() override;
     int ExitInstance() override;
+    int DoMessageBox(LPCTSTR prompt, UINT type, UINT helpId) override;
 
 protected:
     BOOL ReadOptions(hostSOptions& options) override;
@@ -27,6 +28,7 @@ private:
 
     std::filesystem::path m_folder; // holds the practice; made by this run
     int m_result = 1;
+    bool m_playing = false;
 };
 
 tourCApp theApp;
@@ -48,8 +50,21 @@ BOOL tourCApp::ReadOptions(hostSOptions& options)
     return TRUE;
 }
 
+// Before the user is there nobody would answer a box.
+int tourCApp::DoMessageBox(LPCTSTR prompt, UINT type, UINT helpId)
+{
+    if (m_playing)
+    {
+        return hostCApp::DoMessageBox(prompt, type, helpId);
+    }
+    std::printf("The host does not start: %s\n", prompt);
+    std::fflush(stdout);
+    return IDCANCEL;
+}
+
 int tourCApp::Run()
 {
+    m_playing = true;
     int argumentCount = 1;
     testing::InitGoogleTest(&argumentCount, __argv);
     tourAttach(m_pMainWnd->m_hWnd);

@@ -72,8 +72,6 @@ void PlayOpen(tourCGuide& guide)
     guide.Expect(CountRows(guide, IDC_PATIENTS) == hostCPractice::kSamplePatients,
                  std::to_string(CountRows(guide, IDC_PATIENTS)) + " patients in the list");
     guide.Expect(CountRows(guide, IDC_AUDIT) == 0, "the audit log is empty");
-    SelectPatient(guide, "");
-    ClearSearch(guide);
     // A patient with images, so that the picture shows some.
     guide.Child(IDC_PATIENTS).SelectRow(2);
     guide.GetScript().Settle(frame);
