@@ -34,6 +34,7 @@ bool patCSheetPage::Report(const patFinding& finding)
 BOOL patCSheetPage::OnSetActive()
 {
     m_sheet.SetPageInitialised(m_nPage);
+    UpdateControls(); // so that no button shows enabled until the sheet is idle
     return TRUE;
 }
 

@@ -288,6 +288,7 @@ TEST_F(SheetChecksTest, TheInsurancePageIsCheckedOnOKAndOnLeaving)
         sheet.SelectPage(PAT_PAGE_INSURANCE);
         sheet.Item(IDC_INSURE_NUMBER).SetText("17");
         ExpectRefused(script, sheet, unfinished, IDC_INSURE_COMPANY);
+        sheet.SettleIdle();
         EXPECT_FALSE(sheet.Item(IDC_INSURE_ADD).IsEnabled());
         for (int nTime = 0; nTime < 2; ++nTime)
         {

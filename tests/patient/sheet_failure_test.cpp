@@ -63,7 +63,8 @@ bool RaceForID(DialogScript& script, const Signal& own, const Signal& other)
     FillNames(sheet, "RACE", "Ann", "Lee");
     sheet.Item(IDC_CHART_BIRTHDATE).SetDate(2012, 3, 4);
     sheet.Press(IDOK);
-    const Dialog question = script.WaitForBox("Similar Patient");
+    const Dialog question = script.WaitForBox();
+    EXPECT_EQ(question.Title(), "Similar Patient");
     own.Set();
     EXPECT_TRUE(other.Wait());
     question.Press(IDYES);
@@ -205,14 +206,34 @@ TEST_F(SheetFailureTest, ADatabaseThatFailsDuringOKLeavesTheSheetOpen)
     }
 }
 
-// The name cannot be converted to Unicode, so the write fails half way, after the company was added.
+// Answers that an ID is free and lets another user take it at once.
+class RacingPatients : public dbCPatients
+{
+public:
+    BOOL IsIDFree(LPCTSTR pszID) override
+    {
+        const BOOL bFree = dbCPatients::IsIDFree(pszID);
+        if (bFree)
+        {
+            dbCPatient other;
+            other.SetID(pszID);
+            other.SetLastname("Other");
+            other.Save();
+        }
+        return bFree;
+    }
+};
+
+// The write fails after the pages have added a company and changed the record.
 TEST_F(SheetFailureTest, NothingIsHalfWritten)
 {
+    RacingPatients patients;
+    m_pPatients = &patients;
     dbCPatient data;
     EXPECT_EQ(RunNewWithData(data,
                              [](DialogScript& script) {
                                  const Dialog sheet = WaitForSheet(script);
-                                 FillNames(sheet, "A1", "Ann", "Lee\x81");
+                                 FillNames(sheet, "A1", "Ann", "Lee");
                                  sheet.SelectPage(PAT_PAGE_GUARDIAN);
                                  sheet.Item(IDC_GUARD_FIRSTNAME).SetText("Eve");
                                  sheet.Item(IDC_GUARD_LASTNAME).SetText("Lee");
@@ -220,7 +241,8 @@ TEST_F(SheetFailureTest, NothingIsHalfWritten)
                                  sheet.Item(IDC_INSURE_COMPANY).SetText("Northfield");
                                  sheet.SettleIdle();
                                  sheet.Press(IDC_INSURE_ADD);
-                                 ExpectNotSaved(script, sheet);
+                                 ExpectRefused(script, sheet, takenID, IDC_CHART_ID);
+                                 EXPECT_EQ(SelectedText(sheet.Item(IDC_CHART_ID)), "A1");
                                  sheet.Press(IDCANCEL);
                              }),
               IDCANCEL);
@@ -229,7 +251,7 @@ TEST_F(SheetFailureTest, NothingIsHalfWritten)
     dbCInsuranceCompanies companies;
     companies.Load();
     EXPECT_EQ(companies.GetCount(), 0);
-    EXPECT_TRUE(m_patients.IsIDFree("A1"));
+    EXPECT_EQ(Stored("A1").GetLastname(0), "Other");
 }
 
 TEST_F(SheetFailureTest, ARecordChangedElsewhereIsNotOverwritten)
@@ -271,6 +293,9 @@ TEST_F(SheetFailureTest, HostileTextsComeBackAsTheyWere)
         "O'Brien \"x\"",       "%s %n %d 100%", "'; DROP TABLE patient; --", "\x01\x02\tz",
         "M\xFCller \x80 \xFF", "<1> <2> \\n",   std::string(50, '\xDF'),     " ",
     };
+    std::string notes; // more than an edit field takes by itself
+    while (notes.size() < 40'000)
+        notes += "100% of what is known about this guardian stands here, line after line\r\n";
     int nNumber = 0;
     for (const std::string& text : texts)
     {
@@ -283,7 +308,7 @@ TEST_F(SheetFailureTest, HostileTextsComeBackAsTheyWere)
                       sheet.SelectPage(PAT_PAGE_GUARDIAN);
                       sheet.Item(IDC_GUARD_FIRSTNAME).SetText(text);
                       sheet.Item(IDC_GUARD_LASTNAME).SetText(text);
-                      sheet.Item(IDC_GUARD_NOTES).SetText(text + std::string(40'000, '%'));
+                      sheet.Item(IDC_GUARD_NOTES).SetText(text + notes);
                       sheet.SelectPage(PAT_PAGE_INSURANCE);
                       sheet.Item(IDC_INSURE_COMPANY).SetText(text + "x");
                       sheet.SettleIdle();
@@ -301,7 +326,7 @@ TEST_F(SheetFailureTest, HostileTextsComeBackAsTheyWere)
         dbCPerson guardian;
         ASSERT_TRUE(patient.GetPersonInfo(dbPersonGuardian, guardian));
         EXPECT_EQ(guardian.GetLastname().GetString(), text);
-        EXPECT_EQ(guardian.GetNotes().GetString(), text + std::string(40'000, '%'));
+        EXPECT_EQ(guardian.GetNotes().GetString(), text + notes);
         EXPECT_EQ(patient.GetInsurances().GetCount(), text.size() < 50 ? 1 : 0);
     }
 }

@@ -37,7 +37,7 @@ TEST_F(SheetLookTest, F1OpensTheTopicOfThePage)
         const int topics[] = {140433, 140434, 140438, 140439, 140440};
         const int fields[] = {IDC_CHART_STREET, 0, IDC_GUARD_NOTES, IDC_REFER_LIST, IDC_INSURE_COMPANY};
         const auto expectHelp = [&](int nTopic) {
-            EXPECT_THAT(script.WaitForBox("Calling").BoxText(), testing::HasSubstr(std::to_string(nTopic)));
+            EXPECT_THAT(script.WaitForBox().BoxText(), testing::HasSubstr(std::to_string(nTopic)));
             script.AnswerBox("", IDOK);
             script.WaitUntil("the sheet is usable again", [&] { return sheet.IsEnabled(); });
         };

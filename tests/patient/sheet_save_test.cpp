@@ -220,6 +220,7 @@ TEST_F(SheetSaveTest, ListPagesChangeAndRemoveRows)
                         [](DialogScript& script) {
                             const Dialog sheet = WaitForSheet(script);
                             sheet.SelectPage(PAT_PAGE_REFERRAL);
+                            sheet.SettleIdle();
                             EXPECT_FALSE(sheet.Item(IDC_REFER_CHANGE).IsEnabled());
                             sheet.Item(IDC_REFER_LIST).SelectRow(0);
                             EXPECT_EQ(sheet.Item(IDC_REFER_DOCTOR).SelectedItem(), "Sorel, Ida");

@@ -80,7 +80,10 @@ void ExpectRefused(DialogScript& script, const Dialog& sheet, const std::string&
     script.WaitUntil("the sheet is usable again", [&] { return sheet.IsEnabled(); });
     if (focusedControl != 0)
     {
-        EXPECT_EQ(sheet.Focused().Id(), focusedControl) << text;
+        const HWND focus = sheet.Focused().Handle();
+        const bool bInside =
+            IsChild(sheet.Item(focusedControl).Handle(), focus); // the edit part of a combo box
+        EXPECT_EQ(GetDlgCtrlID(bInside ? GetParent(focus) : focus), focusedControl) << text;
     }
 }
 
