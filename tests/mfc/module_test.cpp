@@ -36,6 +36,10 @@ public:
     {
         return Function<HWND (*)()>("TestModuleOpenWindow")();
     }
+    bool IsThemed() const
+    {
+        return Function<int (*)()>("TestModuleIsThemed")() != 0;
+    }
     void CloseWindow() const
     {
         Function<void (*)()>("TestModuleCloseWindow")();
@@ -70,6 +74,20 @@ TEST(MfcModule, RunsEveryCallAndMessageInItsOwnState)
     EXPECT_EQ(AfxGetApp(), &TestApp());
     a.CloseWindow();
     b.CloseWindow();
+}
+
+TEST(MfcModule, BringsItsOwnControlsIntoAProgramWithoutAManifest)
+{
+    const CModule themed("MfcTestA.dll");
+    const CModule plain("MfcTestB.dll"); // has no manifest
+    ASSERT_NE(themed.Get(), nullptr);
+    ASSERT_NE(plain.Get(), nullptr);
+    EXPECT_TRUE(themed.IsThemed());
+    EXPECT_FALSE(plain.IsThemed());
+    ACTCTX_SECTION_KEYED_DATA data{};
+    data.cbSize = sizeof(data);
+    EXPECT_FALSE(::FindActCtxSectionString(0, nullptr, ACTIVATION_CONTEXT_SECTION_WINDOW_CLASS_REDIRECTION,
+                                           "Button", &data)); // outside nothing has changed
 }
 
 TEST(MfcModule, LoadsAgainAfterItWasUnloaded)

@@ -20,9 +20,6 @@ CTestModuleApp theApp;
 
 class CTestWindow : public CWnd
 {
-public:
-    CWinApp* m_appInside = nullptr;
-
 protected:
     LRESULT OnAsk(WPARAM, LPARAM)
     {
@@ -65,6 +62,16 @@ extern "C" __declspec(dllexport) HWND TestModuleOpenWindow()
         return nullptr;
     }
     return window.m_hWnd;
+}
+
+// Whether windows made in this module's state get the controls of version 6.
+extern "C" __declspec(dllexport) int TestModuleIsThemed()
+{
+    AFX_MANAGE_STATE(AfxGetStaticModuleState());
+    ACTCTX_SECTION_KEYED_DATA data{};
+    data.cbSize = sizeof(data);
+    return ::FindActCtxSectionString(0, nullptr, ACTIVATION_CONTEXT_SECTION_WINDOW_CLASS_REDIRECTION, "Button",
+                                     &data);
 }
 
 extern "C" __declspec(dllexport) void TestModuleCloseWindow()

@@ -320,7 +320,8 @@ BOOL CWinThread::PreTranslateMessage(MSG* pMsg)
         return TRUE;
     }
     // Messages of modeless dialogs pass the main window's accelerators last.
-    if (main != nullptr && CWnd::FromHandle(pMsg->hwnd)->GetTopLevelParent() != main)
+    // An active window that merely stands in for the main window has been asked on the way up.
+    if (main != nullptr && main == m_pMainWnd && CWnd::FromHandle(pMsg->hwnd)->GetTopLevelParent() != main)
     {
         return main->PreTranslateMessage(pMsg);
     }
