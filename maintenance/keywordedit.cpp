@@ -42,7 +42,9 @@ LRESULT CALLBACK cedCKeywords::FirstWindowProc(HWND hWnd, UINT nMessage, WPARAM 
     AFX_MANAGE_STATE(AfxGetStaticModuleState());
     try
     {
-        (new cedCKeywords)->Attach(hWnd);
+        auto* const pField = new cedCKeywords;
+        pField->Attach(hWnd);
+        pField->m_pfnSuper = pfnEdit;
     }
     catch (CException* e)
     {
@@ -52,11 +54,6 @@ LRESULT CALLBACK cedCKeywords::FirstWindowProc(HWND hWnd, UINT nMessage, WPARAM 
     const WNDPROC pfnAfx = AfxGetAfxWndProc();
     ::SetWindowLongPtr(hWnd, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(pfnAfx));
     return ::CallWindowProc(pfnAfx, hWnd, nMessage, wParam, lParam);
-}
-
-WNDPROC* cedCKeywords::GetSuperWndProcAddr()
-{
-    return &pfnEdit;
 }
 
 void cedCKeywords::PostNcDestroy()

@@ -16,7 +16,6 @@ public:
     static void UnregisterControlClass(HINSTANCE hInstance);
 
 protected:
-    WNDPROC* GetSuperWndProcAddr() override;
     void PostNcDestroy() override;
 
     afx_msg int OnCreate(LPCREATESTRUCT pCreate);

@@ -86,13 +86,13 @@ TEST(Exports, AreTheThirteenAndNothingElse)
     EXPECT_THAT(
         ExportedNames(module.Handle()),
         testing::UnorderedElementsAre(
-            "_Z10ArchiveDlgP4CWndiP10dbCPatient10ARCHIVE_OPR12CStringArrayP11dbCPatientsS4_S4_S4_S4_ii",
-            "_Z12EditKeywordsP4CWnd8INI_LIST", "_Z12NewPatientDlgP4CWndP11dbCPatientsR7CString",
+            "_Z10ArchiveDlgP4CWndiP10dbCPatient10ARCHIVE_OPR12CStringArrayP11dbCPatientsS5_S5_S5_S5_ii",
+            "_Z12EditKeywordsP4CWnd8INI_LIST", "_Z13NewPatientDlgP4CWndP11dbCPatientsR7CString",
             "_Z14GrayStringProcP5HDC__xi", "_Z15NewTimepointDlgP4CWndiP10dbCPatientRx",
             "_Z16ChangePatientDlgP4CWndP11dbCPatientsP10dbCPatient",
             "_Z16nameMakeFullnamePKcS0_P7CString9NAMEORDER", "_Z19SetArchivingAllowedb",
-            "_Z20NewPatientDlgWithDataP4CWndP11dbCPatientsR7CStringP10dbCPatient",
-            "_Z8DeleteDlgP4CWndiP10dbCPatientiii7CStringRxRj",
+            "_Z21NewPatientDlgWithDataP4CWndP11dbCPatientsR7CStringP10dbCPatient",
+            "_Z9DeleteDlgP4CWndiP10dbCPatientiii7CStringRxRj",
             "_Z9RenameDlgP4CWndiP10dbCPatienti7CStringP9RENAME_OPRS3_S6_S6_S6_R12COleDateTime",
             "ImportPatientDiagnostics", container));
 }
@@ -139,7 +139,7 @@ TEST(Loading, WorksAgainAndAgainAndLeavesNoWindowClassBehind)
     }
 }
 
-TEST(GrayString, DrawsTheTextAndReturnsItsHeight)
+TEST(GreyText, DrawsTheTextAndReturnsItsHeight)
 {
     const Module module;
     const auto grayString = module.Get<int (*)(HDC, LPARAM, int)>("_Z14GrayStringProcP5HDC__xi");

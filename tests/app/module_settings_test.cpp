@@ -132,11 +132,11 @@ TEST(Container, HoldsWhatIsSetWithinItsLimits)
 TEST(Container, TakesNoHarmFromDamagedSettings)
 {
     const veltest::TemporaryPractice practice;
-    practice.Set("Defaults", "MeasWndNumDisplayPrec", "many");
-    practice.Set("Defaults", "TracingPrintTextScale", "abc");
-    practice.Set("Defaults", "BackgroundColor", "blue");
-    practice.Set("Defaults", "TracingLineThickness", std::string(3000, '9'));
-    practice.Set("Environment", "LimitCapturedImagesToMegaPixel64", std::string(100000, '1'));
+    practice.WriteFile("veltrix.ini",
+                       "[Defaults]\r\nMeasWndNumDisplayPrec=many\r\nTracingPrintTextScale=abc\r\n"
+                       "BackgroundColor=blue\r\nTracingLineThickness=" +
+                           std::string(3000, '9') + "\r\n\0[\r\n[Environment]\r\n" +
+                           "LimitCapturedImagesToMegaPixel64=" + std::string(100000, '1') + "\r\n");
     EXPECT_EQ(ReadContainer(
                   {"measure", "1", "scale", "0", "iswindowcolour", "1", "line", "3", "megapixels", "8.3"}),
               0);

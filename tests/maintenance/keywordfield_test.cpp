@@ -88,10 +88,10 @@ TEST_F(KeywordField, AppendsTheChosenKeyword)
     Run([](DialogScript& script, const Dialog& dialog) {
         const Control field = dialog.Item(IDC_FIELD_PATIENT);
         dialog.Item(IDC_FIELD_NONE).Focus();
-        ChooseKeyword(script, field, "Crown & Bridge");
+        ChooseKeyword(script, field, "Crown && Bridge");
         EXPECT_EQ(field.Text(), "Crown & Bridge");
         EXPECT_TRUE(field.HasFocus());
-        ChooseKeyword(script, field, "&&");
+        ChooseKeyword(script, field, "&&&&");
         EXPECT_EQ(field.Text(), "Crown & Bridge, &&");
         const auto end = static_cast<WORD>(field.Text().size());
         EXPECT_EQ(field.Send(EM_GETSEL), MAKELRESULT(end, end)) << "the caret stands at the end";
