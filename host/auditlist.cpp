@@ -10,7 +10,7 @@ namespace
 
 constexpr hostSColumn kColumns[] = {{IDS_COLUMN_TIME, 130, LVCFMT_LEFT},
                                     {IDS_COLUMN_EVENT, 120, LVCFMT_LEFT},
-                                    {IDS_COLUMN_TEXT, 430, LVCFMT_LEFT},
+                                    {IDS_COLUMN_TEXT, 480, LVCFMT_LEFT},
                                     {IDS_COLUMN_USER, 90, LVCFMT_LEFT},
                                     {IDS_COLUMN_COMPUTER, 100, LVCFMT_LEFT}};
 
@@ -18,7 +18,7 @@ constexpr hostSColumn kColumns[] = {{IDS_COLUMN_TIME, 130, LVCFMT_LEFT},
 
 BOOL hostCAuditList::CreateIn(CWnd* parent, UINT id)
 {
-    const DWORD style = WS_CHILD | WS_VISIBLE | WS_TABSTOP | LVS_REPORT | LVS_SHOWSELALWAYS | LVS_SINGLESEL;
+    const DWORD style = WS_CHILD | WS_VISIBLE | WS_BORDER | WS_TABSTOP | LVS_REPORT | LVS_SHOWSELALWAYS | LVS_SINGLESEL;
     if (!CListCtrl::Create(style, CRect(0, 0, 0, 0), parent, id))
     {
         return FALSE;

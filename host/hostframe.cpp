@@ -22,6 +22,8 @@ constexpr int kFieldHeight = 22;
 constexpr int kTitleHeight = 26;
 constexpr int kTimepointsHeight = 130;
 constexpr int kSearchByWidth = 96;
+constexpr int kUsualWidth = 1080;
+constexpr int kUsualHeight = 760;
 constexpr int kLeastWidth = 560;
 constexpr int kLeastHeight = 420;
 constexpr int kLeastPane = 120;
@@ -66,6 +68,19 @@ hostCFrame::~hostCFrame()
     ::ImageList_Destroy(m_icons);
     ::DeleteObject(m_font);
     ::DeleteObject(m_titleFont);
+}
+
+BOOL hostCFrame::PreCreateWindow(CREATESTRUCT& create)
+{
+    if (!CFrameWnd::PreCreateWindow(create))
+    {
+        return FALSE;
+    }
+    CRect work;
+    ::SystemParametersInfo(SPI_GETWORKAREA, 0, &work, 0);
+    create.cx = std::min(hostScale(kUsualWidth), work.Width() * 95 / 100);
+    create.cy = std::min(hostScale(kUsualHeight), work.Height() * 95 / 100);
+    return TRUE;
 }
 
 int hostCFrame::OnCreate(LPCREATESTRUCT create)
@@ -133,7 +148,7 @@ BOOL hostCFrame::CreatePanes()
 {
     const CRect none(0, 0, 0, 0);
     const DWORD label = WS_CHILD | WS_VISIBLE | SS_LEFTNOWORDWRAP;
-    const DWORD list = WS_CHILD | WS_VISIBLE | WS_TABSTOP | LVS_REPORT | LVS_SINGLESEL | LVS_SHOWSELALWAYS;
+    const DWORD list = WS_CHILD | WS_VISIBLE | WS_BORDER | WS_TABSTOP | LVS_REPORT | LVS_SINGLESEL | LVS_SHOWSELALWAYS;
     if (!m_searchLabel.Create(hostText(IDS_SEARCH), label, none, this, IDC_SEARCH_LABEL) ||
         !m_search.CreateEx(WS_EX_CLIENTEDGE, "EDIT", "", WS_CHILD | WS_VISIBLE | WS_TABSTOP | ES_AUTOHSCROLL, none, this,
                            IDC_SEARCH) ||

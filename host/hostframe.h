@@ -28,6 +28,7 @@ public:
     BOOL DoIdle();
 
 protected:
+    BOOL PreCreateWindow(CREATESTRUCT& create) override;
     BOOL PreTranslateMessage(MSG* msg) override;
     BOOL OnNotify(WPARAM wParam, LPARAM lParam, LRESULT* result) override;
 

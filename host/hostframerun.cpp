@@ -130,8 +130,9 @@ void hostCFrame::ShowSelected()
     const BOOL loaded = m_session.GetPractice().IsOpen() && selected == 1 && LoadSelected(m_shown);
     if (loaded)
     {
-        m_name.SetWindowText(FormatText(IDS_PATIENT_LINE, FullName(m_shown), m_shown.GetID(),
-                                        m_shown.GetBirthdate().FormatDate()));
+        const CString born = m_shown.GetBirthdate().FormatDate();
+        m_name.SetWindowText(FormatText(born.IsEmpty() ? IDS_PATIENT_LINE : IDS_PATIENT_LINE_BORN, FullName(m_shown),
+                                        m_shown.GetID(), born));
     }
     else
     {

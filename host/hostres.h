@@ -91,6 +91,7 @@
 #define IDS_MANY_PATIENTS 33038
 #define IDS_READY 33039
 #define IDS_FILE_MISSING 33040
+#define IDS_PATIENT_LINE_BORN 33041
 
 // Audit events by kind: IDS_EVENT_FIRST + kind.
 #define IDS_EVENT_FIRST 33050

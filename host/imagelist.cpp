@@ -46,7 +46,7 @@ hostCImageList::~hostCImageList()
 BOOL hostCImageList::CreateIn(CWnd* parent, UINT id)
 {
     const DWORD style =
-        WS_CHILD | WS_VISIBLE | WS_TABSTOP | LVS_ICON | LVS_AUTOARRANGE | LVS_SHOWSELALWAYS | LVS_SHAREIMAGELISTS;
+        WS_CHILD | WS_VISIBLE | WS_BORDER | WS_TABSTOP | LVS_ICON | LVS_AUTOARRANGE | LVS_SHOWSELALWAYS | LVS_SHAREIMAGELISTS;
     if (!CListCtrl::Create(style, CRect(0, 0, 0, 0), parent, id))
     {
         return FALSE;
@@ -101,7 +101,7 @@ void hostCImageList::SetEmptyText(LPCTSTR text, GRAYSTRINGPROC draw)
 void hostCImageList::OnPaint()
 {
     Default();
-    if (!m_files.empty() || m_emptyText.IsEmpty())
+    if (!m_files.empty() || m_drawEmpty == nullptr)
     {
         return;
     }
@@ -111,9 +111,10 @@ void hostCImageList::OnPaint()
     ::GetTextExtentPoint32(dc, m_emptyText, m_emptyText.GetLength(), &extent);
     CRect client;
     GetClientRect(&client);
-    ::GrayString(dc, ::GetSysColorBrush(COLOR_GRAYTEXT), m_drawEmpty,
-                 reinterpret_cast<LPARAM>(m_emptyText.GetString()), m_emptyText.GetLength(),
-                 std::max(0, (client.Width() - static_cast<int>(extent.cx)) / 2), hostScale(24), extent.cx, extent.cy);
+    ::SetBkMode(dc, TRANSPARENT);
+    ::SetTextColor(dc, ::GetSysColor(COLOR_GRAYTEXT));
+    ::SetViewportOrgEx(dc, std::max(0, (client.Width() - static_cast<int>(extent.cx)) / 2), hostScale(24), nullptr);
+    m_drawEmpty(dc, reinterpret_cast<LPARAM>(m_emptyText.GetString()), m_emptyText.GetLength());
     ::SelectObject(dc, font);
     ::ReleaseDC(m_hWnd, dc);
 }

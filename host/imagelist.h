@@ -26,7 +26,7 @@ public:
     /// The colour behind the images, from the shared settings.
     void SetBackground(COLORREF color);
 
-    /// What stands in the list while it is empty, drawn grey by an output procedure; null for the system's own. The
+    /// What stands in the list while it is empty, drawn by an output procedure at the origin; null draws nothing. The
     /// procedure must stay loaded until another one is set.
     void SetEmptyText(LPCTSTR text, GRAYSTRINGPROC draw);
 

@@ -6,7 +6,7 @@
 namespace
 {
 
-constexpr hostSColumn kColumns[] = {{IDS_COLUMN_NAME, 220, LVCFMT_LEFT}, {IDS_COLUMN_VALUE, 190, LVCFMT_LEFT}};
+constexpr hostSColumn kColumns[] = {{IDS_COLUMN_NAME, 220, LVCFMT_LEFT}, {IDS_COLUMN_VALUE, 176, LVCFMT_LEFT}};
 
 } // namespace
 

@@ -38,7 +38,7 @@ CString CellText(const dbSPatientListRow& row, int column)
 
 BOOL hostCPatientList::CreateIn(CWnd* parent, UINT id)
 {
-    const DWORD style = WS_CHILD | WS_VISIBLE | WS_TABSTOP | LVS_REPORT | LVS_OWNERDATA | LVS_SHOWSELALWAYS;
+    const DWORD style = WS_CHILD | WS_VISIBLE | WS_BORDER | WS_TABSTOP | LVS_REPORT | LVS_OWNERDATA | LVS_SHOWSELALWAYS;
     if (!CListCtrl::Create(style, CRect(0, 0, 0, 0), parent, id))
     {
         return FALSE;
