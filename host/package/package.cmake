@@ -24,8 +24,8 @@ add_custom_target(package_zip
   COMMAND "${CMAKE_COMMAND}" -E make_directory "${package_folder}"
   COMMAND "${CMAKE_COMMAND}" -E copy ${package_files} "${runtime_cpp}" "${runtime_gcc}" "${runtime_threads}"
     "${CMAKE_CURRENT_SOURCE_DIR}/package/readme.txt" "${package_folder}"
-  # Release builds leave their symbols out of the package.
-  COMMAND sh -c "for file in '${package_folder}'/Vel*; do '${CMAKE_STRIP}' --strip-debug \"$file\"; done"
+  # Symbols stay out of the package, the runtime libraries' own included.
+  COMMAND sh -c "for file in '${package_folder}'/*.dll '${package_folder}'/*.exe; do '${CMAKE_STRIP}' --strip-debug \"$file\"; done"
   COMMAND "${CMAKE_COMMAND}" -E chdir "${CMAKE_BINARY_DIR}/package"
     "${CMAKE_COMMAND}" -E tar cf "${CMAKE_BINARY_DIR}/${package_name}.zip" --format=zip "${package_name}"
   DEPENDS ${package_targets}
