@@ -11,6 +11,7 @@ endfunction()
 vel_runtime_library(runtime_cpp libstdc++-6.dll)
 vel_runtime_library(runtime_gcc libgcc_s_seh-1.dll)
 vel_runtime_library(runtime_threads libwinpthread-1.dll)
+vel_runtime_library(runtime_guard libssp-0.dll)
 
 set(package_name "VelDlgs-${PROJECT_VERSION}-win64")
 set(package_folder "${CMAKE_BINARY_DIR}/package/${package_name}")
@@ -22,7 +23,7 @@ endforeach()
 add_custom_target(package_zip
   COMMAND "${CMAKE_COMMAND}" -E rm -rf "${CMAKE_BINARY_DIR}/package"
   COMMAND "${CMAKE_COMMAND}" -E make_directory "${package_folder}"
-  COMMAND "${CMAKE_COMMAND}" -E copy ${package_files} "${runtime_cpp}" "${runtime_gcc}" "${runtime_threads}"
+  COMMAND "${CMAKE_COMMAND}" -E copy ${package_files} "${runtime_cpp}" "${runtime_gcc}" "${runtime_threads}" "${runtime_guard}"
     "${CMAKE_CURRENT_SOURCE_DIR}/package/readme.txt" "${package_folder}"
   # Symbols stay out of the package, the runtime libraries' own included.
   COMMAND sh -c "for file in '${package_folder}'/*.dll '${package_folder}'/*.exe; do '${CMAKE_STRIP}' --strip-debug \"$file\"; done"
