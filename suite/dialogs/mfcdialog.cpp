@@ -52,13 +52,14 @@ void CNSFlexDialog::MakeResizable()
 {
     CRect rectClient;
     GetClientRect(&rectClient);
+    // The extended style stays: with it the caption shows no icon, as that of every other dialog.
     ModifyStyle(DS_MODALFRAME, WS_THICKFRAME);
-    ModifyStyleEx(WS_EX_DLGMODALFRAME, 0);
     CRect rectWindow(0, 0, rectClient.Width(), rectClient.Height());
     ::AdjustWindowRectEx(&rectWindow, GetStyle(), FALSE, GetExStyle());
     m_sizeSmallest = rectWindow.Size();
     SetWindowPos(nullptr, 0, 0, m_sizeSmallest.cx, m_sizeSmallest.cy,
                  SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE | SWP_FRAMECHANGED);
+    m_rectGrip = GripPlace();
     if (CMenu* pMenu = GetSystemMenu(FALSE); pMenu != nullptr)
     {
         // A dialog's own system menu lacks the entry that the keyboard needs for the new frame.
@@ -118,9 +119,11 @@ void CNSFlexDialog::OnSize(UINT nType, int cx, int cy)
     CDialog::OnSize(nType, cx, cy);
     if (nType != SIZE_MINIMIZED && m_sizeSmallest.cx > 0)
     {
+        // The background may have been erased for the new size already, before this message.
         InvalidateRect(&m_rectGrip);
         m_layout.Arrange(*this);
-        InvalidateRect(GripPlace());
+        m_rectGrip = GripPlace();
+        InvalidateRect(&m_rectGrip);
     }
 }
 
@@ -162,8 +165,7 @@ BOOL CNSFlexDialog::OnEraseBkgnd(CDC* pDC)
     const BOOL bErased = CDialog::OnEraseBkgnd(pDC);
     if (m_sizeSmallest.cx > 0 && !IsZoomed())
     {
-        m_rectGrip = GripPlace();
-        ctlDrawGrip(m_hWnd, pDC->GetSafeHdc(), m_rectGrip);
+        ctlDrawGrip(m_hWnd, pDC->GetSafeHdc(), GripPlace());
     }
     return bErased;
 }

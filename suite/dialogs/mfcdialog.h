@@ -44,7 +44,7 @@ private:
     std::span<const mfcAnchor> m_anchors;
     mfcAnchorLayout m_layout;
     CSize m_sizeSmallest; ///< of the whole window; 0 until the dialog has been made resizable
-    CRect m_rectGrip;     ///< where the grip was drawn last
+    CRect m_rectGrip;     ///< where the grip is for the size that OnSize saw last
     CString m_strSizeEntry;
 };
 

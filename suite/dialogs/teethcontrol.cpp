@@ -33,6 +33,7 @@ private:
     {
         RECT rectClient;
         int nNumberHeight;
+        int nLine; // width of a line: 1 at 96 dpi
 
         RECT Cell(int nPlace) const;
         RECT Tooth(int nPlace) const;
@@ -80,8 +81,8 @@ RECT TeethWindow::Geometry::Tooth(int nPlace) const
     rect.left += (rect.right - rect.left - nWidth) / 2;
     rect.right = rect.left + nWidth;
     const bool bLower = nPlace >= cttChart::archLength;
-    rect.top += bLower ? 2 : nNumberHeight + 1;
-    rect.bottom -= bLower ? nNumberHeight + 1 : 2;
+    rect.top += bLower ? 2 * nLine : nNumberHeight + nLine;
+    rect.bottom -= bLower ? nNumberHeight + nLine : 2 * nLine;
     return rect;
 }
 
@@ -121,9 +122,11 @@ TeethWindow::Geometry TeethWindow::Measure() const
         ::SelectObject(hDC, m_hFont != nullptr ? m_hFont : ::GetStockObject(DEFAULT_GUI_FONT));
     TEXTMETRIC metric = {};
     ::GetTextMetrics(hDC, &metric);
+    const int nDpi = ::GetDeviceCaps(hDC, LOGPIXELSY);
     ::SelectObject(hDC, hPrevious);
     ::ReleaseDC(m_hWnd, hDC);
     geometry.nNumberHeight = metric.tmHeight;
+    geometry.nLine = std::max(1, nDpi / 96);
     return geometry;
 }
 
@@ -235,7 +238,7 @@ void TeethWindow::DrawTooth(HDC hDC, const Geometry& geometry, int nPlace) const
     const COLORREF colorOutline = ctlIsHighContrast()
                                       ? colorLine
                                       : ctlMixColors(::GetSysColor(COLOR_WINDOW), colorLine, bGone ? 35 : 55);
-    const HPEN hPen = ::CreatePen(bGone ? PS_DOT : PS_SOLID, 1, colorOutline);
+    const HPEN hPen = ::CreatePen(bGone ? PS_DOT : PS_SOLID, bGone ? 1 : geometry.nLine, colorOutline);
     const HGDIOBJ hPreviousPen = ::SelectObject(hDC, hPen);
     const HGDIOBJ hPreviousBrush =
         ::SelectObject(hDC, bGone || !bEnabled ? ::GetStockObject(NULL_BRUSH)
@@ -243,12 +246,13 @@ void TeethWindow::DrawTooth(HDC hDC, const Geometry& geometry, int nPlace) const
     ::RoundRect(hDC, rect.left, rect.top, rect.right, rect.bottom, nRound, nRound);
     if (state == cttTooth::extracted)
     {
-        const HPEN hCross = ::CreatePen(PS_SOLID, 2, colorLine);
+        const HPEN hCross = ::CreatePen(PS_SOLID, 2 * geometry.nLine, colorLine);
+        const int nMargin = 3 * geometry.nLine;
         ::SelectObject(hDC, hCross);
-        ::MoveToEx(hDC, rect.left + 3, rect.top + 3, nullptr);
-        ::LineTo(hDC, rect.right - 4, rect.bottom - 4);
-        ::MoveToEx(hDC, rect.right - 4, rect.top + 3, nullptr);
-        ::LineTo(hDC, rect.left + 3, rect.bottom - 4);
+        ::MoveToEx(hDC, rect.left + nMargin, rect.top + nMargin, nullptr);
+        ::LineTo(hDC, rect.right - nMargin - 1, rect.bottom - nMargin - 1);
+        ::MoveToEx(hDC, rect.right - nMargin - 1, rect.top + nMargin, nullptr);
+        ::LineTo(hDC, rect.left + nMargin, rect.bottom - nMargin - 1);
         ::SelectObject(hDC, hPen);
         ::DeleteObject(hCross);
     }

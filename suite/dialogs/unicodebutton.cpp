@@ -5,12 +5,46 @@ IMPLEMENT_DYNAMIC(CUnicodeButton, CButton)
 BEGIN_MESSAGE_MAP(CUnicodeButton, CButton)
 END_MESSAGE_MAP()
 
-// The window's own procedure takes wide text as it is; only messages sent to the window are converted,
-// because the framework's procedure in front of it is a narrow one.
+namespace
+{
+
+// The window's property that leads from UnicodeProc to the button's object.
+constexpr wchar_t objectProperty[] = L"VelUnicodeButton";
+
+} // namespace
+
+// The control reads its text for drawing through the window's procedure, and the framework's is a narrow one.
+// A wide procedure in front of it lets the text messages pass by the conversion; all others go the usual way.
 void CUnicodeButton::SetUnicodeText(LPCWSTR pszText)
 {
-    ::CallWindowProcW(*GetSuperWndProcAddr(), m_hWnd, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(pszText));
-    Invalidate();
+    if (m_pfnNarrow == nullptr && ::SetPropW(m_hWnd, objectProperty, this))
+    {
+        m_pfnNarrow = reinterpret_cast<WNDPROC>(
+            ::SetWindowLongPtrW(m_hWnd, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&UnicodeProc)));
+    }
+    ::SetWindowTextW(m_hWnd, pszText);
+}
+
+LRESULT CALLBACK CUnicodeButton::UnicodeProc(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam) noexcept
+{
+    auto* pButton = static_cast<CUnicodeButton*>(::GetPropW(hWnd, objectProperty));
+    const WNDPROC pfnNarrow = pButton->m_pfnNarrow;
+    switch (nMessage)
+    {
+    case WM_SETTEXT:
+    case WM_GETTEXT:
+    case WM_GETTEXTLENGTH:
+        return ::CallWindowProcW(*pButton->GetSuperWndProcAddr(), hWnd, nMessage, wParam, lParam);
+
+    case WM_NCDESTROY:
+        ::RemovePropW(hWnd, objectProperty);
+        ::SetWindowLongPtrW(hWnd, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(pfnNarrow));
+        pButton->m_pfnNarrow = nullptr;
+        return ::CallWindowProcW(pfnNarrow, hWnd, nMessage, wParam, lParam);
+
+    default:
+        return ::CallWindowProcW(pfnNarrow, hWnd, nMessage, wParam, lParam);
+    }
 }
 
 std::wstring CUnicodeButton::GetUnicodeText() const

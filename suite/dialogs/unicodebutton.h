@@ -15,6 +15,11 @@ public:
     void SetUnicodeText(LPCWSTR pszText);
     std::wstring GetUnicodeText() const;
 
+private:
+    static LRESULT CALLBACK UnicodeProc(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam) noexcept;
+
+    WNDPROC m_pfnNarrow = nullptr; ///< the framework's procedure, behind UnicodeProc once that is in place
+
 protected:
     DECLARE_MESSAGE_MAP()
 };

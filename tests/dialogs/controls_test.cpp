@@ -93,7 +93,7 @@ TEST_F(ControlsTest, LabelShowsOnlyInAnEmptyFieldWithoutFocus)
                               veltest::SavePicture(shown.Handle(), "controls-empty");
 
                               name.Focus();
-                              EXPECT_LT(InkOf(name.Handle()), 20) << "only the caret may show";
+                              EXPECT_LT(InkOf(name.Handle()), 50) << "only the caret may show";
                               name.Type("M\xFCller & S\xF6hne");
                               id.Focus();
                               EXPECT_EQ(name.Text(), "M\xFCller & S\xF6hne");
@@ -134,7 +134,14 @@ TEST_F(ControlsTest, UnicodeButtonKeepsCharactersOutsideTheCodePage)
                           EXPECT_EQ(dialog.m_button.GetUnicodeText(), L"&Name");
                           dialog.m_button.SetUnicodeText(L"\x0416\x03A9 &Name");
                           EXPECT_EQ(dialog.m_button.GetUnicodeText(), L"\x0416\x03A9 &Name");
+                          EXPECT_EQ(shown.Item(IDC_UNICODE).Text(), "?O &Name") << "as narrow callers see it";
                           veltest::SavePicture(shown.Handle(), "controls-unicode");
+                          const auto inkOfText = [&](LPCWSTR text) {
+                              dialog.m_button.SetUnicodeText(text);
+                              ::UpdateWindow(dialog.m_button.m_hWnd);
+                              return InkOf(dialog.m_button.m_hWnd);
+                          };
+                          EXPECT_NE(inkOfText(L"\x0416"), inkOfText(L"\x0406")) << "drawn as they are";
                           shown.Press(IDCANCEL);
                       });
 }
