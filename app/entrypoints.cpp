@@ -6,6 +6,7 @@
 #include "app/laterdialogs.h"
 #include "app/modalrun.h"
 #include "app/velapp.h"
+#include "archive/archdummydlg.h"
 #include "maintenance/dlgeditkeywords.h"
 #include "patient/chartsheet.h"
 #include "suite/patients/veltrixlogin.h"
@@ -182,9 +183,9 @@ void DeleteDlg(CWnd* pParent, int practiceManagement, dbCPatient* pPatient, int 
 }
 
 __int64 ArchiveDlg(CWnd* pParent, int practiceManagement, dbCPatient* pPatient, ARCHIVE_OP nOperation,
-                   CStringArray& selectedIDs, dbCPatients* pPatients, CStringArray& /*strings1*/,
-                   CStringArray& /*strings2*/, CStringArray& /*strings3*/, CStringArray& /*strings4*/,
-                   int nOption1, int nOption2)
+                   CStringArray& selectedIDs, dbCPatients* pPatients, CStringArray& strings1,
+                   CStringArray& strings2, CStringArray& strings3, CStringArray& strings4, int nOption1,
+                   int nOption2)
 {
     AFX_MANAGE_STATE(AfxGetStaticModuleState());
     if (pPatients == nullptr)
@@ -193,8 +194,10 @@ __int64 ArchiveDlg(CWnd* pParent, int practiceManagement, dbCPatient* pPatient, 
     const CPatientsScope patients(pPatients);
     const CPracticeManagementScope scope(practiceManagement);
     VelApp()->SetArchiveOptions(nOption1, nOption2);
-    return velGuard(IDCANCEL, IDS_MODAL_FAILED,
-                    [&] { return velRunArchive(pParent, nOperation, pPatient, selectedIDs); });
+    return velGuard(IDCANCEL, IDS_MODAL_FAILED, [&] {
+        CDlgArchDummy dialog(pParent, nOperation, pPatient, selectedIDs, strings1, strings2, strings3, strings4);
+        return velRunModal(dialog);
+    });
 }
 
 __int64 RenameDlg(CWnd* pParent, int practiceManagement, dbCPatient* pPatient, int nTimepoint,

@@ -10,11 +10,6 @@ INT_PTR velRunDelete(CWnd*, dbCPatient*, int, unsigned int&)
     return IDCANCEL;
 }
 
-INT_PTR velRunArchive(CWnd*, ARCHIVE_OP, dbCPatient*, CStringArray&)
-{
-    return IDCANCEL;
-}
-
 INT_PTR velRunRename(CWnd*, dbCPatient*, int, const CString&, RENAME_OP*, velRenameResult&)
 {
     return IDCANCEL;

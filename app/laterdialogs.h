@@ -8,7 +8,6 @@
 INT_PTR velRunNewTimepoint(CWnd* pParent, dbCPatient* pPatient);
 /// nOperation holds the DELETE_OP to start on and receives the one that was selected at the end.
 INT_PTR velRunDelete(CWnd* pParent, dbCPatient* pPatient, int nTimepoint, unsigned int& nOperation);
-INT_PTR velRunArchive(CWnd* pParent, ARCHIVE_OP nOperation, dbCPatient* pPatient, CStringArray& selectedIDs);
 
 /// What the rename dialog hands back.
 struct velRenameResult

@@ -1,5 +1,6 @@
 #include "archive/archdummydlg.h"
 
+#include "app/modalrun.h"
 #include "archive/archivedlgres.h"
 #include "archive/statusthread.h"
 
@@ -9,10 +10,11 @@ ON_MESSAGE(arcMsgLoadEnded, &CDlgArchDummy::OnLoadEnded)
 END_MESSAGE_MAP()
 
 CDlgArchDummy::CDlgArchDummy(CWnd* pParent, ARCHIVE_OP nOperation, dbCPatient* pPatient,
-                             CStringArray& selectedIDs, CStringArray& givenArchives, CStringArray&,
-                             CStringArray&, CStringArray&)
-    : CDialog(IDD_ARC_DUMMY, pParent),
-      m_pHost(pParent), m_call{nOperation, pPatient, &selectedIDs, &givenArchives}, m_nOperation(nOperation)
+                             CStringArray& selectedIDs, CStringArray& givenArchives, CStringArray& strings2,
+                             CStringArray& strings3, CStringArray& strings4)
+    : CDialog(IDD_ARC_DUMMY, pParent), m_pHost(pParent),
+      m_call{nOperation, pPatient, &selectedIDs, &givenArchives, {&strings2, &strings3, &strings4}},
+      m_nOperation(nOperation)
 {
 }
 
@@ -24,18 +26,14 @@ BOOL CDlgArchDummy::OnInitDialog()
     m_pManager = std::make_unique<arcCArchiveManager>(this, m_pHost);
 
     CDlgArchive choice(m_pHost != nullptr ? m_pHost : this, m_call, *m_pManager);
-    const INT_PTR nResult = choice.DoModal();
+    const INT_PTR nResult = velRunModal(choice);
     m_nOperation = choice.GetOperation();
     m_strResult = choice.GetResultText();
     m_nResultCode = choice.GetResultCode();
 
     // Whatever closed the choice, the status thread needs this window until it has reported.
-    if (nResult != IDOK || m_nOperation == ARCHIVE_OP_SAVE || m_nOperation == ARCHIVE_OP_MERGE ||
-        m_nOperation == ARCHIVE_OP_LOAD)
-    {
-        ShowWindow(SW_HIDE);
-        arcPumpUntilIdle(*m_pManager);
-    }
+    ShowWindow(SW_HIDE);
+    arcPumpUntilIdle(*m_pManager);
     EndDialog(nResult == IDOK ? IDOK : IDCANCEL);
     return TRUE;
 }

@@ -14,11 +14,10 @@ public:
     /// givenArchives: archive files to load or merge without asking for them; may be empty. The other arrays are handed
     /// through unchanged.
     CDlgArchDummy(CWnd* pParent, ARCHIVE_OP nOperation, dbCPatient* pPatient, CStringArray& selectedIDs,
-                  CStringArray& givenArchives, CStringArray& strings2, CStringArray& strings3,
-                  CStringArray& strings4);
+                  CStringArray& givenArchives, CStringArray& strings2, CStringArray& strings3, CStringArray& strings4);
     ~CDlgArchDummy() override;
 
-    /// What the user chose, and what the choice dialog left to report.
+    /// What the choice dialog left to report; see there.
     ARCHIVE_OP GetOperation() const
     {
         return m_nOperation;

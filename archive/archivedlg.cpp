@@ -1,13 +1,15 @@
 #include "archive/archivedlg.h"
 
+#include "app/appres.h"
+#include "app/modalrun.h"
 #include "app/settingscontainer.h"
 #include "app/velapp.h"
 #include "archive/archiveres.h"
 #include "archive/archivedlgres.h"
 #include "suite/util/velini.h"
+#include "suite/util/velpath.h"
 
 BEGIN_MESSAGE_MAP(CDlgArchive, mfcCDialog)
-ON_BN_CLICKED(IDC_ARC_HELP, &CDlgArchive::OnHelp)
 ON_UPDATE_COMMAND_UI(IDOK, &CDlgArchive::OnUpdateOK)
 ON_UPDATE_COMMAND_UI(IDC_ARC_INCLUDE_VIEWER, &CDlgArchive::OnUpdateSaveOption)
 ON_UPDATE_COMMAND_UI(IDC_ARC_KEEP_OTHERS_OUT, &CDlgArchive::OnUpdateSaveOption)
@@ -43,23 +45,14 @@ BOOL CDlgArchive::OnInitDialog()
     GetDlgItem(IDC_ARC_MERGE)->EnableWindow(m_offer.mergeTimepoints);
     GetDlgItem(IDC_ARC_GET_INTERNET)->EnableWindow(m_offer.getFromInternet);
     GetDlgItem(IDC_ARC_SAVE_INTERNET)->EnableWindow(m_offer.saveToInternet);
-    UpdateDialogControls(this, FALSE);
+    UpdateControls();
     return TRUE;
 }
 
-BOOL CDlgArchive::PreTranslateMessage(MSG* pMsg)
+BOOL CDlgArchive::OnHelpKey(UINT nHelpID)
 {
-    if (pMsg->message == WM_KEYDOWN && pMsg->wParam == VK_F1)
-    {
-        OnHelp();
-        return TRUE;
-    }
-    return mfcCDialog::PreTranslateMessage(pMsg);
-}
-
-void CDlgArchive::OnHelp()
-{
-    VelApp()->ShowHelp(0x20000 + IDD_ARC_CHOICE);
+    VelApp()->ShowHelp(nHelpID);
+    return TRUE;
 }
 
 void CDlgArchive::OnUpdateOK(CCmdUI* pCmdUI)
@@ -92,27 +85,38 @@ void CDlgArchive::OnOK()
         return;
     }
 
-    bool bClose = false;
-    switch (*operation)
-    {
-    case ARCHIVE_OP_SAVE:
-        bClose = RunSave();
-        break;
-    case ARCHIVE_OP_LOAD:
-        bClose = RunLoad();
-        break;
-    case ARCHIVE_OP_MERGE:
-        bClose = RunMerge();
-        break;
-    case ARCHIVE_OP_UPLOAD:
-    case ARCHIVE_OP_DOWNLOAD:
-        AfxMessageBox(IDS_ARC_INTERNET_LATER, MB_OK | MB_ICONINFORMATION);
-        break;
-    }
+    const bool bClose = Run(*operation);
+    // Wherever the file dialogs and the work have left it, and whatever came out.
+    ::SetCurrentDirectory(velWithBackslash(velGetIniString(IDS_SECTION_ENVIRONMENT, "archive", "C:")));
     if (!bClose)
         return;
     m_nOperation = *operation;
     mfcCDialog::OnOK();
+}
+
+bool CDlgArchive::Run(ARCHIVE_OP nOperation)
+{
+    bool bClose = false;
+    velGuard(0, IDS_ARC_UNEXPECTED, [&]() -> INT_PTR {
+        switch (nOperation)
+        {
+        case ARCHIVE_OP_SAVE:
+            bClose = RunSave();
+            break;
+        case ARCHIVE_OP_LOAD:
+            bClose = RunLoad();
+            break;
+        case ARCHIVE_OP_MERGE:
+            bClose = RunMerge();
+            break;
+        case ARCHIVE_OP_UPLOAD:
+        case ARCHIVE_OP_DOWNLOAD:
+            AfxMessageBox(IDS_ARC_INTERNET_LATER, MB_OK | MB_ICONINFORMATION);
+            break;
+        }
+        return 0;
+    });
+    return bClose;
 }
 
 void CDlgArchive::WaitUntilIdle()
@@ -141,8 +145,9 @@ void arcPumpUntilIdle(const arcCArchiveManager& manager)
         if (!AfxGetThread()->PumpMessage())
         {
             // The host is closing: it finds the message again when the operation has ended.
+            const int nExitCode = static_cast<int>(AfxGetCurrentMessage()->wParam);
             arcPumpUntilIdle(manager);
-            ::PostQuitMessage(0);
+            ::PostQuitMessage(nExitCode);
             return;
         }
     }

@@ -5,6 +5,7 @@
 #include "archive/archivemanager.h"
 #include "suite/dialogs/mfcdialog.h"
 
+#include <array>
 #include <vector>
 
 /// What ArchiveDlg was called with; everything stays the caller's.
@@ -14,6 +15,7 @@ struct arcSArchiveCall
     dbCPatient* pPatient;                ///< may be null
     const CStringArray* pSelectedIDs;
     const CStringArray* pGivenArchives;  ///< archive files to take without asking
+    std::array<CStringArray*, 3> more;   ///< handed through
 };
 
 /// Lets the user choose an operation and drives the archive manager through it, one patient after another. While it
@@ -24,7 +26,7 @@ class CDlgArchive : public mfcCDialog
 public:
     CDlgArchive(CWnd* pParent, const arcSArchiveCall& call, arcCArchiveManager& manager);
 
-    /// After OK: the operation, and what happened in words and as the code of the last save or load.
+    /// After OK: the operation, the archive that was written or read last, and the result code of that.
     ARCHIVE_OP GetOperation() const
     {
         return m_nOperation;
@@ -41,21 +43,21 @@ public:
 protected:
     void DoDataExchange(CDataExchange* pDX) override;
     BOOL OnInitDialog() override;
-    BOOL PreTranslateMessage(MSG* pMsg) override;
+    BOOL OnHelpKey(UINT nHelpID) override;
     void OnOK() override;
-    afx_msg void OnHelp();
     afx_msg void OnUpdateOK(CCmdUI* pCmdUI);
     afx_msg void OnUpdateSaveOption(CCmdUI* pCmdUI);
     DECLARE_MESSAGE_MAP()
 
 private:
     /// Each answers whether the dialog is to close; it stays open when nothing was begun.
+    bool Run(ARCHIVE_OP nOperation);
     bool RunSave();
     bool RunLoad();
     bool RunMerge();
 
     bool SaveOne(const arcSSave& save, bool bSeveral, bool& bAbort);
-    void FinishDisc(const arcSSave& save, bool bSaved);
+    void MakeDisc(const arcSSave& save);
     bool LoadOne(const CString& strPath, bool bSeveral, bool& bStop);
     bool ConfirmMerge(const CString& strPath);
     void WaitUntilIdle();

@@ -12,7 +12,6 @@
 #define IDC_ARC_SAVE_INTERNET          2824
 #define IDC_ARC_KEEP_OTHERS_OUT        2825
 #define IDC_ARC_INCLUDE_VIEWER         2826
-#define IDC_ARC_HELP                   2827
 #define IDC_ARC_OVERWRITE_TEXT         2830
 #define IDC_ARC_OVERWRITE_DETAILS      2831
 #define IDC_ARC_OVERWRITE_ALL          2832

@@ -1,6 +1,7 @@
 // The loading and merging half of the archive manager.
 #include "archive/archivemanager.h"
 
+#include "app/modalrun.h"
 #include "app/velapp.h"
 #include "app/velenums.h"
 #include "archive/archivedlgres.h"
@@ -20,38 +21,43 @@
 int arcCArchiveManager::StartLoad(const arcSLoad& load)
 {
     m_load = load;
+    const INT_PTR nResult =
+        velGuard(arc::ResultNotArchived, IDS_ARC_UNEXPECTED, [this]() -> INT_PTR { return PrepareLoad(); });
+    if (nResult != arc::ResultDone)
+        EndOperation(static_cast<int>(nResult));
+    return static_cast<int>(nResult);
+}
+
+/// Up to the running thread.
+int arcCArchiveManager::PrepareLoad()
+{
     m_pScratch = std::make_unique<arc::ScratchFolder>(arc::WindowsFileSystem(), velGetTempPath().GetString());
     if (!m_pScratch->Take())
     {
         AfxMessageBox(IDS_ARC_SCRATCH_BUSY, MB_OK | MB_ICONEXCLAMATION);
-        EndOperation(arc::ResultNotArchived);
         return arc::ResultNotArchived;
     }
 
+    const strFilename archive(m_load.strArchivePath);
     arcSStatusWork work;
     work.bSave = FALSE;
-    work.bDiskette = arc::IsDisketteDrive(load.strArchivePath.GetString());
-    const CString strName = strFilename(load.strArchivePath).GetName();
-    work.strStatus = velFormatTemplate(IDS_ARC_STATUS_LOADING, strFilename(load.strArchivePath).GetNameExt(), strName);
-    work.strArchivePath = load.strArchivePath;
+    work.bDiskette = arc::IsDisketteDrive(m_load.strArchivePath.GetString());
+    work.strStatus = velFormatTemplate(IDS_ARC_STATUS_LOADING, archive.GetNameExt(), archive.GetName());
+    work.strArchivePath = m_load.strArchivePath;
     work.strFolder = m_pScratch->Path().c_str();
     work.hOwner = m_pOwner->GetSafeHwnd();
     work.bAlternativeEngine = velGetIniInt("Defaults", "UseDynaZip", 0) != 0;
-    if (!arc::IsZippedArchive(load.strArchivePath.GetString()))
+    if (!arc::IsZippedArchive(m_load.strArchivePath.GetString()))
     {
-        const arc::ArchiveKind kind = arc::KindOfArchive(load.strArchivePath.GetString());
+        const arc::ArchiveKind kind = arc::KindOfArchive(m_load.strArchivePath.GetString());
         if (kind == arc::ArchiveKind::None)
         {
             AfxMessageBox(IDS_ARC_NO_HEADER, MB_OK | MB_ICONEXCLAMATION);
-            EndOperation(arc::ResultNotArchived);
             return arc::ResultNotArchived;
         }
-        work.otherWork = arcOtherLoad(kind, load.strArchivePath, m_pScratch->Path());
+        work.otherWork = arcOtherLoad(kind, m_load.strArchivePath, m_pScratch->Path());
     }
-    const int nResult = StartThread(work, Work::Load);
-    if (nResult != arc::ResultDone)
-        EndOperation(nResult);
-    return nResult;
+    return StartThread(work, Work::Load);
 }
 
 void arcCArchiveManager::FinishLoad(int nResult)
@@ -60,19 +66,45 @@ void arcCArchiveManager::FinishLoad(int nResult)
         return;
     if (nResult == arc::ResultDone)
     {
-        nResult = arc::ResultLoadFailed;
-        try
-        {
+        nResult = static_cast<int>(velGuard(arc::ResultLoadFailed, IDS_ARC_UNEXPECTED, [this]() -> INT_PTR {
             const CWaitCursor wait;
-            if (TakeUnpacked())
-                nResult = arc::ResultDone;
-        }
-        catch (CException* e)
-        {
-            arcReportException(e, IDS_ARC_SAVE_PATIENT_FAILED);
-        }
+            return TakeUnpacked() ? arc::ResultDone : arc::ResultLoadFailed;
+        }));
     }
     EndOperation(nResult);
+}
+
+/// Copies the files to their places; false, with the user told, when one of the names is taken.
+static bool Place(dbCFilePlacement& placement)
+{
+    try
+    {
+        placement.Place();
+        return true;
+    }
+    catch (dbCException* e)
+    {
+        if (e->GetError() != dbErrExists)
+            throw;
+        const CString strName = e->GetDetail();
+        e->Delete();
+        AfxMessageBox(velFormatTemplate(IDS_ARC_FILE_IN_THE_WAY, strName), MB_OK | MB_ICONEXCLAMATION);
+        return false;
+    }
+}
+
+/// Stores the patient; false when that is not possible, for whatever reason.
+static bool Add(dbCPatient& archived)
+{
+    try
+    {
+        return dbCPatients().AddFromArchive(archived) != FALSE;
+    }
+    catch (CException* e)
+    {
+        e->Delete();
+        return false;
+    }
 }
 
 /// Takes what was unpacked into the practice. False, with the user told and nothing changed, when it may not be.
@@ -94,41 +126,58 @@ bool arcCArchiveManager::TakeUnpacked()
         if (!entry.info.IsFolder())
             names.push_back(entry.name);
     }
+    names = arcFilesToTake(archived, names);
     return m_load.strMergeID.IsEmpty() ? AddPatient(archived, names) : MergeInto(archived, names);
+}
+
+/// False, with the user told, when the practice has this patient, or the patient file of an unknown one.
+bool arcCArchiveManager::CheckNew(const dbCPatient& archived) const
+{
+    const CString strID = archived.GetID();
+    dbCPatient stored;
+    if (stored.Load(strID) || stored.Load(archived.GetGUID(), FALSE, TRUE))
+    {
+        AfxMessageBox(velFormatTemplate(IDS_ARC_ALREADY_EXISTS, arcFullName(stored), stored.GetID()),
+                      MB_OK | MB_ICONEXCLAMATION);
+        return false;
+    }
+    if (!dbCPatients().IsIDFree(strID))
+    {
+        AfxMessageBox(velFormatTemplate(IDS_ARC_MARKED_DELETED, arcFullName(archived), strID),
+                      MB_OK | MB_ICONEXCLAMATION);
+        return false;
+    }
+    const CString strPatientFile = arc::PatientFileName(strID.GetString()).c_str();
+    if (velFileExists(velGetDataPath() + strPatientFile))
+    {
+        AfxMessageBox(velFormatTemplate(IDS_ARC_FILE_IN_THE_WAY, strPatientFile), MB_OK | MB_ICONEXCLAMATION);
+        return false;
+    }
+    return true;
 }
 
 bool arcCArchiveManager::AddPatient(dbCPatient& archived, const std::vector<std::string>& names)
 {
     const CString strID = archived.GetID();
-    if (!LockPatient(strID, patLockExclusive))
+    if (!LockPatient(strID, patLockExclusive) || !CheckNew(archived))
         return false;
-
-    dbCPatient stored;
-    if (stored.Load(strID))
-    {
-        const UINT nText = stored.isDeleted() ? IDS_ARC_MARKED_DELETED : IDS_ARC_ALREADY_EXISTS;
-        AfxMessageBox(velFormatTemplate(nText, arcFullName(archived), strID), MB_OK | MB_ICONEXCLAMATION);
-        return false;
-    }
 
     dbCFilePlacement placement;
     const std::string folder = velGetDataPath().GetString();
     for (const std::string& name : names)
     {
-        const auto kind = arc::KindOfFile(name, strID.GetString());
-        const bool isForeign = kind == arc::PatientFileKind::PerhapsForeign;
-        if (kind == arc::PatientFileKind::Record ||
-            (isForeign && velFileExists(arc::JoinPath(folder, name).c_str())))
-        {
-            continue;
-        }
-        placement.Add(arc::JoinPath(m_pScratch->Path(), name).c_str(), name.c_str());
+        // What may be another patient's file stays as it is.
+        const bool isForeign = arc::KindOfFile(name, strID.GetString()) == arc::PatientFileKind::PerhapsForeign;
+        if (!isForeign || !velFileExists(arc::JoinPath(folder, name).c_str()))
+            placement.Add(arc::JoinPath(m_pScratch->Path(), name).c_str(), name.c_str());
     }
-    placement.Place();
+    if (!Place(placement))
+        return false;
 
     dbCTransaction transaction;
-    if (!dbCPatients().AddFromArchive(archived))
+    if (!Add(archived))
     {
+        transaction.Rollback(); // nobody waits for the user's answer
         AfxMessageBox(IDS_ARC_SAVE_PATIENT_FAILED, MB_OK | MB_ICONSTOP);
         return false;
     }
@@ -164,7 +213,8 @@ bool arcCArchiveManager::MergeInto(const dbCPatient& archived, const std::vector
         archived.CopyTimepoint(i, timepoint);
         const int nOld = timepoint.GetNumber();
         const int nNew = patient.GetTimepoints().GetFreeNumber();
-        timepoint.SetBaseFilename(arc::TimepointBaseName(patient.GetID().GetString(), nNew).c_str());
+        if (nNew >= 0)
+            timepoint.SetBaseFilename(arc::TimepointBaseName(patient.GetID().GetString(), nNew).c_str());
         if (nNew < 0 || patient.PasteTimepoint(timepoint) != 0)
         {
             AfxMessageBox(IDS_ARC_TOO_MANY_TIMEPOINTS, MB_OK | MB_ICONSTOP);
@@ -180,7 +230,8 @@ bool arcCArchiveManager::MergeInto(const dbCPatient& archived, const std::vector
         if (!target.empty())
             placement.Add(arc::JoinPath(m_pScratch->Path(), name).c_str(), target.c_str());
     }
-    placement.Place();
+    if (!Place(placement))
+        return false;
 
     dbCTransaction transaction;
     patient.Save();

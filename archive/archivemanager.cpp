@@ -58,6 +58,9 @@ void arcCArchiveManager::UnlockPatient()
         // The lock dies with this process.
         e->Delete();
     }
+    catch (...)
+    {
+    }
     m_strLockedID.Empty();
 }
 
@@ -90,10 +93,4 @@ void arcCArchiveManager::Notify(int nEvent, const CString& strGUID) const
     {
         guid.release();
     }
-}
-
-void arcReportException(CException* e, UINT nText)
-{
-    e->ReportError(MB_OK | MB_ICONSTOP, nText);
-    e->Delete();
 }

@@ -39,9 +39,6 @@ struct arcSLoad
     CString strMergeID; ///< the patient to merge the timepoints into; empty to load a new patient
 };
 
-/// Tells the user about an exception and deletes it; nText stands where it has no text of its own.
-void arcReportException(CException* e, UINT nText);
-
 /// Saves, loads and merges. Starting an operation leaves its copying to the status thread; when the thread reports to
 /// the owner window, that hands the result to FinishSave or FinishLoad, and the manager is idle again. Locks the
 /// patient for the length of the operation and never gives back a lock of somebody else. All calls belong to the
@@ -87,12 +84,18 @@ private:
     int StartThread(const arcSStatusWork& work, Work nWork);
     void EndOperation(int nResult);
 
+    bool CheckSave() const;
     int PrepareSave();
     void WriteDatabaseRecord(dbCPatient& patient) const;
+    void RemoveDatabaseRecord();
     bool MoveOldArchiveAside(const dbCPatient& patient);
+    void RecordSave();
     void OfferRemoval(dbCPatient& patient);
+    bool MayBeRemoved(const dbCPatient& patient) const;
 
+    int PrepareLoad();
     bool TakeUnpacked();
+    bool CheckNew(const dbCPatient& archived) const;
     bool AddPatient(dbCPatient& archived, const std::vector<std::string>& names);
     bool MergeInto(const dbCPatient& archived, const std::vector<std::string>& names);
     void Notify(int nEvent, const CString& strGUID) const;
@@ -107,6 +110,7 @@ private:
     arcSSave m_save;
     CString m_strRecordFile;                    ///< ".ACV" of the save under way
     std::vector<arc::AsideFile> m_aside;        ///< what the save under way replaces
+    bool m_bPathWasTaken = false;               ///< something was at the archive's path that the save may not delete
     arcSLoad m_load;
     std::unique_ptr<arc::ScratchFolder> m_pScratch;
 };

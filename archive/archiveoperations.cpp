@@ -10,6 +10,7 @@
 #include "archive/choosefile.h"
 #include "archive/discbundle.h"
 #include "archive/filenames.h"
+#include "archive/otherformats.h"
 #include "archive/resultcodes.h"
 #include "suite/util/velini.h"
 #include "suite/util/velpath.h"
@@ -35,16 +36,19 @@ bool CDlgArchive::RunSave()
         return false;
     save.nFormat = target->nFormat;
     const CString strFolder = strFilename(target->strPath).GetPath();
+    // The earlier format has its patient file's name, whatever name was typed.
+    const bool bNamedByID = bSeveral || save.nFormat == arcFormatEarlier;
 
     bool bBegun = false;
     bool bReplaceAll = false;
     for (const CString& strID : ids)
     {
         save.strID = strID;
-        save.strArchivePath = bSeveral ? arcArchivePath(strFolder, strID, save.nFormat) : target->strPath;
-        if (!bReplaceAll && velFileExists(save.strArchivePath))
+        save.strArchivePath = bNamedByID ? arcArchivePath(strFolder, strID, save.nFormat) : target->strPath;
+        const CString strExisting = arcExistingArchive(strID, save.nFormat, save.strArchivePath);
+        if (!bReplaceAll && !strExisting.IsEmpty())
         {
-            const arcReplace answer = arcAskReplace(this, save.strArchivePath, bSeveral);
+            const arcReplace answer = arcAskReplace(this, strExisting, bSeveral);
             if (answer == arcReplace::Cancel)
                 break;
             if (answer == arcReplace::No)
@@ -72,8 +76,10 @@ bool CDlgArchive::SaveOne(const arcSSave& save, bool bSeveral, bool& bAbort)
             bBegun = true;
             WaitUntilIdle();
             m_nResultCode = m_manager.GetResult();
-            FinishDisc(save, m_nResultCode == arc::ResultDone);
+            m_strResult = save.strArchivePath;
         }
+        if (m_nResultCode == arc::ResultDone)
+            MakeDisc(save);
         if (m_nResultCode == arc::ResultDone || !bSeveral)
             return bBegun;
 
@@ -85,18 +91,15 @@ bool CDlgArchive::SaveOne(const arcSSave& save, bool bSeveral, bool& bAbort)
     }
 }
 
-/// Makes the folder of a saved archive a self-starting disc if that was chosen, and in any case makes the
-/// folder of the setting `archive` current.
-void CDlgArchive::FinishDisc(const arcSSave& save, bool bSaved)
+/// Makes the folder of a saved archive a self-starting disc if that was chosen.
+void CDlgArchive::MakeDisc(const arcSSave& save)
 {
-    if (bSaved && m_bIncludeViewer && save.nFormat == arcFormatZipped)
-    {
-        const CWaitCursor wait;
-        arc::MakeDiscBundle(arc::WindowsFileSystem(),
-                            velGetIniString(IDS_SECTION_ENVIRONMENT, "SYS", "c:\\veltrix").GetString(),
-                            strFilename(save.strArchivePath).GetPath().GetString(), save.strID.GetString());
-    }
-    ::SetCurrentDirectory(velWithBackslash(velGetIniString(IDS_SECTION_ENVIRONMENT, "archive", "C:")));
+    if (!m_bIncludeViewer || save.nFormat != arcFormatZipped)
+        return;
+    const CWaitCursor wait;
+    arc::MakeDiscBundle(arc::WindowsFileSystem(),
+                        velGetIniString(IDS_SECTION_ENVIRONMENT, "SYS", "c:\\veltrix").GetString(),
+                        strFilename(save.strArchivePath).GetPath().GetString(), save.strID.GetString());
 }
 
 bool CDlgArchive::RunLoad()
@@ -140,6 +143,7 @@ bool CDlgArchive::LoadOne(const CString& strPath, bool bSeveral, bool& bStop)
 {
     arcSLoad load;
     load.strArchivePath = strPath;
+    m_strResult = strPath;
     if (bSeveral && !velFileExists(strPath))
     {
         const CString strName = strFilename(strPath).GetName();
@@ -185,6 +189,7 @@ bool CDlgArchive::RunMerge()
     arcSLoad load;
     load.strArchivePath = strPath;
     load.strMergeID = m_call.pPatient->GetID();
+    m_strResult = strPath;
     WaitUntilIdle();
     m_nResultCode = m_manager.StartLoad(load);
     if (m_nResultCode != arc::ResultDone)
@@ -221,12 +226,10 @@ std::vector<CString> CDlgArchive::GivenArchives() const
 {
     std::vector<CString> paths;
     for (INT_PTR i = 0; i < m_call.pGivenArchives->GetSize(); ++i)
-    {
-        // One that does not open is asked for again.
-        CFile file;
-        const CString& strPath = m_call.pGivenArchives->GetAt(i);
-        if (file.Open(strPath, CFile::modeRead | CFile::shareDenyNone))
-            paths.push_back(strPath);
-    }
+        paths.push_back(m_call.pGivenArchives->GetAt(i));
+    // A single one that does not open is asked for; of several each is told by itself.
+    CFile file;
+    if (paths.size() == 1 && !file.Open(paths.front(), CFile::modeRead | CFile::shareDenyNone))
+        paths.clear();
     return paths;
 }

@@ -42,14 +42,10 @@ BOOL CDlgArchiveOverwrite::OnInitDialog()
     return TRUE;
 }
 
-BOOL CDlgArchiveOverwrite::PreTranslateMessage(MSG* pMsg)
+BOOL CDlgArchiveOverwrite::OnHelpKey(UINT nHelpID)
 {
-    if (pMsg->message == WM_KEYDOWN && pMsg->wParam == VK_F1)
-    {
-        VelApp()->ShowHelp(0x20000 + IDD_ARC_OVERWRITE);
-        return TRUE;
-    }
-    return mfcCDialog::PreTranslateMessage(pMsg);
+    VelApp()->ShowHelp(nHelpID);
+    return TRUE;
 }
 
 void CDlgArchiveOverwrite::OnAnswer(UINT nID)

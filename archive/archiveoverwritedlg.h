@@ -12,7 +12,7 @@ public:
 
 protected:
     BOOL OnInitDialog() override;
-    BOOL PreTranslateMessage(MSG* pMsg) override;
+    BOOL OnHelpKey(UINT nHelpID) override;
     afx_msg void OnAnswer(UINT nID);
     DECLARE_MESSAGE_MAP()
 

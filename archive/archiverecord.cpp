@@ -4,6 +4,7 @@
 #include "archive/diskette.h"
 #include "archive/filenames.h"
 #include "archive/fileset.h"
+#include "archive/mergenames.h"
 #include "archive/pathsafety.h"
 #include "patient/chartrules.h"
 #include "suite/patients/patientfile.h"
@@ -12,6 +13,7 @@
 #include "suite/util/velstring.h"
 
 #include <algorithm>
+#include <iterator>
 #include <set>
 
 namespace
@@ -131,6 +133,27 @@ std::vector<std::string> arcFilesBesidePatterns(const patCPatient& patient)
             paths.push_back(arc::JoinPath(folder, file.name));
     }
     return paths;
+}
+
+std::vector<std::string> arcFilesToTake(const dbCPatient& archived, const std::vector<std::string>& names)
+{
+    const std::string id = archived.GetID().GetString();
+    const std::vector<std::string> patterns = arc::ArchivePatterns(id);
+    std::set<std::string> listed;
+    for (const std::string& name : arcListedFiles(archived))
+    {
+        listed.insert(arc::FoldCase(name));
+        listed.insert(arc::FoldCase(arc::AlternateImageName(name)));
+    }
+    std::vector<std::string> taken;
+    std::copy_if(names.begin(), names.end(), std::back_inserter(taken), [&](const std::string& name) {
+        return arc::KindOfFile(name, id) != arc::PatientFileKind::Record &&
+               (listed.contains(arc::FoldCase(name)) ||
+                std::any_of(patterns.begin(), patterns.end(), [&](const std::string& pattern) {
+                    return arc::MatchesWildcard(name, pattern);
+                }));
+    });
+    return taken;
 }
 
 bool arcReadUnpackedRecord(arc::FileSystem& files, const std::string& folder, dbCPatient& patient)

@@ -1,8 +1,9 @@
 // The saving half of the archive manager.
 #include "archive/archivemanager.h"
 
-#include "app/velenums.h"
+#include "app/modalrun.h"
 #include "app/velapp.h"
+#include "app/velenums.h"
 #include "archive/archivedlgres.h"
 #include "archive/archiverecord.h"
 #include "archive/filenames.h"
@@ -10,6 +11,7 @@
 #include "archive/pathsafety.h"
 #include "archive/resultcodes.h"
 #include "suite/patients/dbexception.h"
+#include "suite/patients/dbtransaction.h"
 #include "suite/patients/veltrixlogin.h"
 #include "suite/util/velini.h"
 #include "suite/util/velpath.h"
@@ -46,46 +48,48 @@ bool DriveHoldsFiles(const CString& strPath)
 int arcCArchiveManager::StartSave(const arcSSave& save)
 {
     m_save = save;
-    if (save.bSeveralPatients && arc::IsDisketteDrive(save.strArchivePath.GetString()))
-    {
-        AfxMessageBox(IDS_ARC_DISK_MULTIPLE, MB_OK | MB_ICONEXCLAMATION);
-        return arc::ResultNotArchived;
-    }
-    if (arc::IsDeviceName(save.strID.GetString()))
-    {
-        AfxMessageBox(velFormatTemplate(IDS_ARC_DEVICE_ID, save.strID), MB_OK | MB_ICONEXCLAMATION);
-        return arc::ResultNotArchived;
-    }
-    // The live files would be taken for an archive that is to be replaced.
-    if (save.nFormat != arcFormatZipped && IsWorkingFolder(arc::FolderOf(save.strArchivePath.GetString())))
-    {
-        AfxMessageBox(IDS_ARC_WORKING_FOLDER, MB_OK | MB_ICONEXCLAMATION);
-        return arc::ResultNotArchived;
-    }
-    if (!LockPatient(save.strID, save.bKeepOthersOut ? patLockExclusive : patLockShared))
-        return arc::ResultNotArchived;
-
-    int nResult = arc::ResultNotArchived;
-    try
-    {
-        nResult = PrepareSave();
-    }
-    catch (CException* e)
-    {
-        arcReportException(e, IDS_ARC_UNEXPECTED);
-    }
+    m_strRecordFile.Empty();
+    m_aside.clear();
+    const INT_PTR nResult = velGuard(arc::ResultNotArchived, IDS_ARC_UNEXPECTED,
+                                     [this]() -> INT_PTR { return CheckSave() ? PrepareSave() : arc::ResultNotArchived; });
     if (nResult == arc::ResultDone)
-        return nResult;
-    if (!m_strRecordFile.IsEmpty())
-        ::DeleteFile(m_strRecordFile);
-    EndOperation(nResult);
-    return nResult;
+        return arc::ResultDone;
+    RemoveDatabaseRecord();
+    for (arc::AsideFile& old : m_aside)
+        old.PutBack();
+    m_aside.clear();
+    EndOperation(static_cast<int>(nResult));
+    return static_cast<int>(nResult);
 }
 
-/// From the locked patient to the running thread.
+/// What can be said before anything is done. False, with the user told, when the patient cannot be saved so.
+bool arcCArchiveManager::CheckSave() const
+{
+    const std::string path = m_save.strArchivePath.GetString();
+    if (m_save.bSeveralPatients && arc::IsDisketteDrive(path))
+    {
+        AfxMessageBox(IDS_ARC_DISK_MULTIPLE, MB_OK | MB_ICONEXCLAMATION);
+        return false;
+    }
+    if (arc::IsDeviceName(m_save.strID.GetString()))
+    {
+        AfxMessageBox(velFormatTemplate(IDS_ARC_DEVICE_ID, m_save.strID), MB_OK | MB_ICONEXCLAMATION);
+        return false;
+    }
+    // The live files would be taken for an archive that is to be replaced.
+    if (m_save.nFormat != arcFormatZipped && IsWorkingFolder(arc::FolderOf(path)))
+    {
+        AfxMessageBox(IDS_ARC_WORKING_FOLDER, MB_OK | MB_ICONEXCLAMATION);
+        return false;
+    }
+    return true;
+}
+
+/// Up to the running thread.
 int arcCArchiveManager::PrepareSave()
 {
-    m_strRecordFile.Empty();
+    if (!LockPatient(m_save.strID, m_save.bKeepOthersOut ? patLockExclusive : patLockShared))
+        return arc::ResultNotArchived;
     const bool bDiskette = arc::IsDisketteDrive(m_save.strArchivePath.GetString());
     if (bDiskette && DriveHoldsFiles(m_save.strArchivePath) &&
         AfxMessageBox(IDS_ARC_DISK_OTHER_PATIENT, MB_YESNO | MB_ICONQUESTION) != IDYES)
@@ -99,6 +103,7 @@ int arcCArchiveManager::PrepareSave()
     const bool bKeepsOld = !bDiskette && m_save.nFormat != arcFormatZipped;
     if (bKeepsOld && !MoveOldArchiveAside(patient))
         return arc::ResultNotArchived;
+    m_bPathWasTaken = arc::WindowsFileSystem().Query(m_save.strArchivePath.GetString()).has_value();
 
     arcSStatusWork work;
     work.bSave = TRUE;
@@ -133,11 +138,17 @@ void arcCArchiveManager::WriteDatabaseRecord(dbCPatient& patient) const
     file.Close();
 }
 
+void arcCArchiveManager::RemoveDatabaseRecord()
+{
+    if (!m_strRecordFile.IsEmpty())
+        ::DeleteFile(m_strRecordFile);
+    m_strRecordFile.Empty();
+}
+
 /// Keeps the files of an archive that the save replaces until the new one is known to be good. (Zipped archives are kept
 /// by the thread's work itself.) False, with the user told, when one can neither be moved nor be replaced.
 bool arcCArchiveManager::MoveOldArchiveAside(const dbCPatient& patient)
 {
-    m_aside.clear();
     for (const std::string& path : arcFilesOfArchive(patient, m_save.nFormat, m_save.strArchivePath))
     {
         m_aside.emplace_back(arc::WindowsFileSystem());
@@ -154,37 +165,33 @@ void arcCArchiveManager::FinishSave(int nResult)
 {
     if (m_nWork != Work::Save)
         return;
-    if (!m_strRecordFile.IsEmpty())
-        ::DeleteFile(m_strRecordFile);
-    try
-    {
+    RemoveDatabaseRecord();
+    velGuard(0, IDS_ARC_UNEXPECTED, [&]() -> INT_PTR {
         if (velFileExists(m_save.strArchivePath))
             SetHidden(m_save.strArchivePath, false);
-        if (nResult != arc::ResultDone)
-        {
+        if (nResult == arc::ResultDone)
+            RecordSave();
+        else if (!m_bPathWasTaken)
             ::DeleteFile(m_save.strArchivePath);
-        }
-        else
-        {
-            for (arc::AsideFile& old : m_aside)
-                old.Discard();
-            dbCPatient patient;
-            if (!patient.Load(m_save.strID))
-                dbCException::Throw(dbErrNotFound, m_save.strID);
-            if (!m_bPassable)
-            {
-                CVeltrixLogin().AddArchivedPatientEvent(
-                    patient.GetGUID(), arcEventText(IDS_ARC_EVENT_SAVED, patient));
-            }
-            if (m_save.nFormat == arcFormatZipped)
-                OfferRemoval(patient);
-        }
-    }
-    catch (CException* e)
-    {
-        arcReportException(e, IDS_ARC_UNEXPECTED);
-    }
+        return 0;
+    });
+    m_aside.clear();
     EndOperation(nResult);
+}
+
+/// The archive is good: the one it replaces goes, the save is recorded, and the patient may be removed.
+void arcCArchiveManager::RecordSave()
+{
+    for (arc::AsideFile& old : m_aside)
+        old.Discard();
+    dbCPatient patient;
+    if (!patient.Load(m_save.strID))
+        dbCException::Throw(dbErrNotFound, m_save.strID);
+    if (!m_bPassable)
+        CVeltrixLogin().AddArchivedPatientEvent(patient.GetGUID(), arcEventText(IDS_ARC_EVENT_SAVED, patient));
+    // The other formats leave out what only the database record holds.
+    if (m_save.nFormat == arcFormatZipped)
+        OfferRemoval(patient);
 }
 
 /// Removes the saved patient from the list if the user wants it and nothing is owed.
@@ -196,26 +203,38 @@ void arcCArchiveManager::OfferRemoval(dbCPatient& patient)
         const CString strAsk = velFormatTemplate(IDS_ARC_REMOVE_ASK, arcFullName(patient), patient.GetID());
         bRemove = AfxMessageBox(strAsk, MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2) == IDYES;
     }
-    // Somebody else's patient stays.
-    if (!bRemove || m_bPassable)
+    if (!bRemove || !MayBeRemoved(patient))
         return;
 
+    const CWaitCursor wait;
+    dbCTransaction transaction;
+    dbCPatients().DeletePatient(patient.GetGUID());
+    CVeltrixLogin().AddPatientDeletedEvent(patient.GetGUID(), arcEventText(IDS_ARC_EVENT_DELETED, patient));
+    transaction.Commit();
+    Notify(ARCHIVE_NOTIFY_REMOVED, patient.GetGUID());
+}
+
+/// False, with the user told, for a patient who owes something or whom somebody else is looking at.
+bool arcCArchiveManager::MayBeRemoved(const dbCPatient& patient) const
+{
     if (VelApp()->GetPracticeManagement() != 0 && !patient.CanDeletePatient())
     {
-        if (m_save.bSeveralPatients)
-        {
-            AfxMessageBox(velFormatTemplate(IDS_ARC_BALANCE_RUN, patient.GetLastname(), patient.GetFirstname(),
-                                            patient.GetID()),
-                          MB_OK | MB_ICONEXCLAMATION);
-        }
-        else
-        {
-            AfxMessageBox(IDS_ARC_BALANCE, MB_OK | MB_ICONEXCLAMATION);
-        }
-        return;
+        const CString strText =
+            m_save.bSeveralPatients
+                ? velFormatTemplate(IDS_ARC_BALANCE_RUN, patient.GetLastname(), patient.GetFirstname(), patient.GetID())
+                : CString(MAKEINTRESOURCE(IDS_ARC_BALANCE));
+        AfxMessageBox(strText, MB_OK | MB_ICONEXCLAMATION);
+        return false;
     }
-    const CWaitCursor wait;
-    dbCPatients().DeletePatient(patient.GetGUID());
-    Notify(ARCHIVE_NOTIFY_REMOVED, patient.GetGUID());
-    CVeltrixLogin().AddPatientDeletedEvent(patient.GetGUID(), arcEventText(IDS_ARC_EVENT_DELETED, patient));
+    // The lock of the save may be one that lets others look.
+    dbCPatients patients;
+    CString strHolder;
+    const int nLock = patients.LockPatient(patient.GetID(), patLockExclusive, &strHolder);
+    if (nLock == patLockFree)
+    {
+        patients.Unlock(patient.GetID());
+        return true;
+    }
+    AfxMessageBox(velFormatTemplate(IDS_ARC_IN_USE, patient.GetID(), strHolder), MB_OK | MB_ICONEXCLAMATION);
+    return false;
 }

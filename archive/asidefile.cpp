@@ -9,6 +9,7 @@ AsideFile::AsideFile(FileSystem& files) : m_files(files)
 bool AsideFile::MoveAway(const std::string& path)
 {
     m_aside.clear();
+    m_path = path;
     const auto existing = m_files.Query(path);
     if (!existing)
     {
@@ -41,6 +42,15 @@ void AsideFile::Discard()
         m_files.RemoveFile(m_aside);
         m_aside.clear();
     }
+}
+
+bool AsideFile::PutBack()
+{
+    if (!m_aside.empty() && m_files.Move(m_aside, m_path))
+    {
+        m_aside.clear();
+    }
+    return m_aside.empty();
 }
 
 const std::string& AsideFile::Path() const

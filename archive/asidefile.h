@@ -18,11 +18,14 @@ public:
     bool MoveAway(const std::string& path);
     // The replacement is good: the old file goes.
     void Discard();
+    // There will be no replacement: the old file takes its name again. False when something else has it now.
+    bool PutBack();
     // Where the old file is; empty when there was none.
     const std::string& Path() const;
 
 private:
     FileSystem& m_files;
+    std::string m_path; // its own name
     std::string m_aside;
 };
 } // namespace arc

@@ -39,6 +39,19 @@ bool HasDrive(const CString& strPath)
     return false;
 }
 
+// The dialog appends the default extension whatever the file type is: an extension of another format makes way, any
+// other belongs to the name.
+CString WithFormatExtension(const CString& strPath, arcFormat nFormat)
+{
+    const std::string typed(arc::ExtensionOf(strPath.GetString()));
+    for (const LPCTSTR pszExtension : Extensions)
+    {
+        if (arc::EqualNoCase(typed, std::string(".") + pszExtension))
+            return arc::WithExtension(strPath.GetString(), Extensions[nFormat]).c_str();
+    }
+    return strPath + "." + Extensions[nFormat];
+}
+
 bool ConfirmEarlierFormat()
 {
     CString strText;
@@ -51,7 +64,7 @@ std::optional<arcSTarget> arcChooseTarget(CWnd* pParent, LPCTSTR pszID)
 {
     const CString strFolder = velWithBackslash(ArchiveFolder());
     CFileDialog dialog(FALSE, Extensions[arcFormatZipped], pszID,
-                       OFN_HIDEREADONLY | OFN_PATHMUSTEXIST | OFN_NOREADONLYRETURN | OFN_NOCHANGEDIR,
+                       OFN_HIDEREADONLY | OFN_PATHMUSTEXIST | OFN_NOCHANGEDIR,
                        LoadText(IDS_ARC_FILTER_SAVE), pParent);
     const CString strTitle = LoadText(IDS_ARC_SAVE_TITLE);
     dialog.m_ofn.lpstrTitle = strTitle;
@@ -65,11 +78,7 @@ std::optional<arcSTarget> arcChooseTarget(CWnd* pParent, LPCTSTR pszID)
     target.strPath = dialog.GetPathName();
     if (!HasDrive(target.strPath))
         return std::nullopt;
-    // The dialog appends the default extension whatever the file type; what the user typed in full stays.
-    const std::string typed(arc::ExtensionOf(target.strPath.GetString()));
-    const std::string wanted = std::string(".") + Extensions[target.nFormat];
-    if (!arc::EqualNoCase(typed, wanted))
-        target.strPath = arc::WithExtension(target.strPath.GetString(), Extensions[target.nFormat]).c_str();
+    target.strPath = WithFormatExtension(target.strPath, target.nFormat);
     if (target.nFormat == arcFormatEarlier && !ConfirmEarlierFormat())
         return std::nullopt;
     velSetIniString(IDS_SECTION_DEFAULTS, FolderKey, strFilename(target.strPath).GetPath());

@@ -4,6 +4,7 @@
 #include "archive/archiverecord.h"
 #include "archive/diskettevolumes.h"
 #include "archive/fileset.h"
+#include "archive/pathsafety.h"
 #include "archive/resultcodes.h"
 #include "archive/volumestream.h"
 #include "suite/patients/patientfile.h"
@@ -73,7 +74,15 @@ private:
     const arcProgress& m_progress;
 };
 
-// The thread's result; what the result code has no message for is told here.
+// Tells why there is no archive, or no patient from it.
+int Failed(CWnd* pDialog, int nFailure)
+{
+    const UINT nText = nFailure == arc::ResultSaveFailed ? arc::SaveResultText(nFailure) : arc::LoadResultText(nFailure);
+    AskBox(pDialog, Text(nText), MB_OK | MB_ICONEXCLAMATION);
+    return nFailure;
+}
+
+// The thread's result for a stream, with the user told about a failure.
 int ResultOf(CWnd* pDialog, VolumeStatus status, int nFailure)
 {
     UINT nText = 0;
@@ -90,8 +99,13 @@ int ResultOf(CWnd* pDialog, VolumeStatus status, int nFailure)
     case VolumeStatus::TooManyVolumes:
         nText = IDS_ARC_TOO_MANY_VOLUMES;
         break;
+    case VolumeStatus::NoRoom:
+        if (nFailure == arc::ResultSaveFailed)
+            return Failed(pDialog, nFailure);
+        nText = IDS_ARC_NO_SPACE;
+        break;
     default:
-        return nFailure;
+        return Failed(pDialog, nFailure);
     }
     AskBox(pDialog, Text(nText), MB_OK | MB_ICONEXCLAMATION);
     return arc::ResultNotArchived;
@@ -212,25 +226,26 @@ bool CopyAll(const std::string& from, const std::vector<arc::PresentFile>& set, 
 }
 
 // The live ".PF" makes way for one of the earlier format for the length of a save.
-int SaveEarlierFormat(const dbCPatient& patient, const std::vector<std::string>& listed, const std::string& folder,
-                      const arcProgress& progress)
+int SaveEarlierFormat(CWnd* pDialog, const dbCPatient& patient, const std::vector<std::string>& listed,
+                      const std::string& folder, const arcProgress& progress)
 {
     arc::FileSystem& files = arc::WindowsFileSystem();
     try
     {
         const patCEarlierFile earlier(patient);
         const std::string working = velGetDataPath().GetString();
-        return CopyAll(working, arc::PresentFiles(files, working, listed), folder, progress) ? arc::ResultDone
-                                                                                            : arc::ResultSaveFailed;
+        if (CopyAll(working, arc::PresentFiles(files, working, listed), folder, progress))
+            return arc::ResultDone;
     }
     catch (CException* e)
     {
         e->Delete();
-        return arc::ResultSaveFailed;
     }
+    return Failed(pDialog, arc::ResultSaveFailed);
 }
 
-int LoadEarlierFormat(const std::string& archivePath, const std::string& scratchFolder, const arcProgress& progress)
+int LoadEarlierFormat(CWnd* pDialog, const std::string& archivePath, const std::string& scratchFolder,
+                      const arcProgress& progress)
 {
     arc::FileSystem& files = arc::WindowsFileSystem();
     try
@@ -240,13 +255,14 @@ int LoadEarlierFormat(const std::string& archivePath, const std::string& scratch
         const std::string folder(arc::FolderOf(archivePath));
         const bool bRead = patReadPatientFile(archivePath.c_str(), patient) &&
                            arc::FilesToArchive(files, folder, patient.GetID().GetString(), arcListedFiles(patient), found);
-        return bRead && CopyAll(folder, found, scratchFolder, progress) ? arc::ResultDone : arc::ResultLoadFailed;
+        if (bRead && CopyAll(folder, found, scratchFolder, progress))
+            return arc::ResultDone;
     }
     catch (CException* e)
     {
         e->Delete();
-        return arc::ResultLoadFailed;
     }
+    return Failed(pDialog, arc::ResultLoadFailed);
 }
 
 int LoadVolumes(CWnd* pDialog, bool bDiskettes, const std::string& archivePath, const std::string& scratchFolder,
@@ -254,8 +270,9 @@ int LoadVolumes(CWnd* pDialog, bool bDiskettes, const std::string& archivePath, 
 {
     arc::FileSystem& files = arc::WindowsFileSystem();
     const auto header = arc::ReadHeaderLine(files, archivePath);
-    if (!header)
-        return arc::ResultLoadFailed;
+    // The ID becomes part of the volumes' names.
+    if (!header || !arc::SafeFileName(header->id))
+        return Failed(pDialog, arc::ResultLoadFailed);
     const arc::VolumeProgress progress = [&show](int nPercent) { show(nPercent, {}); };
     std::vector<arc::PresentFile> read;
     if (!bDiskettes)
@@ -300,14 +317,23 @@ std::vector<std::string> arcFilesOfArchive(const dbCPatient& patient, arcFormat 
     return paths;
 }
 
+CString arcExistingArchive(LPCTSTR pszID, arcFormat nFormat, LPCTSTR pszArchivePath)
+{
+    dbCPatient patient;
+    if (nFormat == arcFormatZipped || arc::IsDisketteDrive(pszArchivePath) || !patient.Load(pszID))
+        return velFileExists(pszArchivePath) ? CString(pszArchivePath) : CString();
+    const std::vector<std::string> paths = arcFilesOfArchive(patient, nFormat, pszArchivePath);
+    return paths.empty() ? CString() : CString(paths.front().c_str());
+}
+
 decltype(arcSStatusWork::otherWork) arcOtherSave(const dbCPatient& patient, arcFormat nFormat, LPCTSTR pszArchivePath,
                                                  bool bConfirmed)
 {
     const std::string archivePath = pszArchivePath;
     if (nFormat == arcFormatEarlier)
     {
-        return [patient, listed = arcListedFiles(patient), archivePath](CWnd*, const arcProgress& progress) {
-            return SaveEarlierFormat(patient, listed, std::string(arc::FolderOf(archivePath)), progress);
+        return [patient, listed = arcListedFiles(patient), archivePath](CWnd* pDialog, const arcProgress& progress) {
+            return SaveEarlierFormat(pDialog, patient, listed, std::string(arc::FolderOf(archivePath)), progress);
         };
     }
     VolumeSave save;
@@ -329,8 +355,8 @@ decltype(arcSStatusWork::otherWork) arcOtherLoad(arc::ArchiveKind kind, LPCTSTR 
     const std::string archivePath = pszArchivePath;
     if (kind == arc::ArchiveKind::PatientFile)
     {
-        return [archivePath, scratchFolder](CWnd*, const arcProgress& progress) {
-            return LoadEarlierFormat(archivePath, scratchFolder, progress);
+        return [archivePath, scratchFolder](CWnd* pDialog, const arcProgress& progress) {
+            return LoadEarlierFormat(pDialog, archivePath, scratchFolder, progress);
         };
     }
     const bool bDiskettes = kind == arc::ArchiveKind::Diskettes && arc::IsDisketteDrive(archivePath);
