@@ -208,10 +208,6 @@ TEST_F(EntryPoints, DialogsOfLaterWorkAnswerAsCancelled)
     DeleteDlg(nullptr, 1, nullptr, -1, 0, 0, "", result, operation);
     EXPECT_EQ(operation, DELETE_PATIENT);
 
-    CStringArray strings;
-    EXPECT_EQ(ArchiveDlg(nullptr, 1, nullptr, ARCHIVE_OP_LOAD, strings, &m_patients, strings, strings,
-                         strings, strings, 0, 0),
-              IDCANCEL);
     EXPECT_EQ(ImportPatientDiagnostics(nullptr, nullptr), 0);
     EXPECT_EQ(ImportPatientDiagnostics("nowhere.pf", patient.GetGUID()), 0);
 }

@@ -1,0 +1,253 @@
+#include "tests/archive/archivefixture.h"
+
+#include "tests/archive/rawzip.h"
+#include "tests/support/mfctestprogram.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <memory>
+
+using veltest::Dialog;
+using veltest::DialogScript;
+
+VEL_MFC_TEST_PROGRAM();
+
+BEGIN_MESSAGE_MAP(HostWindow, CWnd)
+ON_MESSAGE(VELDLGS_PATIENT_CHANGED, &HostWindow::OnPatientChanged)
+END_MESSAGE_MAP()
+
+BOOL HostWindow::Open()
+{
+    return CreateEx(0, AfxRegisterWndClass(0), "Host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 10, 10, 700, 500, nullptr,
+                    nullptr);
+}
+
+LRESULT HostWindow::OnPatientChanged(WPARAM wParam, LPARAM lParam)
+{
+    const std::unique_ptr<char[]> guid(reinterpret_cast<char*>(lParam));
+    m_told.emplace_back(static_cast<int>(wParam), guid.get());
+    return 0;
+}
+
+ArchiveDialogTest::ArchiveDialogTest()
+{
+    m_practice.Set("Environment", "DatabaseTimeout", "2000"); // milliseconds
+    m_practice.Set("Environment", "TEMP", m_practice.Path("temp"));
+    m_practice.Set("Defaults", "ArchiveFilePath", m_practice.Path("archive"));
+    UseFirstPractice();
+    EXPECT_TRUE(m_host.Open());
+    SetArchivingAllowed(true);
+}
+
+ArchiveDialogTest::~ArchiveDialogTest()
+{
+    SetArchivingAllowed(false);
+    m_host.DestroyWindow();
+    dbCPatients::Close();
+    ::SetCurrentDirectory("C:\\");
+}
+
+void ArchiveDialogTest::Use(const std::string& working, const std::string& database)
+{
+    m_working = working;
+    std::filesystem::create_directories(m_practice.Path(working));
+    m_practice.Set("Environment", "WORKING", m_practice.Path(working + "\\"));
+    const std::string path = m_practice.Path(database);
+    if (std::filesystem::exists(path))
+        dbCPatients::Open(path.c_str());
+    else
+        dbCPatients::Create(path.c_str());
+    m_nLastEvent = 0;
+    NewEvents();
+}
+
+void ArchiveDialogTest::UseFirstPractice()
+{
+    Use("working", "patients.db");
+}
+
+void ArchiveDialogTest::UseSecondPractice()
+{
+    Use("working2", "patients2.db");
+}
+
+__int64 ArchiveDialogTest::Run(ARCHIVE_OP nOperation, const std::vector<std::string>& ids,
+                               const std::vector<std::string>& given, const Script& script, int nPracticeManagement)
+{
+    CStringArray selected, archives, more2, more3, more4;
+    for (const std::string& id : ids)
+        selected.Add(id.c_str());
+    for (const std::string& path : given)
+        archives.Add(path.c_str());
+    dbCPatient patient;
+    const bool bHasPatient = !ids.empty() && patient.Load(ids.front().c_str());
+    const __int64 nResult = veltest::RunModal(
+        [&] {
+            return ArchiveDlg(&m_host, nPracticeManagement, bHasPatient ? &patient : nullptr, nOperation, selected,
+                              &m_patients, archives, more2, more3, more4, 0, 0);
+        },
+        script);
+    MSG message;
+    while (::PeekMessage(&message, m_host, 0, 0, PM_REMOVE))
+        ::DispatchMessage(&message);
+    EXPECT_TRUE(m_host.IsWindowEnabled());
+    for (const std::string& id : ids)
+        EXPECT_FALSE(m_patients.Unlock(id.c_str())) << "still locked: " << id;
+    return nResult;
+}
+
+void ArchiveDialogTest::Save(const std::string& id)
+{
+    EXPECT_EQ(Run(ARCHIVE_OP_SAVE, {id}, {},
+                  [&](DialogScript& script) {
+                      WaitForChoice(script).Press(IDOK);
+                      TakeOfferedName(script);
+                      script.AnswerBox("", IDNO);
+                  }),
+              IDOK);
+    ASSERT_TRUE(std::filesystem::exists(Archive(id)));
+}
+
+void ArchiveDialogTest::SaveAndChange(const std::string& id)
+{
+    Save(id);
+    UseSecondPractice();
+}
+
+__int64 ArchiveDialogTest::Load(const std::string& path, const std::vector<std::string>& boxes,
+                                int nPracticeManagement)
+{
+    return Run(
+        ARCHIVE_OP_LOAD, {}, {path},
+        [&](DialogScript& script) {
+            WaitForChoice(script).Press(IDOK);
+            for (const std::string& text : boxes)
+                script.AnswerBox(text, IDOK);
+        },
+        nPracticeManagement);
+}
+
+dbCPatient ArchiveDialogTest::StorePatient(const std::string& id, int nTimepoints, std::size_t nImageBytes)
+{
+    dbCPatient patient;
+    patient.SetID(id.c_str());
+    patient.SetFirstname("Zo\xeb");
+    patient.SetLastname(("Lee " + id).c_str());
+    patient.SetBirthdate(velCDate(2012, 3, 4));
+    patient.SetGender(1);
+    patient.SetRace(9);
+    patient.SetNotes("first\r\nsecond");
+    patient.SetModelNumber("M17");
+    patient.SetKeywords("crowding");
+    dbCAddress address;
+    address.SetStreet("Quay 1");
+    patient.SetAddress(0, address);
+    patient.GetPhones().Add(dbCPhone("111", "Pager"));
+    dbCPerson guardian;
+    guardian.SetFirstname("Eve");
+    guardian.SetLastname("Lee");
+    patient.AddPersonInfo(dbPersonGuardian, guardian);
+    for (int i = 0; i < nTimepoints; ++i)
+    {
+        dbCTimepoint timepoint;
+        timepoint.SetNumber(id.c_str(), i);
+        timepoint.SetName(("T" + std::to_string(i)).c_str());
+        timepoint.SetDate(velCDate(2020, 1, 1 + i % 28));
+        timepoint.SetImage(2, 0);
+        timepoint.SetImage(4, 0);
+        patSImageInfo info;
+        info.strTitle = "lateral";
+        timepoint.SetImageInfo(2, 0, info);
+        EXPECT_EQ(patient.GetTimepoints().Add(&patient, timepoint, FALSE, FALSE), 0);
+
+        const std::string base = timepoint.GetBaseFilename().GetString();
+        const std::string contents = base + std::string(nImageBytes, static_cast<char>('a' + i % 26));
+        // The last: the simulation's other name. Together one file of each way to find it.
+        for (const char* pszRest : {".I2A", ".V2A", ".I2A.AVI", ".DF0", ".DF3", ".M", ".C01"})
+            m_practice.WriteFile(m_working + "\\" + base + pszRest, contents + pszRest);
+    }
+    m_practice.WriteFile(m_working + "\\" + id + "$00$movie.avi", "extra");
+    m_practice.WriteFile(m_working + "\\" + id + "grow.2dmorph", "");
+    patient.Save();
+    return patient;
+}
+
+bool ArchiveDialogTest::IsStored(const std::string& id)
+{
+    dbCPatient patient;
+    return patient.Load(id.c_str()) != FALSE;
+}
+
+std::string Sum(const std::string& bytes)
+{
+    return std::to_string(bytes.size()) + " " + std::to_string(Crc(bytes));
+}
+
+std::map<std::string, std::string> ArchiveDialogTest::WorkingFiles() const
+{
+    std::map<std::string, std::string> files;
+    for (const auto& entry : std::filesystem::directory_iterator(m_practice.Path(m_working)))
+    {
+        std::string name = entry.path().filename().string();
+        std::transform(name.begin(), name.end(), name.begin(), [](char ch) { return static_cast<char>(toupper(ch)); });
+        files[name] = Sum(m_practice.ReadFile(m_working + "\\" + name));
+    }
+    return files;
+}
+
+std::vector<std::string> ArchiveDialogTest::NewEvents()
+{
+    dbTList<dbSAuditEvent> events;
+    CVeltrixLogin::LoadEvents(events, 100);
+    std::vector<std::string> texts;
+    __int64 nNewest = m_nLastEvent;
+    for (const dbSAuditEvent& event : events)
+    {
+        if (event.nID > m_nLastEvent)
+            texts.insert(texts.begin(), std::to_string(event.nKind) + " " + event.strText.GetString());
+        nNewest = std::max(nNewest, event.nID);
+    }
+    m_nLastEvent = nNewest;
+    return texts;
+}
+
+std::string Describe(const dbCPatient& patient)
+{
+    std::string text;
+    const auto line = [&](const CString& str) { text += std::string(str.GetString()) + "\n"; };
+    for (const CString& str : {patient.GetGUID(), patient.GetID(), patient.GetFirstname(), patient.GetLastname(),
+                               patient.GetNotes(), patient.GetModelNumber(), patient.GetKeywords(),
+                               patient.GetBirthdate().FormatDate(), patient.GetAddress().GetStreet()})
+        line(str);
+    text += std::to_string(patient.GetGender()) + std::to_string(patient.GetRace()) + "\n";
+    for (const dbCPhone& phone : patient.GetPhones())
+        line(phone.GetNumber() + " " + phone.GetType());
+    dbCPerson guardian;
+    if (patient.GetPersonInfo(dbPersonGuardian, guardian))
+        line(guardian.GetFirstname() + " " + guardian.GetLastname());
+    for (const patCTimepoint& timepoint : patient.GetTimepoints())
+    {
+        line(timepoint.GetName() + " " + timepoint.GetDate().FormatDate() + " " + timepoint.GetBaseFilename());
+        for (int nGroup = 0; nGroup < patCImageTypes::GROUP_COUNT; ++nGroup)
+            text += std::to_string(timepoint.GetImageBits(nGroup)) + " ";
+        line(timepoint.GetImageInfo(2, 0).strTitle);
+    }
+    return text;
+}
+
+Dialog WaitForChoice(DialogScript& script)
+{
+    return script.WaitForDialog("Archive Patient Files");
+}
+
+void TakeOfferedName(DialogScript& script, int nFilter)
+{
+    constexpr int FileTypes = 0x470; // cmb1 of the common dialogs
+    constexpr int FileName = 0x47C;  // cmb13
+    const Dialog dialog = script.WaitForDialog("Save archive file...");
+    script.WaitUntil("a name is offered", [&] { return dialog.Has(FileName) && !dialog.Item(FileName).Text().empty(); });
+    script.Settle(dialog.Handle());
+    if (nFilter != 0)
+        dialog.Item(FileTypes).Choose(nFilter);
+    dialog.Press("Save"); // the list of files has the number of OK too
+}

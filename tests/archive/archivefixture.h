@@ -1,0 +1,89 @@
+// Two practices and a host window for the archive dialog, and a user who works with them.
+#pragma once
+
+#include "app/veldlgs.h"
+#include "archive/archivedlgres.h"
+#include "archive/archiveres.h"
+#include "suite/patients/velpat.h"
+#include "suite/patients/veltrixlogin.h"
+#include "tests/support/childprocess.h"
+#include "tests/support/dialogquality.h"
+#include "tests/support/dialogscript.h"
+#include "tests/support/picture.h"
+#include "tests/support/temporarypractice.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+// The window that the archive dialog is opened over; notes what it is told about patients.
+class HostWindow : public CWnd
+{
+public:
+    BOOL Open();
+    std::vector<std::pair<int, std::string>> m_told; // ARCHIVE_NOTIFY and GUID
+
+protected:
+    afx_msg LRESULT OnPatientChanged(WPARAM wParam, LPARAM lParam);
+    DECLARE_MESSAGE_MAP()
+};
+
+// Runs on the user interface thread; scripts run on their own. Archiving is allowed at the start of each test.
+class ArchiveDialogTest : public testing::Test
+{
+protected:
+    using Script = veltest::DialogScript::Script;
+
+    ArchiveDialogTest();
+    ~ArchiveDialogTest() override;
+
+    // Changes to an empty practice on the same computer; the archives' folder stays.
+    void UseSecondPractice();
+    void UseFirstPractice();
+
+    // The archive dialog over the host window; afterwards the window must be enabled and no lock of this process left.
+    __int64 Run(ARCHIVE_OP nOperation, const std::vector<std::string>& ids, const std::vector<std::string>& given,
+                const Script& script, int nPracticeManagement = 0);
+    // Saves one patient to ID.kaz as a user does, keeping the patient.
+    void Save(const std::string& id);
+    // Saves the patient to ID.kaz and changes to the second practice.
+    void SaveAndChange(const std::string& id);
+    // Loads an archive without questions; expects these boxes, answered with OK.
+    __int64 Load(const std::string& path, const std::vector<std::string>& boxes = {}, int nPracticeManagement = 0);
+
+    // A stored patient with something of everything and the files of that many timepoints.
+    dbCPatient StorePatient(const std::string& id, int nTimepoints = 2, std::size_t nImageBytes = 5000);
+    bool IsStored(const std::string& id);
+    std::string Archive(const std::string& id) const
+    {
+        return m_practice.Path("archive\\" + id + ".kaz");
+    }
+    // Names, in upper case, and sums of the files in the working folder.
+    std::map<std::string, std::string> WorkingFiles() const;
+    // The texts of all audit events with their kinds in front, oldest first, since the last call.
+    std::vector<std::string> NewEvents();
+
+    veltest::TemporaryPractice m_practice;
+    dbCPatients m_patients;
+    HostWindow m_host;
+    std::string m_working = "working";
+
+private:
+    void Use(const std::string& working, const std::string& database);
+    __int64 m_nLastEvent = 0;
+};
+
+// All that is recorded of a patient, line by line, without what each practice gives names of its own.
+std::string Describe(const dbCPatient& patient);
+
+// Stands for contents in comparisons.
+std::string Sum(const std::string& bytes);
+
+// In a script: the choice dialog.
+veltest::Dialog WaitForChoice(veltest::DialogScript& script);
+// Takes the name that the save dialog offers; nFilter is the file type from 0.
+void TakeOfferedName(veltest::DialogScript& script, int nFilter = 0);

@@ -1,0 +1,274 @@
+// Loading and merging through the archive dialog.
+#include "tests/archive/archivefixture.h"
+#include "tests/archive/rawzip.h"
+
+#include <filesystem>
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Pair;
+using veltest::Dialog;
+using veltest::DialogScript;
+
+namespace
+{
+const std::string LoadFailed = "Error has occured when loading the patient from Archive";
+const std::string NoHeader = "Cannot read the patient header file. It could be corrupt or in the wrong format.";
+
+std::string HeaderOf(const std::string& id)
+{
+    return "Lee\x01" "Ann\x01" + id + "\x01\n";
+}
+
+RawEntry Entry(const std::string& name, const std::string& contents)
+{
+    RawEntry entry;
+    entry.name = name;
+    entry.contents = contents;
+    return entry;
+}
+} // namespace
+
+TEST_F(ArchiveDialogTest, LoadsWhatWasSavedWithEveryFileAndField)
+{
+    const dbCPatient patient = StorePatient("A1", 3);
+    StorePatient("A12"); // shares the beginning of its file names
+    const auto files = WorkingFiles();
+    SaveAndChange("A1");
+    EXPECT_EQ(Load(Archive("A1"),
+                   {"Some patient fields, such as location and orthodontist, may have been automatically assigned.  "
+                    "Please visit the Patient Details screen to confirm these settings."},
+                   1),
+              IDOK);
+    dbCPatient loaded;
+    ASSERT_TRUE(loaded.Load("A1"));
+    EXPECT_EQ(Describe(loaded), Describe(patient));
+    auto expected = files;
+    std::erase_if(expected, [](const auto& file) {
+        return file.first.starts_with("A12") && !file.first.ends_with(".2DMORPH");
+    });
+    EXPECT_EQ(WorkingFiles(), expected);
+    EXPECT_THAT(NewEvents(), ElementsAre("3 The patient (A1) Lee A1, Zo\xeb data have been loaded from a file (archive)"));
+    const std::string guid = patient.GetGUID().GetString();
+    EXPECT_THAT(m_host.m_told, ElementsAre(Pair(ARCHIVE_NOTIFY_LOADED, guid), Pair(ARCHIVE_NOTIFY_REFRESH, guid)));
+    EXPECT_TRUE(std::filesystem::is_empty(m_practice.Path("temp")));
+
+    // A second time there is nothing to load.
+    EXPECT_EQ(Load(Archive("A1"), {"Patient Zo\xeb Lee A1 (ID:A1) already exists.", LoadFailed}), IDOK);
+    EXPECT_EQ(WorkingFiles(), expected);
+}
+
+TEST_F(ArchiveDialogTest, LoadsAndSavesInTheOtherFormats)
+{
+    const dbCPatient patient = StorePatient("A1");
+    const auto files = WorkingFiles();
+    for (const int nFilter : {1, 2})
+    {
+        const bool bEarlier = nFilter == 2;
+        EXPECT_EQ(Run(ARCHIVE_OP_SAVE, {"A1"}, {},
+                      [&](DialogScript& script) {
+                          WaitForChoice(script).Press(IDOK);
+                          TakeOfferedName(script, nFilter);
+                          if (!bEarlier)
+                              return;
+                          const Dialog box = script.WaitForBox(
+                              "Saving records to an earlier format: \"Veltrix Version 7 or earlier\".\nThe saved files "
+                              "may not contain all data or images.\nDo you still want to continue?");
+                          EXPECT_EQ(box.DefaultButton(), "No");
+                          box.Press(IDYES);
+                      }),
+                  IDOK)
+            << nFilter;
+        EXPECT_EQ(WorkingFiles(), files);
+        EXPECT_EQ(NewEvents().size(), 1u);
+        // These formats hold names, ID, timepoints and the files that the list names.
+        const std::string archive = m_practice.Path(bEarlier ? "archive\\A1.PF" : "archive\\A1.kar");
+        UseSecondPractice();
+        ASSERT_TRUE(std::filesystem::exists(archive));
+        EXPECT_EQ(Load(archive), IDOK);
+        dbCPatient loaded;
+        ASSERT_TRUE(loaded.Load("A1")) << nFilter;
+        EXPECT_EQ(loaded.GetLastname(), patient.GetLastname());
+        EXPECT_EQ(loaded.GetTimepoints().GetCount(), patient.GetTimepoints().GetCount());
+        const auto now = WorkingFiles();
+        for (const char* pszName : {"A1.PF", "A100.I2A", "A101.V2A", "A100.C01", "A101.DF0", "A100.DF3", "A101.M"})
+        {
+            ASSERT_TRUE(now.contains(pszName)) << nFilter << pszName;
+            EXPECT_EQ(now.at(pszName), files.at(pszName)) << nFilter << pszName;
+        }
+        m_patients.DeletePatient("A1");
+        UseFirstPractice();
+    }
+}
+
+TEST_F(ArchiveDialogTest, RefusesWhatIsNoPatientAndLeavesThePracticeAlone)
+{
+    UseSecondPractice();
+    RawZip hostile, foreign, contradiction;
+    hostile.entries = {Entry("..\\..\\evil.txt", "x")};
+    foreign.entries = {Entry("C1.PF", HeaderOf("..\\C1"))};
+    contradiction.entries = {Entry("C1.PF", HeaderOf("C1")), Entry("D1.PF", HeaderOf("D1"))};
+    struct Case
+    {
+        std::string name, contents;
+        std::vector<std::string> boxes;
+    };
+    const std::string openError = "Error opening archive file.";
+    const Case cases[] = {
+        {"text.kaz", "this is no zip at all", {openError, LoadFailed}},
+        {"empty.kaz", RawZip().Build(), {NoHeader, LoadFailed}},
+        {"hostile.kaz", hostile.Build(), {openError, LoadFailed}},
+        {"foreign.kaz", foreign.Build(), {NoHeader, LoadFailed}},
+        {"two.kaz", contradiction.Build(), {NoHeader, LoadFailed}},
+        {"text.kar", "no header", {openError, LoadFailed}},
+        {"gone.kar", HeaderOf("C1"), {openError, LoadFailed}},
+        {"text.PF", "no header", {openError, LoadFailed}},
+        {"text.doc", "no archive", {NoHeader, LoadFailed}},
+    };
+    for (const Case& refused : cases)
+    {
+        m_practice.WriteFile("archive\\" + refused.name, refused.contents);
+        EXPECT_EQ(Load(m_practice.Path("archive\\" + refused.name), refused.boxes), IDOK) << refused.name;
+        EXPECT_THAT(WorkingFiles(), IsEmpty()) << refused.name;
+        EXPECT_EQ(m_patients.GetCount(), 0) << refused.name;
+    }
+    EXPECT_THAT(NewEvents(), IsEmpty());
+    EXPECT_THAT(m_host.m_told, IsEmpty());
+    EXPECT_TRUE(std::filesystem::is_empty(m_practice.Path("temp")));
+}
+
+TEST_F(ArchiveDialogTest, RefusesADamagedArchiveAndAFileInTheWay)
+{
+    StorePatient("A1");
+    SaveAndChange("A1");
+    m_practice.WriteFile("working2\\A101.V2A", "somebody's");
+    const auto before = WorkingFiles();
+    EXPECT_EQ(Load(Archive("A1"), {"", LoadFailed}), IDOK);
+    EXPECT_EQ(WorkingFiles(), before);
+    EXPECT_FALSE(IsStored("A1"));
+
+    std::string bytes = m_practice.ReadFile("archive\\A1.kaz");
+    bytes[bytes.size() / 3] = static_cast<char>(bytes[bytes.size() / 3] ^ 0x40);
+    m_practice.WriteFile("archive\\A1.kaz", bytes);
+    EXPECT_EQ(Load(Archive("A1"), {"Error opening archive file.", LoadFailed}), IDOK);
+    EXPECT_EQ(WorkingFiles(), before);
+    EXPECT_FALSE(IsStored("A1"));
+}
+
+TEST_F(ArchiveDialogTest, LoadsSeveralAndDeletesTheirArchivesWhenWanted)
+{
+    for (const char* pszID : {"A1", "B1"})
+    {
+        StorePatient(pszID);
+        Save(pszID);
+    }
+    UseSecondPractice();
+    const std::string ask = "You are about to load multiple patients from Archive, do you want to delete the archive files "
+                            "when the operation is finished?";
+    EXPECT_EQ(Run(ARCHIVE_OP_LOAD, {}, {Archive("A1"), Archive("X1"), Archive("B1")},
+                  [&](DialogScript& script) {
+                      WaitForChoice(script).Press(IDOK);
+                      EXPECT_EQ(script.WaitForBox(ask).DefaultButton(), "No");
+                      script.AnswerBox(ask, IDYES);
+                      script.AnswerBox("The actual zip file of patient X1, ID:X1 is missing. Load process failed for this "
+                                       "patient.",
+                                       IDOK);
+                      script.AnswerBox("Error has occured when loading the patient from Archive. Choose OK to continue on "
+                                       "loading the next patient or Cancel to exit archiving.",
+                                       IDOK);
+                  }),
+              IDOK);
+    EXPECT_TRUE(IsStored("A1") && IsStored("B1"));
+    EXPECT_FALSE(std::filesystem::exists(Archive("A1")) || std::filesystem::exists(Archive("B1")));
+
+    EXPECT_EQ(Run(ARCHIVE_OP_LOAD, {}, {Archive("A1"), m_practice.Path("archive\\B1.kar")},
+                  [&](DialogScript& script) {
+                      WaitForChoice(script).Press(IDOK);
+                      script.AnswerBox("Loading multiple non-Premium archive files is not supported. Please load one file "
+                                       "at a time.",
+                                       IDOK);
+                      WaitForChoice(script).Press(IDCANCEL);
+                  }),
+              IDCANCEL);
+}
+
+TEST_F(ArchiveDialogTest, MergesUnderNewNumbers)
+{
+    StorePatient("A1", 2);
+    const auto archived = WorkingFiles();
+    SaveAndChange("A1");
+    StorePatient("A1", 3, 10);
+    StorePatient("B1", 1, 10);
+    const auto before = WorkingFiles();
+
+    // The same patient: nothing is asked.
+    const auto merge = [&](const std::string& id, const Script& asked) {
+        return Run(ARCHIVE_OP_MERGE, {id}, {Archive("A1")}, [&](DialogScript& script) {
+            WaitForChoice(script).Press(IDOK);
+            asked(script);
+        });
+    };
+    EXPECT_EQ(merge("A1", [](DialogScript&) {}), IDOK);
+    dbCPatient merged;
+    ASSERT_TRUE(merged.Load("A1"));
+    ASSERT_EQ(merged.GetTimepoints().GetCount(), 5);
+    EXPECT_EQ(merged.GetTimepoint(3).GetBaseFilename(), CString("A103"));
+    EXPECT_EQ(merged.GetTimepoint(4).GetName(), CString("T1"));
+    EXPECT_EQ(merged.GetTimepoint(4).GetImageInfo(2, 0).strTitle, CString("lateral"));
+    const auto now = WorkingFiles();
+    for (const char* pszRest : {".I2A", ".V2A", ".I2A.AVI", ".DF0", ".M", ".C01"})
+        EXPECT_EQ(now.at(std::string("A104") + pszRest), archived.at(std::string("A101") + pszRest)) << pszRest;
+    EXPECT_EQ(now.at("A1$03$MOVIE.AVI"), Sum("extra"));
+    for (const auto& [name, contents] : before)
+        EXPECT_TRUE(name == "A1.PF" || now.at(name) == contents) << name;
+    EXPECT_THAT(NewEvents(), ElementsAre("3 The patient (A1) Lee A1, Zo\xeb data have been merged from a file (archive)"));
+    EXPECT_THAT(m_host.m_told, ElementsAre(Pair(ARCHIVE_NOTIFY_MERGED, merged.GetGUID().GetString())));
+
+    // Another patient: asked, and No leaves everything.
+    const std::string mismatch = "The data being merged does not appear to be for the selected patient.\r\n\r\nThe SELECTED "
+                                 "patient is:\r\n     B1: Zo\xeb Lee B1\r\n\r\nThe MERGE DATA appears to be for:\r\n     "
+                                 "A1: Zo\xeb Lee A1\r\n\r\nWould you like to merge the data anyway?";
+    EXPECT_EQ(merge("B1",
+                    [&](DialogScript& script) {
+                        const Dialog box = script.WaitForBox();
+                        EXPECT_EQ(box.BoxText(), mismatch);
+                        EXPECT_EQ(box.Title(), "Mismatch");
+                        EXPECT_TRUE(box.HasIcon(IDI_EXCLAMATION));
+                        box.Press(IDNO);
+                        WaitForChoice(script).Press(IDCANCEL);
+                    }),
+              IDCANCEL);
+    EXPECT_EQ(merge("B1", [&](DialogScript& script) { script.AnswerBox("", IDYES); }), IDOK);
+    EXPECT_TRUE(WorkingFiles().contains("B101.I2A"));
+}
+
+TEST_F(ArchiveDialogTest, RefusesAMergeThatDoesNotFitAndOldArchives)
+{
+    StorePatient("A1", 2);
+    SaveAndChange("A1");
+    dbCPatient patient = StorePatient("A1", 1, 10);
+    while (patient.GetTimepoints().GetCount() < 99)
+        ASSERT_EQ(patient.GetTimepoints().Add(&patient, dbCTimepoint(), TRUE, FALSE), 0);
+    patient.Save();
+    const auto before = WorkingFiles();
+    m_practice.WriteFile("archive\\A1.kar", HeaderOf("A1"));
+    struct Case
+    {
+        std::string archive, text;
+    };
+    for (const Case& refused :
+         {Case{"A1.kaz", "The maximum number of timepoints (100) has already been reached for this patient."},
+          Case{"A1.kar", "Merging from the old archive file is not supported. Please use Get Patient From Archive to load "
+                         "the patient back to Veltrix first. Then use Copy / Paste timepoint to merge the timepoints."}})
+    {
+        EXPECT_EQ(Run(ARCHIVE_OP_MERGE, {"A1"}, {m_practice.Path("archive\\" + refused.archive)},
+                      [&](DialogScript& script) {
+                          WaitForChoice(script).Press(IDOK);
+                          script.AnswerBox(refused.text, IDOK);
+                      }),
+                  IDOK);
+        EXPECT_EQ(WorkingFiles(), before);
+    }
+    ASSERT_TRUE(patient.Load("A1"));
+    EXPECT_EQ(patient.GetTimepoints().GetCount(), 99);
+}

@@ -1,0 +1,230 @@
+// Saving patients through the archive dialog.
+#include "tests/archive/archivefixture.h"
+
+#include <filesystem>
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Pair;
+using testing::StartsWith;
+using veltest::Dialog;
+using veltest::DialogScript;
+
+namespace
+{
+const std::string NotCreated =
+    "Couldn't create archive file. Please check if the drive or the existing archive file is read-only.";
+const std::string RetryText = "Error has occured when saving the patient. Choose Retry to try again, Ignore to continue "
+                              "saving the next patient or Abort to exit archiving.";
+const std::string RunText = "You are about to save multiple patients to Archive, do you want to delete the patients from "
+                            "the patient list when the operation is finished?";
+
+VEL_CHILD_PROCESS(holdLock) // database, ID, mode, file to make when it is locked
+{
+    dbCPatients::Open(arguments[0].c_str());
+    dbCPatients().LockPatient(arguments[1].c_str(), std::stoi(arguments[2]));
+    ::CloseHandle(::CreateFile(arguments[3].c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
+    ::Sleep(60'000);
+    return 0;
+}
+
+void WaitForFile(const std::string& path)
+{
+    for (int i = 0; i < 1000 && !std::filesystem::exists(path); ++i)
+        ::Sleep(20);
+    ASSERT_TRUE(std::filesystem::exists(path));
+}
+} // namespace
+
+TEST_F(ArchiveDialogTest, SavesOnePatientAndRemovesItWhenWanted)
+{
+    const dbCPatient patient = StorePatient("A1");
+    const std::string guid = patient.GetGUID().GetString();
+    for (const int nAnswer : {IDNO, IDYES})
+    {
+        EXPECT_EQ(Run(ARCHIVE_OP_SAVE, {"A1"}, {},
+                      [&](DialogScript& script) {
+                          WaitForChoice(script).Press(IDOK);
+                          TakeOfferedName(script);
+                          if (nAnswer == IDYES)
+                          {
+                              const Dialog overwrite = script.WaitForDialogWith(IDC_ARC_OVERWRITE_TEXT);
+                              EXPECT_EQ(overwrite.Item(IDC_ARC_OVERWRITE_TEXT).Text(),
+                                        "Do you want to replace existing file?\n A1.kaz");
+                              EXPECT_FALSE(overwrite.Item(IDC_ARC_OVERWRITE_ALL).IsVisible());
+                              EXPECT_EQ(veltest::DialogFindings(overwrite.Handle()), "");
+                              veltest::SavePicture(overwrite.Handle(), "archive-overwrite");
+                              overwrite.Press(IDYES);
+                          }
+                          const Dialog box = script.WaitForBox("\"Zo\xeb Lee A1\" (ID:A1) successfully archived.  Remove "
+                                                               "this patient from the patient list?");
+                          EXPECT_EQ(box.DefaultButton(), "No");
+                          box.Press(nAnswer);
+                      }),
+                  IDOK);
+        EXPECT_EQ(IsStored("A1"), nAnswer == IDNO);
+    }
+    EXPECT_THAT(NewEvents(), ElementsAre("3 The patient (A1) Lee A1, Zo\xeb data has been saved into a file (archive)",
+                                         "3 The patient (A1) Lee A1, Zo\xeb data has been saved into a file (archive)",
+                                         "4 The patient (A1) Lee A1, Zo\xeb has been deleted after archiving"));
+    EXPECT_THAT(m_host.m_told, ElementsAre(Pair(ARCHIVE_NOTIFY_REMOVED, guid)));
+    EXPECT_THAT(WorkingFiles(), IsEmpty());
+    // Neither the record nor the replaced archive is left.
+    EXPECT_TRUE(std::filesystem::is_empty(m_practice.Path("temp")));
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(m_practice.Path("archive")), {}), 1);
+}
+
+TEST_F(ArchiveDialogTest, KeepsWhoOwes)
+{
+    dbCPatient patient = StorePatient("A1");
+    patient.SetBalance(100);
+    EXPECT_EQ(Run(ARCHIVE_OP_SAVE, {"A1"}, {},
+                  [&](DialogScript& script) {
+                      WaitForChoice(script).Press(IDOK);
+                      TakeOfferedName(script);
+                      script.AnswerBox("", IDYES);
+                      script.AnswerBox("You cannot remove this patient from patient list until their balance is zero.",
+                                       IDOK);
+                  },
+                  1),
+              IDOK);
+    EXPECT_TRUE(IsStored("A1"));
+    EXPECT_EQ(NewEvents().size(), 1u);
+
+    StorePatient("B1");
+    EXPECT_EQ(Run(ARCHIVE_OP_SAVE, {"A1", "B1"}, {},
+                  [&](DialogScript& script) {
+                      WaitForChoice(script).Press(IDOK);
+                      EXPECT_EQ(script.WaitForBox(RunText).DefaultButton(), "No");
+                      script.AnswerBox(RunText, IDYES);
+                      TakeOfferedName(script);
+                      script.WaitForDialogWith(IDC_ARC_OVERWRITE_TEXT).Press(IDC_ARC_OVERWRITE_ALL);
+                      script.AnswerBox("You cannot remove patient: \"Lee A1,  Zo\xeb\" (ID:A1) from patient list until "
+                                       "their balance is zero.",
+                                       IDOK);
+                  },
+                  1),
+              IDOK);
+    EXPECT_TRUE(IsStored("A1"));
+    EXPECT_FALSE(IsStored("B1"));
+}
+
+TEST_F(ArchiveDialogTest, GoesOnAfterAFailureAsTheUserWants)
+{
+    for (const char* pszID : {"A1", "B1", "C1"})
+        StorePatient(pszID);
+    struct Case
+    {
+        int nAnswer;
+        std::vector<std::string> archives; // that are new
+    };
+    for (const Case& expected : {Case{IDABORT, {"A1"}}, Case{IDIGNORE, {"A1", "C1"}}, Case{IDRETRY, {"A1", "B1", "C1"}}})
+    {
+        for (const char* pszID : {"A1", "C1"})
+            std::filesystem::remove(Archive(pszID));
+        m_practice.WriteFile("archive\\B1.kaz", "somebody's");
+        ::SetFileAttributes(Archive("B1").c_str(), FILE_ATTRIBUTE_READONLY);
+        EXPECT_EQ(Run(ARCHIVE_OP_SAVE, {"A1", "B1", "C1"}, {},
+                      [&](DialogScript& script) {
+                          WaitForChoice(script).Press(IDOK);
+                          script.AnswerBox(RunText, IDNO);
+                          TakeOfferedName(script);
+                          script.WaitForDialogWith(IDC_ARC_OVERWRITE_TEXT).Press(IDYES);
+                          script.AnswerBox(NotCreated, IDOK);
+                          const Dialog box = script.WaitForBox(RetryText);
+                          EXPECT_EQ(m_practice.ReadFile("archive\\B1.kaz"), "somebody's");
+                          ::SetFileAttributes(Archive("B1").c_str(), FILE_ATTRIBUTE_NORMAL);
+                          box.Press(expected.nAnswer);
+                      }),
+                  IDOK);
+        std::vector<std::string> written;
+        for (const char* pszID : {"A1", "B1", "C1"})
+        {
+            if (std::filesystem::exists(Archive(pszID)) && std::filesystem::file_size(Archive(pszID)) > 100)
+                written.push_back(pszID);
+        }
+        EXPECT_EQ(written, expected.archives);
+        EXPECT_EQ(NewEvents().size(), expected.archives.size());
+    }
+}
+
+TEST_F(ArchiveDialogTest, LeavesALockedPatientAlone)
+{
+    StorePatient("A1");
+    {
+        const std::string ready = m_practice.Path("ready1");
+        veltest::ChildProcess holder("holdLock", {m_practice.Path("patients.db"), "A1", "0", ready});
+        WaitForFile(ready);
+        CString strUser;
+        EXPECT_EQ(m_patients.IsLocked("A1", &strUser), patLockInUse);
+        // Nothing was begun, so that the dialog stays.
+        EXPECT_EQ(Run(ARCHIVE_OP_SAVE, {"A1"}, {},
+                      [&](DialogScript& script) {
+                          const Dialog choice = WaitForChoice(script);
+                          choice.Press(IDOK);
+                          TakeOfferedName(script);
+                          script.AnswerBox("Patient ID \"A1\" is currently in use by \"" +
+                                               std::string(strUser.GetString()) + "\".\nPlease try again later.",
+                                           IDOK);
+                          WaitForChoice(script).Press(IDCANCEL);
+                      }),
+                  IDCANCEL);
+        EXPECT_EQ(m_patients.IsLocked("A1"), patLockInUse);
+        EXPECT_FALSE(std::filesystem::exists(Archive("A1")));
+    }
+    const std::string ready = m_practice.Path("ready2");
+    veltest::ChildProcess viewer("holdLock", {m_practice.Path("patients.db"), "A1", "1", ready});
+    WaitForFile(ready);
+    // Saved, but neither recorded nor removed under the eyes of who looks at it.
+    EXPECT_EQ(Run(ARCHIVE_OP_SAVE, {"A1"}, {},
+                  [&](DialogScript& script) {
+                      WaitForChoice(script).Press(IDOK);
+                      TakeOfferedName(script);
+                      script.AnswerBox("", IDYES);
+                      EXPECT_THAT(script.WaitForBox().BoxText(), StartsWith("Patient ID \"A1\" is currently in use by"));
+                      script.AnswerBox("", IDOK);
+                  }),
+              IDOK);
+    EXPECT_EQ(m_patients.IsLocked("A1"), patLockPassable);
+    EXPECT_TRUE(std::filesystem::exists(Archive("A1")));
+    EXPECT_TRUE(IsStored("A1"));
+    EXPECT_THAT(NewEvents(), IsEmpty());
+}
+
+TEST_F(ArchiveDialogTest, LaysOutASelfStartingDisc)
+{
+    StorePatient("A1");
+    m_practice.WriteFile("sys\\VeltrixViewerSetup.exe", "setup");
+    m_practice.WriteFile("sys\\autorunLaunchKaz.inf", std::string(60, 'x'));
+    EXPECT_EQ(Run(ARCHIVE_OP_SAVE, {"A1"}, {},
+                  [&](DialogScript& script) {
+                      const Dialog choice = WaitForChoice(script);
+                      choice.Press(IDC_ARC_INCLUDE_VIEWER);
+                      choice.Press(IDOK);
+                      TakeOfferedName(script);
+                      script.AnswerBox("", IDNO);
+                  }),
+              IDOK);
+    EXPECT_EQ(m_practice.ReadFile("archive\\zzz.exe"), "setup");
+    const std::string start = "[autorun]\r\nOPEN=LaunchKaz.exe A1.KAZ";
+    EXPECT_EQ(m_practice.ReadFile("archive\\autorun.inf"), start + std::string(60 - start.size(), 'x'));
+    EXPECT_FALSE(std::filesystem::exists(m_practice.Path("archive\\readme.txt")));
+}
+
+TEST_F(ArchiveDialogTest, RefusesADeviceNameAsID)
+{
+    dbCPatient patient;
+    patient.SetID("AUX");
+    patient.SetLastname("Lee");
+    patient.Save(dbSaveWithoutFile);
+    EXPECT_EQ(Run(ARCHIVE_OP_SAVE, {"AUX"}, {},
+                  [&](DialogScript& script) {
+                      const Dialog choice = WaitForChoice(script);
+                      choice.Press(IDOK);
+                      TakeOfferedName(script);
+                      EXPECT_THAT(script.WaitForBox().BoxText(), StartsWith("The patient ID \"AUX\" is a name that"));
+                      script.AnswerBox("", IDOK);
+                      WaitForChoice(script).Press(IDCANCEL);
+                  }),
+              IDCANCEL);
+}
