@@ -20,7 +20,8 @@ bool hostParseCommandLine(const std::vector<std::string>& arguments, hostSOption
             if (code != std::errc() || end != value.data() + value.size() || options.patients < 1 ||
                 options.patients > kMostSamplePatients)
             {
-                error = argument + " " + value;
+                error = argument;
+                error.append(" ").append(value);
                 return false;
             }
         }

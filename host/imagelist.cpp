@@ -15,17 +15,17 @@ constexpr int kThumbnailHeight = 84;
 // Images of ".I40" may be stored under ".C01" instead.
 CString FindImageFile(const CString& name)
 {
-    const CString path = velGetDataPath() + name;
+    CString path = velGetDataPath() + name;
     if (velFileExists(path))
     {
         return path;
     }
     if (path.Right(4).CompareNoCase(".I40") == 0)
     {
-        const CString other = path.Left(path.GetLength() - 4) + ".C01";
-        return velFileExists(other) ? other : CString();
+        path = path.Left(path.GetLength() - 4) + ".C01";
+        return velFileExists(path) ? path : CString();
     }
-    return CString();
+    return {};
 }
 
 } // namespace

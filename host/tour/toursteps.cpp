@@ -11,7 +11,6 @@
 
 #include <array>
 
-using veltest::Control;
 using veltest::Dialog;
 
 namespace
