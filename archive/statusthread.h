@@ -31,8 +31,8 @@ struct arcSStatusWork
     HWND hOwner = nullptr;              ///< receives arcMsgSaveEnded or arcMsgLoadEnded
     BOOL bAlternativeEngine = FALSE;    ///< the setting `UseDynaZip`; carried, without effect
 
-    /// For archives that are no zip: does the whole work on the status thread and answers the result code. It
-    /// shows its own messages, owned by the window given. It must not throw.
+    /// For archives that are no zip: does the whole work on the status thread and answers the result code. What
+    /// the table of result codes has no message for it shows itself, owned by the window given.
     std::function<int(CWnd* pDialog, const arcProgress& progress)> otherWork;
 };
 

@@ -54,6 +54,9 @@ ON_MESSAGE(arcMsgSaveEnded, &OwnerWindow::OnSaveEnded)
 ON_MESSAGE(arcMsgLoadEnded, &OwnerWindow::OnLoadEnded)
 END_MESSAGE_MAP()
 
+constexpr const char* NotCreated =
+    "Couldn't create archive file. Please check if the drive or the existing archive file is read-only.";
+
 class StatusThreadTest : public testing::Test
 {
 protected:
@@ -164,10 +167,7 @@ TEST_F(StatusThreadTest, FailuresAreToldAndReported)
 {
     work.strArchivePath = practice.Path("nowhere\\S1.KAZ").c_str();
     Run([](veltest::DialogScript& script) {
-        script.AnswerBox(
-            "Couldn't create archive file. Please check if the drive or the existing archive file is "
-            "read-only.",
-            IDOK);
+        script.AnswerBox(NotCreated, IDOK);
     });
     EXPECT_EQ(owner.m_nEnded, arcMsgSaveEnded);
     EXPECT_EQ(owner.m_nResult, arc::ResultSaveFailed);
@@ -194,11 +194,11 @@ TEST_F(StatusThreadTest, AnEmptyZipLoadsAsAnEmptyFolder)
 TEST_F(StatusThreadTest, WorkThatThrowsIsAFailedOne)
 {
     work.otherWork = [](CWnd*, const arcProgress&) -> int { throw std::runtime_error("broken"); };
-    Run();
+    Run([](veltest::DialogScript& script) { script.AnswerBox(NotCreated, IDOK); });
     EXPECT_EQ(owner.m_nResult, arc::ResultSaveFailed);
     owner.m_nEnded = 0;
     work.otherWork = [](CWnd*, const arcProgress&) -> int { AfxThrowMemoryException(); };
-    Run();
+    Run([](veltest::DialogScript& script) { script.AnswerBox(NotCreated, IDOK); });
     EXPECT_EQ(owner.m_nResult, arc::ResultSaveFailed);
 }
 
