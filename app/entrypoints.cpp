@@ -200,9 +200,11 @@ __int64 ArchiveDlg(CWnd* pParent, int practiceManagement, dbCPatient* pPatient, 
     });
 }
 
-__int64 RenameDlg(CWnd* pParent, int practiceManagement, dbCPatient* pPatient, int nTimepoint,
-                  CString strPassThrough, RENAME_OP* pOperation, CString& strLastname, CString& strFirstname,
-                  CString& strPassThroughOut, CString& strTimepointName, COleDateTime& dateTimepoint)
+__int64 RenameDlg(
+    CWnd* pParent, int practiceManagement, dbCPatient* pPatient, int nTimepoint,
+    CString strPassThrough, // NOLINT(performance-unnecessary-value-param): hosts pass it by value
+    RENAME_OP* pOperation, CString& strLastname, CString& strFirstname, CString& strPassThroughOut,
+    CString& strTimepointName, COleDateTime& dateTimepoint)
 {
     AFX_MANAGE_STATE(AfxGetStaticModuleState());
     const CPracticeManagementScope scope(practiceManagement);

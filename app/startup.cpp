@@ -11,7 +11,7 @@ BOOL CVelDlgsApp::InitInstance()
 {
     CWinApp::InitInstance();
     InitVelPatDLL(1);
-    const HINSTANCE hInstance = AfxGetInstanceHandle();
+    HINSTANCE hInstance = AfxGetInstanceHandle();
     cttRegisterClass(hInstance);
     cedCEdit::RegisterControlClass(hInstance);
     cedCKeywords::RegisterControlClass(hInstance);
@@ -22,7 +22,7 @@ BOOL CVelDlgsApp::InitInstance()
 int CVelDlgsApp::ExitInstance()
 {
     // A window class that outlives the module would call into memory that is gone.
-    const HINSTANCE hInstance = AfxGetInstanceHandle();
+    HINSTANCE hInstance = AfxGetInstanceHandle();
     cedCKeywords::UnregisterControlClass(hInstance);
     cedCEdit::UnregisterControlClass(hInstance);
     cttUnregisterClass(hInstance);

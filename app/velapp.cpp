@@ -95,7 +95,7 @@ void CVelDlgsApp::ShowHelp(UINT helpId)
     m_strHelpFile = make_filename("Veltrix", "chm", "sys");
     m_strHelpWindow.LoadString(IDS_HELP_WINDOW);
     const CWnd* const pOwner = AfxGetMainWnd();
-    const HWND hOwner = pOwner != nullptr ? pOwner->GetSafeHwnd() : nullptr;
+    HWND hOwner = pOwner != nullptr ? pOwner->GetSafeHwnd() : nullptr;
     velHtmlHelp(hOwner, m_strHelpFile, HH_HELP_CONTEXT, helpId + helpIdOffset);
 
     const auto windowName = reinterpret_cast<DWORD_PTR>(m_strHelpWindow.GetString());

@@ -73,13 +73,13 @@ BOOL CDlgEditKeywords::PreTranslateMessage(MSG* pMsg)
 {
     if (pMsg->message == WM_KEYDOWN)
     {
-        const HWND hFocus = pMsg->hwnd;
-        if (pMsg->wParam == VK_RETURN && hFocus == m_editText.m_hWnd && m_editText.GetWindowTextLength() > 0)
+        if (pMsg->wParam == VK_RETURN && pMsg->hwnd == m_editText.m_hWnd &&
+            m_editText.GetWindowTextLength() > 0)
         {
             OnAdd();
             return TRUE;
         }
-        if (pMsg->wParam == VK_DELETE && hFocus == m_list.m_hWnd)
+        if (pMsg->wParam == VK_DELETE && pMsg->hwnd == m_list.m_hWnd)
         {
             OnRemove();
             return TRUE;

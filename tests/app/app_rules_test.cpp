@@ -22,8 +22,8 @@ struct NameCase
 {
     const char* what;
     int familyFirst;
-    std::optional<std::string> separator;
     int order;
+    std::optional<std::string> separator;
     const char* given;
     const char* family;
     const char* expected;
@@ -41,20 +41,20 @@ TEST_P(FullName, FollowsOrderAndSettings)
 }
 
 const NameCase nameCases[] = {
-    {"no settings, default order", 0, {}, 0, "Ann", "Lee", "Ann Lee"},
-    {"no settings, family first", 0, {}, 2, "Ann", "Lee", "Lee, Ann"},
-    {"setting decides for order 0", 1, {}, 0, "Ann", "Lee", "Lee, Ann"},
-    {"setting decides for order 1 too", 1, {}, 1, "Ann", "Lee", "Lee, Ann"},
-    {"any nonzero setting counts", -7, {}, 1, "Ann", "Lee", "Lee, Ann"},
-    {"other orders give the given name first", 1, {}, 3, "Ann", "Lee", "Ann Lee"},
-    {"negative orders too", 1, {}, -1, "Ann", "Lee", "Ann Lee"},
-    {"configured separator gets a blank", 0, "/", 2, "Ann", "Lee", "Lee/ Ann"},
-    {"empty separator is a single blank", 0, "", 2, "Ann", "Lee", "Lee Ann"},
-    {"empty given name keeps its blank", 0, {}, 1, "", "Lee", " Lee"},
-    {"empty family name keeps its blank", 0, {}, 0, "Ann", "", "Ann "},
-    {"empty family name keeps its separator", 0, {}, 2, "Ann", "", ", Ann"},
-    {"nothing is trimmed", 0, {}, 2, " Ann ", " Lee ", " Lee ,  Ann "},
-    {"a separator of high bytes is a separator", 0, "\xAC", 2, "Ann", "Lee", "Lee\xAC Ann"},
+    {"no settings, default order", 0, 0, {}, "Ann", "Lee", "Ann Lee"},
+    {"no settings, family first", 0, 2, {}, "Ann", "Lee", "Lee, Ann"},
+    {"setting decides for order 0", 1, 0, {}, "Ann", "Lee", "Lee, Ann"},
+    {"setting decides for order 1 too", 1, 1, {}, "Ann", "Lee", "Lee, Ann"},
+    {"any nonzero setting counts", -7, 1, {}, "Ann", "Lee", "Lee, Ann"},
+    {"other orders give the given name first", 1, 3, {}, "Ann", "Lee", "Ann Lee"},
+    {"negative orders too", 1, -1, {}, "Ann", "Lee", "Ann Lee"},
+    {"configured separator gets a blank", 0, 2, "/", "Ann", "Lee", "Lee/ Ann"},
+    {"empty separator is a single blank", 0, 2, "", "Ann", "Lee", "Lee Ann"},
+    {"empty given name keeps its blank", 0, 1, {}, "", "Lee", " Lee"},
+    {"empty family name keeps its blank", 0, 0, {}, "Ann", "", "Ann "},
+    {"empty family name keeps its separator", 0, 2, {}, "Ann", "", ", Ann"},
+    {"nothing is trimmed", 0, 2, {}, " Ann ", " Lee ", " Lee ,  Ann "},
+    {"a separator of high bytes is a separator", 0, 2, "\xAC", "Ann", "Lee", "Lee\xAC Ann"},
 };
 INSTANTIATE_TEST_SUITE_P(Table, FullName, testing::ValuesIn(nameCases));
 

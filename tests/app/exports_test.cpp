@@ -144,7 +144,7 @@ TEST(GreyText, DrawsTheTextAndReturnsItsHeight)
     const Module module;
     const auto grayString = module.Get<int (*)(HDC, LPARAM, int)>("_Z14GrayStringProcP5HDC__xi");
     ASSERT_NE(grayString, nullptr);
-    const HDC dc = CreateCompatibleDC(nullptr);
+    HDC dc = CreateCompatibleDC(nullptr);
     TEXTMETRICA metrics = {};
     GetTextMetricsA(dc, &metrics);
     const char text[] = "Aligner";

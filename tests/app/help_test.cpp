@@ -1,6 +1,8 @@
 // How F1 reaches the help viewer; a library of the test answers in the viewer's place.
 
 #include "app/veldlgs.h"
+#include "patient/detailsres.h"
+#include "patient/patientres.h"
 #include "suite/patients/dbkeywords.h"
 #include "tests/app/testhelpviewer.h"
 #include "tests/support/dialogscript.h"
@@ -71,7 +73,7 @@ protected:
 TEST_F(Help, StopsWhenTheShiftedTopicOpensTheHelpWindow)
 {
     m_log->window = GetDesktopWindow();
-    const HWND editor = PressF1InKeywordEditor();
+    HWND editor = PressF1InKeywordEditor();
     ASSERT_NE(editor, nullptr);
     ASSERT_EQ(m_log->count, 2);
     EXPECT_EQ(m_log->calls[0].command, helpContext);
@@ -114,6 +116,50 @@ TEST_F(Help, DebugBoxShowsTheNumbersFirst)
         script.AnswerBox("", IDOK);
     });
     EXPECT_EQ(m_log->count, 2);
+}
+
+TEST_F(Help, EveryWindowOfThePatientSheetHasItsTopic)
+{
+    m_log->window = GetDesktopWindow();
+    dbCPatients patients;
+    CString guid;
+    const auto result =
+        veltest::RunModal([&] { return NewPatientDlg(nullptr, &patients, guid); },
+                          [&](veltest::DialogScript& script) {
+                              const veltest::Dialog sheet = script.WaitForDialog("Patient Information");
+                              sheet.Item(IDC_CHART_ID).Replace("A1");
+                              sheet.Item(IDC_CHART_FIRSTNAME).Replace("Ann");
+                              sheet.Item(IDC_CHART_LASTNAME).Replace("Lee");
+                              const DWORD_PTR topics[] = {140433, 140434, 140438, 140439, 140440};
+                              for (int page = 0; page < 5; ++page)
+                              {
+                                  sheet.SelectPage(page);
+                                  *m_log = {};
+                                  m_log->window = GetDesktopWindow();
+                                  sheet.PressF1();
+                                  script.Settle(sheet.Handle());
+                                  ASSERT_EQ(m_log->count, 2) << "page " << page;
+                                  EXPECT_EQ(m_log->calls[0].data, topics[page] + offset);
+                              }
+
+                              sheet.SelectPage(1);
+                              sheet.Press(IDC_DETAIL_EDIT_TREATING);
+                              const veltest::Dialog editor = script.WaitForDialog("Doctor");
+                              for (const int way : {0, 1})
+                              {
+                                  *m_log = {};
+                                  m_log->window = GetDesktopWindow();
+                                  way == 0 ? editor.PressF1() : editor.Press(IDHELP);
+                                  script.Settle(editor.Handle());
+                                  ASSERT_EQ(m_log->count, 2) << (way == 0 ? "F1" : "the button");
+                                  EXPECT_EQ(m_log->calls[0].data, 140441 + offset);
+                                  EXPECT_EQ(m_log->calls[0].owner, editor.Handle());
+                              }
+                              editor.Press(IDCANCEL);
+                              editor.WaitForClosed();
+                              sheet.Press(IDCANCEL);
+                          });
+    EXPECT_EQ(result, IDCANCEL);
 }
 
 } // namespace

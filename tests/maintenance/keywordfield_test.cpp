@@ -133,6 +133,7 @@ TEST_F(KeywordField, OffersOnlyTheEditorWithoutADatabase)
 TEST_F(KeywordField, OffersFiveThousandKeywordsAndLongOnes)
 {
     std::vector<std::string> words;
+    words.reserve(5000);
     for (int i = 0; i < 5000; ++i)
         words.push_back("keyword " + std::to_string(i));
     words[0] = std::string(500, 'k');
