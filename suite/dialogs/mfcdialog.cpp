@@ -47,7 +47,8 @@ BOOL CNSFlexDialog::OnInitDialog()
     return bFocus;
 }
 
-// Gives the dialog a frame that can be dragged and keeps its client area as the template has it.
+// Gives the dialog a frame that can be dragged and keeps its client area as the template has it. The extended frame
+// style stays: without it the caption would show a program's icon, which dialogs do not have.
 void CNSFlexDialog::MakeResizable()
 {
     CRect rectClient;
