@@ -130,16 +130,21 @@ TEST_F(Help, EveryWindowOfThePatientSheetHasItsTopic)
                               sheet.Item(IDC_CHART_ID).Replace("A1");
                               sheet.Item(IDC_CHART_FIRSTNAME).Replace("Ann");
                               sheet.Item(IDC_CHART_LASTNAME).Replace("Lee");
-                              const DWORD_PTR topics[] = {140433, 140434, 140438, 140439, 140440};
+                              const std::pair<int, DWORD_PTR> topics[] = {{IDC_CHART_ID, 140433},
+                                                                          {IDC_DETAIL_TITLE, 140434},
+                                                                          {IDC_GUARD_TITLE, 140438},
+                                                                          {IDC_REFER_NOTE, 140439},
+                                                                          {IDC_INSURE_NUMBER, 140440}};
                               for (int page = 0; page < 5; ++page)
                               {
                                   sheet.SelectPage(page);
+                                  sheet.Item(topics[page].first).Focus();
                                   *m_log = {};
                                   m_log->window = GetDesktopWindow();
                                   sheet.PressF1();
                                   script.Settle(sheet.Handle());
                                   ASSERT_EQ(m_log->count, 2) << "page " << page;
-                                  EXPECT_EQ(m_log->calls[0].data, topics[page] + offset);
+                                  EXPECT_EQ(m_log->calls[0].data, topics[page].second + offset);
                               }
 
                               sheet.SelectPage(1);

@@ -132,11 +132,10 @@ TEST(Container, HoldsWhatIsSetWithinItsLimits)
 TEST(Container, TakesNoHarmFromDamagedSettings)
 {
     const veltest::TemporaryPractice practice;
-    const std::string brokenLine("\0[\r\n", 4);
     practice.WriteFile("veltrix.ini",
                        "[Defaults]\r\nMeasWndNumDisplayPrec=many\r\nTracingPrintTextScale=abc\r\n"
                        "BackgroundColor=blue\r\nTracingLineThickness=" +
-                           std::string(3000, '9') + "\r\n" + brokenLine + "[Environment]\r\n" +
+                           std::string(3000, '9') + "\r\n[[[\r\n[Environment]\r\n" +
                            "LimitCapturedImagesToMegaPixel64=" + std::string(100000, '1') + "\r\n");
     EXPECT_EQ(ReadContainer(
                   {"measure", "1", "scale", "0", "iswindowcolour", "1", "line", "3", "megapixels", "8.3"}),
