@@ -39,7 +39,9 @@ BOOL CDlgArchiveOverwrite::OnInitDialog()
         }
     }
     GetDlgItem(IDC_ARC_OVERWRITE_ALL)->ShowWindow(m_bSeveral ? SW_SHOW : SW_HIDE);
-    return TRUE;
+    // Enter keeps what is there.
+    GetDlgItem(IDNO)->SetFocus();
+    return FALSE;
 }
 
 BOOL CDlgArchiveOverwrite::OnHelpKey(UINT nHelpID)

@@ -74,15 +74,7 @@ private:
     const arcProgress& m_progress;
 };
 
-// Tells why there is no archive, or no patient from it.
-int Failed(CWnd* pDialog, int nFailure)
-{
-    const UINT nText = nFailure == arc::ResultSaveFailed ? arc::SaveResultText(nFailure) : arc::LoadResultText(nFailure);
-    AskBox(pDialog, Text(nText), MB_OK | MB_ICONEXCLAMATION);
-    return nFailure;
-}
-
-// The thread's result for a stream, with the user told about a failure.
+// The thread's result for a stream; what the result code has no message for is told here.
 int ResultOf(CWnd* pDialog, VolumeStatus status, int nFailure)
 {
     UINT nText = 0;
@@ -101,11 +93,11 @@ int ResultOf(CWnd* pDialog, VolumeStatus status, int nFailure)
         break;
     case VolumeStatus::NoRoom:
         if (nFailure == arc::ResultSaveFailed)
-            return Failed(pDialog, nFailure);
+            return nFailure;
         nText = IDS_ARC_NO_SPACE;
         break;
     default:
-        return Failed(pDialog, nFailure);
+        return nFailure;
     }
     AskBox(pDialog, Text(nText), MB_OK | MB_ICONEXCLAMATION);
     return arc::ResultNotArchived;
@@ -226,7 +218,7 @@ bool CopyAll(const std::string& from, const std::vector<arc::PresentFile>& set, 
 }
 
 // The live ".PF" makes way for one of the earlier format for the length of a save.
-int SaveEarlierFormat(CWnd* pDialog, const dbCPatient& patient, const std::vector<std::string>& listed,
+int SaveEarlierFormat(const dbCPatient& patient, const std::vector<std::string>& listed,
                       const std::string& folder, const arcProgress& progress)
 {
     arc::FileSystem& files = arc::WindowsFileSystem();
@@ -241,10 +233,10 @@ int SaveEarlierFormat(CWnd* pDialog, const dbCPatient& patient, const std::vecto
     {
         e->Delete();
     }
-    return Failed(pDialog, arc::ResultSaveFailed);
+    return arc::ResultSaveFailed;
 }
 
-int LoadEarlierFormat(CWnd* pDialog, const std::string& archivePath, const std::string& scratchFolder,
+int LoadEarlierFormat(const std::string& archivePath, const std::string& scratchFolder,
                       const arcProgress& progress)
 {
     arc::FileSystem& files = arc::WindowsFileSystem();
@@ -262,7 +254,7 @@ int LoadEarlierFormat(CWnd* pDialog, const std::string& archivePath, const std::
     {
         e->Delete();
     }
-    return Failed(pDialog, arc::ResultLoadFailed);
+    return arc::ResultLoadFailed;
 }
 
 int LoadVolumes(CWnd* pDialog, bool bDiskettes, const std::string& archivePath, const std::string& scratchFolder,
@@ -272,7 +264,7 @@ int LoadVolumes(CWnd* pDialog, bool bDiskettes, const std::string& archivePath, 
     const auto header = arc::ReadHeaderLine(files, archivePath);
     // The ID becomes part of the volumes' names.
     if (!header || !arc::SafeFileName(header->id))
-        return Failed(pDialog, arc::ResultLoadFailed);
+        return arc::ResultLoadFailed;
     const arc::VolumeProgress progress = [&show](int nPercent) { show(nPercent, {}); };
     std::vector<arc::PresentFile> read;
     if (!bDiskettes)
@@ -319,6 +311,8 @@ std::vector<std::string> arcFilesOfArchive(const dbCPatient& patient, arcFormat 
 
 CString arcExistingArchive(LPCTSTR pszID, arcFormat nFormat, LPCTSTR pszArchivePath)
 {
+    if (arc::IsDeviceName(arc::FileNameOf(pszArchivePath)))
+        return {}; // always seems to be there, and is refused soon
     dbCPatient patient;
     if (nFormat == arcFormatZipped || arc::IsDisketteDrive(pszArchivePath) || !patient.Load(pszID))
         return velFileExists(pszArchivePath) ? CString(pszArchivePath) : CString();
@@ -332,8 +326,8 @@ decltype(arcSStatusWork::otherWork) arcOtherSave(const dbCPatient& patient, arcF
     const std::string archivePath = pszArchivePath;
     if (nFormat == arcFormatEarlier)
     {
-        return [patient, listed = arcListedFiles(patient), archivePath](CWnd* pDialog, const arcProgress& progress) {
-            return SaveEarlierFormat(pDialog, patient, listed, std::string(arc::FolderOf(archivePath)), progress);
+        return [patient, listed = arcListedFiles(patient), archivePath](CWnd*, const arcProgress& progress) {
+            return SaveEarlierFormat(patient, listed, std::string(arc::FolderOf(archivePath)), progress);
         };
     }
     VolumeSave save;
@@ -355,8 +349,8 @@ decltype(arcSStatusWork::otherWork) arcOtherLoad(arc::ArchiveKind kind, LPCTSTR 
     const std::string archivePath = pszArchivePath;
     if (kind == arc::ArchiveKind::PatientFile)
     {
-        return [archivePath, scratchFolder](CWnd* pDialog, const arcProgress& progress) {
-            return LoadEarlierFormat(pDialog, archivePath, scratchFolder, progress);
+        return [archivePath, scratchFolder](CWnd*, const arcProgress& progress) {
+            return LoadEarlierFormat(archivePath, scratchFolder, progress);
         };
     }
     const bool bDiskettes = kind == arc::ArchiveKind::Diskettes && arc::IsDisketteDrive(archivePath);

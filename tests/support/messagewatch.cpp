@@ -61,6 +61,18 @@ MessageWatch::Thread& MessageWatch::Watched(DWORD id)
     return thread;
 }
 
+static bool HasEnded(DWORD id)
+{
+    const HANDLE handle = OpenThread(SYNCHRONIZE, FALSE, id);
+    if (handle == nullptr)
+    {
+        return true;
+    }
+    const bool ended = WaitForSingleObject(handle, 0) == WAIT_OBJECT_0;
+    CloseHandle(handle);
+    return ended;
+}
+
 template <typename Predicate> bool MessageWatch::Wait(DWORD timeout, Predicate predicate)
 {
     std::unique_lock lock(m_mutex);
@@ -72,11 +84,25 @@ bool MessageWatch::WaitForQueue(DWORD id, DWORD timeout)
 {
     const Thread& thread = Watched(id);
     const WPARAM marker = NextMarker();
+    const ULONGLONG start = GetTickCount64();
     if (!PostThreadMessageA(id, MarkerMessage(), marker, 0))
     {
         return true;
     }
-    return Wait(timeout, [&] { return thread.marker >= marker; });
+    // A thread that ends leaves what was posted to it unread.
+    constexpr DWORD slice = 50;
+    while (!Wait(slice, [&] { return thread.marker >= marker; }))
+    {
+        if (HasEnded(id))
+        {
+            return true;
+        }
+        if (GetTickCount64() - start >= timeout)
+        {
+            return false;
+        }
+    }
+    return true;
 }
 
 bool MessageWatch::WaitForIdle(DWORD id, DWORD timeout)
