@@ -195,7 +195,8 @@ __int64 ArchiveDlg(CWnd* pParent, int practiceManagement, dbCPatient* pPatient, 
     const CPracticeManagementScope scope(practiceManagement);
     VelApp()->SetArchiveOptions(nOption1, nOption2);
     return velGuard(IDCANCEL, IDS_MODAL_FAILED, [&] {
-        CDlgArchDummy dialog(pParent, nOperation, pPatient, selectedIDs, strings1, strings2, strings3, strings4);
+        CDlgArchDummy dialog(pParent, nOperation, pPatient, selectedIDs, strings1, strings2, strings3,
+                             strings4);
         return velRunModal(dialog);
     });
 }
