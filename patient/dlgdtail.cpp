@@ -121,7 +121,8 @@ void patCDlgDtail::List::RemoveUpTo(int nEntry)
 
 void patCDlgDtail::List::Select(const char* pszID)
 {
-    for (int i = GetCount() - 1; i > 0; --i)
+    const int nLast = *pszID != '\0' ? GetCount() - 1 : 0; // nothing to look for selects the placeholder
+    for (int i = nLast; i > 0; --i)
     {
         if (std::strcmp(reinterpret_cast<const char*>(GetItemData(i)), pszID) == 0)
         {
