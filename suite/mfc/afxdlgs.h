@@ -100,6 +100,7 @@ public:
 
 protected:
     BOOL OnCommand(WPARAM wParam, LPARAM lParam) override;
+    LRESULT DefWindowProc(UINT message, WPARAM wParam, LPARAM lParam) override;
     using CWnd::Create;
     afx_msg LRESULT HandleInitDialog(WPARAM wParam, LPARAM lParam);
     afx_msg LRESULT OnKickIdle(WPARAM wParam, LPARAM lParam);
@@ -117,6 +118,7 @@ protected:
 private:
     friend class CPropertyPage;
     HWND CreateSheet(HWND hWndOwner);
+    void KeepFocusVisible();
     static int CALLBACK SheetCallback(HWND hWnd, UINT message, LPARAM lParam);
     static PROPSHEETPAGE Describe(const CPropertyPage& page);
     std::vector<PROPSHEETPAGE> m_pspages;

@@ -125,6 +125,21 @@ TEST_F(ControlsTest, IdFieldTakesWhatIsTypedUpToItsLimit)
                       });
 }
 
+TEST_F(ControlsTest, EscLeavesTheDialogFromAFieldOfSeveralLines)
+{
+    ControlsDialog dialog;
+    const INT_PTR result = veltest::RunModal([&] { return dialog.DoModal(); },
+                                             [&](veltest::DialogScript& script) {
+                                                 const veltest::Dialog shown =
+                                                     script.WaitForDialog("Controls");
+                                                 shown.Item(IDC_NOTES).PressKey(VK_RETURN);
+                                                 EXPECT_EQ(shown.Item(IDC_NOTES).Text(), "\r\n");
+                                                 shown.Item(IDC_NOTES).PressKey(VK_ESCAPE);
+                                                 shown.WaitForClosed();
+                                             });
+    EXPECT_EQ(result, IDCANCEL);
+}
+
 TEST_F(ControlsTest, UnicodeButtonKeepsCharactersOutsideTheCodePage)
 {
     ControlsDialog dialog;

@@ -367,21 +367,28 @@ BOOL CDialog::OnCmdMsg(UINT nID, int nCode, void* pExtra, AFX_CMDHANDLERINFO* pH
     return thread != nullptr && thread->OnCmdMsg(nID, nCode, pExtra, pHandlerInfo);
 }
 
+bool AfxIsSwallowedEscape(const MSG& message)
+{
+    if (message.message != WM_KEYDOWN || message.wParam != VK_ESCAPE)
+    {
+        return false;
+    }
+    // By what the control says of itself: a class made from the edit control's may have any name.
+    constexpr LRESULT editOfSeveralLines = DLGC_HASSETSEL | DLGC_WANTALLKEYS;
+    const LRESULT code = ::SendMessage(message.hwnd, WM_GETDLGCODE, 0, 0);
+    return (code & editOfSeveralLines) == editOfSeveralLines;
+}
+
 BOOL CDialog::PreTranslateMessage(MSG* pMsg)
 {
     if (CWnd::PreTranslateMessage(pMsg))
     {
         return TRUE;
     }
-    // A multi-line edit swallows Esc when the dialog has no Cancel that could take it.
-    if (pMsg->message == WM_KEYDOWN && pMsg->wParam == VK_ESCAPE)
+    if (AfxIsSwallowedEscape(*pMsg))
     {
-        char name[8] = "";
-        const bool multiLine = (::GetWindowLongPtr(pMsg->hwnd, GWL_STYLE) & ES_MULTILINE) != 0 &&
-                               ::GetClassName(pMsg->hwnd, name, sizeof(name)) != 0 &&
-                               lstrcmpiA(name, "edit") == 0;
         const HWND cancel = ::GetDlgItem(m_hWnd, IDCANCEL);
-        if (multiLine && (cancel == nullptr || ::IsWindowEnabled(cancel)))
+        if (cancel == nullptr || ::IsWindowEnabled(cancel))
         {
             SendMessage(WM_COMMAND, IDCANCEL, 0);
             return TRUE;

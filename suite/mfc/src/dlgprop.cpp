@@ -334,6 +334,16 @@ BOOL CPropertySheet::PreTranslateMessage(MSG* pMsg)
     {
         return TRUE;
     }
+    if (AfxIsSwallowedEscape(*pMsg))
+    {
+        // Cancels the sheet; the edit control would send it to the page.
+        const HWND cancel = ::GetDlgItem(m_hWnd, IDCANCEL);
+        if (cancel != nullptr && ::IsWindowEnabled(cancel))
+        {
+            SendMessage(WM_COMMAND, MAKEWPARAM(IDCANCEL, BN_CLICKED), reinterpret_cast<LPARAM>(cancel));
+            return TRUE;
+        }
+    }
     // Ctrl+Tab, Ctrl+PgUp and Ctrl+PgDn change the page.
     const bool changesPage = pMsg->message == WM_KEYDOWN && ::GetKeyState(VK_CONTROL) < 0 &&
                              (pMsg->wParam == VK_TAB || pMsg->wParam == VK_PRIOR || pMsg->wParam == VK_NEXT);
@@ -378,6 +388,35 @@ BOOL CPropertySheet::OnCommand(WPARAM wParam, LPARAM lParam)
         m_nModalResult = LOWORD(wParam);
     }
     return FALSE;
+}
+
+LRESULT CPropertySheet::DefWindowProc(UINT message, WPARAM wParam, LPARAM lParam)
+{
+    const LRESULT result = CWnd::DefWindowProc(message, wParam, lParam);
+    if (message == PSM_SETCURSEL || message == PSM_SETCURSELID || message == PSM_ISDIALOGMESSAGE ||
+        message == WM_NOTIFY)
+    {
+        KeepFocusVisible();
+    }
+    return result;
+}
+
+// What is typed after another page has come up must not go to a control of the page that was left.
+void CPropertySheet::KeepFocusVisible()
+{
+    const HWND focus = ::GetFocus();
+    if (focus == nullptr || !::IsWindowVisible(m_hWnd) || !::IsChild(m_hWnd, focus) ||
+        ::IsWindowVisible(focus))
+    {
+        return;
+    }
+    const HWND page = Ask<HWND>(PSM_GETCURRENTPAGEHWND);
+    HWND next = page != nullptr ? ::GetNextDlgTabItem(page, nullptr, FALSE) : nullptr;
+    if (next == nullptr)
+    {
+        next = Ask<HWND>(PSM_GETTABCONTROL);
+    }
+    SendMessage(WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(next), TRUE);
 }
 
 LRESULT CPropertySheet::OnPressButton(WPARAM wParam, LPARAM)

@@ -39,3 +39,5 @@ struct AfxDialogAccess
 LRESULT AfxCallWndProc(CWnd* pWnd, HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam);
 // Hooks a window that exists to its object.
 void AfxSubclassTo(CWnd& wnd, HWND hWnd);
+// True for Esc in an edit field of several lines, which takes every key and would keep it from its dialog.
+bool AfxIsSwallowedEscape(const MSG& message);

@@ -1,0 +1,9 @@
+#pragma once
+
+#define IDD_KEYS_NAMES 200
+#define IDD_KEYS_MORE 201
+#define IDC_KEYS_NAME 2001
+#define IDC_KEYS_NOTES 2002
+#define IDC_KEYS_CHECK 2003
+#define IDC_KEYS_BUTTON 2004
+#define IDC_KEYS_OTHER 2005
