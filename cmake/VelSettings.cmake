@@ -24,6 +24,8 @@ if(WIN32)
   # Light optimisation keeps the checked build quick to run without hiding anything from its checks.
   set(CMAKE_CXX_FLAGS_DEBUG "-O1 -g")
   set(CMAKE_C_FLAGS_DEBUG "-O1 -g")
+  set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG")
+  set(CMAKE_C_FLAGS_RELEASE "-O2 -DNDEBUG")
   set(CMAKE_RC_FLAGS "-c 65001 -I${CMAKE_SOURCE_DIR}")
   add_link_options(-fstack-protector-strong -Wl,--nxcompat -Wl,--dynamicbase -Wl,--high-entropy-va)
 else()

@@ -6,9 +6,11 @@ function(vel_subdirectory folder)
   endif()
 endfunction()
 
+# GCC 12 takes joined std::strings for overlapping ones when it optimises; -Wrestrict is off for that reason alone.
 function(vel_warnings target)
   target_compile_options(${target} PRIVATE
     "$<$<COMPILE_LANGUAGE:C,CXX>:-Wall;-Wextra;-Werror;-Wshadow;-Wvla>"
+    "$<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>"
     "$<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor;-Woverloaded-virtual>")
 endfunction()
 
