@@ -194,6 +194,16 @@ void tourCGuide::ExpectEvent(dbAuditKind kind, const std::string& text)
     }
 }
 
+void tourCGuide::ExpectEvents(dbAuditKind kind, std::size_t count)
+{
+    const std::vector<dbSAuditEvent> events = NewEvents();
+    Expect(events.size() == count, std::to_string(events.size()) + " audit events");
+    for (const dbSAuditEvent& event : events)
+    {
+        Expect(event.nKind == kind, "audit event: " + std::string(event.strText.GetString()));
+    }
+}
+
 std::string tourCGuide::PictureName(const std::string& name)
 {
     char number[8];

@@ -40,6 +40,7 @@ public:
     /// The events recorded since the last call, read from the database: none, or the one with this text.
     void ExpectNoEvent();
     void ExpectEvent(dbAuditKind kind, const std::string& text);
+    void ExpectEvents(dbAuditKind kind, std::size_t count);
 
     /// Saves a picture under a running number.
     void Picture(HWND window, const std::string& name);

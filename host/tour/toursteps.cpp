@@ -3,6 +3,7 @@
 #include "host/hostcommands.h"
 #include "host/hostpractice.h"
 #include "host/hostres.h"
+#include "host/tour/archivesteps.h"
 #include "maintenance/maintenanceres.h"
 #include "patient/detailsres.h"
 #include "patient/patientres.h"
@@ -411,7 +412,7 @@ void PlayAuditLog(tourCGuide& guide)
     guide.Picture(guide.GetFrame(), "audit-log");
 }
 
-constexpr std::array<tourSStep, 15> kSteps = {{
+constexpr std::array<tourSStep, 19> kSteps = {{
     {"The practice opens", PlayOpen},
     {"Dialogs that are still to come are greyed", PlayGreyed},
     {"The search finds patients while it is typed", PlaySearch},
@@ -427,6 +428,10 @@ constexpr std::array<tourSStep, 15> kSteps = {{
     {"The dialog module and its settings", PlayModule},
     {"Several patients are selected", PlaySeveral},
     {"The audit log", PlayAuditLog},
+    {"The selected patients are saved to archives", tourPlayArchiveSeveral},
+    {"One patient is saved to an archive", tourPlayArchiveOne},
+    {"The archives are loaded into a second practice", tourPlayArchiveLoad},
+    {"Timepoints are merged from an archive", tourPlayArchiveMerge},
 }};
 
 } // namespace
