@@ -38,16 +38,19 @@ BOOL CDlgArchiveOverwrite::OnInitDialog()
                 velFormatTemplate(IDS_ARC_OVERWRITE_DETAILS, velCDate(written).FormatDate(), strSize));
         }
     }
-    GetDlgItem(IDC_ARC_OVERWRITE_ALL)->ShowWindow(m_bSeveral ? SW_SHOW : SW_HIDE);
-    // Enter keeps what is there.
-    GetDlgItem(IDNO)->SetFocus();
+    if (!m_bSeveral)
+    {
+        // Yes moves up to the other buttons.
+        CRect rectAll;
+        CWnd* const pAll = GetDlgItem(IDC_ARC_OVERWRITE_ALL);
+        pAll->GetWindowRect(&rectAll);
+        ScreenToClient(&rectAll);
+        pAll->ShowWindow(SW_HIDE);
+        GetDlgItem(IDYES)->MoveWindow(&rectAll);
+    }
+    // Replacing must be chosen, not fallen into.
+    GotoDlgCtrl(GetDlgItem(IDNO));
     return FALSE;
-}
-
-BOOL CDlgArchiveOverwrite::OnHelpKey(UINT nHelpID)
-{
-    VelApp()->ShowHelp(nHelpID);
-    return TRUE;
 }
 
 void CDlgArchiveOverwrite::OnAnswer(UINT nID)
