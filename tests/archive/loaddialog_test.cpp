@@ -155,6 +155,32 @@ TEST_F(ArchiveDialogTest, RefusesADamagedArchiveAndAFileInTheWay)
     EXPECT_FALSE(IsStored("A1"));
 }
 
+TEST_F(ArchiveDialogTest, RefusesWhileTheScratchFolderOrTheIDIsTaken)
+{
+    StorePatient("A1");
+    SaveAndChange("A1");
+    const HANDLE hBusy = ::CreateFile(m_practice.Path("temp\\VELTMP.LCK").c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+                                      FILE_FLAG_DELETE_ON_CLOSE, nullptr);
+    ASSERT_NE(hBusy, INVALID_HANDLE_VALUE);
+    EXPECT_EQ(Load(Archive("A1"), {"Another program on this computer is reading an archive.  Please try again when it has "
+                                   "finished.",
+                                   LoadFailed}),
+              IDOK);
+    ::CloseHandle(hBusy);
+    EXPECT_FALSE(IsStored("A1"));
+
+    // A patient marked as deleted, whose files are still in use.
+    StorePatient("A1", 1, 10);
+    const HANDLE hHeld = ::CreateFile(m_practice.Path("working2\\A100.I2A").c_str(), GENERIC_READ, 0, nullptr,
+                                      OPEN_EXISTING, 0, nullptr);
+    m_patients.DeletePatient("A1");
+    EXPECT_EQ(Load(Archive("A1"), {"Patient Zo\xeb Lee A1 (ID:A1) is marked as deleted.", LoadFailed}), IDOK);
+    ::CloseHandle(hHeld);
+    UseSecondPractice(); // finishes the removal
+    EXPECT_EQ(Load(Archive("A1")), IDOK);
+    EXPECT_TRUE(IsStored("A1"));
+}
+
 TEST_F(ArchiveDialogTest, LoadsSeveralAndDeletesTheirArchivesWhenWanted)
 {
     for (const char* pszID : {"A1", "B1"})

@@ -148,6 +148,50 @@ TEST_F(ArchiveDialogTest, GoesOnAfterAFailureAsTheUserWants)
     }
 }
 
+TEST_F(ArchiveDialogTest, KeepsTheReplacedArchiveWhenTheNewOneFails)
+{
+    StorePatient("A1");
+    const auto files = WorkingFiles();
+    const std::vector<std::string> archives[] = {{"A1.kaz"}, {"A1.kar", "A1.001"}, {"A1.PF", "A100.I2A"}};
+    for (const int nFilter : {0, 1, 2})
+    {
+        std::vector<std::string> contents;
+        for (const bool bFails : {false, true})
+        {
+            const HANDLE hHeld = bFails ? ::CreateFile(m_practice.Path("working\\A101.I2A").c_str(), GENERIC_READ, 0,
+                                                       nullptr, OPEN_EXISTING, 0, nullptr)
+                                        : nullptr;
+            ASSERT_NE(hHeld, INVALID_HANDLE_VALUE);
+            EXPECT_EQ(Run(ARCHIVE_OP_SAVE, {"A1"}, {},
+                          [&](DialogScript& script) {
+                              WaitForChoice(script).Press(IDOK);
+                              TakeOfferedName(script, nFilter);
+                              if (nFilter == 2)
+                                  script.AnswerBox("", IDYES);
+                              if (bFails)
+                                  script.WaitForDialogWith(IDC_ARC_OVERWRITE_TEXT).Press(IDYES);
+                              if (bFails)
+                                  script.AnswerBox(NotCreated, IDOK);
+                              else if (nFilter == 0)
+                                  script.AnswerBox("", IDNO);
+                          }),
+                      IDOK);
+            if (bFails)
+                ::CloseHandle(hHeld);
+            for (const std::string& name : archives[nFilter])
+            {
+                if (!bFails)
+                    contents.push_back(m_practice.ReadFile("archive\\" + name));
+                EXPECT_EQ(std::filesystem::exists(m_practice.Path("archive\\" + name)), !bFails) << name;
+            }
+        }
+        for (std::size_t i = 0; i < contents.size(); ++i)
+            EXPECT_EQ(m_practice.ReadFile("archive\\" + archives[nFilter][i] + ".previous") == contents[i], true) << i;
+        EXPECT_EQ(WorkingFiles(), files) << nFilter;
+        EXPECT_EQ(NewEvents().size(), 1u);
+    }
+}
+
 TEST_F(ArchiveDialogTest, LeavesALockedPatientAlone)
 {
     StorePatient("A1");
