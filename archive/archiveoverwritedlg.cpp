@@ -53,6 +53,12 @@ BOOL CDlgArchiveOverwrite::OnInitDialog()
     return FALSE;
 }
 
+BOOL CDlgArchiveOverwrite::OnHelpKey(UINT nHelpID)
+{
+    VelApp()->ShowHelp(nHelpID);
+    return TRUE;
+}
+
 void CDlgArchiveOverwrite::OnAnswer(UINT nID)
 {
     EndDialog(static_cast<int>(nID));
