@@ -282,13 +282,13 @@ INT_PTR CALLBACK AfxDlgProc(HWND hWnd, UINT message, WPARAM, LPARAM)
 LRESULT CDialog::HandleInitDialog(WPARAM, LPARAM)
 {
     PreInitDialog();
-    CRect before;
+    CRect before(0, 0, 0, 0);
     GetWindowRect(&before);
     const LRESULT result = Default(); // calls OnInitDialog by way of the dialog procedure
     if (m_hWnd != nullptr && m_lpDialogTemplate != nullptr && AsksForCentre(m_lpDialogTemplate) &&
         !IsWindowVisible())
     {
-        CRect after;
+        CRect after(0, 0, 0, 0);
         GetWindowRect(&after);
         if (before.TopLeft() == after.TopLeft())
         {

@@ -10,7 +10,7 @@ IMPLEMENT_DYNAMIC(CFileDialog, CCommonDialog)
 namespace
 {
 // Room for what a user selects at once; without multiple selection one path.
-constexpr std::size_t manyNames = 64 * 1024;
+constexpr std::size_t manyNames = 65536;
 constexpr std::size_t oneName = 1024;
 
 CString AfterLast(const CString& path, char separator)

@@ -142,7 +142,7 @@ BOOL CPropertyPage::OnQueryCancel()
 BOOL CPropertyPage::PreTranslateMessage(MSG* pMsg)
 {
     // The sheet comes next; it treats the keys of all its pages and buttons as one dialog.
-    return CWnd::PreTranslateMessage(pMsg);
+    return CWnd::PreTranslateMessage(pMsg); // NOLINT(bugprone-parent-virtual-call)
 }
 
 BOOL CPropertyPage::OnNotify(WPARAM wParam, LPARAM lParam, LRESULT* pResult)

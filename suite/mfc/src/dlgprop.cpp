@@ -300,7 +300,7 @@ void CPropertySheet::MapDialogRect(LPRECT lpRect) const
 
 LRESULT CPropertySheet::HandleInitDialog(WPARAM, LPARAM)
 {
-    CRect before;
+    CRect before(0, 0, 0, 0);
     GetWindowRect(&before);
     BOOL result = FALSE;
     try
@@ -314,7 +314,7 @@ LRESULT CPropertySheet::HandleInitDialog(WPARAM, LPARAM)
         EndModalLoop(-1);
         return FALSE;
     }
-    CRect after;
+    CRect after(0, 0, 0, 0);
     GetWindowRect(&after);
     if (before.TopLeft() == after.TopLeft() && !IsWindowVisible())
     {
