@@ -12,8 +12,11 @@ END_MESSAGE_MAP()
 CDlgArchDummy::CDlgArchDummy(CWnd* pParent, ARCHIVE_OP nOperation, dbCPatient* pPatient,
                              CStringArray& selectedIDs, CStringArray& givenArchives, CStringArray& strings2,
                              CStringArray& strings3, CStringArray& strings4)
-    : CDialog(IDD_ARC_DUMMY, pParent), m_pHost(pParent),
-      m_call{nOperation, pPatient, &selectedIDs, &givenArchives, {&strings2, &strings3, &strings4}},
+    : CDialog(IDD_ARC_DUMMY, pParent), m_pHost(pParent), m_call{nOperation,
+                                                                pPatient,
+                                                                &selectedIDs,
+                                                                &givenArchives,
+                                                                {&strings2, &strings3, &strings4}},
       m_nOperation(nOperation)
 {
 }

@@ -5,16 +5,17 @@
 
 #include <memory>
 
-/// Lives for the length of ArchiveDlg: runs the choice dialog, then waits, pumping messages, until the archive manager
-/// is idle. The status thread reports to its window. On its caller's stack, on the user interface thread; owns the
-/// archive manager. The patient, the arrays and the parent stay the caller's.
+/// Lives for the length of ArchiveDlg: runs the choice dialog, then waits, pumping messages, until the
+/// archive manager is idle. The status thread reports to its window. On its caller's stack, on the user
+/// interface thread; owns the archive manager. The patient, the arrays and the parent stay the caller's.
 class CDlgArchDummy : public CDialog
 {
 public:
-    /// givenArchives: archive files to load or merge without asking for them; may be empty. The other arrays are handed
-    /// through unchanged.
+    /// givenArchives: archive files to load or merge without asking for them; may be empty. The other arrays
+    /// are handed through unchanged.
     CDlgArchDummy(CWnd* pParent, ARCHIVE_OP nOperation, dbCPatient* pPatient, CStringArray& selectedIDs,
-                  CStringArray& givenArchives, CStringArray& strings2, CStringArray& strings3, CStringArray& strings4);
+                  CStringArray& givenArchives, CStringArray& strings2, CStringArray& strings3,
+                  CStringArray& strings4);
     ~CDlgArchDummy() override;
 
     /// What the choice dialog left to report; see there.

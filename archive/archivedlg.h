@@ -12,15 +12,15 @@
 struct arcSArchiveCall
 {
     ARCHIVE_OP nOperation;
-    dbCPatient* pPatient;                ///< may be null
+    dbCPatient* pPatient; ///< may be null
     const CStringArray* pSelectedIDs;
-    const CStringArray* pGivenArchives;  ///< archive files to take without asking
-    std::array<CStringArray*, 3> more;   ///< handed through
+    const CStringArray* pGivenArchives; ///< archive files to take without asking
+    std::array<CStringArray*, 3> more;  ///< handed through
 };
 
-/// Lets the user choose an operation and drives the archive manager through it, one patient after another. While it
-/// waits for the manager it is disabled and pumps messages. On its caller's stack, on the user interface thread; owns
-/// nothing but its controls.
+/// Lets the user choose an operation and drives the archive manager through it, one patient after another.
+/// While it waits for the manager it is disabled and pumps messages. On its caller's stack, on the user
+/// interface thread; owns nothing but its controls.
 class CDlgArchive : public mfcCDialog
 {
 public:

@@ -107,7 +107,8 @@ static bool Add(dbCPatient& archived)
     }
 }
 
-/// Takes what was unpacked into the practice. False, with the user told and nothing changed, when it may not be.
+/// Takes what was unpacked into the practice. False, with the user told and nothing changed, when it may not
+/// be.
 bool arcCArchiveManager::TakeUnpacked()
 {
     arc::FileSystem& files = arc::WindowsFileSystem();
@@ -167,7 +168,8 @@ bool arcCArchiveManager::AddPatient(dbCPatient& archived, const std::vector<std:
     for (const std::string& name : names)
     {
         // What may be another patient's file stays as it is.
-        const bool isForeign = arc::KindOfFile(name, strID.GetString()) == arc::PatientFileKind::PerhapsForeign;
+        const bool isForeign =
+            arc::KindOfFile(name, strID.GetString()) == arc::PatientFileKind::PerhapsForeign;
         if (!isForeign || !velFileExists(arc::JoinPath(folder, name).c_str()))
             placement.Add(arc::JoinPath(m_pScratch->Path(), name).c_str(), name.c_str());
     }

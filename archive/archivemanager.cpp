@@ -17,8 +17,8 @@ arcCArchiveManager::~arcCArchiveManager()
     UnlockPatient();
 }
 
-/// Locks the patient for this operation; false, with the user told, when somebody else has it. A patient that is in
-/// use but passable is not locked.
+/// Locks the patient for this operation; false, with the user told, when somebody else has it. A patient that
+/// is in use but passable is not locked.
 bool arcCArchiveManager::LockPatient(const CString& strID, int nMode)
 {
     m_bPassable = false;

@@ -15,16 +15,17 @@
 /// The formats that a save writes, in the order of the save dialog's file types.
 enum arcFormat
 {
-    arcFormatZipped = 0,  ///< ".kaz": everything, the database record included
-    arcFormatVolumes = 1, ///< ".kar": label file and volume files; the files listed by the patient's timepoints
-    arcFormatEarlier = 2  ///< ".PF" of the earlier format with its files beside it
+    arcFormatZipped = 0, ///< ".kaz": everything, the database record included
+    arcFormatVolumes =
+        1, ///< ".kar": label file and volume files; the files listed by the patient's timepoints
+    arcFormatEarlier = 2 ///< ".PF" of the earlier format with its files beside it
 };
 
 /// One patient to save.
 struct arcSSave
 {
     CString strID;
-    CString strArchivePath;        ///< with drive letter; an existing archive there is replaced
+    CString strArchivePath; ///< with drive letter; an existing archive there is replaced
     arcFormat nFormat = arcFormatZipped;
     BOOL bSeveralPatients = FALSE; ///< the run holds more than one
     BOOL bAskToRemove = TRUE;      ///< ask whether to remove the patient from the list afterwards
@@ -39,20 +40,22 @@ struct arcSLoad
     CString strMergeID; ///< the patient to merge the timepoints into; empty to load a new patient
 };
 
-/// Saves, loads and merges. Starting an operation leaves its copying to the status thread; when the thread reports to
-/// the owner window, that hands the result to FinishSave or FinishLoad, and the manager is idle again. Locks the
-/// patient for the length of the operation and never gives back a lock of somebody else. All calls belong to the
-/// user interface thread and show their messages themselves; none throws. Owns the scratch files of the operation.
+/// Saves, loads and merges. Starting an operation leaves its copying to the status thread; when the thread
+/// reports to the owner window, that hands the result to FinishSave or FinishLoad, and the manager is idle
+/// again. Locks the patient for the length of the operation and never gives back a lock of somebody else. All
+/// calls belong to the user interface thread and show their messages themselves; none throws. Owns the
+/// scratch files of the operation.
 class arcCArchiveManager
 {
 public:
-    /// pOwner receives the status thread's messages; pHost, which may be null, the notice of what happened to a
-    /// patient (app/velenums.h). Both stay the caller's and must outlive the manager.
+    /// pOwner receives the status thread's messages; pHost, which may be null, the notice of what happened to
+    /// a patient (app/velenums.h). Both stay the caller's and must outlive the manager.
     arcCArchiveManager(CWnd* pOwner, CWnd* pHost);
     arcCArchiveManager(const arcCArchiveManager&) = delete;
     arcCArchiveManager& operator=(const arcCArchiveManager&) = delete;
 
-    /// 0 when the work has begun; otherwise arc::ResultNotArchived or arc::ResultNoThread, with the user told.
+    /// 0 when the work has begun; otherwise arc::ResultNotArchived or arc::ResultNoThread, with the user
+    /// told.
     virtual int StartSave(const arcSSave& save);
     virtual int StartLoad(const arcSLoad& load);
     /// With the result code that the status thread posted.
@@ -104,13 +107,13 @@ private:
     CWnd* const m_pHost;
     Work m_nWork = Work::None;
     int m_nResult = 0;
-    CString m_strLockedID; ///< of the lock that this manager holds; empty for none
+    CString m_strLockedID;    ///< of the lock that this manager holds; empty for none
     bool m_bPassable = false; ///< the patient is in use, but may be archived; nothing is recorded then
 
     arcSSave m_save;
-    CString m_strRecordFile;                    ///< ".ACV" of the save under way
-    std::vector<arc::AsideFile> m_aside;        ///< what the save under way replaces
-    bool m_bPathWasTaken = false;               ///< something was at the archive's path that the save may not delete
+    CString m_strRecordFile;             ///< ".ACV" of the save under way
+    std::vector<arc::AsideFile> m_aside; ///< what the save under way replaces
+    bool m_bPathWasTaken = false;        ///< something was at the archive's path that the save may not delete
     arcSLoad m_load;
     std::unique_ptr<arc::ScratchFolder> m_pScratch;
 };

@@ -3,7 +3,8 @@
 
 #include "suite/dialogs/mfcdialog.h"
 
-/// Ends with IDYES, IDC_ARC_OVERWRITE_ALL, IDNO or IDCANCEL. On its caller's stack, on the user interface thread.
+/// Ends with IDYES, IDC_ARC_OVERWRITE_ALL, IDNO or IDCANCEL. On its caller's stack, on the user interface
+/// thread.
 class CDlgArchiveOverwrite : public mfcCDialog
 {
 public:

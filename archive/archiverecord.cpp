@@ -75,7 +75,8 @@ bool IsSound(const dbCPatient& patient)
 }
 
 // The path of the only file with this extension; empty when there is none, nothing when there are several.
-std::optional<std::string> OnlyFile(arc::FileSystem& files, const std::string& folder, std::string_view extension)
+std::optional<std::string> OnlyFile(arc::FileSystem& files, const std::string& folder,
+                                    std::string_view extension)
 {
     std::vector<arc::FolderEntry> entries;
     std::string path;
@@ -124,7 +125,8 @@ std::vector<std::string> arcFilesBesidePatterns(const patCPatient& patient)
     const std::string folder = velGetDataPath().GetString();
     const std::vector<std::string> patterns = arc::ArchivePatterns(patient.GetID().GetString());
     std::vector<std::string> paths;
-    for (const arc::PresentFile& file : arc::PresentFiles(arc::WindowsFileSystem(), folder, arcListedFiles(patient)))
+    for (const arc::PresentFile& file :
+         arc::PresentFiles(arc::WindowsFileSystem(), folder, arcListedFiles(patient)))
     {
         const bool isMatched = std::any_of(patterns.begin(), patterns.end(), [&](const std::string& pattern) {
             return arc::MatchesWildcard(file.name, pattern);
@@ -149,9 +151,8 @@ std::vector<std::string> arcFilesToTake(const dbCPatient& archived, const std::v
     std::copy_if(names.begin(), names.end(), std::back_inserter(taken), [&](const std::string& name) {
         return arc::KindOfFile(name, id) != arc::PatientFileKind::Record &&
                (listed.contains(arc::FoldCase(name)) ||
-                std::any_of(patterns.begin(), patterns.end(), [&](const std::string& pattern) {
-                    return arc::MatchesWildcard(name, pattern);
-                }));
+                std::any_of(patterns.begin(), patterns.end(),
+                            [&](const std::string& pattern) { return arc::MatchesWildcard(name, pattern); }));
     });
     return taken;
 }
@@ -168,5 +169,6 @@ bool arcReadUnpackedRecord(arc::FileSystem& files, const std::string& folder, db
     if (!(record->empty() ? patReadPatientFile(patientFile->c_str(), patient) : ReadRecord(*record, patient)))
         return false;
     return IsSound(patient) &&
-           arc::EqualNoCase(header->id, std::string_view(patient.GetID().GetString()).substr(0, arc::HeaderFieldLength));
+           arc::EqualNoCase(header->id,
+                            std::string_view(patient.GetID().GetString()).substr(0, arc::HeaderFieldLength));
 }

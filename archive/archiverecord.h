@@ -21,9 +21,11 @@ std::vector<std::string> arcListedFiles(const patCPatient& patient);
 /// Full paths of what the list names and no archive pattern matches, as far as the working folder has it.
 std::vector<std::string> arcFilesBesidePatterns(const patCPatient& patient);
 
-/// Of the unpacked files those that an archive of this patient holds and that may become files of the working folder.
+/// Of the unpacked files those that an archive of this patient holds and that may become files of the working
+/// folder.
 std::vector<std::string> arcFilesToTake(const dbCPatient& archived, const std::vector<std::string>& names);
 
-/// The patient that was unpacked into a folder: from its ".ACV" record, or from the ".PF" file of an archive without
-/// one. False when there is none, more than one, or what is there contradicts itself or could not be a patient here.
+/// The patient that was unpacked into a folder: from its ".ACV" record, or from the ".PF" file of an archive
+/// without one. False when there is none, more than one, or what is there contradicts itself or could not be
+/// a patient here.
 bool arcReadUnpackedRecord(arc::FileSystem& files, const std::string& folder, dbCPatient& patient);

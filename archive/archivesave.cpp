@@ -50,8 +50,9 @@ int arcCArchiveManager::StartSave(const arcSSave& save)
     m_save = save;
     m_strRecordFile.Empty();
     m_aside.clear();
-    const INT_PTR nResult = velGuard(arc::ResultNotArchived, IDS_ARC_UNEXPECTED,
-                                     [this]() -> INT_PTR { return CheckSave() ? PrepareSave() : arc::ResultNotArchived; });
+    const INT_PTR nResult = velGuard(arc::ResultNotArchived, IDS_ARC_UNEXPECTED, [this]() -> INT_PTR {
+        return CheckSave() ? PrepareSave() : arc::ResultNotArchived;
+    });
     if (nResult == arc::ResultDone)
         return arc::ResultDone;
     RemoveDatabaseRecord();
@@ -115,7 +116,8 @@ int arcCArchiveManager::PrepareSave()
     work.bAlternativeEngine = velGetIniInt("Defaults", "UseDynaZip", 0) != 0;
     if (m_save.nFormat == arcFormatZipped)
     {
-        m_strRecordFile = arc::DatabaseRecordName(velGetTempPath().GetString(), m_save.strID.GetString()).c_str();
+        m_strRecordFile =
+            arc::DatabaseRecordName(velGetTempPath().GetString(), m_save.strID.GetString()).c_str();
         WriteDatabaseRecord(patient);
         work.strFileList = arc::ArchivePatternArgument(m_save.strID.GetString()).c_str();
         work.moreFiles = arcFilesBesidePatterns(patient);
@@ -145,8 +147,9 @@ void arcCArchiveManager::RemoveDatabaseRecord()
     m_strRecordFile.Empty();
 }
 
-/// Keeps the files of an archive that the save replaces until the new one is known to be good. (Zipped archives are kept
-/// by the thread's work itself.) False, with the user told, when one can neither be moved nor be replaced.
+/// Keeps the files of an archive that the save replaces until the new one is known to be good. (Zipped
+/// archives are kept by the thread's work itself.) False, with the user told, when one can neither be moved
+/// nor be replaced.
 bool arcCArchiveManager::MoveOldArchiveAside(const dbCPatient& patient)
 {
     for (const std::string& path : arcFilesOfArchive(patient, m_save.nFormat, m_save.strArchivePath))
@@ -188,7 +191,8 @@ void arcCArchiveManager::RecordSave()
     if (!patient.Load(m_save.strID))
         dbCException::Throw(dbErrNotFound, m_save.strID);
     if (!m_bPassable)
-        CVeltrixLogin().AddArchivedPatientEvent(patient.GetGUID(), arcEventText(IDS_ARC_EVENT_SAVED, patient));
+        CVeltrixLogin().AddArchivedPatientEvent(patient.GetGUID(),
+                                                arcEventText(IDS_ARC_EVENT_SAVED, patient));
     // The other formats leave out what only the database record holds.
     if (m_save.nFormat == arcFormatZipped)
         OfferRemoval(patient);
@@ -219,10 +223,10 @@ bool arcCArchiveManager::MayBeRemoved(const dbCPatient& patient) const
 {
     if (VelApp()->GetPracticeManagement() != 0 && !patient.CanDeletePatient())
     {
-        const CString strText =
-            m_save.bSeveralPatients
-                ? velFormatTemplate(IDS_ARC_BALANCE_RUN, patient.GetLastname(), patient.GetFirstname(), patient.GetID())
-                : CString(MAKEINTRESOURCE(IDS_ARC_BALANCE));
+        const CString strText = m_save.bSeveralPatients
+                                    ? velFormatTemplate(IDS_ARC_BALANCE_RUN, patient.GetLastname(),
+                                                        patient.GetFirstname(), patient.GetID())
+                                    : CString(MAKEINTRESOURCE(IDS_ARC_BALANCE));
         AfxMessageBox(strText, MB_OK | MB_ICONEXCLAMATION);
         return false;
     }

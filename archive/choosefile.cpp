@@ -39,8 +39,8 @@ bool HasDrive(const CString& strPath)
     return false;
 }
 
-// The dialog appends the default extension whatever the file type is: an extension of another format makes way, any
-// other belongs to the name.
+// The dialog appends the default extension whatever the file type is: an extension of another format makes
+// way, any other belongs to the name.
 CString WithFormatExtension(const CString& strPath, arcFormat nFormat)
 {
     const std::string typed(arc::ExtensionOf(strPath.GetString()));
@@ -64,8 +64,8 @@ std::optional<arcSTarget> arcChooseTarget(CWnd* pParent, LPCTSTR pszID)
 {
     const CString strFolder = velWithBackslash(ArchiveFolder());
     CFileDialog dialog(FALSE, Extensions[arcFormatZipped], pszID,
-                       OFN_HIDEREADONLY | OFN_PATHMUSTEXIST | OFN_NOCHANGEDIR,
-                       LoadText(IDS_ARC_FILTER_SAVE), pParent);
+                       OFN_HIDEREADONLY | OFN_PATHMUSTEXIST | OFN_NOCHANGEDIR, LoadText(IDS_ARC_FILTER_SAVE),
+                       pParent);
     const CString strTitle = LoadText(IDS_ARC_SAVE_TITLE);
     dialog.m_ofn.lpstrTitle = strTitle;
     dialog.m_ofn.lpstrInitialDir = strFolder;

@@ -105,7 +105,8 @@ int ResultOf(CWnd* pDialog, VolumeStatus status, int nFailure)
 
 arc::HeaderLine HeaderOf(const dbCPatient& patient)
 {
-    return {patient.GetLastname().GetString(), patient.GetFirstname().GetString(), patient.GetID().GetString()};
+    return {patient.GetLastname().GetString(), patient.GetFirstname().GetString(),
+            patient.GetID().GetString()};
 }
 
 arc::LocalTime Now()
@@ -245,8 +246,9 @@ int LoadEarlierFormat(const std::string& archivePath, const std::string& scratch
         dbCPatient patient;
         std::vector<arc::PresentFile> found;
         const std::string folder(arc::FolderOf(archivePath));
-        const bool bRead = patReadPatientFile(archivePath.c_str(), patient) &&
-                           arc::FilesToArchive(files, folder, patient.GetID().GetString(), arcListedFiles(patient), found);
+        const bool bRead =
+            patReadPatientFile(archivePath.c_str(), patient) &&
+            arc::FilesToArchive(files, folder, patient.GetID().GetString(), arcListedFiles(patient), found);
         if (bRead && CopyAll(folder, found, scratchFolder, progress))
             return arc::ResultDone;
     }
@@ -257,8 +259,8 @@ int LoadEarlierFormat(const std::string& archivePath, const std::string& scratch
     return arc::ResultLoadFailed;
 }
 
-int LoadVolumes(CWnd* pDialog, bool bDiskettes, const std::string& archivePath, const std::string& scratchFolder,
-                const arcProgress& show)
+int LoadVolumes(CWnd* pDialog, bool bDiskettes, const std::string& archivePath,
+                const std::string& scratchFolder, const arcProgress& show)
 {
     arc::FileSystem& files = arc::WindowsFileSystem();
     const auto header = arc::ReadHeaderLine(files, archivePath);
@@ -280,7 +282,8 @@ int LoadVolumes(CWnd* pDialog, bool bDiskettes, const std::string& archivePath, 
 }
 } // namespace
 
-std::vector<std::string> arcFilesOfArchive(const dbCPatient& patient, arcFormat nFormat, LPCTSTR pszArchivePath)
+std::vector<std::string> arcFilesOfArchive(const dbCPatient& patient, arcFormat nFormat,
+                                           LPCTSTR pszArchivePath)
 {
     arc::FileSystem& files = arc::WindowsFileSystem();
     const std::string folder(arc::FolderOf(pszArchivePath));
@@ -320,8 +323,8 @@ CString arcExistingArchive(LPCTSTR pszID, arcFormat nFormat, LPCTSTR pszArchiveP
     return paths.empty() ? CString() : CString(paths.front().c_str());
 }
 
-decltype(arcSStatusWork::otherWork) arcOtherSave(const dbCPatient& patient, arcFormat nFormat, LPCTSTR pszArchivePath,
-                                                 bool bConfirmed)
+decltype(arcSStatusWork::otherWork) arcOtherSave(const dbCPatient& patient, arcFormat nFormat,
+                                                 LPCTSTR pszArchivePath, bool bConfirmed)
 {
     const std::string archivePath = pszArchivePath;
     if (nFormat == arcFormatEarlier)

@@ -53,7 +53,8 @@ DWORD CopyContents(HANDLE hFrom, HANDLE hTo)
     }
 }
 
-/// Whether a record that is there speaks of files with such a name: then the file is that record's, whoever made it.
+/// Whether a record that is there speaks of files with such a name: then the file is that record's, whoever
+/// made it.
 bool BelongsToTimepoint(const std::string& name)
 {
     constexpr size_t NUMBER_DIGITS = 2;

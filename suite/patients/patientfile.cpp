@@ -132,7 +132,8 @@ patCEarlierFile::patCEarlierFile(const dbCPatient& patient)
     const bool bHasOwn = velFileExists(m_strFile) != FALSE;
     if (bHasOwn && !MoveFileA(m_strFile, m_strOriginal))
         dbCException::Throw(dbErrIO, m_strFile);
-    m_hOriginal = CreateFileA(m_strOriginal, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+    m_hOriginal =
+        CreateFileA(m_strOriginal, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
     if (bHasOwn && m_hOriginal == INVALID_HANDLE_VALUE)
     {
         // Not under our hand: it goes back, unless somebody has put it back already.

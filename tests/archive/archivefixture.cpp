@@ -18,8 +18,8 @@ END_MESSAGE_MAP()
 
 BOOL HostWindow::Open()
 {
-    return CreateEx(0, AfxRegisterWndClass(0), "Host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 10, 10, 700, 500, nullptr,
-                    nullptr);
+    return CreateEx(0, AfxRegisterWndClass(0), "Host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 10, 10, 700, 500,
+                    nullptr, nullptr);
 }
 
 LRESULT HostWindow::OnPatientChanged(WPARAM wParam, LPARAM lParam)
@@ -72,7 +72,8 @@ void ArchiveDialogTest::UseSecondPractice()
 }
 
 __int64 ArchiveDialogTest::Run(ARCHIVE_OP nOperation, const std::vector<std::string>& ids,
-                               const std::vector<std::string>& given, const Script& script, int nPracticeManagement)
+                               const std::vector<std::string>& given, const Script& script,
+                               int nPracticeManagement)
 {
     CStringArray selected, archives, more2, more3, more4;
     for (const std::string& id : ids)
@@ -83,8 +84,8 @@ __int64 ArchiveDialogTest::Run(ARCHIVE_OP nOperation, const std::vector<std::str
     const bool bHasPatient = !ids.empty() && patient.Load(ids.front().c_str());
     const __int64 nResult = veltest::RunModal(
         [&] {
-            return ArchiveDlg(&m_host, nPracticeManagement, bHasPatient ? &patient : nullptr, nOperation, selected,
-                              &m_patients, archives, more2, more3, more4, 0, 0);
+            return ArchiveDlg(&m_host, nPracticeManagement, bHasPatient ? &patient : nullptr, nOperation,
+                              selected, &m_patients, archives, more2, more3, more4, 0, 0);
         },
         script);
     MSG message;
@@ -189,7 +190,8 @@ std::map<std::string, std::string> ArchiveDialogTest::WorkingFiles() const
     for (const auto& entry : std::filesystem::directory_iterator(m_practice.Path(m_working)))
     {
         std::string name = entry.path().filename().string();
-        std::transform(name.begin(), name.end(), name.begin(), [](char ch) { return static_cast<char>(toupper(ch)); });
+        std::transform(name.begin(), name.end(), name.begin(),
+                       [](char ch) { return static_cast<char>(toupper(ch)); });
         files[name] = Sum(m_practice.ReadFile(m_working + "\\" + name));
     }
     return files;
@@ -215,9 +217,10 @@ std::string Describe(const dbCPatient& patient)
 {
     std::string text;
     const auto line = [&](const CString& str) { text += std::string(str.GetString()) + "\n"; };
-    for (const CString& str : {patient.GetGUID(), patient.GetID(), patient.GetFirstname(), patient.GetLastname(),
-                               patient.GetNotes(), patient.GetModelNumber(), patient.GetKeywords(),
-                               patient.GetBirthdate().FormatDate(), patient.GetAddress().GetStreet()})
+    for (const CString& str :
+         {patient.GetGUID(), patient.GetID(), patient.GetFirstname(), patient.GetLastname(),
+          patient.GetNotes(), patient.GetModelNumber(), patient.GetKeywords(),
+          patient.GetBirthdate().FormatDate(), patient.GetAddress().GetStreet()})
         line(str);
     text += std::to_string(patient.GetGender()) + std::to_string(patient.GetRace()) + "\n";
     for (const dbCPhone& phone : patient.GetPhones())
@@ -227,7 +230,8 @@ std::string Describe(const dbCPatient& patient)
         line(guardian.GetFirstname() + " " + guardian.GetLastname());
     for (const patCTimepoint& timepoint : patient.GetTimepoints())
     {
-        line(timepoint.GetName() + " " + timepoint.GetDate().FormatDate() + " " + timepoint.GetBaseFilename());
+        line(timepoint.GetName() + " " + timepoint.GetDate().FormatDate() + " " +
+             timepoint.GetBaseFilename());
         for (int nGroup = 0; nGroup < patCImageTypes::GROUP_COUNT; ++nGroup)
             text += std::to_string(timepoint.GetImageBits(nGroup)) + " ";
         line(timepoint.GetImageInfo(2, 0).strTitle);
@@ -245,7 +249,8 @@ void TakeOfferedName(DialogScript& script, int nFilter)
     constexpr int FileTypes = 0x470; // cmb1 of the common dialogs
     constexpr int FileName = 0x47C;  // cmb13
     const Dialog dialog = script.WaitForDialog("Save archive file...");
-    script.WaitUntil("a name is offered", [&] { return dialog.Has(FileName) && !dialog.Item(FileName).Text().empty(); });
+    script.WaitUntil("a name is offered",
+                     [&] { return dialog.Has(FileName) && !dialog.Item(FileName).Text().empty(); });
     script.Settle(dialog.Handle());
     if (nFilter != 0)
         dialog.Item(FileTypes).Choose(nFilter);

@@ -32,7 +32,8 @@ protected:
     DECLARE_MESSAGE_MAP()
 };
 
-// Runs on the user interface thread; scripts run on their own. Archiving is allowed at the start of each test.
+// Runs on the user interface thread; scripts run on their own. Archiving is allowed at the start of each
+// test.
 class ArchiveDialogTest : public testing::Test
 {
 protected:
@@ -45,15 +46,17 @@ protected:
     void UseSecondPractice();
     void UseFirstPractice();
 
-    // The archive dialog over the host window; afterwards the window must be enabled and no lock of this process left.
-    __int64 Run(ARCHIVE_OP nOperation, const std::vector<std::string>& ids, const std::vector<std::string>& given,
-                const Script& script, int nPracticeManagement = 0);
+    // The archive dialog over the host window; afterwards the window must be enabled and no lock of this
+    // process left.
+    __int64 Run(ARCHIVE_OP nOperation, const std::vector<std::string>& ids,
+                const std::vector<std::string>& given, const Script& script, int nPracticeManagement = 0);
     // Saves one patient to ID.kaz as a user does, keeping the patient.
     void Save(const std::string& id);
     // Saves the patient to ID.kaz and changes to the second practice.
     void SaveAndChange(const std::string& id);
     // Loads an archive without questions; expects these boxes, answered with OK.
-    __int64 Load(const std::string& path, const std::vector<std::string>& boxes = {}, int nPracticeManagement = 0);
+    __int64 Load(const std::string& path, const std::vector<std::string>& boxes = {},
+                 int nPracticeManagement = 0);
 
     // A stored patient with something of everything and the files of that many timepoints.
     dbCPatient StorePatient(const std::string& id, int nTimepoints = 2, std::size_t nImageBytes = 5000);

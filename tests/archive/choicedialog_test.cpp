@@ -75,7 +75,8 @@ TEST_F(ArchiveDialogTest, RefusesInPlaceAndStaysOpen)
         {
             choice.Press(nRadio);
             choice.Press(IDOK);
-            script.AnswerBox("This operation is not connected to the internet service on this computer.", IDOK);
+            script.AnswerBox("This operation is not connected to the internet service on this computer.",
+                             IDOK);
         }
         EXPECT_TRUE(choice.IsOpen());
         choice.Press(IDCANCEL);

@@ -26,8 +26,8 @@ VEL_CHILD_PROCESS(dieWithin) // database, operation, ID or empty, archive, milli
     const auto nOperation = static_cast<ARCHIVE_OP>(std::stoi(arguments[1]));
     veltest::RunModal(
         [&] {
-            return ArchiveDlg(&host, 0, bHasPatient ? &patient : nullptr, nOperation, selected, &patients, archives, more,
-                              more, more, 0, 0);
+            return ArchiveDlg(&host, 0, bHasPatient ? &patient : nullptr, nOperation, selected, &patients,
+                              archives, more, more, more, 0, 0);
         },
         [&](DialogScript& script) {
             const Dialog choice = WaitForChoice(script);
@@ -46,7 +46,8 @@ VEL_CHILD_PROCESS(dieWithin) // database, operation, ID or empty, archive, milli
 class CrashTest : public ArchiveDialogTest
 {
 protected:
-    void DieWithin(int nMilliseconds, ARCHIVE_OP nOperation, const std::string& id, const std::string& database)
+    void DieWithin(int nMilliseconds, ARCHIVE_OP nOperation, const std::string& id,
+                   const std::string& database)
     {
         dbCPatients::Close();
         veltest::ChildProcess child("dieWithin", {m_practice.Path(database), std::to_string(nOperation), id,

@@ -13,11 +13,14 @@ using veltest::DialogScript;
 namespace
 {
 const std::string LoadFailed = "Error has occured when loading the patient from Archive";
-const std::string NoHeader = "Cannot read the patient header file. It could be corrupt or in the wrong format.";
+const std::string NoHeader =
+    "Cannot read the patient header file. It could be corrupt or in the wrong format.";
 
 std::string HeaderOf(const std::string& id)
 {
-    return "Lee\x01" "Ann\x01" + id + "\x01\n";
+    return "Lee\x01"
+           "Ann\x01" +
+           id + "\x01\n";
 }
 
 RawEntry Entry(const std::string& name, const std::string& contents)
@@ -35,11 +38,13 @@ TEST_F(ArchiveDialogTest, LoadsWhatWasSavedWithEveryFileAndField)
     StorePatient("A12"); // shares the beginning of its file names
     const auto files = WorkingFiles();
     SaveAndChange("A1");
-    EXPECT_EQ(Load(Archive("A1"),
-                   {"Some patient fields, such as location and orthodontist, may have been automatically assigned.  "
-                    "Please visit the Patient Details screen to confirm these settings."},
-                   1),
-              IDOK);
+    EXPECT_EQ(
+        Load(
+            Archive("A1"),
+            {"Some patient fields, such as location and orthodontist, may have been automatically assigned.  "
+             "Please visit the Patient Details screen to confirm these settings."},
+            1),
+        IDOK);
     dbCPatient loaded;
     ASSERT_TRUE(loaded.Load("A1"));
     EXPECT_EQ(Describe(loaded), Describe(patient));
@@ -48,9 +53,11 @@ TEST_F(ArchiveDialogTest, LoadsWhatWasSavedWithEveryFileAndField)
         return file.first.starts_with("A12") && !file.first.ends_with(".2DMORPH");
     });
     EXPECT_EQ(WorkingFiles(), expected);
-    EXPECT_THAT(NewEvents(), ElementsAre("3 The patient (A1) Lee A1, Zo\xeb data have been loaded from a file (archive)"));
+    EXPECT_THAT(NewEvents(),
+                ElementsAre("3 The patient (A1) Lee A1, Zo\xeb data have been loaded from a file (archive)"));
     const std::string guid = patient.GetGUID().GetString();
-    EXPECT_THAT(m_host.m_told, ElementsAre(Pair(ARCHIVE_NOTIFY_LOADED, guid), Pair(ARCHIVE_NOTIFY_REFRESH, guid)));
+    EXPECT_THAT(m_host.m_told,
+                ElementsAre(Pair(ARCHIVE_NOTIFY_LOADED, guid), Pair(ARCHIVE_NOTIFY_REFRESH, guid)));
     EXPECT_TRUE(std::filesystem::is_empty(m_practice.Path("temp")));
 
     // A second time there is nothing to load.
@@ -72,7 +79,8 @@ TEST_F(ArchiveDialogTest, LoadsAndSavesInTheOtherFormats)
                           if (!bEarlier)
                               return;
                           const Dialog box = script.WaitForBox(
-                              "Saving records to an earlier format: \"Veltrix Version 7 or earlier\".\nThe saved files "
+                              "Saving records to an earlier format: \"Veltrix Version 7 or earlier\".\nThe "
+                              "saved files "
                               "may not contain all data or images.\nDo you still want to continue?");
                           EXPECT_EQ(box.DefaultButton(), "No");
                           box.Press(IDYES);
@@ -91,7 +99,8 @@ TEST_F(ArchiveDialogTest, LoadsAndSavesInTheOtherFormats)
         EXPECT_EQ(loaded.GetLastname(), patient.GetLastname());
         EXPECT_EQ(loaded.GetTimepoints().GetCount(), patient.GetTimepoints().GetCount());
         const auto now = WorkingFiles();
-        for (const char* pszName : {"A1.PF", "A100.I2A", "A101.V2A", "A100.C01", "A101.DF0", "A100.DF3", "A101.M"})
+        for (const char* pszName :
+             {"A1.PF", "A100.I2A", "A101.V2A", "A100.C01", "A101.DF0", "A100.DF3", "A101.M"})
         {
             ASSERT_TRUE(now.contains(pszName)) << nFilter << pszName;
             EXPECT_EQ(now.at(pszName), files.at(pszName)) << nFilter << pszName;
@@ -159,12 +168,13 @@ TEST_F(ArchiveDialogTest, RefusesWhileTheScratchFolderOrTheIDIsTaken)
 {
     StorePatient("A1");
     SaveAndChange("A1");
-    const HANDLE hBusy = ::CreateFile(m_practice.Path("temp\\VELTMP.LCK").c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
-                                      FILE_FLAG_DELETE_ON_CLOSE, nullptr);
+    const HANDLE hBusy = ::CreateFile(m_practice.Path("temp\\VELTMP.LCK").c_str(), GENERIC_WRITE, 0, nullptr,
+                                      CREATE_NEW, FILE_FLAG_DELETE_ON_CLOSE, nullptr);
     ASSERT_NE(hBusy, INVALID_HANDLE_VALUE);
-    EXPECT_EQ(Load(Archive("A1"), {"Another program on this computer is reading an archive.  Please try again when it has "
-                                   "finished.",
-                                   LoadFailed}),
+    EXPECT_EQ(Load(Archive("A1"),
+                   {"Another program on this computer is reading an archive.  Please try again when it has "
+                    "finished.",
+                    LoadFailed}),
               IDOK);
     ::CloseHandle(hBusy);
     EXPECT_FALSE(IsStored("A1"));
@@ -189,19 +199,22 @@ TEST_F(ArchiveDialogTest, LoadsSeveralAndDeletesTheirArchivesWhenWanted)
         Save(pszID);
     }
     UseSecondPractice();
-    const std::string ask = "You are about to load multiple patients from Archive, do you want to delete the archive files "
-                            "when the operation is finished?";
+    const std::string ask =
+        "You are about to load multiple patients from Archive, do you want to delete the archive files "
+        "when the operation is finished?";
     EXPECT_EQ(Run(ARCHIVE_OP_LOAD, {}, {Archive("A1"), Archive("X1"), Archive("B1")},
                   [&](DialogScript& script) {
                       WaitForChoice(script).Press(IDOK);
                       EXPECT_EQ(script.WaitForBox(ask).DefaultButton(), "No");
                       script.AnswerBox(ask, IDYES);
-                      script.AnswerBox("The actual zip file of patient X1, ID:X1 is missing. Load process failed for this "
-                                       "patient.",
-                                       IDOK);
-                      script.AnswerBox("Error has occured when loading the patient from Archive. Choose OK to continue on "
-                                       "loading the next patient or Cancel to exit archiving.",
-                                       IDOK);
+                      script.AnswerBox(
+                          "The actual zip file of patient X1, ID:X1 is missing. Load process failed for this "
+                          "patient.",
+                          IDOK);
+                      script.AnswerBox(
+                          "Error has occured when loading the patient from Archive. Choose OK to continue on "
+                          "loading the next patient or Cancel to exit archiving.",
+                          IDOK);
                   }),
               IDOK);
     EXPECT_TRUE(IsStored("A1") && IsStored("B1"));
@@ -210,9 +223,10 @@ TEST_F(ArchiveDialogTest, LoadsSeveralAndDeletesTheirArchivesWhenWanted)
     EXPECT_EQ(Run(ARCHIVE_OP_LOAD, {}, {Archive("A1"), m_practice.Path("archive\\B1.kar")},
                   [&](DialogScript& script) {
                       WaitForChoice(script).Press(IDOK);
-                      script.AnswerBox("Loading multiple non-Premium archive files is not supported. Please load one file "
-                                       "at a time.",
-                                       IDOK);
+                      script.AnswerBox(
+                          "Loading multiple non-Premium archive files is not supported. Please load one file "
+                          "at a time.",
+                          IDOK);
                       WaitForChoice(script).Press(IDCANCEL);
                   }),
               IDCANCEL);
@@ -243,17 +257,20 @@ TEST_F(ArchiveDialogTest, MergesUnderNewNumbers)
     EXPECT_EQ(merged.GetTimepoint(4).GetImageInfo(2, 0).strTitle, CString("lateral"));
     const auto now = WorkingFiles();
     for (const char* pszRest : {".I2A", ".V2A", ".I2A.AVI", ".DF0", ".M", ".C01"})
-        EXPECT_EQ(now.at(std::string("A104") + pszRest), archived.at(std::string("A101") + pszRest)) << pszRest;
+        EXPECT_EQ(now.at(std::string("A104") + pszRest), archived.at(std::string("A101") + pszRest))
+            << pszRest;
     EXPECT_EQ(now.at("A1$03$MOVIE.AVI"), Sum("extra"));
     for (const auto& [name, contents] : before)
         EXPECT_TRUE(name == "A1.PF" || now.at(name) == contents) << name;
-    EXPECT_THAT(NewEvents(), ElementsAre("3 The patient (A1) Lee A1, Zo\xeb data have been merged from a file (archive)"));
+    EXPECT_THAT(NewEvents(),
+                ElementsAre("3 The patient (A1) Lee A1, Zo\xeb data have been merged from a file (archive)"));
     EXPECT_THAT(m_host.m_told, ElementsAre(Pair(ARCHIVE_NOTIFY_MERGED, merged.GetGUID().GetString())));
 
     // Another patient: asked, and No leaves everything.
-    const std::string mismatch = "The data being merged does not appear to be for the selected patient.\r\n\r\nThe SELECTED "
-                                 "patient is:\r\n     B1: Zo\xeb Lee B1\r\n\r\nThe MERGE DATA appears to be for:\r\n     "
-                                 "A1: Zo\xeb Lee A1\r\n\r\nWould you like to merge the data anyway?";
+    const std::string mismatch =
+        "The data being merged does not appear to be for the selected patient.\r\n\r\nThe SELECTED "
+        "patient is:\r\n     B1: Zo\xeb Lee B1\r\n\r\nThe MERGE DATA appears to be for:\r\n     "
+        "A1: Zo\xeb Lee A1\r\n\r\nWould you like to merge the data anyway?";
     EXPECT_EQ(merge("B1",
                     [&](DialogScript& script) {
                         const Dialog box = script.WaitForBox();
@@ -284,8 +301,11 @@ TEST_F(ArchiveDialogTest, RefusesAMergeThatDoesNotFitAndOldArchives)
     };
     for (const Case& refused :
          {Case{"A1.kaz", "The maximum number of timepoints (100) has already been reached for this patient."},
-          Case{"A1.kar", "Merging from the old archive file is not supported. Please use Get Patient From Archive to load "
-                         "the patient back to Veltrix first. Then use Copy / Paste timepoint to merge the timepoints."}})
+          Case{
+              "A1.kar",
+              "Merging from the old archive file is not supported. Please use Get Patient From Archive to "
+              "load "
+              "the patient back to Veltrix first. Then use Copy / Paste timepoint to merge the timepoints."}})
     {
         EXPECT_EQ(Run(ARCHIVE_OP_MERGE, {"A1"}, {m_practice.Path("archive\\" + refused.archive)},
                       [&](DialogScript& script) {

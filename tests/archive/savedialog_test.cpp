@@ -14,10 +14,12 @@ namespace
 {
 const std::string NotCreated =
     "Couldn't create archive file. Please check if the drive or the existing archive file is read-only.";
-const std::string RetryText = "Error has occured when saving the patient. Choose Retry to try again, Ignore to continue "
-                              "saving the next patient or Abort to exit archiving.";
-const std::string RunText = "You are about to save multiple patients to Archive, do you want to delete the patients from "
-                            "the patient list when the operation is finished?";
+const std::string RetryText =
+    "Error has occured when saving the patient. Choose Retry to try again, Ignore to continue "
+    "saving the next patient or Abort to exit archiving.";
+const std::string RunText =
+    "You are about to save multiple patients to Archive, do you want to delete the patients from "
+    "the patient list when the operation is finished?";
 
 VEL_CHILD_PROCESS(holdLock) // database, ID, mode, file to make when it is locked
 {
@@ -56,17 +58,19 @@ TEST_F(ArchiveDialogTest, SavesOnePatientAndRemovesItWhenWanted)
                               veltest::SavePicture(overwrite.Handle(), "archive-overwrite");
                               overwrite.Press(IDYES);
                           }
-                          const Dialog box = script.WaitForBox("\"Zo\xeb Lee A1\" (ID:A1) successfully archived.  Remove "
-                                                               "this patient from the patient list?");
+                          const Dialog box =
+                              script.WaitForBox("\"Zo\xeb Lee A1\" (ID:A1) successfully archived.  Remove "
+                                                "this patient from the patient list?");
                           EXPECT_EQ(box.DefaultButton(), "No");
                           box.Press(nAnswer);
                       }),
                   IDOK);
         EXPECT_EQ(IsStored("A1"), nAnswer == IDNO);
     }
-    EXPECT_THAT(NewEvents(), ElementsAre("3 The patient (A1) Lee A1, Zo\xeb data has been saved into a file (archive)",
-                                         "3 The patient (A1) Lee A1, Zo\xeb data has been saved into a file (archive)",
-                                         "4 The patient (A1) Lee A1, Zo\xeb has been deleted after archiving"));
+    EXPECT_THAT(NewEvents(),
+                ElementsAre("3 The patient (A1) Lee A1, Zo\xeb data has been saved into a file (archive)",
+                            "3 The patient (A1) Lee A1, Zo\xeb data has been saved into a file (archive)",
+                            "4 The patient (A1) Lee A1, Zo\xeb has been deleted after archiving"));
     EXPECT_THAT(m_host.m_told, ElementsAre(Pair(ARCHIVE_NOTIFY_REMOVED, guid)));
     EXPECT_THAT(WorkingFiles(), IsEmpty());
     // Neither the record nor the replaced archive is left.
@@ -78,13 +82,15 @@ TEST_F(ArchiveDialogTest, KeepsWhoOwes)
 {
     dbCPatient patient = StorePatient("A1");
     patient.SetBalance(100);
-    EXPECT_EQ(Run(ARCHIVE_OP_SAVE, {"A1"}, {},
+    EXPECT_EQ(Run(
+                  ARCHIVE_OP_SAVE, {"A1"}, {},
                   [&](DialogScript& script) {
                       WaitForChoice(script).Press(IDOK);
                       TakeOfferedName(script);
                       script.AnswerBox("", IDYES);
-                      script.AnswerBox("You cannot remove this patient from patient list until their balance is zero.",
-                                       IDOK);
+                      script.AnswerBox(
+                          "You cannot remove this patient from patient list until their balance is zero.",
+                          IDOK);
                   },
                   1),
               IDOK);
@@ -92,16 +98,18 @@ TEST_F(ArchiveDialogTest, KeepsWhoOwes)
     EXPECT_EQ(NewEvents().size(), 1u);
 
     StorePatient("B1");
-    EXPECT_EQ(Run(ARCHIVE_OP_SAVE, {"A1", "B1"}, {},
+    EXPECT_EQ(Run(
+                  ARCHIVE_OP_SAVE, {"A1", "B1"}, {},
                   [&](DialogScript& script) {
                       WaitForChoice(script).Press(IDOK);
                       EXPECT_EQ(script.WaitForBox(RunText).DefaultButton(), "No");
                       script.AnswerBox(RunText, IDYES);
                       TakeOfferedName(script);
                       script.WaitForDialogWith(IDC_ARC_OVERWRITE_TEXT).Press(IDC_ARC_OVERWRITE_ALL);
-                      script.AnswerBox("You cannot remove patient: \"Lee A1,  Zo\xeb\" (ID:A1) from patient list until "
-                                       "their balance is zero.",
-                                       IDOK);
+                      script.AnswerBox(
+                          "You cannot remove patient: \"Lee A1,  Zo\xeb\" (ID:A1) from patient list until "
+                          "their balance is zero.",
+                          IDOK);
                   },
                   1),
               IDOK);
@@ -118,7 +126,8 @@ TEST_F(ArchiveDialogTest, GoesOnAfterAFailureAsTheUserWants)
         int nAnswer;
         std::vector<std::string> archives; // that are new
     };
-    for (const Case& expected : {Case{IDABORT, {"A1"}}, Case{IDIGNORE, {"A1", "C1"}}, Case{IDRETRY, {"A1", "B1", "C1"}}})
+    for (const Case& expected :
+         {Case{IDABORT, {"A1"}}, Case{IDIGNORE, {"A1", "C1"}}, Case{IDRETRY, {"A1", "B1", "C1"}}})
     {
         for (const char* pszID : {"A1", "C1"})
             std::filesystem::remove(Archive(pszID));
@@ -158,8 +167,8 @@ TEST_F(ArchiveDialogTest, KeepsTheReplacedArchiveWhenTheNewOneFails)
         std::vector<std::string> contents;
         for (const bool bFails : {false, true})
         {
-            const HANDLE hHeld = bFails ? ::CreateFile(m_practice.Path("working\\A101.I2A").c_str(), GENERIC_READ, 0,
-                                                       nullptr, OPEN_EXISTING, 0, nullptr)
+            const HANDLE hHeld = bFails ? ::CreateFile(m_practice.Path("working\\A101.I2A").c_str(),
+                                                       GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr)
                                         : nullptr;
             ASSERT_NE(hHeld, INVALID_HANDLE_VALUE);
             EXPECT_EQ(Run(ARCHIVE_OP_SAVE, {"A1"}, {},
@@ -186,7 +195,9 @@ TEST_F(ArchiveDialogTest, KeepsTheReplacedArchiveWhenTheNewOneFails)
             }
         }
         for (std::size_t i = 0; i < contents.size(); ++i)
-            EXPECT_EQ(m_practice.ReadFile("archive\\" + archives[nFilter][i] + ".previous") == contents[i], true) << i;
+            EXPECT_EQ(m_practice.ReadFile("archive\\" + archives[nFilter][i] + ".previous") == contents[i],
+                      true)
+                << i;
         EXPECT_EQ(WorkingFiles(), files) << nFilter;
         EXPECT_EQ(NewEvents().size(), 1u);
     }
@@ -208,7 +219,8 @@ TEST_F(ArchiveDialogTest, LeavesALockedPatientAlone)
                           choice.Press(IDOK);
                           TakeOfferedName(script);
                           script.AnswerBox("Patient ID \"A1\" is currently in use by \"" +
-                                               std::string(strUser.GetString()) + "\".\nPlease try again later.",
+                                               std::string(strUser.GetString()) +
+                                               "\".\nPlease try again later.",
                                            IDOK);
                           WaitForChoice(script).Press(IDCANCEL);
                       }),
@@ -225,7 +237,8 @@ TEST_F(ArchiveDialogTest, LeavesALockedPatientAlone)
                       WaitForChoice(script).Press(IDOK);
                       TakeOfferedName(script);
                       script.AnswerBox("", IDYES);
-                      EXPECT_THAT(script.WaitForBox().BoxText(), StartsWith("Patient ID \"A1\" is currently in use by"));
+                      EXPECT_THAT(script.WaitForBox().BoxText(),
+                                  StartsWith("Patient ID \"A1\" is currently in use by"));
                       script.AnswerBox("", IDOK);
                   }),
               IDOK);
@@ -266,7 +279,8 @@ TEST_F(ArchiveDialogTest, RefusesADeviceNameAsID)
                       const Dialog choice = WaitForChoice(script);
                       choice.Press(IDOK);
                       TakeOfferedName(script);
-                      EXPECT_THAT(script.WaitForBox().BoxText(), StartsWith("The patient ID \"AUX\" is a name that"));
+                      EXPECT_THAT(script.WaitForBox().BoxText(),
+                                  StartsWith("The patient ID \"AUX\" is a name that"));
                       script.AnswerBox("", IDOK);
                       WaitForChoice(script).Press(IDCANCEL);
                   }),
