@@ -74,6 +74,8 @@ private:
     void ShowTitle();
     void ShowStatus();
     void ShowResult(const char* exportName, __int64 result);
+    void ShowRecorded(const char* exportName, __int64 result, __int64 lastEvent);
+    void TakeNotices();
     void UpdateTools();
     BOOL LoadSelected(dbCPatient& patient);
     BOOL IsOffered(const hostSCommand& command);

@@ -5,14 +5,18 @@
 #include "host/moduledlg.h"
 #include "host/samplepractice.h"
 #include "suite/patients/dbexception.h"
+#include "suite/patients/veltrixlogin.h"
 
 #include <shlobj.h>
 
 namespace
 {
 
-// The practice-management data (balances, treatments) are in use.
-constexpr int kPracticeManagement = 1;
+// The host keeps no balances and treatments: the practice-management data are not in use.
+constexpr int kPracticeManagement = 0;
+
+// More events of one call are counted up to here.
+constexpr int kMaxRecorded = 1000;
 
 CString FormatText(UINT id, LPCTSTR first, LPCTSTR second = "", LPCTSTR third = "")
 {
@@ -398,6 +402,44 @@ void hostCFrame::RunNewTimepoint()
     }
 }
 
+// An operation may have failed for some patients and still answer OK: the audit log tells what was done.
+void hostCFrame::ShowRecorded(const char* exportName, __int64 result, __int64 lastEvent)
+{
+    dbTList<dbSAuditEvent> events;
+    CVeltrixLogin::LoadEvents(events, kMaxRecorded);
+    int recorded = 0;
+    while (recorded < events.GetCount() && events[recorded].nID > lastEvent)
+    {
+        ++recorded;
+    }
+    if (recorded == 1)
+    {
+        m_message = FormatText(IDS_RESULT_RECORDED, exportName, events[0].strText);
+    }
+    else if (recorded > 1)
+    {
+        m_message = FormatText(IDS_RESULT_EVENTS, exportName, FormatNumber(recorded));
+    }
+    else if (result == IDOK)
+    {
+        m_message = FormatText(IDS_RESULT_NOTHING, exportName);
+    }
+    else
+    {
+        ShowResult(exportName, result);
+    }
+}
+
+// What the module has posted about patients is told before the result of the call.
+void hostCFrame::TakeNotices()
+{
+    MSG message;
+    while (::PeekMessage(&message, m_hWnd, VELDLGS_PATIENT_CHANGED, VELDLGS_PATIENT_CHANGED, PM_REMOVE))
+    {
+        ::DispatchMessage(&message);
+    }
+}
+
 void hostCFrame::RunArchive(ARCHIVE_OP operation)
 {
     dbCPatient patient;
@@ -409,10 +451,14 @@ void hostCFrame::RunArchive(ARCHIVE_OP operation)
         // Of several patients the first stands for all where one is needed.
         patient.Load(selected.GetAt(0), TRUE, FALSE);
     }
-    CStringArray unused[4];
+    dbTList<dbSAuditEvent> before;
+    CVeltrixLogin::LoadEvents(before, 1);
+    CStringArray archives; // none: the user is asked
+    CStringArray unused[3];
     const __int64 result =
         m_session.GetModule()->ArchiveDlg(this, kPracticeManagement, &patient, operation, selected,
-                                          &m_session.GetPatients(), unused[0], unused[1], unused[2], unused[3], 0, 0);
-    ShowResult("ArchiveDlg", result);
+                                          &m_session.GetPatients(), archives, unused[0], unused[1], unused[2], 0, 0);
+    TakeNotices();
     Refresh();
+    ShowRecorded("ArchiveDlg", result, before.IsEmpty() ? 0 : before[0].nID);
 }

@@ -5,6 +5,7 @@
 
 #include <commctrl.h>
 
+#include <algorithm>
 #include <cctype>
 #include <cstdio>
 #include <exception>
@@ -194,14 +195,23 @@ void tourCGuide::ExpectEvent(dbAuditKind kind, const std::string& text)
     }
 }
 
-void tourCGuide::ExpectEvents(dbAuditKind kind, std::size_t count)
+void tourCGuide::ExpectEvents(const std::vector<Event>& expected)
 {
     const std::vector<dbSAuditEvent> events = NewEvents();
-    Expect(events.size() == count, std::to_string(events.size()) + " audit events");
-    for (const dbSAuditEvent& event : events)
+    Expect(events.size() == expected.size(), std::to_string(events.size()) + " audit events");
+    for (std::size_t index = 0; index < std::min(events.size(), expected.size()); ++index)
     {
-        Expect(event.nKind == kind, "audit event: " + std::string(event.strText.GetString()));
+        // Newest first in the log.
+        const dbSAuditEvent& event = events[events.size() - 1 - index];
+        ExpectText("audit event", std::to_string(expected[index].kind) + " " + expected[index].text,
+                   std::to_string(event.nKind) + " " + event.strText.GetString());
     }
+}
+
+void tourCGuide::PracticeChanged()
+{
+    m_lastEvent = 0;
+    NewEvents();
 }
 
 std::string tourCGuide::PictureName(const std::string& name)

@@ -6,10 +6,23 @@
 
 #include <afxwin.h>
 
+#include <filesystem>
 #include <functional>
+#include <map>
 #include <span>
 #include <string>
 #include <vector>
+
+/// A patient as a practice has it, for comparing practices.
+struct tourSPatient
+{
+    std::string name;                         // "Given Family"
+    std::string auditName;                    // as audit events begin
+    std::string basics;                       // what every archive format carries
+    std::string details;                      // what the database record carries beside it
+    int timepoints = 0;
+    std::map<std::string, std::string> files; // contents by name, images of all timepoints
+};
 
 /// What the steps of the tour use. Lives on the script's thread; what concerns the database runs on the user interface
 /// thread through OnUi. Prints every line as it happens.
@@ -40,7 +53,15 @@ public:
     /// The events recorded since the last call, read from the database: none, or the one with this text.
     void ExpectNoEvent();
     void ExpectEvent(dbAuditKind kind, const std::string& text);
-    void ExpectEvents(dbAuditKind kind, std::size_t count);
+    /// The events recorded since the last call, in the order of recording.
+    struct Event
+    {
+        dbAuditKind kind;
+        std::string text;
+    };
+    void ExpectEvents(const std::vector<Event>& expected);
+    /// Another practice is open now: what its audit log holds already is not new.
+    void PracticeChanged();
 
     /// Saves a picture under a running number.
     void Picture(HWND window, const std::string& name);
@@ -60,6 +81,9 @@ public:
 
     /// What the user entered for the tour's own patient and later steps use.
     std::string m_patientID;
+    /// Where the archives are, and what was saved there by patient ID.
+    std::filesystem::path m_archives;
+    std::map<std::string, tourSPatient> m_saved;
 
 private:
     struct MenuPlace

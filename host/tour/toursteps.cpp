@@ -412,7 +412,7 @@ void PlayAuditLog(tourCGuide& guide)
     guide.Picture(guide.GetFrame(), "audit-log");
 }
 
-constexpr std::array<tourSStep, 19> kSteps = {{
+constexpr std::array<tourSStep, 28> kSteps = {{
     {"The practice opens", PlayOpen},
     {"Dialogs that are still to come are greyed", PlayGreyed},
     {"The search finds patients while it is typed", PlaySearch},
@@ -428,10 +428,19 @@ constexpr std::array<tourSStep, 19> kSteps = {{
     {"The dialog module and its settings", PlayModule},
     {"Several patients are selected", PlaySeveral},
     {"The audit log", PlayAuditLog},
+    {"Saving to archives is forbidden and allowed again", tourPlayArchiveForbidden},
+    {"The internet archive is not connected", tourPlayArchiveInternet},
     {"The selected patients are saved to archives", tourPlayArchiveSeveral},
     {"One patient is saved to an archive", tourPlayArchiveOne},
+    {"A self-starting disc", tourPlayArchiveDisc},
+    {"A patient is saved as a volume archive", tourPlayArchiveVolumes},
+    {"A patient is saved in the earlier format", tourPlayArchiveEarlier},
     {"The archives are loaded into a second practice", tourPlayArchiveLoad},
-    {"Timepoints are merged from an archive", tourPlayArchiveMerge},
+    {"The volume archive is loaded there", tourPlayLoadVolumes},
+    {"The archive of the earlier format is loaded there", tourPlayLoadEarlier},
+    {"A patient that is there is not loaded over", tourPlayLoadExisting},
+    {"Timepoints are merged from another patient's archive", tourPlayArchiveMerge},
+    {"A patient is removed after archiving and loaded again", tourPlayArchiveRemove},
 }};
 
 } // namespace
