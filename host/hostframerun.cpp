@@ -91,9 +91,16 @@ void hostCFrame::ShowStatus()
     if (m_session.GetPractice().IsOpen())
     {
         const int selected = static_cast<int>(m_patients.GetSelectedCount());
-        count = selected > 1 ? FormatText(IDS_SELECTED_COUNT, FormatNumber(m_patients.GetPatientCount()),
-                                          FormatNumber(selected))
-                             : FormatText(IDS_PATIENT_COUNT, FormatNumber(m_patients.GetPatientCount()));
+        const CString patients = FormatNumber(m_patients.GetPatientCount());
+        if (selected > 1)
+        {
+            count = FormatText(IDS_SELECTED_COUNT, patients, FormatNumber(selected));
+        }
+        else
+        {
+            count = m_patients.GetPatientCount() == 1 ? hostText(IDS_ONE_PATIENT)
+                                                      : FormatText(IDS_PATIENT_COUNT, patients);
+        }
     }
     const CString texts[] = {m_message, count, m_session.GetPractice().GetFolder()};
     for (std::size_t part = 0; part < std::size(texts); ++part)

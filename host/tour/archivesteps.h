@@ -1,5 +1,5 @@
-// The steps of the tour that save patients to archives and bring them to another practice. Each works where the one
-// before has ended.
+// The steps of the tour that save patients to archives and bring them to another practice. Each works where
+// the one before has ended.
 #pragma once
 
 #include "host/tour/tour.h"

@@ -57,12 +57,12 @@ tourSPatient Describe(const dbCPatient& patient)
     result.name = given + " " + family;
     result.auditName = "The patient (" + id + ") " + family + ", " + given;
     AddLine(result.basics, patient.GetID() + ": " + patient.GetFirstname() + " " + patient.GetLastname());
-    AddLine(result.basics, patient.GetBirthdate().ToISO());
     ReadTimepoints(patient, result);
     for (const CString& field :
-         {patient.GetGUID(), patient.GetNickname(), patient.GetTitle(), patient.GetSalutation(), patient.GetEmail(),
-          patient.GetModelNumber(), patient.GetKeywords(), patient.GetNotes(), patient.GetAddress(0).GetStreet(),
-          patient.GetAddress(0).GetCity(), patient.GetAddress(0).GetPostalCode()})
+         {patient.GetGUID(), patient.GetBirthdate().ToISO(), patient.GetNickname(), patient.GetTitle(),
+          patient.GetSalutation(), patient.GetEmail(), patient.GetModelNumber(), patient.GetKeywords(),
+          patient.GetNotes(), patient.GetAddress(0).GetStreet(), patient.GetAddress(0).GetCity(),
+          patient.GetAddress(0).GetPostalCode()})
     {
         AddLine(result.details, field);
     }
@@ -70,13 +70,21 @@ tourSPatient Describe(const dbCPatient& patient)
     {
         AddLine(result.details, phone.GetNumber() + " " + phone.GetType());
     }
-    for (const int kind : {dbPersonGuardian, dbPersonTreatingDoctor})
+    for (const auto kind : {dbPersonGuardian, dbPersonTreatingDoctor})
     {
         dbCPerson person;
-        patient.GetPersonInfo(static_cast<decltype(dbPersonGuardian)>(kind), person);
+        patient.GetPersonInfo(kind, person);
         AddLine(result.details, person.GetFirstname() + " " + person.GetLastname());
     }
     return result;
+}
+
+// Prints both only when they differ.
+void ExpectSame(tourCGuide& guide, const std::string& what, const std::string& expected,
+                const std::string& found)
+{
+    guide.Expect(expected == found,
+                 expected == found ? what : what + "\nexpected:\n" + expected + "found:\n" + found);
 }
 
 } // namespace
@@ -92,7 +100,8 @@ void tourShowPatient(tourCGuide& guide, const std::string& id)
     guide.Child(IDC_SEARCH).Replace(id);
     if (!id.empty())
     {
-        guide.GetScript().WaitUntil("the patient in the list", [&] { return tourCountRows(guide, IDC_PATIENTS) == 1; });
+        guide.GetScript().WaitUntil("the patient in the list",
+                                    [&] { return tourCountRows(guide, IDC_PATIENTS) == 1; });
     }
     guide.GetScript().Settle(guide.GetFrame());
 }
@@ -159,13 +168,11 @@ tourSPatient tourReadPatient(tourCGuide& guide, const std::string& id)
 {
     tourSPatient result;
     BOOL stored = FALSE;
-    guide.OnUi(
-        [&]
-        {
-            dbCPatient patient;
-            stored = patient.Load(id.c_str());
-            result = Describe(patient);
-        });
+    guide.OnUi([&] {
+        dbCPatient patient;
+        stored = patient.Load(id.c_str());
+        result = Describe(patient);
+    });
     if (!stored)
     {
         guide.Expect(false, id + " is in the database");
@@ -182,11 +189,11 @@ void tourExpectAsSaved(tourCGuide& guide, const std::string& id, bool whole)
 {
     const tourSPatient& saved = guide.m_saved.at(id);
     const tourSPatient found = tourReadPatient(guide, id);
-    guide.Expect(found.basics == saved.basics,
-                 id + " as saved: name, birth date, " + std::to_string(found.timepoints) + " timepoints");
+    ExpectSame(guide, id + " as saved: name, " + std::to_string(found.timepoints) + " timepoints",
+               saved.basics, found.basics);
     if (whole)
     {
-        guide.Expect(found.details == saved.details, id + " as saved: every other field");
+        ExpectSame(guide, id + " as saved: every other field", saved.details, found.details);
     }
     std::size_t bytes = 0;
     for (const auto& [name, contents] : found.files)
@@ -194,7 +201,8 @@ void tourExpectAsSaved(tourCGuide& guide, const std::string& id, bool whole)
         bytes += contents.size();
     }
     guide.Expect(found.files == saved.files && (found.files.empty() || bytes > 0),
-                 id + " as saved: " + std::to_string(found.files.size()) + " images, " + std::to_string(bytes) + " bytes");
+                 id + " as saved: " + std::to_string(found.files.size()) + " images, " +
+                     std::to_string(bytes) + " bytes");
 }
 
 tourCGuide::Event tourSavedEvent(const tourSPatient& patient)

@@ -14,7 +14,8 @@ veltest::Dialog tourOpenArchiveDialog(tourCGuide& guide, int command);
 void tourAnswerSave(tourCGuide& guide, const std::string& name = {}, int fileType = 0);
 /// Enters names, one by itself or several between quotes, and opens.
 void tourAnswerOpen(tourCGuide& guide, const std::string& names);
-/// Answers a message box of the tour's choice after a picture of it; the button that Enter would press is compared.
+/// Answers a message box of the tour's choice after a picture of it; the button that Enter would press is
+/// compared.
 void tourAnswerBox(tourCGuide& guide, const std::string& text, int button, const std::string& picture,
                    const std::string& defaultButton = {});
 
@@ -23,7 +24,8 @@ tourSPatient tourReadPatient(tourCGuide& guide, const std::string& id);
 bool tourIsStored(tourCGuide& guide, const std::string& id);
 /// Notes what is saved for tourExpectAsSaved.
 void tourRemember(tourCGuide& guide, const std::string& id);
-/// Compares the patient of the open practice with what was saved; `whole` when the archive has the database record.
+/// Compares the patient of the open practice with what was saved; `whole` when the archive has the database
+/// record.
 void tourExpectAsSaved(tourCGuide& guide, const std::string& id, bool whole);
 
 tourCGuide::Event tourSavedEvent(const tourSPatient& patient);

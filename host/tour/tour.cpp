@@ -198,7 +198,7 @@ void tourCGuide::ExpectEvent(dbAuditKind kind, const std::string& text)
 void tourCGuide::ExpectEvents(const std::vector<Event>& expected)
 {
     const std::vector<dbSAuditEvent> events = NewEvents();
-    Expect(events.size() == expected.size(), std::to_string(events.size()) + " audit events");
+    Expect(events.size() == expected.size(), "audit events: " + std::to_string(events.size()));
     for (std::size_t index = 0; index < std::min(events.size(), expected.size()); ++index)
     {
         // Newest first in the log.
@@ -212,6 +212,29 @@ void tourCGuide::PracticeChanged()
 {
     m_lastEvent = 0;
     NewEvents();
+}
+
+void tourCGuide::WaitForThumbnails()
+{
+    m_script.WaitUntil("the thumbnails",
+                       [&]
+                       {
+                           // Image 0 is the empty frame that stands until the file has been read.
+                           int missing = 0;
+                           OnUi(
+                               [&]
+                               {
+                                   const HWND list = ::GetDlgItem(m_frame, IDC_IMAGES);
+                                   LVITEM item = {};
+                                   item.mask = LVIF_IMAGE;
+                                   for (; ::SendMessage(list, LVM_GETITEM, 0, reinterpret_cast<LPARAM>(&item)) != 0;
+                                        ++item.iItem)
+                                   {
+                                       missing += item.iImage == 0;
+                                   }
+                               });
+                           return missing == 0;
+                       });
 }
 
 std::string tourCGuide::PictureName(const std::string& name)

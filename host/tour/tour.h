@@ -63,6 +63,8 @@ public:
     /// Another practice is open now: what its audit log holds already is not new.
     void PracticeChanged();
 
+    /// Returns when the images of the shown timepoint have been read.
+    void WaitForThumbnails();
     /// Saves a picture under a running number.
     void Picture(HWND window, const std::string& name);
     /// One picture of every page.

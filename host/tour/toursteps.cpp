@@ -64,24 +64,6 @@ void Confirm(const Dialog& dialog)
     dialog.WaitForClosed();
 }
 
-// Image 0 is the empty frame that stands until the file has been read.
-bool ShowsEveryThumbnail(tourCGuide& guide)
-{
-    int missing = 0;
-    guide.OnUi(
-        [&]
-        {
-            const HWND list = ::GetDlgItem(guide.GetFrame(), IDC_IMAGES);
-            LVITEM item = {};
-            item.mask = LVIF_IMAGE;
-            for (; ::SendMessage(list, LVM_GETITEM, 0, reinterpret_cast<LPARAM>(&item)) != 0; ++item.iItem)
-            {
-                missing += item.iImage == 0;
-            }
-        });
-    return missing == 0;
-}
-
 void PlayOpen(tourCGuide& guide)
 {
     const HWND frame = guide.GetFrame();
@@ -96,7 +78,7 @@ void PlayOpen(tourCGuide& guide)
     guide.Expect(CountRows(guide, IDC_TIMEPOINTS) > 0, std::to_string(CountRows(guide, IDC_TIMEPOINTS)) + " timepoints");
     guide.Expect(CountRows(guide, IDC_IMAGES) > 0, std::to_string(CountRows(guide, IDC_IMAGES)) + " images");
     guide.Child(IDC_TIMEPOINTS).SelectRow(0);
-    guide.GetScript().WaitUntil("the thumbnails", [&] { return ShowsEveryThumbnail(guide); });
+    guide.WaitForThumbnails();
     guide.Expect(CountRows(guide, IDC_IMAGES) == 4, "4 thumbnails");
     guide.Picture(frame, "main-window");
 }
