@@ -89,6 +89,11 @@ void patCContactFields::StoreAddress(dbCAddresses& addresses) const
             return;
         addresses.Add(dbCAddress());
     }
+    else if (addresses.GetCount() == 1 && !HasAddress() && m_strCountry.IsEmpty())
+    {
+        addresses.RemoveAll(); // emptied: there is no address any more, and summaries say so
+        return;
+    }
     dbCAddress& address = addresses[0];
     address.SetCompany(m_strCompany);
     address.SetStreet(m_strStreet);

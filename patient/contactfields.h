@@ -43,7 +43,8 @@ public:
     /// True when company, street, city, state or postal code is filled in.
     bool HasAddress() const;
 
-    /// Writes the first address, when one is filled in or there was one before.
+    /// Writes the first address, when one is filled in or there was one before. The only address is removed
+    /// when all its texts have been emptied.
     void StoreAddress(dbCAddresses& addresses) const;
     /// Writes the first two phones and leaves further ones alone.
     void StorePhones(dbCPhones& phones) const;

@@ -321,6 +321,23 @@ TEST_F(Details, TheDoctorEditorChangesTheSelectedDoctorAndRefusesWhatIsIncomplet
     EXPECT_STREQ(doctor.GetPerson().GetAddress(0).GetCompany(), "Stone & Sons");
 }
 
+TEST_F(Details, ADoctorWhoseAddressIsEmptiedHasNone)
+{
+    Change([](DialogScript& script, const Dialog& sheet) {
+        sheet.Item(IDC_DETAIL_REFERRING).Choose("Stone, Hugo");
+        sheet.Press(IDC_DETAIL_EDIT_REFERRING);
+        const Dialog editor = script.WaitForDialog("Doctor");
+        for (const int nField : {IDC_DOCTOR_COMPANY, IDC_DOCTOR_STREET, IDC_DOCTOR_CITY, IDC_DOCTOR_STATE,
+                                 IDC_DOCTOR_POSTALCODE})
+            editor.Item(nField).Replace("");
+        editor.Press(IDOK);
+        editor.WaitForClosed();
+        script.Settle(sheet.Handle());
+        EXPECT_EQ(sheet.Item(IDC_DETAIL_REFERRING_SUMMARY).Text(), "(Address is not entered)");
+        sheet.Press(IDCANCEL);
+    });
+}
+
 TEST_F(Details, TheDoctorEditorStaysOpenWhenTheDoctorWasChangedElsewhere)
 {
     Change([&](DialogScript& script, const Dialog& sheet) {
