@@ -4,6 +4,8 @@
 #include "maintenance/maintenanceres.h"
 #include "suite/patients/dbkeywords.h"
 
+#include <exception>
+
 namespace
 {
 
@@ -49,6 +51,10 @@ LRESULT CALLBACK cedCKeywords::FirstWindowProc(HWND hWnd, UINT nMessage, WPARAM 
     catch (CException* e)
     {
         e->Delete();
+        return 0;
+    }
+    catch (const std::exception&) // out of memory: the window is not created
+    {
         return 0;
     }
     const WNDPROC pfnAfx = AfxGetAfxWndProc();
