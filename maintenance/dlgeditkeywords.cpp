@@ -18,6 +18,22 @@ constexpr mfcAnchor anchors[] = {
     {IDC_KEYWORD_REMOVE, mfcTopRight}, {IDOK, mfcBottomRight},         {IDCANCEL, mfcBottomRight},
 };
 
+/// Does something with the keywords; a failure is told to the user, and the dialog stays open.
+template <class Work> bool Attempt(const Work& work)
+{
+    try
+    {
+        work();
+        return true;
+    }
+    catch (CException* e)
+    {
+        e->ReportError(MB_OK | MB_ICONSTOP, IDS_UNKNOWN_ERROR);
+        e->Delete();
+        return false;
+    }
+}
+
 } // namespace
 
 BEGIN_MESSAGE_MAP(CDlgEditKeywords, mfcCDialog)
@@ -96,17 +112,8 @@ BOOL CDlgEditKeywords::OnHelpKey(UINT nHelpID)
 
 void CDlgEditKeywords::OnOK()
 {
-    try
-    {
-        m_keywords.Save();
-    }
-    catch (CException* e)
-    {
-        e->ReportError(MB_OK | MB_ICONSTOP, IDS_UNKNOWN_ERROR);
-        e->Delete();
-        return;
-    }
-    mfcCDialog::OnOK();
+    if (Attempt([&] { m_keywords.Save(); }))
+        mfcCDialog::OnOK();
 }
 
 void CDlgEditKeywords::OnAdd()
@@ -123,9 +130,14 @@ void CDlgEditKeywords::OnAdd()
         strCaption.LoadString(IDS_KEYWORD_DUPLICATE_CAPTION);
         MessageBox(strText, strCaption, MB_OK | MB_ICONEXCLAMATION);
     }
-    else if (m_keywords.Add(m_strText))
+    else
     {
-        AddToList(m_strText);
+        BOOL bAdded = FALSE;
+        // Text that cannot be stored stays in the field to be mended.
+        if (!Attempt([&] { bAdded = m_keywords.Add(m_strText); }))
+            return;
+        if (bAdded)
+            AddToList(m_strText);
     }
     m_strText.Empty();
     m_editText.SetWindowText("");
