@@ -173,6 +173,7 @@ void NewTimepointDlg(CWnd* pParent, int practiceManagement, dbCPatient* pPatient
 }
 
 void DeleteDlg(CWnd* pParent, int practiceManagement, dbCPatient* pPatient, int nTimepoint, int /*nOption2*/,
+               // NOLINTNEXTLINE(performance-unnecessary-value-param): hosts hand a copy over
                int /*nOption3*/, CString /*strOption*/, __int64& nResult, unsigned int& nOperation)
 {
     AFX_MANAGE_STATE(AfxGetStaticModuleState());
