@@ -247,8 +247,14 @@ bool SetArchivingAllowed(bool bAllowed)
 void nameMakeFullname(const char* pszGiven, const char* pszFamily, CString* pResult, NAMEORDER nOrder)
 {
     AFX_MANAGE_STATE(AfxGetStaticModuleState());
-    if (pResult != nullptr)
-        *pResult = velMakeFullname(pszGiven, pszFamily, nOrder);
+    if (pResult == nullptr)
+        return;
+    velGuard(0, IDS_MODAL_FAILED,
+             [&]() -> INT_PTR
+             {
+                 *pResult = velMakeFullname(pszGiven, pszFamily, nOrder);
+                 return 0;
+             });
 }
 
 int CALLBACK GrayStringProc(HDC hDC, LPARAM lpText, int nLength)
