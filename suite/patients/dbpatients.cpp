@@ -79,6 +79,7 @@ void dbCPatients::Open(LPCTSTR pszPath)
     dbCConnection::SetCurrent(std::move(pConnection));
     dbCFilePlacement::RemoveAbandoned();
     patCEarlierFile::RestoreAbandoned();
+    patRemoveAbandonedTexts();
     patFinishFileWork();
 }
 

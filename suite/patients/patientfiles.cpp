@@ -3,6 +3,7 @@
 #include "suite/patients/dbcore.h"
 #include "suite/patients/dbpersonstore.h"
 #include "suite/patients/dbtransaction.h"
+#include "suite/patients/patmodule.h"
 #include "suite/util/velpath.h"
 
 #include <algorithm>
@@ -52,7 +53,7 @@ UniqueHandle OpenFileHandle(LPCTSTR pszPath, DWORD dwAccess, DWORD dwShare, DWOR
 CString WriteBeside(const CString& strPath, const std::string& text)
 {
     CString strTemp;
-    strTemp.Format("%s~%lx", strPath.GetString(), GetCurrentProcessId());
+    strTemp.Format("%s~%lx@%s", strPath.GetString(), GetCurrentProcessId(), patComputerName().GetString());
     UniqueHandle file = OpenFileHandle(strTemp, GENERIC_WRITE, 0, CREATE_ALWAYS);
     if (!file)
         ThrowFileError(GetLastError(), strPath);
@@ -67,6 +68,32 @@ CString WriteBeside(const CString& strPath, const std::string& text)
         ThrowFileError(dwError, strPath);
     }
     return strTemp;
+}
+
+/// Whether a process of this computer has certainly ended. What cannot be asked counts as running.
+bool HasEnded(DWORD dwProcess)
+{
+    const UniqueHandle process(OpenProcess(SYNCHRONIZE, FALSE, dwProcess));
+    return process ? WaitForSingleObject(process.get(), 0) == WAIT_OBJECT_0
+                   : GetLastError() == ERROR_INVALID_PARAMETER;
+}
+
+void RemoveAbandonedTexts()
+{
+    const CString strFolder = velGetDataPath();
+    if (strFolder.IsEmpty())
+        return;
+    CStringArray names;
+    velFindFiles(strFolder + "*.PF~*", names);
+    for (INT_PTR i = 0; i < names.GetSize(); ++i)
+    {
+        // ID.PF~process@computer; other computers clear away their own.
+        const CString& strName = names[i];
+        const DWORD dwProcess = strtoul(strName.Mid(strName.ReverseFind('~') + 1), nullptr, 16);
+        const bool bHere = strName.Mid(strName.ReverseFind('@') + 1).CompareNoCase(patComputerName()) == 0;
+        if (bHere && (dwProcess == GetCurrentProcessId() || HasEnded(dwProcess)))
+            DeleteFileA(strFolder + strName);
+    }
 }
 
 CString PatientFilePath(const CString& strFolder, const patCPatient& patient)
@@ -313,6 +340,11 @@ bool patIsPatientFile(const std::string& name, const std::string& id, bool* pbSh
         return twoDigits(1); // extras: ID $ number, anything
     return twoDigits(0) && rest.size() > 3 &&
            rest[2] == '.'; // images, companions and data files of a timepoint
+}
+
+void patRemoveAbandonedTexts() noexcept
+{
+    Attempt(RemoveAbandonedTexts);
 }
 
 void patFinishFileWork() noexcept

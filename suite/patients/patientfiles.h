@@ -36,3 +36,7 @@ bool patIsPatientFile(const std::string& name, const std::string& id, bool* pbSh
 /// Finishes what was noted: renames, and removal of patients marked as deleted with their files. Throws
 /// nothing.
 void patFinishFileWork() noexcept;
+
+/// Removes the patient files that processes of this computer were about to put in place when they ended. For the
+/// opening of a database: nothing of this process may be under way.
+void patRemoveAbandonedTexts() noexcept;
