@@ -98,6 +98,23 @@ TEST(PatientFiles, DeletingAPatientTakesItsFilesAndNobodyElses)
     EXPECT_EQ(ErrorOf([&] { dbCPatients().DeletePatient("A1"); }), dbErrNotFound);
 }
 
+TEST(PatientFiles, WhatADeadProcessWasWritingGoesWithTheNextOpening)
+{
+    TestDatabase database;
+    NewPatient("A1").Save();
+    char szComputer[MAX_COMPUTERNAME_LENGTH + 1];
+    DWORD dwLength = sizeof(szComputer);
+    ASSERT_TRUE(GetComputerNameA(szComputer, &dwLength));
+    // Process numbers are multiples of four: this one cannot run.
+    const std::string dead = std::string("A1.PF~7ffffff1@") + szComputer;
+    database.practice.WriteFile("working/" + dead, "half a fi");
+    database.practice.WriteFile("working/A1.PF~7ffffff1@ELSEWHERE", "another computer's");
+    const CString strPath = dbCPatients::GetPath();
+    dbCPatients::Close();
+    dbCPatients::Open(strPath);
+    EXPECT_EQ(FilesIn(database.practice.Working()), (std::set<std::string>{"A1.PF", "A1.PF~7ffffff1@ELSEWHERE"}));
+}
+
 TEST(PatientFiles, AFileInUseIsRemovedWithTheNextOpening)
 {
     TestDatabase database;
