@@ -1,12 +1,12 @@
 // Measures the archive code on a generated patient: archive_bench folder megabytes
 // Prints one line a step: name, seconds, bytes. bench/archive.sh puts them beside other programs.
-#include "archive/diskette.h"
-#include "archive/filenames.h"
-#include "archive/fileset.h"
-#include "archive/unzipper.h"
-#include "archive/verify.h"
-#include "archive/volumestream.h"
-#include "archive/zipper.h"
+#include "archive/volumes/diskette.h"
+#include "archive/files/filenames.h"
+#include "archive/files/fileset.h"
+#include "archive/zip/unzipper.h"
+#include "archive/work/verify.h"
+#include "archive/volumes/volumestream.h"
+#include "archive/zip/zipper.h"
 
 #include <minizip/unzip.h>
 #include <minizip/zip.h>

@@ -1,7 +1,7 @@
 // How long the patient sheet takes to open with 5,000 doctors against 50: filling its lists has to stay
 // linear, and the first page must not depend on them at all.
 
-#include "app/veldlgs.h"
+#include "app/exports/veldlgs.h"
 #include "patient/patientres.h"
 #include "patient/sheetrules.h"
 #include "suite/patients/velpat.h"

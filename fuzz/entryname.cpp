@@ -1,6 +1,6 @@
 // Stored names: what is accepted is, below any folder, just that path.
-#include "archive/filenames.h"
-#include "archive/pathsafety.h"
+#include "archive/files/filenames.h"
+#include "archive/files/pathsafety.h"
 #include "fuzz/check.h"
 #include "tests/archive/memoryfilesystem.h"
 

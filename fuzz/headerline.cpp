@@ -1,5 +1,5 @@
 // Header lines: what is accepted is within its bounds and survives being written.
-#include "archive/headerline.h"
+#include "archive/files/headerline.h"
 #include "fuzz/check.h"
 
 #include <cstddef>

@@ -1,5 +1,5 @@
 // Zip files: loaded as the status thread does.
-#include "archive/unzipper.h"
+#include "archive/zip/unzipper.h"
 #include "fuzz/check.h"
 #include "tests/archive/memoryfilesystem.h"
 

@@ -1,5 +1,5 @@
 // Volume streams: the input's bytes, cut at a marker into volumes, are read into a folder.
-#include "archive/volumestream.h"
+#include "archive/volumes/volumestream.h"
 #include "fuzz/check.h"
 #include "tests/archive/memoryfilesystem.h"
 

@@ -2,8 +2,8 @@
 
 #include "host/columns.h"
 #include "host/hostres.h"
-#include "suite/patients/dbpatients.h"
-#include "suite/patients/veltrixlogin.h"
+#include "suite/patients/records/dbpatients.h"
+#include "suite/patients/records/veltrixlogin.h"
 
 namespace
 {

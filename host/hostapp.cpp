@@ -3,7 +3,7 @@
 #include "host/columns.h"
 #include "host/hostframe.h"
 #include "host/hostres.h"
-#include "suite/patients/patdefs.h"
+#include "suite/patients/store/patdefs.h"
 
 #include <objbase.h>
 

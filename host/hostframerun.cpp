@@ -4,8 +4,8 @@
 #include "host/hostres.h"
 #include "host/moduledlg.h"
 #include "host/samplepractice.h"
-#include "suite/patients/dbexception.h"
-#include "suite/patients/veltrixlogin.h"
+#include "suite/patients/store/dbexception.h"
+#include "suite/patients/records/veltrixlogin.h"
 
 #include <shlobj.h>
 

@@ -1,7 +1,7 @@
 // The dialog module VelDlgs.dll, loaded at run time.
 #pragma once
 
-#include "app/veldlgs.h"
+#include "app/exports/veldlgs.h"
 
 #include <span>
 

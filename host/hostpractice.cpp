@@ -2,8 +2,8 @@
 
 #include "host/hostres.h"
 #include "host/samplepractice.h"
-#include "suite/patients/dbexception.h"
-#include "suite/patients/dbpatients.h"
+#include "suite/patients/store/dbexception.h"
+#include "suite/patients/records/dbpatients.h"
 #include "suite/util/velini.h"
 #include "suite/util/velpath.h"
 

@@ -3,7 +3,7 @@
 
 #include "host/hostmodule.h"
 #include "host/hostpractice.h"
-#include "suite/patients/dbpatients.h"
+#include "suite/patients/records/dbpatients.h"
 
 /// Owns the open practice and the loaded module. The module reads its settings while it loads, so every practice
 /// gets a fresh one. User interface thread.

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "host/picture.h"
-#include "suite/patients/patdefs.h"
-#include "suite/patients/pattimepoint.h"
+#include "suite/patients/store/patdefs.h"
+#include "suite/patients/records/pattimepoint.h"
 
 #include <afxcmn.h>
 

@@ -1,7 +1,7 @@
 // The list of patients in the main window.
 #pragma once
 
-#include "suite/patients/dbpatients.h"
+#include "suite/patients/records/dbpatients.h"
 
 #include <afxcmn.h>
 #include <afxwin.h>

@@ -4,7 +4,7 @@
 #include "maintenance/maintenanceres.h"
 #include "suite/dialogs/mfcdialog.h"
 #include "suite/dialogs/unicodebutton.h"
-#include "suite/patients/dbkeywords.h"
+#include "suite/patients/records/dbkeywords.h"
 
 /// Adds and removes keywords of the patient list. Nothing is stored before OK. Owns its controls and its copy
 /// of the list; belongs to its caller's stack, on the user interface thread.

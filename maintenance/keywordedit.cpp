@@ -2,7 +2,7 @@
 
 #include "maintenance/dlgeditkeywords.h"
 #include "maintenance/maintenanceres.h"
-#include "suite/patients/dbkeywords.h"
+#include "suite/patients/records/dbkeywords.h"
 
 #include <exception>
 

@@ -3,9 +3,9 @@
 #include "app/modalrun.h"
 #include "app/velapp.h"
 #include "patient/patientres.h"
-#include "suite/patients/dbexception.h"
-#include "suite/patients/dbpatients.h"
-#include "suite/patients/dbtransaction.h"
+#include "suite/patients/store/dbexception.h"
+#include "suite/patients/records/dbpatients.h"
+#include "suite/patients/store/dbtransaction.h"
 #include "suite/util/velini.h"
 
 IMPLEMENT_DYNAMIC(patCChartSheet, CPropertySheet)

@@ -8,7 +8,7 @@
 #include "patient/dlgrefer.h"
 #include "suite/dialogs/mfccoloredtabctrl.h"
 #include "suite/dialogs/unicodebutton.h"
-#include "suite/patients/dbpatient.h"
+#include "suite/patients/records/dbpatient.h"
 
 #include <afxdlgs.h>
 #include <afxwin.h>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "patient/finding.h"
-#include "suite/patients/dbperson.h"
+#include "suite/patients/records/dbperson.h"
 
 #include <afxwin.h>
 

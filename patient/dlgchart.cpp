@@ -6,7 +6,7 @@
 #include "patient/daynumber.h"
 #include "patient/patientres.h"
 #include "suite/dialogs/teethcontrol.h"
-#include "suite/patients/dbpatients.h"
+#include "suite/patients/records/dbpatients.h"
 
 namespace
 {

@@ -7,8 +7,8 @@
 #include "patient/doctoreditor.h"
 #include "patient/guardianrules.h"
 #include "patient/patientres.h"
-#include "suite/patients/dboffices.h"
-#include "suite/patients/dbpatient.h"
+#include "suite/patients/records/dboffices.h"
+#include "suite/patients/records/dbpatient.h"
 
 #include <algorithm>
 #include <cstring>

@@ -2,7 +2,7 @@
 
 #include "patient/detailsres.h"
 #include "patient/sheetpage.h"
-#include "suite/patients/dbdoctors.h"
+#include "suite/patients/records/dbdoctors.h"
 
 #include <afxwin.h>
 

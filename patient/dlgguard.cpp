@@ -4,7 +4,7 @@
 #include "patient/chartsheet.h"
 #include "patient/daynumber.h"
 #include "patient/patientres.h"
-#include "suite/patients/dbpatient.h"
+#include "suite/patients/records/dbpatient.h"
 
 namespace
 {

@@ -3,7 +3,7 @@
 
 #include "patient/insurancerules.h"
 #include "patient/sheetpage.h"
-#include "suite/patients/dbinsurance.h"
+#include "suite/patients/records/dbinsurance.h"
 
 #include <afxcmn.h>
 #include <afxwin.h>

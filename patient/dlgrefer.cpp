@@ -5,9 +5,9 @@
 #include "patient/daynumber.h"
 #include "patient/detailrules.h"
 #include "patient/patientres.h"
-#include "suite/patients/dbdoctors.h"
-#include "suite/patients/dbpatients.h"
-#include "suite/patients/dbreferrals.h"
+#include "suite/patients/records/dbdoctors.h"
+#include "suite/patients/records/dbpatients.h"
+#include "suite/patients/records/dbreferrals.h"
 
 #include <algorithm>
 

@@ -4,7 +4,7 @@
 #include "patient/detailsres.h"
 #include "patient/finding.h"
 #include "suite/dialogs/mfcdialog.h"
-#include "suite/patients/dbdoctors.h"
+#include "suite/patients/records/dbdoctors.h"
 
 /// Edits one doctor: person, doctor type, first address, two phones and e-mail; further addresses and phones
 /// of the record stay as they are. OK checks the fields, writes the doctor to the database and closes; a

@@ -1,11 +1,11 @@
 #include "host/tour/archivesteps.h"
 
-#include "archive/archivedlgres.h"
+#include "archive/res/archivedlgres.h"
 #include "host/hostframe.h"
 #include "host/hostpractice.h"
 #include "host/hostres.h"
 #include "host/tour/archiveuser.h"
-#include "suite/patients/dbpatients.h"
+#include "suite/patients/records/dbpatients.h"
 #include "suite/util/velini.h"
 
 #include <algorithm>

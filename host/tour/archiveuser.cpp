@@ -1,7 +1,7 @@
 #include "host/tour/archiveuser.h"
 
 #include "host/hostres.h"
-#include "suite/patients/dbpatients.h"
+#include "suite/patients/records/dbpatients.h"
 #include "suite/util/velpath.h"
 
 #include <fstream>

@@ -1,7 +1,7 @@
 // Plays a user of the host: the menus, the dialogs behind them, and what they leave in the database.
 #pragma once
 
-#include "suite/patients/veltrixlogin.h"
+#include "suite/patients/records/veltrixlogin.h"
 #include "tests/support/dialogscript.h"
 
 #include <afxwin.h>

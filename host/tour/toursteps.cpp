@@ -7,8 +7,8 @@
 #include "maintenance/maintenanceres.h"
 #include "patient/detailsres.h"
 #include "patient/patientres.h"
-#include "suite/patients/dbkeywords.h"
-#include "suite/patients/dbpatients.h"
+#include "suite/patients/records/dbkeywords.h"
+#include "suite/patients/records/dbpatients.h"
 
 #include <array>
 

@@ -2,7 +2,7 @@
 
 #include "suite/dialogs/ctlhelp.h"
 #include "suite/dialogs/teethchart.h"
-#include "suite/patients/dbpatient.h"
+#include "suite/patients/records/dbpatient.h"
 
 #include <windowsx.h>
 

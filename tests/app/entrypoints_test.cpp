@@ -1,9 +1,9 @@
 // The contracts of the exported functions, with the real dialogs.
 
-#include "app/veldlgs.h"
+#include "app/exports/veldlgs.h"
 #include "patient/patientres.h"
-#include "suite/patients/dbpatient.h"
-#include "suite/patients/veltrixlogin.h"
+#include "suite/patients/records/dbpatient.h"
+#include "suite/patients/records/veltrixlogin.h"
 #include "tests/support/dialogscript.h"
 #include "tests/support/temporarypractice.h"
 

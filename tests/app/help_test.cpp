@@ -1,9 +1,9 @@
 // How F1 reaches the help viewer; a library of the test answers in the viewer's place.
 
-#include "app/veldlgs.h"
+#include "app/exports/veldlgs.h"
 #include "patient/detailsres.h"
 #include "patient/patientres.h"
-#include "suite/patients/dbkeywords.h"
+#include "suite/patients/records/dbkeywords.h"
 #include "tests/app/testhelpviewer.h"
 #include "tests/support/dialogscript.h"
 #include "tests/support/temporarypractice.h"

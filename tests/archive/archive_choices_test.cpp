@@ -1,5 +1,5 @@
 // What the archive dialog offers for each situation.
-#include "archive/archivechoices.h"
+#include "archive/dialogs/archivechoices.h"
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,11 @@
 // Two practices and a host window for the archive dialog, and a user who works with them.
 #pragma once
 
-#include "app/veldlgs.h"
-#include "archive/archivedlgres.h"
-#include "archive/archiveres.h"
+#include "app/exports/veldlgs.h"
+#include "archive/res/archivedlgres.h"
+#include "archive/res/archiveres.h"
 #include "suite/patients/velpat.h"
-#include "suite/patients/veltrixlogin.h"
+#include "suite/patients/records/veltrixlogin.h"
 #include "tests/support/childprocess.h"
 #include "tests/support/dialogquality.h"
 #include "tests/support/dialogscript.h"

@@ -1,6 +1,6 @@
-#include "archive/archiveres.h"
-#include "archive/diskette.h"
-#include "archive/volumeformat.h"
+#include "archive/res/archiveres.h"
+#include "archive/volumes/diskette.h"
+#include "archive/volumes/volumeformat.h"
 #include "tests/archive/memoryfilesystem.h"
 
 #include <gtest/gtest.h>

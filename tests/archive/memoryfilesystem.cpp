@@ -1,7 +1,7 @@
 #include "tests/archive/memoryfilesystem.h"
 
-#include "archive/bufferedfile.h"
-#include "archive/filenames.h"
+#include "archive/files/bufferedfile.h"
+#include "archive/files/filenames.h"
 
 #include <algorithm>
 #include <cstring>

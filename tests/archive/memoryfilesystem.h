@@ -1,7 +1,7 @@
 // Drives in memory that behave as Windows does, and fail where a test wants them to.
 #pragma once
 
-#include "archive/filesystem.h"
+#include "archive/files/filesystem.h"
 
 #include <cstdint>
 #include <map>

@@ -1,9 +1,9 @@
-#include "archive/archiveres.h"
-#include "archive/filenames.h"
-#include "archive/fileset.h"
-#include "archive/headerline.h"
-#include "archive/progress.h"
-#include "archive/resultcodes.h"
+#include "archive/res/archiveres.h"
+#include "archive/files/filenames.h"
+#include "archive/files/fileset.h"
+#include "archive/files/headerline.h"
+#include "archive/files/progress.h"
+#include "archive/work/resultcodes.h"
 #include "tests/archive/memoryfilesystem.h"
 
 #include <gmock/gmock.h>

@@ -1,4 +1,4 @@
-#include "archive/pathsafety.h"
+#include "archive/files/pathsafety.h"
 
 #include <gtest/gtest.h>
 

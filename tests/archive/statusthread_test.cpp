@@ -1,8 +1,8 @@
-#include "archive/statusthread.h"
+#include "archive/status/statusthread.h"
 
-#include "archive/archiveprogressdlg.h"
-#include "archive/filenames.h"
-#include "archive/resultcodes.h"
+#include "archive/status/archiveprogressdlg.h"
+#include "archive/files/filenames.h"
+#include "archive/work/resultcodes.h"
 #include "tests/support/dialogquality.h"
 #include "tests/support/dialogscript.h"
 #include "tests/support/mfctestprogram.h"

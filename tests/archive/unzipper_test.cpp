@@ -1,6 +1,6 @@
-#include "archive/unzipper.h"
-#include "archive/zipper.h"
-#include "archive/ziplimits.h"
+#include "archive/zip/unzipper.h"
+#include "archive/zip/zipper.h"
+#include "archive/zip/ziplimits.h"
 #include "tests/archive/memoryfilesystem.h"
 #include "tests/archive/rawzip.h"
 

@@ -1,5 +1,5 @@
-#include "archive/filenames.h"
-#include "archive/volumestream.h"
+#include "archive/files/filenames.h"
+#include "archive/volumes/volumestream.h"
 #include "tests/archive/memoryfilesystem.h"
 
 #include <gmock/gmock.h>

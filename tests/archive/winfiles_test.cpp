@@ -1,11 +1,11 @@
 // The rules' file system on a real disk.
-#include "archive/filenames.h"
-#include "archive/filesystem.h"
-#include "archive/fileset.h"
-#include "archive/unzipper.h"
-#include "archive/verify.h"
-#include "archive/volumestream.h"
-#include "archive/zipper.h"
+#include "archive/files/filenames.h"
+#include "archive/files/filesystem.h"
+#include "archive/files/fileset.h"
+#include "archive/zip/unzipper.h"
+#include "archive/work/verify.h"
+#include "archive/volumes/volumestream.h"
+#include "archive/zip/zipper.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
 // The plain pieces of saving and loading: names of merged files, the scratch folder, the disc bundle, diskettes.
-#include "archive/diskettevolumes.h"
-#include "archive/discbundle.h"
-#include "archive/mergenames.h"
-#include "archive/scratchfolder.h"
+#include "archive/volumes/diskettevolumes.h"
+#include "archive/work/discbundle.h"
+#include "archive/files/mergenames.h"
+#include "archive/files/scratchfolder.h"
 #include "tests/archive/memoryfilesystem.h"
 
 #include <gtest/gtest.h>

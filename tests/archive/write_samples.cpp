@@ -1,5 +1,5 @@
 // Writes a zip as the module would, to the path given, so that other programs can be asked about it.
-#include "archive/zipper.h"
+#include "archive/zip/zipper.h"
 #include "tests/archive/memoryfilesystem.h"
 
 #include <fstream>

@@ -1,8 +1,8 @@
-#include "archive/filenames.h"
-#include "archive/unzipper.h"
-#include "archive/verify.h"
-#include "archive/zipdirectory.h"
-#include "archive/zipper.h"
+#include "archive/files/filenames.h"
+#include "archive/zip/unzipper.h"
+#include "archive/work/verify.h"
+#include "archive/zip/zipdirectory.h"
+#include "archive/zip/zipper.h"
 #include "tests/archive/memoryfilesystem.h"
 #include "tests/archive/rawzip.h"
 

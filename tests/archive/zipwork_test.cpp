@@ -1,6 +1,6 @@
-#include "archive/filenames.h"
-#include "archive/resultcodes.h"
-#include "archive/zipwork.h"
+#include "archive/files/filenames.h"
+#include "archive/work/resultcodes.h"
+#include "archive/work/zipwork.h"
 #include "tests/archive/memoryfilesystem.h"
 
 #include <gmock/gmock.h>

@@ -1,6 +1,6 @@
 #include "suite/dialogs/teethchart.h"
 #include "suite/dialogs/teethcontrol.h"
-#include "suite/patients/dbpatient.h"
+#include "suite/patients/records/dbpatient.h"
 #include "tests/support/dialogscript.h"
 #include "tests/support/picture.h"
 

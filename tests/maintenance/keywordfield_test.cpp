@@ -1,4 +1,4 @@
-#include "app/veldlgs.h"
+#include "app/exports/veldlgs.h"
 #include "maintenance/maintenanceres.h"
 #include "tests/maintenance/keywordfieldres.h"
 #include "tests/maintenance/keywordpractice.h"

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "suite/patients/dbkeywords.h"
-#include "suite/patients/dbpatients.h"
+#include "suite/patients/records/dbkeywords.h"
+#include "suite/patients/records/dbpatients.h"
 #include "tests/support/temporarypractice.h"
 
 #include <gtest/gtest.h>

@@ -1,12 +1,12 @@
 // The details page and the doctor editor, opened from the patient information sheet.
 
-#include "app/veldlgs.h"
+#include "app/exports/veldlgs.h"
 #include "maintenance/maintenanceres.h"
 #include "patient/detailsres.h"
 #include "patient/patientres.h"
-#include "suite/patients/dbdoctors.h"
-#include "suite/patients/dboffices.h"
-#include "suite/patients/dbpatient.h"
+#include "suite/patients/records/dbdoctors.h"
+#include "suite/patients/records/dboffices.h"
+#include "suite/patients/records/dbpatient.h"
 #include "tests/support/dialogquality.h"
 #include "tests/support/dialogscript.h"
 #include "tests/support/picture.h"

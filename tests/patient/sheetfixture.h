@@ -1,7 +1,7 @@
 // A practice of its own for one test of the patient sheet, and a user who works in it.
 #pragma once
 
-#include "app/veldlgs.h"
+#include "app/exports/veldlgs.h"
 #include "patient/patientres.h"
 #include "patient/sheetrules.h"
 #include "suite/patients/velpat.h"

@@ -1,6 +1,6 @@
 // Versions of the database: older ones are brought forward, newer ones refused.
 
-#include "suite/patients/dbschema.h"
+#include "suite/patients/store/dbschema.h"
 #include "tests/support/temporarypractice.h"
 
 #include <gtest/gtest.h>

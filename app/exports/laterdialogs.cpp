@@ -1,0 +1,21 @@
+#include "app/exports/laterdialogs.h"
+
+INT_PTR velRunNewTimepoint(CWnd*, dbCPatient*)
+{
+    return IDCANCEL;
+}
+
+INT_PTR velRunDelete(CWnd*, dbCPatient*, int, unsigned int&)
+{
+    return IDCANCEL;
+}
+
+INT_PTR velRunRename(CWnd*, dbCPatient*, int, const CString&, RENAME_OP*, velRenameResult&)
+{
+    return IDCANCEL;
+}
+
+bool velImportDiagnostics(const char*, const char*)
+{
+    return false;
+}

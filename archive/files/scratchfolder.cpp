@@ -1,0 +1,42 @@
+#include "archive/files/scratchfolder.h"
+
+#include "archive/volumes/diskette.h"
+#include "archive/files/filenames.h"
+
+namespace arc
+{
+ScratchFolder::ScratchFolder(FileSystem& files, const std::string& temporaryFolder)
+    : m_files(files), m_path(JoinPath(temporaryFolder, UnpackFolder)), m_lockPath(m_path + ".LCK")
+{
+}
+
+ScratchFolder::~ScratchFolder()
+{
+    GiveBack();
+}
+
+bool ScratchFolder::Take()
+{
+    if (m_lock)
+        return true;
+    // Opening for replacement shares nothing: it fails while another process has the file open.
+    m_lock = m_files.Open(m_lockPath, Access::Replace);
+    if (!m_lock)
+        return false;
+    const bool exists = m_files.Query(m_path).has_value();
+    if (exists ? EraseFolder(m_files, m_path) : m_files.CreateFolder(m_path))
+        return true;
+    GiveBack();
+    return false;
+}
+
+void ScratchFolder::GiveBack()
+{
+    if (!m_lock)
+        return;
+    EraseFolder(m_files, m_path);
+    m_files.RemoveFolder(m_path);
+    m_lock.reset();
+    m_files.RemoveFile(m_lockPath);
+}
+} // namespace arc

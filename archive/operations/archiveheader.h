@@ -1,0 +1,12 @@
+// Whose data an archive file holds.
+#pragma once
+
+#include "archive/files/headerline.h"
+
+#include <afx.h>
+
+#include <optional>
+
+/// The header of the ".PF" inside a ".kaz", or the first line of a ".kar", "CURRENT.DAT" or ".PF"; nothing when it
+/// cannot be read. Unpacks no more than that one file, into the folder of temporary files, and removes it again.
+std::optional<arc::HeaderLine> arcReadArchiveHeader(LPCTSTR pszArchivePath);

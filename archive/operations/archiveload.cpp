@@ -1,0 +1,245 @@
+// The loading and merging half of the archive manager.
+#include "archive/operations/archivemanager.h"
+
+#include "app/modalrun.h"
+#include "app/velapp.h"
+#include "app/velenums.h"
+#include "archive/res/archivedlgres.h"
+#include "archive/operations/archiverecord.h"
+#include "archive/files/filenames.h"
+#include "archive/files/mergenames.h"
+#include "archive/operations/otherformats.h"
+#include "archive/work/resultcodes.h"
+#include "suite/patients/store/dbexception.h"
+#include "suite/patients/files/dbplacement.h"
+#include "suite/patients/store/dbtransaction.h"
+#include "suite/patients/records/veltrixlogin.h"
+#include "suite/util/velini.h"
+#include "suite/util/velpath.h"
+#include "suite/util/velstring.h"
+
+int arcCArchiveManager::StartLoad(const arcSLoad& load)
+{
+    m_load = load;
+    const INT_PTR nResult =
+        velGuard(arc::ResultNotArchived, IDS_ARC_UNEXPECTED, [this]() -> INT_PTR { return PrepareLoad(); });
+    if (nResult != arc::ResultDone)
+        EndOperation(static_cast<int>(nResult));
+    return static_cast<int>(nResult);
+}
+
+/// Up to the running thread.
+int arcCArchiveManager::PrepareLoad()
+{
+    m_pScratch = std::make_unique<arc::ScratchFolder>(arc::WindowsFileSystem(), velGetTempPath().GetString());
+    if (!m_pScratch->Take())
+    {
+        AfxMessageBox(IDS_ARC_SCRATCH_BUSY, MB_OK | MB_ICONEXCLAMATION);
+        return arc::ResultNotArchived;
+    }
+
+    const strFilename archive(m_load.strArchivePath);
+    arcSStatusWork work;
+    work.bSave = FALSE;
+    work.bDiskette = arc::IsDisketteDrive(m_load.strArchivePath.GetString());
+    work.strStatus = velFormatTemplate(IDS_ARC_STATUS_LOADING, archive.GetNameExt(), archive.GetName());
+    work.strArchivePath = m_load.strArchivePath;
+    work.strFolder = m_pScratch->Path().c_str();
+    work.hOwner = m_pOwner->GetSafeHwnd();
+    work.bAlternativeEngine = velGetIniInt("Defaults", "UseDynaZip", 0) != 0;
+    if (!arc::IsZippedArchive(m_load.strArchivePath.GetString()))
+    {
+        const arc::ArchiveKind kind = arc::KindOfArchive(m_load.strArchivePath.GetString());
+        if (kind == arc::ArchiveKind::None)
+        {
+            AfxMessageBox(IDS_ARC_NO_HEADER, MB_OK | MB_ICONEXCLAMATION);
+            return arc::ResultNotArchived;
+        }
+        work.otherWork = arcOtherLoad(kind, m_load.strArchivePath, m_pScratch->Path());
+    }
+    return StartThread(work, Work::Load);
+}
+
+void arcCArchiveManager::FinishLoad(int nResult)
+{
+    if (m_nWork != Work::Load)
+        return;
+    if (nResult == arc::ResultDone)
+    {
+        nResult = static_cast<int>(velGuard(arc::ResultLoadFailed, IDS_ARC_UNEXPECTED, [this]() -> INT_PTR {
+            const CWaitCursor wait;
+            return TakeUnpacked() ? arc::ResultDone : arc::ResultLoadFailed;
+        }));
+    }
+    EndOperation(nResult);
+}
+
+/// Copies the files to their places; false, with the user told, when one of the names is taken.
+static bool Place(dbCFilePlacement& placement)
+{
+    try
+    {
+        placement.Place();
+        return true;
+    }
+    catch (dbCException* e)
+    {
+        if (e->GetError() != dbErrExists)
+            throw;
+        const CString strName = e->GetDetail();
+        e->Delete();
+        AfxMessageBox(velFormatTemplate(IDS_ARC_FILE_IN_THE_WAY, strName), MB_OK | MB_ICONEXCLAMATION);
+        return false;
+    }
+}
+
+/// Stores the patient; false when that is not possible, for whatever reason.
+static bool Add(dbCPatient& archived)
+{
+    try
+    {
+        return dbCPatients().AddFromArchive(archived) != FALSE;
+    }
+    catch (CException* e)
+    {
+        e->Delete();
+        return false;
+    }
+}
+
+/// Takes what was unpacked into the practice. False, with the user told and nothing changed, when it may not
+/// be.
+bool arcCArchiveManager::TakeUnpacked()
+{
+    arc::FileSystem& files = arc::WindowsFileSystem();
+    dbCPatient archived;
+    if (!arcReadUnpackedRecord(files, m_pScratch->Path(), archived))
+    {
+        AfxMessageBox(IDS_ARC_NO_HEADER, MB_OK | MB_ICONSTOP);
+        return false;
+    }
+    std::vector<std::string> names;
+    std::vector<arc::FolderEntry> entries;
+    if (!files.List(m_pScratch->Path(), "*", entries))
+        return false;
+    for (const arc::FolderEntry& entry : entries)
+    {
+        if (!entry.info.IsFolder())
+            names.push_back(entry.name);
+    }
+    names = arcFilesToTake(archived, names);
+    return m_load.strMergeID.IsEmpty() ? AddPatient(archived, names) : MergeInto(archived, names);
+}
+
+/// False, with the user told, when the practice has this patient, or the patient file of an unknown one.
+bool arcCArchiveManager::CheckNew(const dbCPatient& archived) const
+{
+    const CString strID = archived.GetID();
+    dbCPatient stored;
+    if (stored.Load(strID) || stored.Load(archived.GetGUID(), FALSE, TRUE))
+    {
+        AfxMessageBox(velFormatTemplate(IDS_ARC_ALREADY_EXISTS, arcFullName(stored), stored.GetID()),
+                      MB_OK | MB_ICONEXCLAMATION);
+        return false;
+    }
+    if (!dbCPatients().IsIDFree(strID))
+    {
+        AfxMessageBox(velFormatTemplate(IDS_ARC_MARKED_DELETED, arcFullName(archived), strID),
+                      MB_OK | MB_ICONEXCLAMATION);
+        return false;
+    }
+    const CString strPatientFile = arc::PatientFileName(strID.GetString()).c_str();
+    if (velFileExists(velGetDataPath() + strPatientFile))
+    {
+        AfxMessageBox(velFormatTemplate(IDS_ARC_FILE_IN_THE_WAY, strPatientFile), MB_OK | MB_ICONEXCLAMATION);
+        return false;
+    }
+    return true;
+}
+
+bool arcCArchiveManager::AddPatient(dbCPatient& archived, const std::vector<std::string>& names)
+{
+    const CString strID = archived.GetID();
+    if (!LockPatient(strID, patLockExclusive) || !CheckNew(archived))
+        return false;
+
+    dbCFilePlacement placement;
+    const std::string folder = velGetDataPath().GetString();
+    for (const std::string& name : names)
+    {
+        // What may be another patient's file stays as it is.
+        const bool isForeign =
+            arc::KindOfFile(name, strID.GetString()) == arc::PatientFileKind::PerhapsForeign;
+        if (!isForeign || !velFileExists(arc::JoinPath(folder, name).c_str()))
+            placement.Add(arc::JoinPath(m_pScratch->Path(), name).c_str(), name.c_str());
+    }
+    if (!Place(placement))
+        return false;
+
+    dbCTransaction transaction;
+    if (!Add(archived))
+    {
+        transaction.Rollback(); // nobody waits for the user's answer
+        AfxMessageBox(IDS_ARC_SAVE_PATIENT_FAILED, MB_OK | MB_ICONSTOP);
+        return false;
+    }
+    CVeltrixLogin().AddArchivedPatientEvent(archived.GetGUID(), arcEventText(IDS_ARC_EVENT_LOADED, archived));
+    placement.Keep();
+    transaction.Commit();
+
+    Notify(ARCHIVE_NOTIFY_LOADED, archived.GetGUID());
+    Notify(ARCHIVE_NOTIFY_REFRESH, archived.GetGUID());
+    if (VelApp()->GetPracticeManagement() != 0)
+    {
+        CString strText, strCaption;
+        strText.LoadString(IDS_ARC_FIELDS_ASSIGNED);
+        strCaption.LoadString(IDS_ARC_CAPTION);
+        m_pOwner->MessageBox(strText, strCaption, MB_OK | MB_ICONINFORMATION);
+    }
+    return true;
+}
+
+bool arcCArchiveManager::MergeInto(const dbCPatient& archived, const std::vector<std::string>& names)
+{
+    if (!LockPatient(m_load.strMergeID, patLockExclusive))
+        return false;
+    dbCPatient patient;
+    if (!patient.Load(m_load.strMergeID))
+        dbCException::Throw(dbErrNotFound, m_load.strMergeID);
+
+    arc::MergeNames renamed(archived.GetID().GetString(), patient.GetID().GetString());
+    const int nCount = static_cast<int>(archived.GetTimepoints().GetCount());
+    for (int i = 0; i < nCount; ++i)
+    {
+        patCTimepoint timepoint;
+        archived.CopyTimepoint(i, timepoint);
+        const int nOld = timepoint.GetNumber();
+        const int nNew = patient.GetTimepoints().GetFreeNumber();
+        if (nNew >= 0)
+            timepoint.SetBaseFilename(arc::TimepointBaseName(patient.GetID().GetString(), nNew).c_str());
+        if (nNew < 0 || patient.PasteTimepoint(timepoint) != 0)
+        {
+            AfxMessageBox(IDS_ARC_TOO_MANY_TIMEPOINTS, MB_OK | MB_ICONSTOP);
+            return false;
+        }
+        renamed.Add(nOld, nNew);
+    }
+
+    dbCFilePlacement placement;
+    for (const std::string& name : names)
+    {
+        const std::string target = renamed.Of(name);
+        if (!target.empty())
+            placement.Add(arc::JoinPath(m_pScratch->Path(), name).c_str(), target.c_str());
+    }
+    if (!Place(placement))
+        return false;
+
+    dbCTransaction transaction;
+    patient.Save();
+    CVeltrixLogin().AddArchivedPatientEvent(patient.GetGUID(), arcEventText(IDS_ARC_EVENT_MERGED, patient));
+    placement.Keep();
+    transaction.Commit();
+    Notify(ARCHIVE_NOTIFY_MERGED, patient.GetGUID());
+    return true;
+}

@@ -1,0 +1,96 @@
+#include "archive/operations/archivemanager.h"
+
+#include "app/velenums.h"
+#include "archive/res/archivedlgres.h"
+#include "archive/files/filenames.h"
+#include "archive/work/resultcodes.h"
+#include "suite/util/velstring.h"
+
+#include <cstring>
+
+arcCArchiveManager::arcCArchiveManager(CWnd* pOwner, CWnd* pHost) : m_pOwner(pOwner), m_pHost(pHost)
+{
+}
+
+arcCArchiveManager::~arcCArchiveManager()
+{
+    UnlockPatient();
+}
+
+/// Locks the patient for this operation; false, with the user told, when somebody else has it. A patient that
+/// is in use but passable is not locked.
+bool arcCArchiveManager::LockPatient(const CString& strID, int nMode)
+{
+    m_bPassable = false;
+    dbCPatients patients;
+    CString strHolder;
+    int nLock = patients.IsLocked(strID, &strHolder);
+    if (nLock == patLockFree)
+        nLock = patients.LockPatient(strID, nMode, &strHolder);
+
+    switch (nLock)
+    {
+    case patLockFree:
+        m_strLockedID = strID;
+        return true;
+    case patLockPassable:
+        m_bPassable = true;
+        return true;
+    case patLockInUse:
+        AfxMessageBox(velFormatTemplate(IDS_ARC_IN_USE, strID, strHolder), MB_OK | MB_ICONEXCLAMATION);
+        return false;
+    default:
+        AfxMessageBox(IDS_ARC_LOCK_FAILED, MB_OK | MB_ICONSTOP);
+        return false;
+    }
+}
+
+void arcCArchiveManager::UnlockPatient()
+{
+    if (m_strLockedID.IsEmpty())
+        return;
+    try
+    {
+        dbCPatients().Unlock(m_strLockedID);
+    }
+    catch (CException* e)
+    {
+        // The lock dies with this process.
+        e->Delete();
+    }
+    catch (...)
+    {
+    }
+    m_strLockedID.Empty();
+}
+
+int arcCArchiveManager::StartThread(const arcSStatusWork& work, Work nWork)
+{
+    m_nWork = nWork;
+    if (arcCStatusThread::Start(work))
+        return arc::ResultDone;
+    AfxMessageBox(IDS_ARC_NO_THREAD, MB_OK | MB_ICONSTOP);
+    return arc::ResultNoThread;
+}
+
+void arcCArchiveManager::EndOperation(int nResult)
+{
+    UnlockPatient();
+    m_pScratch.reset();
+    m_nResult = nResult;
+    m_nWork = Work::None;
+}
+
+void arcCArchiveManager::Notify(int nEvent, const CString& strGUID) const
+{
+    if (m_pHost == nullptr || m_pHost->GetSafeHwnd() == nullptr)
+        return;
+    auto guid = std::make_unique<char[]>(static_cast<std::size_t>(strGUID.GetLength()) + 1);
+    std::strcpy(guid.get(), strGUID);
+    // The host frees it.
+    if (m_pHost->PostMessage(VELDLGS_PATIENT_CHANGED, static_cast<WPARAM>(nEvent),
+                             reinterpret_cast<LPARAM>(guid.get())))
+    {
+        guid.release();
+    }
+}

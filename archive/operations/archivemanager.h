@@ -1,0 +1,119 @@
+// One archive operation for one patient from start to end.
+#pragma once
+
+#include "archive/files/asidefile.h"
+#include "archive/files/scratchfolder.h"
+#include "archive/status/statusthread.h"
+#include "suite/patients/records/dbpatients.h"
+
+#include <afxwin.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+/// The formats that a save writes, in the order of the save dialog's file types.
+enum arcFormat
+{
+    arcFormatZipped = 0, ///< ".kaz": everything, the database record included
+    arcFormatVolumes =
+        1, ///< ".kar": label file and volume files; the files listed by the patient's timepoints
+    arcFormatEarlier = 2 ///< ".PF" of the earlier format with its files beside it
+};
+
+/// One patient to save.
+struct arcSSave
+{
+    CString strID;
+    CString strArchivePath; ///< with drive letter; an existing archive there is replaced
+    arcFormat nFormat = arcFormatZipped;
+    BOOL bSeveralPatients = FALSE; ///< the run holds more than one
+    BOOL bAskToRemove = TRUE;      ///< ask whether to remove the patient from the list afterwards
+    BOOL bRemove = FALSE;          ///< without asking: remove it
+    BOOL bKeepOthersOut = TRUE;    ///< nobody else may open the patient meanwhile
+};
+
+/// One archive to load, or to merge into a patient.
+struct arcSLoad
+{
+    CString strArchivePath;
+    CString strMergeID; ///< the patient to merge the timepoints into; empty to load a new patient
+};
+
+/// Saves, loads and merges. Starting an operation leaves its copying to the status thread; when the thread
+/// reports to the owner window, that hands the result to FinishSave or FinishLoad, and the manager is idle
+/// again. Locks the patient for the length of the operation and never gives back a lock of somebody else. All
+/// calls belong to the user interface thread and show their messages themselves; none throws. Owns the
+/// scratch files of the operation.
+class arcCArchiveManager
+{
+public:
+    /// pOwner receives the status thread's messages; pHost, which may be null, the notice of what happened to
+    /// a patient (app/velenums.h). Both stay the caller's and must outlive the manager.
+    arcCArchiveManager(CWnd* pOwner, CWnd* pHost);
+    arcCArchiveManager(const arcCArchiveManager&) = delete;
+    arcCArchiveManager& operator=(const arcCArchiveManager&) = delete;
+
+    /// 0 when the work has begun; otherwise arc::ResultNotArchived or arc::ResultNoThread, with the user
+    /// told.
+    virtual int StartSave(const arcSSave& save);
+    virtual int StartLoad(const arcSLoad& load);
+    /// With the result code that the status thread posted.
+    virtual void FinishSave(int nResult);
+    virtual void FinishLoad(int nResult);
+
+    virtual ~arcCArchiveManager();
+
+    BOOL IsIdle() const
+    {
+        return m_nWork == Work::None;
+    }
+    /// Of the operation that ended last: 0, or why it failed.
+    int GetResult() const
+    {
+        return m_nResult;
+    }
+
+private:
+    enum class Work
+    {
+        None,
+        Save,
+        Load
+    };
+
+    bool LockPatient(const CString& strID, int nMode);
+    void UnlockPatient();
+    int StartThread(const arcSStatusWork& work, Work nWork);
+    void EndOperation(int nResult);
+
+    bool CheckSave() const;
+    int PrepareSave();
+    void WriteDatabaseRecord(dbCPatient& patient) const;
+    void RemoveDatabaseRecord();
+    bool MoveOldArchiveAside(const dbCPatient& patient);
+    void RecordSave();
+    void OfferRemoval(dbCPatient& patient);
+    bool MayBeRemoved(const dbCPatient& patient) const;
+
+    int PrepareLoad();
+    bool TakeUnpacked();
+    bool CheckNew(const dbCPatient& archived) const;
+    bool AddPatient(dbCPatient& archived, const std::vector<std::string>& names);
+    bool MergeInto(const dbCPatient& archived, const std::vector<std::string>& names);
+    void Notify(int nEvent, const CString& strGUID) const;
+
+    CWnd* const m_pOwner;
+    CWnd* const m_pHost;
+    Work m_nWork = Work::None;
+    int m_nResult = 0;
+    CString m_strLockedID;    ///< of the lock that this manager holds; empty for none
+    bool m_bPassable = false; ///< the patient is in use, but may be archived; nothing is recorded then
+
+    arcSSave m_save;
+    CString m_strRecordFile;             ///< ".ACV" of the save under way
+    std::vector<arc::AsideFile> m_aside; ///< what the save under way replaces
+    bool m_bPathWasTaken = false;        ///< something was at the archive's path that the save may not delete
+    arcSLoad m_load;
+    std::unique_ptr<arc::ScratchFolder> m_pScratch;
+};

@@ -1,0 +1,31 @@
+// The zip library's file functions over the file system interface.
+#pragma once
+
+#include "archive/files/filesystem.h"
+
+#include <cstddef>
+
+#include <minizip/ioapi.h>
+
+namespace arc
+{
+// One of these serves one open zip and outlives its handle. No C++ exception passes through the library.
+class ZipFileFunctions
+{
+public:
+    explicit ZipFileFunctions(FileSystem& files);
+    ZipFileFunctions(const ZipFileFunctions&) = delete;
+    ZipFileFunctions& operator=(const ZipFileFunctions&) = delete;
+
+    zlib_filefunc64_def* Table();
+    // True once any call failed; the library does not tell of every one.
+    bool Failed() const;
+
+private:
+    struct Callbacks;
+
+    FileSystem& m_files;
+    zlib_filefunc64_def m_table{};
+    bool m_bFailed = false;
+};
+} // namespace arc

@@ -1,0 +1,156 @@
+// Storing a patient that comes from an archive: what it refers to is found or made in this practice.
+
+#include "suite/patients/records/dbdoctors.h"
+#include "suite/patients/records/dbpatients.h"
+#include "suite/patients/records/dbpatientstore.h"
+#include "suite/patients/store/dbtext.h"
+#include "suite/patients/store/dbtransaction.h"
+
+namespace
+{
+/// GUID of the row with this GUID, else of the one with this name, else empty.
+CString Match(std::string_view byGuid, std::string_view byName, const CString& strGUID,
+              const CString& strName)
+{
+    dbCStatement exact(byGuid);
+    exact.Bind(strGUID);
+    if (exact.Step())
+        return strGUID;
+    dbCStatement named(byName);
+    named.BindUtf8(dbFold(strName.GetString()));
+    return named.Step() ? named.Text(0) : CString();
+}
+
+/// The GUID of the doctor with this GUID or name; one that this practice does not have is added.
+CString RequireDoctor(const dbCPerson& person)
+{
+    dbCDoctor doctor;
+    if (dbCPatients::IsGUID(person.GetPersonGUID()) && doctor.Load(person.GetPersonGUID()))
+        return doctor.GetGUID();
+    dbCStatement named("SELECT p.guid FROM doctors d JOIN persons p ON p.id = d.person WHERE d.lastKey = ? "
+                       "AND d.firstKey = ?");
+    named.BindUtf8(dbFold(person.GetLastname().GetString()))
+        .BindUtf8(dbFold(person.GetFirstname().GetString()));
+    if (named.Step())
+        return named.Text(0);
+    if (dbFold(person.GetLastname().GetString()).empty())
+        return CString();
+    doctor.GetPerson() = person;
+    dbCStatement taken("SELECT 1 FROM persons WHERE guid = ?");
+    taken.Bind(person.GetPersonGUID());
+    if (!dbCPatients::IsGUID(person.GetPersonGUID()) || taken.Step())
+        doctor.GetPerson().SetPersonGUID("");
+    doctor.Save();
+    return doctor.GetGUID();
+}
+
+void StoreTreatments(const dbCPatient& patient)
+{
+    dbCStatement insert("INSERT INTO treatmentHistory (guid, patient, description, code, active, time)"
+                        " SELECT ?, id, ?, ?, ?, ? FROM persons WHERE guid = ? ON CONFLICT DO NOTHING");
+    for (const auto& row : patient.GetArchiveTreatments())
+    {
+        insert.Bind(row.GetptshID()).Bind(row.GetDescription()).Bind(row.GetNewCode()).Bind(row.GetActive());
+        insert.BindDateTime(row.GetDateTime()).Bind(patient.GetGUID()).Run();
+    }
+}
+
+void StoreDiagnostics(const dbCPatient& patient)
+{
+    dbCPatientDiagnostics writer(patient.GetGUID(), 0, "Clinical");
+    const COleDateTime now = COleDateTime::GetCurrentTime();
+    int nPosition = 0;
+    for (const dbCDiagnosticInfo& info : patient.GetArchiveDiagnostics())
+    {
+        const dbCDiagnosticGroup group(info.GetGroupTitle(), "Clinical");
+        for (int i = 0; i < group.GetItemCount(); ++i)
+        {
+            if (group.GetItem(i).GetItemCode().CompareNoCase(info.GetItemCode()) == 0)
+            {
+                writer.AddDiagnosticRecord(group.GetItem(i).GetdtID(), info.GetTP(), info, nPosition,
+                                           now + COleDateTimeSpan(0, 0, 0, nPosition));
+                break;
+            }
+        }
+        ++nPosition;
+    }
+}
+} // namespace
+
+BOOL dbCPatients::AddFromArchive(dbCPatient& patient)
+{
+    dbCTransaction transaction;
+    if (!IsIDFree(patient.GetID()) || dbCPatientStore::FindRow(patient.GetGUID()) != 0)
+        return FALSE;
+
+    dbCPatient added = patient;
+    added.m_bStored = FALSE;
+    added.m_strLoadedID.Empty();
+    added.SetOfficeID(Match("SELECT 1 FROM offices WHERE guid = ?",
+                            "SELECT guid FROM offices WHERE nameKey = ?", added.GetOfficeID(),
+                            added.m_strArchiveOffice));
+    added.SetStatusID(Match("SELECT 1 FROM statuses WHERE guid = ?",
+                            "SELECT guid FROM statuses WHERE nameKey = ?", added.GetStatusID(),
+                            added.m_strArchiveStatus));
+    for (auto person = added.m_persons.begin(); person != added.m_persons.end();)
+    {
+        if (person->first == dbPersonGuardian)
+        {
+            dbCStatement taken("SELECT 1 FROM persons WHERE guid = ?");
+            taken.Bind(person->second.GetPersonGUID());
+            if (!IsGUID(person->second.GetPersonGUID()) || taken.Step())
+                person->second.SetPersonGUID(dbNewGUID());
+            ++person;
+            continue;
+        }
+        const CString strGUID = RequireDoctor(person->second);
+        person->second.SetPersonGUID(strGUID);
+        person = strGUID.IsEmpty() ? added.m_persons.erase(person) : std::next(person);
+    }
+    for (int i = added.m_referrals.GetCount() - 1; i >= 0; --i)
+    {
+        dbCPatientReferralsRow& row = added.m_referrals[i];
+        dbCPerson doctor;
+        doctor.SetPersonGUID(row.Get_docID());
+        doctor.SetFirstname(row.Get_docFirstname());
+        doctor.SetLastname(row.Get_docLastname());
+        doctor.SetEmail(row.Get_docEmail());
+        row.Set_docID(RequireDoctor(doctor));
+        row.Set_refID(dbNewGUID());
+        if (row.Get_docID().IsEmpty())
+            added.m_referrals.RemoveAt(i);
+    }
+    for (dbCInsurance& insurance : added.m_insurances)
+    {
+        insurance.SetInsuranceGUID(dbNewGUID());
+        CString strCompany = Match("SELECT 1 FROM insuranceCompanies WHERE guid = ?",
+                                   "SELECT guid FROM insuranceCompanies WHERE nameKey = ?",
+                                   insurance.GetCompanyGUID(), insurance.GetCompanyName());
+        if (strCompany.IsEmpty() && !insurance.GetCompanyName().IsEmpty())
+        {
+            dbCInsuranceCompany company;
+            company.SetName(insurance.GetCompanyName());
+            company.Save();
+            strCompany = company.GetCompanyGUID();
+        }
+        insurance.SetCompanyGUID(strCompany);
+    }
+    for (patCTimepoint& timepoint : added.m_timepoints)
+    {
+        dbCStatement taken("SELECT 1 FROM timepoints WHERE guid = ?");
+        taken.Bind(timepoint.GettpID());
+        if (taken.Step())
+            timepoint.SettpID(dbNewGUID());
+        timepoint.SetNumber(added.GetID(), timepoint.GetNumber());
+    }
+
+    // The treatment history refers to the patient and the timepoints to the history: the patient is stored
+    // first without its links, then with them.
+    added.Save(dbSaveWithoutFile);
+    StoreTreatments(added);
+    added.Save();
+    StoreDiagnostics(added);
+    transaction.Commit();
+    patient = added;
+    return TRUE;
+}

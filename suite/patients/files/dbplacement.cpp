@@ -1,0 +1,226 @@
+#include "suite/patients/files/dbplacement.h"
+
+#include "suite/patients/store/dbcore.h"
+#include "suite/patients/store/dbtransaction.h"
+#include "suite/util/velpath.h"
+
+#include <memory>
+
+namespace
+{
+constexpr DWORD COPY_BUFFER = 256 * 1024;
+
+struct HandleCloser
+{
+    void operator()(HANDLE hFile) const
+    {
+        CloseHandle(hFile);
+    }
+};
+using UniqueHandle = std::unique_ptr<void, HandleCloser>;
+
+UniqueHandle OpenHandle(const std::string& path, DWORD dwAccess, DWORD dwShare, DWORD dwDisposition,
+                        DWORD dwFlags)
+{
+    const HANDLE hFile =
+        CreateFileA(path.c_str(), dwAccess, dwShare, nullptr, dwDisposition, dwFlags, nullptr);
+    return UniqueHandle(hFile != INVALID_HANDLE_VALUE ? hFile : nullptr);
+}
+
+[[noreturn]] void ThrowFileError(DWORD dwError, const std::string& path)
+{
+    if (dwError == ERROR_FILE_EXISTS || dwError == ERROR_ALREADY_EXISTS)
+        dbCException::Throw(dbErrExists, path.c_str());
+    const bool bFull = dwError == ERROR_DISK_FULL || dwError == ERROR_HANDLE_DISK_FULL;
+    dbCException::Throw(bFull ? dbErrDiskFull : dbErrIO, path.c_str());
+}
+
+/// Copies into a file that was just made. The error code, 0 when everything is on the disk.
+DWORD CopyContents(HANDLE hFrom, HANDLE hTo)
+{
+    std::vector<char> buffer(COPY_BUFFER);
+    for (;;)
+    {
+        DWORD dwRead = 0, dwWritten = 0;
+        if (!ReadFile(hFrom, buffer.data(), COPY_BUFFER, &dwRead, nullptr))
+            return GetLastError();
+        if (dwRead == 0)
+            return FlushFileBuffers(hTo) ? 0 : GetLastError();
+        if (!WriteFile(hTo, buffer.data(), dwRead, &dwWritten, nullptr))
+            return GetLastError();
+        if (dwWritten != dwRead)
+            return ERROR_DISK_FULL;
+    }
+}
+
+/// Whether a record that is there speaks of files with such a name: then the file is that record's, whoever
+/// made it.
+bool BelongsToTimepoint(const std::string& name)
+{
+    constexpr size_t NUMBER_DIGITS = 2;
+    dbCStatement query("SELECT 1 FROM patients p JOIN timepoints t ON t.patient = p.person"
+                       " WHERE p.patientID = ? AND p.deleted = 0 AND t.number = ?");
+    for (size_t nLength = 1; nLength + NUMBER_DIGITS < name.size(); ++nLength)
+    {
+        const size_t nNumber = name[nLength] == '$' ? nLength + 1 : nLength;
+        const std::string digits = name.substr(nNumber, NUMBER_DIGITS);
+        if (digits.size() < NUMBER_DIGITS || digits.find_first_not_of("0123456789") != std::string::npos)
+            continue;
+        query.Bind(name.substr(0, nLength).c_str()).Bind(atoi(digits.c_str()));
+        const bool bFound = query.Step();
+        query.Reset();
+        if (bFound)
+            return true;
+    }
+    return false;
+}
+
+/// Removes a file that no record speaks of; false when it is still there.
+bool RemovePlaced(const CString& strFolder, const CString& strName)
+{
+    const CString strPath = strFolder + strName;
+    return !velFileExists(strPath) || BelongsToTimepoint(strName.GetString()) || DeleteFileA(strPath);
+}
+
+std::string NewToken()
+{
+    static LONG nCount = 0;
+    char szToken[64];
+    snprintf(szToken, sizeof(szToken), "VELPLACE.%lx-%llx-%lx", GetCurrentProcessId(), GetTickCount64(),
+             InterlockedIncrement(&nCount));
+    return szToken;
+}
+} // namespace
+
+dbCFilePlacement::dbCFilePlacement() : m_strFolder(velGetDataPath()), m_token(NewToken())
+{
+}
+
+dbCFilePlacement::~dbCFilePlacement()
+{
+    if (!m_bCommitted)
+        Undo();
+    if (m_hToken != INVALID_HANDLE_VALUE)
+        CloseHandle(m_hToken);
+}
+
+void dbCFilePlacement::Add(LPCTSTR pszSource, LPCTSTR pszName)
+{
+    m_files.push_back({pszSource, pszName});
+}
+
+void dbCFilePlacement::Place()
+{
+    if (m_strFolder.IsEmpty())
+        dbCException::Throw(dbErrIO, m_strFolder);
+    // What somebody began and never finished must neither stand in the way nor be taken for ours later.
+    RemoveAbandoned();
+    for (const File& file : m_files)
+        if (velFileExists(m_strFolder + file.name.c_str()))
+            dbCException::Throw(dbErrExists, file.name.c_str());
+
+    const std::string token = m_strFolder.GetString() + m_token;
+    m_hToken = CreateFileA(token.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+                           FILE_ATTRIBUTE_HIDDEN | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
+    if (m_hToken == INVALID_HANDLE_VALUE)
+        ThrowFileError(GetLastError(), token);
+
+    // Noted for good before the first file is made.
+    dbCTransaction transaction;
+    dbCStatement noted("SELECT 1 FROM placedFiles WHERE name = ? COLLATE NOCASE AND token <> ?");
+    dbCStatement note("INSERT INTO placedFiles (token, name) VALUES (?, ?)");
+    for (const File& file : m_files)
+    {
+        noted.Bind(file.name.c_str()).Bind(m_token.c_str());
+        if (noted.Step())
+            dbCException::Throw(dbErrExists, file.name.c_str());
+        noted.Reset();
+        note.Bind(m_token.c_str()).Bind(file.name.c_str()).Run();
+    }
+    transaction.Commit();
+
+    for (const File& file : m_files)
+    {
+        const std::string path = m_strFolder.GetString() + file.name;
+        const UniqueHandle from =
+            OpenHandle(file.source, GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN);
+        if (!from)
+            ThrowFileError(GetLastError(), file.source);
+        UniqueHandle to = OpenHandle(path, GENERIC_WRITE, 0, CREATE_NEW, FILE_ATTRIBUTE_NORMAL);
+        if (!to)
+            ThrowFileError(GetLastError(), path);
+        m_placed.push_back(path);
+        if (const DWORD dwError = CopyContents(from.get(), to.get()))
+            ThrowFileError(dwError, path);
+        FILETIME written;
+        if (GetFileTime(from.get(), nullptr, nullptr, &written))
+            SetFileTime(to.get(), nullptr, nullptr, &written);
+    }
+}
+
+void dbCFilePlacement::Keep()
+{
+    dbCStatement("DELETE FROM placedFiles WHERE token = ?").Bind(m_token.c_str()).Run();
+    dbCTransaction::AtEnd(nullptr, [this] { m_bCommitted = true; });
+}
+
+void dbCFilePlacement::Undo() noexcept
+{
+    bool bAll = true;
+    for (const std::string& path : m_placed)
+        bAll = DeleteFileA(path.c_str()) && bAll;
+    // What cannot be removed now is removed when the database is next opened.
+    if (!bAll || m_hToken == INVALID_HANDLE_VALUE)
+        return;
+    try
+    {
+        dbCStatement("DELETE FROM placedFiles WHERE token = ?").Bind(m_token.c_str()).Run();
+    }
+    catch (CException* e)
+    {
+        e->Delete(); // the next Open does it
+    }
+}
+
+void dbCFilePlacement::RemoveAbandoned() noexcept
+try
+{
+    const CString strFolder = velGetDataPath();
+    if (strFolder.IsEmpty() || !velFolderExists(strFolder))
+        return;
+    std::vector<CString> tokens;
+    {
+        dbCStatement query("SELECT DISTINCT token FROM placedFiles");
+        while (query.Step())
+            tokens.push_back(query.Text(0));
+    }
+    for (const CString& strToken : tokens)
+    {
+        // The file is there, and open, while its process lives, on whatever computer.
+        DeleteFileA(strFolder + strToken);
+        if (velFileExists(strFolder + strToken))
+            continue;
+        std::vector<CString> names;
+        dbCTransaction transaction;
+        dbCStatement query("SELECT name FROM placedFiles WHERE token = ?");
+        query.Bind(strToken);
+        while (query.Step())
+            names.push_back(query.Text(0));
+        query.Reset();
+        // Once the rows are gone the files are the practice's own: remove them first.
+        bool bAll = true;
+        for (const CString& strName : names)
+            bAll = RemovePlaced(strFolder, strName) && bAll;
+        if (!bAll)
+            continue;
+        dbCStatement("DELETE FROM placedFiles WHERE token = ?").Bind(strToken).Run();
+        transaction.Commit();
+    }
+}
+catch (CException* e)
+{
+    e->Delete();
+}
+catch (...)
+{
+}

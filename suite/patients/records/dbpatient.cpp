@@ -1,0 +1,194 @@
+#include "suite/patients/records/dbpatient.h"
+
+#include "suite/patients/records/dbpatientstore.h"
+#include "suite/patients/files/patientfiles.h"
+
+#include <algorithm>
+
+dbCPatient::dbCPatient() : m_pSelf(std::make_shared<dbCPatient*>(this))
+{
+}
+
+dbCPatient::~dbCPatient() = default;
+
+dbCPatient::dbCPatient(const dbCPatient& other)
+    : patCPatient(other), m_pSelf(std::make_shared<dbCPatient*>(this))
+{
+    *this = other;
+}
+
+dbCPatient& dbCPatient::operator=(const dbCPatient& other)
+{
+    if (this == &other)
+        return *this;
+    patCPatient::operator=(other);
+    m_persons = other.m_persons;
+    m_addresses = other.m_addresses;
+    m_phones = other.m_phones;
+    m_insurances = other.m_insurances;
+    m_referrals = other.m_referrals;
+    m_archiveDiagnostics = other.m_archiveDiagnostics;
+    m_archiveTreatments = other.m_archiveTreatments;
+    m_strArchiveOffice = other.m_strArchiveOffice;
+    m_strArchiveStatus = other.m_strArchiveStatus;
+    m_strLoadedID = other.m_strLoadedID;
+    m_bRenameFiles = other.m_bRenameFiles;
+    m_nRowVersion = other.m_nRowVersion;
+    // A rollback concerns what the object was saved as, not what it holds now.
+    m_pSelf = std::make_shared<dbCPatient*>(this);
+    return *this;
+}
+
+void dbCPatient::Initialize()
+{
+    *this = dbCPatient();
+}
+
+BOOL dbCPatient::Load(LPCTSTR pszIDOrGUID, BOOL bByID, BOOL bByGUID)
+{
+    return dbCPatientStore::Load(*this, pszIDOrGUID, bByID, bByGUID);
+}
+
+void dbCPatient::SetID(LPCTSTR pszID, BOOL bRenameFiles)
+{
+    m_f.strID = pszID;
+    m_bRenameFiles = bRenameFiles;
+    for (patCTimepoint& timepoint : m_timepoints)
+        timepoint.SetNumber(pszID, timepoint.GetNumber());
+}
+
+void dbCPatient::Save(int nOptions)
+{
+    dbCPatientStore::Save(*this, nOptions);
+}
+
+dbCAddress dbCPatient::GetAddress(int nIndex) const
+{
+    return nIndex >= 0 && nIndex < m_addresses.GetCount() ? m_addresses[nIndex] : dbCAddress();
+}
+
+void dbCPatient::SetAddress(int nIndex, const dbCAddress& address)
+{
+    while (m_addresses.GetCount() <= nIndex)
+        m_addresses.Add(dbCAddress());
+    m_addresses[nIndex] = address;
+}
+
+BOOL dbCPatient::GetPersonInfo(int nKind, dbCPerson& person) const
+{
+    const auto found = m_persons.find(nKind);
+    if (found == m_persons.end())
+        return FALSE;
+    person = found->second;
+    return TRUE;
+}
+
+void dbCPatient::SetPersonInfo(int nKind, const dbCPerson& person)
+{
+    const auto previous = m_persons.find(nKind);
+    dbCPerson attached = person;
+    if (nKind == dbPersonGuardian)
+        attached.SetPersonGUID(previous != m_persons.end() ? previous->second.GetPersonGUID() : dbNewGUID());
+    m_persons[nKind] = attached;
+}
+
+void dbCPatient::AddPersonInfo(int nKind, const dbCPerson& person)
+{
+    SetPersonInfo(nKind, person);
+}
+
+void dbCPatient::RemovePersonInfo(int nKind)
+{
+    m_persons.erase(nKind);
+}
+
+BOOL dbCPatient::SetInsuranceGUID(LPCTSTR pszPolicyGUID)
+{
+    const auto found =
+        std::find_if(m_insurances.begin(), m_insurances.end(),
+                     [&](const dbCInsurance& policy) { return policy.GetInsuranceGUID() == pszPolicyGUID; });
+    if (found == m_insurances.end())
+        return FALSE;
+    std::rotate(m_insurances.begin(), found, found + 1);
+    return TRUE;
+}
+
+void dbCPatient::AssignInsurance(const dbCInsurance& insurance)
+{
+    for (dbCInsurance& policy : m_insurances)
+    {
+        if (policy.GetInsuranceGUID() == insurance.GetInsuranceGUID())
+        {
+            policy = insurance;
+            return;
+        }
+    }
+    m_insurances.Add(insurance);
+}
+
+void dbCPatient::RemoveInsurance(LPCTSTR pszPolicyGUID)
+{
+    for (int i = m_insurances.GetCount() - 1; i >= 0; --i)
+        if (m_insurances[i].GetInsuranceGUID() == pszPolicyGUID)
+            m_insurances.RemoveAt(i);
+}
+
+BOOL dbCPatient::CopyTimepoint(int nIndex, patCTimepoint& timepoint) const
+{
+    if (nIndex < 0 || nIndex >= m_timepoints.GetCount())
+        return FALSE;
+    timepoint = m_timepoints[nIndex];
+    return TRUE;
+}
+
+int dbCPatient::PasteTimepoint(const patCTimepoint& timepoint)
+{
+    if (m_timepoints.GetCount() >= patCTimepoints::MAX_COUNT)
+        return patCTimepoints::RESULT_FULL;
+    const int nNumber = timepoint.GetNumber();
+    const bool bTaken = std::any_of(m_timepoints.begin(), m_timepoints.end(),
+                                    [&](const patCTimepoint& own) { return own.GetNumber() == nNumber; });
+    if (bTaken || nNumber < 0 || nNumber >= patCTimepoints::MAX_COUNT)
+        return PASTE_NUMBER_TAKEN;
+
+    patCTimepoint pasted = timepoint;
+    pasted.SetNumber(m_f.strID, nNumber);
+    pasted.SettpID(dbNewGUID());
+    pasted.SetptshID("");
+    m_timepoints.Add(pasted);
+    return 0;
+}
+
+BOOL dbCPatient::CanDeletePatient() const
+{
+    return GetBalance() == 0;
+}
+
+__int64 dbCPatient::GetBalance() const
+{
+    dbCStatement query("SELECT b.amount FROM persons p JOIN balances b ON b.patient = p.id WHERE p.guid = ?");
+    query.Bind(m_f.strGUID);
+    return query.Step() ? query.Int64(0) : 0;
+}
+
+void dbCPatient::SetBalance(__int64 nBalance)
+{
+    dbCStatement write("INSERT INTO balances (patient, amount) SELECT t.person, ? FROM persons p"
+                       " JOIN patients t ON t.person = p.id WHERE p.guid = ?"
+                       " ON CONFLICT (patient) DO UPDATE SET amount = excluded.amount");
+    write.Bind(nBalance).Bind(m_f.strGUID).Run();
+    if (dbCConnection::Current().GetChanges() == 0)
+        dbCException::Throw(dbErrNotFound, m_f.strID);
+}
+
+BOOL dbCPatient::isDeleted() const
+{
+    dbCStatement query("SELECT t.deleted FROM persons p JOIN patients t ON t.person = p.id WHERE p.guid = ?");
+    query.Bind(m_f.strGUID);
+    return query.Step() ? query.Int(0) != 0 : m_bStored;
+}
+
+void dbCPatient::WritePatientFile(LPCTSTR pszFolder) const
+{
+    patWritePatientFile(*this, pszFolder);
+}

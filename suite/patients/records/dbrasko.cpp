@@ -1,0 +1,69 @@
+#include "suite/patients/records/dbrasko.h"
+
+#include "suite/patients/store/dbcore.h"
+
+BOOL dbCRaskoTasksContainer::TableExists()
+{
+    return dbCConnection::Current().QueryInt(
+               "SELECT count(*) FROM sqlite_schema WHERE type = 'table' AND name = 'raskoTasks'") != 0;
+}
+
+int dbCRaskoTasksContainer::LoadPending(LPCTSTR pszPatientGUID)
+{
+    RemoveAll();
+    dbCStatement query(
+        "SELECT id, type, status, totalBytes, patientID, patientGuid, description, data, queueComputer"
+        " FROM raskoTasks WHERE patientGuid = ? AND status < ? ORDER BY id");
+    query.Bind(pszPatientGUID).Bind(static_cast<int>(dbSRaskoTask::STATUS_FINISHED));
+    while (query.Step())
+    {
+        dbSRaskoTask task;
+        task.nTask = query.Int64(0);
+        task.nType = query.Int(1);
+        task.nStatus = query.Int(2);
+        task.nTotalBytes = query.Int64(3);
+        task.strPatientID = query.Text(4);
+        task.strPatientGUID = query.Text(5);
+        task.strDescription = query.Text(6);
+        task.strData = query.Text(7);
+        task.strQueueComputer = query.Text(8);
+        Add(task);
+    }
+    return GetCount();
+}
+
+void dbCRaskoTasksContainer::InsertRow(dbSRaskoTask& task)
+{
+    dbCStatement insert(
+        "INSERT INTO raskoTasks (type, patientID, patientGuid, description, data, status, totalBytes,"
+        " queueComputer, time) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)");
+    insert.Bind(task.nType)
+        .Bind(task.strPatientID)
+        .Bind(task.strPatientGUID)
+        .Bind(task.strDescription)
+        .Bind(task.strData);
+    insert.Bind(task.nStatus)
+        .Bind(task.nTotalBytes)
+        .Bind(task.strQueueComputer)
+        .BindDateTime(COleDateTime::GetCurrentTime());
+    insert.Run();
+    task.nTask = dbCConnection::Current().GetLastRow();
+}
+
+BOOL dbCServicePatients::FindByGUID(LPCTSTR pszPatientGUID, dbSServicePatient& row)
+{
+    dbCStatement query("SELECT serviceID, serviceGuid FROM servicePatients WHERE patientGuid = ?");
+    query.Bind(pszPatientGUID);
+    if (!query.Step())
+        return FALSE;
+    row = {pszPatientGUID, query.Text(0), query.Text(1)};
+    return TRUE;
+}
+
+void dbCServicePatients::Store(const dbSServicePatient& row)
+{
+    dbCStatement write(
+        "INSERT INTO servicePatients (patientGuid, serviceID, serviceGuid) VALUES (?, ?, ?)"
+        " ON CONFLICT DO UPDATE SET serviceID = excluded.serviceID, serviceGuid = excluded.serviceGuid");
+    write.Bind(row.strPatientGUID).Bind(row.strServiceID).Bind(row.strServiceGUID).Run();
+}
