@@ -7,6 +7,7 @@
 #include "app/modalrun.h"
 #include "app/velapp.h"
 #include "archive/dialogs/archdummydlg.h"
+#include "maintenance/diagnosticsimport.h"
 #include "maintenance/dlgeditkeywords.h"
 #include "patient/chartsheet.h"
 #include "suite/patients/records/veltrixlogin.h"

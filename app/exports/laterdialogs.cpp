@@ -14,8 +14,3 @@ INT_PTR velRunRename(CWnd*, dbCPatient*, int, const CString&, RENAME_OP*, velRen
 {
     return IDCANCEL;
 }
-
-bool velImportDiagnostics(const char*, const char*)
-{
-    return false;
-}

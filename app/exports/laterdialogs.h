@@ -20,5 +20,3 @@ struct velRenameResult
 };
 INT_PTR velRunRename(CWnd* pParent, dbCPatient* pPatient, int nTimepoint, const CString& strPassThrough,
                      RENAME_OP* pOperation, velRenameResult& result);
-
-bool velImportDiagnostics(const char* pszPatientFile, const char* pszPatientGUID);
