@@ -209,7 +209,7 @@ TEST_F(EntryPoints, DialogsOfLaterWorkAnswerAsCancelled)
     EXPECT_EQ(operation, DELETE_PATIENT);
 
     EXPECT_EQ(ImportPatientDiagnostics(nullptr, nullptr), 0);
-    EXPECT_EQ(ImportPatientDiagnostics("nowhere.pf", patient.GetGUID()), 0);
+    EXPECT_NE(ImportPatientDiagnostics("nowhere.pf", patient.GetGUID()), 0);
 }
 
 TEST_F(EntryPoints, CancelledRenameEmptiesItsOutputs)
