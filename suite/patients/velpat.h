@@ -8,6 +8,7 @@
 #include "suite/patients/records/dboffices.h"
 #include "suite/patients/records/dbpatients.h"
 #include "suite/patients/records/dbrasko.h"
+#include "suite/patients/store/dbsteps.h"
 #include "suite/patients/store/dbtransaction.h"
 #include "suite/patients/records/dbtreatment.h"
 #include "suite/patients/files/patimagetypes.h"
