@@ -106,9 +106,15 @@ std::string AlternateImageName(std::string_view imageName)
 
 std::vector<std::string> ArchivePatterns(std::string_view id)
 {
-    const std::string name(id);
-    return {PatientFileName(id), name + "??.i??", name + "??.v??",    name + "??.m",
-            name + "??.i??.???", name + "$*",     name + "??.d?.i??", name + "*.2dmorph"};
+    std::vector<std::string> patterns;
+    for (const pat::FileRule& rule : pat::FileRules())
+    {
+        if (!rule.searched.empty())
+        {
+            patterns.push_back(std::string(id).append(rule.searched));
+        }
+    }
+    return patterns;
 }
 
 std::string ArchivePatternArgument(std::string_view id)
@@ -221,50 +227,6 @@ bool HasDriveLetter(std::string_view path)
 bool IsDisketteDrive(std::string_view path)
 {
     return HasDriveLetter(path) && FoldCase(path[0]) == 'A';
-}
-
-char FoldCase(char character)
-{
-    const auto byte = static_cast<unsigned char>(character);
-    if (byte >= 'a' && byte <= 'z')
-    {
-        return static_cast<char>(byte - 0x20);
-    }
-    if (byte >= 0xE0 && byte != 0xF7)
-    {
-        return static_cast<char>(byte == 0xFF ? 0x9F : byte - 0x20);
-    }
-    if (byte == 0x9A || byte == 0x9C || byte == 0x9E)
-    {
-        return static_cast<char>(byte - 0x10);
-    }
-    return character;
-}
-
-std::string FoldCase(std::string_view text)
-{
-    std::string folded(text);
-    for (char& character : folded)
-    {
-        character = FoldCase(character);
-    }
-    return folded;
-}
-
-bool EqualNoCase(std::string_view left, std::string_view right)
-{
-    if (left.size() != right.size())
-    {
-        return false;
-    }
-    for (std::size_t i = 0; i < left.size(); ++i)
-    {
-        if (FoldCase(left[i]) != FoldCase(right[i]))
-        {
-            return false;
-        }
-    }
-    return true;
 }
 
 bool MatchesWildcard(std::string_view name, std::string_view pattern)

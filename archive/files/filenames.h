@@ -1,6 +1,8 @@
 // Names of a patient's files, of the volumes and of everything else that archiving reads or writes.
 #pragma once
 
+#include "suite/patients/files/filefamily.h"
+
 #include <array>
 #include <string>
 #include <string_view>
@@ -75,10 +77,8 @@ std::string WithExtension(std::string_view path, std::string_view extension);
 bool HasDriveLetter(std::string_view path);
 bool IsDisketteDrive(std::string_view path); // drive A:
 
-// Case folding as file names know it: ASCII, and the letters of code page 1252 beyond it.
-char FoldCase(char character);
-std::string FoldCase(std::string_view text);
-bool EqualNoCase(std::string_view left, std::string_view right);
+using pat::EqualNoCase;
+using pat::FoldCase;
 // "*" matches any run of characters, "?" exactly one; letters of either case are equal.
 bool MatchesWildcard(std::string_view name, std::string_view pattern);
 } // namespace arc

@@ -7,7 +7,6 @@
 #include "archive/res/archivedlgres.h"
 #include "archive/operations/archiverecord.h"
 #include "archive/files/filenames.h"
-#include "archive/files/mergenames.h"
 #include "archive/operations/otherformats.h"
 #include "archive/work/resultcodes.h"
 #include "suite/patients/store/dbexception.h"
@@ -17,6 +16,8 @@
 #include "suite/util/velini.h"
 #include "suite/util/velpath.h"
 #include "suite/util/velstring.h"
+
+#include <map>
 
 int arcCArchiveManager::StartLoad(const arcSLoad& load)
 {
@@ -168,9 +169,8 @@ bool arcCArchiveManager::AddPatient(dbCPatient& archived, const std::vector<std:
     for (const std::string& name : names)
     {
         // What may be another patient's file stays as it is.
-        const bool isForeign =
-            arc::KindOfFile(name, strID.GetString()) == arc::PatientFileKind::PerhapsForeign;
-        if (!isForeign || !velFileExists(arc::JoinPath(folder, name).c_str()))
+        const bool isPerhapsForeign = pat::IdentifyFile(name, strID.GetString())->kind == pat::FileKind::Morph;
+        if (!isPerhapsForeign || !velFileExists(arc::JoinPath(folder, name).c_str()))
             placement.Add(arc::JoinPath(m_pScratch->Path(), name).c_str(), name.c_str());
     }
     if (!Place(placement))
@@ -207,7 +207,7 @@ bool arcCArchiveManager::MergeInto(const dbCPatient& archived, const std::vector
     if (!patient.Load(m_load.strMergeID))
         dbCException::Throw(dbErrNotFound, m_load.strMergeID);
 
-    arc::MergeNames renamed(archived.GetID().GetString(), patient.GetID().GetString());
+    std::map<int, int> newNumbers;
     const int nCount = static_cast<int>(archived.GetTimepoints().GetCount());
     for (int i = 0; i < nCount; ++i)
     {
@@ -222,15 +222,18 @@ bool arcCArchiveManager::MergeInto(const dbCPatient& archived, const std::vector
             AfxMessageBox(IDS_ARC_TOO_MANY_TIMEPOINTS, MB_OK | MB_ICONSTOP);
             return false;
         }
-        renamed.Add(nOld, nNew);
+        newNumbers[nOld] = nNew;
     }
 
     dbCFilePlacement placement;
     for (const std::string& name : names)
     {
-        const std::string target = renamed.Of(name);
-        if (!target.empty())
-            placement.Add(arc::JoinPath(m_pScratch->Path(), name).c_str(), target.c_str());
+        const auto number = newNumbers.find(pat::IdentifyFile(name, archived.GetID().GetString())->timepoint);
+        if (number == newNumbers.end())
+            continue; // of no timepoint
+        const std::string target = pat::MovedFileName(name, archived.GetID().GetString(),
+                                                      patient.GetID().GetString(), number->second);
+        placement.Add(arc::JoinPath(m_pScratch->Path(), name).c_str(), target.c_str());
     }
     if (!Place(placement))
         return false;

@@ -4,7 +4,6 @@
 #include "archive/volumes/diskette.h"
 #include "archive/files/filenames.h"
 #include "archive/files/fileset.h"
-#include "archive/files/mergenames.h"
 #include "archive/files/pathsafety.h"
 #include "patient/chartrules.h"
 #include "suite/patients/files/patientfile.h"
@@ -140,19 +139,10 @@ std::vector<std::string> arcFilesBesidePatterns(const patCPatient& patient)
 std::vector<std::string> arcFilesToTake(const dbCPatient& archived, const std::vector<std::string>& names)
 {
     const std::string id = archived.GetID().GetString();
-    const std::vector<std::string> patterns = arc::ArchivePatterns(id);
-    std::set<std::string> listed;
-    for (const std::string& name : arcListedFiles(archived))
-    {
-        listed.insert(arc::FoldCase(name));
-        listed.insert(arc::FoldCase(arc::AlternateImageName(name)));
-    }
     std::vector<std::string> taken;
     std::copy_if(names.begin(), names.end(), std::back_inserter(taken), [&](const std::string& name) {
-        return arc::KindOfFile(name, id) != arc::PatientFileKind::Record &&
-               (listed.contains(arc::FoldCase(name)) ||
-                std::any_of(patterns.begin(), patterns.end(),
-                            [&](const std::string& pattern) { return arc::MatchesWildcard(name, pattern); }));
+        const auto identity = pat::IdentifyFile(name, id);
+        return identity && !pat::IsRecord(identity->kind);
     });
     return taken;
 }

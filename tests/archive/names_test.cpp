@@ -96,8 +96,6 @@ TEST(ArchiveNames, WildcardsAreStrict)
         {"", "?", false},
         {"abcabd", "*abd", true},
         {"abc", "***", true},
-        {"\xE4", "\xC4", true},
-        {"\xF7", "\xD7", false},
     };
     for (const auto& c : cases)
     {

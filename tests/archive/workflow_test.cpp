@@ -1,7 +1,6 @@
-// The plain pieces of saving and loading: names of merged files, the scratch folder, the disc bundle, diskettes.
+// The plain pieces of saving and loading: the scratch folder, the disc bundle, diskettes.
 #include "archive/volumes/diskettevolumes.h"
 #include "archive/work/discbundle.h"
-#include "archive/files/mergenames.h"
 #include "archive/files/scratchfolder.h"
 #include "tests/archive/memoryfilesystem.h"
 
@@ -11,53 +10,6 @@
 
 namespace
 {
-TEST(MergeNames, FilesOfATimepointTakeItsNewNumber)
-{
-    arc::MergeNames names("A1", "B22");
-    names.Add(0, 7);
-    names.Add(1, 0);
-    const struct
-    {
-        const char* archived;
-        const char* merged;
-    } cases[] = {
-        {"A100.I0A", "B2207.I0A"},
-        {"a100.v0a", "B2207.v0a"},
-        {"A101.DF0", "B2200.DF0"},
-        {"A101.M", "B2200.M"},
-        {"A100.I0A.AVI", "B2207.I0A.AVI"},
-        {"A1$01$notes.txt", "B22$00$notes.txt"},
-        {"A100.2dmorph", "B2207.2dmorph"},
-        {"A1.PF", ""},          // the records are read, not copied
-        {"A1.ACV", ""},
-        {"A102.I0A", ""},       // no such timepoint
-        {"A1001.I0A", ""},      // a patient with a longer ID
-        {"A10", ""},
-        {"A100", ""},
-        {"X100.I0A", ""},
-        {"A1$00notes", ""},
-        {"", ""},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(c.merged, names.Of(c.archived)) << c.archived;
-}
-
-TEST(MergeNames, OnlyFilesThatCouldBeAnotherPatientsAreForeign)
-{
-    using arc::PatientFileKind;
-    const struct
-    {
-        const char* name;
-        PatientFileKind kind;
-    } cases[] = {
-        {"A1.PF", PatientFileKind::Record},         {"a1.acv", PatientFileKind::Record},
-        {"A100.I0A", PatientFileKind::Own},         {"A1$00$x", PatientFileKind::Own},
-        {"A12x.2dmorph", PatientFileKind::PerhapsForeign}, {"B100.I0A", PatientFileKind::PerhapsForeign},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(c.kind, arc::KindOfFile(c.name, "A1")) << c.name;
-}
-
 TEST(ScratchFolder, IsEmptiedAndBelongsToOneAtATime)
 {
     MemoryFileSystem files;
