@@ -1,9 +1,9 @@
 #include "cloud/exchange/receiveplan.h"
 
 #include "archive/files/filenames.h"
-#include "archive/files/mergenames.h"
 #include "archive/files/pathsafety.h"
 #include "cloud/protocol/servicetime.h"
+#include "suite/patients/files/filefamily.h"
 
 #include <algorithm>
 #include <array>
@@ -46,8 +46,7 @@ class Planner
 public:
     Planner(const Record& record, const std::string& localId, const FileChoice& choice,
             const LocalFileQuery& localFile)
-        : m_record(record), m_choice(choice), m_localFile(localFile), m_names(record.patientId, localId),
-          m_localId(localId)
+        : m_record(record), m_choice(choice), m_localFile(localFile), m_localId(localId)
     {
     }
 
@@ -122,7 +121,7 @@ private:
             target.localNumber = static_cast<int>(number);
         }
         for (const TimepointTarget& target : m_plan.targets)
-            m_names.Add(target.recordNumber, target.localNumber);
+            m_numbers[target.recordNumber] = target.localNumber;
     }
 
     void TakeTimepoint(std::size_t index)
@@ -164,13 +163,24 @@ private:
         Take(KindOfCategory(file.category), entry);
     }
 
+    /// The name that goes with the timepoint's number here; empty for a file of none of the record's
+    /// timepoints.
+    std::string LocalName(const std::string& name) const
+    {
+        const auto identity = pat::IdentifyFile(name, m_record.patientId);
+        const auto number = identity ? m_numbers.find(identity->timepoint) : m_numbers.end();
+        return number == m_numbers.end()
+                   ? std::string()
+                   : pat::MovedFileName(name, m_record.patientId, m_localId, number->second);
+    }
+
     /// Whether the practice has the file, or is to have it.
     bool Take(FileKind kind, ManifestFile entry)
     {
         if (!Going())
             return false;
         const auto safe = arc::SafeFileName(entry.name);
-        const std::string local = safe ? m_names.Of(*safe) : std::string();
+        const std::string local = safe ? LocalName(*safe) : std::string();
         const auto safeLocal = arc::SafeFileName(local);
         // A file of the timepoint's own name under another number would be taken for another timepoint's.
         if (!safeLocal || !HasNumber(local))
@@ -222,11 +232,11 @@ private:
     const Record& m_record;
     const FileChoice m_choice;
     const LocalFileQuery& m_localFile;
-    arc::MergeNames m_names;
     const std::string m_localId;
     ReceivePlan m_plan;
     std::set<std::string> m_taken;
-    int m_number = 0; ///< local one of the timepoint at work
+    std::map<int, int> m_numbers; ///< the local numbers of the record's timepoints
+    int m_number = 0;             ///< local one of the timepoint at work
 };
 } // namespace
 
