@@ -10,6 +10,7 @@
 #include "suite/patients/records/dbrasko.h"
 #include "suite/patients/store/dbsteps.h"
 #include "suite/patients/store/dbtransaction.h"
+#include "suite/patients/records/dbtimepointnames.h"
 #include "suite/patients/records/dbtreatment.h"
 #include "suite/patients/files/patimagetypes.h"
 #include "suite/patients/records/veltrixlogin.h"

@@ -15,6 +15,10 @@ inline constexpr CLSID CLSID_TimepointNames = {
 inline constexpr IID IID_ITimepointNames = {
     0xD8F5ECE8, 0x6E03, 0x4772, {0xB4, 0x8B, 0xEF, 0x66, 0xE0, 0x45, 0x43, 0x35}};
 
+// Interfaces of COM have no destructor: Release deletes.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
+
 /// A dual interface: the practice's list of timepoint names in the practice's order. Dispatch ids run from 1 in
 /// the order below. Indices run from 0; one outside the list is E_INVALIDARG. A failed call changes nothing and
 /// leaves an IErrorInfo with a sentence for the user.
@@ -32,3 +36,5 @@ struct ITimepointNames : IDispatch
     virtual HRESULT STDMETHODCALLTYPE MoveUp(long nIndex) = 0;
     virtual HRESULT STDMETHODCALLTYPE MoveDown(long nIndex) = 0;
 };
+
+#pragma GCC diagnostic pop

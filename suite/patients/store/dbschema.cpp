@@ -141,7 +141,14 @@ CREATE TABLE placedFiles (id INTEGER PRIMARY KEY, token TEXT NOT NULL, name TEXT
 CREATE INDEX placedFilesByToken ON placedFiles (token);
 )sql";
 
-constexpr dbSMigration STEPS[] = {{VERSION_1}, {VERSION_2}};
+// The names that users offer each other for new timepoints.
+constexpr const char* TIMEPOINT_NAMES = R"sql(
+CREATE TABLE timepointNames (
+    id INTEGER PRIMARY KEY AUTOINCREMENT, position INTEGER NOT NULL, name TEXT NOT NULL UNIQUE);
+CREATE INDEX timepointNamesByPosition ON timepointNames (position);
+)sql";
+
+constexpr dbSMigration STEPS[] = {{VERSION_1}, {VERSION_2}, {TIMEPOINT_NAMES}};
 
 void RunSteps(dbCConnection& connection, std::span<const dbSMigration> steps, size_t nFrom)
 {
