@@ -8,6 +8,7 @@
 #include "app/velapp.h"
 #include "archive/dialogs/archdummydlg.h"
 #include "maintenance/diagnosticsimport.h"
+#include "maintenance/dlgdelete.h"
 #include "maintenance/dlgeditkeywords.h"
 #include "patient/chartsheet.h"
 #include "suite/patients/records/veltrixlogin.h"

@@ -193,25 +193,6 @@ TEST_F(EntryPoints, APatientThatIsGoneIsReportedAndNothingRecorded)
     EXPECT_TRUE(Events().empty());
 }
 
-TEST_F(EntryPoints, DialogsOfLaterWorkAnswerAsCancelled)
-{
-    dbCPatient patient = Store("B2", "Bo", "Lee");
-    __int64 result = 77;
-    NewTimepointDlg(nullptr, 1, &patient, result);
-    EXPECT_EQ(result, IDCANCEL);
-
-    unsigned int operation = 77;
-    result = 77;
-    DeleteDlg(nullptr, 1, &patient, 0, 0, 0, "", result, operation);
-    EXPECT_EQ(result, IDCANCEL);
-    EXPECT_EQ(operation, DELETE_TIMEPOINT);
-    DeleteDlg(nullptr, 1, nullptr, -1, 0, 0, "", result, operation);
-    EXPECT_EQ(operation, DELETE_PATIENT);
-
-    EXPECT_EQ(ImportPatientDiagnostics(nullptr, nullptr), 0);
-    EXPECT_NE(ImportPatientDiagnostics("nowhere.pf", patient.GetGUID()), 0);
-}
-
 TEST_F(EntryPoints, CancelledRenameEmptiesItsOutputs)
 {
     dbCPatient patient = Store("B2", "Bo", "Lee");
