@@ -40,15 +40,6 @@ BOOL CDlgArchDummy::OnInitDialog()
     return TRUE;
 }
 
-// Nobody sees this dialog, and while the choice is open neither button means it.
-void CDlgArchDummy::OnOK()
-{
-}
-
-void CDlgArchDummy::OnCancel()
-{
-}
-
 LRESULT CDlgArchDummy::OnSaveEnded(WPARAM, LPARAM lParam)
 {
     m_pManager->FinishSave(static_cast<int>(lParam));

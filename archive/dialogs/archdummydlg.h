@@ -6,7 +6,7 @@
 #include <memory>
 
 /// Lives for the length of ArchiveDlg: runs the choice dialog, then waits, pumping messages, until the
-/// archive manager is idle. The status thread reports to its window, which only the choice dialog's end closes.
+/// archive manager is idle. The status thread reports to its window.
 /// On its caller's stack, on the user interface thread; owns the archive manager. The patient, the arrays and
 /// the parent stay the caller's.
 class CDlgArchDummy : public CDialog
@@ -35,8 +35,6 @@ public:
 
 protected:
     BOOL OnInitDialog() override;
-    void OnOK() override;
-    void OnCancel() override;
     afx_msg LRESULT OnSaveEnded(WPARAM wParam, LPARAM lParam);
     afx_msg LRESULT OnLoadEnded(WPARAM wParam, LPARAM lParam);
     DECLARE_MESSAGE_MAP()

@@ -71,7 +71,6 @@ int arcCArchiveManager::StartThread(const arcSStatusWork& work, Work nWork)
     m_nWork = nWork;
     arcSStatusWork begun = work;
     begun.hOwner = m_pOwner->GetSafeHwnd();
-    begun.hActive = ::GetActiveWindow();
     m_pThread = arcCStatusThread::Start(begun);
     if (m_pThread)
         return arc::ResultDone;

@@ -40,19 +40,10 @@ HWND MainWindowOf(HWND hOwner)
 }
 
 // The window that the user works in: the progress dialog lies over it, and it is active again afterwards.
-HWND ActiveWindowOf(const arcSStatusWork& work)
+HWND ActiveWindowOf(HWND hOwner)
 {
-    if (::IsWindowVisible(work.hActive))
-        return work.hActive;
-    const HWND hMain = MainWindowOf(work.hOwner);
+    const HWND hMain = MainWindowOf(hOwner);
     return hMain != nullptr ? ::GetLastActivePopup(hMain) : nullptr;
-}
-
-// Before the window goes: with a disabled window behind it the system would choose any program's window.
-void GiveForegroundBack(HWND hFrom, HWND hTo)
-{
-    if (hFrom != nullptr && ::GetForegroundWindow() == hFrom && ::IsWindowVisible(hTo))
-        ::SetForegroundWindow(hTo);
 }
 
 void ShowThreadResult(HWND hOver, int nResult)
@@ -96,7 +87,7 @@ int arcCStatusThread::Join()
 /// again before the dialog goes.
 int arcCStatusThread::RunWork() const
 {
-    const HWND hActive = ActiveWindowOf(m_work);
+    const HWND hActive = ActiveWindowOf(m_work.hOwner);
     arcCDlgArchiveProgress dialog(m_work);
     if (!dialog.Create(CWnd::FromHandle(hActive)))
     {
@@ -116,7 +107,6 @@ int arcCStatusThread::RunWork() const
                 dialog.StopWork();
         }
     }
-    GiveForegroundBack(dialog.GetSafeHwnd(), hActive);
     dialog.DestroyWindow();
     return dialog.GetResult();
 }
@@ -128,7 +118,7 @@ BOOL arcCStatusThread::InitInstance()
     try
     {
         m_nResult = RunWork();
-        ShowThreadResult(ActiveWindowOf(m_work), m_nResult);
+        ShowThreadResult(ActiveWindowOf(m_work.hOwner), m_nResult);
     }
     catch (CException* e)
     {

@@ -37,8 +37,7 @@ struct arcSStatusWork
     CString strArchivePath;             ///< the ".kaz" file to write or read
     CString strFolder;                  ///< save: the working folder; load: the folder to unzip into
     HWND hOwner = nullptr;              ///< receives arcMsgSaveEnded or arcMsgLoadEnded
-    HWND hActive = nullptr;          ///< the owner's thread's active window, which is active again afterwards
-    BOOL bAlternativeEngine = FALSE; ///< the setting `UseDynaZip`; carried, without effect
+    BOOL bAlternativeEngine = FALSE;    ///< the setting `UseDynaZip`; carried, without effect
 
     /// For archives that are no zip: all of the work. What the table of result codes has no message for it
     /// shows itself.

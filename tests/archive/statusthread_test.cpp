@@ -309,7 +309,6 @@ TEST_F(StatusThreadTest, TheUsersWindowComesBackToTheFront)
     ::SetForegroundWindow(dialog);
     ASSERT_EQ(::GetForegroundWindow(), dialog.m_hWnd);
     work.hOwner = hidden;
-    work.hActive = dialog;
     for (const int nResult : {arc::ResultDone, arc::ResultCancelled, arc::ResultSaveFailed})
     {
         work.otherWork = [nResult](const arcAsk&, const arcProgress&) { return nResult; };
@@ -322,8 +321,12 @@ TEST_F(StatusThreadTest, TheUsersWindowComesBackToTheFront)
                 }
             },
             [&](veltest::DialogScript& script) {
-                if (nResult != arc::ResultDone)
-                    script.AnswerBox("", IDOK);
+                if (nResult == arc::ResultDone)
+                    return;
+                const veltest::Dialog box = script.WaitForBox();
+                // By the thread, or by the box that it owns.
+                EXPECT_FALSE(dialog.IsWindowEnabled());
+                box.Press(IDOK);
             });
         EXPECT_EQ(::GetForegroundWindow(), dialog.m_hWnd) << nResult;
         EXPECT_TRUE(dialog.IsWindowEnabled() && owner.IsWindowEnabled());

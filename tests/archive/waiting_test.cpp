@@ -49,7 +49,10 @@ TEST_F(ArchiveWaitTest, TakesNeitherOKNorCancelHoweverTheyCome)
     const std::function<void(HWND)> ways[] = {
         post(WM_KEYDOWN, VK_RETURN),
         post(WM_KEYDOWN, VK_ESCAPE),
-        post(WM_KEYDOWN, VK_DOWN), // would choose another operation
+        [](HWND hChoice) { // would choose another operation
+            for (const UINT message : {WM_KEYDOWN, WM_KEYUP})
+                ::PostMessage(::GetDlgItem(hChoice, IDC_ARC_GET_INTERNET), message, VK_SPACE, 0);
+        },
         post(WM_SYSKEYDOWN, VK_F4),
         post(WM_COMMAND, IDOK),
         post(WM_COMMAND, IDCANCEL),
@@ -70,7 +73,7 @@ TEST_F(ArchiveWaitTest, TakesNeitherOKNorCancelHoweverTheyCome)
                       for (const auto& way : ways)
                           way(hChoice);
                       script.Settle(hChoice);
-                      EXPECT_TRUE(::IsWindow(hChoice));
+                      EXPECT_TRUE(::IsWindowVisible(hChoice));
                       EXPECT_EQ(::IsDlgButtonChecked(hChoice, IDC_ARC_GET_ARCHIVE), unsigned{BST_CHECKED});
                   },
                   true),
