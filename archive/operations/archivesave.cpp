@@ -104,7 +104,7 @@ int arcCArchiveManager::PrepareSave()
     const bool bKeepsOld = !bDiskette && m_save.nFormat != arcFormatZipped;
     if (bKeepsOld && !MoveOldArchiveAside(patient))
         return arc::ResultNotArchived;
-    m_bPathWasTaken = arc::WindowsFileSystem().Query(m_save.strArchivePath.GetString()).has_value();
+    m_bPathWasTaken = !arc::WindowsFileSystem().Query(m_save.strArchivePath.GetString()).IsAbsent();
 
     arcSStatusWork work;
     work.bSave = TRUE;
