@@ -6,6 +6,7 @@
 #include <httplib.h>
 
 #include <iostream>
+#include <optional>
 #include <vector>
 
 namespace
@@ -36,9 +37,10 @@ std::string SessionToken(const httplib::Request& request)
     return {};
 }
 
-// The whole body, or Failure 413 (the rest is not read, the connection closed).
+// The whole body. It is read even where it is of no use, for the connection to go on; `known` false (nobody
+// is signed in): what is more than signing in takes is dropped, and Failure 401.
 std::string ReadBody(const httplib::Request& request, const httplib::ContentReader& reader,
-                     std::size_t largest)
+                     std::size_t largest, bool known)
 {
     std::string body;
     const auto announced = request.get_header_value<std::uint64_t>("Content-Length");
@@ -46,15 +48,21 @@ std::string ReadBody(const httplib::Request& request, const httplib::ContentRead
         throw Failure(413, "The request is too large.");
     if (announced == 0 && !request.has_header("Transfer-Encoding"))
         return body;
-    body.reserve(announced);
+    const std::size_t kept = known ? largest : LargestUnknown;
+    body.reserve(std::min<std::size_t>(announced, kept));
+    std::size_t total = 0;
     const bool complete = reader([&](const char* data, std::size_t size) {
-        if (body.size() + size > largest)
+        total += size;
+        if (total > largest)
             return false;
-        body.append(data, size);
+        if (total <= kept)
+            body.append(data, size);
         return true;
     });
     if (!complete)
-        throw Failure(body.size() > largest ? 413 : 400, "The request did not arrive in full.");
+        throw Failure(total > largest ? 413 : 400, "The request did not arrive in full.");
+    if (total > kept)
+        throw Failure(401, "Not signed in.");
     return body;
 }
 
@@ -156,20 +164,24 @@ struct Server::Implementation
         });
     }
 
+    std::optional<Session> FindSession(const std::string& token)
+    {
+        try
+        {
+            return accounts.Find(token);
+        }
+        catch (const Failure&)
+        {
+            return std::nullopt;
+        }
+    }
+
     void RunCommand(const httplib::Request& request, httplib::Response& response,
                     const httplib::ContentReader& reader)
     {
         const std::string token = SessionToken(request);
-        bool known = false;
-        try
-        {
-            accounts.Find(token);
-            known = true;
-        }
-        catch (const Failure&) // signing in is the one command that needs no session
-        {
-        }
-        const auto form = ParseForm(ReadBody(request, reader, known ? LargestCommand : LargestUnknown));
+        const bool known = FindSession(token).has_value(); // signing in is the one command that needs none
+        const auto form = ParseForm(ReadBody(request, reader, LargestCommand, known));
         if (!form)
             throw Failure(400, "The request is no form.");
         const CommandReply reply = commands.Run(*form, token);
@@ -185,9 +197,12 @@ struct Server::Implementation
     void TakePiece(const httplib::Request& request, httplib::Response& response,
                    const httplib::ContentReader& reader)
     {
-        const Session session = accounts.Find(SessionToken(request));
+        const std::optional<Session> known = FindSession(SessionToken(request));
+        const std::string body = ReadBody(request, reader, LargestPiece, known.has_value());
+        if (!known)
+            throw Failure(401, "Not signed in.");
+        const Session& session = *known;
         const std::int64_t upload = RequireNumber(request, "upload");
-        const std::string body = ReadBody(request, reader, LargestPiece);
         if (request.has_param("commit"))
         {
             records.Commit(session.account, upload);
