@@ -53,8 +53,8 @@ std::vector<std::string> ListFileSet(const std::string& id, const std::vector<Ti
     return names;
 }
 
-std::optional<std::vector<PresentFile>> PresentFiles(FileSystem& files, const std::string& folder,
-                                                     const std::vector<std::string>& names)
+std::vector<PresentFile> PresentFiles(FileSystem& files, const std::string& folder,
+                                      const std::vector<std::string>& names)
 {
     std::vector<PresentFile> present;
     present.reserve(names.size());
@@ -62,15 +62,10 @@ std::optional<std::vector<PresentFile>> PresentFiles(FileSystem& files, const st
     {
         for (const std::string& candidate : {name, AlternateImageName(name)})
         {
-            const auto info =
-                candidate.empty() ? FileQuery::Absent() : files.Query(JoinPath(folder, candidate));
-            if (!info && !info.IsAbsent())
-            {
-                return std::nullopt;
-            }
+            const auto info = candidate.empty() ? std::nullopt : files.Query(JoinPath(folder, candidate));
             if (info && !info->IsFolder())
             {
-                present.push_back({candidate, info->size, info->stamp});
+                present.push_back({candidate, info->size});
                 break;
             }
         }
@@ -99,7 +94,7 @@ bool FilesToArchive(FileSystem& files, const std::string& folder, const std::str
     const auto take = [&](const FolderEntry& entry) {
         if (taken.insert(FoldCase(entry.name)).second)
         {
-            found.push_back({entry.name, entry.info.size, entry.info.stamp});
+            found.push_back({entry.name, entry.info.size});
         }
     };
     for (const std::string& pattern : ArchivePatterns(id))

@@ -46,6 +46,7 @@ int arcCArchiveManager::PrepareLoad()
     work.strStatus = velFormatTemplate(IDS_ARC_STATUS_LOADING, archive.GetNameExt(), archive.GetName());
     work.strArchivePath = m_load.strArchivePath;
     work.strFolder = m_pScratch->Path().c_str();
+    work.hOwner = m_pOwner->GetSafeHwnd();
     work.bAlternativeEngine = velGetIniInt("Defaults", "UseDynaZip", 0) != 0;
     if (!arc::IsZippedArchive(m_load.strArchivePath.GetString()))
     {
@@ -62,7 +63,7 @@ int arcCArchiveManager::PrepareLoad()
 
 void arcCArchiveManager::FinishLoad(int nResult)
 {
-    if (!TakeThread(Work::Load))
+    if (m_nWork != Work::Load)
         return;
     if (nResult == arc::ResultDone)
     {
@@ -193,7 +194,7 @@ bool arcCArchiveManager::AddPatient(dbCPatient& archived, const std::vector<std:
         CString strText, strCaption;
         strText.LoadString(IDS_ARC_FIELDS_ASSIGNED);
         strCaption.LoadString(IDS_ARC_CAPTION);
-        ::MessageBox(m_pOwner->GetSafeHwnd(), strText, strCaption, MB_OK | MB_ICONINFORMATION);
+        m_pOwner->MessageBox(strText, strCaption, MB_OK | MB_ICONINFORMATION);
     }
     return true;
 }

@@ -16,7 +16,9 @@ CString arcExistingArchive(LPCTSTR pszID, arcFormat nFormat, LPCTSTR pszArchiveP
 /// been read back and compared when it answers 0; what a failed save has written is removed again, except on
 /// diskettes. bConfirmed: the user has agreed to lose what the diskette in the drive holds. The record is
 /// copied.
-arcWork arcOtherSave(const dbCPatient& patient, arcFormat nFormat, LPCTSTR pszArchivePath, bool bConfirmed);
+decltype(arcSStatusWork::otherWork) arcOtherSave(const dbCPatient& patient, arcFormat nFormat,
+                                                 LPCTSTR pszArchivePath, bool bConfirmed);
 
 /// Work for the status thread: reads such an archive into the scratch folder.
-arcWork arcOtherLoad(arc::ArchiveKind kind, LPCTSTR pszArchivePath, const std::string& scratchFolder);
+decltype(arcSStatusWork::otherWork) arcOtherLoad(arc::ArchiveKind kind, LPCTSTR pszArchivePath,
+                                                 const std::string& scratchFolder);

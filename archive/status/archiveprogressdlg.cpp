@@ -5,18 +5,22 @@
 
 namespace
 {
-constexpr UINT LineInterval = 50; // milliseconds between two changes of the status line
-constexpr UINT_PTR LineTimer = 1;
+constexpr ULONGLONG LineInterval = 50; // milliseconds between two changes of the status line
+
+// Dispatches what waits for this thread, and goes on.
+void PumpWaitingMessages()
+{
+    MSG message{};
+    while (::PeekMessage(&message, nullptr, 0, 0, PM_NOREMOVE) && AfxPumpMessage())
+    {
+    }
+}
 } // namespace
 
 IMPLEMENT_DYNAMIC(arcCDlgArchiveProgress, mfcCDialog)
 
 BEGIN_MESSAGE_MAP(arcCDlgArchiveProgress, mfcCDialog)
 ON_COMMAND(arcCmdStartWork, &arcCDlgArchiveProgress::OnStartWork)
-ON_WM_TIMER()
-ON_MESSAGE(arcMsgProgress, &arcCDlgArchiveProgress::OnProgress)
-ON_MESSAGE(arcMsgWorkEnded, &arcCDlgArchiveProgress::OnWorkEnded)
-ON_MESSAGE(arcMsgAsk, &arcCDlgArchiveProgress::OnAsk)
 END_MESSAGE_MAP()
 
 arcCDlgArchiveProgress::arcCDlgArchiveProgress(const arcSStatusWork& work)
@@ -24,10 +28,7 @@ arcCDlgArchiveProgress::arcCDlgArchiveProgress(const arcSStatusWork& work)
 {
 }
 
-arcCDlgArchiveProgress::~arcCDlgArchiveProgress()
-{
-    m_pWorker.reset(); // while there is a dialog that it may ask
-}
+arcCDlgArchiveProgress::~arcCDlgArchiveProgress() = default;
 
 BOOL arcCDlgArchiveProgress::Create(CWnd* pParentWnd)
 {
@@ -61,7 +62,7 @@ void arcCDlgArchiveProgress::OnCancel()
 
 void arcCDlgArchiveProgress::OnStartWork()
 {
-    if (m_bStarted || m_bFinished)
+    if (m_bStarted)
     {
         return;
     }
@@ -70,26 +71,32 @@ void arcCDlgArchiveProgress::OnStartWork()
     UpdateWindow();
     // The code of a failed save or load stands unless the work itself says otherwise.
     m_nResult = m_work.bSave ? arc::ResultSaveFailed : arc::ResultLoadFailed;
-    m_pWorker = std::make_unique<arcCWorker>(MakeWork(), m_nResult);
-    if (!m_pWorker->Start(m_hWnd))
+    try
     {
-        m_nResult = arc::ResultNoThread;
-        m_bFinished = TRUE;
+        m_nResult = Work();
     }
+    catch (CException* e)
+    {
+        e->Delete();
+    }
+    catch (...)
+    {
+    }
+    ReportResult();
+    m_bFinished = TRUE;
 }
 
-arcWork arcCDlgArchiveProgress::MakeWork() const
+int arcCDlgArchiveProgress::Work()
 {
+    const auto progress = [this](int nPercent, const std::string& name) { return Progress(nPercent, name); };
     if (m_work.otherWork)
     {
-        return m_work.otherWork;
+        return m_work.otherWork(this, progress);
     }
+    arc::FileSystem& files = arc::WindowsFileSystem();
     if (!m_work.bSave)
     {
-        return [archive = std::string(m_work.strArchivePath),
-                folder = std::string(m_work.strFolder)](const arcAsk&, const arcProgress& progress) {
-            return arc::LoadZip(arc::WindowsFileSystem(), archive, folder, progress);
-        };
+        return arc::LoadZip(files, m_work.strArchivePath.GetString(), m_work.strFolder.GetString(), progress);
     }
     CString strChecking;
     static_cast<void>(strChecking.LoadString(IDS_ARC_STATUS_CHECKING));
@@ -100,86 +107,25 @@ arcWork arcCDlgArchiveProgress::MakeWork() const
     save.moreFiles = m_work.moreFiles;
     save.diskette = m_work.bDiskette != FALSE;
     save.checking = strChecking.GetString();
-    return [save](const arcAsk&, const arcProgress& progress) {
-        return arc::SaveZip(arc::WindowsFileSystem(), save, progress);
-    };
+    return arc::SaveZip(files, save, progress);
 }
 
-void arcCDlgArchiveProgress::FinishWork()
+bool arcCDlgArchiveProgress::Progress(int nPercent, const std::string& name)
 {
-    m_nResult = m_pWorker->GetResult();
-    m_bFinished = TRUE;
-    try
+    if (nPercent != m_nPercentShown)
     {
-        ReportResult();
+        m_nPercentShown = nPercent;
+        m_ctlBar.SetPos(nPercent);
     }
-    catch (CException* e)
+    const ULONGLONG nNow = ::GetTickCount64();
+    if (name != m_lineShown && nNow - m_nPainted >= LineInterval)
     {
-        e->Delete(); // the result stands, told or not
+        m_lineShown = name;
+        m_nPainted = nNow;
+        m_ctlLine.SetWindowText(name.c_str());
     }
-}
-
-void arcCDlgArchiveProgress::StopWork()
-{
-    if (m_pWorker)
-    {
-        m_pWorker->Stop();
-        return;
-    }
-    m_nResult = arc::ResultCancelled;
-    m_bFinished = TRUE;
-}
-
-LRESULT arcCDlgArchiveProgress::OnProgress(WPARAM, LPARAM)
-{
-    if (!m_pWorker)
-    {
-        return 0;
-    }
-    const arcCWorker::Progress progress = m_pWorker->TakeProgress();
-    m_ctlBar.SetPos(progress.nPercent);
-    if (progress.name != m_line)
-    {
-        m_line = progress.name;
-        // Names may follow each other faster than anybody reads.
-        if (!m_bLineDue)
-        {
-            m_ctlLine.SetWindowText(m_line.c_str());
-            m_bLineDue = SetTimer(LineTimer, LineInterval, nullptr) != 0;
-        }
-    }
-    return 0;
-}
-
-void arcCDlgArchiveProgress::OnTimer(UINT_PTR nIDEvent)
-{
-    if (nIDEvent != LineTimer)
-    {
-        mfcCDialog::OnTimer(nIDEvent);
-        return;
-    }
-    KillTimer(LineTimer);
-    m_bLineDue = FALSE;
-    m_ctlLine.SetWindowText(m_line.c_str());
-}
-
-// The end must not wait until the user lets go of the window: the system's loop for moving it ends.
-LRESULT arcCDlgArchiveProgress::OnWorkEnded(WPARAM, LPARAM)
-{
-    GUITHREADINFO info{};
-    info.cbSize = sizeof info;
-    if (::GetGUIThreadInfo(::GetCurrentThreadId(), &info) && (info.flags & GUI_INMOVESIZE) != 0)
-    {
-        SendMessage(WM_CANCELMODE);
-        PostMessage(WM_KEYDOWN, VK_ESCAPE);
-    }
-    return 0;
-}
-
-LRESULT arcCDlgArchiveProgress::OnAsk(WPARAM, LPARAM lParam)
-{
-    const auto& question = *reinterpret_cast<const arcSQuestion*>(lParam);
-    return MessageBox(question.strText, AfxGetAppName(), question.nType);
+    PumpWaitingMessages();
+    return true;
 }
 
 void arcCDlgArchiveProgress::ReportResult()
@@ -191,5 +137,5 @@ void arcCDlgArchiveProgress::ReportResult()
     }
     CString strMessage;
     strMessage.Format(nText, m_nResult);
-    ::MessageBox(GetSafeHwnd(), strMessage, AfxGetAppName(), MB_OK | MB_ICONEXCLAMATION);
+    MessageBox(strMessage, AfxGetAppName(), MB_OK | MB_ICONEXCLAMATION);
 }

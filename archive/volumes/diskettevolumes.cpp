@@ -46,8 +46,7 @@ bool DisketteVolumes::AgreeToUse(int number)
             continue;
         }
         const unsigned question = DisketteQuestion(check);
-        // What was agreed to was the first diskette's contents.
-        const bool confirmed = std::exchange(m_bConfirmed, false) && number == 1;
+        const bool confirmed = std::exchange(m_bConfirmed, false);
         return question == 0 || confirmed || m_prompts.UseAnyway(question);
     }
 }
@@ -83,7 +82,7 @@ VolumeStatus DisketteVolumes::OpenForWriting(int number, std::unique_ptr<File>& 
 
 VolumeStatus DisketteVolumes::OpenForReading(int number, std::unique_ptr<File>& volume)
 {
-    const bool isThere = static_cast<bool>(m_files.Query(VolumePath(number)));
+    const bool isThere = m_files.Query(VolumePath(number)).has_value();
     if (!isThere && m_nInDrive != number && !m_prompts.Insert(number, m_drive))
         return VolumeStatus::Cancelled;
     m_nInDrive = number;

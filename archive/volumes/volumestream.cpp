@@ -275,8 +275,7 @@ private:
             {
                 status = ReadHeader();
             }
-        } while ((status == VolumeStatus::OpenFailed || status == VolumeStatus::Corrupt ||
-                  status == VolumeStatus::OutOfOrder) &&
+        } while ((status == VolumeStatus::Corrupt || status == VolumeStatus::OutOfOrder) &&
                  m_source.TryAgain(m_number, status));
         return status;
     }
@@ -437,7 +436,7 @@ public:
         {
             return VolumeStatus::WriteFailed;
         }
-        m_read.push_back({record.name, record.length, 0});
+        m_read.push_back({record.name, record.length});
         return VolumeStatus::Done;
     }
 
@@ -529,7 +528,7 @@ std::uint64_t FolderVolumes::ExpectedCapacity()
 
 VolumeStatus FolderVolumes::OpenForWriting(int number, std::unique_ptr<File>& volume, std::uint64_t& capacity)
 {
-    volume = m_files.Open(VolumeFileName(m_folder, m_id, number), Access::CreateNew);
+    volume = m_files.Open(VolumeFileName(m_folder, m_id, number), Access::Replace);
     if (!volume)
     {
         return VolumeStatus::OpenFailed;

@@ -1,5 +1,6 @@
 #include "archive/work/zipwork.h"
 
+#include "archive/files/asidefile.h"
 #include "archive/work/resultcodes.h"
 #include "archive/zip/unzipper.h"
 #include "archive/work/verify.h"
@@ -7,107 +8,80 @@
 
 namespace arc
 {
-ZipSaving::ZipSaving(FileSystem& files, const ZipSave& save, const WorkProgress& progress)
-    : m_files(files), m_save(save), m_progress(progress), m_previous(files)
+namespace
 {
-}
-
-ZipSaving::~ZipSaving()
+// Passes progress on and remembers when it was told to stop.
+class Watched
 {
-    if (m_bOpened && !m_bCommitted)
+public:
+    explicit Watched(const WorkProgress& progress) : m_progress(progress)
     {
-        m_files.RemoveFile(WrittenPath());
     }
-}
 
-bool ZipSaving::Begin()
-{
-    const bool begun = m_save.diskette || m_previous.MoveAway(m_save.archivePath);
-    Step("save.aside");
-    return begun;
-}
+    bool operator()(int percent, const std::string& name)
+    {
+        m_cancelled = m_cancelled || (m_progress && !m_progress(percent, name));
+        return !m_cancelled;
+    }
 
-bool ZipSaving::Write()
-{
-    CZipper zipper(m_files);
-    zipper.SetProgress([this](int percent, const std::string& name) { return Report(percent, name); });
-    m_bOpened = zipper.OpenZip(WrittenPath(), {}, false, !m_save.diskette);
-    const bool added =
-        m_bOpened && zipper.AddPatternList(m_save.patterns, m_save.folder, true, m_save.moreFiles);
-    m_stored = zipper.Stored();
-    const bool written = zipper.CloseZip() && added;
-    Step("save.written");
-    return written;
-}
+    int Result(bool done, int failure) const
+    {
+        return m_cancelled ? ResultCancelled : done ? ResultDone : failure;
+    }
 
-bool ZipSaving::Prove()
-{
-    const bool proven =
-        VerifyZip(m_files, WrittenPath(), m_stored, [this] { return Report(100, m_save.checking); }) &&
-        (!m_save.trial || m_save.trial(WrittenPath()));
-    Step("save.proven");
-    return proven;
-}
+private:
+    const WorkProgress& m_progress;
+    bool m_cancelled = false;
+};
 
-bool ZipSaving::Commit()
+// opened: something was written to the archive's path.
+bool WriteZip(FileSystem& files, const ZipSave& save, Watched& watched, std::vector<PresentFile>& stored,
+              bool& opened)
 {
-    if (WrittenPath() != m_save.archivePath && !m_files.Move(WrittenPath(), m_save.archivePath))
+    CZipper zipper(files);
+    zipper.SetProgress([&](int percent, const std::string& name) { return watched(percent, name); });
+    opened = zipper.OpenZip(save.archivePath);
+    if (!opened)
     {
         return false;
     }
-    m_bCommitted = true;
-    Step("save.placed");
-    m_previous.Discard();
-    Step("save.done");
-    return true;
+    const bool added = zipper.AddPatternList(save.patterns, save.folder, true, save.moreFiles);
+    stored = zipper.Stored();
+    return zipper.CloseZip() && added;
 }
+} // namespace
 
-int ZipSaving::Result() const
+int SaveZip(FileSystem& files, const ZipSave& save, const WorkProgress& progress)
 {
-    return m_bCommitted ? ResultDone : m_bCancelled ? ResultCancelled : ResultSaveFailed;
-}
-
-bool ZipSaving::Report(int percent, const std::string& name)
-{
-    m_bCancelled = m_bCancelled || (m_progress && !m_progress(percent, name));
-    return !m_bCancelled;
-}
-
-void ZipSaving::Step(const char* step) const
-{
-    if (m_save.step)
+    Watched watched(progress);
+    AsideFile previous(files);
+    if (!save.diskette && !previous.MoveAway(save.archivePath))
     {
-        m_save.step(step);
+        return ResultSaveFailed;
     }
-}
-
-const std::string& ZipSaving::WrittenPath() const
-{
-    return m_save.workingPath.empty() || m_save.diskette ? m_save.archivePath : m_save.workingPath;
-}
-
-int SaveZip(FileSystem& files, const ZipSave& save, const WorkProgress& progress,
-            std::vector<PresentFile>* stored)
-{
-    ZipSaving saving(files, save, progress);
-    const bool done = saving.Begin() && saving.Write() && saving.Prove() && saving.Commit();
-    if (done && stored)
+    bool opened = false;
+    std::vector<PresentFile> stored;
+    const bool written = WriteZip(files, save, watched, stored, opened);
+    const bool good =
+        written && VerifyZip(files, save.archivePath, stored, [&] { return watched(100, save.checking); });
+    if (good)
     {
-        *stored = saving.Stored();
+        previous.Discard();
     }
-    return saving.Result();
+    else if (opened)
+    {
+        files.RemoveFile(save.archivePath);
+    }
+    return watched.Result(good, ResultSaveFailed);
 }
 
 int LoadZip(FileSystem& files, const std::string& archivePath, const std::string& folder,
             const WorkProgress& progress)
 {
-    bool cancelled = false;
+    Watched watched(progress);
     CUnzipper unzipper(files);
-    unzipper.SetProgress([&](int percent, const std::string& name) {
-        cancelled = cancelled || (progress && !progress(percent, name));
-        return !cancelled;
-    });
+    unzipper.SetProgress([&](int percent, const std::string& name) { return watched(percent, name); });
     const bool done = unzipper.OpenZip(archivePath) && unzipper.UnzipAll(folder);
-    return cancelled ? ResultCancelled : done ? ResultDone : ResultLoadFailed;
+    return watched.Result(done, ResultLoadFailed);
 }
 } // namespace arc

@@ -13,8 +13,7 @@ namespace arc
 class ZipFileFunctions
 {
 public:
-    // onlyNew: a zip that is to be created fails where there is anything of its name.
-    explicit ZipFileFunctions(FileSystem& files, bool onlyNew = false);
+    explicit ZipFileFunctions(FileSystem& files);
     ZipFileFunctions(const ZipFileFunctions&) = delete;
     ZipFileFunctions& operator=(const ZipFileFunctions&) = delete;
 
@@ -26,7 +25,6 @@ private:
     struct Callbacks;
 
     FileSystem& m_files;
-    const bool m_bOnlyNew;
     zlib_filefunc64_def m_table{};
     bool m_bFailed = false;
 };

@@ -52,7 +52,7 @@ CZipper::~CZipper()
     CloseZip();
 }
 
-bool CZipper::OpenZip(const std::string& zipPath, const std::string& rootFolder, bool append, bool onlyNew)
+bool CZipper::OpenZip(const std::string& zipPath, const std::string& rootFolder, bool append)
 {
     CloseZip();
     if (zipPath.empty())
@@ -73,12 +73,12 @@ bool CZipper::OpenZip(const std::string& zipPath, const std::string& rootFolder,
     m_nPercent = 0;
 
     // Adding to a file that is no sound zip would write over its bytes.
-    append = append && !m_files.Query(m_strZipPath).IsAbsent();
+    append = append && m_files.Query(m_strZipPath).has_value();
     if (append && !IsReadableZip(m_files, m_strZipPath))
     {
         return false;
     }
-    m_functions = std::make_unique<arc::ZipFileFunctions>(m_files, onlyNew);
+    m_functions = std::make_unique<arc::ZipFileFunctions>(m_files);
     m_zip = zipOpen2_64(m_strZipPath.c_str(), append ? APPEND_STATUS_ADDINZIP : APPEND_STATUS_CREATE, nullptr,
                         m_functions->Table());
     if (!m_zip)
@@ -140,11 +140,14 @@ bool CZipper::OpenEntry(const std::string& stored, const arc::FileInfo& info)
 
 bool CZipper::StoreFile(const std::string& path, const std::string& stored)
 {
-    // While it is open nobody changes it: size and time are those of the bytes that are stored.
-    const auto source = m_files.Open(path, arc::Access::ReadAlone);
     auto info = m_files.Query(path);
+    if (!info || info->IsFolder())
+    {
+        return false;
+    }
+    const auto source = m_files.Open(path, arc::Access::ReadAlone);
     const auto size = source ? source->Size() : std::nullopt;
-    if (!size || !info || info->IsFolder())
+    if (!size)
     {
         return false;
     }
@@ -179,7 +182,7 @@ bool CZipper::StoreFile(const std::string& path, const std::string& stored)
     {
         return false;
     }
-    m_stored.push_back({stored, copied, info->stamp});
+    m_stored.push_back({stored, copied});
     return true;
 }
 
@@ -285,7 +288,7 @@ bool CZipper::AddPatternList(const std::string& arguments, const std::string& ba
     {
         if (taken.insert(arc::FoldCase(path)).second)
         {
-            const auto info = m_files.Query(path); // one that is not there fails when it is stored
+            const auto info = m_files.Query(path);
             found.push_back({path, info ? info->size : 0});
             m_nProgressTotal += found.back().size;
         }

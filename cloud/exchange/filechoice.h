@@ -10,9 +10,9 @@ enum class FileKind
 {
     Image,
     Uncropped, ///< companion of an image
-    Other,     ///< further documents of an image
     ThreeD,
-    Measurements ///< McLaughlin analysis
+    Measurements, ///< McLaughlin analysis
+    Other         ///< further documents of an image
 };
 
 /// The category's name in a record; empty for images and their companions, which have elements of their own.

@@ -1,4 +1,5 @@
 // How a record from the service becomes part of a local patient.
+#include "cloud/exchange/patientfiles.h"
 #include "cloud/exchange/receiveplan.h"
 
 #include <gmock/gmock.h>
@@ -124,13 +125,13 @@ TEST(CloudReceive, NamesFilesForTheLocalPatientAndTakesWhatIsChosen)
     RecordImage image = Image("a107.i0a", std::string(128, 'A'));
     image.viewFile = "A107.V0A";
     image.viewSignature = Md5;
-    image.files = {{"A107.x.I0A", Md5, "", "3D"}, {"A107.I0A.AVI", Md5, "", "strange"}};
+    image.files = {{"A107.D1.I0A", Md5, "", "3D"}, {"A107.I0A.AVI", Md5, "", "strange"}};
     timepoint.images = {image, Image("A107.C01"), Image("A107.I0A")}; // the last is the first again
 
     const ReceivePlan all = Plan(record, "B2", {{"{T7}", "", "", 3}});
     EXPECT_THAT(Transfers(all),
                 ElementsAre("A1$07$x.stl>B2$03$x.stl 3", "A107.M>B203.M 3", "a107.i0a>B203.i0a 3",
-                            "A107.V0A>B203.V0A 3", "A107.x.I0A>B203.x.I0A 3", "A107.I0A.AVI>B203.I0A.AVI 3",
+                            "A107.V0A>B203.V0A 3", "A107.D1.I0A>B203.D1.I0A 3", "A107.I0A.AVI>B203.I0A.AVI 3",
                             "A107.C01>B203.C01 3", "A1.ACV>B2.ACV 0"));
     EXPECT_EQ(all.files[0].catalogGuid, "{C}");
     EXPECT_EQ(all.files[2].signature, std::string(128, 'a'));
@@ -207,4 +208,33 @@ TEST(CloudReceive, JudgesTheSearchesInTheirOrder)
     EXPECT_EQ(JudgeMatch(false, true, true), LocalMatch::ByName);
     EXPECT_EQ(JudgeMatch(false, false, true), LocalMatch::WithoutBirthDate);
     EXPECT_EQ(JudgeMatch(false, false, false), LocalMatch::None);
+}
+
+TEST(CloudReceive, SortsAFoldersFilesIntoTimepointsAndImages)
+{
+    const auto timepoints =
+        GroupPatientFiles({"A100.PF", "A1.PF", "a101.i2a", "A101.V2A", "A101.I2A.DIC", "A101.I2A.AVI",
+                           "A101.D1.I2A", "A101.M", "A101.DF0", "A1$01$b.stl", "A1$01$A.stl", "A1$free",
+                           "A100.C01", "A100.I40", "A102.C01", "A102.V3B", "A1001.I2A", "B101.I2B"},
+                          "A1");
+    std::vector<std::string> lines;
+    for (const auto& [number, timepoint] : timepoints)
+    {
+        std::string line = std::to_string(number);
+        for (const auto& [name, kind] : timepoint.files)
+            line += " " + name + "=" + std::string(CategoryOf(kind));
+        for (const auto& [slot, image] : timepoint.images)
+        {
+            line +=
+                " [" + std::to_string(slot.first) + slot.second + " " + image.image + "," + image.companion;
+            for (const auto& [name, kind] : image.further)
+                line += " " + name + "=" + std::string(CategoryOf(kind));
+            line += "]";
+        }
+        lines.push_back(line);
+    }
+    EXPECT_THAT(lines, ElementsAre("0 [40 A100.I40,]",
+                                   "1 A1$01$A.stl=3D A1$01$b.stl=3D A101.M=McLaughlin [2A a101.i2a,A101.V2A "
+                                   "A101.D1.I2A=3D A101.I2A.AVI=other A101.I2A.DIC=other]",
+                                   "2 [3B ,A102.V3B] [40 A102.C01,]"));
 }

@@ -245,7 +245,10 @@ INT_PTR CDialog::DoModal()
 void CDialog::EndDialog(int nResult)
 {
     ASSERT(::IsWindow(m_hWnd));
-    EndModalLoop(nResult); // of several calls the last one's result is the dialog's
+    if (m_bContinueModal)
+    {
+        EndModalLoop(nResult);
+    }
     ::EndDialog(m_hWnd, nResult);
 }
 

@@ -11,6 +11,7 @@ set(velmfc_windows_sources
   src/dllinit.cpp
   src/gdi.cpp
   src/handlemap.cpp
+  src/inet.cpp
   src/menu.cpp
   src/state.cpp
   src/thrdcore.cpp

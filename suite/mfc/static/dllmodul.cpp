@@ -19,19 +19,14 @@ AFX_MODULE_STATE* AfxGetStaticModuleState()
     return state;
 }
 
-extern "C" BOOL WINAPI DllMain(HINSTANCE hInstance, DWORD dwReason, LPVOID lpReserved)
+extern "C" BOOL WINAPI DllMain(HINSTANCE hInstance, DWORD dwReason, LPVOID)
 {
     switch (dwReason)
     {
     case DLL_PROCESS_ATTACH:
         return AfxRegularDllStart(hInstance, &AfxWndProcDll);
     case DLL_PROCESS_DETACH:
-        // When the process ends, other threads were stopped wherever they were: nothing is safe to touch then,
-        // and the system takes everything back.
-        if (lpReserved == nullptr)
-        {
-            AfxRegularDllEnd(hInstance);
-        }
+        AfxRegularDllEnd(hInstance);
         break;
     default:
         break;

@@ -1,0 +1,334 @@
+// Documents of the exchange: what is written, byte by byte, and what is read of what comes.
+#include "cloud/xml/velxml.h"
+#include "suite/patients/velpat.h"
+#include "tests/support/dialogscript.h"
+#include "tests/support/mfctestprogram.h"
+#include "tests/support/temporarypractice.h"
+
+#include <gmock/gmock.h>
+
+using veltest::DialogScript;
+
+VEL_MFC_TEST_PROGRAM();
+
+namespace
+{
+class VelXml : public testing::Test
+{
+protected:
+    VelXml()
+    {
+        m_practice.Set("Environment", "WORKING", m_practice.Working());
+        dbCPatients::Create(m_practice.Path("patients.db").c_str());
+    }
+    ~VelXml() override
+    {
+        dbCPatients::Close();
+    }
+
+    /// Every attribute and collection of the record, with texts that markup and code page make hard.
+    dbCPatient StoreRich()
+    {
+        dbCDoctor doctor;
+        doctor.GetPerson().SetLastname("O'Hara & \"Sons\"");
+        doctor.GetPerson().SetFirstname("Zo\xeb");
+        doctor.GetPerson().SetTitle("Dr.");
+        doctor.GetPerson().SetEmail("z@hara.example");
+        dbCAddress office;
+        office.SetType("O");
+        office.SetCompany("<Hara>");
+        doctor.GetPerson().GetAddresses().Add(office);
+        doctor.SetTreating(TRUE);
+        doctor.Save();
+
+        dbCPatient patient;
+        patient.SetID("A1");
+        patient.SetGUID("{0A000000-0000-0000-0000-000000000001}");
+        patient.SetLastname("M\xfcller");
+        patient.SetFirstname("\x80va");
+        patient.SetBirthdate(velCDate(2012, 3, 4));
+        patient.SetGender(1);
+        patient.SetNorm(3);
+        patient.SetTitle("Ms");
+        patient.SetNickname("E");
+        patient.SetNotes("one\r\n\ttwo <b>");
+        patient.GetPhones().Add(dbCPhone("1 2", "Home"));
+        dbCAddress home;
+        home.SetStreet("Quay 1");
+        home.SetCity("Ulm");
+        home.SetState("BW");
+        home.SetPostalCode("89073");
+        home.SetCountry("DE");
+        patient.GetAddresses().Add(home);
+        patient.SetPersonInfo(dbPersonTreatingDoctor, doctor.GetPerson());
+        dbCPatientReferralsRow referral;
+        referral.Set_docID(doctor.GetGUID());
+        referral.Set_type(DB_REFERRAL_DOC);
+        patient.GetReferrals().Add(referral);
+
+        dbCTimepoint timepoint;
+        timepoint.SetNumber("A1", 7);
+        timepoint.SetName("Start");
+        timepoint.SettpID("{7}");
+        timepoint.SetDate(velCDate(2009, 3, 5));
+        timepoint.SetImage(2, 0);
+        timepoint.SetImage(3, 1); // its file is missing
+        timepoint.SetImageInfo(2, 0, {"lateral", "a note", "{IMAGE}"});
+        patient.GetTimepoints().Add(&patient, timepoint, FALSE, FALSE);
+        for (const char* name :
+             {"A107.I2A", "A107.V2A", "A107.I2A.AVI", "A107.D0.I2A", "A1$07$x.stl", "A107.M"})
+            m_practice.WriteFile("working\\" + std::string(name), "abc");
+        patient.Save();
+        dbCPatient stored;
+        EXPECT_TRUE(stored.Load("A1"));
+        return stored;
+    }
+
+    veltest::TemporaryPractice m_practice;
+};
+
+const std::string Abc = "900150983cd24fb0d6963f7d28e17f72"; // MD5 of "abc"
+const std::string Begin = "<?xml version='1.0'?>\r\n<?xml-stylesheet type='text/xml' href='dom.xsl'?>\r\n";
+
+/// The service's form of a record with one timepoint and one image.
+std::string ServiceRecord(const std::string& more = {})
+{
+    return "<record userGUID=\"{U}\" downloadACV=\"1\"><patient patVeltrixID=\"41\" patGUID=\"{P}\" "
+           "patientID=\"A1\" "
+           "patOwnerGUID=\"{O}\" frvPatGUID=\"{F}\" patfirstName=\"Zo\xc3\xab\" patlastName=\"Lee\" "
+           "patBirthdate=\"1999-05-17\" patGender=\"2\"/><Timepoints><Timepoint name=\"T\" "
+           "tpDate=\"2009-03-05\" "
+           "tpNumber=\"7\" tpGUID='\"] | //x[\"'><file name=\"A107.M\" hash=\"h\" catalogGUID=\"{C}\" "
+           "category=\"McLaughlin\"/><Images><image file=\"A107.I2A\" signature=\"s\" title=\"t\" note=\"n\" "
+           "imageType=\"2A\" imageGUID=\"{I}\" vfile=\"A107.V2A\" vsignature=\"v\"><file "
+           "name=\"A107.I2A.AVI\" "
+           "hash=\"x\"/></image></Images></Timepoint></Timepoints>" +
+           more + "</record>";
+}
+} // namespace
+
+TEST_F(VelXml, WritesTheSharedRecord)
+{
+    const dbCPatient patient = StoreRich();
+    CVelXML xml;
+    ASSERT_TRUE(xml.IsAvailable());
+    CString text;
+    ASSERT_TRUE(xml.BuildPatientXml(patient, text));
+    dbCPerson doctor;
+    patient.GetPersonInfo(dbPersonTreatingDoctor, doctor);
+    const std::string guid = doctor.GetPersonGUID().GetString();
+    const std::string signature = " signature=\"" + Abc + "\"";
+    EXPECT_EQ(std::string(text),
+              Begin +
+                  "<!--Patient Information-->\r\n<patient patientid=\"A1\" "
+                  "id=\"{0A000000-0000-0000-0000-000000000001}\" "
+                  "last=\"M&#252;ller\" first=\"&#8364;va\" birthdate=\"2012-03-04\" dob=\"" +
+                  patient.GetBirthdate().FormatDate().GetString() +
+                  "\" gender=\"1\" norm=\"3\" title=\"Ms\" nickname=\"E\"><treatingDoctor id=\"" + guid +
+                  "\" last=\"O'Hara &amp; &quot;Sons&quot;\" first=\"Zo&#235;\" title=\"Dr.\"><emails><email "
+                  "address=\"z@hara.example\"/></emails><addresses><address type=\"O\" "
+                  "company=\"&lt;Hara&gt;\"/></addresses>"
+                  "</treatingDoctor><ReferringDoctors><ReferringDoctor id=\"" +
+                  guid +
+                  "\" refname=\"Zo&#235; O'Hara &amp; &quot;Sons&quot;\" "
+                  "refemail=\"z@hara.example\"/></ReferringDoctors>"
+                  "<note>one&#10;&#9;two &lt;b&gt;</note><phones><phone number=\"1 2\" "
+                  "type=\"Home\"/></phones><addresses>"
+                  "<address type=\"H\" street=\"Quay 1\" city=\"Ulm\" state=\"BW\" zip=\"89073\" "
+                  "country=\"DE\"/></addresses>"
+                  "<timepoints><timepoint name=\"Start\" tpGUID=\"{7}\" date=\"03/05/2009\" "
+                  "file=\"A107\"><Files><file "
+                  "name=\"A1$07$x.stl\"" +
+                  signature + " category=\"3D\"/><file name=\"A107.M\"" + signature +
+                  " category=\"McLaughlin\"/></Files><images><image title=\"lateral\" note=\"a note\" "
+                  "file=\"A107.I2A\"" +
+                  signature + " vfile=\"A107.V2A\" vsignature=\"" + Abc + "\"><file name=\"A107.D0.I2A\"" +
+                  signature + " category=\"3D\"/><file name=\"A107.I2A.AVI\"" + signature +
+                  " category=\"other\"/></image></images></timepoint></timepoints></patient>");
+
+    // Only what is chosen.
+    ASSERT_TRUE(xml.BuildPatientXml(patient, text, {}));
+    ASSERT_TRUE(xml.LoadXml(text));
+    EXPECT_EQ(xml.SelectCount("//file"), 1);
+    EXPECT_EQ(xml.SelectCount("//image[@vfile]"), 0);
+}
+
+TEST_F(VelXml, WritesAnEmptyRecordWithItsBirthDate)
+{
+    dbCPatient patient;
+    patient.SetID("B1");
+    patient.SetLastname("Lee");
+    CVelXML xml;
+    CString text;
+    ASSERT_TRUE(xml.BuildPatientXml(patient, text));
+    EXPECT_EQ(std::string(text), Begin +
+                                     "<!--Patient Information-->\r\n<patient patientid=\"B1\" last=\"Lee\" "
+                                     "birthdate=\"\" gender=\"0\" norm=\"0\"/>");
+    patient.SetNickname("a\x01");
+    EXPECT_FALSE(xml.BuildPatientXml(patient, text));
+}
+
+TEST_F(VelXml, WritesTheManifest)
+{
+    cloud::ManifestFile file;
+    file.finalName = "B201.I2A";
+    file.exists = true;
+    file.note = "\xe9";
+    file.title = "t";
+    file.fileGuid = "{I}";
+    file.catalogGuid = "{C}";
+    file.name = "A107.I2A";
+    file.ownerGuid = "{O}";
+    file.signature = Abc;
+    file.timepointNumber = 1;
+    CVelXML xml;
+    CString text;
+    ASSERT_TRUE(xml.BuildUploadManifest({"Lee, Ann", "{P}", "B2", "{F}", "41"}, {file, {}}, text));
+    EXPECT_EQ(std::string(text),
+              Begin +
+                  "<patient patFullname=\"Lee, Ann\" patGUID=\"{P}\" patID=\"B2\" frvPatGUID=\"{F}\" "
+                  "frvPatId=\"41\">"
+                  "<images><image finalfilename=\"B201.I2A\" imageExists=\"1\" imageNote=\"&#233;\" "
+                  "imageTitle=\"t\" "
+                  "imgfileGuid=\"{I}\" catalogGuid=\"{C}\" imgfilename=\"A107.I2A\" patOwnerGuid=\"{O}\" "
+                  "imgfileSignature=\"" +
+                  Abc + "\" tpNumber=\"1\"/><image imageExists=\"0\" tpNumber=\"0\"/></images></patient>");
+    ASSERT_TRUE(xml.BuildUploadManifest({}, {}, text));
+    EXPECT_EQ(std::string(text), Begin + "<patient/>");
+}
+
+TEST_F(VelXml, SignsFiles)
+{
+    // A block is 2048 bytes: what is one shorter, as long, longer, and far longer than the buffer.
+    const std::pair<std::size_t, const char*> sizes[] = {{0, "d41d8cd98f00b204e9800998ecf8427e"},
+                                                         {2047, "3d1068cfa244f4f86f5bb631471add8f"},
+                                                         {2048, "b7ea2d21ad2ef3e28085d30247603e0b"},
+                                                         {600'001, "cebccbe4724f4b7ead6e47686ea224db"}};
+    CVelXML xml;
+    CString signature;
+    for (const auto& [size, expected] : sizes)
+    {
+        m_practice.WriteFile("file", std::string(size, 'a'));
+        EXPECT_EQ(xml.GetFileSignature(m_practice.Path("file").c_str(), signature), S_OK);
+        EXPECT_STREQ(signature, expected) << size;
+    }
+    // While another program has it open, for writing too.
+    const HANDLE open = ::CreateFile(m_practice.Path("file").c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
+                                     OPEN_EXISTING, 0, nullptr);
+    EXPECT_EQ(xml.GetFileSignature(m_practice.Path("file").c_str(), signature), S_OK);
+    ::CloseHandle(open);
+    EXPECT_EQ(xml.GetFileSignature("", signature), static_cast<HRESULT>(0x80070057));
+    EXPECT_EQ(xml.GetFileSignature(("C:\\" + std::string(257, 'a')).c_str(), signature),
+              static_cast<HRESULT>(0x80070057));
+    EXPECT_EQ(xml.GetFileSignature(("C:\\" + std::string(256, 'a')).c_str(), signature),
+              static_cast<HRESULT>(0x800A0035));
+    EXPECT_EQ(xml.GetFileSignature(m_practice.Path("none").c_str(), signature),
+              static_cast<HRESULT>(0x800A0035));
+    EXPECT_TRUE(signature.IsEmpty());
+
+    m_practice.WriteFile("file", "abc");
+    m_practice.Set("defaults", "FIPS", "ON");
+    CVelXML fips;
+    ASSERT_EQ(fips.GetFileSignature(m_practice.Path("file").c_str(), signature), S_OK);
+    EXPECT_STREQ(signature, "ddaf35a193617abacc417349ae20413112e6fa4e89a97ea20a9eeee64b55d39a"
+                            "2192992a274fc1a836ba3c23a3feebbd454d4423643ce80e2a9ac94fa54ca49f");
+}
+
+TEST_F(VelXml, ReadsARecord)
+{
+    CVelXML xml;
+    ASSERT_TRUE(xml.LoadXml(ServiceRecord("<patient id=\"{P}\" last=\"Lee\"/>").c_str()));
+    cloud::Record record;
+    ASSERT_TRUE(xml.ReadRecord(record));
+    EXPECT_FALSE(xml.IsLossy());
+    EXPECT_EQ(record.userGuid + record.serviceId + record.guid + record.patientId + record.ownerGuid +
+                  record.serviceGuid + record.firstName + record.lastName + record.birthDate + record.gender,
+              "{U}41{P}A1{O}{F}Zo\xebLee1999-05-172");
+    EXPECT_TRUE(record.withArchiveRecord);
+    ASSERT_EQ(record.timepoints.size(), 1U);
+    const cloud::RecordTimepoint& timepoint = record.timepoints[0];
+    EXPECT_EQ(timepoint.name + timepoint.date + timepoint.number + timepoint.guid,
+              "T2009-03-057\"] | //x[\"");
+    ASSERT_EQ(timepoint.files.size(), 1U);
+    EXPECT_EQ(timepoint.files[0].name + timepoint.files[0].signature + timepoint.files[0].catalogGuid +
+                  timepoint.files[0].category,
+              "A107.Mh{C}McLaughlin");
+    ASSERT_EQ(timepoint.images.size(), 1U);
+    const cloud::RecordImage& image = timepoint.images[0];
+    EXPECT_EQ(image.file + image.signature + image.title + image.note + image.type + image.guid +
+                  image.viewFile + image.viewSignature,
+              "A107.I2Astn2A{I}A107.V2Av");
+    ASSERT_EQ(image.files.size(), 1U);
+
+    for (const std::string& unusable :
+         {std::string(), std::string("<html><body>busy</body></html>"), std::string("<record/>"),
+          ServiceRecord("<patient patVeltrixID=\"42\"/>"), ServiceRecord().substr(0, 300),
+          std::string("<record><patient patVeltrixID=''/></record>"),
+          "<!DOCTYPE record [<!ENTITY a 'b'>]>" + ServiceRecord()})
+    {
+        xml.LoadXml(unusable.c_str());
+        EXPECT_FALSE(xml.ReadRecord(record)) << unusable;
+        EXPECT_EQ(xml.SelectCount("//patient[@a='"), 0);
+    }
+    xml.LoadXml("<record><patient patVeltrixID='1' patlastName='&#20013;'/></record>");
+    EXPECT_TRUE(xml.ReadRecord(record));
+    EXPECT_TRUE(xml.IsLossy());
+}
+
+TEST_F(VelXml, ReadsBackWhatItWrote)
+{
+    const dbCPatient patient = StoreRich();
+    CVelXML xml;
+    CString text;
+    ASSERT_TRUE(xml.BuildPatientXml(patient, text));
+    std::string element(text);
+    element.erase(0, element.find("<patient "));
+    ASSERT_TRUE(xml.LoadXml(ServiceRecord(element).c_str()));
+    dbCPatient read;
+    ASSERT_TRUE(xml.ReadPatientDetails(read));
+    EXPECT_STREQ(read.GetNotes(), patient.GetNotes());
+    EXPECT_STREQ(read.GetTitle() + read.GetNickname(), "MsE");
+    EXPECT_EQ(read.GetNorm(), 3);
+    ASSERT_EQ(read.GetPhones().GetCount(), 1);
+    EXPECT_STREQ(read.GetPhones()[0].GetNumber() + read.GetPhones()[0].GetType(), "1 2Home");
+    ASSERT_EQ(read.GetAddresses().GetCount(), 1);
+    const dbCAddress home = read.GetAddress();
+    EXPECT_STREQ(home.GetType() + home.GetStreet() + home.GetCity() + home.GetState() + home.GetPostalCode() +
+                     home.GetCountry(),
+                 "HQuay 1UlmBW89073DE");
+    dbCPerson doctor, expected;
+    ASSERT_TRUE(read.GetPersonInfo(dbPersonTreatingDoctor, doctor));
+    patient.GetPersonInfo(dbPersonTreatingDoctor, expected);
+    EXPECT_STREQ(doctor.GetPersonGUID() + doctor.GetLastname() + doctor.GetFirstname() + doctor.GetTitle() +
+                     doctor.GetEmail(),
+                 expected.GetPersonGUID() + "O'Hara & \"Sons\"Zo\xeb" + "Dr.z@hara.example");
+    EXPECT_STREQ(doctor.GetAddress().GetCompany(), "<Hara>");
+    ASSERT_EQ(read.GetReferrals().GetCount(), 1);
+    EXPECT_STREQ(read.GetReferrals()[0].Get_docFirstname() + "|" + read.GetReferrals()[0].Get_docLastname() +
+                     "|" + read.GetReferrals()[0].Get_docEmail(),
+                 "Zo\xeb|O'Hara & \"Sons\"|z@hara.example");
+    EXPECT_STREQ(read.GetReferrals()[0].Get_docID(), expected.GetPersonGUID());
+}
+
+// The HTML viewer is missing where tests run: the messages' answer does not depend on it.
+TEST_F(VelXml, AnswersMessagesWithoutAViewer)
+{
+    const struct
+    {
+        const char* reply;
+        int result;
+    } cases[] = {{"<response><message action='stop' link='a'>Pay</message></response>", -1},
+                 {"<response><message action='go'>Hi</message></response>", 0},
+                 {"<response><message", 0}};
+    for (const auto& c : cases)
+    {
+        EXPECT_EQ(
+            veltest::RunModal(
+                [&] {
+                    CVelXML xml;
+                    return xml.ShowServerMessage(c.reply);
+                },
+                [&](DialogScript& script) { script.AnswerBox("The dialog could not be created.", IDOK); }),
+            c.result);
+    }
+}
