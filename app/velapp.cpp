@@ -96,11 +96,17 @@ void CVelDlgsApp::ShowHelp(UINT helpId)
     m_strHelpWindow.LoadString(IDS_HELP_WINDOW);
     const CWnd* const pOwner = AfxGetMainWnd();
     HWND hOwner = pOwner != nullptr ? pOwner->GetSafeHwnd() : nullptr;
-    velHtmlHelp(hOwner, m_strHelpFile, HH_HELP_CONTEXT, helpId + helpIdOffset);
+    velHelpViewer& viewer = m_pHelpViewer != nullptr ? *m_pHelpViewer : velHtmlHelp();
+    viewer.Call(hOwner, m_strHelpFile, HH_HELP_CONTEXT, helpId + helpIdOffset);
 
     const auto windowName = reinterpret_cast<DWORD_PTR>(m_strHelpWindow.GetString());
-    if (!::IsWindow(velHtmlHelp(hOwner, m_strHelpFile, HH_GET_WIN_HANDLE, windowName)))
-        velHtmlHelp(hOwner, m_strHelpFile, HH_HELP_CONTEXT, helpId);
+    if (!::IsWindow(viewer.Call(hOwner, m_strHelpFile, HH_GET_WIN_HANDLE, windowName)))
+        viewer.Call(hOwner, m_strHelpFile, HH_HELP_CONTEXT, helpId);
+}
+
+void CVelDlgsApp::SetHelpViewer(velHelpViewer* pViewer)
+{
+    m_pHelpViewer = pViewer;
 }
 
 LRESULT CVelDlgsApp::ProcessWndProcException(CException* e, const MSG* pMsg)

@@ -3,6 +3,7 @@
 #include <afxwin.h>
 
 class dbCPatients;
+class velHelpViewer;
 
 /// The module's application object: one per loaded module. It holds what the exported functions set for the
 /// length of a dialog and what dialogs then read, and it shows help. Everything here is for the host's user
@@ -40,9 +41,14 @@ public:
     /// topic under the id shifted once more, the id itself is tried. Does nothing where HTML Help is missing.
     void ShowHelp(UINT helpId);
 
+    /// Lets another viewer show help, null for HTML Help. The viewer stays the caller's. Virtual, so that a
+    /// program that has loaded the module can call it: see AfxGetModuleStateOf.
+    virtual void SetHelpViewer(velHelpViewer* pViewer);
+
 private:
     CString m_strHelpFile;   // both empty until help is first shown
     CString m_strHelpWindow; // window type of the help file
+    velHelpViewer* m_pHelpViewer = nullptr;
     int m_nArchiveOption1 = 0;
     int m_nArchiveOption2 = 0;
     dbCPatients* m_pPatients = nullptr;

@@ -121,7 +121,7 @@ bool Generate(Patient& patient, std::uint64_t bytes)
             return false;
         }
     }
-    patient.files = arc::PresentFiles(files, patient.folder, names);
+    patient.files = arc::PresentFiles(files, patient.folder, names).value();
     return patient.files.size() == names.size();
 }
 

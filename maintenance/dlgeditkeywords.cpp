@@ -202,7 +202,7 @@ void CDlgEditKeywords::RefreshAndFocusText()
 
 INT_PTR velEditKeywords(CWnd* pParent, INI_LIST nList)
 {
-    return velGuard(IDCANCEL, IDS_MODAL_FAILED, [&] {
+    return velGuard(IDCANCEL, IDS_CALL_FAILED, [&] {
         CDlgEditKeywords dialog(pParent, nList);
         return velRunModal(dialog);
     });

@@ -1,6 +1,7 @@
 #include "app/exports/veldlgs.h"
 
 #include "app/appres.h"
+#include "app/callscopes.h"
 #include "app/eventtext.h"
 #include "app/fullname.h"
 #include "app/exports/laterdialogs.h"
@@ -8,66 +9,18 @@
 #include "app/velapp.h"
 #include "archive/dialogs/archdummydlg.h"
 #include "maintenance/diagnosticsimport.h"
+#include "maintenance/dlgdelete.h"
 #include "maintenance/dlgeditkeywords.h"
 #include "patient/chartsheet.h"
 #include "suite/patients/records/veltrixlogin.h"
 #include "suite/util/velstring.h"
 
+#include <stdexcept>
+
 namespace
 {
 
 CVeltrixLogin auditLog;
-
-/// Puts the caller's patient list into the application object while a dialog runs.
-class CPatientsScope
-{
-public:
-    explicit CPatientsScope(dbCPatients* pPatients)
-    {
-        VelApp()->SetPatients(pPatients);
-    }
-    ~CPatientsScope()
-    {
-        VelApp()->SetPatients(nullptr);
-    }
-    CPatientsScope(const CPatientsScope&) = delete;
-    CPatientsScope& operator=(const CPatientsScope&) = delete;
-};
-
-/// Sets the practice-management flag for the length of a dialog.
-class CPracticeManagementScope
-{
-public:
-    explicit CPracticeManagementScope(int nPracticeManagement)
-        : m_nPrevious(VelApp()->SetPracticeManagement(nPracticeManagement))
-    {
-    }
-    ~CPracticeManagementScope()
-    {
-        VelApp()->SetPracticeManagement(m_nPrevious);
-    }
-    CPracticeManagementScope(const CPracticeManagementScope&) = delete;
-    CPracticeManagementScope& operator=(const CPracticeManagementScope&) = delete;
-
-private:
-    const int m_nPrevious;
-};
-
-/// Tells the audit log that a new patient is being entered.
-class CNewPatientScope
-{
-public:
-    CNewPatientScope()
-    {
-        CVeltrixLogin::m_bNewPatFromDI = 1;
-    }
-    ~CNewPatientScope()
-    {
-        CVeltrixLogin::m_bNewPatFromDI = 0;
-    }
-    CNewPatientScope(const CNewPatientScope&) = delete;
-    CNewPatientScope& operator=(const CNewPatientScope&) = delete;
-};
 
 CString MakeSheetCaption(const dbCPatient* pExisting)
 {
@@ -86,13 +39,13 @@ CString MakeSheetCaption(const dbCPatient* pExisting)
 INT_PTR RunPatientSheet(CWnd* pParent, const dbCPatient* pExisting, dbCPatient* pInitialData,
                         CString& strSavedID)
 {
-    return velGuard(IDCANCEL, IDS_MODAL_FAILED, [&] {
+    return velGuard(IDCANCEL, IDS_CALL_FAILED, [&] {
         const CString strExistingID = pExisting != nullptr ? pExisting->GetID() : CString();
         patCChartSheet sheet(strSavedID, MakeSheetCaption(pExisting), pParent, 0,
                              pExisting != nullptr ? strExistingID.GetString() : nullptr, pInitialData);
         sheet.m_psh.dwFlags &= ~static_cast<DWORD>(PSH_HASHELP);
         sheet.m_psh.dwFlags |= PSH_NOAPPLYNOW;
-        return velRunModal(sheet);
+        return velRunModal(sheet, [&] { return !strSavedID.IsEmpty(); });
     });
 }
 
@@ -104,7 +57,7 @@ CString RecordEvent(const CString& strSavedID, evtChange nChange)
     velGuard(0, IDS_EVENT_FAILED, [&]() -> INT_PTR {
         dbCPatient patient;
         if (!patient.Load(strSavedID, TRUE, TRUE))
-            return 0;
+            throw std::runtime_error(velFormatTemplate(IDS_EVENT_NO_PATIENT, strSavedID).GetString());
         strGUID = patient.GetGUID();
         const std::string text =
             evtPatientText(nChange, patient.GetID().GetString(), patient.GetLastname(1).GetString(),
@@ -170,7 +123,7 @@ void NewTimepointDlg(CWnd* pParent, int practiceManagement, dbCPatient* pPatient
 {
     AFX_MANAGE_STATE(AfxGetStaticModuleState());
     const CPracticeManagementScope scope(practiceManagement);
-    nResult = velGuard(IDCANCEL, IDS_MODAL_FAILED, [&] { return velRunNewTimepoint(pParent, pPatient); });
+    nResult = velGuard(IDCANCEL, IDS_CALL_FAILED, [&] { return velRunNewTimepoint(pParent, pPatient); });
 }
 
 void DeleteDlg(CWnd* pParent, int practiceManagement, dbCPatient* pPatient, int nTimepoint, int /*nOption2*/,
@@ -180,7 +133,7 @@ void DeleteDlg(CWnd* pParent, int practiceManagement, dbCPatient* pPatient, int 
     AFX_MANAGE_STATE(AfxGetStaticModuleState());
     const CPracticeManagementScope scope(practiceManagement);
     nOperation = nTimepoint < 0 ? DELETE_PATIENT : DELETE_TIMEPOINT; // what the dialog starts on
-    nResult = velGuard(IDCANCEL, IDS_MODAL_FAILED,
+    nResult = velGuard(IDCANCEL, IDS_CALL_FAILED,
                        [&] { return velRunDelete(pParent, pPatient, nTimepoint, nOperation); });
 }
 
@@ -196,7 +149,7 @@ __int64 ArchiveDlg(CWnd* pParent, int practiceManagement, dbCPatient* pPatient, 
     const CPatientsScope patients(pPatients);
     const CPracticeManagementScope scope(practiceManagement);
     VelApp()->SetArchiveOptions(nOption1, nOption2);
-    return velGuard(IDCANCEL, IDS_MODAL_FAILED, [&] {
+    return velGuard(IDCANCEL, IDS_CALL_FAILED, [&] {
         CDlgArchDummy dialog(pParent, nOperation, pPatient, selectedIDs, strings1, strings2, strings3,
                              strings4);
         return velRunModal(dialog);
@@ -212,7 +165,7 @@ __int64 RenameDlg(
     AFX_MANAGE_STATE(AfxGetStaticModuleState());
     const CPracticeManagementScope scope(practiceManagement);
     velRenameResult renamed;
-    const INT_PTR nResult = velGuard(IDCANCEL, IDS_MODAL_FAILED, [&] {
+    const INT_PTR nResult = velGuard(IDCANCEL, IDS_CALL_FAILED, [&] {
         return velRunRename(pParent, pPatient, nTimepoint, strPassThrough, pOperation, renamed);
     });
     if (nResult != IDOK)
@@ -250,12 +203,10 @@ void nameMakeFullname(const char* pszGiven, const char* pszFamily, CString* pRes
     AFX_MANAGE_STATE(AfxGetStaticModuleState());
     if (pResult == nullptr)
         return;
-    velGuard(0, IDS_MODAL_FAILED,
-             [&]() -> INT_PTR
-             {
-                 *pResult = velMakeFullname(pszGiven, pszFamily, nOrder);
-                 return 0;
-             });
+    velGuard(0, IDS_CALL_FAILED, [&]() -> INT_PTR {
+        *pResult = velMakeFullname(pszGiven, pszFamily, nOrder);
+        return 0;
+    });
 }
 
 int CALLBACK GrayStringProc(HDC hDC, LPARAM lpText, int nLength)

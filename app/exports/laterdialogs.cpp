@@ -5,11 +5,6 @@ INT_PTR velRunNewTimepoint(CWnd*, dbCPatient*)
     return IDCANCEL;
 }
 
-INT_PTR velRunDelete(CWnd*, dbCPatient*, int, unsigned int&)
-{
-    return IDCANCEL;
-}
-
 INT_PTR velRunRename(CWnd*, dbCPatient*, int, const CString&, RENAME_OP*, velRenameResult&)
 {
     return IDCANCEL;

@@ -6,8 +6,6 @@
 /// does when it is cancelled, and the exported functions do everything else around it already.
 
 INT_PTR velRunNewTimepoint(CWnd* pParent, dbCPatient* pPatient);
-/// nOperation holds the DELETE_OP to start on and receives the one that was selected at the end.
-INT_PTR velRunDelete(CWnd* pParent, dbCPatient* pPatient, int nTimepoint, unsigned int& nOperation);
 
 /// What the rename dialog hands back.
 struct velRenameResult

@@ -34,10 +34,9 @@ BOOL CDlgArchDummy::OnInitDialog()
     m_strResult = choice.GetResultText();
     m_nResultCode = choice.GetResultCode();
 
-    // Whatever closed the choice, the status thread needs this window until it has reported.
-    ShowWindow(SW_HIDE);
-    arcPumpUntilIdle(*m_pManager);
-    EndDialog(nResult == IDOK ? IDOK : IDCANCEL);
+    // Whatever closed the choice, the operation goes on to its end.
+    m_pManager->WaitUntilIdle();
+    arcEndDialog(*this, nResult == IDOK ? IDOK : IDCANCEL);
     return TRUE;
 }
 

@@ -6,8 +6,9 @@
 #include <memory>
 
 /// Lives for the length of ArchiveDlg: runs the choice dialog, then waits, pumping messages, until the
-/// archive manager is idle. The status thread reports to its window. On its caller's stack, on the user
-/// interface thread; owns the archive manager. The patient, the arrays and the parent stay the caller's.
+/// archive manager is idle. The status thread reports to its window.
+/// On its caller's stack, on the user interface thread; owns the archive manager. The patient, the arrays and
+/// the parent stay the caller's.
 class CDlgArchDummy : public CDialog
 {
 public:

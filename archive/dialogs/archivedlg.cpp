@@ -69,6 +69,36 @@ void CDlgArchive::OnUpdateSaveOption(CCmdUI* pCmdUI)
 
 void CDlgArchive::OnOK()
 {
+    if (m_bRuns)
+        return;
+    struct Running
+    {
+        bool& bFlag;
+        ~Running()
+        {
+            bFlag = false;
+        }
+    };
+    const Running running{m_bRuns = true};
+    RunChosen();
+}
+
+void CDlgArchive::OnCancel()
+{
+    if (!m_bRuns)
+        mfcCDialog::OnCancel();
+}
+
+BOOL CDlgArchive::PreTranslateMessage(MSG* pMsg)
+{
+    // The control that has the focus keeps it while the dialog is disabled.
+    const bool bOwnKey = pMsg->message >= WM_KEYFIRST && pMsg->message <= WM_KEYLAST &&
+                         ::GetAncestor(pMsg->hwnd, GA_ROOT) == m_hWnd;
+    return (m_bRuns && bOwnKey) || mfcCDialog::PreTranslateMessage(pMsg);
+}
+
+void CDlgArchive::RunChosen()
+{
     if (!UpdateData(TRUE))
         return;
     const auto operation = arc::OperationOfRadio(static_cast<arc::ArchiveRadio>(m_nRadio));
@@ -91,7 +121,7 @@ void CDlgArchive::OnOK()
     if (!bClose)
         return;
     m_nOperation = *operation;
-    mfcCDialog::OnOK();
+    arcEndDialog(*this, IDOK);
 }
 
 bool CDlgArchive::Run(ARCHIVE_OP nOperation)
@@ -119,15 +149,6 @@ bool CDlgArchive::Run(ARCHIVE_OP nOperation)
     return bClose;
 }
 
-void CDlgArchive::WaitUntilIdle()
-{
-    const BOOL bWasDisabled = EnableWindow(FALSE);
-    arcPumpUntilIdle(m_manager);
-    if (!bWasDisabled)
-        EnableWindow(TRUE);
-    SetFocus();
-}
-
 std::vector<CString> CDlgArchive::SelectedIDs() const
 {
     std::vector<CString> ids;
@@ -138,17 +159,10 @@ std::vector<CString> CDlgArchive::SelectedIDs() const
     return ids;
 }
 
-void arcPumpUntilIdle(const arcCArchiveManager& manager)
+void arcEndDialog(CDialog& dialog, int nResult)
 {
-    while (!manager.IsIdle())
-    {
-        if (!AfxGetThread()->PumpMessage())
-        {
-            // The host is closing: it finds the message again when the operation has ended.
-            const int nExitCode = static_cast<int>(AfxGetCurrentMessage()->wParam);
-            arcPumpUntilIdle(manager);
-            ::PostQuitMessage(nExitCode);
-            return;
-        }
-    }
+    if (dialog.GetSafeHwnd() != nullptr)
+        dialog.EndDialog(nResult);
+    else
+        dialog.EndModalLoop(nResult);
 }

@@ -19,7 +19,7 @@ struct arcSArchiveCall
 };
 
 /// Lets the user choose an operation and drives the archive manager through it, one patient after another.
-/// While it waits for the manager it is disabled and pumps messages. On its caller's stack, on the user
+/// From OK until that is over it takes no other OK, no Cancel and no key. On its caller's stack, on the user
 /// interface thread; owns nothing but its controls.
 class CDlgArchive : public mfcCDialog
 {
@@ -45,6 +45,8 @@ protected:
     BOOL OnInitDialog() override;
     BOOL OnHelpKey(UINT nHelpID) override;
     void OnOK() override;
+    void OnCancel() override;
+    BOOL PreTranslateMessage(MSG* pMsg) override;
     afx_msg void OnUpdateOK(CCmdUI* pCmdUI);
     afx_msg void OnUpdateSaveOption(CCmdUI* pCmdUI);
     DECLARE_MESSAGE_MAP()
@@ -60,7 +62,7 @@ private:
     void MakeDisc(const arcSSave& save);
     bool LoadOne(const CString& strPath, bool bSeveral, bool& bStop);
     bool ConfirmMerge(const CString& strPath);
-    void WaitUntilIdle();
+    void RunChosen();
     std::vector<CString> SelectedIDs() const;
     std::vector<CString> GivenArchives() const;
 
@@ -69,11 +71,12 @@ private:
     arc::ArchiveOffer m_offer;
     ARCHIVE_OP m_nOperation;
     int m_nRadio = -1;
+    bool m_bRuns = false; ///< an operation is under way
     BOOL m_bKeepOthersOut = TRUE;
     BOOL m_bIncludeViewer = FALSE;
     CString m_strResult;
     int m_nResultCode = 0;
 };
 
-/// Runs the message loop of the calling thread until the manager is idle.
-void arcPumpUntilIdle(const arcCArchiveManager& manager);
+/// Ends a modal dialog, also one whose window was destroyed with that of the host.
+void arcEndDialog(CDialog& dialog, int nResult);

@@ -57,7 +57,7 @@ bool CDlgArchive::RunSave()
         }
         bool bAbort = false;
         bBegun = SaveOne(save, bSeveral, bAbort) || bBegun;
-        if (bAbort)
+        if (bAbort || m_manager.IsHostClosing())
             break;
     }
     return bBegun;
@@ -69,18 +69,17 @@ bool CDlgArchive::SaveOne(const arcSSave& save, bool bSeveral, bool& bAbort)
     bool bBegun = false;
     for (;;)
     {
-        WaitUntilIdle();
         m_nResultCode = m_manager.StartSave(save);
         if (m_nResultCode == arc::ResultDone)
         {
             bBegun = true;
-            WaitUntilIdle();
+            m_manager.WaitUntilIdle();
             m_nResultCode = m_manager.GetResult();
             m_strResult = save.strArchivePath;
         }
         if (m_nResultCode == arc::ResultDone)
             MakeDisc(save);
-        if (m_nResultCode == arc::ResultDone || !bSeveral)
+        if (m_nResultCode == arc::ResultDone || !bSeveral || m_manager.IsHostClosing())
             return bBegun;
 
         const int nAnswer = AfxMessageBox(IDS_ARC_SAVE_RETRY, MB_ABORTRETRYIGNORE | MB_ICONEXCLAMATION);
@@ -132,7 +131,7 @@ bool CDlgArchive::RunLoad()
         if (LoadOne(strPath, bSeveral, bStop) && bDelete && !::DeleteFile(strPath))
             AfxMessageBox(velFormatTemplate(IDS_ARC_ARCHIVE_NOT_REMOVED, strPath),
                           MB_OK | MB_ICONEXCLAMATION);
-        if (bStop)
+        if (bStop || m_manager.IsHostClosing())
             break;
     }
     return true;
@@ -152,16 +151,17 @@ bool CDlgArchive::LoadOne(const CString& strPath, bool bSeveral, bool& bStop)
     }
     else
     {
-        WaitUntilIdle();
         m_nResultCode = m_manager.StartLoad(load);
         if (m_nResultCode == arc::ResultDone)
         {
-            WaitUntilIdle();
+            m_manager.WaitUntilIdle();
             m_nResultCode = m_manager.GetResult();
         }
     }
     if (m_nResultCode == arc::ResultDone)
         return true;
+    if (m_manager.IsHostClosing())
+        return false;
     if (!bSeveral)
         AfxMessageBox(IDS_ARC_LOAD_FAILED, MB_OK | MB_ICONEXCLAMATION);
     else
@@ -190,11 +190,10 @@ bool CDlgArchive::RunMerge()
     load.strArchivePath = strPath;
     load.strMergeID = m_call.pPatient->GetID();
     m_strResult = strPath;
-    WaitUntilIdle();
     m_nResultCode = m_manager.StartLoad(load);
     if (m_nResultCode != arc::ResultDone)
         return false;
-    WaitUntilIdle();
+    m_manager.WaitUntilIdle();
     m_nResultCode = m_manager.GetResult();
     return true;
 }

@@ -11,11 +11,11 @@ bool AsideFile::MoveAway(const std::string& path)
     m_aside.clear();
     m_path = path;
     const auto existing = m_files.Query(path);
-    if (!existing)
+    if (existing.IsAbsent())
     {
         return true;
     }
-    if (existing->IsFolder() || (existing->attributes & attribute::ReadOnly) != 0)
+    if (!existing || existing->IsFolder() || (existing->attributes & attribute::ReadOnly) != 0)
     {
         return false;
     }
@@ -23,7 +23,7 @@ bool AsideFile::MoveAway(const std::string& path)
     for (int number = 1; number < attempts; ++number)
     {
         const std::string aside = path + ".previous" + (number == 1 ? "" : std::to_string(number));
-        if (!m_files.Query(aside))
+        if (m_files.Query(aside).IsAbsent())
         {
             // Should somebody take the name meanwhile, the move fails and nothing is lost.
             const bool moved = m_files.Move(path, aside);

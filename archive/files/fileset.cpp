@@ -53,8 +53,8 @@ std::vector<std::string> ListFileSet(const std::string& id, const std::vector<Ti
     return names;
 }
 
-std::vector<PresentFile> PresentFiles(FileSystem& files, const std::string& folder,
-                                      const std::vector<std::string>& names)
+std::optional<std::vector<PresentFile>> PresentFiles(FileSystem& files, const std::string& folder,
+                                                     const std::vector<std::string>& names)
 {
     std::vector<PresentFile> present;
     present.reserve(names.size());
@@ -62,10 +62,15 @@ std::vector<PresentFile> PresentFiles(FileSystem& files, const std::string& fold
     {
         for (const std::string& candidate : {name, AlternateImageName(name)})
         {
-            const auto info = candidate.empty() ? std::nullopt : files.Query(JoinPath(folder, candidate));
+            const auto info =
+                candidate.empty() ? FileQuery::Absent() : files.Query(JoinPath(folder, candidate));
+            if (!info && !info.IsAbsent())
+            {
+                return std::nullopt;
+            }
             if (info && !info->IsFolder())
             {
-                present.push_back({candidate, info->size});
+                present.push_back({candidate, info->size, info->stamp});
                 break;
             }
         }
@@ -94,7 +99,7 @@ bool FilesToArchive(FileSystem& files, const std::string& folder, const std::str
     const auto take = [&](const FolderEntry& entry) {
         if (taken.insert(FoldCase(entry.name)).second)
         {
-            found.push_back({entry.name, entry.info.size});
+            found.push_back({entry.name, entry.info.size, entry.info.stamp});
         }
     };
     for (const std::string& pattern : ArchivePatterns(id))

@@ -6,6 +6,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -37,12 +38,15 @@ struct PresentFile
 {
     std::string name; // as it is in the folder: ".C01" where that stands for ".I40"
     std::uint64_t size = 0;
+    std::int64_t stamp = 0; // time of the last write: 100 ns since 1601
+
+    bool operator==(const PresentFile&) const = default;
 };
 
 // Those of the names that the folder holds, in the order given. A missing ".I40" counts when its ".C01" is
-// there.
-std::vector<PresentFile> PresentFiles(FileSystem& files, const std::string& folder,
-                                      const std::vector<std::string>& names);
+// there. Nothing when one of them cannot be asked.
+std::optional<std::vector<PresentFile>> PresentFiles(FileSystem& files, const std::string& folder,
+                                                     const std::vector<std::string>& names);
 
 // Everything a zipped archive of the patient holds from the working folder: what the eight patterns match,
 // then what the list names and no pattern matches; no file twice. Only files of exactly the wildcard's form

@@ -22,6 +22,7 @@ inline constexpr std::uint32_t Folder = 0x10;
 inline constexpr std::uint32_t Archive = 0x20;
 inline constexpr std::uint32_t Normal = 0x80; // "no attributes": reported only when no other bit is set
 inline constexpr std::uint32_t Reparse = 0x400;
+inline constexpr std::uint32_t Settable = ReadOnly | Hidden | System | Archive;
 } // namespace attribute
 
 // A moment in local time.
@@ -42,6 +43,7 @@ struct FileInfo
     std::uint64_t size = 0; // bytes
     std::uint32_t attributes = 0;
     LocalTime written;
+    std::int64_t stamp = 0; ///< time of the last write as the platform has it: 100 ns since 1601
 
     bool IsFolder() const
     {
@@ -51,6 +53,53 @@ struct FileInfo
     {
         return (attributes & attribute::Reparse) != 0;
     }
+};
+
+/// What the file system says of a path: something is there, nothing is, or it could not be asked. Who goes on
+/// because nothing is there asks IsAbsent.
+class FileQuery
+{
+public:
+    FileQuery(FileInfo info) : m_info(info)
+    {
+    }
+    static FileQuery Absent()
+    {
+        return FileQuery(true);
+    }
+    static FileQuery Unknown()
+    {
+        return FileQuery(false);
+    }
+
+    explicit operator bool() const
+    {
+        return m_info.has_value();
+    }
+    bool IsAbsent() const
+    {
+        return m_bAbsent;
+    }
+    FileInfo* operator->()
+    {
+        return &*m_info;
+    }
+    const FileInfo* operator->() const
+    {
+        return &*m_info;
+    }
+    const FileInfo& operator*() const
+    {
+        return *m_info;
+    }
+
+private:
+    explicit FileQuery(bool absent) : m_bAbsent(absent)
+    {
+    }
+
+    std::optional<FileInfo> m_info;
+    bool m_bAbsent = false;
 };
 
 struct FolderEntry
@@ -111,8 +160,7 @@ public:
 
     // Null when the file cannot be opened so.
     virtual std::unique_ptr<File> Open(const std::string& path, Access access) = 0;
-    // Nothing when there is no such file or folder, or it cannot be asked.
-    virtual std::optional<FileInfo> Query(const std::string& path) = 0;
+    virtual FileQuery Query(const std::string& path) = 0;
     // Appends what the folder holds and the wildcard matches, in the order of the platform, without "." and
     // "..". False when the folder cannot be read; no match is no error. A match may be looser than
     // MatchesWildcard.
@@ -127,6 +175,9 @@ public:
 
     // The full path with drive letter, dots resolved; empty when that fails or exceeds 260 characters.
     virtual std::string Absolute(const std::string& path) = 0;
+    // What tells the file or folder from every other, whatever path leads to it; empty when it cannot be
+    // asked. A link stands for what it leads to.
+    virtual std::string Identity(const std::string& path) = 0;
     // Space on the disk that holds the folder.
     virtual std::optional<DiskSpace> Space(const std::string& folder) = 0;
 };

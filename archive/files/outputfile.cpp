@@ -31,12 +31,17 @@ OutputFile::~OutputFile()
 bool OutputFile::Create(const std::string& path)
 {
     // Mostly there is nothing of the name, and making the file is all it takes.
-    m_file = m_files.Open(path, Access::CreateNew);
-    if (!m_file && MayReplace(path))
+    if (!CreateNew(path) && MayReplace(path))
     {
         m_file = m_files.Open(path, Access::Replace);
     }
+    return m_file != nullptr;
+}
+
+bool OutputFile::CreateNew(const std::string& path)
+{
     m_path = path;
+    m_file = m_files.Open(path, Access::CreateNew);
     return m_file != nullptr;
 }
 
@@ -57,13 +62,13 @@ bool OutputFile::Write(const void* data, std::size_t bytes)
     return m_file->Write(data, bytes);
 }
 
-bool OutputFile::Keep(const LocalTime* written)
+bool OutputFile::Keep(const LocalTime* written, bool flush)
 {
     if (written)
     {
         m_file->SetWritten(*written);
     }
-    if (!m_file->Close())
+    if ((flush && !m_file->FlushToDisk()) || !m_file->Close())
     {
         return false;
     }

@@ -25,10 +25,12 @@ public:
     // Creates the file or replaces an existing one; read-only does not protect it. False, with nothing
     // touched, when there is a folder or a reparse point of that name, or a file whose own name is another.
     bool Create(const std::string& path);
+    // Creates the file; false when there is anything of the name.
+    bool CreateNew(const std::string& path);
     bool Write(const void* data, std::size_t bytes);
     // Closes the file and leaves it there, with this time of last writing if one is given; false when
-    // anything written was lost.
-    bool Keep(const LocalTime* written = nullptr);
+    // anything written was lost. flush: answers true only when it is on the medium.
+    bool Keep(const LocalTime* written = nullptr, bool flush = false);
 
 private:
     bool MayReplace(const std::string& path);

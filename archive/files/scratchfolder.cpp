@@ -1,7 +1,7 @@
 #include "archive/files/scratchfolder.h"
 
-#include "archive/volumes/diskette.h"
 #include "archive/files/filenames.h"
+#include "archive/files/foldertree.h"
 
 namespace arc
 {
@@ -23,8 +23,7 @@ bool ScratchFolder::Take()
     m_lock = m_files.Open(m_lockPath, Access::Replace);
     if (!m_lock)
         return false;
-    const bool exists = m_files.Query(m_path).has_value();
-    if (exists ? EraseFolder(m_files, m_path) : m_files.CreateFolder(m_path))
+    if (RemoveTree(m_files, m_path) && m_files.CreateFolder(m_path))
         return true;
     GiveBack();
     return false;
@@ -34,8 +33,7 @@ void ScratchFolder::GiveBack()
 {
     if (!m_lock)
         return;
-    EraseFolder(m_files, m_path);
-    m_files.RemoveFolder(m_path);
+    RemoveTree(m_files, m_path);
     m_lock.reset();
     m_files.RemoveFile(m_lockPath);
 }

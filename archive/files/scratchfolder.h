@@ -20,7 +20,7 @@ public:
     ScratchFolder(const ScratchFolder&) = delete;
     ScratchFolder& operator=(const ScratchFolder&) = delete;
 
-    // False when another process uses it, or it cannot be made empty.
+    // False when another process uses it, or it cannot be made empty. A link of its name goes, not what it leads to.
     bool Take();
     void GiveBack();
     const std::string& Path() const

@@ -166,6 +166,8 @@ template <class FindData> FileInfo Info(const FindData& data)
     info.size = Joined(data.nFileSizeHigh, data.nFileSizeLow);
     info.attributes = data.dwFileAttributes;
     info.written = FromFileTime(data.ftLastWriteTime);
+    info.stamp = static_cast<std::int64_t>(
+        Joined(data.ftLastWriteTime.dwHighDateTime, data.ftLastWriteTime.dwLowDateTime));
     return info;
 }
 
@@ -219,13 +221,15 @@ public:
         return std::make_unique<BufferedFile>(std::move(file));
     }
 
-    std::optional<FileInfo> Query(const std::string& path) override
+    FileQuery Query(const std::string& path) override
     {
         const QuietErrors quiet;
         WIN32_FILE_ATTRIBUTE_DATA data{};
         if (!GetFileAttributesExA(path.c_str(), GetFileExInfoStandard, &data))
         {
-            return std::nullopt;
+            const DWORD error = GetLastError();
+            return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND ? FileQuery::Absent()
+                                                                                  : FileQuery::Unknown();
         }
         return Info(data);
     }
@@ -288,6 +292,21 @@ public:
         char full[MaxPathLength + 1];
         const DWORD length = GetFullPathNameA(path.c_str(), sizeof full, full, nullptr);
         return length > 0 && length < sizeof full ? std::string(full, length) : std::string();
+    }
+
+    std::string Identity(const std::string& path) override
+    {
+        const QuietErrors quiet;
+        const Handle handle(CreateFileA(path.c_str(), 0,
+                                        FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                        OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+        BY_HANDLE_FILE_INFORMATION data{};
+        if (!handle.IsValid() || !GetFileInformationByHandle(handle.Get(), &data))
+        {
+            return {};
+        }
+        return std::to_string(data.dwVolumeSerialNumber) + ":" +
+               std::to_string(Joined(data.nFileIndexHigh, data.nFileIndexLow));
     }
 
     std::optional<DiskSpace> Space(const std::string& folder) override

@@ -46,7 +46,6 @@ int arcCArchiveManager::PrepareLoad()
     work.strStatus = velFormatTemplate(IDS_ARC_STATUS_LOADING, archive.GetNameExt(), archive.GetName());
     work.strArchivePath = m_load.strArchivePath;
     work.strFolder = m_pScratch->Path().c_str();
-    work.hOwner = m_pOwner->GetSafeHwnd();
     work.bAlternativeEngine = velGetIniInt("Defaults", "UseDynaZip", 0) != 0;
     if (!arc::IsZippedArchive(m_load.strArchivePath.GetString()))
     {
@@ -63,7 +62,7 @@ int arcCArchiveManager::PrepareLoad()
 
 void arcCArchiveManager::FinishLoad(int nResult)
 {
-    if (m_nWork != Work::Load)
+    if (!TakeThread(Work::Load))
         return;
     if (nResult == arc::ResultDone)
     {
@@ -194,7 +193,7 @@ bool arcCArchiveManager::AddPatient(dbCPatient& archived, const std::vector<std:
         CString strText, strCaption;
         strText.LoadString(IDS_ARC_FIELDS_ASSIGNED);
         strCaption.LoadString(IDS_ARC_CAPTION);
-        m_pOwner->MessageBox(strText, strCaption, MB_OK | MB_ICONINFORMATION);
+        ::MessageBox(m_pOwner->GetSafeHwnd(), strText, strCaption, MB_OK | MB_ICONINFORMATION);
     }
     return true;
 }

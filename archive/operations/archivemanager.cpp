@@ -3,12 +3,14 @@
 #include "app/velenums.h"
 #include "archive/res/archivedlgres.h"
 #include "archive/files/filenames.h"
+#include "archive/status/messagewait.h"
 #include "archive/work/resultcodes.h"
 #include "suite/util/velstring.h"
 
 #include <cstring>
 
-arcCArchiveManager::arcCArchiveManager(CWnd* pOwner, CWnd* pHost) : m_pOwner(pOwner), m_pHost(pHost)
+arcCArchiveManager::arcCArchiveManager(CWnd* pOwner, CWnd* pHost)
+    : m_pOwner(pOwner), m_hHost(pHost->GetSafeHwnd())
 {
 }
 
@@ -67,10 +69,56 @@ void arcCArchiveManager::UnlockPatient()
 int arcCArchiveManager::StartThread(const arcSStatusWork& work, Work nWork)
 {
     m_nWork = nWork;
-    if (arcCStatusThread::Start(work))
+    arcSStatusWork begun = work;
+    begun.hOwner = m_pOwner->GetSafeHwnd();
+    m_pThread = arcCStatusThread::Start(begun);
+    if (m_pThread)
         return arc::ResultDone;
     AfxMessageBox(IDS_ARC_NO_THREAD, MB_OK | MB_ICONSTOP);
     return arc::ResultNoThread;
+}
+
+void arcCArchiveManager::WaitUntilIdle()
+{
+    bool bQuits = false;
+    int nExitCode = 0;
+    while (!IsIdle())
+    {
+        const arcWoken woken = arcPumpOrWait(m_pThread ? m_pThread->m_hThread : nullptr);
+        if (woken == arcWoken::Object)
+            FinishUnreported();
+        if (woken == arcWoken::Quit)
+        {
+            bQuits = true;
+            nExitCode = static_cast<int>(AfxGetCurrentMessage()->wParam);
+        }
+        if (bQuits || m_pOwner->GetSafeHwnd() == nullptr)
+        {
+            m_bHostCloses = true;
+            m_save.bAskToRemove = FALSE; // there is nobody to be asked
+        }
+    }
+    if (bQuits)
+        ::PostQuitMessage(nExitCode);
+}
+
+/// The thread has ended and its message has nowhere to go.
+void arcCArchiveManager::FinishUnreported()
+{
+    const int nResult = m_pThread->Join();
+    if (m_nWork == Work::Save)
+        FinishSave(nResult);
+    else
+        FinishLoad(nResult);
+}
+
+/// Whether that kind of operation has now to be finished. The status thread has then ended.
+bool arcCArchiveManager::TakeThread(Work nWork)
+{
+    if (m_nWork != nWork || !m_pThread)
+        return false; // it is being finished already, or somebody else's message
+    m_pThread.reset();
+    return true;
 }
 
 void arcCArchiveManager::EndOperation(int nResult)
@@ -83,13 +131,13 @@ void arcCArchiveManager::EndOperation(int nResult)
 
 void arcCArchiveManager::Notify(int nEvent, const CString& strGUID) const
 {
-    if (m_pHost == nullptr || m_pHost->GetSafeHwnd() == nullptr)
+    if (!::IsWindow(m_hHost))
         return;
     auto guid = std::make_unique<char[]>(static_cast<std::size_t>(strGUID.GetLength()) + 1);
     std::strcpy(guid.get(), strGUID);
     // The host frees it.
-    if (m_pHost->PostMessage(VELDLGS_PATIENT_CHANGED, static_cast<WPARAM>(nEvent),
-                             reinterpret_cast<LPARAM>(guid.get())))
+    if (::PostMessage(m_hHost, VELDLGS_PATIENT_CHANGED, static_cast<WPARAM>(nEvent),
+                      reinterpret_cast<LPARAM>(guid.get())))
     {
         guid.release();
     }

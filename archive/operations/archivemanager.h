@@ -43,13 +43,14 @@ struct arcSLoad
 /// Saves, loads and merges. Starting an operation leaves its copying to the status thread; when the thread
 /// reports to the owner window, that hands the result to FinishSave or FinishLoad, and the manager is idle
 /// again. Locks the patient for the length of the operation and never gives back a lock of somebody else. All
-/// calls belong to the user interface thread and show their messages themselves; none throws. Owns the
-/// scratch files of the operation.
+/// calls belong to the user interface thread and show their messages themselves; none throws. Owns the status
+/// thread, which has ended when the operation has, and the scratch files of the operation.
 class arcCArchiveManager
 {
 public:
-    /// pOwner receives the status thread's messages; pHost, which may be null, the notice of what happened to
-    /// a patient (app/velenums.h). Both stay the caller's and must outlive the manager.
+    /// pOwner receives the status thread's messages; it stays the caller's and must outlive the manager,
+    /// which its window need not. The window of pHost, which may be null, gets the notice of what happened to
+    /// a patient (app/velenums.h).
     arcCArchiveManager(CWnd* pOwner, CWnd* pHost);
     arcCArchiveManager(const arcCArchiveManager&) = delete;
     arcCArchiveManager& operator=(const arcCArchiveManager&) = delete;
@@ -68,6 +69,14 @@ public:
     {
         return m_nWork == Work::None;
     }
+    /// Dispatches the thread's messages until the manager is idle. An operation whose owner window is
+    /// destroyed meanwhile is finished here. WM_QUIT is found by the caller's loop again afterwards.
+    void WaitUntilIdle();
+    /// The host has begun to close while an operation was under way: no other is to be begun.
+    BOOL IsHostClosing() const
+    {
+        return m_bHostCloses;
+    }
     /// Of the operation that ended last: 0, or why it failed.
     int GetResult() const
     {
@@ -85,6 +94,8 @@ private:
     bool LockPatient(const CString& strID, int nMode);
     void UnlockPatient();
     int StartThread(const arcSStatusWork& work, Work nWork);
+    void FinishUnreported();
+    bool TakeThread(Work nWork);
     void EndOperation(int nResult);
 
     bool CheckSave() const;
@@ -104,7 +115,9 @@ private:
     void Notify(int nEvent, const CString& strGUID) const;
 
     CWnd* const m_pOwner;
-    CWnd* const m_pHost;
+    const HWND m_hHost; ///< the host may destroy its window, and with it the object, at any time
+    std::unique_ptr<arcCStatusThread> m_pThread;
+    bool m_bHostCloses = false;
     Work m_nWork = Work::None;
     int m_nResult = 0;
     CString m_strLockedID;    ///< of the lock that this manager holds; empty for none

@@ -104,14 +104,13 @@ int arcCArchiveManager::PrepareSave()
     const bool bKeepsOld = !bDiskette && m_save.nFormat != arcFormatZipped;
     if (bKeepsOld && !MoveOldArchiveAside(patient))
         return arc::ResultNotArchived;
-    m_bPathWasTaken = arc::WindowsFileSystem().Query(m_save.strArchivePath.GetString()).has_value();
+    m_bPathWasTaken = !arc::WindowsFileSystem().Query(m_save.strArchivePath.GetString()).IsAbsent();
 
     arcSStatusWork work;
     work.bSave = TRUE;
     work.bDiskette = bDiskette;
     work.strStatus = velFormatTemplate(IDS_ARC_STATUS_SAVING, arcFullName(patient), m_save.strID);
     work.strArchivePath = m_save.strArchivePath;
-    work.hOwner = m_pOwner->GetSafeHwnd();
     work.strFolder = velGetDataPath();
     work.bAlternativeEngine = velGetIniInt("Defaults", "UseDynaZip", 0) != 0;
     if (m_save.nFormat == arcFormatZipped)
@@ -166,7 +165,7 @@ bool arcCArchiveManager::MoveOldArchiveAside(const dbCPatient& patient)
 
 void arcCArchiveManager::FinishSave(int nResult)
 {
-    if (m_nWork != Work::Save)
+    if (!TakeThread(Work::Save))
         return;
     RemoveDatabaseRecord();
     velGuard(0, IDS_ARC_UNEXPECTED, [&]() -> INT_PTR {

@@ -16,11 +16,6 @@ namespace
 {
 using arc::VolumeStatus;
 
-int AskBox(CWnd* pDialog, const CString& strText, UINT nType)
-{
-    return ::MessageBox(pDialog->GetSafeHwnd(), strText, AfxGetAppName(), nType);
-}
-
 CString Text(UINT nID)
 {
     CString strText;
@@ -28,11 +23,11 @@ CString Text(UINT nID)
     return strText;
 }
 
-// Asks on the status thread, over the progress dialog.
+// Asks over the progress dialog.
 class CDiskettePrompts : public arc::DiskettePrompts
 {
 public:
-    CDiskettePrompts(CWnd* pDialog, const arcProgress& progress) : m_pDialog(pDialog), m_progress(progress)
+    CDiskettePrompts(const arcAsk& ask, const arcProgress& progress) : m_ask(ask), m_progress(progress)
     {
     }
 
@@ -40,29 +35,29 @@ public:
     {
         CString strText;
         strText.Format(IDS_ARC_DISK_INSERT, number, drive);
-        return AskBox(m_pDialog, strText, MB_OKCANCEL | MB_ICONINFORMATION) == IDOK;
+        return m_ask(strText, MB_OKCANCEL | MB_ICONINFORMATION) == IDOK;
     }
     bool UseAnyway(unsigned text) override
     {
-        return AskBox(m_pDialog, Text(text), MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2) == IDYES;
+        return m_ask(Text(text), MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2) == IDYES;
     }
     bool InsertRight(int number, char drive) override
     {
         CString strText;
         strText.Format(IDS_ARC_DISK_READ_ORDER, number, drive, number, drive);
-        return AskBox(m_pDialog, strText, MB_YESNO | MB_ICONQUESTION) == IDYES;
+        return m_ask(strText, MB_YESNO | MB_ICONQUESTION) == IDYES;
     }
     void WriteFault(char drive) override
     {
         CString strText;
         strText.Format(IDS_ARC_DISK_WRITE_FAULT, drive);
-        AskBox(m_pDialog, strText, MB_OK | MB_ICONSTOP);
+        m_ask(strText, MB_OK | MB_ICONSTOP);
     }
     void Unreadable(char drive) override
     {
         CString strText;
         strText.Format(IDS_ARC_DISK_UNREADABLE, drive);
-        AskBox(m_pDialog, strText, MB_OK | MB_ICONSTOP);
+        m_ask(strText, MB_OK | MB_ICONSTOP);
     }
     void Erasing() override
     {
@@ -70,12 +65,12 @@ public:
     }
 
 private:
-    CWnd* const m_pDialog;
+    const arcAsk& m_ask;
     const arcProgress& m_progress;
 };
 
 // The thread's result for a stream; what the result code has no message for is told here.
-int ResultOf(CWnd* pDialog, VolumeStatus status, int nFailure)
+int ResultOf(const arcAsk& ask, VolumeStatus status, int nFailure)
 {
     UINT nText = 0;
     switch (status)
@@ -99,7 +94,7 @@ int ResultOf(CWnd* pDialog, VolumeStatus status, int nFailure)
     default:
         return nFailure;
     }
-    AskBox(pDialog, Text(nText), MB_OK | MB_ICONEXCLAMATION);
+    ask(Text(nText), MB_OK | MB_ICONEXCLAMATION);
     return arc::ResultNotArchived;
 }
 
@@ -132,7 +127,7 @@ struct VolumeSave
     std::vector<std::string> listed;
     bool confirmed = false;
 
-    int ToFolder(CWnd* pDialog, const arc::VolumeProgress& progress) const
+    int ToFolder(const arcAsk& ask, const arc::VolumeProgress& progress) const
     {
         arc::FileSystem& files = arc::WindowsFileSystem();
         const auto set = arc::PresentFiles(files, workingFolder, listed);
@@ -144,21 +139,21 @@ struct VolumeSave
             status = VolumeStatus::WriteFailed;
         if (status != VolumeStatus::Done)
             volumes.RemoveWritten();
-        return ResultOf(pDialog, status, arc::ResultSaveFailed);
+        return ResultOf(ask, status, arc::ResultSaveFailed);
     }
 
-    int ToDiskettes(CWnd* pDialog, const arcProgress& show, const arc::VolumeProgress& progress) const
+    int ToDiskettes(const arcAsk& ask, const arcProgress& show, const arc::VolumeProgress& progress) const
     {
         arc::FileSystem& files = arc::WindowsFileSystem();
-        CDiskettePrompts prompts(pDialog, show);
+        CDiskettePrompts prompts(ask, show);
         const auto set = arc::PresentFiles(files, workingFolder, listed);
         arc::DisketteVolumes volumes(files, prompts, archivePath.front(), header, confirmed);
         VolumeStatus status = arc::WriteVolumeStream(files, workingFolder, set, Now(), volumes, progress);
         if (status == VolumeStatus::Done && volumes.VolumesWritten() > 1)
-            AskBox(pDialog, Text(IDS_ARC_DISK_FIRST_AGAIN), MB_OK | MB_ICONINFORMATION);
+            ask(Text(IDS_ARC_DISK_FIRST_AGAIN), MB_OK | MB_ICONINFORMATION);
         if (status == VolumeStatus::Done)
             status = arc::VerifyVolumeStream(files, workingFolder, set, volumes);
-        return ResultOf(pDialog, status, arc::ResultSaveFailed);
+        return ResultOf(ask, status, arc::ResultSaveFailed);
     }
 };
 
@@ -259,7 +254,7 @@ int LoadEarlierFormat(const std::string& archivePath, const std::string& scratch
     return arc::ResultLoadFailed;
 }
 
-int LoadVolumes(CWnd* pDialog, bool bDiskettes, const std::string& archivePath,
+int LoadVolumes(const arcAsk& ask, bool bDiskettes, const std::string& archivePath,
                 const std::string& scratchFolder, const arcProgress& show)
 {
     arc::FileSystem& files = arc::WindowsFileSystem();
@@ -272,12 +267,12 @@ int LoadVolumes(CWnd* pDialog, bool bDiskettes, const std::string& archivePath,
     if (!bDiskettes)
     {
         arc::FolderVolumes volumes(files, std::string(arc::FolderOf(archivePath)), header->id);
-        return ResultOf(pDialog, arc::ReadVolumeStream(files, scratchFolder, volumes, read, progress),
+        return ResultOf(ask, arc::ReadVolumeStream(files, scratchFolder, volumes, read, progress),
                         arc::ResultLoadFailed);
     }
-    CDiskettePrompts prompts(pDialog, show);
+    CDiskettePrompts prompts(ask, show);
     arc::DisketteVolumes volumes(files, prompts, archivePath.front(), *header, false);
-    return ResultOf(pDialog, arc::ReadVolumeStream(files, scratchFolder, volumes, read, progress),
+    return ResultOf(ask, arc::ReadVolumeStream(files, scratchFolder, volumes, read, progress),
                     arc::ResultLoadFailed);
 }
 } // namespace
@@ -323,13 +318,13 @@ CString arcExistingArchive(LPCTSTR pszID, arcFormat nFormat, LPCTSTR pszArchiveP
     return paths.empty() ? CString() : CString(paths.front().c_str());
 }
 
-decltype(arcSStatusWork::otherWork) arcOtherSave(const dbCPatient& patient, arcFormat nFormat,
-                                                 LPCTSTR pszArchivePath, bool bConfirmed)
+arcWork arcOtherSave(const dbCPatient& patient, arcFormat nFormat, LPCTSTR pszArchivePath, bool bConfirmed)
 {
     const std::string archivePath = pszArchivePath;
     if (nFormat == arcFormatEarlier)
     {
-        return [patient, listed = arcListedFiles(patient), archivePath](CWnd*, const arcProgress& progress) {
+        return [patient, listed = arcListedFiles(patient), archivePath](const arcAsk&,
+                                                                        const arcProgress& progress) {
             return SaveEarlierFormat(patient, listed, std::string(arc::FolderOf(archivePath)), progress);
         };
     }
@@ -339,25 +334,24 @@ decltype(arcSStatusWork::otherWork) arcOtherSave(const dbCPatient& patient, arcF
     save.archivePath = archivePath;
     save.listed = arcListedFiles(patient);
     save.confirmed = bConfirmed;
-    return [save](CWnd* pDialog, const arcProgress& show) {
+    return [save](const arcAsk& ask, const arcProgress& show) {
         const arc::VolumeProgress progress = [&show](int nPercent) { show(nPercent, {}); };
-        return arc::IsDisketteDrive(save.archivePath) ? save.ToDiskettes(pDialog, show, progress)
-                                                      : save.ToFolder(pDialog, progress);
+        return arc::IsDisketteDrive(save.archivePath) ? save.ToDiskettes(ask, show, progress)
+                                                      : save.ToFolder(ask, progress);
     };
 }
 
-decltype(arcSStatusWork::otherWork) arcOtherLoad(arc::ArchiveKind kind, LPCTSTR pszArchivePath,
-                                                 const std::string& scratchFolder)
+arcWork arcOtherLoad(arc::ArchiveKind kind, LPCTSTR pszArchivePath, const std::string& scratchFolder)
 {
     const std::string archivePath = pszArchivePath;
     if (kind == arc::ArchiveKind::PatientFile)
     {
-        return [archivePath, scratchFolder](CWnd*, const arcProgress& progress) {
+        return [archivePath, scratchFolder](const arcAsk&, const arcProgress& progress) {
             return LoadEarlierFormat(archivePath, scratchFolder, progress);
         };
     }
     const bool bDiskettes = kind == arc::ArchiveKind::Diskettes && arc::IsDisketteDrive(archivePath);
-    return [=](CWnd* pDialog, const arcProgress& progress) {
-        return LoadVolumes(pDialog, bDiskettes, archivePath, scratchFolder, progress);
+    return [=](const arcAsk& ask, const arcProgress& progress) {
+        return LoadVolumes(ask, bDiskettes, archivePath, scratchFolder, progress);
     };
 }

@@ -16,9 +16,7 @@ CString arcExistingArchive(LPCTSTR pszID, arcFormat nFormat, LPCTSTR pszArchiveP
 /// been read back and compared when it answers 0; what a failed save has written is removed again, except on
 /// diskettes. bConfirmed: the user has agreed to lose what the diskette in the drive holds. The record is
 /// copied.
-decltype(arcSStatusWork::otherWork) arcOtherSave(const dbCPatient& patient, arcFormat nFormat,
-                                                 LPCTSTR pszArchivePath, bool bConfirmed);
+arcWork arcOtherSave(const dbCPatient& patient, arcFormat nFormat, LPCTSTR pszArchivePath, bool bConfirmed);
 
 /// Work for the status thread: reads such an archive into the scratch folder.
-decltype(arcSStatusWork::otherWork) arcOtherLoad(arc::ArchiveKind kind, LPCTSTR pszArchivePath,
-                                                 const std::string& scratchFolder);
+arcWork arcOtherLoad(arc::ArchiveKind kind, LPCTSTR pszArchivePath, const std::string& scratchFolder);

@@ -5,22 +5,18 @@
 
 namespace
 {
-constexpr ULONGLONG LineInterval = 50; // milliseconds between two changes of the status line
-
-// Dispatches what waits for this thread, and goes on.
-void PumpWaitingMessages()
-{
-    MSG message{};
-    while (::PeekMessage(&message, nullptr, 0, 0, PM_NOREMOVE) && AfxPumpMessage())
-    {
-    }
-}
+constexpr UINT LineInterval = 50; // milliseconds between two changes of the status line
+constexpr UINT_PTR LineTimer = 1;
 } // namespace
 
 IMPLEMENT_DYNAMIC(arcCDlgArchiveProgress, mfcCDialog)
 
 BEGIN_MESSAGE_MAP(arcCDlgArchiveProgress, mfcCDialog)
 ON_COMMAND(arcCmdStartWork, &arcCDlgArchiveProgress::OnStartWork)
+ON_WM_TIMER()
+ON_MESSAGE(arcMsgProgress, &arcCDlgArchiveProgress::OnProgress)
+ON_MESSAGE(arcMsgWorkEnded, &arcCDlgArchiveProgress::OnWorkEnded)
+ON_MESSAGE(arcMsgAsk, &arcCDlgArchiveProgress::OnAsk)
 END_MESSAGE_MAP()
 
 arcCDlgArchiveProgress::arcCDlgArchiveProgress(const arcSStatusWork& work)
@@ -28,7 +24,10 @@ arcCDlgArchiveProgress::arcCDlgArchiveProgress(const arcSStatusWork& work)
 {
 }
 
-arcCDlgArchiveProgress::~arcCDlgArchiveProgress() = default;
+arcCDlgArchiveProgress::~arcCDlgArchiveProgress()
+{
+    m_pWorker.reset(); // while there is a dialog that it may ask
+}
 
 BOOL arcCDlgArchiveProgress::Create(CWnd* pParentWnd)
 {
@@ -62,7 +61,7 @@ void arcCDlgArchiveProgress::OnCancel()
 
 void arcCDlgArchiveProgress::OnStartWork()
 {
-    if (m_bStarted)
+    if (m_bStarted || m_bFinished)
     {
         return;
     }
@@ -71,32 +70,26 @@ void arcCDlgArchiveProgress::OnStartWork()
     UpdateWindow();
     // The code of a failed save or load stands unless the work itself says otherwise.
     m_nResult = m_work.bSave ? arc::ResultSaveFailed : arc::ResultLoadFailed;
-    try
+    m_pWorker = std::make_unique<arcCWorker>(MakeWork(), m_nResult);
+    if (!m_pWorker->Start(m_hWnd))
     {
-        m_nResult = Work();
+        m_nResult = arc::ResultNoThread;
+        m_bFinished = TRUE;
     }
-    catch (CException* e)
-    {
-        e->Delete();
-    }
-    catch (...)
-    {
-    }
-    ReportResult();
-    m_bFinished = TRUE;
 }
 
-int arcCDlgArchiveProgress::Work()
+arcWork arcCDlgArchiveProgress::MakeWork() const
 {
-    const auto progress = [this](int nPercent, const std::string& name) { return Progress(nPercent, name); };
     if (m_work.otherWork)
     {
-        return m_work.otherWork(this, progress);
+        return m_work.otherWork;
     }
-    arc::FileSystem& files = arc::WindowsFileSystem();
     if (!m_work.bSave)
     {
-        return arc::LoadZip(files, m_work.strArchivePath.GetString(), m_work.strFolder.GetString(), progress);
+        return [archive = std::string(m_work.strArchivePath),
+                folder = std::string(m_work.strFolder)](const arcAsk&, const arcProgress& progress) {
+            return arc::LoadZip(arc::WindowsFileSystem(), archive, folder, progress);
+        };
     }
     CString strChecking;
     static_cast<void>(strChecking.LoadString(IDS_ARC_STATUS_CHECKING));
@@ -107,25 +100,86 @@ int arcCDlgArchiveProgress::Work()
     save.moreFiles = m_work.moreFiles;
     save.diskette = m_work.bDiskette != FALSE;
     save.checking = strChecking.GetString();
-    return arc::SaveZip(files, save, progress);
+    return [save](const arcAsk&, const arcProgress& progress) {
+        return arc::SaveZip(arc::WindowsFileSystem(), save, progress);
+    };
 }
 
-bool arcCDlgArchiveProgress::Progress(int nPercent, const std::string& name)
+void arcCDlgArchiveProgress::FinishWork()
 {
-    if (nPercent != m_nPercentShown)
+    m_nResult = m_pWorker->GetResult();
+    m_bFinished = TRUE;
+    try
     {
-        m_nPercentShown = nPercent;
-        m_ctlBar.SetPos(nPercent);
+        ReportResult();
     }
-    const ULONGLONG nNow = ::GetTickCount64();
-    if (name != m_lineShown && nNow - m_nPainted >= LineInterval)
+    catch (CException* e)
     {
-        m_lineShown = name;
-        m_nPainted = nNow;
-        m_ctlLine.SetWindowText(name.c_str());
+        e->Delete(); // the result stands, told or not
     }
-    PumpWaitingMessages();
-    return true;
+}
+
+void arcCDlgArchiveProgress::StopWork()
+{
+    if (m_pWorker)
+    {
+        m_pWorker->Stop();
+        return;
+    }
+    m_nResult = arc::ResultCancelled;
+    m_bFinished = TRUE;
+}
+
+LRESULT arcCDlgArchiveProgress::OnProgress(WPARAM, LPARAM)
+{
+    if (!m_pWorker)
+    {
+        return 0;
+    }
+    const arcCWorker::Progress progress = m_pWorker->TakeProgress();
+    m_ctlBar.SetPos(progress.nPercent);
+    if (progress.name != m_line)
+    {
+        m_line = progress.name;
+        // Names may follow each other faster than anybody reads.
+        if (!m_bLineDue)
+        {
+            m_ctlLine.SetWindowText(m_line.c_str());
+            m_bLineDue = SetTimer(LineTimer, LineInterval, nullptr) != 0;
+        }
+    }
+    return 0;
+}
+
+void arcCDlgArchiveProgress::OnTimer(UINT_PTR nIDEvent)
+{
+    if (nIDEvent != LineTimer)
+    {
+        mfcCDialog::OnTimer(nIDEvent);
+        return;
+    }
+    KillTimer(LineTimer);
+    m_bLineDue = FALSE;
+    m_ctlLine.SetWindowText(m_line.c_str());
+}
+
+// The end must not wait until the user lets go of the window: the system's loop for moving it ends.
+LRESULT arcCDlgArchiveProgress::OnWorkEnded(WPARAM, LPARAM)
+{
+    GUITHREADINFO info{};
+    info.cbSize = sizeof info;
+    if (::GetGUIThreadInfo(::GetCurrentThreadId(), &info) && (info.flags & GUI_INMOVESIZE) != 0)
+    {
+        SendMessage(WM_CANCELMODE);
+        PostMessage(WM_KEYDOWN, VK_ESCAPE);
+    }
+    return 0;
+}
+
+LRESULT arcCDlgArchiveProgress::OnAsk(WPARAM, LPARAM lParam)
+{
+    const auto& question = *reinterpret_cast<const arcSQuestion*>(lParam);
+    return MessageBox(question.strText, AfxGetAppName(), question.nType);
 }
 
 void arcCDlgArchiveProgress::ReportResult()
@@ -137,5 +191,5 @@ void arcCDlgArchiveProgress::ReportResult()
     }
     CString strMessage;
     strMessage.Format(nText, m_nResult);
-    MessageBox(strMessage, AfxGetAppName(), MB_OK | MB_ICONEXCLAMATION);
+    ::MessageBox(GetSafeHwnd(), strMessage, AfxGetAppName(), MB_OK | MB_ICONEXCLAMATION);
 }

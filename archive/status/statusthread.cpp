@@ -1,9 +1,8 @@
 #include "archive/status/statusthread.h"
 
 #include "archive/status/archiveprogressdlg.h"
+#include "archive/status/messagewait.h"
 #include "archive/work/resultcodes.h"
-
-#include <memory>
 
 namespace
 {
@@ -40,62 +39,86 @@ HWND MainWindowOf(HWND hOwner)
     return hRoot != nullptr ? hRoot : hOwner;
 }
 
-// Shows the progress dialog and does the work; answers the result code. The main window is enabled again
-// before the dialog goes, so that it and no other program's window becomes the active one.
-int RunWork(const arcSStatusWork& work)
+// The window that the user works in: the progress dialog lies over it, and it is active again afterwards.
+HWND ActiveWindowOf(HWND hOwner)
 {
-    arcCDlgArchiveProgress dialog(work);
-    if (!dialog.Create(CWnd::FromHandle(work.hOwner)))
-    {
-        return arc::ResultNoDialog;
-    }
-    {
-        const WindowDisabled mainWindow(MainWindowOf(work.hOwner));
-        dialog.PostMessage(WM_COMMAND, arcCmdStartWork, reinterpret_cast<LPARAM>(dialog.GetSafeHwnd()));
-        while (!dialog.IsFinished() && AfxPumpMessage())
-        {
-        }
-    }
-    dialog.DestroyWindow();
-    // Told to end before the work had begun: nothing was done.
-    return dialog.IsFinished() ? dialog.GetResult() : arc::ResultCancelled;
+    const HWND hMain = MainWindowOf(hOwner);
+    return hMain != nullptr ? ::GetLastActivePopup(hMain) : nullptr;
 }
 
-void ShowThreadResult(HWND hOwner, int nResult)
+void ShowThreadResult(HWND hOver, int nResult)
 {
     CString strMessage;
     const UINT nText = arc::ThreadResultText(nResult);
     if (nText != 0 && strMessage.LoadString(nText))
     {
-        ::MessageBox(hOwner, strMessage, AfxGetAppName(), MB_OK | MB_ICONEXCLAMATION | MB_SETFOREGROUND);
+        ::MessageBox(hOver, strMessage, AfxGetAppName(), MB_OK | MB_ICONEXCLAMATION | MB_SETFOREGROUND);
     }
 }
 } // namespace
 
 IMPLEMENT_DYNCREATE(arcCStatusThread, CWinThread)
 
-bool arcCStatusThread::Start(const arcSStatusWork& work)
+arcCStatusThread::arcCStatusThread()
+{
+    m_bAutoDelete = FALSE;
+}
+
+arcCStatusThread::~arcCStatusThread()
+{
+    Join();
+}
+
+std::unique_ptr<arcCStatusThread> arcCStatusThread::Start(const arcSStatusWork& work)
 {
     auto thread = std::make_unique<arcCStatusThread>();
     thread->m_work = work;
-    if (!thread->CreateThread())
+    return thread->CreateThread() ? std::move(thread) : nullptr;
+}
+
+int arcCStatusThread::Join()
+{
+    if (m_hThread != nullptr)
+        arcWaitAnswering(m_hThread);
+    return m_nResult;
+}
+
+/// Shows the progress dialog and has the work done; answers the result code. The other windows are enabled
+/// again before the dialog goes.
+int arcCStatusThread::RunWork() const
+{
+    const HWND hActive = ActiveWindowOf(m_work.hOwner);
+    arcCDlgArchiveProgress dialog(m_work);
+    if (!dialog.Create(CWnd::FromHandle(hActive)))
     {
-        return false;
+        return arc::ResultNoDialog;
     }
-    static_cast<void>(thread.release()); // deletes itself when it ends
-    return true;
+    {
+        const WindowDisabled mainWindow(MainWindowOf(m_work.hOwner));
+        const WindowDisabled activeWindow(hActive);
+        dialog.PostMessage(WM_COMMAND, arcCmdStartWork, reinterpret_cast<LPARAM>(dialog.GetSafeHwnd()));
+        while (!dialog.IsFinished())
+        {
+            const arcWoken woken = arcPumpOrWait(dialog.GetWorker());
+            if (woken == arcWoken::Object)
+                dialog.FinishWork();
+            // Its window goes with the windows that own it; work that has begun goes on without it.
+            else if (woken == arcWoken::Quit || (dialog.GetSafeHwnd() == nullptr && !dialog.HasStarted()))
+                dialog.StopWork();
+        }
+    }
+    dialog.DestroyWindow();
+    return dialog.GetResult();
 }
 
 BOOL arcCStatusThread::InitInstance()
 {
-    // The window belongs on the desktop of its owner, which need not be the one that new threads begin on.
-    const DWORD nOwnerThread = ::GetWindowThreadProcessId(m_work.hOwner, nullptr);
-    ::SetThreadDesktop(::GetThreadDesktop(nOwnerThread != 0 ? nOwnerThread : ::GetCurrentThreadId()));
+    arcJoinDesktop(::GetWindowThreadProcessId(m_work.hOwner, nullptr));
     m_nResult = arc::ResultNoDialog;
     try
     {
-        m_nResult = RunWork(m_work);
-        ShowThreadResult(m_work.hOwner, m_nResult);
+        m_nResult = RunWork();
+        ShowThreadResult(ActiveWindowOf(m_work.hOwner), m_nResult);
     }
     catch (CException* e)
     {

@@ -6,6 +6,7 @@
 #include <afxwin.h>
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -14,9 +15,16 @@
 inline constexpr UINT arcMsgSaveEnded = 1135;
 inline constexpr UINT arcMsgLoadEnded = 1136;
 
-/// Reports how far the work is, 0 to 100, with the name of what is under way. Called on the status thread;
-/// keeps the progress dialog painted. False when the work is to stop.
+/// Reports how far the work is, 0 to 100, with the name of what is under way. False when the work is to stop.
 using arcProgress = std::function<bool(int nPercent, const std::string& name)>;
+
+/// Shows a message box over the progress dialog (nType as for a message box) and answers the button; 0 when
+/// there is nobody to ask.
+using arcAsk = std::function<int(const CString& strText, UINT nType)>;
+
+/// A whole operation; answers the result code. Runs on a thread without windows, to which all user interface
+/// is behind these two.
+using arcWork = std::function<int(const arcAsk& ask, const arcProgress& progress)>;
 
 /// What a status thread is to do.
 struct arcSStatusWork
@@ -31,27 +39,40 @@ struct arcSStatusWork
     HWND hOwner = nullptr;              ///< receives arcMsgSaveEnded or arcMsgLoadEnded
     BOOL bAlternativeEngine = FALSE;    ///< the setting `UseDynaZip`; carried, without effect
 
-    /// For archives that are no zip: does the whole work on the status thread and answers the result code. What
-    /// the table of result codes has no message for it shows itself, owned by the window given.
-    std::function<int(CWnd* pDialog, const arcProgress& progress)> otherWork;
+    /// For archives that are no zip: all of the work. What the table of result codes has no message for it
+    /// shows itself.
+    arcWork otherWork;
 };
 
-/// A user interface thread that owns the modeless progress dialog for one piece of work. The main window is
-/// disabled meanwhile, and enabled again (also when the work fails or throws) if it was the thread that
-/// disabled it. The archive of a save has been read back and checked when the code is 0. Shows the message of
-/// the code, posts to the owner, and deletes itself.
+/// A user interface thread that owns the modeless progress dialog for one piece of work; the work itself runs
+/// on a thread of its own, so that the dialog answers whatever happens to it. The main window and the active
+/// one are disabled meanwhile, and enabled again (also when the work fails or throws) if it was the thread
+/// that disabled them. The archive of a save has been read back and checked when the code is 0. WM_QUIT stops
+/// the work. Shows the message of the code and posts to the owner, as the last thing it does.
+///
+/// The object belongs to the thread that started it and joins its own: nothing of it runs any more when the
+/// object is gone.
 class arcCStatusThread : public CWinThread
 {
     DECLARE_DYNCREATE(arcCStatusThread)
 
 public:
-    /// Starts a thread for the work; false when that is not possible, and nothing has happened then.
-    static bool Start(const arcSStatusWork& work);
+    arcCStatusThread();
+    /// Waits for the end of the work; messages that are sent to the caller's windows are answered meanwhile.
+    ~arcCStatusThread() override;
+
+    /// Starts a thread for the work; null when that is not possible, and nothing has happened then.
+    static std::unique_ptr<arcCStatusThread> Start(const arcSStatusWork& work);
+
+    /// Waits as the destructor does, and answers the result code.
+    int Join();
 
     BOOL InitInstance() override;
     int ExitInstance() override;
 
 private:
+    int RunWork() const;
+
     arcSStatusWork m_work;
-    int m_nResult = 0;
+    int m_nResult = 0; // the thread's own until that has ended
 };

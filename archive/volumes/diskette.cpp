@@ -141,11 +141,6 @@ unsigned DisketteQuestion(DisketteCheck check)
     return 0;
 }
 
-bool EraseFolder(FileSystem& files, const std::string& folder)
-{
-    return EraseBelow(files, folder, 0);
-}
-
 bool EraseDrive(FileSystem& files, char drive)
 {
     const std::string root = DriveRoot(drive);

@@ -38,10 +38,8 @@ unsigned DisketteQuestion(DisketteCheck check);
 // The header line of a file, nothing when it has none.
 std::optional<HeaderLine> ReadHeaderLine(FileSystem& files, const std::string& path);
 
-// Removes all that a folder holds, not the folder. Entries with attributes outside read-only, hidden, system,
-// folder and archive are skipped; read-only is cleared first; the first failure stops and answers false. A
-// reparse point is never entered.
-bool EraseFolder(FileSystem& files, const std::string& folder);
-// The same for the root of a drive; true only when all its clusters are free afterwards.
+// Removes all that a drive holds. Entries with attributes outside read-only, hidden, system, folder and
+// archive are skipped, and so a link is never entered; read-only is cleared first; the first failure stops.
+// True only when all clusters are free afterwards.
 bool EraseDrive(FileSystem& files, char drive);
 } // namespace arc

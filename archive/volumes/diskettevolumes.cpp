@@ -46,7 +46,8 @@ bool DisketteVolumes::AgreeToUse(int number)
             continue;
         }
         const unsigned question = DisketteQuestion(check);
-        const bool confirmed = std::exchange(m_bConfirmed, false);
+        // What was agreed to was the first diskette's contents.
+        const bool confirmed = std::exchange(m_bConfirmed, false) && number == 1;
         return question == 0 || confirmed || m_prompts.UseAnyway(question);
     }
 }
@@ -82,7 +83,7 @@ VolumeStatus DisketteVolumes::OpenForWriting(int number, std::unique_ptr<File>& 
 
 VolumeStatus DisketteVolumes::OpenForReading(int number, std::unique_ptr<File>& volume)
 {
-    const bool isThere = m_files.Query(VolumePath(number)).has_value();
+    const bool isThere = static_cast<bool>(m_files.Query(VolumePath(number)));
     if (!isThere && m_nInDrive != number && !m_prompts.Insert(number, m_drive))
         return VolumeStatus::Cancelled;
     m_nInDrive = number;

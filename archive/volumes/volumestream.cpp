@@ -275,7 +275,8 @@ private:
             {
                 status = ReadHeader();
             }
-        } while ((status == VolumeStatus::Corrupt || status == VolumeStatus::OutOfOrder) &&
+        } while ((status == VolumeStatus::OpenFailed || status == VolumeStatus::Corrupt ||
+                  status == VolumeStatus::OutOfOrder) &&
                  m_source.TryAgain(m_number, status));
         return status;
     }
@@ -436,7 +437,7 @@ public:
         {
             return VolumeStatus::WriteFailed;
         }
-        m_read.push_back({record.name, record.length});
+        m_read.push_back({record.name, record.length, 0});
         return VolumeStatus::Done;
     }
 
@@ -528,7 +529,7 @@ std::uint64_t FolderVolumes::ExpectedCapacity()
 
 VolumeStatus FolderVolumes::OpenForWriting(int number, std::unique_ptr<File>& volume, std::uint64_t& capacity)
 {
-    volume = m_files.Open(VolumeFileName(m_folder, m_id, number), Access::Replace);
+    volume = m_files.Open(VolumeFileName(m_folder, m_id, number), Access::CreateNew);
     if (!volume)
     {
         return VolumeStatus::OpenFailed;

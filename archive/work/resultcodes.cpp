@@ -28,6 +28,7 @@ constexpr CodeRange LoadTexts[] = {
 };
 
 constexpr CodeRange ThreadTexts[] = {
+    {ResultNoThread, ResultNoThread, IDS_ARC_NO_THREAD},
     {ResultCancelled, ResultCancelled, IDS_ARC_CANCELLED},
     {ResultNoDialog, ResultNoDialog, IDS_ARC_NO_DIALOG},
 };

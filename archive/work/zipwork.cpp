@@ -1,6 +1,5 @@
 #include "archive/work/zipwork.h"
 
-#include "archive/files/asidefile.h"
 #include "archive/work/resultcodes.h"
 #include "archive/zip/unzipper.h"
 #include "archive/work/verify.h"
@@ -8,80 +7,107 @@
 
 namespace arc
 {
-namespace
+ZipSaving::ZipSaving(FileSystem& files, const ZipSave& save, const WorkProgress& progress)
+    : m_files(files), m_save(save), m_progress(progress), m_previous(files)
 {
-// Passes progress on and remembers when it was told to stop.
-class Watched
+}
+
+ZipSaving::~ZipSaving()
 {
-public:
-    explicit Watched(const WorkProgress& progress) : m_progress(progress)
+    if (m_bOpened && !m_bCommitted)
     {
+        m_files.RemoveFile(WrittenPath());
     }
+}
 
-    bool operator()(int percent, const std::string& name)
-    {
-        m_cancelled = m_cancelled || (m_progress && !m_progress(percent, name));
-        return !m_cancelled;
-    }
-
-    int Result(bool done, int failure) const
-    {
-        return m_cancelled ? ResultCancelled : done ? ResultDone : failure;
-    }
-
-private:
-    const WorkProgress& m_progress;
-    bool m_cancelled = false;
-};
-
-// opened: something was written to the archive's path.
-bool WriteZip(FileSystem& files, const ZipSave& save, Watched& watched, std::vector<PresentFile>& stored,
-              bool& opened)
+bool ZipSaving::Begin()
 {
-    CZipper zipper(files);
-    zipper.SetProgress([&](int percent, const std::string& name) { return watched(percent, name); });
-    opened = zipper.OpenZip(save.archivePath);
-    if (!opened)
+    const bool begun = m_save.diskette || m_previous.MoveAway(m_save.archivePath);
+    Step("save.aside");
+    return begun;
+}
+
+bool ZipSaving::Write()
+{
+    CZipper zipper(m_files);
+    zipper.SetProgress([this](int percent, const std::string& name) { return Report(percent, name); });
+    m_bOpened = zipper.OpenZip(WrittenPath(), {}, false, !m_save.diskette);
+    const bool added =
+        m_bOpened && zipper.AddPatternList(m_save.patterns, m_save.folder, true, m_save.moreFiles);
+    m_stored = zipper.Stored();
+    const bool written = zipper.CloseZip() && added;
+    Step("save.written");
+    return written;
+}
+
+bool ZipSaving::Prove()
+{
+    const bool proven =
+        VerifyZip(m_files, WrittenPath(), m_stored, [this] { return Report(100, m_save.checking); }) &&
+        (!m_save.trial || m_save.trial(WrittenPath()));
+    Step("save.proven");
+    return proven;
+}
+
+bool ZipSaving::Commit()
+{
+    if (WrittenPath() != m_save.archivePath && !m_files.Move(WrittenPath(), m_save.archivePath))
     {
         return false;
     }
-    const bool added = zipper.AddPatternList(save.patterns, save.folder, true, save.moreFiles);
-    stored = zipper.Stored();
-    return zipper.CloseZip() && added;
+    m_bCommitted = true;
+    Step("save.placed");
+    m_previous.Discard();
+    Step("save.done");
+    return true;
 }
-} // namespace
 
-int SaveZip(FileSystem& files, const ZipSave& save, const WorkProgress& progress)
+int ZipSaving::Result() const
 {
-    Watched watched(progress);
-    AsideFile previous(files);
-    if (!save.diskette && !previous.MoveAway(save.archivePath))
+    return m_bCommitted ? ResultDone : m_bCancelled ? ResultCancelled : ResultSaveFailed;
+}
+
+bool ZipSaving::Report(int percent, const std::string& name)
+{
+    m_bCancelled = m_bCancelled || (m_progress && !m_progress(percent, name));
+    return !m_bCancelled;
+}
+
+void ZipSaving::Step(const char* step) const
+{
+    if (m_save.step)
     {
-        return ResultSaveFailed;
+        m_save.step(step);
     }
-    bool opened = false;
-    std::vector<PresentFile> stored;
-    const bool written = WriteZip(files, save, watched, stored, opened);
-    const bool good =
-        written && VerifyZip(files, save.archivePath, stored, [&] { return watched(100, save.checking); });
-    if (good)
+}
+
+const std::string& ZipSaving::WrittenPath() const
+{
+    return m_save.workingPath.empty() || m_save.diskette ? m_save.archivePath : m_save.workingPath;
+}
+
+int SaveZip(FileSystem& files, const ZipSave& save, const WorkProgress& progress,
+            std::vector<PresentFile>* stored)
+{
+    ZipSaving saving(files, save, progress);
+    const bool done = saving.Begin() && saving.Write() && saving.Prove() && saving.Commit();
+    if (done && stored)
     {
-        previous.Discard();
+        *stored = saving.Stored();
     }
-    else if (opened)
-    {
-        files.RemoveFile(save.archivePath);
-    }
-    return watched.Result(good, ResultSaveFailed);
+    return saving.Result();
 }
 
 int LoadZip(FileSystem& files, const std::string& archivePath, const std::string& folder,
             const WorkProgress& progress)
 {
-    Watched watched(progress);
+    bool cancelled = false;
     CUnzipper unzipper(files);
-    unzipper.SetProgress([&](int percent, const std::string& name) { return watched(percent, name); });
+    unzipper.SetProgress([&](int percent, const std::string& name) {
+        cancelled = cancelled || (progress && !progress(percent, name));
+        return !cancelled;
+    });
     const bool done = unzipper.OpenZip(archivePath) && unzipper.UnzipAll(folder);
-    return watched.Result(done, ResultLoadFailed);
+    return cancelled ? ResultCancelled : done ? ResultDone : ResultLoadFailed;
 }
 } // namespace arc

@@ -210,6 +210,18 @@ bool CUnzipper::ReadCurrentEntry(const std::function<bool(const void* data, std:
     return good && got == 0 && taken == entry.size && closed;
 }
 
+bool CUnzipper::ReadCurrentEntry(std::string& bytes, std::uint64_t limit)
+{
+    bytes.clear();
+    return m_nCurrent < m_directory.entries.size() && m_directory.entries[m_nCurrent].size <= limit &&
+           ReadCurrentEntry(
+               [&](const void* data, std::size_t count) {
+                   bytes.append(static_cast<const char*>(data), count);
+                   return true;
+               },
+               arc::ZipChunk);
+}
+
 bool CUnzipper::CheckCurrentEntry()
 {
     return ReadCurrentEntry([](const void*, std::size_t) { return true; }, CheckChunk);

@@ -71,6 +71,9 @@ public:
     // for all. Two entries that are the same file on Windows are a failure.
     bool UnzipAll(const std::string& folder = {}, bool ignorePath = false);
 
+    // The current entry's bytes; false when it is longer than the limit or not whole and of the right
+    // checksum.
+    bool ReadCurrentEntry(std::string& bytes, std::uint64_t limit);
     // Reads the current entry without keeping it: true when every byte is there and the checksum is right.
     bool CheckCurrentEntry();
 

@@ -32,7 +32,7 @@ struct ZipFileFunctions::Callbacks
         Access access = Access::ReadShared;
         if ((mode & ZLIB_FILEFUNC_MODE_CREATE) != 0)
         {
-            access = Access::Replace;
+            access = self.m_bOnlyNew ? Access::CreateNew : Access::Replace;
         }
         else if ((mode & ZLIB_FILEFUNC_MODE_READWRITEFILTER) != ZLIB_FILEFUNC_MODE_READ)
         {
@@ -106,7 +106,7 @@ struct ZipFileFunctions::Callbacks
     }
 };
 
-ZipFileFunctions::ZipFileFunctions(FileSystem& files) : m_files(files)
+ZipFileFunctions::ZipFileFunctions(FileSystem& files, bool onlyNew) : m_files(files), m_bOnlyNew(onlyNew)
 {
     m_table.zopen64_file = Callbacks::Open;
     m_table.zread_file = Callbacks::Read;

@@ -13,7 +13,8 @@ namespace arc
 class ZipFileFunctions
 {
 public:
-    explicit ZipFileFunctions(FileSystem& files);
+    // onlyNew: a zip that is to be created fails where there is anything of its name.
+    explicit ZipFileFunctions(FileSystem& files, bool onlyNew = false);
     ZipFileFunctions(const ZipFileFunctions&) = delete;
     ZipFileFunctions& operator=(const ZipFileFunctions&) = delete;
 
@@ -25,6 +26,7 @@ private:
     struct Callbacks;
 
     FileSystem& m_files;
+    const bool m_bOnlyNew;
     zlib_filefunc64_def m_table{};
     bool m_bFailed = false;
 };

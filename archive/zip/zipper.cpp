@@ -52,7 +52,7 @@ CZipper::~CZipper()
     CloseZip();
 }
 
-bool CZipper::OpenZip(const std::string& zipPath, const std::string& rootFolder, bool append)
+bool CZipper::OpenZip(const std::string& zipPath, const std::string& rootFolder, bool append, bool onlyNew)
 {
     CloseZip();
     if (zipPath.empty())
@@ -73,12 +73,12 @@ bool CZipper::OpenZip(const std::string& zipPath, const std::string& rootFolder,
     m_nPercent = 0;
 
     // Adding to a file that is no sound zip would write over its bytes.
-    append = append && m_files.Query(m_strZipPath).has_value();
+    append = append && !m_files.Query(m_strZipPath).IsAbsent();
     if (append && !IsReadableZip(m_files, m_strZipPath))
     {
         return false;
     }
-    m_functions = std::make_unique<arc::ZipFileFunctions>(m_files);
+    m_functions = std::make_unique<arc::ZipFileFunctions>(m_files, onlyNew);
     m_zip = zipOpen2_64(m_strZipPath.c_str(), append ? APPEND_STATUS_ADDINZIP : APPEND_STATUS_CREATE, nullptr,
                         m_functions->Table());
     if (!m_zip)
@@ -140,14 +140,11 @@ bool CZipper::OpenEntry(const std::string& stored, const arc::FileInfo& info)
 
 bool CZipper::StoreFile(const std::string& path, const std::string& stored)
 {
-    auto info = m_files.Query(path);
-    if (!info || info->IsFolder())
-    {
-        return false;
-    }
+    // While it is open nobody changes it: size and time are those of the bytes that are stored.
     const auto source = m_files.Open(path, arc::Access::ReadAlone);
+    auto info = m_files.Query(path);
     const auto size = source ? source->Size() : std::nullopt;
-    if (!size)
+    if (!size || !info || info->IsFolder())
     {
         return false;
     }
@@ -182,7 +179,7 @@ bool CZipper::StoreFile(const std::string& path, const std::string& stored)
     {
         return false;
     }
-    m_stored.push_back({stored, copied});
+    m_stored.push_back({stored, copied, info->stamp});
     return true;
 }
 
@@ -288,7 +285,7 @@ bool CZipper::AddPatternList(const std::string& arguments, const std::string& ba
     {
         if (taken.insert(arc::FoldCase(path)).second)
         {
-            const auto info = m_files.Query(path);
+            const auto info = m_files.Query(path); // one that is not there fails when it is stored
             found.push_back({path, info ? info->size : 0});
             m_nProgressTotal += found.back().size;
         }

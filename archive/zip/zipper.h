@@ -36,8 +36,9 @@ public:
 
     // Creates the zip, or opens it to add behind its contents when append is given and it exists. An open zip
     // is closed first. Absolute paths of files are stored relative to the root folder; without one that is
-    // the zip's own folder.
-    bool OpenZip(const std::string& zipPath, const std::string& rootFolder = {}, bool append = false);
+    // the zip's own folder. onlyNew: fails where there is anything of the zip's name.
+    bool OpenZip(const std::string& zipPath, const std::string& rootFolder = {}, bool append = false,
+                 bool onlyNew = false);
     // Stores the file under its path behind the root, or under its bare name with ignorePath. False unless
     // every byte that the file had when it was opened is stored.
     bool AddFileToZip(const std::string& path, bool ignorePath = false);
@@ -62,7 +63,8 @@ public:
     void SetProgress(Progress progress);
 
     bool IsOpen() const;
-    // Stored names and sizes of the files that were stored whole since the zip was opened, in their order.
+    // Stored names, sizes and times, as they were stored, of the files that were stored whole since the zip
+    // was opened, in their order.
     const std::vector<arc::PresentFile>& Stored() const;
     // Since the zip was opened.
     std::uint32_t FilesAdded() const;

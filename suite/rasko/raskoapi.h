@@ -8,7 +8,8 @@ inline constexpr char ProgramFile[] = "velrasko64.exe";
 inline constexpr char ProgId[] = "VelRasko64.Application";
 inline constexpr char ClassId[] = "{6E0B1C52-93D4-4C6B-8B1D-2F0B6A7C51E3}";
 
-/// The program's window: hidden or not, it exists as long as the program runs. FindWindow(WindowClass, nullptr).
+/// The program's window: hidden or not, it exists as long as the program runs. FindWindow(WindowClass,
+/// nullptr).
 inline constexpr char WindowClass[] = "VelRaskoWindow";
 /// Registered message, both parameters 0: look into the task table now.
 inline constexpr char WakeMessage[] = "WmVeltrixRasko3741";
@@ -18,8 +19,8 @@ inline constexpr char WakeMessage[] = "WmVeltrixRasko3741";
 inline constexpr char OptionsSwitch[] = "/Options"; ///< opens the options at once
 inline constexpr char HiddenSwitch[] = "/Hidden";   ///< starts with its window hidden
 
-/// Members of the automation object. It is late bound (IDispatch); the numbers are its DISPIDs. Texts are BSTR.
-/// Where a call answers a sentence, an empty one means success and any other can be shown as it stands.
+/// Members of the automation object. It is late bound (IDispatch); the numbers are its DISPIDs. Texts are
+/// BSTR. Where a call answers a sentence, an empty one means success and any other can be shown as it stands.
 enum Member : long
 {
     HasCredentials = 1,   ///< get, VARIANT_BOOL: both are known for the present service
@@ -30,14 +31,14 @@ enum Member : long
     /// Method (patient GUID, bytes as decimal text) -> sentence: asks the service for room and for the
     /// patient's ID there, and stores both in the service-patients table. Blocks up to a minute.
     RegisterPatient = 6,
-    /// Method (patient GUID, recipients, notes) -> sentence: says who receives the record, and what is said to
-    /// them. Recipients are e-mail addresses or user names separated by ";"; they are added to those that the
-    /// record already has.
+    /// Method (patient GUID, recipients, notes) -> sentence: says who receives the record, and what is said
+    /// to them. Recipients are e-mail addresses or user names separated by ";"; they are added to those that
+    /// the record already has.
     SetRecipients = 7,
     WindowHandle = 8, ///< get, long: the program's window
     Quit = 9,         ///< method: ends the program; a transfer under way goes on at the next start
 };
-inline constexpr const wchar_t* MemberNames[] = {
-    L"HasCredentials", L"UserName",      L"Password",     L"EnterCredentials", L"ShowOptions",
-    L"RegisterPatient", L"SetRecipients", L"WindowHandle", L"Quit"};
+inline constexpr const wchar_t* MemberNames[] = {L"HasCredentials",   L"UserName",     L"Password",
+                                                 L"EnterCredentials", L"ShowOptions",  L"RegisterPatient",
+                                                 L"SetRecipients",    L"WindowHandle", L"Quit"};
 } // namespace rasko

@@ -9,6 +9,9 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <utility>
+
 namespace
 {
 
@@ -193,23 +196,66 @@ TEST_F(EntryPoints, APatientThatIsGoneIsReportedAndNothingRecorded)
     EXPECT_TRUE(Events().empty());
 }
 
-TEST_F(EntryPoints, DialogsOfLaterWorkAnswerAsCancelled)
+/// Calls action once, on the user interface thread, when a window with this title is being destroyed.
+class AtDestruction
 {
-    dbCPatient patient = Store("B2", "Bo", "Lee");
-    __int64 result = 77;
-    NewTimepointDlg(nullptr, 1, &patient, result);
-    EXPECT_EQ(result, IDCANCEL);
+public:
+    AtDestruction(std::string title, std::function<void()> action)
+        : m_title(std::move(title)), m_action(std::move(action)),
+          m_hook(SetWindowsHookExA(WH_CALLWNDPROC, OnMessage, nullptr, GetCurrentThreadId()))
+    {
+        s_current = this;
+    }
+    ~AtDestruction()
+    {
+        UnhookWindowsHookEx(m_hook);
+        s_current = nullptr;
+        EXPECT_FALSE(m_action) << "no window \"" << m_title << "\" was destroyed";
+    }
+    AtDestruction(const AtDestruction&) = delete;
+    AtDestruction& operator=(const AtDestruction&) = delete;
 
-    unsigned int operation = 77;
-    result = 77;
-    DeleteDlg(nullptr, 1, &patient, 0, 0, 0, "", result, operation);
-    EXPECT_EQ(result, IDCANCEL);
-    EXPECT_EQ(operation, DELETE_TIMEPOINT);
-    DeleteDlg(nullptr, 1, nullptr, -1, 0, 0, "", result, operation);
-    EXPECT_EQ(operation, DELETE_PATIENT);
+private:
+    static LRESULT CALLBACK OnMessage(int code, WPARAM sender, LPARAM data)
+    {
+        const auto* const message = reinterpret_cast<const CWPSTRUCT*>(data);
+        char title[100] = "";
+        if (code == HC_ACTION && message->message == WM_DESTROY && s_current->m_action &&
+            GetWindowTextA(message->hwnd, title, sizeof title) > 0 && s_current->m_title == title)
+            std::exchange(s_current->m_action, nullptr)();
+        return CallNextHookEx(nullptr, code, sender, data);
+    }
 
-    EXPECT_EQ(ImportPatientDiagnostics(nullptr, nullptr), 0);
-    EXPECT_NE(ImportPatientDiagnostics("nowhere.pf", patient.GetGUID()), 0);
+    std::string m_title;
+    std::function<void()> m_action;
+    HHOOK m_hook;
+    inline static AtDestruction* s_current = nullptr;
+};
+
+/// The patient is stored when the sheet closes: what fails after it is told and takes nothing back.
+TEST_F(EntryPoints, AnEventThatCannotBeRecordedIsToldAndTheResultStaysOK)
+{
+    const std::string text =
+        "The patient was saved, but the change could not be recorded in the audit log.\n\n";
+    const std::pair<std::function<void()>, std::string> failures[] = {
+        {[&] { m_patients.DeletePatient("A1"); }, "The patient with the ID A1 could not be read again."},
+        {[] { dbCPatients::Close(); }, "No patient database is open."},
+    };
+    for (const auto& [failure, reason] : failures)
+    {
+        const AtDestruction meanwhile("Patient Information", failure);
+        CString guid;
+        const auto result = veltest::RunModal([&] { return NewPatientDlg(nullptr, &m_patients, guid); },
+                                              [&, why = reason](DialogScript& script) {
+                                                  const Dialog sheet =
+                                                      script.WaitForDialog("Patient Information");
+                                                  FillChart(sheet, "A1", "Ann", "Lee");
+                                                  sheet.Press(IDOK);
+                                                  script.AnswerBox(text + why, IDOK);
+                                              });
+        EXPECT_EQ(result, IDOK);
+        EXPECT_TRUE(guid.IsEmpty());
+    }
 }
 
 TEST_F(EntryPoints, CancelledRenameEmptiesItsOutputs)

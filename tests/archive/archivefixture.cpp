@@ -89,9 +89,13 @@ __int64 ArchiveDialogTest::Run(ARCHIVE_OP nOperation, const std::vector<std::str
         },
         script);
     MSG message;
-    while (::PeekMessage(&message, m_host, 0, 0, PM_REMOVE))
+    while (::PeekMessage(&message, nullptr, 0, 0, PM_REMOVE))
+    {
+        if (message.message == WM_QUIT)
+            m_nQuit = static_cast<int>(message.wParam);
         ::DispatchMessage(&message);
-    EXPECT_TRUE(m_host.IsWindowEnabled());
+    }
+    EXPECT_TRUE(m_host.GetSafeHwnd() == nullptr || m_host.IsWindowEnabled());
     for (const std::string& id : ids)
         EXPECT_FALSE(m_patients.Unlock(id.c_str())) << "still locked: " << id;
     return nResult;

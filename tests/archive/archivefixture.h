@@ -73,6 +73,7 @@ protected:
     veltest::TemporaryPractice m_practice;
     dbCPatients m_patients;
     HostWindow m_host;
+    int m_nQuit = -1; // the exit code of a WM_QUIT that the dialog left behind
     std::string m_working = "working";
 
 private:

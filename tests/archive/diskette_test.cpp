@@ -92,23 +92,15 @@ TEST_F(ArchiveDiskette, ErasesWhatItMayAndClearsReadOnly)
     EXPECT_TRUE(files.Tree("A:\\").empty());
 }
 
-TEST_F(ArchiveDiskette, SkippedFilesLeaveAFolderEraseGoodAndADriveEraseNot)
+TEST_F(ArchiveDiskette, SkipsLinksAndOtherAttributesAndThenIsNotErased)
 {
     constexpr std::uint32_t compressed = 0x800;
     files.Put("A:\\kept.txt", "x", attribute::Archive | compressed);
-    files.Put("A:\\gone.txt", "x");
-    EXPECT_TRUE(arc::EraseFolder(files, "A:\\"));
-    EXPECT_TRUE(files.Exists("A:\\kept.txt"));
-    EXPECT_FALSE(files.Exists("A:\\gone.txt"));
-    EXPECT_FALSE(arc::EraseDrive(files, 'A'));
-}
-
-TEST_F(ArchiveDiskette, NeverEntersALinkedFolder)
-{
     files.Put("A:\\link\\precious.txt", "x");
     files.SetAttributes("A:\\link", attribute::Folder | attribute::Reparse);
-    EXPECT_TRUE(arc::EraseFolder(files, "A:\\"));
-    EXPECT_TRUE(files.Exists("A:\\link\\precious.txt"));
+    files.Put("A:\\z.txt", "x");
+    EXPECT_FALSE(arc::EraseDrive(files, 'A'));
+    EXPECT_EQ(files.Tree("A:\\"), (std::vector<std::string>{"A:\\KEPT.TXT", "A:\\LINK\\PRECIOUS.TXT"}));
 }
 
 TEST_F(ArchiveDiskette, TheFirstFailureStopsTheWalk)
@@ -117,7 +109,7 @@ TEST_F(ArchiveDiskette, TheFirstFailureStopsTheWalk)
     files.Put("A:\\b.txt", "x");
     files.Put("A:\\c.txt", "x");
     const auto held = files.Open("A:\\b.txt", arc::Access::ReadShared);
-    EXPECT_FALSE(arc::EraseFolder(files, "A:\\"));
+    EXPECT_FALSE(arc::EraseDrive(files, 'A'));
     EXPECT_FALSE(files.Exists("A:\\a.txt"));
     EXPECT_TRUE(files.Exists("A:\\c.txt"));
 }

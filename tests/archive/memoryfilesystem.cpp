@@ -6,6 +6,14 @@
 #include <algorithm>
 #include <cstring>
 
+namespace
+{
+arc::FileInfo Info(const MemoryFileSystem::Node& node)
+{
+    return {node.bytes.size(), node.attributes, node.written, node.stamp};
+}
+} // namespace
+
 class MemoryFileSystem::MemoryFile : public arc::RawFile
 {
 public:
@@ -46,12 +54,13 @@ public:
             to.resize(end);
         }
         std::memcpy(to.data() + position, data, bytes);
+        ++m_node->stamp;
         return true;
     }
 
     std::optional<std::uint64_t> Size() override
     {
-        return m_node->bytes.size();
+        return m_files.Fails() ? std::nullopt : std::optional<std::uint64_t>(m_node->bytes.size());
     }
 
     bool FlushToDisk() override
@@ -117,7 +126,7 @@ std::string MemoryFileSystem::Key(const std::string& path)
 
 void MemoryFileSystem::Put(const std::string& path, const std::string& bytes, std::uint32_t attributes)
 {
-    const std::string full = Absolute(path);
+    const std::string full = Full(path);
     for (std::size_t end = full.find('\\', 3); end != std::string::npos; end = full.find('\\', end + 1))
     {
         if (!Exists(full.substr(0, end)))
@@ -130,6 +139,11 @@ void MemoryFileSystem::Put(const std::string& path, const std::string& bytes, st
     node->bytes = bytes;
     node->attributes = attributes;
     m_nodes[Key(full)] = node;
+}
+
+void MemoryFileSystem::Remove(const std::string& path)
+{
+    m_nodes.erase(Key(path));
 }
 
 bool MemoryFileSystem::Exists(const std::string& path) const
@@ -225,7 +239,7 @@ std::unique_ptr<arc::File> MemoryFileSystem::Open(const std::string& path, arc::
     }
     if (access == arc::Access::Replace || access == arc::Access::CreateNew)
     {
-        const auto parent = m_nodes.find(Key(std::string(arc::FolderOf(Absolute(path)))));
+        const auto parent = m_nodes.find(Key(std::string(arc::FolderOf(Full(path)))));
         if (parent == m_nodes.end() || !parent->second->folder)
         {
             return nullptr;
@@ -245,14 +259,14 @@ std::unique_ptr<arc::File> MemoryFileSystem::Open(const std::string& path, arc::
         std::make_unique<MemoryFile>(*this, key, found->second, alone));
 }
 
-std::optional<arc::FileInfo> MemoryFileSystem::Query(const std::string& path)
+arc::FileQuery MemoryFileSystem::Query(const std::string& path)
 {
-    const Node* node = Find(path);
-    if (!node)
+    if (Fails())
     {
-        return std::nullopt;
+        return arc::FileQuery::Unknown();
     }
-    return arc::FileInfo{node->bytes.size(), node->attributes, node->written};
+    const Node* node = Find(path);
+    return node ? arc::FileQuery(Info(*node)) : arc::FileQuery::Absent();
 }
 
 bool MemoryFileSystem::List(const std::string& folder, const std::string& wildcard,
@@ -269,7 +283,7 @@ bool MemoryFileSystem::List(const std::string& folder, const std::string& wildca
         if (key.starts_with(begin) && key.find('\\', begin.size()) == std::string::npos &&
             (all || arc::MatchesWildcard(node->name, wildcard)))
         {
-            entries.push_back({node->name, {node->bytes.size(), node->attributes, node->written}});
+            entries.push_back({node->name, Info(*node)});
         }
     }
     return true;
@@ -277,7 +291,7 @@ bool MemoryFileSystem::List(const std::string& folder, const std::string& wildca
 
 bool MemoryFileSystem::CreateFolder(const std::string& path)
 {
-    const std::string full = Absolute(path);
+    const std::string full = Full(path);
     if (Fails() || Exists(full) || !Exists(std::string(arc::FolderOf(full))))
     {
         return false;
@@ -296,7 +310,9 @@ bool MemoryFileSystem::RemoveFolder(const std::string& path)
     const bool holds = std::any_of(m_nodes.begin(), m_nodes.end(),
                                    [&](const auto& node) { return node.first.starts_with(key + "\\"); });
     const Node* node = Find(path);
-    return !Fails() && node && node->folder && !holds && m_nodes.erase(key) > 0;
+    // A link goes by itself.
+    const bool isLink = node && (node->attributes & arc::attribute::Reparse) != 0;
+    return !Fails() && node && node->folder && (isLink || !holds) && m_nodes.erase(key) > 0;
 }
 
 bool MemoryFileSystem::RemoveFile(const std::string& path)
@@ -314,7 +330,7 @@ bool MemoryFileSystem::Move(const std::string& from, const std::string& to)
     }
     auto node = m_nodes.extract(Key(from));
     node.key() = Key(to);
-    node.mapped()->name = arc::FileNameOf(Absolute(to));
+    node.mapped()->name = arc::FileNameOf(Full(to));
     m_nodes.insert(std::move(node));
     return true;
 }
@@ -332,7 +348,12 @@ bool MemoryFileSystem::SetAttributes(const std::string& path, std::uint32_t attr
 
 std::string MemoryFileSystem::Absolute(const std::string& path)
 {
-    return Full(path);
+    return Fails() ? std::string() : Full(path);
+}
+
+std::string MemoryFileSystem::Identity(const std::string& path)
+{
+    return Fails() || !Exists(path) ? std::string() : Key(path);
 }
 
 std::string MemoryFileSystem::Full(const std::string& path)
@@ -371,9 +392,9 @@ std::string MemoryFileSystem::Full(const std::string& path)
 
 std::optional<arc::DiskSpace> MemoryFileSystem::Space(const std::string& folder)
 {
-    const char letter = arc::FoldCase(Absolute(folder)[0]);
+    const char letter = Full(folder)[0];
     const auto drive = m_drives.find(letter);
-    if (drive == m_drives.end())
+    if (Fails() || drive == m_drives.end())
     {
         return std::nullopt;
     }

@@ -21,7 +21,8 @@ public:
         std::string bytes;
         std::uint32_t attributes = arc::attribute::Archive;
         arc::LocalTime written{2026, 10, 21, 4, 5, 6};
-        int readers = 0; // open now
+        std::int64_t stamp = 0; // counts writes
+        int readers = 0;        // open now
         bool alone = false;
     };
 
@@ -31,20 +32,20 @@ public:
     void AddDrive(char letter, std::uint64_t clusters = 1 << 20, std::uint64_t bytesPerCluster = 512);
     void Put(const std::string& path, const std::string& bytes,
              std::uint32_t attributes = arc::attribute::Archive);
+    void Remove(const std::string& path); // a single file or empty folder; no call
     bool Exists(const std::string& path) const;
     std::string Bytes(const std::string& path) const; // empty when there is none
     Node* Find(const std::string& path);
     std::vector<std::string> Tree(const std::string& folder) const; // full paths of all files below
 
     // From the call with this number on (from 1, counted from now) as many calls fail, or all when times is
-    // 0; call 0 = none. Calls are those that reach the file system: opening, reading, writing, flushing,
-    // closing, and all that change names.
+    // 0; call 0 = none. Every call of the file system and of its files counts.
     void FailFrom(int call, int times = 0);
     int Calls() const;
 
     // --- arc::FileSystem ---
     std::unique_ptr<arc::File> Open(const std::string& path, arc::Access access) override;
-    std::optional<arc::FileInfo> Query(const std::string& path) override;
+    arc::FileQuery Query(const std::string& path) override;
     bool List(const std::string& folder, const std::string& wildcard,
               std::vector<arc::FolderEntry>& entries) override;
     bool CreateFolder(const std::string& path) override;
@@ -53,6 +54,7 @@ public:
     bool Move(const std::string& from, const std::string& to) override;
     bool SetAttributes(const std::string& path, std::uint32_t attributes) override;
     std::string Absolute(const std::string& path) override;
+    std::string Identity(const std::string& path) override;
     std::optional<arc::DiskSpace> Space(const std::string& folder) override;
 
 private:

@@ -204,10 +204,12 @@ TEST(ArchiveFileSet, FindsTheOtherNameOfAMissingImage)
     files.CreateFolder("C:\\w\\P00.M");
     const auto present =
         arc::PresentFiles(files, "C:\\w", {"P.PF", "P00.I40", "P01.I40", "P02.I40", "P00.M"});
-    ASSERT_EQ(present.size(), 3u);
-    EXPECT_EQ(present[0].size, 4u);
-    EXPECT_EQ(present[1].name, "P00.C01");
-    EXPECT_EQ(present[2].name, "P01.I40");
+    ASSERT_TRUE(present);
+    EXPECT_THAT(*present, ElementsAre(arc::PresentFile{"P.PF", 4}, arc::PresentFile{"P00.C01", 2},
+                                      arc::PresentFile{"P01.I40", 1}));
+    // A file that cannot be asked is not one that is missing.
+    files.FailFrom(2, 1);
+    EXPECT_FALSE(arc::PresentFiles(files, "C:\\w", {"P.PF", "P00.M"}));
 }
 
 TEST(ArchiveFileSet, ArchiveHoldsPatternsThenListedFilesOnce)

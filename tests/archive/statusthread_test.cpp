@@ -1,8 +1,10 @@
 #include "archive/status/statusthread.h"
 
 #include "archive/status/archiveprogressdlg.h"
+#include "archive/status/messagewait.h"
 #include "archive/files/filenames.h"
 #include "archive/work/resultcodes.h"
+#include "tests/support/childprocess.h"
 #include "tests/support/dialogquality.h"
 #include "tests/support/dialogscript.h"
 #include "tests/support/mfctestprogram.h"
@@ -54,6 +56,27 @@ ON_MESSAGE(arcMsgSaveEnded, &OwnerWindow::OnSaveEnded)
 ON_MESSAGE(arcMsgLoadEnded, &OwnerWindow::OnLoadEnded)
 END_MESSAGE_MAP()
 
+// Another program, whose window would be the next to come to the front.
+VEL_CHILD_PROCESS(showWindow)
+{
+    OwnerWindow window;
+    window.Open();
+    while (AfxPumpMessage())
+    {
+    }
+    return 0;
+}
+
+// Destroys the window of a message on the window's own thread, as the system does with what a window owns.
+constexpr UINT DestroyHere = WM_APP + 100;
+LRESULT CALLBACK DestroyOnMessage(int nCode, WPARAM wParam, LPARAM lParam)
+{
+    const MSG& message = *reinterpret_cast<const MSG*>(lParam);
+    if (nCode == HC_ACTION && wParam == PM_REMOVE && message.message == DestroyHere)
+        ::DestroyWindow(message.hwnd);
+    return ::CallNextHookEx(nullptr, nCode, wParam, lParam);
+}
+
 constexpr const char* NotCreated =
     "Couldn't create archive file. Please check if the drive or the existing archive file is read-only.";
 
@@ -79,10 +102,12 @@ protected:
     // Runs the thread with the owner's messages dispatched, until it reports.
     void Run()
     {
-        ASSERT_TRUE(arcCStatusThread::Start(work));
-        while (owner.m_nEnded == 0 && AfxPumpMessage())
+        const auto thread = arcCStatusThread::Start(work);
+        ASSERT_TRUE(thread);
+        while (arcPumpOrWait(thread->m_hThread) != arcWoken::Object)
         {
         }
+        EXPECT_EQ(thread->Join(), owner.m_nResult);
     }
     void Run(const veltest::DialogScript::Script& script)
     {
@@ -92,7 +117,7 @@ protected:
     // Does the work as long as the script needs it.
     void HoldWork(std::atomic<bool>& release)
     {
-        work.otherWork = [&release](CWnd*, const arcProgress& progress) {
+        work.otherWork = [&release](const arcAsk&, const arcProgress& progress) {
             while (!release)
             {
                 progress(42, "S100.I40");
@@ -154,7 +179,7 @@ TEST_F(StatusThreadTest, ShowsTheWorkAndCannotBeClosed)
         {
             ::PostMessage(dialog.Handle(), message, parameter, 0);
         }
-        ::Sleep(50); // the work goes on reporting meanwhile
+        script.Settle(dialog.Handle());
         EXPECT_TRUE(dialog.IsOpen());
         EXPECT_EQ(owner.m_nEnded, 0u);
         release = true;
@@ -163,12 +188,157 @@ TEST_F(StatusThreadTest, ShowsTheWorkAndCannotBeClosed)
     EXPECT_EQ(owner.m_nResult, arc::ResultDone);
 }
 
+// Whatever becomes of its window, the work is done and its result arrives.
+TEST_F(StatusThreadTest, TheWorkDoesNotDependOnTheWindow)
+{
+    enum class Trouble
+    {
+        Moved,     // held by the user; the end of the work ends that
+        Destroyed, // with a window that owned it
+        OwnerGone,
+        Quit // the work is told to stop
+    };
+    for (const Trouble trouble : {Trouble::Moved, Trouble::Destroyed, Trouble::OwnerGone, Trouble::Quit})
+    {
+        SCOPED_TRACE(static_cast<int>(trouble));
+        std::atomic<int> reports = 0;
+        std::atomic<bool> release = false;
+        work.otherWork = [&](const arcAsk& ask, const arcProgress& progress) {
+            bool bGoOn = true;
+            while (bGoOn && !release)
+            {
+                bGoOn = progress(42, "S100.I40");
+                ++reports;
+                ::Sleep(1);
+            }
+            if (trouble == Trouble::Destroyed)
+            {
+                EXPECT_EQ(ask("Nobody is there", MB_YESNO), 0);
+            }
+            return bGoOn ? 17 : arc::ResultCancelled;
+        };
+        const auto thread = arcCStatusThread::Start(work);
+        ASSERT_TRUE(thread);
+        veltest::RunModal(
+            [&] {
+                while (arcPumpOrWait(thread->m_hThread) != arcWoken::Object)
+                {
+                }
+            },
+            [&](veltest::DialogScript& script) {
+                const veltest::Dialog dialog = script.WaitForDialogWith(IDC_ARC_PROGRESS_BAR);
+                const DWORD nThread = ::GetWindowThreadProcessId(dialog.Handle(), nullptr);
+                const HHOOK hHook = ::SetWindowsHookEx(WH_GETMESSAGE, DestroyOnMessage, nullptr, nThread);
+                script.WaitUntil("work", [&] { return reports > 0; });
+                switch (trouble)
+                {
+                case Trouble::Moved:
+                    ::PostMessage(dialog.Handle(), WM_SYSCOMMAND, SC_MOVE, 0);
+                    script.WaitUntil("the loop of the move", [&] {
+                        GUITHREADINFO info{};
+                        info.cbSize = sizeof info;
+                        return ::GetGUIThreadInfo(nThread, &info) && (info.flags & GUI_INMOVESIZE) != 0;
+                    });
+                    break;
+                case Trouble::Destroyed:
+                    ::PostMessage(dialog.Handle(), DestroyHere, 0, 0);
+                    script.WaitUntil("no window", [&] { return !dialog.IsOpen(); });
+                    break;
+                case Trouble::OwnerGone:
+                    ::PostMessage(work.hOwner, WM_CLOSE, 0, 0);
+                    script.WaitUntil("no owner", [&] { return !::IsWindow(work.hOwner); });
+                    break;
+                case Trouble::Quit:
+                    ::PostThreadMessage(nThread, WM_QUIT, 0, 0);
+                    script.AnswerBox("The archive process was cancelled", IDOK);
+                    break;
+                }
+                if (trouble != Trouble::Quit)
+                {
+                    const int nBefore = reports;
+                    script.WaitUntil("more work", [&] { return reports > nBefore; });
+                    release = true;
+                    if (trouble != Trouble::Moved)
+                        script.AnswerBox("Archive Save Error! (Code: 17)", IDOK);
+                    else
+                        script.WaitForBox("Archive Save Error! (Code: 17)").Press(IDOK);
+                }
+                ::UnhookWindowsHookEx(hHook);
+            });
+        const int nExpected = trouble == Trouble::Quit ? arc::ResultCancelled : 17;
+        EXPECT_EQ(thread->Join(), nExpected);
+        EXPECT_EQ(owner.m_nResult, trouble == Trouble::OwnerGone ? -1 : nExpected);
+        owner.m_nResult = -1;
+        if (trouble == Trouble::OwnerGone)
+        {
+            ASSERT_TRUE(owner.Open());
+            work.hOwner = owner.GetSafeHwnd();
+        }
+    }
+}
+
+TEST_F(StatusThreadTest, AsksOverTheProgressDialog)
+{
+    work.otherWork = [](const arcAsk& ask, const arcProgress&) {
+        return ask("Insert disk?", MB_YESNO) == IDYES ? arc::ResultDone : arc::ResultSaveFailed;
+    };
+    Run([](veltest::DialogScript& script) {
+        const veltest::Dialog box = script.WaitForBox("Insert disk?");
+        EXPECT_TRUE(::GetDlgItem(::GetWindow(box.Handle(), GW_OWNER), IDC_ARC_PROGRESS_BAR));
+        box.Press(IDYES);
+    });
+    EXPECT_EQ(owner.m_nResult, arc::ResultDone);
+}
+
+// The window that was active comes to the front again, though neither is it the hidden one that the messages
+// go to nor is another program's window far.
+TEST_F(StatusThreadTest, TheUsersWindowComesBackToTheFront)
+{
+    const veltest::ChildProcess other("showWindow", {});
+    const auto otherIsShown = [&] {
+        return ::FindWindowEx(nullptr, owner.m_hWnd, nullptr, "Host") != nullptr ||
+               ::FindWindow(nullptr, "Host") != owner.m_hWnd;
+    };
+    for (int i = 0; i < 1000 && !otherIsShown(); ++i)
+        ::Sleep(10);
+    CWnd hidden;
+    ASSERT_TRUE(hidden.CreateEx(0, AfxRegisterWndClass(0), "", WS_POPUP, CRect(0, 0, 9, 9), &owner, 0));
+    OwnerWindow dialog;
+    ASSERT_TRUE(dialog.CreateEx(0, AfxRegisterWndClass(0), "Choice", WS_POPUP | WS_VISIBLE,
+                                CRect(0, 0, 99, 99), &owner, 0));
+    ::SetForegroundWindow(dialog);
+    ASSERT_EQ(::GetForegroundWindow(), dialog.m_hWnd);
+    work.hOwner = hidden;
+    for (const int nResult : {arc::ResultDone, arc::ResultCancelled, arc::ResultSaveFailed})
+    {
+        work.otherWork = [nResult](const arcAsk&, const arcProgress&) { return nResult; };
+        const auto thread = arcCStatusThread::Start(work);
+        ASSERT_TRUE(thread);
+        veltest::RunModal(
+            [&] {
+                while (arcPumpOrWait(thread->m_hThread) != arcWoken::Object)
+                {
+                }
+            },
+            [&](veltest::DialogScript& script) {
+                if (nResult == arc::ResultDone)
+                    return;
+                const veltest::Dialog box = script.WaitForBox();
+                // By the thread, or by the box that it owns.
+                EXPECT_FALSE(dialog.IsWindowEnabled());
+                box.Press(IDOK);
+            });
+        EXPECT_EQ(::GetForegroundWindow(), dialog.m_hWnd) << nResult;
+        EXPECT_TRUE(dialog.IsWindowEnabled() && owner.IsWindowEnabled());
+    }
+    dialog.DestroyWindow();
+    hidden.DestroyWindow();
+}
+
 TEST_F(StatusThreadTest, FailuresAreToldAndReported)
 {
     work.strArchivePath = practice.Path("nowhere\\S1.KAZ").c_str();
-    Run([](veltest::DialogScript& script) {
-        script.AnswerBox(NotCreated, IDOK);
-    });
+    Run([](veltest::DialogScript& script) { script.AnswerBox(NotCreated, IDOK); });
     EXPECT_EQ(owner.m_nEnded, arcMsgSaveEnded);
     EXPECT_EQ(owner.m_nResult, arc::ResultSaveFailed);
 
@@ -193,25 +363,25 @@ TEST_F(StatusThreadTest, AnEmptyZipLoadsAsAnEmptyFolder)
 
 TEST_F(StatusThreadTest, WorkThatThrowsIsAFailedOne)
 {
-    work.otherWork = [](CWnd*, const arcProgress&) -> int { throw std::runtime_error("broken"); };
+    work.otherWork = [](const arcAsk&, const arcProgress&) -> int { throw std::runtime_error("broken"); };
     Run([](veltest::DialogScript& script) { script.AnswerBox(NotCreated, IDOK); });
     EXPECT_EQ(owner.m_nResult, arc::ResultSaveFailed);
     owner.m_nEnded = 0;
-    work.otherWork = [](CWnd*, const arcProgress&) -> int { AfxThrowMemoryException(); };
+    work.otherWork = [](const arcAsk&, const arcProgress&) -> int { AfxThrowMemoryException(); };
     Run([](veltest::DialogScript& script) { script.AnswerBox(NotCreated, IDOK); });
     EXPECT_EQ(owner.m_nResult, arc::ResultSaveFailed);
 }
 
 TEST_F(StatusThreadTest, CancelledWorkIsTold)
 {
-    work.otherWork = [](CWnd*, const arcProgress&) { return arc::ResultCancelled; };
+    work.otherWork = [](const arcAsk&, const arcProgress&) { return arc::ResultCancelled; };
     Run([](veltest::DialogScript& script) { script.AnswerBox("The archive process was cancelled", IDOK); });
     EXPECT_EQ(owner.m_nResult, arc::ResultCancelled);
 }
 
 TEST_F(StatusThreadTest, AWindowThatWasDisabledBeforeStaysSo)
 {
-    work.otherWork = [](CWnd*, const arcProgress&) { return arc::ResultDone; };
+    work.otherWork = [](const arcAsk&, const arcProgress&) { return arc::ResultDone; };
     owner.EnableWindow(FALSE);
     Run();
     EXPECT_FALSE(owner.IsWindowEnabled());

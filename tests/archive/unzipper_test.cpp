@@ -315,7 +315,7 @@ TEST_F(ArchiveUnzipper, TheShortFormOfALongNameIsNoticed)
             const std::size_t at = path.find("LONGNA~1.PF");
             return at == std::string::npos ? path : path.substr(0, at) + "LONGNAMED.PF";
         }
-        std::optional<arc::FileInfo> Query(const std::string& path) override
+        arc::FileQuery Query(const std::string& path) override
         {
             return MemoryFileSystem::Query(Long(path));
         }

@@ -100,6 +100,8 @@ protected:
 
     VolumeStatus Write(const std::string& id, std::uint64_t capacity, std::size_t buffer = 32767)
     {
+        for (const std::string& old : files.Tree("C:\\arc"))
+            files.Remove(old);
         Volumes volumes(files, id, capacity);
         return arc::WriteVolumeStream(files, "C:\\w", set, Saved, volumes, {}, SmallBuffer(buffer));
     }

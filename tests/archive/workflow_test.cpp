@@ -1,10 +1,15 @@
 // The plain pieces of saving and loading: the scratch folder, the disc bundle, diskettes.
 #include "archive/volumes/diskettevolumes.h"
-#include "archive/work/discbundle.h"
+#include "archive/files/foldertree.h"
 #include "archive/files/scratchfolder.h"
+#include "archive/work/discbundle.h"
+#include "archive/work/filecopies.h"
+#include "archive/work/recordfile.h"
 #include "tests/archive/memoryfilesystem.h"
 
 #include <gtest/gtest.h>
+
+#include "archive/res/archiveres.h"
 
 #include <deque>
 
@@ -28,20 +33,111 @@ TEST(ScratchFolder, IsEmptiedAndBelongsToOneAtATime)
     EXPECT_FALSE(files.Query("C:\\Temp\\VELTMP"));
 }
 
+TEST(ScratchFolder, RemovesLinksAndNotWhatTheyLeadTo)
+{
+    constexpr std::uint32_t compressed = 0x800;
+    MemoryFileSystem files;
+    files.Put("C:\\Temp\\VELTMP\\deep\\link\\precious.txt", "x");
+    files.SetAttributes("C:\\Temp\\VELTMP\\deep\\link", arc::attribute::Folder | arc::attribute::Reparse);
+    files.Put("C:\\Temp\\VELTMP\\packed", "x", arc::attribute::ReadOnly | compressed);
+    EXPECT_TRUE(arc::RemoveTree(files, "C:\\Temp\\VELTMP\\packed"));
+    EXPECT_TRUE(arc::RemoveTree(files, "C:\\Temp\\VELTMP\\deep\\link"));
+    EXPECT_TRUE(files.Exists("C:\\Temp\\VELTMP\\deep\\link\\precious.txt"));
+
+    // The scratch folder itself may be one.
+    files.SetAttributes("C:\\Temp\\VELTMP", arc::attribute::Folder | arc::attribute::Reparse);
+    arc::ScratchFolder scratch(files, "C:\\Temp");
+    EXPECT_TRUE(scratch.Take());
+    EXPECT_EQ(files.Find("C:\\Temp\\VELTMP")->attributes, arc::attribute::Folder);
+    EXPECT_TRUE(files.Exists("C:\\Temp\\VELTMP\\deep\\link\\precious.txt"));
+    scratch.GiveBack();
+
+    files.Put("C:\\Temp\\t\\a", "x");
+    files.Put("C:\\Temp\\t\\b", "x");
+    const auto held = files.Open("C:\\Temp\\t\\a", arc::Access::ReadShared);
+    EXPECT_FALSE(arc::RemoveTree(files, "C:\\Temp\\t"));
+    files.FailFrom(1, 1);
+    EXPECT_FALSE(arc::RemoveTree(files, "C:\\Temp\\none"));
+    EXPECT_TRUE(arc::RemoveTree(files, "C:\\Temp\\none"));
+}
+
+TEST(RecordFile, IsNewAndOneSavesAlone)
+{
+    MemoryFileSystem files;
+    files.Put("C:\\Temp\\A1.ACV", "of a dead save", arc::attribute::Archive);
+    {
+        arc::RecordFile record(files), second(files);
+        ASSERT_TRUE(record.Write("C:\\Temp", "A1", "mine"));
+        EXPECT_EQ(files.Bytes(record.Path()), "mine");
+        EXPECT_FALSE(second.Write("C:\\Temp", "A1", "another practice's"));
+        arc::RecordFile::ClearAbandoned(files, "C:\\Temp");
+        second.Remove();
+        EXPECT_EQ(files.Bytes("C:\\Temp\\A1.ACV"), "mine");
+        EXPECT_TRUE(second.Write("C:\\Temp", "A2", "x"));
+    }
+    EXPECT_TRUE(files.Tree("C:\\Temp").empty());
+    for (int fault = 1; fault < 12; ++fault)
+    {
+        arc::RecordFile record(files);
+        files.FailFrom(fault);
+        const bool written = record.Write("C:\\Temp", "A1", "mine");
+        EXPECT_TRUE(!written || files.Bytes("C:\\Temp\\A1.ACV") == "mine") << fault;
+        files.FailFrom(0);
+    }
+    files.Put("C:\\Temp\\A1.ACV", "left");
+    files.Put("C:\\Temp\\A1.ACV.LCK", "");
+    files.Put("C:\\Temp\\other.ACV", "nobody's");
+    arc::RecordFile::ClearAbandoned(files, "C:\\Temp");
+    EXPECT_EQ(files.Tree("C:\\Temp"), (std::vector<std::string>{"C:\\TEMP\\OTHER.ACV"}));
+}
+
+TEST(FileCopies, AreNewEqualAndAllOrNone)
+{
+    const std::vector<arc::PresentFile> set = {{"a", 200'000}, {"b", 3}, {"empty", 0}};
+    bool done = false;
+    for (int fault = 1; !done; ++fault)
+    {
+        MemoryFileSystem files;
+        files.CreateFolder("C:\\to");
+        for (const arc::PresentFile& file : set)
+            files.Put("C:\\from\\" + file.name, std::string(file.size, 'x'));
+        files.Find("C:\\from\\b")->written.year = 2001;
+        files.FailFrom(fault, 1);
+        const bool copied = arc::CopyAllNew(files, "C:\\from", set, "C:\\to");
+        done = files.Calls() < fault;
+        EXPECT_TRUE(copied || !done);
+        EXPECT_EQ(files.Tree("C:\\to").size(), copied ? 3u : 0u) << fault;
+        if (done)
+        {
+            files.FailFrom(0);
+            EXPECT_TRUE(arc::SameContents(files, "C:\\from\\a", "C:\\to\\a"));
+            EXPECT_EQ(files.Find("C:\\to\\b")->written.year, 2001);
+            files.Put("C:\\to\\a", std::string(200'000 - 1, 'x') + "y");
+            EXPECT_FALSE(arc::SameContents(files, "C:\\from\\a", "C:\\to\\a"));
+            files.Remove("C:\\to\\b");
+            EXPECT_FALSE(arc::CopyAllNew(files, "C:\\from", {set[1], set[0]}, "C:\\to"));
+            EXPECT_EQ(files.Bytes("C:\\to\\a").back(), 'y'); // what was there stays
+            EXPECT_FALSE(files.Exists("C:\\to\\b"));
+        }
+    }
+}
+
 TEST(DiscBundle, CopiesWhatIsThereAndKeepsTheTemplatesTail)
 {
     MemoryFileSystem files;
     for (const char* folder : {"C:\\prog", "C:\\disc"})
         ASSERT_TRUE(files.CreateFolder(folder));
     files.Put("C:\\prog\\VeltrixViewerSetup.exe", "viewer");
-    files.Put("C:\\prog\\autorunLaunchKaz.inf", "[autorun]\r\nOPEN=LaunchKaz.exe PATIENT.KAZ\r\nICON=disc.ico\r\n");
+    files.Put("C:\\prog\\autorunLaunchKaz.inf",
+              "[autorun]\r\nOPEN=LaunchKaz.exe PATIENT.KAZ\r\nICON=disc.ico\r\n");
     files.Put("C:\\prog\\LaunchKazReadme.txt", "read me");
     files.Put("C:\\disc\\readme.txt", "an older and longer text");
     arc::MakeDiscBundle(files, "C:\\prog", "C:\\disc", "A1");
     EXPECT_EQ("viewer", files.Bytes("C:\\disc\\zzz.exe"));
     EXPECT_FALSE(files.Exists("C:\\disc\\LaunchKaz.exe"));
     EXPECT_EQ("read me", files.Bytes("C:\\disc\\readme.txt"));
-    EXPECT_EQ("[autorun]\r\nOPEN=LaunchKaz.exe A1.KAZT.KAZ\r\nICON=disc.ico\r\n", files.Bytes("C:\\disc\\autorun.inf"));
+    EXPECT_EQ("[autorun]\r\nOPEN=LaunchKaz.exe A1.KAZT.KAZ\r\nICON=disc.ico\r\n",
+              files.Bytes("C:\\disc\\autorun.inf"));
 }
 
 TEST(DiscBundle, NeitherMakesAnAutorunFileNorLeavesHalfACopy)
@@ -167,6 +263,43 @@ TEST_F(DisketteVolumesTest, AForeignDiskIsErasedOnlyWhenTheUserSaysSo)
     arc::DisketteVolumes volumes(files, prompts, 'A', patient, false);
     EXPECT_EQ(arc::VolumeStatus::Done, arc::WriteVolumeStream(files, "C:\\work", set, {}, volumes));
     EXPECT_FALSE(files.Exists("A:\\holiday.jpg"));
+}
+
+TEST_F(DisketteVolumesTest, AgreeingToTheFirstDiskIsNotAgreeingToTheSecond)
+{
+    disks[2] = {{"A:\\holiday.jpg", "picture"}};
+    prompts.insert = [this](int number) {
+        Change(number);
+        return true;
+    };
+    arc::DisketteVolumes volumes(files, prompts, 'A', patient, true); // the first is blank
+    EXPECT_EQ(arc::VolumeStatus::Cancelled, arc::WriteVolumeStream(files, "C:\\work", set, {}, volumes));
+    EXPECT_EQ(std::vector<unsigned>{IDS_ARC_DISK_NOT_PATIENT}, prompts.questions);
+    EXPECT_TRUE(files.Exists("A:\\holiday.jpg"));
+}
+
+TEST_F(DisketteVolumesTest, AWrongDiskIsAskedAboutWhileReading)
+{
+    prompts.insert = [this](int number) {
+        Change(number);
+        return true;
+    };
+    arc::DisketteVolumes written(files, prompts, 'A', patient, false);
+    ASSERT_EQ(arc::VolumeStatus::Done, arc::WriteVolumeStream(files, "C:\\work", set, {}, written));
+    Change(1);
+    int asked = 0;
+    prompts.insert = [&](int number) {
+        Change(++asked == 3 ? number : 9); // twice a disk that is none of the set
+        return true;
+    };
+    arc::DisketteVolumes volumes(files, prompts, 'A', patient, false);
+    EXPECT_EQ(arc::VolumeStatus::Done, arc::VerifyVolumeStream(files, "C:\\work", set, volumes));
+    EXPECT_EQ(3, asked);
+    Change(9);
+    prompts.insert = [&](int) { return ++asked < 6; };
+    arc::DisketteVolumes refused(files, prompts, 'A', patient, false);
+    EXPECT_NE(arc::VolumeStatus::Done, arc::VerifyVolumeStream(files, "C:\\work", set, refused));
+    EXPECT_EQ(6, asked);
 }
 
 TEST_F(DisketteVolumesTest, RefusingTheNextDiskEndsTheSave)

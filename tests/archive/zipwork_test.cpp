@@ -80,6 +80,45 @@ TEST_F(ArchiveZipWork, TheOldArchiveGoesOnlyWhenTheNewOneIsGood)
     EXPECT_EQ(files.Bytes(Archive + ".previous"), "older");
 }
 
+TEST_F(ArchiveZipWork, TheZipTakesTheArchivesNameWhenItIsProven)
+{
+    files.Put(Archive, "old");
+    save.workingPath = "C:\\arc\\S1.ZIP";
+    std::vector<std::string> seen;
+    save.step = [&](const char* step) {
+        seen.push_back(step + (files.Exists(Archive) ? std::string("!") : ""));
+    };
+    save.trial = [&](const std::string& path) { return path == save.workingPath && files.Exists(path); };
+    std::vector<arc::PresentFile> stored;
+    files.Find("C:\\w\\S1.PF")->stamp = 77;
+    ASSERT_EQ(arc::SaveZip(files, save, {}, &stored), arc::ResultDone);
+    EXPECT_THAT(seen, ElementsAre("save.aside", "save.written", "save.proven", "save.placed!", "save.done!"));
+    EXPECT_THAT(files.Tree("C:\\arc"), ElementsAre("C:\\ARC\\S1.KAZ"));
+    EXPECT_THAT(stored,
+                ElementsAre(arc::PresentFile{"S1.PF", 5005, 77}, arc::PresentFile{"S100.I40", 5008, 0},
+                            arc::PresentFile{"S1.ACV", 6, 0}, arc::PresentFile{"S100.DF0", 5008, 0}));
+
+    // What fails the trial is no archive, and the one that was there is kept.
+    files.Put(Archive, "old");
+    save.trial = [](const std::string&) { return false; };
+    EXPECT_EQ(arc::SaveZip(files, save, {}, &stored), arc::ResultSaveFailed);
+    EXPECT_THAT(files.Tree("C:\\arc"), ElementsAre("C:\\ARC\\S1.KAZ.PREVIOUS"));
+    // Somebody else's file of the working name stays.
+    save.trial = {};
+    files.Put(save.workingPath, "mine");
+    EXPECT_EQ(arc::SaveZip(files, save), arc::ResultSaveFailed);
+    EXPECT_EQ(files.Bytes(save.workingPath), "mine");
+    // So does one that takes the archive's name meanwhile.
+    files.Remove(save.workingPath);
+    save.trial = [&](const std::string&) {
+        files.Put(Archive, "mine");
+        return true;
+    };
+    EXPECT_EQ(arc::SaveZip(files, save), arc::ResultSaveFailed);
+    EXPECT_THAT(files.Tree("C:\\arc"), ElementsAre("C:\\ARC\\S1.KAZ", "C:\\ARC\\S1.KAZ.PREVIOUS"));
+    EXPECT_EQ(files.Bytes(Archive), "mine");
+}
+
 TEST_F(ArchiveZipWork, AReadOnlyArchiveStays)
 {
     files.Put(Archive, "old", attribute::Archive | attribute::ReadOnly);
@@ -133,6 +172,7 @@ TEST_F(ArchiveZipWork, StoppingLeavesNoArchive)
 // its own name or beside it, or the new one is.
 TEST_F(ArchiveZipWork, NoMomentLosesBothArchives)
 {
+    save.workingPath = "C:\\arc\\S1.ZIP";
     const auto reset = [&] {
         files.FailFrom(0);
         for (const std::string& path : files.Tree("C:\\arc"))

@@ -75,7 +75,8 @@ public:
     Fault m_actionFault = Fault::none;
     int m_maximum = 5;
     bool m_updateEnabled = true;
-    int m_endInInit = 0;
+    int m_endInInit = 0; // of two calls the second counts
+    int m_endInAction = 0;
     CWnd* m_kept = nullptr; // made before the loop, so it must outlive the loop's idle work
 
     BOOL OnInitDialog() override
@@ -88,6 +89,7 @@ public:
         }
         if (m_endInInit != 0)
         {
+            EndDialog(IDCANCEL);
             EndDialog(m_endInInit);
         }
         return TRUE;
@@ -106,6 +108,11 @@ protected:
     void OnAction()
     {
         ++m_actions;
+        if (m_endInAction != 0)
+        {
+            EndDialog(IDCANCEL);
+            EndDialog(m_endInAction);
+        }
         if (m_actionFault != Fault::none)
         {
             Throw(m_actionFault);
@@ -291,6 +298,11 @@ TEST_F(MfcDialog, EndsDuringInitialisationWithItsResult)
     dialog.m_endInInit = 77;
     EXPECT_EQ(dialog.DoModal(), 77);
     EXPECT_TRUE(::IsWindowEnabled(m_owner.m_hWnd));
+    dialog.m_endInInit = 0;
+    dialog.m_endInAction = 78;
+    EXPECT_EQ(RunModal([&] { return dialog.DoModal(); },
+                       [](DialogScript& script) { script.WaitForDialogWith(IDC_ACTION).Press(IDC_ACTION); }),
+              78);
 }
 
 TEST_F(MfcDialog, AnswersMinusOneWithoutATemplate)

@@ -1,6 +1,8 @@
 // Regular DLLs: each in its own module state, and loaded again after it was unloaded.
 #include "mfcprogram.h"
 #include "mfctestres.h"
+#include "tests/support/childprocess.h"
+#include "tests/support/temporarypractice.h"
 
 #include <gtest/gtest.h>
 
@@ -103,6 +105,30 @@ TEST(MfcModule, LoadsAgainAfterItWasUnloaded)
         module.CloseWindow();
     }
     EXPECT_EQ(::GetModuleHandle("MfcTestA.dll"), nullptr);
+}
+
+// Arguments: whether the module is unloaded before the process ends.
+VEL_CHILD_PROCESS(endWithModule)
+{
+    const HMODULE module = ::LoadLibrary("MfcTestA.dll");
+    if (arguments[0] == "unload")
+    {
+        ::FreeLibrary(module);
+    }
+    return module != nullptr ? 0 : 1;
+}
+
+TEST(MfcModule, EndsItsApplicationWhenUnloadedButNotWithTheProcess)
+{
+    const veltest::TemporaryPractice folder;
+    const std::string log = folder.Path("ended");
+    ::SetEnvironmentVariable("MFCTEST_LOG", log.c_str());
+    for (const char* way : {"stay", "unload"})
+    {
+        EXPECT_EQ(veltest::ChildProcess("endWithModule", {way}).Wait(), 0);
+        EXPECT_EQ(::GetFileAttributes(log.c_str()) != INVALID_FILE_ATTRIBUTES, way == std::string("unload"));
+    }
+    ::SetEnvironmentVariable("MFCTEST_LOG", nullptr);
 }
 
 TEST(MfcModule, IsNotLoadedWhenItsStartIsRefused)

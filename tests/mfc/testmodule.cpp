@@ -14,6 +14,15 @@ public:
         char refuse[4] = "";
         return ::GetEnvironmentVariable("MFCTEST_REFUSE", refuse, sizeof(refuse)) == 0;
     }
+    int ExitInstance() override
+    {
+        char log[MAX_PATH] = "";
+        if (::GetEnvironmentVariable("MFCTEST_LOG", log, sizeof(log)) != 0)
+        {
+            ::CloseHandle(::CreateFile(log, GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
+        }
+        return CWinApp::ExitInstance();
+    }
 };
 
 CTestModuleApp theApp;

@@ -322,7 +322,7 @@ private:
     void CheckDefaultButton()
     {
         const auto count = std::count_if(m_parts.begin(), m_parts.end(), [](const Part& part) {
-            return part.kind == Kind::push && (StyleOf(part.window) & BS_TYPEMASK) == BS_DEFPUSHBUTTON;
+            return part.kind == Kind::push && IsDefaultButton(part.window);
         });
         const auto buttons = std::count_if(m_parts.begin(), m_parts.end(),
                                            [](const Part& part) { return part.kind == Kind::push; });

@@ -517,12 +517,18 @@ std::vector<std::string> Dialog::Buttons() const
     return buttons;
 }
 
+// Asked as the dialog manager asks, so that owner-drawn buttons count.
+bool IsDefaultButton(HWND button)
+{
+    return (SendMessageA(button, WM_GETDLGCODE, 0, 0) & DLGC_DEFPUSHBUTTON) != 0;
+}
+
 std::string Dialog::DefaultButton() const
 {
     for (const HWND control : Descendants(m_window))
     {
         if (IsWindowVisible(control) && WindowClass(control) == "Button" &&
-            ButtonType(control) == BS_DEFPUSHBUTTON)
+            IsDefaultButton(control))
         {
             return WithoutAccessKeys(WindowText(control));
         }

@@ -16,6 +16,7 @@ std::string WindowClass(HWND window);
 std::vector<HWND> Descendants(HWND window);              // children of every depth in creation (tab) order
 std::string DescribeWindow(HWND window);                 // one line: class, id, text, state, place
 std::string DescribeTree(HWND window);                   // the same for the window and its descendants
+bool IsDefaultButton(HWND button);
 std::string WithoutAccessKeys(const std::string& label); // "&Save && go" becomes "Save & go"
 
 // One control of a dialog as a script's thread sees it. What a user would do goes through posted messages, so

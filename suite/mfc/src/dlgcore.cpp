@@ -245,10 +245,7 @@ INT_PTR CDialog::DoModal()
 void CDialog::EndDialog(int nResult)
 {
     ASSERT(::IsWindow(m_hWnd));
-    if (m_bContinueModal)
-    {
-        EndModalLoop(nResult);
-    }
+    EndModalLoop(nResult); // of several calls the last one's result is the dialog's
     ::EndDialog(m_hWnd, nResult);
 }
 

@@ -19,14 +19,19 @@ AFX_MODULE_STATE* AfxGetStaticModuleState()
     return state;
 }
 
-extern "C" BOOL WINAPI DllMain(HINSTANCE hInstance, DWORD dwReason, LPVOID)
+extern "C" BOOL WINAPI DllMain(HINSTANCE hInstance, DWORD dwReason, LPVOID lpReserved)
 {
     switch (dwReason)
     {
     case DLL_PROCESS_ATTACH:
         return AfxRegularDllStart(hInstance, &AfxWndProcDll);
     case DLL_PROCESS_DETACH:
-        AfxRegularDllEnd(hInstance);
+        // When the process ends, other threads were stopped wherever they were: nothing is safe to touch then,
+        // and the system takes everything back.
+        if (lpReserved == nullptr)
+        {
+            AfxRegularDllEnd(hInstance);
+        }
         break;
     default:
         break;

@@ -18,7 +18,7 @@ constexpr std::array<FileRule, 17> Rules{{
     {FileKind::FurtherImage, "##.I??.???", "??.i??.???"},
     {FileKind::Extra, "$##$*", "$*"},
     {FileKind::Extra, "$*", ""},
-    {FileKind::DataImage, "##.D?.I??", "??.d?.i??"},
+    {FileKind::DataImage, "##.*.I??", "??.d?.i??"},
     {FileKind::Morph, "%.2DMORPH", "*.2dmorph"},
     {FileKind::AlternateImage, "##.C01", ""},
     {FileKind::TimepointData, "##.DF0", ""},
@@ -35,30 +35,25 @@ bool IsDigit(char character)
     return character >= '0' && character <= '9';
 }
 
+bool FitsPlain(std::string_view text, std::string_view rule)
+{
+    return std::equal(text.begin(), text.end(), rule.begin(), rule.end(), [](char character, char wanted) {
+        return wanted == '?' || (wanted == '#' ? IsDigit(character) : FoldCase(character) == wanted);
+    });
+}
+
+// A rule holds at most one run.
 bool Fits(std::string_view rest, std::string_view rule)
 {
-    for (std::size_t at = 0; at < rule.size(); ++at)
+    const std::size_t run = rule.find_first_of("*%");
+    if (run == std::string_view::npos)
     {
-        if (rule[at] == '*')
-        {
-            return true; // ends its rule
-        }
-        if (rule[at] == '%')
-        {
-            const std::string_view end = rule.substr(at + 1);
-            return rest.size() >= at + end.size() &&
-                   EqualNoCase(rest.substr(rest.size() - end.size()), end) &&
-                   rest.find('$') == std::string_view::npos;
-        }
-        const bool fits =
-            at < rest.size() &&
-            (rule[at] == '?' || (rule[at] == '#' ? IsDigit(rest[at]) : FoldCase(rest[at]) == rule[at]));
-        if (!fits)
-        {
-            return false;
-        }
+        return FitsPlain(rest, rule);
     }
-    return rest.size() == rule.size();
+    const std::string_view end = rule.substr(run + 1);
+    return rest.size() >= run + end.size() && FitsPlain(rest.substr(0, run), rule.substr(0, run)) &&
+           FitsPlain(rest.substr(rest.size() - end.size()), end) &&
+           (rule[run] == '*' || rest.find('$') == std::string_view::npos);
 }
 
 // Where the timepoint's number stands behind the ID; npos when there is none.

@@ -21,7 +21,7 @@ enum class FileKind
     FurtherImage,          ///< IDtt.I2A.AVI
     AlternateImage,        ///< IDtt.C01, which may stand for IDtt.I40
     TimepointData,         ///< IDtt.DF0 to IDtt.DF3, IDtt.M
-    DataImage,             ///< IDtt.D0.I2A
+    DataImage,             ///< IDtt.D0.I2A, and others with something in between
     Extra,                 ///< ID$tt$movie.avi; also ID$ followed by anything else, then of no timepoint
     Morph,                 ///< ID, anything, .2dmorph: fits several IDs, see PossibleOwners
     KeptPatientFile,       ///< ID.ORIGINALPF: the patient file while one of the earlier format has its place

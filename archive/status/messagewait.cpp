@@ -1,0 +1,51 @@
+#include "archive/status/messagewait.h"
+
+#include <afxpriv.h>
+
+arcWoken arcPumpOrWait(HANDLE hObject)
+{
+    // Not GetMessage: it would go on waiting when the message it was called for is a sent one.
+    MSG* const pMessage = AfxGetCurrentMessage();
+    if (!::PeekMessage(pMessage, nullptr, 0, 0, PM_REMOVE))
+    {
+        const DWORD nObjects = hObject != nullptr ? 1 : 0;
+        const DWORD nWoken =
+            ::MsgWaitForMultipleObjectsEx(nObjects, &hObject, INFINITE, QS_ALLINPUT, MWMO_INPUTAVAILABLE);
+        if (nWoken == WAIT_OBJECT_0 + nObjects)
+            return arcWoken::Message;
+        // A message may have come between the look and the wait, which prefers the object.
+        if (!::PeekMessage(pMessage, nullptr, 0, 0, PM_REMOVE))
+            return arcWoken::Object;
+    }
+    if (pMessage->message == WM_QUIT)
+        return arcWoken::Quit;
+    BOOL bTranslated = TRUE;
+    try
+    {
+        bTranslated = AfxPreTranslateMessage(pMessage);
+    }
+    catch (...)
+    {
+        AfxProcessCurrentException(pMessage);
+    }
+    if (!bTranslated)
+    {
+        ::TranslateMessage(pMessage);
+        ::DispatchMessage(pMessage);
+    }
+    return arcWoken::Message;
+}
+
+void arcWaitAnswering(HANDLE hObject)
+{
+    while (::MsgWaitForMultipleObjectsEx(1, &hObject, INFINITE, QS_SENDMESSAGE, 0) == WAIT_OBJECT_0 + 1)
+    {
+        MSG message;
+        ::PeekMessage(&message, nullptr, 0, 0, PM_NOREMOVE | PM_QS_SENDMESSAGE);
+    }
+}
+
+void arcJoinDesktop(DWORD nThread)
+{
+    ::SetThreadDesktop(::GetThreadDesktop(nThread != 0 ? nThread : ::GetCurrentThreadId()));
+}

@@ -1,0 +1,116 @@
+// The archive dialog while an operation is under way.
+#include "tests/archive/archivefixture.h"
+
+#include <filesystem>
+
+using testing::IsEmpty;
+using veltest::Dialog;
+using veltest::DialogScript;
+
+namespace
+{
+// The box of a failed operation holds the status thread, so that the dialog waits as long as a test needs it.
+constexpr const char* OpenError = "Error opening archive file.";
+constexpr const char* LoadFailed = "Error has occured when loading the patient from Archive";
+} // namespace
+
+class ArchiveWaitTest : public ArchiveDialogTest
+{
+protected:
+    // Loads what is no archive; script plays while the dialog waits.
+    __int64 LoadWaiting(const Script& waiting, bool bTold)
+    {
+        m_practice.WriteFile("archive\\A1.kaz", "no archive");
+        return Run(ARCHIVE_OP_LOAD, {}, {Archive("A1")}, [&](DialogScript& script) {
+            WaitForChoice(script).Press(IDOK);
+            script.WaitForBox(OpenError);
+            waiting(script);
+            script.AnswerBox(OpenError, IDOK);
+            if (bTold)
+                script.AnswerBox(LoadFailed, IDOK);
+        });
+    }
+
+    static HWND FindChoice()
+    {
+        return ::FindWindow(nullptr, "Archive Patient Files");
+    }
+};
+
+TEST_F(ArchiveWaitTest, TakesNeitherOKNorCancelHoweverTheyCome)
+{
+    const auto post = [](UINT message, WPARAM wParam) {
+        return [=](HWND hChoice) {
+            const HWND hFocus = ::GetDlgItem(hChoice, IDC_ARC_GET_ARCHIVE);
+            const bool bKey = message == WM_KEYDOWN || message == WM_SYSKEYDOWN;
+            ::PostMessage(bKey ? hFocus : hChoice, message, wParam, 0);
+        };
+    };
+    const std::function<void(HWND)> ways[] = {
+        post(WM_KEYDOWN, VK_RETURN),
+        post(WM_KEYDOWN, VK_ESCAPE),
+        [](HWND hChoice) { // would choose another operation
+            for (const UINT message : {WM_KEYDOWN, WM_KEYUP})
+                ::PostMessage(::GetDlgItem(hChoice, IDC_ARC_GET_INTERNET), message, VK_SPACE, 0);
+        },
+        post(WM_SYSKEYDOWN, VK_F4),
+        post(WM_COMMAND, IDOK),
+        post(WM_COMMAND, IDCANCEL),
+        post(WM_CLOSE, 0),
+        [](HWND hChoice) { ::PostMessage(::GetDlgItem(hChoice, IDOK), BM_CLICK, 0, 0); },
+        [](HWND hChoice) {
+            // All windows of the thread: the hidden dialog is among them.
+            ::EnumThreadWindows(
+                ::GetWindowThreadProcessId(hChoice, nullptr),
+                [](HWND hWnd, LPARAM) { return ::PostMessage(hWnd, WM_COMMAND, IDCANCEL, 0); }, 0);
+        },
+    };
+    EXPECT_EQ(LoadWaiting(
+                  [&](DialogScript& script) {
+                      const HWND hChoice = FindChoice();
+                      ASSERT_TRUE(hChoice);
+                      EXPECT_FALSE(::IsWindowEnabled(hChoice));
+                      for (const auto& way : ways)
+                          way(hChoice);
+                      script.Settle(hChoice);
+                      EXPECT_TRUE(::IsWindowVisible(hChoice));
+                      EXPECT_EQ(::IsDlgButtonChecked(hChoice, IDC_ARC_GET_ARCHIVE), unsigned{BST_CHECKED});
+                  },
+                  true),
+              IDOK);
+}
+
+TEST_F(ArchiveWaitTest, TheHostMayCloseMeanwhile)
+{
+    const std::string id = "A1";
+    StorePatient(id);
+    for (const bool bQuits : {true, false})
+    {
+        m_practice.WriteFile("archive\\A1.kaz", "somebody's");
+        ::SetFileAttributes(Archive(id).c_str(), FILE_ATTRIBUTE_READONLY);
+        EXPECT_EQ(Run(ARCHIVE_OP_SAVE, {id, "B1"}, {},
+                      [&](DialogScript& script) {
+                          WaitForChoice(script).Press(IDOK);
+                          script.AnswerBox("", IDYES); // several: remove them
+                          TakeOfferedName(script);
+                          script.WaitForDialogWith(IDC_ARC_OVERWRITE_TEXT).Press(IDYES);
+                          const Dialog box = script.WaitForBox();
+                          if (bQuits)
+                              ::PostThreadMessage(script.UiThread(), WM_QUIT, 7, 0);
+                          else
+                              ::PostMessage(m_host, WM_CLOSE, 0, 0);
+                          script.WaitUntil("the choice to go or the queue to be read",
+                                           [&] { return bQuits || FindChoice() == nullptr; });
+                          box.Press(IDOK);
+                      }),
+                  IDOK);
+        EXPECT_EQ(m_nQuit, bQuits ? 7 : -1);
+        m_nQuit = -1;
+    }
+    // Neither asked about nor gone on with: the patients are as before, and nobody has them.
+    EXPECT_TRUE(IsStored(id));
+    EXPECT_EQ(m_patients.IsLocked(id.c_str()), patLockFree);
+    EXPECT_EQ(m_practice.ReadFile("archive\\A1.kaz"), "somebody's");
+    EXPECT_THAT(NewEvents(), IsEmpty());
+    ::SetFileAttributes(Archive(id).c_str(), FILE_ATTRIBUTE_NORMAL);
+}

@@ -1,0 +1,338 @@
+// The service as its clients see it: a process of its own, over TLS.
+#include "service/text.h"
+#include "suite/rasko/transfer/serviceclient.h"
+#include "tests/service/serviceprocess.h"
+
+#include <gmock/gmock.h>
+#include <httplib.h>
+#include <pugixml.hpp>
+
+#include <fstream>
+
+namespace
+{
+using rasko::FormEncode;
+using testing::HasSubstr;
+using testing::Not;
+using veltest::SampleDocument;
+using veltest::SampleFile;
+using veltest::ServiceProcess;
+using veltest::User;
+
+constexpr char Guid[] = "{00000000-0000-4000-8000-000000000001}";
+const std::string Pid = "&pid=" + FormEncode(Guid);
+
+class ServiceTest : public testing::Test
+{
+protected:
+    rasko::Reply Queue(User& user, const std::string& document)
+    {
+        return user.Command("cmd=addtoqueue&xmlData=" + FormEncode(document));
+    }
+    void Publish(User& user, const std::string& upload, const std::vector<SampleFile>& files)
+    {
+        for (const SampleFile& file : files)
+            EXPECT_EQ(user.Upload("?upload=" + upload + "&name=" + file.name + "&offset=0&last=1", file.bytes)
+                          .status,
+                      200);
+        EXPECT_EQ(user.Upload("?upload=" + upload + "&commit=1", {}).status, 200);
+    }
+    std::size_t FilesOnDisk() const
+    {
+        const std::filesystem::directory_iterator files(service.Files());
+        return static_cast<std::size_t>(std::distance(begin(files), end(files)));
+    }
+
+    ServiceProcess service;
+    const std::vector<SampleFile> images = {{"A107.I0A", "first image"},
+                                            {"A107.V0A", std::string(300000, 'v')}};
+};
+
+TEST_F(ServiceTest, KeepsEveryoneAwayFromRecordsThatAreNotShared)
+{
+    User anna(service, "anna"), bert(service, "bert"), carl(service, "carl");
+    ASSERT_EQ(Queue(anna, SampleDocument(Guid, "A1", images)).status, 200);
+    Publish(anna, "1", images);
+    const std::string file = "?id=1&name=A107.I0A&signature=" + veltest::Md5("first image");
+    const std::string before = anna.Command("cmd=getdownloadpatient&PatientID=1").body;
+    ASSERT_THAT(before, HasSubstr("A107.V0A"));
+
+    ASSERT_EQ(
+        anna.Command("cmd=getadhocshareinfo" + Pid + "&id=1&emailorusername=BERT@example.org&recipienttype=2")
+            .status,
+        200);
+    const std::string bertsGuid = [&] {
+        pugi::xml_document list;
+        list.load_string(bert.Command("cmd=getlist").body.c_str());
+        return std::string(list.child("record").attribute("userGUID").value());
+    }();
+
+    struct Case
+    {
+        const char* what;
+        int nobody, stranger, recipient, owner;
+        std::function<rasko::Reply(User&)> run;
+    };
+    const auto command = [](const std::string& form) {
+        return [form](User& user) { return user.Command(form); };
+    };
+    const Case cases[] = {
+        {"record", 401, 404, 200, 200, command("cmd=getdownloadpatient&PatientID=1")},
+        {"file", 401, 404, 200, 200, [&](User& user) { return user.Get(file); }},
+        {"info", 401, 404, 404, 200, command("cmd=getrecordinfo" + Pid + "&id=1&space=0")},
+        {"info of a number alone", 401, 400, 400, 400, command("cmd=getrecordinfo&pid=&id=1&space=0")},
+        {"recipients", 401, 404, 404, 200, command("cmd=getrecordinfoex" + Pid + "&id=1&referralinfo=")},
+        {"share", 401, 404, 404, 200,
+         command("cmd=getadhocshareinfo" + Pid + "&id=1&emailorusername=bert&recipienttype=1")},
+        {"upload", 401, 404, 404, 404, [](User& user) { return user.Get("?upload=1"); }},
+        {"piece", 401, 404, 404, 404,
+         [](User& user) { return user.Upload("?upload=1&name=A107.I0A&offset=0", "x"); }},
+        {"commit", 401, 404, 404, 200, [](User& user) { return user.Upload("?upload=1&commit=1", {}); }},
+        {"delete", 401, 404, 403, 404, command("cmd=deletefromfrv&pid=%7bother%7d&id=1")},
+        {"stop", 401, 404, 403, 404, command("cmd=stopsharingwith&id=1&recipientid=nobody")},
+        {"unknown", 401, 404, 404, 404, command("cmd=getdownloadpatient&PatientID=2")},
+        {"no number", 401, 404, 404, 404, command("cmd=getdownloadpatient&PatientID=1%27+OR+1=1")},
+        {"no command", 401, 404, 404, 404, command("cmd=shutdown")},
+    };
+    User nobody(service, "carl");
+    nobody.Command("cmd=logout");
+    for (const Case& one : cases)
+    {
+        EXPECT_EQ(one.run(nobody).status, one.nobody) << one.what;
+        EXPECT_EQ(one.run(carl).status, one.stranger) << one.what;
+        EXPECT_EQ(one.run(bert).status, one.recipient) << one.what;
+        EXPECT_EQ(one.run(anna).status, one.owner) << one.what;
+    }
+    EXPECT_THAT(carl.Command("cmd=getdownloadable").body, Not(HasSubstr("patinfo")));
+    EXPECT_THAT(bert.Command("cmd=getlist").body, Not(HasSubstr("patinfo")));
+    EXPECT_THAT(bert.Command("cmd=getdownloadable").body, HasSubstr("patVeltrixID=\"1\""));
+    EXPECT_EQ(anna.Command("cmd=getdownloadpatient&PatientID=1").body, before);
+
+    ASSERT_EQ(anna.Command("cmd=stopsharingwith&id=1&recipientid=" + FormEncode(bertsGuid)).status, 200);
+    EXPECT_EQ(bert.Get(file).status, 404);
+    ASSERT_EQ(anna.Command("cmd=deletefromfrv" + Pid + "&id=1").status, 200);
+    EXPECT_EQ(FilesOnDisk(), 0U);
+    // A number is never given again.
+    EXPECT_THAT(Queue(anna, SampleDocument(Guid, "A1", images)).body, HasSubstr("patVeltrixID=\"2\""));
+}
+
+TEST_F(ServiceTest, GivesARecordBackWithEverythingItsOwnerWrote)
+{
+    User anna(service, "anna"), bert(service, "bert");
+    const std::string document = SampleDocument(Guid, "A1", images);
+    Queue(anna, document);
+    Publish(anna, "1", images);
+    ASSERT_EQ(
+        anna.Command(
+                "cmd=getrecordinfoex" + Pid + "&id=1&referralinfo=" +
+                FormEncode(
+                    "<referralinfo><recipient address='bert' type='1'/><note>a &lt; b</note></referralinfo>"))
+            .status,
+        200);
+
+    pugi::xml_document record;
+    ASSERT_TRUE(record.load_string(bert.Command("cmd=getdownloadpatient&PatientID=1").body.c_str()));
+    const pugi::xml_node patient = record.select_node("//record/patient[@patVeltrixID]").node();
+    EXPECT_STREQ(patient.attribute("patlastName").value(), "M\xC3\xBCller & <Co>");
+    EXPECT_STREQ(patient.attribute("patBirthdate").value(), "1999-05-17");
+    EXPECT_STREQ(patient.attribute("patientID").value(), "A1");
+    EXPECT_STREQ(record.select_node("//record/note").node().text().get(), "a < b");
+    const pugi::xml_node timepoint = record.select_node("//Timepoints/Timepoint").node();
+    EXPECT_STREQ(timepoint.attribute("tpDate").value(), "2009-03-05");
+    EXPECT_STREQ(timepoint.attribute("tpNumber").value(), "7");
+    const pugi::xml_node image = timepoint.select_node("Images/image[@file=\"A107.V0A\"]").node();
+    EXPECT_EQ(image.attribute("signature").value(), veltest::Md5(images[1].bytes));
+    EXPECT_EQ(image.attribute("size").as_int(), 300000);
+    EXPECT_STREQ(image.attribute("imageType").value(), "0A");
+
+    pugi::xml_document written;
+    written.load_string(document.c_str());
+    std::ostringstream expected, found;
+    written.child("patient").print(expected);
+    record.select_node("//record/patient[@patientid]").node().print(found);
+    EXPECT_EQ(found.str(), expected.str());
+}
+
+TEST_F(ServiceTest, RefusesDocumentsThatCannotBeTrusted)
+{
+    User anna(service, "anna");
+    const std::string signature = veltest::Md5("x");
+    const auto withFiles = [](const std::string& files) {
+        return "<patient id='" + std::string(Guid) + "' patientid='A1'><timepoints><timepoint><Files>" +
+               files + "</Files></timepoint></timepoints></patient>";
+    };
+    std::string deep, wide = "<patient id='{1}'>";
+    for (int i = 0; i < 17; ++i)
+        deep = "<a>" + deep + "</a>";
+    for (int i = 0; i < 600000; ++i)
+        wide += "<a/>";
+    const std::pair<std::string, int> documents[] = {
+        {"", 400},
+        {"<html>", 400},
+        {"<patient/>", 400},
+        {"<record id='{1}'/>", 400},
+        {"<!DOCTYPE patient [<!ENTITY a 'aaaa'>]><patient id='{1}'>&a;</patient>", 400},
+        {deep, 400},
+        {wide + "</patient>", 400},
+        {"<patient id='{1}' last='\xFF'/>", 400},
+        {"<patient id='{1}' last='" + std::string(1 << 20, 'x') + "'/>", 413},
+        {"<patient id='{1}'>" + std::string(17 << 20, 'x') + "</patient>", 413},
+        {withFiles("<file name='../A1' signature='" + signature + "'/>"), 400},
+        {withFiles("<file name='A1\\b' signature='" + signature + "'/>"), 400},
+        {withFiles("<file name='A1' signature='" + std::string(32, 'A') + "'/>"), 400},
+        {withFiles("<file name='A1' signature='" + signature + "'/><file name='A1' signature='" +
+                   std::string(32, '0') + "'/>"),
+         400},
+    };
+    for (const auto& [document, status] : documents)
+        EXPECT_EQ(Queue(anna, document).status, status) << document.substr(0, 80);
+    EXPECT_EQ(anna.Command("cmd=addtoqueue&xmlData=%zz").status, 400);
+    EXPECT_EQ(anna.Command("cmd=getlist&cmd=logout").status, 400);
+    User stranger(service, "bert");
+    stranger.Command("cmd=logout");
+    EXPECT_EQ(stranger.Command("cmd=login&x=" + std::string(65 << 10, 'x')).status, 401);
+    // Nothing of all this has become a record.
+    EXPECT_THAT(Queue(anna, withFiles("")).body, HasSubstr("patVeltrixID=\"1\""));
+}
+
+TEST_F(ServiceTest, TakesFilesInPiecesAcrossKills)
+{
+    User anna(service, "anna");
+    const std::string& big = images[1].bytes;
+    ASSERT_EQ(Queue(anna, SampleDocument(Guid, "A1", images)).status, 200);
+    const auto piece = [&](std::size_t offset, std::size_t size, const char* rest = "") {
+        return anna.Upload("?upload=1&name=A107.V0A&offset=" + std::to_string(offset) + rest,
+                           big.substr(offset, size));
+    };
+    EXPECT_EQ(piece(0, 100000).status, 200);
+    service.KillAndRestart();
+    const rasko::Reply wrongOffset = piece(0, 100000);
+    EXPECT_EQ(wrongOffset.status, 409);
+    EXPECT_THAT(wrongOffset.body, HasSubstr("received=\"100000\""));
+    EXPECT_EQ(piece(200000, 10).status, 409);
+    EXPECT_EQ(piece(100000, 200000).status, 200);
+    service.KillAndRestart(); // the whole is there, the last piece was never told
+    EXPECT_THAT(Queue(anna, SampleDocument(Guid, "A1", images)).body, HasSubstr("upload=\"1\""));
+    EXPECT_EQ(anna.Upload("?upload=1&commit=1", {}).status, 409);
+    EXPECT_EQ(piece(300000, 0, "&last=1").status, 200);
+    EXPECT_EQ(anna.Upload("?upload=1&name=A107.I0A&offset=0&last=1", "first imagE").status, 422);
+    EXPECT_EQ(anna.Upload("?upload=1&name=A107.I0A&offset=0&last=1", "first image").status, 200);
+    EXPECT_EQ(anna.Command("cmd=getdownloadpatient&PatientID=1").status, 404); // not before it is complete
+    EXPECT_EQ(anna.Upload("?upload=1&commit=1", {}).status, 200);
+    service.KillAndRestart();
+    EXPECT_EQ(anna.Upload("?upload=1&commit=1", {}).status, 200);
+    EXPECT_EQ(anna.Get("?id=1&name=A107.V0A&offset=299990&signature=" + veltest::Md5(big)).body,
+              big.substr(299990));
+    EXPECT_EQ(anna.Get("?id=1&name=A107.V0A&offset=300000&signature=" + veltest::Md5(big)).body, "");
+    EXPECT_EQ(anna.Get("?id=1&name=A107.V0A&offset=300001&signature=" + veltest::Md5(big)).status, 416);
+
+    // A newer record keeps what has not changed; what others see stays until it is complete.
+    const std::string before = anna.Command("cmd=getdownloadpatient&PatientID=1").body;
+    const std::vector<SampleFile> newer = {{"A107.I0A", "other image"}, images[1]};
+    const rasko::Reply second = Queue(anna, SampleDocument(Guid, "A1", newer));
+    EXPECT_THAT(second.body, HasSubstr("A107.I0A"));
+    EXPECT_THAT(second.body, Not(HasSubstr("A107.V0A")));
+    EXPECT_EQ(anna.Command("cmd=getdownloadpatient&PatientID=1").body, before);
+    Publish(anna, "2", {newer[0]});
+    EXPECT_EQ(FilesOnDisk(), 2U);
+    EXPECT_EQ(anna.Get("?id=1&name=A107.I0A&signature=" + veltest::Md5("first image")).status, 404);
+    EXPECT_EQ(anna.Get("?id=1&name=A107.I0A&signature=" + veltest::Md5("other image")).body, "other image");
+    // What no row knows goes at the next start.
+    veltest::WriteBytes(service.Files() / "4711", "left over");
+    service.KillAndRestart();
+    EXPECT_EQ(FilesOnDisk(), 2U);
+}
+
+TEST_F(ServiceTest, ListsByTheUsersClock)
+{
+    User anna(service, "anna");
+    for (const char* id : {"B", "A"})
+        Queue(anna, SampleDocument(std::string("{") + id + "}", id, {}));
+    Publish(anna, "1", {});
+    // Registered but never uploaded: in no list.
+    pugi::xml_document list;
+    list.load_string(anna.Command("cmd=getlist").body.c_str());
+    ASSERT_EQ(list.select_nodes("//patinfo").size(), 1U);
+    const pugi::xml_node line = list.select_node("//patinfo").node();
+    EXPECT_STREQ(line.attribute("patID").value(), "B");
+    const std::string utc = line.attribute("lastUpdate").value();
+    EXPECT_THAT(anna.Command("cmd=updatedpatients&lastQueryTime=" + FormEncode(utc)).body,
+                Not(HasSubstr("patinfo")));
+    EXPECT_THAT(anna.Command("cmd=updatedpatients&lastQueryTime=2020-01-01T00%3a00").body,
+                HasSubstr("patinfo"));
+    EXPECT_EQ(anna.Command("cmd=updatedpatients&lastQueryTime=yesterday").status, 400);
+
+    // Ten hours east at two in the morning tells 840: a day too much.
+    User bert(service, "bert");
+    ASSERT_EQ(bert.Command("cmd=login&Login=anna&password=pw-anna&tz=840").status, 200);
+    list.load_string(bert.Command("cmd=getlist").body.c_str());
+    EXPECT_EQ(svc::ParseTime(list.select_node("//patinfo").node().attribute("lastUpdate").value(), -600),
+              svc::ParseTime(utc, 0));
+}
+
+TEST_F(ServiceTest, TellsMessagesAndSlowsGuessers)
+{
+    User anna(service, "anna");
+    EXPECT_EQ(anna.Command("cmd=displaymessage").body, "");
+    service.Administer("add-message --text 'Renew <soon> & pay' --link example.org/renew --linkname More "
+                       "--stop --name anna");
+    service.Administer("add-message --text Welcome");
+    pugi::xml_document document;
+    document.load_string(anna.Command("cmd=login&Login=anna&password=pw-anna&tz=0").body.c_str());
+    const pugi::xml_node first = document.select_node("//response/message").node();
+    EXPECT_STREQ(first.text().get(), "Renew <soon> & pay");
+    EXPECT_STREQ(first.attribute("action").value(), "stop");
+    EXPECT_STREQ(first.attribute("link").value(), "example.org/renew");
+    EXPECT_STREQ(first.attribute("linkname").value(), "More");
+    EXPECT_EQ(document.select_nodes("//message").size(), 2U);
+    EXPECT_THAT(User(service, "bert").Command("cmd=displaymessage").body, Not(HasSubstr("Renew")));
+    service.Administer("withdraw-message --id 1");
+    EXPECT_THAT(anna.Command("cmd=displaymessage").body, Not(HasSubstr("Renew")));
+
+    User carl(service, "carl");
+    for (int i = 0; i < 10; ++i)
+        EXPECT_EQ(carl.Command("cmd=login&Login=CARL&password=guess&tz=0").status, 401);
+    EXPECT_EQ(carl.Command("cmd=login&Login=carl%40example.org&password=pw-carl&tz=0").status, 429);
+    EXPECT_EQ(carl.Command("cmd=getlist").status, 200); // the session that is there stays
+    service.Administer("set-password --name carl", "new");
+    EXPECT_EQ(carl.Command("cmd=getlist").status, 401);
+    // Passwords and tokens are in no file as they are.
+    std::string everything;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(service.Files().parent_path()))
+        if (entry.is_regular_file() && entry.path().filename() != "input")
+            everything += veltest::ReadBytes(entry.path());
+    EXPECT_EQ(everything.find("pw-bert"), std::string::npos);
+}
+
+TEST_F(ServiceTest, IsReachedOnlyByWhoTrustsItsAuthority)
+{
+    httplib::SSLClient stranger("localhost", service.Port());
+    stranger.enable_server_certificate_verification(true);
+    EXPECT_EQ(stranger.Get("/").error(), httplib::Error::SSLServerVerification);
+    httplib::Client plain("localhost", service.Port());
+    EXPECT_FALSE(plain.Get("/"));
+    httplib::SSLClient ranges("localhost", service.Port());
+    ranges.set_ca_cert_path(service.Authority().c_str());
+    EXPECT_EQ(ranges.Get("/beta/upload/veltrixupload.asp", {{"Range", "bytes=0-1,1-2"}})->status, 416);
+    EXPECT_EQ(ranges.Get("/")->status, 404);
+    const std::string key = (service.Files().parent_path() / "server.key").string();
+    EXPECT_EQ(std::filesystem::status(key).permissions(),
+              std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+}
+
+TEST(ServiceText, ReadsFormsAndTextStrictly)
+{
+    const auto form = svc::ParseForm("a=1+2%2f&b=&c");
+    ASSERT_TRUE(form);
+    EXPECT_EQ(*form, (svc::Form{{"a", "1 2/"}, {"b", ""}, {"c", ""}}));
+    for (const char* broken : {"a=%", "a=%4", "a=%g0", "a=1&a=2"})
+        EXPECT_FALSE(svc::ParseForm(broken)) << broken;
+    for (const char* clean : {"", "plain\r\n", "\xC3\xA9", "\xF0\x9F\x98\x80"})
+        EXPECT_TRUE(svc::IsCleanText(clean)) << clean;
+    for (const char* dirty : {"\x01", "\x80", "\xC0\xAF", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\xE2\x82"})
+        EXPECT_FALSE(svc::IsCleanText(dirty)) << dirty;
+    for (const auto& [told, meant] :
+         {std::pair{300, 300}, {-840, -840}, {720, 720}, {840, -600}, {-900, 0}, {9999, 0}})
+        EXPECT_EQ(svc::NormalizeOffset(told), meant) << told;
+}
+} // namespace
