@@ -72,8 +72,8 @@ Times Measure(int nDoctors)
                 for (const int nControl : {IDC_CHART_ID, IDC_CHART_FIRSTNAME, IDC_CHART_LASTNAME})
                     sheet.Item(nControl).SetText("A");
                 const auto turned = Clock::now();
-                sheet.SelectPage(PAT_PAGE_DETAIL);
-                sheet.SelectPage(PAT_PAGE_REFERRAL);
+                sheet.SelectPage(pat::DetailPage);
+                sheet.SelectPage(pat::ReferralPage);
                 sheet.SettleIdle();
                 doctors.push_back(Milliseconds(turned));
                 EXPECT_EQ(sheet.Item(IDC_REFER_DOCTOR).Send(CB_GETCOUNT), nDoctors + 1);

@@ -40,7 +40,7 @@ patCSheetPage& patCChartSheet::GetPage(int nPage)
 
 void patCChartSheet::AddPages()
 {
-    for (int nPage = 0; nPage < PAT_PAGE_COUNT; ++nPage)
+    for (int nPage = 0; nPage < pat::PageCount; ++nPage)
     {
         patCSheetPage& page = GetPage(nPage);
         page.m_psp.dwFlags &= ~static_cast<DWORD>(PSP_HASHELP);
@@ -145,7 +145,7 @@ void patCChartSheet::OnOK()
 bool patCChartSheet::TransferPages()
 {
     const CWaitCursor wait;
-    for (int nPage = 0; nPage < PAT_PAGE_COUNT; ++nPage)
+    for (int nPage = 0; nPage < pat::PageCount; ++nPage)
     {
         if (m_bPageInitialised[nPage] && !GetPage(nPage).UpdateData(TRUE))
         {
@@ -158,13 +158,13 @@ bool patCChartSheet::TransferPages()
 
 bool patCChartSheet::RunSteps()
 {
-    patSheetState state;
+    pat::SheetState state;
     state.bNewPatient = IsNewPatient();
-    for (int nPage = 0; nPage < PAT_PAGE_COUNT; ++nPage)
+    for (int nPage = 0; nPage < pat::PageCount; ++nPage)
         state.opened[static_cast<std::size_t>(nPage)] = m_bPageInitialised[nPage] != FALSE;
     state.nPracticeManagement = VelApp()->GetPracticeManagement();
     state.guardianLastname = m_pageGuard.GetLastname().GetString();
-    for (const patSTEP nStep : patStepsOfOK(state))
+    for (const pat::Step nStep : pat::StepsOfOK(state))
     {
         const CWaitCursor wait; // once more: a message of the step before has put the arrow back
         if (!RunStep(nStep))
@@ -173,23 +173,23 @@ bool patCChartSheet::RunSteps()
     return true;
 }
 
-bool patCChartSheet::RunStep(patSTEP nStep)
+bool patCChartSheet::RunStep(pat::Step nStep)
 {
     switch (nStep)
     {
-    case patSTEP::ChartFields:
+    case pat::Step::ChartFields:
         return m_pageChart.Check();
-    case patSTEP::UniqueID:
+    case pat::Step::UniqueID:
         return m_pageChart.CheckUniqueID();
-    case patSTEP::GuardianFields:
+    case pat::Step::GuardianFields:
         return m_pageGuard.Check();
-    case patSTEP::ReferralFields:
+    case pat::Step::ReferralFields:
         return m_pageRefer.Check();
-    case patSTEP::InsuranceFields:
+    case pat::Step::InsuranceFields:
         return m_pageInsurance.Check();
-    case patSTEP::SimilarPatient:
+    case pat::Step::SimilarPatient:
         return ConfirmSimilarPatient();
-    case patSTEP::BillingParty:
+    case pat::Step::BillingParty:
         return ConfirmBillingParty();
     }
     return false;
@@ -214,7 +214,7 @@ bool patCChartSheet::ConfirmBillingParty()
 {
     if (AfxMessageBox(IDS_PATIENT_BILLING_PARTY, MB_YESNO | MB_ICONQUESTION) == IDYES)
         return true;
-    ShowPage(PAT_PAGE_GUARDIAN);
+    ShowPage(pat::GuardianPage);
     return false;
 }
 
@@ -248,7 +248,7 @@ bool patCChartSheet::SavePatient()
 
 void patCChartSheet::CopyPages()
 {
-    for (const patPAGE nPage : patCopyOrder)
+    for (const pat::Page nPage : pat::CopyOrder)
     {
         if (m_bPageInitialised[nPage])
             GetPage(nPage).CopyTo(*m_pPatient);

@@ -97,7 +97,7 @@ private:
 
     bool TransferPages();
     bool RunSteps();
-    bool RunStep(patSTEP nStep);
+    bool RunStep(pat::Step nStep);
     bool ConfirmSimilarPatient();
     bool ConfirmBillingParty();
     bool SavePatient();
@@ -111,7 +111,7 @@ private:
     dbCPatient* m_pPatient;
     CString m_strExistingID;
     CString* m_pResultID;
-    BOOL m_bPageInitialised[PAT_PAGE_COUNT] = {};
+    BOOL m_bPageInitialised[pat::PageCount] = {};
     CString m_strDefaultCountry;
     CUnicodeButton m_btnOK;
     CUnicodeButton m_btnCancel;

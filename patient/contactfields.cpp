@@ -20,15 +20,15 @@ void patCContactFields::DoDataExchange(CDataExchange* pDX)
         CString& strText;
         int nMaxChars;
     } const fields[] = {
-        {m_controls.nCompany, m_strCompany, PAT_MAX_COMPANY},
-        {m_controls.nStreet, m_strStreet, PAT_MAX_STREET},
-        {m_controls.nCity, m_strCity, PAT_MAX_CITY},
-        {m_controls.nState, m_strState, PAT_MAX_STATE},
-        {m_controls.nPostalCode, m_strPostalCode, PAT_MAX_POSTALCODE},
-        {m_controls.nCountry, m_strCountry, PAT_MAX_COUNTRY},
-        {m_controls.nPhone[0], m_strPhone[0], PAT_MAX_PHONE},
-        {m_controls.nPhone[1], m_strPhone[1], PAT_MAX_PHONE},
-        {m_controls.nEmail, m_strEmail, PAT_MAX_EMAIL},
+        {m_controls.nCompany, m_strCompany, pat::MaxCompany},
+        {m_controls.nStreet, m_strStreet, pat::MaxStreet},
+        {m_controls.nCity, m_strCity, pat::MaxCity},
+        {m_controls.nState, m_strState, pat::MaxState},
+        {m_controls.nPostalCode, m_strPostalCode, pat::MaxPostalCode},
+        {m_controls.nCountry, m_strCountry, pat::MaxCountry},
+        {m_controls.nPhone[0], m_strPhone[0], pat::MaxPhone},
+        {m_controls.nPhone[1], m_strPhone[1], pat::MaxPhone},
+        {m_controls.nEmail, m_strEmail, pat::MaxEmail},
     };
     DDX_Radio(pDX, m_controls.nHome, m_nAddressButton);
     for (const auto& field : fields)
@@ -122,10 +122,10 @@ void patCContactFields::StorePhones(dbCPhones& phones) const
         phones.RemoveAt(phones.GetCount() - 1);
 }
 
-patFinding patCContactFields::CheckPhone(int nIndex) const
+pat::Finding patCContactFields::CheckPhone(int nIndex) const
 {
-    return patCheckPhone(m_strPhone[nIndex].GetString(), m_listPhoneType[nIndex].GetCurSel() > 0, nIndex + 1,
-                         static_cast<unsigned>(m_controls.nPhoneType[nIndex]));
+    return pat::CheckPhone(m_strPhone[nIndex].GetString(), m_listPhoneType[nIndex].GetCurSel() > 0,
+                           nIndex + 1, static_cast<unsigned>(m_controls.nPhoneType[nIndex]));
 }
 
 void patCContactFields::SelectPhoneType(int nIndex, const CString& strType)

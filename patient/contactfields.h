@@ -50,7 +50,7 @@ public:
     void StorePhones(dbCPhones& phones) const;
 
     /// Whether the phones have their types.
-    patFinding CheckPhone(int nIndex) const;
+    pat::Finding CheckPhone(int nIndex) const;
 
     CString m_strCompany;
     CString m_strStreet;

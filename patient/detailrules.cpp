@@ -3,7 +3,10 @@
 #include "patient/detailsres.h"
 #include "patient/textrules.h"
 
-std::string patDoctorName(std::string_view family, std::string_view given)
+namespace pat
+{
+
+std::string DoctorName(std::string_view family, std::string_view given)
 {
     std::string name(family);
     if (!family.empty() && !given.empty())
@@ -11,12 +14,12 @@ std::string patDoctorName(std::string_view family, std::string_view given)
     return name.append(given);
 }
 
-patFinding patCheckDoctorName(std::string_view family, unsigned nControl)
+Finding CheckDoctorName(std::string_view family, unsigned nControl)
 {
-    return patIsBlank(family) ? patFinding::Failed(IDS_DOCTOR_LASTNAME_REQUIRED, nControl) : patFinding();
+    return IsBlank(family) ? Finding::Failed(IDS_DOCTOR_LASTNAME_REQUIRED, nControl) : Finding();
 }
 
-patFinding patCheckEmail(std::string_view email, unsigned nControl)
+Finding CheckEmail(std::string_view email, unsigned nControl)
 {
     if (email.empty())
         return {};
@@ -24,5 +27,7 @@ patFinding patCheckEmail(std::string_view email, unsigned nControl)
     const bool bComplete = at != std::string_view::npos && at > 0 && at + 1 < email.size() &&
                            email.find('@', at + 1) == std::string_view::npos &&
                            email.find_first_of(" \t") == std::string_view::npos;
-    return bComplete ? patFinding() : patFinding::Failed(IDS_DOCTOR_EMAIL_INVALID, nControl);
+    return bComplete ? Finding() : Finding::Failed(IDS_DOCTOR_EMAIL_INVALID, nControl);
 }
+
+} // namespace pat

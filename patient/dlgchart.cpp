@@ -25,17 +25,17 @@ constexpr patContactControls contactControls{IDC_CHART_ADDRESS_HOME,
 constexpr int genderFemale = 1;
 constexpr int genderMale = 2;
 
-template <std::size_t N> void FillList(CComboBox& list, const std::array<patCODE, N>& codes)
+template <std::size_t N> void FillList(CComboBox& list, const std::array<pat::Code, N>& codes)
 {
     list.ResetContent();
-    for (const patCODE& code : codes)
+    for (const pat::Code& code : codes)
         list.SetItemData(list.AddString(code.pszText), static_cast<DWORD_PTR>(code.nCode));
     list.SetCurSel(0);
 }
 } // namespace
 
 patCDlgChart::patCDlgChart(patCChartSheet& sheet)
-    : patCSheetPage(sheet, IDD_PATIENT_CHART, PAT_PAGE_CHART), m_contact(contactControls)
+    : patCSheetPage(sheet, IDD_PATIENT_CHART, pat::ChartPage), m_contact(contactControls)
 {
 }
 
@@ -50,13 +50,13 @@ void patCDlgChart::DoDataExchange(CDataExchange* pDX)
     // same.
     DDX_Text(pDX, IDC_CHART_ID, m_strID);
     DDX_Text(pDX, IDC_CHART_FIRSTNAME, m_strFirstname);
-    DDV_MaxChars(pDX, m_strFirstname, PAT_MAX_NAME);
+    DDV_MaxChars(pDX, m_strFirstname, pat::MaxName);
     DDX_Text(pDX, IDC_CHART_LASTNAME, m_strLastname);
-    DDV_MaxChars(pDX, m_strLastname, PAT_MAX_NAME);
+    DDV_MaxChars(pDX, m_strLastname, pat::MaxName);
     DDX_Text(pDX, IDC_CHART_NICKNAME, m_strNickname);
-    DDV_MaxChars(pDX, m_strNickname, PAT_MAX_NICKNAME);
+    DDV_MaxChars(pDX, m_strNickname, pat::MaxNickname);
     DDX_DateTimeCtrl(pDX, IDC_CHART_BIRTHDATE, m_dateBirth);
-    m_dateBirth = patWholeDay(m_dateBirth);
+    m_dateBirth = pat::WholeDay(m_dateBirth);
     DDX_Radio(pDX, IDC_CHART_GENDER_FIRST, m_nGenderButton);
     m_contact.DoDataExchange(pDX);
 }
@@ -81,8 +81,8 @@ BOOL patCDlgChart::OnInitDialog()
 
 void patCDlgChart::FillLists()
 {
-    FillList(m_listGenderIdentity, patGenderIdentities);
-    FillList(m_listRace, patRaces);
+    FillList(m_listGenderIdentity, pat::GenderIdentities);
+    FillList(m_listRace, pat::Races);
 }
 
 void patCDlgChart::LoadRecord(const dbCPatient& patient)
@@ -93,8 +93,8 @@ void patCDlgChart::LoadRecord(const dbCPatient& patient)
     m_strNickname = patient.GetNickname();
     m_dateBirth = patient.GetBirthdate();
     m_nGenderButton = patient.GetGender() == genderFemale ? 0 : 1;
-    m_listGenderIdentity.SetCurSel(patFindCode(patGenderIdentities, patient.GetGenderIdentity()));
-    m_listRace.SetCurSel(patFindCode(patRaces, patient.GetRace()));
+    m_listGenderIdentity.SetCurSel(pat::FindCode(pat::GenderIdentities, patient.GetGenderIdentity()));
+    m_listRace.SetCurSel(pat::FindCode(pat::Races, patient.GetRace()));
     m_contact.Load(patient.GetAddresses(), patient.GetPhones(), patient.GetEmail());
 }
 
@@ -108,9 +108,9 @@ void patCDlgChart::ConnectTeeth()
 
 bool patCDlgChart::Check()
 {
-    return Report(patCheckRequired(m_strID.GetString(), m_strFirstname.GetString(),
-                                   m_strLastname.GetString())) &&
-           Report(patCheckID(m_strID.GetString())) && CheckBirthdate() && Report(m_contact.CheckPhone(0)) &&
+    return Report(pat::CheckRequired(m_strID.GetString(), m_strFirstname.GetString(),
+                                     m_strLastname.GetString())) &&
+           Report(pat::CheckID(m_strID.GetString())) && CheckBirthdate() && Report(m_contact.CheckPhone(0)) &&
            Report(m_contact.CheckPhone(1));
 }
 
@@ -118,12 +118,12 @@ bool patCDlgChart::CheckBirthdate()
 {
     if (patCPatients::IsDOBValid(m_dateBirth, TRUE))
         return true;
-    return Report(patFinding::Failed(0, IDC_CHART_BIRTHDATE)); // the library has told the user why
+    return Report(pat::Finding::Failed(0, IDC_CHART_BIRTHDATE)); // the library has told the user why
 }
 
 bool patCDlgChart::CheckUniqueID()
 {
-    if (patIsOwnID(m_sheet.IsNewPatient(), m_strID.GetString(), m_strLoadedID.GetString()) ||
+    if (pat::IsOwnID(m_sheet.IsNewPatient(), m_strID.GetString(), m_strLoadedID.GetString()) ||
         VelApp()->GetPatients()->IsIDFree(m_strID))
         return true;
     ReportTakenID();
@@ -132,7 +132,7 @@ bool patCDlgChart::CheckUniqueID()
 
 void patCDlgChart::ReportTakenID()
 {
-    Report(patFinding::Failed(IDS_PATIENT_ID_TAKEN, IDC_CHART_ID));
+    Report(pat::Finding::Failed(IDS_PATIENT_ID_TAKEN, IDC_CHART_ID));
     m_editID.SetSel(0, -1);
 }
 

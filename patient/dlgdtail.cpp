@@ -144,7 +144,7 @@ bool patCDlgDtail::List::IsChanged() const
     return GetSelectedID() != strLoaded;
 }
 
-patCDlgDtail::patCDlgDtail(patCChartSheet& sheet) : patCSheetPage(sheet, IDD_PATIENT_DETAIL, PAT_PAGE_DETAIL)
+patCDlgDtail::patCDlgDtail(patCChartSheet& sheet) : patCSheetPage(sheet, IDD_PATIENT_DETAIL, pat::DetailPage)
 {
 }
 
@@ -156,13 +156,13 @@ void patCDlgDtail::DoDataExchange(CDataExchange* pDX)
     DDX_Control(pDX, IDC_DETAIL_REFERRING, m_listReferringDoctor);
     DDX_Control(pDX, IDC_DETAIL_TREATING, m_listTreatingDoctor);
     DDX_Text(pDX, IDC_DETAIL_MODEL, m_strModelNumber);
-    DDV_MaxChars(pDX, m_strModelNumber, PAT_MAX_MODELNUMBER);
+    DDV_MaxChars(pDX, m_strModelNumber, pat::MaxModelNumber);
     DDX_Text(pDX, IDC_DETAIL_KEYWORDS, m_strKeywords);
-    DDV_MaxChars(pDX, m_strKeywords, PAT_MAX_KEYWORDS);
+    DDV_MaxChars(pDX, m_strKeywords, pat::MaxKeywords);
     DDX_Text(pDX, IDC_DETAIL_TITLE, m_strTitle);
-    DDV_MaxChars(pDX, m_strTitle, PAT_MAX_TITLE);
+    DDV_MaxChars(pDX, m_strTitle, pat::MaxTitle);
     DDX_Text(pDX, IDC_DETAIL_SALUTATION, m_strSalutation);
-    DDV_MaxChars(pDX, m_strSalutation, PAT_MAX_SALUTATION);
+    DDV_MaxChars(pDX, m_strSalutation, pat::MaxSalutation);
     DDX_Text(pDX, IDC_DETAIL_NOTES, m_strNotes);
 }
 
@@ -185,7 +185,7 @@ BOOL patCDlgDtail::OnInitDialog()
     if (patient.IsValid())
         LoadTexts(patient);
     velGuard(0, IDS_DETAIL_FAILED, [&]() -> INT_PTR { return LoadLists(patient), 0; });
-    static_cast<CEdit*>(GetDlgItem(IDC_DETAIL_NOTES))->SetLimitText(PAT_MAX_NOTES);
+    static_cast<CEdit*>(GetDlgItem(IDC_DETAIL_NOTES))->SetLimitText(pat::MaxNotes);
     return TRUE;
 }
 
@@ -233,7 +233,7 @@ void patCDlgDtail::FillReferringDoctors(const CString& strSelectedGUID)
 
 BOOL patCDlgDtail::AppendDoctor(const dbSDoctorRow& row, LPVOID pList)
 {
-    static_cast<List*>(pList)->Append(patDoctorName(row.last, row.first).c_str(), row.guid.c_str());
+    static_cast<List*>(pList)->Append(pat::DoctorName(row.last, row.first).c_str(), row.guid.c_str());
     return TRUE;
 }
 

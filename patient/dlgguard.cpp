@@ -25,7 +25,7 @@ constexpr int genderMale = 2;
 } // namespace
 
 patCDlgGuard::patCDlgGuard(patCChartSheet& sheet)
-    : patCSheetPage(sheet, IDD_PATIENT_GUARDIAN, PAT_PAGE_GUARDIAN), m_contact(contactControls)
+    : patCSheetPage(sheet, IDD_PATIENT_GUARDIAN, pat::GuardianPage), m_contact(contactControls)
 {
 }
 
@@ -33,15 +33,15 @@ void patCDlgGuard::DoDataExchange(CDataExchange* pDX)
 {
     patCSheetPage::DoDataExchange(pDX);
     DDX_Text(pDX, IDC_GUARD_TITLE, m_strTitle);
-    DDV_MaxChars(pDX, m_strTitle, PAT_MAX_TITLE);
+    DDV_MaxChars(pDX, m_strTitle, pat::MaxTitle);
     DDX_Text(pDX, IDC_GUARD_FIRSTNAME, m_strFirstname);
-    DDV_MaxChars(pDX, m_strFirstname, PAT_MAX_NAME);
+    DDV_MaxChars(pDX, m_strFirstname, pat::MaxName);
     DDX_Text(pDX, IDC_GUARD_LASTNAME, m_strLastname);
-    DDV_MaxChars(pDX, m_strLastname, PAT_MAX_NAME);
+    DDV_MaxChars(pDX, m_strLastname, pat::MaxName);
     DDX_Text(pDX, IDC_GUARD_NICKNAME, m_strNickname);
-    DDV_MaxChars(pDX, m_strNickname, PAT_MAX_NICKNAME);
+    DDV_MaxChars(pDX, m_strNickname, pat::MaxNickname);
     DDX_DateTimeCtrl(pDX, IDC_GUARD_BIRTHDATE, m_dateBirth);
-    m_dateBirth = patWholeDay(m_dateBirth);
+    m_dateBirth = pat::WholeDay(m_dateBirth);
     DDX_Radio(pDX, IDC_GUARD_GENDER_FIRST, m_nGenderButton);
     m_contact.DoDataExchange(pDX);
     DDX_Text(pDX, IDC_GUARD_NOTES, m_strNotes);
@@ -72,9 +72,9 @@ void patCDlgGuard::LoadGuardian(const dbCPerson& guardian)
     m_contact.Load(guardian.GetAddresses(), guardian.GetPhones(), guardian.GetEmail());
 }
 
-patGuardianTexts patCDlgGuard::GetTexts() const
+pat::GuardianTexts patCDlgGuard::GetTexts() const
 {
-    patGuardianTexts texts;
+    pat::GuardianTexts texts;
     texts.nickname = m_strNickname.GetString();
     texts.title = m_strTitle.GetString();
     texts.notes = m_strNotes.GetString();
@@ -93,7 +93,7 @@ patGuardianTexts patCDlgGuard::GetTexts() const
 
 bool patCDlgGuard::Check()
 {
-    return Report(patCheckGuardian(GetTexts())) && Report(m_contact.CheckPhone(0)) &&
+    return Report(pat::CheckGuardian(GetTexts())) && Report(m_contact.CheckPhone(0)) &&
            Report(m_contact.CheckPhone(1));
 }
 
@@ -101,7 +101,7 @@ void patCDlgGuard::CopyTo(dbCPatient& patient)
 {
     dbCPerson guardian;
     const bool bExists = patient.GetPersonInfo(dbPersonGuardian, guardian) != FALSE;
-    if (patIsGuardianEmpty(GetTexts()))
+    if (pat::IsGuardianEmpty(GetTexts()))
     {
         if (bExists)
             patient.RemovePersonInfo(dbPersonGuardian);

@@ -32,7 +32,7 @@ protected:
 
 private:
     void LoadGuardian(const dbCPerson& guardian);
-    patGuardianTexts GetTexts() const;
+    pat::GuardianTexts GetTexts() const;
 
     CString m_strTitle;
     CString m_strFirstname;

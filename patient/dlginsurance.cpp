@@ -4,6 +4,7 @@
 #include "patient/chartsheet.h"
 #include "patient/patientres.h"
 #include "patient/textrules.h"
+#include "suite/patients/files/filefamily.h"
 
 #include <algorithm>
 
@@ -30,7 +31,7 @@ CString FindOrAddCompany(const std::string& strName)
     companies.Load();
     for (const dbCInsuranceCompany& company : companies)
     {
-        if (patEqualNoCase(company.GetName().GetString(), strName))
+        if (pat::EqualNoCase(company.GetName().GetString(), strName))
             return company.GetCompanyGUID();
     }
     dbCInsuranceCompany company;
@@ -42,7 +43,7 @@ CString FindOrAddCompany(const std::string& strName)
 } // namespace
 
 patCDlgInsurance::patCDlgInsurance(patCChartSheet& sheet)
-    : patCSheetPage(sheet, IDD_PATIENT_INSURANCE, PAT_PAGE_INSURANCE)
+    : patCSheetPage(sheet, IDD_PATIENT_INSURANCE, pat::InsurancePage)
 {
 }
 
@@ -52,19 +53,19 @@ void patCDlgInsurance::DoDataExchange(CDataExchange* pDX)
     DDX_Control(pDX, IDC_INSURE_COMPANY, m_listCompany);
     DDX_Control(pDX, IDC_INSURE_LIST, m_listInsurances);
     DDX_CBString(pDX, IDC_INSURE_COMPANY, m_strCompany);
-    DDV_MaxChars(pDX, m_strCompany, PAT_MAX_INSURANCE_COMPANY);
+    DDV_MaxChars(pDX, m_strCompany, pat::MaxInsuranceCompany);
     DDX_Text(pDX, IDC_INSURE_HOLDER, m_strHolder);
-    DDV_MaxChars(pDX, m_strHolder, PAT_MAX_POLICY_HOLDER);
+    DDV_MaxChars(pDX, m_strHolder, pat::MaxPolicyHolder);
     DDX_Text(pDX, IDC_INSURE_NUMBER, m_strNumber);
-    DDV_MaxChars(pDX, m_strNumber, PAT_MAX_POLICY_NUMBER);
+    DDV_MaxChars(pDX, m_strNumber, pat::MaxPolicyNumber);
     DDX_Text(pDX, IDC_INSURE_GROUP, m_strGroup);
-    DDV_MaxChars(pDX, m_strGroup, PAT_MAX_POLICY_GROUP);
+    DDV_MaxChars(pDX, m_strGroup, pat::MaxPolicyGroup);
 }
 
 BOOL patCDlgInsurance::OnInitDialog()
 {
     patCSheetPage::OnInitDialog();
-    m_listCompany.LimitText(PAT_MAX_INSURANCE_COMPANY);
+    m_listCompany.LimitText(pat::MaxInsuranceCompany);
     m_listInsurances.SetExtendedStyle(LVS_EX_FULLROWSELECT);
     CRect rectList;
     m_listInsurances.GetClientRect(rectList);
@@ -93,7 +94,7 @@ void patCDlgInsurance::LoadInsurances(const dbCInsurances& insurances)
 {
     for (const dbCInsurance& insurance : insurances)
     {
-        patInsurance shown;
+        pat::Insurance shown;
         shown.strPolicyID = insurance.GetInsuranceGUID().GetString();
         const int nCompany = m_companies.Find(insurance.GetCompanyGUID());
         if (nCompany >= 0)
@@ -110,7 +111,7 @@ void patCDlgInsurance::LoadInsurances(const dbCInsurances& insurances)
 
 void patCDlgInsurance::ShowRow(int nRow)
 {
-    const patInsurance& insurance = m_insurances[static_cast<std::size_t>(nRow)];
+    const pat::Insurance& insurance = m_insurances[static_cast<std::size_t>(nRow)];
     if (nRow == m_listInsurances.GetItemCount())
         m_listInsurances.InsertItem(nRow, insurance.strCompany.c_str());
     else
@@ -120,7 +121,7 @@ void patCDlgInsurance::ShowRow(int nRow)
     m_listInsurances.SetItemText(nRow, 3, insurance.strGroup.c_str());
 }
 
-patInsurance patCDlgInsurance::GetEntry() const
+pat::Insurance patCDlgInsurance::GetEntry() const
 {
     const auto textOf = [this](int nControl) {
         CString strText;
@@ -131,7 +132,7 @@ patInsurance patCDlgInsurance::GetEntry() const
             textOf(IDC_INSURE_GROUP)};
 }
 
-void patCDlgInsurance::ShowEntry(const patInsurance& entry)
+void patCDlgInsurance::ShowEntry(const pat::Insurance& entry)
 {
     m_strCompany = entry.strCompany.c_str();
     m_strHolder = entry.strHolder.c_str();
@@ -146,7 +147,7 @@ int patCDlgInsurance::GetSelectedRow() const
     return m_listInsurances.GetNextItem(-1, LVNI_SELECTED);
 }
 
-const patInsurance* patCDlgInsurance::GetSelected() const
+const pat::Insurance* patCDlgInsurance::GetSelected() const
 {
     const int nRow = GetSelectedRow();
     return nRow < 0 ? nullptr : &m_insurances[static_cast<std::size_t>(nRow)];
@@ -154,12 +155,12 @@ const patInsurance* patCDlgInsurance::GetSelected() const
 
 void patCDlgInsurance::OnUpdateAdd(CCmdUI* pCmdUI)
 {
-    pCmdUI->Enable(!patIsBlank(GetEntry().strCompany));
+    pCmdUI->Enable(!pat::IsBlank(GetEntry().strCompany));
 }
 
 void patCDlgInsurance::OnUpdateChange(CCmdUI* pCmdUI)
 {
-    pCmdUI->Enable(!patIsBlank(GetEntry().strCompany) && GetSelectedRow() >= 0);
+    pCmdUI->Enable(!pat::IsBlank(GetEntry().strCompany) && GetSelectedRow() >= 0);
 }
 
 void patCDlgInsurance::OnUpdateRemove(CCmdUI* pCmdUI)
@@ -185,12 +186,12 @@ void patCDlgInsurance::TakeEntry(int nRow)
     if (!UpdateData(TRUE))
         return;
     const bool bNew = nRow == static_cast<int>(m_insurances.size());
-    patInsurance entry = GetEntry();
-    if (!Report(patCheckInsurance(entry, m_insurances, bNew ? -1 : nRow)))
+    pat::Insurance entry = GetEntry();
+    if (!Report(pat::CheckInsurance(entry, m_insurances, bNew ? -1 : nRow)))
         return;
     if (bNew)
         m_insurances.emplace_back();
-    patInsurance& row = m_insurances[static_cast<std::size_t>(nRow)];
+    pat::Insurance& row = m_insurances[static_cast<std::size_t>(nRow)];
     entry.strPolicyID = row.strPolicyID;
     row = std::move(entry);
     ShowRow(nRow);
@@ -240,7 +241,7 @@ void patCDlgInsurance::OnMakePrimary()
 
 bool patCDlgInsurance::Check()
 {
-    return Report(patCheckInsuranceEntry(GetEntry(), GetSelected()));
+    return Report(pat::CheckInsuranceEntry(GetEntry(), GetSelected()));
 }
 
 void patCDlgInsurance::CopyTo(dbCPatient& patient)
@@ -251,7 +252,7 @@ void patCDlgInsurance::CopyTo(dbCPatient& patient)
     for (const dbCInsurance& insurance : before)
         patient.RemoveInsurance(insurance.GetInsuranceGUID());
     CString strPrimary;
-    for (const patInsurance& shown : m_insurances)
+    for (const pat::Insurance& shown : m_insurances)
     {
         dbCInsurance insurance; // a policy that was there keeps what this page does not show
         const auto wasThere = std::find_if(before.begin(), before.end(), [&](const dbCInsurance& candidate) {
@@ -259,9 +260,10 @@ void patCDlgInsurance::CopyTo(dbCPatient& patient)
         });
         if (wasThere != before.end())
             insurance = *wasThere;
-        const auto wasShown = std::find_if(m_loaded.begin(), m_loaded.end(), [&](const patInsurance& loaded) {
-            return !shown.strPolicyID.empty() && loaded.strPolicyID == shown.strPolicyID;
-        });
+        const auto wasShown =
+            std::find_if(m_loaded.begin(), m_loaded.end(), [&](const pat::Insurance& loaded) {
+                return !shown.strPolicyID.empty() && loaded.strPolicyID == shown.strPolicyID;
+            });
         if (wasShown == m_loaded.end() || wasShown->strCompany != shown.strCompany)
             insurance.SetCompanyGUID(FindOrAddCompany(shown.strCompany));
         insurance.SetHolder(shown.strHolder.c_str());

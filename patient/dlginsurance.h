@@ -42,17 +42,17 @@ protected:
 private:
     void FillCompanies();
     void LoadInsurances(const dbCInsurances& insurances);
-    patInsurance GetEntry() const;
-    void ShowEntry(const patInsurance& entry);
+    pat::Insurance GetEntry() const;
+    void ShowEntry(const pat::Insurance& entry);
     int GetSelectedRow() const;
-    const patInsurance* GetSelected() const;
+    const pat::Insurance* GetSelected() const;
     /// Checks the fields and makes them row nRow, behind the last row a new one.
     void TakeEntry(int nRow);
     void ShowRow(int nRow);
 
     dbCInsuranceCompanies m_companies;
-    std::vector<patInsurance> m_insurances;
-    std::vector<patInsurance> m_loaded; ///< the list as it was in the record
+    std::vector<pat::Insurance> m_insurances;
+    std::vector<pat::Insurance> m_loaded; ///< the list as it was in the record
     CString m_strCompany;
     CString m_strHolder;
     CString m_strNumber;

@@ -23,7 +23,7 @@ ON_UPDATE_COMMAND_UI(IDC_REFER_REMOVE, &patCDlgRefer::OnUpdateRemove)
 END_MESSAGE_MAP()
 
 patCDlgRefer::patCDlgRefer(patCChartSheet& sheet)
-    : patCSheetPage(sheet, IDD_PATIENT_REFERRAL, PAT_PAGE_REFERRAL)
+    : patCSheetPage(sheet, IDD_PATIENT_REFERRAL, pat::ReferralPage)
 {
 }
 
@@ -34,7 +34,7 @@ void patCDlgRefer::DoDataExchange(CDataExchange* pDX)
     DDX_Control(pDX, IDC_REFER_DATE, m_dateEntry);
     DDX_Control(pDX, IDC_REFER_LIST, m_listReferrals);
     DDX_Text(pDX, IDC_REFER_NOTE, m_strNote);
-    DDV_MaxChars(pDX, m_strNote, PAT_MAX_REFERRAL_NOTE);
+    DDV_MaxChars(pDX, m_strNote, pat::MaxReferralNote);
 }
 
 BOOL patCDlgRefer::OnInitDialog()
@@ -71,7 +71,7 @@ BOOL patCDlgRefer::OnSetActive()
 
 BOOL patCDlgRefer::AppendDoctor(const dbSDoctorRow& row, LPVOID pDoctors)
 {
-    static_cast<std::vector<DOCTOR>*>(pDoctors)->push_back({row.guid, patDoctorName(row.last, row.first)});
+    static_cast<std::vector<DOCTOR>*>(pDoctors)->push_back({row.guid, pat::DoctorName(row.last, row.first)});
     return TRUE;
 }
 
@@ -114,8 +114,8 @@ void patCDlgRefer::LoadReferrals(dbCPatientReferralsContainer& referrals)
             row.Set_refID(dbNewGUID());
         m_referrals.push_back(
             {row.Get_refID().GetString(), row.Get_docID().GetString(),
-             patDoctorName(row.Get_docLastname().GetString(), row.Get_docFirstname().GetString()),
-             patDayNumber(row.Get_date()), row.Get_note().GetString()});
+             pat::DoctorName(row.Get_docLastname().GetString(), row.Get_docFirstname().GetString()),
+             pat::DayNumber(row.Get_date()), row.Get_note().GetString()});
     }
     m_loaded = m_referrals;
     for (int nRow = 0; nRow < static_cast<int>(m_referrals.size()); ++nRow)
@@ -124,18 +124,18 @@ void patCDlgRefer::LoadReferrals(dbCPatientReferralsContainer& referrals)
 
 void patCDlgRefer::ShowRow(int nRow)
 {
-    const patReferral& referral = m_referrals[static_cast<std::size_t>(nRow)];
+    const pat::Referral& referral = m_referrals[static_cast<std::size_t>(nRow)];
     if (nRow == m_listReferrals.GetItemCount())
         m_listReferrals.InsertItem(nRow, referral.strDoctor.c_str());
     else
         m_listReferrals.SetItemText(nRow, 0, referral.strDoctor.c_str());
-    m_listReferrals.SetItemText(nRow, 1, patDayDate(referral.nDay).FormatDate());
+    m_listReferrals.SetItemText(nRow, 1, pat::DayDate(referral.nDay).FormatDate());
     m_listReferrals.SetItemText(nRow, 2, referral.strNote.c_str());
 }
 
-patReferral patCDlgRefer::GetEntry() const
+pat::Referral patCDlgRefer::GetEntry() const
 {
-    patReferral entry;
+    pat::Referral entry;
     const int nDoctor = m_listDoctor.GetCurSel();
     if (nDoctor > 0)
     {
@@ -144,25 +144,25 @@ patReferral patCDlgRefer::GetEntry() const
     }
     velCDate date;
     m_dateEntry.GetTime(date);
-    entry.nDay = patDayNumber(date);
+    entry.nDay = pat::DayNumber(date);
     CString strNote;
     GetDlgItem(IDC_REFER_NOTE)->GetWindowText(strNote);
     entry.strNote = strNote.GetString();
     return entry;
 }
 
-void patCDlgRefer::ShowEntry(const patReferral& entry)
+void patCDlgRefer::ShowEntry(const pat::Referral& entry)
 {
     SelectDoctor(entry.strDoctorID);
-    m_dateEntry.SetTime(patDayDate(entry.nDay));
+    m_dateEntry.SetTime(pat::DayDate(entry.nDay));
     m_strNote = entry.strNote.c_str();
     UpdateData(FALSE);
 }
 
 void patCDlgRefer::ShowEmptyEntry()
 {
-    patReferral entry;
-    entry.nDay = patDayNumber(velCDate::Today());
+    pat::Referral entry;
+    entry.nDay = pat::DayNumber(velCDate::Today());
     ShowEntry(entry);
 }
 
@@ -171,7 +171,7 @@ int patCDlgRefer::GetSelectedRow() const
     return m_listReferrals.GetNextItem(-1, LVNI_SELECTED);
 }
 
-const patReferral* patCDlgRefer::GetSelected() const
+const pat::Referral* patCDlgRefer::GetSelected() const
 {
     const int nRow = GetSelectedRow();
     return nRow < 0 ? nullptr : &m_referrals[static_cast<std::size_t>(nRow)];
@@ -204,18 +204,18 @@ void patCDlgRefer::TakeEntry(int nRow)
 {
     if (!UpdateData(TRUE))
         return;
-    patReferral entry = GetEntry();
-    patFinding finding = CheckDates({entry});
+    pat::Referral entry = GetEntry();
+    pat::Finding finding = CheckDates({entry});
     if (!finding.bPassed)
         finding.nControl = IDC_REFER_DATE;
     if (!Report(finding))
         return;
-    std::vector<patReferral> referrals = m_referrals;
+    std::vector<pat::Referral> referrals = m_referrals;
     if (nRow == static_cast<int>(referrals.size()))
         referrals.emplace_back();
     entry.strRowID = referrals[static_cast<std::size_t>(nRow)].strRowID;
     referrals[static_cast<std::size_t>(nRow)] = std::move(entry);
-    finding = patCheckReferralsTwice(referrals);
+    finding = pat::CheckReferralsTwice(referrals);
     if (!finding.bPassed)
         finding.nControl = IDC_REFER_DOCTOR;
     if (!Report(finding))
@@ -225,10 +225,10 @@ void patCDlgRefer::TakeEntry(int nRow)
     OnClear();
 }
 
-patFinding patCDlgRefer::CheckDates(const std::vector<patReferral>& referrals) const
+pat::Finding patCDlgRefer::CheckDates(const std::vector<pat::Referral>& referrals) const
 {
-    const long nToday = patDayNumber(velCDate::Today());
-    return patCheckReferralDates(referrals, nToday, patDayNumber(m_sheet.GetBirthdate()));
+    const long nToday = pat::DayNumber(velCDate::Today());
+    return pat::CheckReferralDates(referrals, nToday, pat::DayNumber(m_sheet.GetBirthdate()));
 }
 
 void patCDlgRefer::OnAdd()
@@ -262,8 +262,8 @@ void patCDlgRefer::OnClear()
 
 bool patCDlgRefer::Check()
 {
-    return Report(patCheckReferralEntry(GetEntry(), GetSelected())) && Report(CheckDates(m_referrals)) &&
-           Report(patCheckReferralsTwice(m_referrals));
+    return Report(pat::CheckReferralEntry(GetEntry(), GetSelected())) && Report(CheckDates(m_referrals)) &&
+           Report(pat::CheckReferralsTwice(m_referrals));
 }
 
 // Only what the user changed here: the details page writes its referring doctor into the same rows.
@@ -276,11 +276,11 @@ void patCDlgRefer::CopyTo(dbCPatient& patient)
             --nRow;
         return nRow;
     };
-    const auto findReferral = [](const std::vector<patReferral>& referrals, const std::string& strRowID) {
+    const auto findReferral = [](const std::vector<pat::Referral>& referrals, const std::string& strRowID) {
         return std::find_if(referrals.begin(), referrals.end(),
-                            [&](const patReferral& referral) { return referral.strRowID == strRowID; });
+                            [&](const pat::Referral& referral) { return referral.strRowID == strRowID; });
     };
-    for (const patReferral& before : m_loaded)
+    for (const pat::Referral& before : m_loaded)
     {
         const int nRow = findRow(before.strRowID);
         if (nRow < 0)
@@ -294,14 +294,14 @@ void patCDlgRefer::CopyTo(dbCPatient& patient)
         if (now->strDoctorID != before.strDoctorID)
             rows.UpdateDocID(nRow, now->strDoctorID.c_str());
         if (now->nDay != before.nDay)
-            rows[nRow].Set_date(patDayDate(now->nDay));
+            rows[nRow].Set_date(pat::DayDate(now->nDay));
         if (now->strNote != before.strNote)
             rows[nRow].Set_note(now->strNote.c_str());
     }
-    for (const patReferral& referral : m_referrals)
+    for (const pat::Referral& referral : m_referrals)
     {
         if (referral.strRowID.empty())
-            rows.AddReferralDoc(referral.strDoctorID.c_str(), patDayDate(referral.nDay),
+            rows.AddReferralDoc(referral.strDoctorID.c_str(), pat::DayDate(referral.nDay),
                                 referral.strNote.c_str());
     }
 }

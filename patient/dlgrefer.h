@@ -53,20 +53,20 @@ private:
     void FillDoctors();
     void SelectDoctor(const std::string& strDoctorID);
     void LoadReferrals(dbCPatientReferralsContainer& referrals);
-    patReferral GetEntry() const;
-    void ShowEntry(const patReferral& entry);
+    pat::Referral GetEntry() const;
+    void ShowEntry(const pat::Referral& entry);
     void ShowEmptyEntry();
     int GetSelectedRow() const;
-    const patReferral* GetSelected() const;
-    patFinding CheckDates(const std::vector<patReferral>& referrals) const;
+    const pat::Referral* GetSelected() const;
+    pat::Finding CheckDates(const std::vector<pat::Referral>& referrals) const;
     /// Checks the fields and makes them row nRow, behind the last row a new one.
     void TakeEntry(int nRow);
     void ShowRow(int nRow);
 
     std::vector<DOCTOR> m_doctors; ///< behind the entries of the drop-down list, without its first
     __int64 m_nDoctorsRead = -1;   ///< state of the database when they were read
-    std::vector<patReferral> m_referrals;
-    std::vector<patReferral> m_loaded; ///< the list as it was in the record
+    std::vector<pat::Referral> m_referrals;
+    std::vector<pat::Referral> m_loaded; ///< the list as it was in the record
     CComboBox m_listDoctor;
     CDateTimeCtrl m_dateEntry;
     CString m_strNote;

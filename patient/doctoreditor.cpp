@@ -45,15 +45,15 @@ void velCDlgEditDoctor::DoDataExchange(CDataExchange* pDX)
 {
     mfcCDialog::DoDataExchange(pDX);
     DDX_Text(pDX, IDC_DOCTOR_TITLE, m_strTitle);
-    DDV_MaxChars(pDX, m_strTitle, PAT_MAX_TITLE);
+    DDV_MaxChars(pDX, m_strTitle, pat::MaxTitle);
     DDX_Text(pDX, IDC_DOCTOR_FIRSTNAME, m_strFirstname);
-    DDV_MaxChars(pDX, m_strFirstname, PAT_MAX_NAME);
+    DDV_MaxChars(pDX, m_strFirstname, pat::MaxName);
     DDX_Text(pDX, IDC_DOCTOR_LASTNAME, m_strLastname);
-    DDV_MaxChars(pDX, m_strLastname, PAT_MAX_NAME);
+    DDV_MaxChars(pDX, m_strLastname, pat::MaxName);
     DDX_Control(pDX, IDC_DOCTOR_TYPE, m_listType);
     DDX_Check(pDX, IDC_DOCTOR_TREATING, m_bTreating);
     DDX_Text(pDX, IDC_DOCTOR_NOTES, m_strNotes);
-    DDV_MaxChars(pDX, m_strNotes, PAT_MAX_DOCTOR_NOTES);
+    DDV_MaxChars(pDX, m_strNotes, pat::MaxDoctorNotes);
     m_contact.DoDataExchange(pDX);
 }
 
@@ -80,9 +80,9 @@ BOOL velCDlgEditDoctor::OnHelpKey(UINT nHelpID)
 
 void velCDlgEditDoctor::OnOK()
 {
-    if (!UpdateData(TRUE) || !Report(patCheckDoctorName(m_strLastname.GetString(), IDC_DOCTOR_LASTNAME)) ||
+    if (!UpdateData(TRUE) || !Report(pat::CheckDoctorName(m_strLastname.GetString(), IDC_DOCTOR_LASTNAME)) ||
         !Report(m_contact.CheckPhone(0)) || !Report(m_contact.CheckPhone(1)) ||
-        !Report(patCheckEmail(m_contact.m_strEmail.GetString(), IDC_DOCTOR_EMAIL)))
+        !Report(pat::CheckEmail(m_contact.m_strEmail.GetString(), IDC_DOCTOR_EMAIL)))
         return;
     StoreFields();
     if (velGuard(IDCANCEL, IDS_DOCTOR_SAVE_FAILED, [&]() -> INT_PTR {
@@ -139,7 +139,7 @@ void velCDlgEditDoctor::StoreFields()
     m_doctor.SetType(strType);
 }
 
-bool velCDlgEditDoctor::Report(const patFinding& finding)
+bool velCDlgEditDoctor::Report(const pat::Finding& finding)
 {
     if (finding.bPassed)
         return true;

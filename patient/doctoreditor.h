@@ -33,7 +33,7 @@ private:
     void FillTypes();
     void LoadFields();
     void StoreFields();
-    bool Report(const patFinding& finding);
+    bool Report(const pat::Finding& finding);
 
     dbCDoctor m_doctor;
     CString m_strGUID;

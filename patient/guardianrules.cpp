@@ -3,7 +3,10 @@
 #include "patient/patientres.h"
 #include "patient/textrules.h"
 
-bool patIsGuardianEmpty(const patGuardianTexts& guardian)
+namespace pat
+{
+
+bool IsGuardianEmpty(const GuardianTexts& guardian)
 {
     for (const std::string_view text :
          {guardian.nickname, guardian.title, guardian.notes, guardian.company, guardian.street, guardian.city,
@@ -16,18 +19,20 @@ bool patIsGuardianEmpty(const patGuardianTexts& guardian)
     return true;
 }
 
-patFinding patCheckGuardian(const patGuardianTexts& guardian)
+Finding CheckGuardian(const GuardianTexts& guardian)
 {
-    if (patIsGuardianEmpty(guardian))
+    if (IsGuardianEmpty(guardian))
         return {};
     if (guardian.firstname.empty())
-        return patFinding::Failed(IDS_GUARDIAN_NAMES, IDC_GUARD_FIRSTNAME);
+        return Finding::Failed(IDS_GUARDIAN_NAMES, IDC_GUARD_FIRSTNAME);
     if (guardian.lastname.empty())
-        return patFinding::Failed(IDS_GUARDIAN_NAMES, IDC_GUARD_LASTNAME);
+        return Finding::Failed(IDS_GUARDIAN_NAMES, IDC_GUARD_LASTNAME);
     return {};
 }
 
-bool patIsBillingParty(std::string_view guardianLastname)
+bool IsBillingParty(std::string_view guardianLastname)
 {
-    return !patIsBlank(guardianLastname);
+    return !IsBlank(guardianLastname);
 }
+
+} // namespace pat

@@ -5,11 +5,14 @@
 
 #include <string_view>
 
-inline constexpr int PAT_MAX_TITLE = 10;
+namespace pat
+{
+
+inline constexpr int MaxTitle = 10;
 
 /// The texts of the guardian page that tell whether a guardian is being entered. The country is not among
 /// them: it is filled in beforehand.
-struct patGuardianTexts
+struct GuardianTexts
 {
     std::string_view nickname;
     std::string_view title;
@@ -27,10 +30,12 @@ struct patGuardianTexts
 };
 
 /// True when no guardian is being entered.
-bool patIsGuardianEmpty(const patGuardianTexts& guardian);
+bool IsGuardianEmpty(const GuardianTexts& guardian);
 
 /// A guardian that is being entered needs a given and a family name; blanks count as text.
-patFinding patCheckGuardian(const patGuardianTexts& guardian);
+Finding CheckGuardian(const GuardianTexts& guardian);
 
 /// True when the guardian's family name, blanks at both ends aside, names a billing party.
-bool patIsBillingParty(std::string_view guardianLastname);
+bool IsBillingParty(std::string_view guardianLastname);
+
+} // namespace pat

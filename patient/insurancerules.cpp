@@ -2,27 +2,32 @@
 
 #include "patient/patientres.h"
 #include "patient/textrules.h"
+#include "suite/patients/files/filefamily.h"
 
-patFinding patCheckInsuranceEntry(const patInsurance& entry, const patInsurance* pSelected)
+namespace pat
 {
-    patInsurance shown;
+
+Finding CheckInsuranceEntry(const Insurance& entry, const Insurance* pSelected)
+{
+    Insurance shown;
     if (pSelected != nullptr)
         shown = *pSelected;
     shown.strPolicyID = entry.strPolicyID;
-    return entry == shown ? patFinding{} : patFinding::Failed(IDS_INSURE_UNFINISHED, IDC_INSURE_COMPANY);
+    return entry == shown ? Finding{} : Finding::Failed(IDS_INSURE_UNFINISHED, IDC_INSURE_COMPANY);
 }
 
-patFinding patCheckInsurance(const patInsurance& entry, const std::vector<patInsurance>& insurances,
-                             int nReplaced)
+Finding CheckInsurance(const Insurance& entry, const std::vector<Insurance>& insurances, int nReplaced)
 {
-    if (patIsBlank(entry.strCompany))
-        return patFinding::Failed(IDS_INSURE_NO_COMPANY, IDC_INSURE_COMPANY);
+    if (IsBlank(entry.strCompany))
+        return Finding::Failed(IDS_INSURE_NO_COMPANY, IDC_INSURE_COMPANY);
     for (int i = 0; i < static_cast<int>(insurances.size()); ++i)
     {
-        const patInsurance& other = insurances[static_cast<std::size_t>(i)];
-        if (i != nReplaced && patEqualNoCase(other.strCompany, entry.strCompany) &&
+        const Insurance& other = insurances[static_cast<std::size_t>(i)];
+        if (i != nReplaced && EqualNoCase(other.strCompany, entry.strCompany) &&
             other.strNumber == entry.strNumber)
-            return patFinding::Failed(IDS_INSURE_TWICE, IDC_INSURE_NUMBER, entry.strCompany);
+            return Finding::Failed(IDS_INSURE_TWICE, IDC_INSURE_NUMBER, entry.strCompany);
     }
     return {};
 }
+
+} // namespace pat

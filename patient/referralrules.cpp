@@ -5,33 +5,38 @@
 #include <set>
 #include <utility>
 
-patFinding patCheckReferralEntry(const patReferral& entry, const patReferral* pSelected)
+namespace pat
+{
+
+Finding CheckReferralEntry(const Referral& entry, const Referral* pSelected)
 {
     const bool bUnfinished = pSelected == nullptr
                                  ? !entry.strDoctorID.empty() || !entry.strNote.empty()
                                  : entry.strDoctorID != pSelected->strDoctorID ||
                                        entry.nDay != pSelected->nDay || entry.strNote != pSelected->strNote;
-    return bUnfinished ? patFinding::Failed(IDS_REFER_UNFINISHED, IDC_REFER_DOCTOR) : patFinding{};
+    return bUnfinished ? Finding::Failed(IDS_REFER_UNFINISHED, IDC_REFER_DOCTOR) : Finding{};
 }
 
-patFinding patCheckReferralDates(const std::vector<patReferral>& referrals, long nToday, long nBirthDay)
+Finding CheckReferralDates(const std::vector<Referral>& referrals, long nToday, long nBirthDay)
 {
-    for (const patReferral& referral : referrals)
+    for (const Referral& referral : referrals)
     {
         const bool bTooEarly = nBirthDay != 0 && referral.nDay < nBirthDay;
         if (referral.nDay != 0 && (bTooEarly || referral.nDay > nToday))
-            return patFinding::Failed(IDS_REFER_DATE, IDC_REFER_LIST, referral.strDoctor);
+            return Finding::Failed(IDS_REFER_DATE, IDC_REFER_LIST, referral.strDoctor);
     }
     return {};
 }
 
-patFinding patCheckReferralsTwice(const std::vector<patReferral>& referrals)
+Finding CheckReferralsTwice(const std::vector<Referral>& referrals)
 {
     std::set<std::pair<std::string, long>> seen;
-    for (const patReferral& referral : referrals)
+    for (const Referral& referral : referrals)
     {
         if (!seen.emplace(referral.strDoctorID, referral.nDay).second)
-            return patFinding::Failed(IDS_REFER_TWICE, IDC_REFER_LIST, referral.strDoctor);
+            return Finding::Failed(IDS_REFER_TWICE, IDC_REFER_LIST, referral.strDoctor);
     }
     return {};
 }
+
+} // namespace pat

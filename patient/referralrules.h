@@ -6,10 +6,13 @@
 #include <string>
 #include <vector>
 
-inline constexpr int PAT_MAX_REFERRAL_NOTE = 255;
+namespace pat
+{
+
+inline constexpr int MaxReferralNote = 255;
 
 /// One referral as the page keeps it.
-struct patReferral
+struct Referral
 {
     std::string strRowID; ///< the row in the database; empty for one that is not stored yet
     std::string strDoctorID;
@@ -20,10 +23,12 @@ struct patReferral
 
 /// Check 1: what stands in the fields above the list, but not in the list, would be lost. pSelected is the
 /// row that the fields were filled from, null when they were empty (a date alone is no referral).
-patFinding patCheckReferralEntry(const patReferral& entry, const patReferral* pSelected);
+Finding CheckReferralEntry(const Referral& entry, const Referral* pSelected);
 
 /// Check 2: nobody is referred in the future or before birth. nBirthDay 0: the birth date is not known.
-patFinding patCheckReferralDates(const std::vector<patReferral>& referrals, long nToday, long nBirthDay);
+Finding CheckReferralDates(const std::vector<Referral>& referrals, long nToday, long nBirthDay);
 
 /// Check 3: the same doctor twice on one day is one referral entered twice.
-patFinding patCheckReferralsTwice(const std::vector<patReferral>& referrals);
+Finding CheckReferralsTwice(const std::vector<Referral>& referrals);
+
+} // namespace pat

@@ -7,7 +7,7 @@
 
 #include <afxcmn.h>
 
-patCSheetPage::patCSheetPage(patCChartSheet& sheet, UINT nIDTemplate, patPAGE nPage)
+patCSheetPage::patCSheetPage(patCChartSheet& sheet, UINT nIDTemplate, pat::Page nPage)
     : mfcCPropertyPage(nIDTemplate), m_sheet(sheet), m_nPage(nPage)
 {
 }
@@ -17,7 +17,7 @@ bool patCSheetPage::Check()
     return true;
 }
 
-bool patCSheetPage::Report(const patFinding& finding)
+bool patCSheetPage::Report(const pat::Finding& finding)
 {
     if (finding.bPassed)
         return true;

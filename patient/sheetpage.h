@@ -7,7 +7,10 @@
 class CListCtrl;
 class dbCPatient;
 class patCChartSheet;
-struct patFinding;
+namespace pat
+{
+struct Finding;
+}
 
 /// One page of patCChartSheet. It belongs to the sheet as a member and lives on the host's user interface
 /// thread. The first time it is shown it raises its flag in the sheet: a page without the flag has no window,
@@ -15,7 +18,7 @@ struct patFinding;
 class patCSheetPage : public mfcCPropertyPage
 {
 public:
-    patCSheetPage(patCChartSheet& sheet, UINT nIDTemplate, patPAGE nPage);
+    patCSheetPage(patCChartSheet& sheet, UINT nIDTemplate, pat::Page nPage);
 
     /// Runs the checks that hold both on leaving the page and on the sheet's OK, on the values of the last
     /// UpdateData(TRUE). A failing check shows its message, if it has one, and moves the focus to the control
@@ -29,7 +32,7 @@ public:
 protected:
     /// Tells the user what a check found: this page to the front, the message, the focus to the control at
     /// fault. Returns whether it passed.
-    bool Report(const patFinding& finding);
+    bool Report(const pat::Finding& finding);
 
     /// Raises the page's flag in the sheet.
     BOOL OnSetActive() override;
@@ -45,5 +48,5 @@ protected:
     patCChartSheet& m_sheet;
 
 private:
-    const patPAGE m_nPage;
+    const pat::Page m_nPage;
 };

@@ -2,20 +2,24 @@
 
 #include "patient/guardianrules.h"
 
-std::vector<patSTEP> patStepsOfOK(const patSheetState& state)
+namespace pat
 {
-    std::vector<patSTEP> steps{patSTEP::ChartFields, patSTEP::UniqueID};
-    if (state.opened[PAT_PAGE_GUARDIAN])
-        steps.push_back(patSTEP::GuardianFields);
-    if (state.opened[PAT_PAGE_REFERRAL])
-        steps.push_back(patSTEP::ReferralFields);
-    if (state.opened[PAT_PAGE_INSURANCE])
-        steps.push_back(patSTEP::InsuranceFields);
+
+std::vector<Step> StepsOfOK(const SheetState& state)
+{
+    std::vector<Step> steps{Step::ChartFields, Step::UniqueID};
+    if (state.opened[GuardianPage])
+        steps.push_back(Step::GuardianFields);
+    if (state.opened[ReferralPage])
+        steps.push_back(Step::ReferralFields);
+    if (state.opened[InsurancePage])
+        steps.push_back(Step::InsuranceFields);
     if (state.bNewPatient)
-        steps.push_back(patSTEP::SimilarPatient);
-    const bool bBillingPartyGiven =
-        state.opened[PAT_PAGE_GUARDIAN] && patIsBillingParty(state.guardianLastname);
+        steps.push_back(Step::SimilarPatient);
+    const bool bBillingPartyGiven = state.opened[GuardianPage] && IsBillingParty(state.guardianLastname);
     if (state.nPracticeManagement != 0 && !bBillingPartyGiven)
-        steps.push_back(patSTEP::BillingParty);
+        steps.push_back(Step::BillingParty);
     return steps;
 }
+
+} // namespace pat

@@ -5,19 +5,22 @@
 #include <string_view>
 #include <vector>
 
-/// The pages in tab order; the sheet's flags and SetActivePage use the same numbers.
-enum patPAGE
+namespace pat
 {
-    PAT_PAGE_CHART,
-    PAT_PAGE_DETAIL,
-    PAT_PAGE_GUARDIAN,
-    PAT_PAGE_REFERRAL,
-    PAT_PAGE_INSURANCE,
-    PAT_PAGE_COUNT
+
+/// The pages in tab order; the sheet's flags and SetActivePage use the same numbers.
+enum Page
+{
+    ChartPage,
+    DetailPage,
+    GuardianPage,
+    ReferralPage,
+    InsurancePage,
+    PageCount
 };
 
 /// A check or question of the sheet's OK. Each one can stop it.
-enum class patSTEP
+enum class Step
 {
     ChartFields,
     UniqueID,
@@ -29,17 +32,19 @@ enum class patSTEP
 };
 
 /// What decides which checks and questions an OK goes through.
-struct patSheetState
+struct SheetState
 {
     bool bNewPatient = true;
-    std::array<bool, PAT_PAGE_COUNT> opened{};
+    std::array<bool, PageCount> opened{};
     int nPracticeManagement = 0;       ///< non-zero: the practice's balances are in use
     std::string_view guardianLastname; ///< as it stands on the guardian page
 };
 
 /// The checks and questions of one OK, in their order.
-std::vector<patSTEP> patStepsOfOK(const patSheetState& state);
+std::vector<Step> StepsOfOK(const SheetState& state);
 
 /// The order in which the opened pages are copied into the record.
-inline constexpr std::array<patPAGE, PAT_PAGE_COUNT> patCopyOrder{
-    PAT_PAGE_CHART, PAT_PAGE_DETAIL, PAT_PAGE_GUARDIAN, PAT_PAGE_INSURANCE, PAT_PAGE_REFERRAL};
+inline constexpr std::array<Page, PageCount> CopyOrder{ChartPage, DetailPage, GuardianPage, InsurancePage,
+                                                       ReferralPage};
+
+} // namespace pat

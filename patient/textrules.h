@@ -1,10 +1,12 @@
-// Comparisons of narrow text that do not depend on the locale.
+// Judging of narrow text that does not depend on the locale.
 #pragma once
 
 #include <string_view>
 
-/// Nothing but white space, or nothing at all.
-bool patIsBlank(std::string_view text);
+namespace pat
+{
 
-/// Equal but for the case of A to Z.
-bool patEqualNoCase(std::string_view left, std::string_view right);
+/// Nothing but white space, or nothing at all.
+bool IsBlank(std::string_view text);
+
+} // namespace pat

@@ -59,7 +59,7 @@ bool ReadRecord(const std::string& path, dbCPatient& patient)
 bool IsSound(const dbCPatient& patient)
 {
     const std::string id = patient.GetID().GetString();
-    if (id.empty() || !patCheckID(id).bPassed || arc::IsDeviceName(id))
+    if (id.empty() || !pat::CheckID(id).bPassed || arc::IsDeviceName(id))
         return false;
     std::set<int> numbers;
     for (const patCTimepoint& timepoint : patient.GetTimepoints())

@@ -31,7 +31,7 @@ TEST(ChartRules, RequiredFieldsNameTheFirstEmptyOne)
     for (const RequiredCase& c : cases)
     {
         SCOPED_TRACE(c.id + "|" + c.firstname + "|" + c.lastname);
-        const patFinding finding = patCheckRequired(c.id, c.firstname, c.lastname);
+        const pat::Finding finding = pat::CheckRequired(c.id, c.firstname, c.lastname);
         EXPECT_EQ(finding.bPassed, c.nControl == 0);
         EXPECT_EQ(finding.nControl, c.nControl);
         EXPECT_EQ(finding.nMessage, c.nControl == 0 ? 0u : IDS_PATIENT_REQUIRED);
@@ -48,7 +48,7 @@ TEST(ChartRules, EveryCharacterOfTheIDIsJudged)
              {std::string(1, character), std::string("A") + character, std::string(1, character) + "9"})
         {
             const bool bValid = valid.find(character) != std::string::npos;
-            const patFinding finding = patCheckID(id);
+            const pat::Finding finding = pat::CheckID(id);
             EXPECT_EQ(finding.bPassed, bValid) << "character " << c;
             EXPECT_EQ(finding.nMessage, bValid ? 0u : IDS_PATIENT_ID_INVALID) << "character " << c;
         }
@@ -57,10 +57,10 @@ TEST(ChartRules, EveryCharacterOfTheIDIsJudged)
 
 TEST(ChartRules, ALongIDFailsWithoutAMessageWhateverItsCharacters)
 {
-    EXPECT_TRUE(patCheckID(std::string(25, 'Z')).bPassed);
+    EXPECT_TRUE(pat::CheckID(std::string(25, 'Z')).bPassed);
     for (const std::string& id : {std::string(26, 'Z'), std::string(26, 'z'), std::string(10000, '%')})
     {
-        const patFinding finding = patCheckID(id);
+        const pat::Finding finding = pat::CheckID(id);
         EXPECT_FALSE(finding.bPassed) << id.size();
         EXPECT_EQ(finding.nMessage, 0u) << id.size();
     }
@@ -68,11 +68,11 @@ TEST(ChartRules, ALongIDFailsWithoutAMessageWhateverItsCharacters)
 
 TEST(ChartRules, APhoneNumberNeedsAType)
 {
-    EXPECT_TRUE(patCheckPhone("", false, 1, IDC_CHART_PHONETYPE1).bPassed);
-    EXPECT_TRUE(patCheckPhone("", true, 1, IDC_CHART_PHONETYPE1).bPassed);
-    EXPECT_TRUE(patCheckPhone("555", true, 2, IDC_CHART_PHONETYPE2).bPassed);
+    EXPECT_TRUE(pat::CheckPhone("", false, 1, IDC_CHART_PHONETYPE1).bPassed);
+    EXPECT_TRUE(pat::CheckPhone("", true, 1, IDC_CHART_PHONETYPE1).bPassed);
+    EXPECT_TRUE(pat::CheckPhone("555", true, 2, IDC_CHART_PHONETYPE2).bPassed);
 
-    const patFinding finding = patCheckPhone(" ", false, 2, IDC_CHART_PHONETYPE2);
+    const pat::Finding finding = pat::CheckPhone(" ", false, 2, IDC_CHART_PHONETYPE2);
     EXPECT_FALSE(finding.bPassed);
     EXPECT_EQ(finding.nMessage, static_cast<unsigned>(IDS_PATIENT_PHONE_TYPE));
     EXPECT_EQ(finding.nControl, static_cast<unsigned>(IDC_CHART_PHONETYPE2));
@@ -81,33 +81,33 @@ TEST(ChartRules, APhoneNumberNeedsAType)
 
 TEST(ChartRules, OnlyAnExistingPatientKeepsItsID)
 {
-    EXPECT_TRUE(patIsOwnID(false, "AB-1", "AB-1"));
-    EXPECT_TRUE(patIsOwnID(false, "AB-1", "ab-1"));
-    EXPECT_FALSE(patIsOwnID(false, "AB-1", "AB-12"));
-    EXPECT_FALSE(patIsOwnID(false, "AB-12", "AB-1"));
-    EXPECT_FALSE(patIsOwnID(false, "A[", "A{")); // one bit apart, as letters of two cases are
-    EXPECT_FALSE(patIsOwnID(true, "AB-1", "AB-1"));
-    EXPECT_FALSE(patIsOwnID(true, "AB-1", ""));
+    EXPECT_TRUE(pat::IsOwnID(false, "AB-1", "AB-1"));
+    EXPECT_TRUE(pat::IsOwnID(false, "AB-1", "ab-1"));
+    EXPECT_FALSE(pat::IsOwnID(false, "AB-1", "AB-12"));
+    EXPECT_FALSE(pat::IsOwnID(false, "AB-12", "AB-1"));
+    EXPECT_FALSE(pat::IsOwnID(false, "A[", "A{")); // one bit apart, as letters of two cases are
+    EXPECT_FALSE(pat::IsOwnID(true, "AB-1", "AB-1"));
+    EXPECT_FALSE(pat::IsOwnID(true, "AB-1", ""));
 }
 
 TEST(ChartRules, CodesAreFoundInTheirLists)
 {
     std::set<int> codes;
-    for (std::size_t i = 0; i < patRaces.size(); ++i)
+    for (std::size_t i = 0; i < pat::Races.size(); ++i)
     {
-        EXPECT_EQ(patFindCode(patRaces, patRaces[i].nCode), static_cast<int>(i));
-        codes.insert(patRaces[i].nCode);
+        EXPECT_EQ(pat::FindCode(pat::Races, pat::Races[i].nCode), static_cast<int>(i));
+        codes.insert(pat::Races[i].nCode);
         if (i > 1)
         {
-            EXPECT_LT(std::string(patRaces[i - 1].pszText), patRaces[i].pszText);
+            EXPECT_LT(std::string(pat::Races[i - 1].pszText), pat::Races[i].pszText);
         }
     }
     EXPECT_EQ(codes, (std::set<int>{0, 1, 2, 3, 4, 5, 6, 7, 8, 9}));
-    EXPECT_STREQ(patRaces[static_cast<std::size_t>(patFindCode(patRaces, 7))].pszText, "South Pacific");
-    for (std::size_t i = 0; i < patGenderIdentities.size(); ++i)
-        EXPECT_EQ(patGenderIdentities[i].nCode, static_cast<int>(i)); // index and stored value are one
-    EXPECT_EQ(patFindCode(patRaces, 10), 0);
-    EXPECT_EQ(patFindCode(patGenderIdentities, -1), 0);
+    EXPECT_STREQ(pat::Races[static_cast<std::size_t>(pat::FindCode(pat::Races, 7))].pszText, "South Pacific");
+    for (std::size_t i = 0; i < pat::GenderIdentities.size(); ++i)
+        EXPECT_EQ(pat::GenderIdentities[i].nCode, static_cast<int>(i)); // index and stored value are one
+    EXPECT_EQ(pat::FindCode(pat::Races, 10), 0);
+    EXPECT_EQ(pat::FindCode(pat::GenderIdentities, -1), 0);
 }
 
 } // namespace

@@ -8,17 +8,17 @@ namespace
 
 TEST(DoctorName, JoinsWhatThereIs)
 {
-    EXPECT_EQ(patDoctorName("Lee", "Ann"), "Lee, Ann");
-    EXPECT_EQ(patDoctorName("Lee", ""), "Lee");
-    EXPECT_EQ(patDoctorName("", "Ann"), "Ann");
+    EXPECT_EQ(pat::DoctorName("Lee", "Ann"), "Lee, Ann");
+    EXPECT_EQ(pat::DoctorName("Lee", ""), "Lee");
+    EXPECT_EQ(pat::DoctorName("", "Ann"), "Ann");
 }
 
 TEST(DoctorCheck, NeedsAFamilyName)
 {
-    EXPECT_TRUE(patCheckDoctorName("Lee", 7).bPassed);
+    EXPECT_TRUE(pat::CheckDoctorName("Lee", 7).bPassed);
     for (const char* name : {"", "  ", "\t"})
     {
-        const patFinding finding = patCheckDoctorName(name, 7);
+        const pat::Finding finding = pat::CheckDoctorName(name, 7);
         EXPECT_FALSE(finding.bPassed);
         EXPECT_EQ(finding.nMessage, static_cast<unsigned>(IDS_DOCTOR_LASTNAME_REQUIRED));
         EXPECT_EQ(finding.nControl, 7u);
@@ -28,10 +28,11 @@ TEST(DoctorCheck, NeedsAFamilyName)
 TEST(DoctorCheck, EmailIsEmptyOrComplete)
 {
     for (const char* email : {"", "a@b", "ann.lee@practice.com", "o'hara+x@practice.example"})
-        EXPECT_TRUE(patCheckEmail(email, 7).bPassed) << email;
+        EXPECT_TRUE(pat::CheckEmail(email, 7).bPassed) << email;
     for (const char* email :
          {" ", "ann", "@", "ann@", "@practice.com", "a@b@c", "ann lee@practice.com", "a@b "})
-        EXPECT_EQ(patCheckEmail(email, 7).nMessage, static_cast<unsigned>(IDS_DOCTOR_EMAIL_INVALID)) << email;
+        EXPECT_EQ(pat::CheckEmail(email, 7).nMessage, static_cast<unsigned>(IDS_DOCTOR_EMAIL_INVALID))
+            << email;
 }
 
 } // namespace

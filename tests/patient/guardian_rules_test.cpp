@@ -6,60 +6,60 @@
 namespace
 {
 
-using Field = std::string_view patGuardianTexts::*;
+using Field = std::string_view pat::GuardianTexts::*;
 
 constexpr Field otherFields[] = {
-    &patGuardianTexts::nickname, &patGuardianTexts::title,      &patGuardianTexts::notes,
-    &patGuardianTexts::company,  &patGuardianTexts::street,     &patGuardianTexts::city,
-    &patGuardianTexts::state,    &patGuardianTexts::postalCode, &patGuardianTexts::email,
-    &patGuardianTexts::phone1,   &patGuardianTexts::phone2,
+    &pat::GuardianTexts::nickname, &pat::GuardianTexts::title,      &pat::GuardianTexts::notes,
+    &pat::GuardianTexts::company,  &pat::GuardianTexts::street,     &pat::GuardianTexts::city,
+    &pat::GuardianTexts::state,    &pat::GuardianTexts::postalCode, &pat::GuardianTexts::email,
+    &pat::GuardianTexts::phone1,   &pat::GuardianTexts::phone2,
 };
 
 TEST(GuardianRules, AnEmptyPageIsNoGuardian)
 {
-    EXPECT_TRUE(patIsGuardianEmpty({}));
-    EXPECT_TRUE(patCheckGuardian({}).bPassed);
+    EXPECT_TRUE(pat::IsGuardianEmpty({}));
+    EXPECT_TRUE(pat::CheckGuardian({}).bPassed);
 }
 
 TEST(GuardianRules, AnyOtherFieldNeedsBothNames)
 {
     for (const Field field : otherFields)
     {
-        patGuardianTexts guardian;
+        pat::GuardianTexts guardian;
         guardian.*field = " ";
-        EXPECT_FALSE(patIsGuardianEmpty(guardian));
-        const patFinding finding = patCheckGuardian(guardian);
+        EXPECT_FALSE(pat::IsGuardianEmpty(guardian));
+        const pat::Finding finding = pat::CheckGuardian(guardian);
         EXPECT_FALSE(finding.bPassed);
         EXPECT_EQ(finding.nMessage, static_cast<unsigned>(IDS_GUARDIAN_NAMES));
 
         guardian.firstname = "Eve";
-        EXPECT_EQ(patCheckGuardian(guardian).nControl, static_cast<unsigned>(IDC_GUARD_LASTNAME));
+        EXPECT_EQ(pat::CheckGuardian(guardian).nControl, static_cast<unsigned>(IDC_GUARD_LASTNAME));
         guardian.lastname = "Lee";
-        EXPECT_TRUE(patCheckGuardian(guardian).bPassed);
+        EXPECT_TRUE(pat::CheckGuardian(guardian).bPassed);
         guardian.firstname = {};
-        EXPECT_EQ(patCheckGuardian(guardian).nControl, static_cast<unsigned>(IDC_GUARD_FIRSTNAME));
+        EXPECT_EQ(pat::CheckGuardian(guardian).nControl, static_cast<unsigned>(IDC_GUARD_FIRSTNAME));
     }
 }
 
 TEST(GuardianRules, OneNameAloneIsNotEnough)
 {
-    patGuardianTexts guardian;
+    pat::GuardianTexts guardian;
     guardian.firstname = "Eve";
-    EXPECT_FALSE(patCheckGuardian(guardian).bPassed);
+    EXPECT_FALSE(pat::CheckGuardian(guardian).bPassed);
     guardian = {};
     guardian.lastname = "Lee";
-    EXPECT_FALSE(patCheckGuardian(guardian).bPassed);
+    EXPECT_FALSE(pat::CheckGuardian(guardian).bPassed);
     guardian.firstname = " "; // not trimmed here
-    EXPECT_TRUE(patCheckGuardian(guardian).bPassed);
+    EXPECT_TRUE(pat::CheckGuardian(guardian).bPassed);
 }
 
 TEST(GuardianRules, TheBillingPartyIsTrimmed)
 {
-    EXPECT_TRUE(patIsBillingParty("Lee"));
-    EXPECT_TRUE(patIsBillingParty(" \t Lee\r\n"));
-    EXPECT_FALSE(patIsBillingParty(""));
-    EXPECT_FALSE(patIsBillingParty(" \t\r\n\v\f"));
-    EXPECT_TRUE(patIsBillingParty("\xA0")); // a no-break space is no blank in this code page's C locale
+    EXPECT_TRUE(pat::IsBillingParty("Lee"));
+    EXPECT_TRUE(pat::IsBillingParty(" \t Lee\r\n"));
+    EXPECT_FALSE(pat::IsBillingParty(""));
+    EXPECT_FALSE(pat::IsBillingParty(" \t\r\n\v\f"));
+    EXPECT_TRUE(pat::IsBillingParty("\xA0")); // a no-break space is no blank in this code page's C locale
 }
 
 } // namespace

@@ -7,17 +7,17 @@
 namespace
 {
 
-patReferral Referral(const char* doctorID, long day)
+pat::Referral Referral(const char* doctorID, long day)
 {
     return {"", doctorID, "Dr " + std::string(doctorID), day, ""};
 }
 
 TEST(ReferralRules, AnUnfinishedEntryIsNotLost)
 {
-    const patReferral selected{"row", "A", "Dr A", 7, "note"};
+    const pat::Referral selected{"row", "A", "Dr A", 7, "note"};
     struct Case
     {
-        patReferral entry;
+        pat::Referral entry;
         bool bEmptyPasses;
         bool bSelectedPasses;
     };
@@ -31,8 +31,8 @@ TEST(ReferralRules, AnUnfinishedEntryIsNotLost)
     for (const Case& c : cases)
     {
         SCOPED_TRACE(c.entry.strDoctorID + "|" + std::to_string(c.entry.nDay) + "|" + c.entry.strNote);
-        EXPECT_EQ(patCheckReferralEntry(c.entry, nullptr).bPassed, c.bEmptyPasses);
-        EXPECT_EQ(patCheckReferralEntry(c.entry, &selected).bPassed, c.bSelectedPasses);
+        EXPECT_EQ(pat::CheckReferralEntry(c.entry, nullptr).bPassed, c.bEmptyPasses);
+        EXPECT_EQ(pat::CheckReferralEntry(c.entry, &selected).bPassed, c.bSelectedPasses);
     }
 }
 
@@ -50,39 +50,40 @@ TEST(ReferralRules, DatesLieBetweenBirthAndToday)
                           Case{birth - 1, birth, false}, Case{birth - 1, 0, true}, Case{0, birth, true},
                           Case{-1, -1, true}, Case{-2, -1, false}})
     {
-        const patFinding finding =
-            patCheckReferralDates({Referral("A", today), Referral("B", c.nDay)}, today, c.nBirthDay);
+        const pat::Finding finding =
+            pat::CheckReferralDates({Referral("A", today), Referral("B", c.nDay)}, today, c.nBirthDay);
         EXPECT_EQ(finding.bPassed, c.bPassed) << c.nDay << " " << c.nBirthDay;
         EXPECT_EQ(finding.strArgument, c.bPassed ? "" : "Dr B");
     }
-    EXPECT_TRUE(patCheckReferralDates({}, today, birth).bPassed);
+    EXPECT_TRUE(pat::CheckReferralDates({}, today, birth).bPassed);
 }
 
 TEST(ReferralRules, ADoctorRefersOnceADay)
 {
-    EXPECT_TRUE(patCheckReferralsTwice({Referral("A", 1), Referral("A", 2), Referral("B", 1)}).bPassed);
-    const patFinding finding = patCheckReferralsTwice({Referral("A", 1), Referral("B", 1), Referral("A", 1)});
+    EXPECT_TRUE(pat::CheckReferralsTwice({Referral("A", 1), Referral("A", 2), Referral("B", 1)}).bPassed);
+    const pat::Finding finding =
+        pat::CheckReferralsTwice({Referral("A", 1), Referral("B", 1), Referral("A", 1)});
     EXPECT_EQ(finding.nMessage, static_cast<unsigned>(IDS_REFER_TWICE));
     EXPECT_EQ(finding.strArgument, "Dr A");
 }
 
 TEST(InsuranceRules, AnUnfinishedEntryIsNotLost)
 {
-    const patInsurance selected{"row", "Harbour Mutual", "Ann Lee", "17", ""};
-    EXPECT_TRUE(patCheckInsuranceEntry({}, nullptr).bPassed);
-    EXPECT_FALSE(patCheckInsuranceEntry({}, &selected).bPassed);
-    EXPECT_TRUE(patCheckInsuranceEntry({"", "Harbour Mutual", "Ann Lee", "17", ""}, &selected).bPassed);
-    EXPECT_FALSE(patCheckInsuranceEntry({"", "", "", "", "G"}, nullptr).bPassed);
-    EXPECT_FALSE(patCheckInsuranceEntry({"", "Harbour Mutual", "Ann Lee", "17", "G"}, &selected).bPassed);
+    const pat::Insurance selected{"row", "Harbour Mutual", "Ann Lee", "17", ""};
+    EXPECT_TRUE(pat::CheckInsuranceEntry({}, nullptr).bPassed);
+    EXPECT_FALSE(pat::CheckInsuranceEntry({}, &selected).bPassed);
+    EXPECT_TRUE(pat::CheckInsuranceEntry({"", "Harbour Mutual", "Ann Lee", "17", ""}, &selected).bPassed);
+    EXPECT_FALSE(pat::CheckInsuranceEntry({"", "", "", "", "G"}, nullptr).bPassed);
+    EXPECT_FALSE(pat::CheckInsuranceEntry({"", "Harbour Mutual", "Ann Lee", "17", "G"}, &selected).bPassed);
 }
 
 TEST(InsuranceRules, ACompanyInsuresUnderANumberOnce)
 {
-    const std::vector<patInsurance> insurances{{"", "Harbour Mutual", "Ann Lee", "17", ""},
-                                               {"", "Northfield", "Ann Lee", "", ""}};
+    const std::vector<pat::Insurance> insurances{{"", "Harbour Mutual", "Ann Lee", "17", ""},
+                                                 {"", "Northfield", "Ann Lee", "", ""}};
     struct Case
     {
-        patInsurance entry;
+        pat::Insurance entry;
         int nReplaced;
         unsigned nMessage;
     };
@@ -97,7 +98,7 @@ TEST(InsuranceRules, ACompanyInsuresUnderANumberOnce)
     };
     for (const Case& c : cases)
     {
-        const patFinding finding = patCheckInsurance(c.entry, insurances, c.nReplaced);
+        const pat::Finding finding = pat::CheckInsurance(c.entry, insurances, c.nReplaced);
         EXPECT_EQ(finding.bPassed, c.nMessage == 0) << c.entry.strCompany;
         EXPECT_EQ(finding.nMessage, c.nMessage) << c.entry.strCompany;
     }

@@ -57,11 +57,11 @@ TEST_F(SheetChecksTest, TheChartPageIsCheckedOnOKAndOnLeaving)
             ExpectRefused(script, sheet, c.pszMessage, c.nFocus);
 
             sheet.Item(IDC_CHART_NICKNAME).Focus();
-            sheet.ClickTab(PAT_PAGE_GUARDIAN);
+            sheet.ClickTab(pat::GuardianPage);
             EXPECT_EQ(script.WaitForBox().BoxText(), c.pszMessage);
             script.AnswerBox("", IDOK);
             script.WaitUntil("the sheet is usable again", [&] { return sheet.IsEnabled(); });
-            EXPECT_EQ(sheet.PageIndex(), PAT_PAGE_CHART);
+            EXPECT_EQ(sheet.PageIndex(), pat::ChartPage);
             EXPECT_EQ(sheet.Focused().Id(), c.nFocus);
             EXPECT_EQ(sheet.Item(IDC_CHART_ID).Text(), c.pszID);
         }
@@ -101,25 +101,25 @@ TEST_F(SheetChecksTest, EveryOtherFieldHasItsMaximum)
         int nMaxChars;
     };
     const Field fields[] = {
-        {PAT_PAGE_CHART, IDC_CHART_FIRSTNAME, 50},   {PAT_PAGE_CHART, IDC_CHART_LASTNAME, 50},
-        {PAT_PAGE_CHART, IDC_CHART_NICKNAME, 30},    {PAT_PAGE_CHART, IDC_CHART_PHONE1, 30},
-        {PAT_PAGE_CHART, IDC_CHART_PHONE2, 30},      {PAT_PAGE_CHART, IDC_CHART_COMPANY, 50},
-        {PAT_PAGE_CHART, IDC_CHART_STREET, 255},     {PAT_PAGE_CHART, IDC_CHART_CITY, 50},
-        {PAT_PAGE_CHART, IDC_CHART_STATE, 20},       {PAT_PAGE_CHART, IDC_CHART_POSTALCODE, 20},
-        {PAT_PAGE_CHART, IDC_CHART_COUNTRY, 30},     {PAT_PAGE_CHART, IDC_CHART_EMAIL, 60},
-        {PAT_PAGE_GUARDIAN, IDC_GUARD_TITLE, 10},    {PAT_PAGE_GUARDIAN, IDC_GUARD_FIRSTNAME, 50},
-        {PAT_PAGE_GUARDIAN, IDC_GUARD_LASTNAME, 50}, {PAT_PAGE_GUARDIAN, IDC_GUARD_NICKNAME, 30},
-        {PAT_PAGE_GUARDIAN, IDC_GUARD_STREET, 255},  {PAT_PAGE_GUARDIAN, IDC_GUARD_EMAIL, 60},
+        {pat::ChartPage, IDC_CHART_FIRSTNAME, 50},   {pat::ChartPage, IDC_CHART_LASTNAME, 50},
+        {pat::ChartPage, IDC_CHART_NICKNAME, 30},    {pat::ChartPage, IDC_CHART_PHONE1, 30},
+        {pat::ChartPage, IDC_CHART_PHONE2, 30},      {pat::ChartPage, IDC_CHART_COMPANY, 50},
+        {pat::ChartPage, IDC_CHART_STREET, 255},     {pat::ChartPage, IDC_CHART_CITY, 50},
+        {pat::ChartPage, IDC_CHART_STATE, 20},       {pat::ChartPage, IDC_CHART_POSTALCODE, 20},
+        {pat::ChartPage, IDC_CHART_COUNTRY, 30},     {pat::ChartPage, IDC_CHART_EMAIL, 60},
+        {pat::GuardianPage, IDC_GUARD_TITLE, 10},    {pat::GuardianPage, IDC_GUARD_FIRSTNAME, 50},
+        {pat::GuardianPage, IDC_GUARD_LASTNAME, 50}, {pat::GuardianPage, IDC_GUARD_NICKNAME, 30},
+        {pat::GuardianPage, IDC_GUARD_STREET, 255},  {pat::GuardianPage, IDC_GUARD_EMAIL, 60},
     };
     RunNew([&](DialogScript& script) {
         const Dialog sheet = WaitForSheet(script);
         FillNames(sheet, "A1", "Ann", "Lee");
         for (const int nControl : {IDC_CHART_PHONETYPE1, IDC_CHART_PHONETYPE2})
             sheet.Item(nControl).Choose(1);
-        sheet.SelectPage(PAT_PAGE_GUARDIAN);
+        sheet.SelectPage(pat::GuardianPage);
         sheet.Item(IDC_GUARD_FIRSTNAME).SetText("Eve");
         sheet.Item(IDC_GUARD_LASTNAME).SetText("Lee");
-        sheet.SelectPage(PAT_PAGE_CHART);
+        sheet.SelectPage(pat::ChartPage);
         for (const Field& field : fields)
         {
             SCOPED_TRACE(field.nControl);
@@ -162,16 +162,16 @@ TEST_F(SheetChecksTest, ATakenIDIsRefusedOnOKButNotOnLeaving)
     RunNew([](DialogScript& script) {
         const Dialog sheet = WaitForSheet(script);
         FillNames(sheet, "TAKEN", "Cy", "Lee");
-        sheet.SelectPage(PAT_PAGE_GUARDIAN);
-        EXPECT_EQ(sheet.PageIndex(), PAT_PAGE_GUARDIAN);
+        sheet.SelectPage(pat::GuardianPage);
+        EXPECT_EQ(sheet.PageIndex(), pat::GuardianPage);
         sheet.Item(IDC_GUARD_PHONE1).SetText("1"); // the guardian's checks come later
         for (int nTime = 0; nTime < 2; ++nTime)
         {
             ExpectRefused(script, sheet, takenID, IDC_CHART_ID);
-            EXPECT_EQ(sheet.PageIndex(), PAT_PAGE_CHART);
+            EXPECT_EQ(sheet.PageIndex(), pat::ChartPage);
             EXPECT_EQ(SelectedText(sheet.Item(IDC_CHART_ID)), "TAKEN");
         }
-        sheet.SelectPage(PAT_PAGE_GUARDIAN);
+        sheet.SelectPage(pat::GuardianPage);
         EXPECT_EQ(sheet.Item(IDC_GUARD_PHONE1).Text(), "1");
         sheet.Press(IDCANCEL);
     });
@@ -191,11 +191,11 @@ TEST_F(SheetChecksTest, TheGuardianPageIsCheckedOnOKAndOnLeaving)
     RunNew([](DialogScript& script) {
         const Dialog sheet = WaitForSheet(script);
         FillNames(sheet, "A1", "Ann", "Lee");
-        sheet.SelectPage(PAT_PAGE_GUARDIAN);
+        sheet.SelectPage(pat::GuardianPage);
         sheet.Item(IDC_GUARD_COUNTRY).SetText("Ruritania"); // alone it is no guardian
-        sheet.SelectPage(PAT_PAGE_CHART);
-        EXPECT_EQ(sheet.PageIndex(), PAT_PAGE_CHART);
-        sheet.SelectPage(PAT_PAGE_GUARDIAN);
+        sheet.SelectPage(pat::ChartPage);
+        EXPECT_EQ(sheet.PageIndex(), pat::ChartPage);
+        sheet.SelectPage(pat::GuardianPage);
 
         sheet.Item(IDC_GUARD_PHONE1).SetText("1");
         ExpectRefused(script, sheet, guardianNames, IDC_GUARD_FIRSTNAME);
@@ -203,10 +203,10 @@ TEST_F(SheetChecksTest, TheGuardianPageIsCheckedOnOKAndOnLeaving)
         ExpectRefused(script, sheet, guardianNames, IDC_GUARD_LASTNAME);
         sheet.Item(IDC_GUARD_LASTNAME).SetText("Lee");
         ExpectRefused(script, sheet, "Please select a type for phone 1", IDC_GUARD_PHONETYPE1);
-        sheet.ClickTab(PAT_PAGE_INSURANCE);
+        sheet.ClickTab(pat::InsurancePage);
         script.AnswerBox("Please select a type for phone 1", IDOK);
         script.WaitUntil("the sheet is usable again", [&] { return sheet.IsEnabled(); });
-        EXPECT_EQ(sheet.PageIndex(), PAT_PAGE_GUARDIAN);
+        EXPECT_EQ(sheet.PageIndex(), pat::GuardianPage);
         sheet.Item(IDC_GUARD_PHONETYPE1).Choose(1);
         sheet.Item(IDC_GUARD_PHONE2).SetText("2");
         ExpectRefused(script, sheet, "Please select a type for phone 2", IDC_GUARD_PHONETYPE2);
@@ -220,7 +220,7 @@ TEST_F(SheetChecksTest, AGuardianWithTheCountryAloneIsNotWritten)
     EXPECT_EQ(RunNew([](DialogScript& script) {
                   const Dialog sheet = WaitForSheet(script);
                   FillNames(sheet, "A1", "Ann", "Lee");
-                  sheet.SelectPage(PAT_PAGE_GUARDIAN);
+                  sheet.SelectPage(pat::GuardianPage);
                   sheet.Press(IDOK);
               }),
               IDOK);
@@ -240,13 +240,13 @@ TEST_F(SheetChecksTest, TheReferralPageIsCheckedOnOKAndOnLeaving)
         const Dialog sheet = WaitForSheet(script);
         FillNames(sheet, "A1", "Ann", "Lee");
         sheet.Item(IDC_CHART_BIRTHDATE).SetDate(2012, 3, 4);
-        sheet.SelectPage(PAT_PAGE_REFERRAL);
+        sheet.SelectPage(pat::ReferralPage);
         EXPECT_FALSE(sheet.Item(IDC_REFER_ADD).IsEnabled());
         sheet.Item(IDC_REFER_NOTE).SetText("crowding");
         ExpectRefused(script, sheet, unfinished, IDC_REFER_DOCTOR);
-        sheet.ClickTab(PAT_PAGE_CHART);
+        sheet.ClickTab(pat::ChartPage);
         script.AnswerBox(unfinished, IDOK);
-        EXPECT_EQ(sheet.PageIndex(), PAT_PAGE_REFERRAL);
+        EXPECT_EQ(sheet.PageIndex(), pat::ReferralPage);
 
         sheet.Item(IDC_REFER_DOCTOR).Choose("Sorel, Ida");
         sheet.Item(IDC_REFER_DATE).SetDate(2012, 3, 3);
@@ -266,13 +266,13 @@ TEST_F(SheetChecksTest, TheReferralPageIsCheckedOnOKAndOnLeaving)
         sheet.Press(IDC_REFER_CLEAR);
 
         // A birth date that is corrected afterwards makes the referral impossible.
-        sheet.SelectPage(PAT_PAGE_CHART);
+        sheet.SelectPage(pat::ChartPage);
         sheet.Item(IDC_CHART_BIRTHDATE).SetDate(2013, 3, 4);
         ExpectRefused(
             script, sheet,
             "The referral by Sorel, Ida can neither lie in the future nor before the patient's birth.",
             IDC_REFER_LIST);
-        EXPECT_EQ(sheet.PageIndex(), PAT_PAGE_REFERRAL);
+        EXPECT_EQ(sheet.PageIndex(), pat::ReferralPage);
         sheet.Press(IDCANCEL);
     });
 }
@@ -285,7 +285,7 @@ TEST_F(SheetChecksTest, TheInsurancePageIsCheckedOnOKAndOnLeaving)
             "to take it over, or Clear to drop it.";
         const Dialog sheet = WaitForSheet(script);
         FillNames(sheet, "A1", "Ann", "Lee");
-        sheet.SelectPage(PAT_PAGE_INSURANCE);
+        sheet.SelectPage(pat::InsurancePage);
         sheet.Item(IDC_INSURE_NUMBER).SetText("17");
         ExpectRefused(script, sheet, unfinished, IDC_INSURE_COMPANY);
         sheet.SettleIdle();

@@ -133,7 +133,7 @@ TEST_F(SheetFailureTest, ALockedDatabaseIsReportedAndOKCanBeRepeated)
     EXPECT_EQ(RunNew([&](DialogScript& script) {
                   const Dialog sheet = WaitForSheet(script);
                   FillNames(sheet, "A1", "Ann", "Lee");
-                  sheet.SelectPage(PAT_PAGE_GUARDIAN);
+                  sheet.SelectPage(pat::GuardianPage);
                   sheet.Item(IDC_GUARD_FIRSTNAME).SetText("Eve");
                   sheet.Item(IDC_GUARD_LASTNAME).SetText("Lee");
                   script.SetPatience(60'000);
@@ -234,10 +234,10 @@ TEST_F(SheetFailureTest, NothingIsHalfWritten)
                              [](DialogScript& script) {
                                  const Dialog sheet = WaitForSheet(script);
                                  FillNames(sheet, "A1", "Ann", "Lee");
-                                 sheet.SelectPage(PAT_PAGE_GUARDIAN);
+                                 sheet.SelectPage(pat::GuardianPage);
                                  sheet.Item(IDC_GUARD_FIRSTNAME).SetText("Eve");
                                  sheet.Item(IDC_GUARD_LASTNAME).SetText("Lee");
-                                 sheet.SelectPage(PAT_PAGE_INSURANCE);
+                                 sheet.SelectPage(pat::InsurancePage);
                                  sheet.Item(IDC_INSURE_COMPANY).SetText("Northfield");
                                  sheet.SettleIdle();
                                  sheet.Press(IDC_INSURE_ADD);
@@ -305,11 +305,11 @@ TEST_F(SheetFailureTest, HostileTextsComeBackAsTheyWere)
                       const Dialog sheet = WaitForSheet(script);
                       FillNames(sheet, id, text, text);
                       sheet.Item(IDC_CHART_STREET).SetText(text);
-                      sheet.SelectPage(PAT_PAGE_GUARDIAN);
+                      sheet.SelectPage(pat::GuardianPage);
                       sheet.Item(IDC_GUARD_FIRSTNAME).SetText(text);
                       sheet.Item(IDC_GUARD_LASTNAME).SetText(text);
                       sheet.Item(IDC_GUARD_NOTES).SetText(text + notes);
-                      sheet.SelectPage(PAT_PAGE_INSURANCE);
+                      sheet.SelectPage(pat::InsurancePage);
                       sheet.Item(IDC_INSURE_COMPANY).SetText(text + "x");
                       sheet.SettleIdle();
                       if (text.size() < 50)

@@ -15,10 +15,10 @@ TEST_F(SheetLookTest, EveryPageIsWellLaidOut)
     dbCPatient patient = StorePatient("A1");
     RunChange(patient, [](DialogScript& script) {
         const Dialog sheet = WaitForSheet(script);
-        EXPECT_EQ(veltest::SavePagePictures(script, sheet, "patient-sheet"), PAT_PAGE_COUNT);
+        EXPECT_EQ(veltest::SavePagePictures(script, sheet, "patient-sheet"), pat::PageCount);
         veltest::QualityOptions options;
         options.isPage = true;
-        for (int nPage = 0; nPage < PAT_PAGE_COUNT; ++nPage)
+        for (int nPage = 0; nPage < pat::PageCount; ++nPage)
         {
             sheet.SelectPage(nPage);
             EXPECT_EQ(veltest::DialogFindings(sheet.Page().Handle(), options), "") << "page " << nPage;
@@ -41,7 +41,7 @@ TEST_F(SheetLookTest, F1OpensTheTopicOfThePage)
             script.AnswerBox("", IDOK);
             script.WaitUntil("the sheet is usable again", [&] { return sheet.IsEnabled(); });
         };
-        for (int nPage = 0; nPage < PAT_PAGE_COUNT; ++nPage)
+        for (int nPage = 0; nPage < pat::PageCount; ++nPage)
         {
             sheet.SelectPage(nPage);
             if (fields[nPage] != 0)

@@ -10,23 +10,23 @@ using testing::ElementsAre;
 
 TEST(SheetRules, UnopenedPagesAreNotChecked)
 {
-    patSheetState state;
+    pat::SheetState state;
     state.bNewPatient = false;
-    EXPECT_THAT(patStepsOfOK(state), ElementsAre(patSTEP::ChartFields, patSTEP::UniqueID));
+    EXPECT_THAT(pat::StepsOfOK(state), ElementsAre(pat::Step::ChartFields, pat::Step::UniqueID));
     state.opened = {true, true, false, false, false};
-    EXPECT_THAT(patStepsOfOK(state), ElementsAre(patSTEP::ChartFields, patSTEP::UniqueID));
+    EXPECT_THAT(pat::StepsOfOK(state), ElementsAre(pat::Step::ChartFields, pat::Step::UniqueID));
 }
 
 TEST(SheetRules, EveryStepInItsOrder)
 {
-    patSheetState state;
+    pat::SheetState state;
     state.opened = {true, true, true, true, true};
     state.nPracticeManagement = 1;
     state.guardianLastname = "  ";
-    EXPECT_THAT(patStepsOfOK(state),
-                ElementsAre(patSTEP::ChartFields, patSTEP::UniqueID, patSTEP::GuardianFields,
-                            patSTEP::ReferralFields, patSTEP::InsuranceFields, patSTEP::SimilarPatient,
-                            patSTEP::BillingParty));
+    EXPECT_THAT(pat::StepsOfOK(state),
+                ElementsAre(pat::Step::ChartFields, pat::Step::UniqueID, pat::Step::GuardianFields,
+                            pat::Step::ReferralFields, pat::Step::InsuranceFields, pat::Step::SimilarPatient,
+                            pat::Step::BillingParty));
 }
 
 TEST(SheetRules, TheBillingPartyIsAskedForOnlyWhenNeeded)
@@ -44,21 +44,21 @@ TEST(SheetRules, TheBillingPartyIsAskedForOnlyWhenNeeded)
     };
     for (const Case& c : cases)
     {
-        patSheetState state;
+        pat::SheetState state;
         state.bNewPatient = false;
-        state.opened[PAT_PAGE_GUARDIAN] = c.bGuardianOpened;
+        state.opened[pat::GuardianPage] = c.bGuardianOpened;
         state.nPracticeManagement = c.nPracticeManagement;
         state.guardianLastname = c.pszLastname;
-        const auto steps = patStepsOfOK(state);
-        EXPECT_EQ(steps.back() == patSTEP::BillingParty, c.bAsked)
+        const auto steps = pat::StepsOfOK(state);
+        EXPECT_EQ(steps.back() == pat::Step::BillingParty, c.bAsked)
             << c.nPracticeManagement << c.bGuardianOpened << c.pszLastname;
     }
 }
 
 TEST(SheetRules, EveryPageIsCopiedOnceInsuranceBeforeReferral)
 {
-    EXPECT_THAT(patCopyOrder, ElementsAre(PAT_PAGE_CHART, PAT_PAGE_DETAIL, PAT_PAGE_GUARDIAN,
-                                          PAT_PAGE_INSURANCE, PAT_PAGE_REFERRAL));
+    EXPECT_THAT(pat::CopyOrder, ElementsAre(pat::ChartPage, pat::DetailPage, pat::GuardianPage,
+                                            pat::InsurancePage, pat::ReferralPage));
 }
 
 } // namespace

@@ -46,8 +46,8 @@ TEST_F(SheetSaveTest, ANewPatientPassesThroughAllFivePages)
         sheet.Item(IDC_CHART_PHONETYPE2).Choose(2); // a type without a number passes
         sheet.Item(IDC_CHART_EMAIL).SetText("ann@example.org");
 
-        sheet.SelectPage(PAT_PAGE_DETAIL);
-        sheet.SelectPage(PAT_PAGE_GUARDIAN);
+        sheet.SelectPage(pat::DetailPage);
+        sheet.SelectPage(pat::GuardianPage);
         EXPECT_EQ(sheet.Item(IDC_GUARD_COUNTRY).Text(), "Ruritania");
         EXPECT_EQ(sheet.Item(IDC_GUARD_BIRTHDATE).Date().wYear, 0);
         sheet.Item(IDC_GUARD_TITLE).SetText("Dr");
@@ -60,7 +60,7 @@ TEST_F(SheetSaveTest, ANewPatientPassesThroughAllFivePages)
         sheet.Item(IDC_GUARD_PHONETYPE2).Choose(1);
         sheet.Item(IDC_GUARD_NOTES).SetText("line 1\r\nline 2");
 
-        sheet.SelectPage(PAT_PAGE_REFERRAL);
+        sheet.SelectPage(pat::ReferralPage);
         sheet.Item(IDC_REFER_DOCTOR).Choose("Sorel, Ida");
         sheet.Item(IDC_REFER_DATE).SetDate(2020, 5, 6);
         sheet.Item(IDC_REFER_NOTE).SetText("crowding");
@@ -68,7 +68,7 @@ TEST_F(SheetSaveTest, ANewPatientPassesThroughAllFivePages)
         sheet.Press(IDC_REFER_ADD);
         EXPECT_EQ(sheet.Item(IDC_REFER_LIST).Rows().size(), 1u);
 
-        sheet.SelectPage(PAT_PAGE_INSURANCE);
+        sheet.SelectPage(pat::InsurancePage);
         for (const char* pszCompany : {"Northfield", "Harbour Mutual"})
         {
             sheet.Item(IDC_INSURE_COMPANY).SetText(pszCompany);
@@ -156,12 +156,12 @@ TEST_F(SheetSaveTest, AChangeShowsWhatIsStoredAndKeepsWhatIsNotShown)
                             sheet.Item(IDC_CHART_FIRSTNAME).SetText("Anna");
                             sheet.Item(IDC_CHART_PHONE1).SetText("");
                             sheet.Item(IDC_CHART_PHONETYPE1).Choose(0);
-                            for (int nPage = 1; nPage < PAT_PAGE_COUNT; ++nPage)
+                            for (int nPage = 1; nPage < pat::PageCount; ++nPage)
                                 sheet.SelectPage(nPage);
                             EXPECT_EQ(sheet.Item(IDC_INSURE_LIST).Rows(),
                                       (std::vector<std::vector<std::string>>{
                                           {"Harbour Mutual", "Eve Lee", "17", ""}}));
-                            sheet.SelectPage(PAT_PAGE_GUARDIAN);
+                            sheet.SelectPage(pat::GuardianPage);
                             EXPECT_EQ(sheet.Item(IDC_GUARD_NOTES).Text(), "line 1\r\nline 2");
                             sheet.Item(IDC_GUARD_TITLE).SetText("Dr");
                             sheet.Press(IDOK);
@@ -219,7 +219,7 @@ TEST_F(SheetSaveTest, ListPagesChangeAndRemoveRows)
     EXPECT_EQ(RunChange(patient,
                         [](DialogScript& script) {
                             const Dialog sheet = WaitForSheet(script);
-                            sheet.SelectPage(PAT_PAGE_REFERRAL);
+                            sheet.SelectPage(pat::ReferralPage);
                             sheet.SettleIdle();
                             EXPECT_FALSE(sheet.Item(IDC_REFER_CHANGE).IsEnabled());
                             sheet.Item(IDC_REFER_LIST).SelectRow(0);
@@ -228,12 +228,12 @@ TEST_F(SheetSaveTest, ListPagesChangeAndRemoveRows)
                             sheet.Item(IDC_REFER_NOTE).SetText("spacing");
                             sheet.SettleIdle();
                             sheet.Press(IDC_REFER_CHANGE);
-                            sheet.SelectPage(PAT_PAGE_INSURANCE);
+                            sheet.SelectPage(pat::InsurancePage);
                             sheet.Item(IDC_INSURE_LIST).SelectRow(0);
                             sheet.SettleIdle();
                             sheet.Press(IDC_INSURE_REMOVE);
                             EXPECT_TRUE(sheet.Item(IDC_INSURE_LIST).Rows().empty());
-                            sheet.SelectPage(PAT_PAGE_GUARDIAN); // emptied but for the country
+                            sheet.SelectPage(pat::GuardianPage); // emptied but for the country
                             for (const int nControl :
                                  {IDC_GUARD_FIRSTNAME, IDC_GUARD_LASTNAME, IDC_GUARD_NOTES, IDC_GUARD_PHONE1})
                                 sheet.Item(nControl).SetText("");

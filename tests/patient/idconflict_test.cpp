@@ -1,0 +1,167 @@
+// The dialogs that settle an ID that is in use, run as their caller runs them.
+
+#include "patient/idconflict.h"
+
+#include "app/modalrun.h"
+#include "app/velapp.h"
+#include "patient/patientres.h"
+#include "tests/support/dialogquality.h"
+#include "tests/support/dialogscript.h"
+#include "tests/support/mfctestprogram.h"
+#include "tests/support/picture.h"
+#include "tests/support/temporarypractice.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+// The module's application object is this program's.
+[[maybe_unused]] static const auto* const environment =
+    testing::AddGlobalTestEnvironment(new veltest::MfcEnvironment);
+
+BOOL CVelDlgsApp::InitInstance()
+{
+    return CWinApp::InitInstance();
+}
+
+int CVelDlgsApp::ExitInstance()
+{
+    return CWinApp::ExitInstance();
+}
+
+namespace
+{
+
+using veltest::Dialog;
+using veltest::DialogScript;
+
+constexpr char emptyID[] = "You must enter a new patient ID";
+
+void RunDialog(CDialog& dialog, INT_PTR nExpected,
+               const std::function<void(DialogScript&, const Dialog&)>& script)
+{
+    EXPECT_EQ(veltest::RunModal([&] { return velRunModal(dialog); },
+                                [&](DialogScript& s) { script(s, s.WaitForDialogWith(IDC_IDCONFLICT_ID)); }),
+              nExpected);
+}
+
+/// A record from outside that brings this ID, and the patient A1 that has its name and birth date.
+struct SamePerson : CChangePatientID
+{
+    explicit SamePerson(const char* pszProposedID)
+    {
+        m_strProposedID = pszProposedID;
+        m_strExistingID = "A1";
+        m_strExistingPatient = "O'Lee, Ann & %s <1> ID:A1";
+    }
+};
+
+void ExpectChoice(const Dialog& dialog, bool bCreateNew, const char* pszID)
+{
+    EXPECT_EQ(dialog.Item(IDC_IDCONFLICT_CREATE).IsChecked(), bCreateNew);
+    EXPECT_EQ(dialog.Item(IDC_IDCONFLICT_MERGE).IsChecked(), !bCreateNew);
+    EXPECT_EQ(dialog.Item(IDC_IDCONFLICT_ID).IsEnabled(), bCreateNew);
+    EXPECT_EQ(dialog.Item(IDC_IDCONFLICT_ID).Text(), pszID);
+    EXPECT_EQ(dialog.Item(IDOK).Text(), bCreateNew ? "Create New" : "Merge");
+    if (bCreateNew)
+    {
+        EXPECT_TRUE(dialog.Item(IDC_IDCONFLICT_ID).HasFocus());
+    }
+}
+
+TEST(ChangePatientID, OffersTheRecordsOwnIDAndTakesWhatIsEntered)
+{
+    for (const char* pszProposed : {"B7", "A1", "a1", ""})
+    {
+        SCOPED_TRACE(pszProposed);
+        const std::string offered = std::string(pszProposed) == "A1" ? "" : pszProposed; // exactly the same
+        SamePerson dialog(pszProposed);
+        RunDialog(dialog, IDOK, [&](DialogScript&, const Dialog& window) {
+            EXPECT_EQ(window.Item(IDC_IDCONFLICT_MESSAGE).Text(),
+                      "An existing patient (O'Lee, Ann & %s <1> ID:A1) in veltrix has same name and birth "
+                      "date. Please select the following action.");
+            ExpectChoice(window, true, offered.c_str());
+            window.Item(IDC_IDCONFLICT_ID).Replace("C9");
+            window.Press(IDC_IDCONFLICT_MERGE);
+            ExpectChoice(window, false, "C9");
+            window.Press(IDC_IDCONFLICT_CREATE);
+            // What was typed gives way to the record's own ID; where there is none to offer, it stays.
+            ExpectChoice(window, true, std::string(pszProposed) == "A1" ? "C9" : pszProposed);
+            window.Item(IDC_IDCONFLICT_ID).Replace(" d4 ");
+            window.Press(IDOK);
+        });
+        EXPECT_STREQ(dialog.m_strResultID, " d4 ");
+        EXPECT_EQ(dialog.m_nMode, CChangePatientID::CreateNew);
+    }
+}
+
+TEST(ChangePatientID, MergingGivesTheExistingID)
+{
+    SamePerson dialog("B7");
+    RunDialog(dialog, IDOK, [](DialogScript&, const Dialog& window) {
+        window.Press(IDC_IDCONFLICT_MERGE);
+        window.Press(IDOK);
+    });
+    EXPECT_STREQ(dialog.m_strResultID, "A1");
+    EXPECT_EQ(dialog.m_nMode, CChangePatientID::Merge);
+}
+
+TEST(ChangePatientID, AnEmptyIDIsToldAndLeftToTheCaller)
+{
+    SamePerson same("A1");
+    CGetUniquePatID taken;
+    for (CDialog* const pDialog : {static_cast<CDialog*>(&same), static_cast<CDialog*>(&taken)})
+        RunDialog(*pDialog, IDOK, [](DialogScript& script, const Dialog& window) {
+            window.Press(IDOK);
+            script.AnswerBox(emptyID, IDOK);
+            window.WaitForClosed();
+        });
+    EXPECT_STREQ(same.m_strResultID, "");
+    EXPECT_STREQ(taken.m_strResultID, "");
+}
+
+TEST(GetUniquePatID, TakesAnotherID)
+{
+    CGetUniquePatID dialog;
+    dialog.m_strTakenID = "A1";
+    dialog.m_strPatientName = "Lee & Sons, Ann";
+    RunDialog(dialog, IDOK, [](DialogScript&, const Dialog& window) {
+        EXPECT_EQ(window.Item(IDC_IDCONFLICT_MESSAGE).Text(),
+                  "Patient ID: A1 for patient \"Lee & Sons, Ann\" already exists in Veltrix. Please select "
+                  "another patient ID.");
+        EXPECT_EQ(window.Item(IDOK).Text(), "Create New");
+        EXPECT_EQ(window.Item(IDC_IDCONFLICT_ID).Text(), "");
+        EXPECT_TRUE(window.Item(IDC_IDCONFLICT_ID).HasFocus());
+        window.Item(IDC_IDCONFLICT_ID).Type(std::string(26, 'B'));
+        window.Item(IDC_IDCONFLICT_ID).PressKey(VK_RETURN);
+    });
+    EXPECT_STREQ(dialog.m_strResultID, std::string(25, 'B').c_str());
+}
+
+TEST(IDConflict, DialogsLookAsTheyShouldAndCancelGivesNothing)
+{
+    const veltest::TemporaryPractice practice;
+    practice.Set("defaults", "DebugHelp", "1");
+    const std::string longName = "Wilhelmina Josephine van der Westhuizen-Montgomery";
+    SamePerson same("B7");
+    same.m_strExistingPatient = (longName + ", " + longName + " ID:A1").c_str();
+    CGetUniquePatID taken;
+    taken.m_strTakenID = "WESTHUIZEN-MONTGOMERY-199";
+    taken.m_strPatientName = (longName + ", " + longName).c_str();
+    const auto look = [](const char* pszPicture, int nTopic) {
+        return [=](DialogScript& script, const Dialog& window) {
+            EXPECT_EQ(veltest::DialogFindings(window.Handle()), "");
+            EXPECT_TRUE(veltest::SavePicture(window.Handle(), pszPicture));
+            window.PressF1();
+            EXPECT_THAT(script.WaitForBox().BoxText(), testing::HasSubstr(std::to_string(nTopic)));
+            script.AnswerBox("", IDOK);
+            window.Item(IDC_IDCONFLICT_ID).Replace("C9");
+            window.Press(IDCANCEL);
+        };
+    };
+    RunDialog(same, IDCANCEL, look("change-patient-id", 140435));
+    RunDialog(taken, IDCANCEL, look("unique-patient-id", 140436));
+    EXPECT_STREQ(same.m_strResultID, "");
+    EXPECT_STREQ(taken.m_strResultID, "");
+}
+
+} // namespace
