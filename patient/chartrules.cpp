@@ -27,6 +27,14 @@ Finding CheckID(std::string_view id)
     return {};
 }
 
+bool IsDeviceID(std::string_view id)
+{
+    const std::string_view stem = id.substr(0, 3);
+    if (id.size() == 3)
+        return stem == "AUX" || stem == "CON" || stem == "NUL" || stem == "PRN";
+    return id.size() == 4 && (stem == "COM" || stem == "LPT") && id[3] >= '0' && id[3] <= '9';
+}
+
 Finding CheckPhone(std::string_view number, bool bHasType, int nPhone, unsigned nTypeControl)
 {
     if (!number.empty() && !bHasType)

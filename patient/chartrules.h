@@ -51,23 +51,16 @@ inline constexpr std::array<Code, 10> Races{{
     {"South Pacific", 7},
 }};
 
-/// The index of the entry with the code, 0 (the entry for "not stated") when there is none.
-template <std::size_t N> constexpr int FindCode(const std::array<Code, N>& list, int nCode)
-{
-    for (std::size_t i = 0; i < N; ++i)
-    {
-        if (list[i].nCode == nCode)
-            return static_cast<int>(i);
-    }
-    return 0;
-}
-
 /// ID, given name and family name must not be empty. Blanks count as text.
 Finding CheckRequired(std::string_view id, std::string_view firstname, std::string_view lastname);
 
 /// At most MaxID characters, else it fails without a message (the field does not take more); only
 /// capital letters, digits, "_" and "-".
 Finding CheckID(std::string_view id);
+
+/// True for an ID that Windows takes for a device ("AUX", "COM1"): it passes the page, but no file can bear
+/// it.
+bool IsDeviceID(std::string_view id);
 
 /// A phone number needs a type; a type needs no number. nPhone is 1 or 2, nTypeControl the type's list.
 Finding CheckPhone(std::string_view number, bool bHasType, int nPhone, unsigned nTypeControl);

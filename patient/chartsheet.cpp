@@ -2,11 +2,64 @@
 
 #include "app/modalrun.h"
 #include "app/velapp.h"
+#include "patient/chartrules.h"
 #include "patient/patientres.h"
 #include "suite/patients/store/dbexception.h"
 #include "suite/patients/records/dbpatients.h"
 #include "suite/patients/store/dbtransaction.h"
 #include "suite/util/velini.h"
+
+namespace
+{
+
+/// A new patient with everything about the person that a stored one has. What is the stored patient's alone
+/// stays behind: identity, timepoints, and the guardian's and the policies' own ids.
+std::unique_ptr<dbCPatient> CopyAsNew(const dbCPatient& stored)
+{
+    auto pNew = std::make_unique<dbCPatient>();
+    dbCPatient& patient = *pNew;
+    patient.SetID(stored.GetID());
+    patient.SetFirstname(stored.GetFirstname(patNameAsEntered));
+    patient.SetLastname(stored.GetLastname(patNameAsEntered));
+    patient.SetNickname(stored.GetNickname());
+    patient.SetBirthdate(stored.GetBirthdate());
+    patient.SetGender(stored.GetGender());
+    patient.SetGenderIdentity(stored.GetGenderIdentity());
+    patient.SetRace(stored.GetRace());
+    patient.SetEmail(stored.GetEmail());
+    patient.SetTitle(stored.GetTitle());
+    patient.SetSalutation(stored.GetSalutation());
+    patient.SetModelNumber(stored.GetModelNumber());
+    patient.SetKeywords(stored.GetKeywords());
+    patient.SetNotes(stored.GetNotes());
+    patient.SetOfficeID(stored.GetOfficeID());
+    patient.SetStatusID(stored.GetStatusID());
+    patient.SetNorm(stored.GetNorm());
+    patient.GetAddresses() = stored.GetAddresses();
+    patient.GetPhones() = stored.GetPhones();
+    for (const int nKind : {dbPersonGuardian, dbPersonTreatingDoctor, dbPersonReferringDoctor})
+    {
+        dbCPerson person;
+        if (!stored.GetPersonInfo(nKind, person))
+            continue;
+        if (nKind == dbPersonGuardian)
+            person.SetPersonGUID("");
+        patient.AddPersonInfo(nKind, person);
+    }
+    for (dbCInsurance insurance : stored.GetInsurances())
+    {
+        insurance.SetInsuranceGUID(dbCInsurance().GetInsuranceGUID());
+        patient.AssignInsurance(insurance);
+    }
+    for (dbCPatientReferralsRow row : stored.GetReferrals())
+    {
+        row.Set_refID("");
+        patient.GetReferrals().Add(row);
+    }
+    return pNew;
+}
+
+} // namespace
 
 IMPLEMENT_DYNAMIC(patCChartSheet, CPropertySheet)
 
@@ -19,15 +72,15 @@ patCChartSheet::patCChartSheet(CString& resultId, LPCTSTR caption, CWnd* parent,
                                LPCTSTR existingId, dbCPatient* initialData)
     : CPropertySheet(caption, parent, startPage), m_pageChart(*this), m_pageDetail(*this), m_pageGuard(*this),
       m_pageRefer(*this), m_pageInsurance(*this), m_pPatient(initialData), m_strExistingID(existingId),
-      m_pResultID(&resultId), m_strDefaultCountry(velGetIniString("Defaults", "Country", "")),
-      m_pInitialData(initialData)
+      m_pResultID(&resultId), m_strDefaultCountry(velGetIniString("Defaults", "Country", ""))
 {
     // A record that is in the database would be changed by saving it, not entered as a new patient.
-    if (initialData == nullptr || initialData->IsValid())
-    {
+    if (initialData == nullptr)
         m_pOwnPatient = std::make_unique<dbCPatient>();
+    else if (initialData->IsValid())
+        m_pOwnPatient = CopyAsNew(*initialData);
+    if (m_pOwnPatient)
         m_pPatient = m_pOwnPatient.get();
-    }
     AddPages();
 }
 
@@ -94,8 +147,10 @@ void patCChartSheet::OnHelpButton()
     VelApp()->ShowHelp(GetPage(GetActiveIndex()).GetHelpID());
 }
 
-bool patCChartSheet::LoadExistingPatient()
+bool patCChartSheet::LoadPatient()
 {
+    if (IsNewPatient())
+        return true;
     if (m_nLoaded != LOADED::NotYet)
         return m_nLoaded == LOADED::Yes;
     m_nLoaded = LOADED::Failed;
@@ -116,6 +171,12 @@ bool patCChartSheet::LoadExistingPatient()
         AfxMessageBox(IDS_PATIENT_LOAD_FAILED);
     }
     return m_nLoaded == LOADED::Yes;
+}
+
+void patCChartSheet::LoadReferrals()
+{
+    if (LoadPatient())
+        m_referrals.Load(*m_pPatient);
 }
 
 void patCChartSheet::ShowPage(int nPage)
@@ -164,6 +225,7 @@ bool patCChartSheet::RunSteps()
         state.opened[static_cast<std::size_t>(nPage)] = m_bPageInitialised[nPage] != FALSE;
     state.nPracticeManagement = VelApp()->GetPracticeManagement();
     state.guardianLastname = m_pageGuard.GetLastname().GetString();
+    state.bDatesChanged = m_pageChart.IsBirthdateChanged() || m_referrals.IsChanged();
     for (const pat::Step nStep : pat::StepsOfOK(state))
     {
         const CWaitCursor wait; // once more: a message of the step before has put the arrow back
@@ -185,6 +247,9 @@ bool patCChartSheet::RunStep(pat::Step nStep)
         return m_pageGuard.Check();
     case pat::Step::ReferralFields:
         return m_pageRefer.Check();
+    case pat::Step::ReferralDates:
+        LoadReferrals();
+        return m_pageRefer.CheckDates();
     case pat::Step::InsuranceFields:
         return m_pageInsurance.Check();
     case pat::Step::SimilarPatient:
@@ -220,37 +285,45 @@ bool patCChartSheet::ConfirmBillingParty()
 
 bool patCChartSheet::SavePatient()
 {
-    const dbCPatient before(*m_pPatient);
+    if (pat::IsDeviceID(m_pageChart.GetID().GetString()))
+    {
+        m_pageChart.ReportID(IDS_PATIENT_ID_DEVICE);
+        return false;
+    }
+    dbCPatient scratch(*m_pPatient);
     try
     {
         const CWaitCursor wait;
         dbCTransaction transaction;
-        CopyPages();
-        m_pPatient->Save();
+        CopyPages(scratch);
+        scratch.Save();
         transaction.Commit();
-        return true;
     }
     catch (dbCException* e)
     {
-        *m_pPatient = before;
-        if (e->GetError() != dbErrDuplicateID)
+        if (!ReportRefusal(e->GetError()))
             throw;
-        e->Delete(); // another process took the ID after it was checked
-        m_pageChart.ReportTakenID();
+        e->Delete();
         return false;
     }
-    catch (...)
-    {
-        *m_pPatient = before;
-        throw;
-    }
+    *m_pPatient = std::move(scratch);
+    return true;
 }
 
-void patCChartSheet::CopyPages()
+bool patCChartSheet::ReportRefusal(dbError nError)
+{
+    if (nError != dbErrDuplicateID)
+        return false;
+    m_pageChart.ReportID(IDS_PATIENT_ID_TAKEN); // another process took it after it was checked
+    return true;
+}
+
+void patCChartSheet::CopyPages(dbCPatient& patient)
 {
     for (const pat::Page nPage : pat::CopyOrder)
     {
         if (m_bPageInitialised[nPage])
-            GetPage(nPage).CopyTo(*m_pPatient);
+            GetPage(nPage).CopyTo(patient);
     }
+    m_referrals.Store(patient);
 }

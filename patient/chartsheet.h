@@ -6,9 +6,11 @@
 #include "patient/dlgguard.h"
 #include "patient/dlginsurance.h"
 #include "patient/dlgrefer.h"
+#include "patient/referrals.h"
 #include "suite/dialogs/mfccoloredtabctrl.h"
 #include "suite/dialogs/unicodebutton.h"
 #include "suite/patients/records/dbpatient.h"
+#include "suite/patients/store/dbexception.h"
 
 #include <afxdlgs.h>
 #include <afxwin.h>
@@ -19,8 +21,9 @@
 ///
 /// It lives for one modal run on the host's user interface thread. It owns its five pages, and the patient
 /// record unless the caller gave one. OK checks the opened pages in a fixed order, asks its two questions,
-/// writes the record in one database transaction and only then closes with IDOK; until then neither the
-/// record nor the database is touched. The patient list comes from the application object.
+/// copies the pages into a scratch record and saves that in one database transaction; only after the commit
+/// does it take the place of the record, and the sheet closes with IDOK. Until then neither the record nor
+/// the database is changed. The patient list comes from the application object.
 class patCChartSheet : public CPropertySheet
 {
     DECLARE_DYNAMIC(patCChartSheet)
@@ -28,13 +31,13 @@ class patCChartSheet : public CPropertySheet
 public:
     /// resultId receives the saved patient's ID on OK and is not touched otherwise; it must outlive the
     /// sheet. existingId: the ID or the GUID of the patient to change; null or empty for a new patient.
-    /// initialData: a record of the caller's whose values fill the chart page and which receives the result;
-    /// it must outlive the sheet. One that is in the database already only lends its values. Null: no values.
+    /// initialData: a record of the caller's whose values fill the pages and which receives the result; it
+    /// must outlive the sheet. One that is in the database already only lends its values. Null: no values.
     patCChartSheet(CString& resultId, LPCTSTR caption, CWnd* parent, UINT startPage, LPCTSTR existingId,
                    dbCPatient* initialData);
 
-    /// The record being edited. For an existing patient it is empty until LoadExistingPatient.
-    dbCPatient& GetPatient()
+    /// The record that the pages are filled from. For an existing patient it is empty until LoadPatient.
+    const dbCPatient& GetPatient() const
     {
         return *m_pPatient;
     }
@@ -43,12 +46,6 @@ public:
     bool IsNewPatient() const
     {
         return m_strExistingID.IsEmpty() != FALSE;
-    }
-
-    /// The caller's record that fills the chart page; null when there is none.
-    const dbCPatient* GetInitialData() const
-    {
-        return m_pInitialData;
     }
 
     /// The country that new addresses start with; may be empty.
@@ -63,9 +60,17 @@ public:
         return m_pageChart.GetBirthdate();
     }
 
-    /// Loads the record of the existing patient on the first call. Returns false, the first time after a
-    /// message, when it cannot be loaded; from then on the sheet can only be cancelled.
-    bool LoadExistingPatient();
+    /// Loads the record of an existing patient on the first call; a new one needs no loading. Returns false,
+    /// the first time after a message, when it cannot be loaded; from then on the sheet can only be
+    /// cancelled.
+    bool LoadPatient();
+
+    /// The referrals of the record, none before LoadReferrals, which throws dbCException*.
+    patCReferrals& GetReferrals()
+    {
+        return m_referrals;
+    }
+    void LoadReferrals();
 
     /// Notes that a page's window exists, so that OK checks and copies the page.
     void SetPageInitialised(int nPage)
@@ -101,7 +106,9 @@ private:
     bool ConfirmSimilarPatient();
     bool ConfirmBillingParty();
     bool SavePatient();
-    void CopyPages();
+    void CopyPages(dbCPatient& patient);
+    /// Tells why the database refused the ID or the record. False when it was for another reason.
+    bool ReportRefusal(dbError nError);
 
     patCDlgChart m_pageChart;
     patCDlgDtail m_pageDetail;
@@ -126,6 +133,6 @@ private:
     };
     LOADED m_nLoaded = LOADED::NotYet;
     std::unique_ptr<dbCPatient> m_pOwnPatient;
-    const dbCPatient* m_pInitialData;
+    patCReferrals m_referrals;
     bool m_bShowingPage = false;
 };

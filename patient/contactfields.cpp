@@ -4,145 +4,146 @@
 
 namespace
 {
+
 constexpr char officeAddress[] = "O";
 constexpr char homeAddress[] = "H";
+
+// Whose contact fields a record's are.
+dbCPatient& ContactOf(dbCPatient& patient)
+{
+    return patient;
+}
+dbCPerson& ContactOf(dbCPerson& person)
+{
+    return person;
+}
+dbCPerson& ContactOf(dbCDoctor& doctor)
+{
+    return doctor.GetPerson();
+}
+template <class T> const auto& ContactOf(const T& record)
+{
+    return ContactOf(const_cast<T&>(record));
+}
+
+template <class T> dbCAddress& FirstAddress(T& record)
+{
+    dbCAddresses& addresses = ContactOf(record).GetAddresses();
+    if (addresses.IsEmpty())
+        addresses.Add(dbCAddress());
+    return addresses[0];
+}
+
+template <class T>
+patTField<T> AddressText(int nControl, int nLimit, const CString& (dbCAddress::*get)() const,
+                         void (dbCAddress::*set)(LPCTSTR))
+{
+    return patTextField<T>(
+        nControl, nLimit,
+        [get](const T& record) {
+            const dbCAddresses& addresses = ContactOf(record).GetAddresses();
+            return addresses.IsEmpty() ? CString() : (addresses[0].*get)();
+        },
+        [set](T& record, LPCTSTR pszText) { (FirstAddress(record).*set)(pszText); });
+}
+
+/// Any type but the office's counts as the first button.
+template <class T> patTField<T> AddressType(int nControl)
+{
+    return patCodeField<T>(
+        patFieldKind::Radio, nControl,
+        [](const T& record) -> int {
+            const dbCAddresses& addresses = ContactOf(record).GetAddresses();
+            return !addresses.IsEmpty() && addresses[0].GetType() == officeAddress ? patOfficeAddress
+                                                                                   : patHomeAddress;
+        },
+        [](T& record, int nButton) {
+            FirstAddress(record).SetType(nButton == patOfficeAddress ? officeAddress : homeAddress);
+        });
+}
+
+/// Part of the phone with an index. Phones behind the last one that has anything are none.
+template <class T>
+patTField<T> PhonePart(patFieldKind nKind, int nControl, int nIndex, const CString& (dbCPhone::*get)() const,
+                       void (dbCPhone::*set)(LPCTSTR))
+{
+    return patTextField<T>(
+        nControl, nKind == patFieldKind::Text ? pat::MaxPhone : 0,
+        [get, nIndex](const T& record) {
+            const dbCPhones& phones = ContactOf(record).GetPhones();
+            return nIndex < phones.GetCount() ? (phones[nIndex].*get)() : CString();
+        },
+        [set, nIndex](T& record, LPCTSTR pszText) {
+            dbCPhones& phones = ContactOf(record).GetPhones();
+            while (phones.GetCount() <= nIndex)
+                phones.Add(dbCPhone());
+            (phones[nIndex].*set)(pszText);
+            while (!phones.IsEmpty() && phones[phones.GetCount() - 1].GetNumber().IsEmpty() &&
+                   phones[phones.GetCount() - 1].GetType().IsEmpty())
+                phones.RemoveAt(phones.GetCount() - 1);
+        },
+        nKind);
+}
+
 } // namespace
 
-patCContactFields::patCContactFields(const patContactControls& controls) : m_controls(controls)
+template <class T> patTFieldTable<T> patContactTable(const patContactControls& controls)
 {
-}
-
-void patCContactFields::DoDataExchange(CDataExchange* pDX)
-{
-    struct
-    {
-        int nControl;
-        CString& strText;
-        int nMaxChars;
-    } const fields[] = {
-        {m_controls.nCompany, m_strCompany, pat::MaxCompany},
-        {m_controls.nStreet, m_strStreet, pat::MaxStreet},
-        {m_controls.nCity, m_strCity, pat::MaxCity},
-        {m_controls.nState, m_strState, pat::MaxState},
-        {m_controls.nPostalCode, m_strPostalCode, pat::MaxPostalCode},
-        {m_controls.nCountry, m_strCountry, pat::MaxCountry},
-        {m_controls.nPhone[0], m_strPhone[0], pat::MaxPhone},
-        {m_controls.nPhone[1], m_strPhone[1], pat::MaxPhone},
-        {m_controls.nEmail, m_strEmail, pat::MaxEmail},
+    patTFieldTable<T> table{
+        AddressType<T>(controls.nHome),
+        AddressText<T>(controls.nCompany, pat::MaxCompany, &dbCAddress::GetCompany, &dbCAddress::SetCompany),
+        AddressText<T>(controls.nStreet, pat::MaxStreet, &dbCAddress::GetStreet, &dbCAddress::SetStreet),
+        AddressText<T>(controls.nCity, pat::MaxCity, &dbCAddress::GetCity, &dbCAddress::SetCity),
+        AddressText<T>(controls.nState, pat::MaxState, &dbCAddress::GetState, &dbCAddress::SetState),
+        AddressText<T>(controls.nPostalCode, pat::MaxPostalCode, &dbCAddress::GetPostalCode,
+                       &dbCAddress::SetPostalCode),
+        AddressText<T>(controls.nCountry, pat::MaxCountry, &dbCAddress::GetCountry, &dbCAddress::SetCountry),
+        patTextField<T>(
+            controls.nEmail, pat::MaxEmail, [](const T& record) { return ContactOf(record).GetEmail(); },
+            [](T& record, LPCTSTR pszEmail) { ContactOf(record).SetEmail(pszEmail); }),
     };
-    DDX_Radio(pDX, m_controls.nHome, m_nAddressButton);
-    for (const auto& field : fields)
-    {
-        DDX_Text(pDX, field.nControl, field.strText);
-        DDV_MaxChars(pDX, field.strText, field.nMaxChars);
-    }
     for (int i = 0; i < 2; ++i)
-        DDX_Control(pDX, m_controls.nPhoneType[i], m_listPhoneType[i]);
+    {
+        table.push_back(PhonePart<T>(patFieldKind::Text, controls.nPhone[i], i, &dbCPhone::GetNumber,
+                                     &dbCPhone::SetNumber));
+        table.push_back(PhonePart<T>(patFieldKind::Choice, controls.nPhoneType[i], i, &dbCPhone::GetType,
+                                     &dbCPhone::SetType));
+    }
+    return table;
 }
 
-void patCContactFields::Initialise(const CString& strCountry)
+template patTFieldTable<dbCPatient> patContactTable(const patContactControls&);
+template patTFieldTable<dbCPerson> patContactTable(const patContactControls&);
+template patTFieldTable<dbCDoctor> patContactTable(const patContactControls&);
+
+void patDropEmptyAddress(dbCAddresses& addresses, bool bHadAddress)
 {
-    m_nAddressButton = 0;
-    m_strCountry = strCountry;
-    for (CComboBox& list : m_listPhoneType)
+    if (addresses.GetCount() == 1 && addresses[0].IsEmpty() &&
+        (!bHadAddress || addresses[0].GetCountry().IsEmpty()))
+        addresses.RemoveAll();
+}
+
+void patFillPhoneTypes(CWnd& page, const patContactControls& controls)
+{
+    for (const int nControl : controls.nPhoneType)
     {
+        CComboBox& list = *static_cast<CComboBox*>(page.GetDlgItem(nControl));
         list.ResetContent();
         list.AddString("");
         for (int i = 0; i < dbCPhone::GetTypeCount(); ++i)
             list.AddString(dbCPhone::GetTypeName(i));
-        list.SetCurSel(0);
     }
 }
 
-void patCContactFields::Load(const dbCAddresses& addresses, const dbCPhones& phones, const CString& strEmail)
-{
-    if (!addresses.IsEmpty())
-    {
-        const dbCAddress& address = addresses[0];
-        m_strCompany = address.GetCompany();
-        m_strStreet = address.GetStreet();
-        m_strCity = address.GetCity();
-        m_strState = address.GetState();
-        m_strPostalCode = address.GetPostalCode();
-        m_strCountry = address.GetCountry();
-        m_nAddressButton = address.GetType() == officeAddress ? 1 : 0;
-    }
-    for (int i = 0; i < 2 && i < phones.GetCount(); ++i)
-    {
-        m_strPhone[i] = phones[i].GetNumber();
-        SelectPhoneType(i, phones[i].GetType());
-    }
-    m_strEmail = strEmail;
-}
-
-bool patCContactFields::HasAddress() const
-{
-    return !m_strCompany.IsEmpty() || !m_strStreet.IsEmpty() || !m_strCity.IsEmpty() ||
-           !m_strState.IsEmpty() || !m_strPostalCode.IsEmpty();
-}
-
-void patCContactFields::StoreAddress(dbCAddresses& addresses) const
-{
-    if (addresses.IsEmpty())
-    {
-        if (!HasAddress())
-            return;
-        addresses.Add(dbCAddress());
-    }
-    else if (addresses.GetCount() == 1 && !HasAddress() && m_strCountry.IsEmpty())
-    {
-        addresses.RemoveAll(); // emptied: there is no address any more, and summaries say so
-        return;
-    }
-    dbCAddress& address = addresses[0];
-    address.SetCompany(m_strCompany);
-    address.SetStreet(m_strStreet);
-    address.SetCity(m_strCity);
-    address.SetState(m_strState);
-    address.SetPostalCode(m_strPostalCode);
-    address.SetCountry(m_strCountry);
-    if (m_nAddressButton == 1)
-        address.SetType(officeAddress);
-    else if (address.GetType() == officeAddress || address.GetType().IsEmpty())
-        address.SetType(homeAddress); // any other type counts as the first button and stays as it is
-}
-
-void patCContactFields::StorePhones(dbCPhones& phones) const
+pat::Finding patCheckPhones(const patCFieldValues& fields, const patContactControls& controls)
 {
     for (int i = 0; i < 2; ++i)
     {
-        const dbCPhone phone(m_strPhone[i], GetPhoneType(i));
-        if (i < phones.GetCount())
-            phones[i] = phone;
-        else
-            phones.Add(phone);
+        const pat::Finding finding = pat::CheckPhone(fields.GetText(controls.nPhone[i]).GetString(),
+                                                     !fields.GetText(controls.nPhoneType[i]).IsEmpty(), i + 1,
+                                                     static_cast<unsigned>(controls.nPhoneType[i]));
+        if (!finding.bPassed)
+            return finding;
     }
-    while (!phones.IsEmpty() && phones[phones.GetCount() - 1].GetNumber().IsEmpty() &&
-           phones[phones.GetCount() - 1].GetType().IsEmpty())
-        phones.RemoveAt(phones.GetCount() - 1);
-}
-
-pat::Finding patCContactFields::CheckPhone(int nIndex) const
-{
-    return pat::CheckPhone(m_strPhone[nIndex].GetString(), m_listPhoneType[nIndex].GetCurSel() > 0,
-                           nIndex + 1, static_cast<unsigned>(m_controls.nPhoneType[nIndex]));
-}
-
-void patCContactFields::SelectPhoneType(int nIndex, const CString& strType)
-{
-    CComboBox& list = m_listPhoneType[nIndex];
-    int nEntry = strType.IsEmpty() ? 0 : list.FindStringExact(0, strType);
-    if (nEntry == CB_ERR)
-        nEntry = list.AddString(strType); // a type of another system is kept as it is
-    list.SetCurSel(nEntry);
-}
-
-CString patCContactFields::GetPhoneType(int nIndex) const
-{
-    CString strType;
-    const CComboBox& list = m_listPhoneType[nIndex];
-    const int nEntry = list.GetCurSel();
-    if (nEntry > 0)
-        list.GetLBText(nEntry, strType);
-    return strType;
+    return {};
 }

@@ -1,16 +1,16 @@
-// Address, phones and e-mail as the chart page and the guardian page both show them.
+// Gender, address, phones and e-mail as the chart page, the guardian page and the doctor editor all show
+// them.
 #pragma once
 
+#include "patient/fieldbinding.h"
 #include "patient/finding.h"
-#include "suite/patients/records/dbperson.h"
+#include "suite/patients/records/dbdoctors.h"
+#include "suite/patients/records/dbpatient.h"
 
-#include <afxwin.h>
-
-/// The controls of one page's contact fields.
+/// The controls of the contact fields of one page.
 struct patContactControls
 {
-    int nHome;
-    int nOffice;
+    int nHome; ///< the first of the two address buttons, home and office
     int nCompany;
     int nStreet;
     int nCity;
@@ -22,50 +22,35 @@ struct patContactControls
     int nPhoneType[2];
 };
 
-/// The contact fields of one page: their texts between two data exchanges, and the two lists of phone types.
-/// It is a member of its page and knows no other.
-class patCContactFields
+/// The values of the address buttons.
+enum patAddressButton
 {
-public:
-    explicit patCContactFields(const patContactControls& controls);
-
-    /// Exchanges the texts with the controls, each with its maximum length.
-    void DoDataExchange(CDataExchange* pDX);
-
-    /// Fills the lists of phone types, selects their empty first entries and the home address, and sets the
-    /// country. For the page's initialisation, after the controls have been bound.
-    void Initialise(const CString& strCountry);
-
-    /// Takes the first address, the first two phones and the e-mail. Without an address the fields keep what
-    /// they have.
-    void Load(const dbCAddresses& addresses, const dbCPhones& phones, const CString& strEmail);
-
-    /// True when company, street, city, state or postal code is filled in.
-    bool HasAddress() const;
-
-    /// Writes the first address, when one is filled in or there was one before. The only address is removed
-    /// when all its texts have been emptied.
-    void StoreAddress(dbCAddresses& addresses) const;
-    /// Writes the first two phones and leaves further ones alone.
-    void StorePhones(dbCPhones& phones) const;
-
-    /// Whether the phones have their types.
-    pat::Finding CheckPhone(int nIndex) const;
-
-    CString m_strCompany;
-    CString m_strStreet;
-    CString m_strCity;
-    CString m_strState;
-    CString m_strPostalCode;
-    CString m_strCountry;
-    CString m_strEmail;
-    CString m_strPhone[2];
-    int m_nAddressButton = 0; ///< 0 home, 1 office
-
-private:
-    void SelectPhoneType(int nIndex, const CString& strType);
-    CString GetPhoneType(int nIndex) const;
-
-    const patContactControls m_controls;
-    CComboBox m_listPhoneType[2];
+    patHomeAddress = 0,
+    patOfficeAddress = 1
 };
+
+/// The rows of the contact fields of a record: its first address, which comes into being with its first text,
+/// its first two phones and its e-mail. For dbCPatient, dbCPerson and dbCDoctor.
+template <class T> patTFieldTable<T> patContactTable(const patContactControls& controls);
+
+/// The row of the two gender buttons, female (1) and male (2). A gender that is not known shows as male, and
+/// stays what it is until the user chooses.
+template <class T> patTField<T> patGenderField(int nFirstButton)
+{
+    constexpr int nFemale = 1;
+    constexpr int nMale = 2;
+    return patCodeField<T>(
+        patFieldKind::Radio, nFirstButton,
+        [](const T& record) { return record.GetGender() == nFemale ? 0 : 1; },
+        [](T& record, int nButton) { record.SetGender(nButton == 0 ? nFemale : nMale); });
+}
+
+/// For after the fields have been stored: an address that has no text of its own does not come into being,
+/// and the only one goes when all its texts have been emptied, so that summaries say that there is none.
+void patDropEmptyAddress(dbCAddresses& addresses, bool bHadAddress);
+
+/// Fills the two lists of phone types.
+void patFillPhoneTypes(CWnd& page, const patContactControls& controls);
+
+/// Whether the phones have their types.
+pat::Finding patCheckPhones(const patCFieldValues& fields, const patContactControls& controls);

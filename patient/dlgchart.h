@@ -1,17 +1,15 @@
 // The chart page: the patient's identity and contact data.
 #pragma once
 
-#include "patient/contactfields.h"
+#include "patient/fieldbinding.h"
 #include "patient/sheetpage.h"
 #include "suite/dialogs/cededit.h"
-#include "suite/util/veldate.h"
-
-#include <afxcmn.h>
-#include <afxwin.h>
+#include "suite/patients/records/dbpatient.h"
 
 /// Page 1 of the patient information sheet. It is filled when it is first shown, checked whenever the user
-/// leaves it, and copied into the record on the sheet's OK. It owns its controls and the text of its fields;
-/// the teeth-information control works on the sheet's record.
+/// leaves it, and copied into the record on the sheet's OK. It owns its controls and the values of its
+/// fields, and a copy of the record for the teeth-information control, which writes its edits there, so that
+/// they survive an OK that fails.
 class patCDlgChart : public patCSheetPage
 {
 public:
@@ -24,46 +22,29 @@ public:
     /// True when the ID may be given to the record; otherwise shows the message and selects the text of the
     /// ID. Throws dbCException* when the patient list cannot be asked.
     bool CheckUniqueID();
-    /// Tells that the ID is taken: message, focus on the ID field, its text selected.
-    void ReportTakenID();
+    /// Tells what is wrong with the ID: message, focus on the ID field, its text selected.
+    void ReportID(UINT nMessage);
 
-    const CString& GetID() const
-    {
-        return m_strID;
-    }
-    const CString& GetFirstname() const
-    {
-        return m_strFirstname;
-    }
-    const CString& GetLastname() const
-    {
-        return m_strLastname;
-    }
-    const velCDate& GetBirthdate() const
-    {
-        return m_dateBirth;
-    }
+    const CString& GetID() const;
+    const CString& GetFirstname() const;
+    const CString& GetLastname() const;
+    const velCDate& GetBirthdate() const;
+    bool IsBirthdateChanged() const;
 
 protected:
     void DoDataExchange(CDataExchange* pDX) override;
     BOOL OnInitDialog() override;
 
+    afx_msg void OnGender();
+    DECLARE_MESSAGE_MAP()
+
 private:
     bool CheckBirthdate();
-    void FillLists();
-    void LoadRecord(const dbCPatient& patient);
     void ConnectTeeth();
 
-    CString m_strID;
-    CString m_strFirstname;
-    CString m_strLastname;
-    CString m_strNickname;
-    patCContactFields m_contact;
-    velCDate m_dateBirth;
-    int m_nGenderButton = 1; ///< 0 for gender 1, 1 for every other
+    patTFields<dbCPatient> m_fields;
     CString m_strLoadedID;
     cedCEditID m_editID;
-    CComboBox m_listGenderIdentity;
-    CComboBox m_listRace;
+    dbCPatient m_teeth;
     CWnd m_wndTeeth;
 };

@@ -8,7 +8,6 @@
 #include "patient/guardianrules.h"
 #include "patient/patientres.h"
 #include "suite/patients/records/dboffices.h"
-#include "suite/patients/records/dbpatient.h"
 
 #include <algorithm>
 #include <cstring>
@@ -55,40 +54,43 @@ CString GetLinkedDoctor(const dbCPatient& patient, dbPersonKind nKind)
     return patient.GetPersonInfo(nKind, person) ? person.GetPersonGUID() : CString();
 }
 
-/// The doctor of the patient's first referral, else the doctor linked to the patient.
-CString GetReferringDoctor(const dbCPatient& patient)
+void LinkDoctor(dbCPatient& patient, dbPersonKind nKind, LPCTSTR pszGUID)
 {
-    CString strGUID;
-    dbCPatientReferralsContainer referrals;
-    if (!patient.GetGUID().IsEmpty() && referrals.LoadWithDoctor(patient.GetGUID()))
-        strGUID = referrals[0].Get_docID();
-    return strGUID.IsEmpty() ? GetLinkedDoctor(patient, dbPersonReferringDoctor) : strGUID;
-}
-
-void LinkDoctor(dbCPatient& patient, dbPersonKind nKind, const CString& strGUID)
-{
-    if (strGUID.IsEmpty())
+    if (*pszGUID == '\0')
     {
         patient.RemovePersonInfo(nKind);
         return;
     }
     dbCPerson doctor;
-    doctor.SetPersonGUID(strGUID);
+    doctor.SetPersonGUID(pszGUID);
     patient.SetPersonInfo(nKind, doctor);
 }
 
-/// The first referral stands for the referring doctor; a patient without referrals has only the link.
-void SetReferringDoctor(dbCPatient& patient, const CString& strGUID)
+patTFieldTable<dbCPatient> MakeTable()
 {
-    dbCPatientReferralsContainer& referrals = patient.GetReferrals();
-    if (referrals.IsEmpty() || strGUID.IsEmpty())
-        LinkDoctor(patient, dbPersonReferringDoctor, strGUID);
-    if (referrals.IsEmpty())
-        return;
-    if (strGUID.IsEmpty())
-        referrals.RemoveAt(0);
-    else
-        referrals.UpdateDocID(0, strGUID);
+    return {
+        patTextField<dbCPatient>(IDC_DETAIL_TITLE, pat::MaxTitle, &dbCPatient::GetTitle,
+                                 &dbCPatient::SetTitle),
+        patTextField<dbCPatient>(IDC_DETAIL_MODEL, pat::MaxModelNumber, &dbCPatient::GetModelNumber,
+                                 &dbCPatient::SetModelNumber),
+        patTextField<dbCPatient>(IDC_DETAIL_SALUTATION, pat::MaxSalutation, &dbCPatient::GetSalutation,
+                                 &dbCPatient::SetSalutation),
+        patTextField<dbCPatient>(IDC_DETAIL_KEYWORDS, pat::MaxKeywords, &dbCPatient::GetKeywords,
+                                 &dbCPatient::SetKeywords),
+        patTextField<dbCPatient>(IDC_DETAIL_NOTES, pat::MaxNotes, &dbCPatient::GetNotes,
+                                 &dbCPatient::SetNotes, patFieldKind::LongText),
+        patTextField<dbCPatient>(IDC_DETAIL_OFFICE, 0, &dbCPatient::GetOfficeID, &dbCPatient::SetOfficeID,
+                                 patFieldKind::ListedID),
+        patTextField<dbCPatient>(IDC_DETAIL_STATUS, 0, &dbCPatient::GetStatusID, &dbCPatient::SetStatusID,
+                                 patFieldKind::ListedID),
+        patTextField<dbCPatient>(
+            IDC_DETAIL_TREATING, 0,
+            [](const dbCPatient& patient) { return GetLinkedDoctor(patient, dbPersonTreatingDoctor); },
+            [](dbCPatient& patient, LPCTSTR pszGUID) {
+                LinkDoctor(patient, dbPersonTreatingDoctor, pszGUID);
+            },
+            patFieldKind::ListedID),
+    };
 }
 
 } // namespace
@@ -98,7 +100,7 @@ ON_BN_CLICKED(IDC_DETAIL_EDIT_KEYWORDS, &patCDlgDtail::OnEditKeywords)
 ON_BN_CLICKED(IDC_DETAIL_EDIT_TREATING, &patCDlgDtail::OnEditTreatingDoctor)
 ON_BN_CLICKED(IDC_DETAIL_EDIT_REFERRING, &patCDlgDtail::OnEditReferringDoctor)
 ON_CBN_SELCHANGE(IDC_DETAIL_TREATING, &patCDlgDtail::OnSelectTreatingDoctor)
-ON_CBN_SELCHANGE(IDC_DETAIL_REFERRING, &patCDlgDtail::OnSelectReferringDoctor)
+ON_CBN_SELCHANGE(IDC_DETAIL_REFERRING, &patCDlgDtail::OnChooseReferringDoctor)
 END_MESSAGE_MAP()
 
 void patCDlgDtail::List::Begin(const CString& strPlaceholder)
@@ -139,12 +141,8 @@ CString patCDlgDtail::List::GetSelectedID() const
     return nSelected > 0 ? reinterpret_cast<const char*>(GetItemData(nSelected)) : "";
 }
 
-bool patCDlgDtail::List::IsChanged() const
-{
-    return GetSelectedID() != strLoaded;
-}
-
-patCDlgDtail::patCDlgDtail(patCChartSheet& sheet) : patCSheetPage(sheet, IDD_PATIENT_DETAIL, pat::DetailPage)
+patCDlgDtail::patCDlgDtail(patCChartSheet& sheet)
+    : patCSheetPage(sheet, IDD_PATIENT_DETAIL, pat::DetailPage), m_fields(MakeTable())
 {
 }
 
@@ -155,15 +153,7 @@ void patCDlgDtail::DoDataExchange(CDataExchange* pDX)
     DDX_Control(pDX, IDC_DETAIL_OFFICE, m_listOffice);
     DDX_Control(pDX, IDC_DETAIL_REFERRING, m_listReferringDoctor);
     DDX_Control(pDX, IDC_DETAIL_TREATING, m_listTreatingDoctor);
-    DDX_Text(pDX, IDC_DETAIL_MODEL, m_strModelNumber);
-    DDV_MaxChars(pDX, m_strModelNumber, pat::MaxModelNumber);
-    DDX_Text(pDX, IDC_DETAIL_KEYWORDS, m_strKeywords);
-    DDV_MaxChars(pDX, m_strKeywords, pat::MaxKeywords);
-    DDX_Text(pDX, IDC_DETAIL_TITLE, m_strTitle);
-    DDV_MaxChars(pDX, m_strTitle, pat::MaxTitle);
-    DDX_Text(pDX, IDC_DETAIL_SALUTATION, m_strSalutation);
-    DDV_MaxChars(pDX, m_strSalutation, pat::MaxSalutation);
-    DDX_Text(pDX, IDC_DETAIL_NOTES, m_strNotes);
+    m_fields.DoDataExchange(pDX);
 }
 
 BOOL patCDlgDtail::OnInitDialog()
@@ -179,34 +169,43 @@ BOOL patCDlgDtail::OnInitDialog()
 
     // The texts need no database: what the user sees of them is what OK writes, whatever happens to the
     // lists.
-    if (!m_sheet.IsNewPatient())
-        m_sheet.LoadExistingPatient();
+    m_sheet.LoadPatient();
     const dbCPatient& patient = m_sheet.GetPatient();
-    if (patient.IsValid())
-        LoadTexts(patient);
+    m_fields.Load(patient);
+    UpdateData(FALSE);
+    m_strReferringLink = m_strLoadedLink = GetLinkedDoctor(patient, dbPersonReferringDoctor);
     velGuard(0, IDS_DETAIL_FAILED, [&]() -> INT_PTR { return LoadLists(patient), 0; });
-    static_cast<CEdit*>(GetDlgItem(IDC_DETAIL_NOTES))->SetLimitText(pat::MaxNotes);
+    m_fields.TakeAsLoaded(*this);
     return TRUE;
 }
 
-void patCDlgDtail::LoadTexts(const dbCPatient& patient)
+// The referral page may have changed the first referral meanwhile.
+BOOL patCDlgDtail::OnSetActive()
 {
-    m_strModelNumber = patient.GetModelNumber();
-    m_strKeywords = patient.GetKeywords();
-    m_strTitle = patient.GetTitle();
-    m_strSalutation = patient.GetSalutation();
-    m_strNotes = patient.GetNotes();
-    UpdateData(FALSE);
+    const BOOL bActive = patCSheetPage::OnSetActive();
+    if (m_listReferringDoctor.GetSelectedID() != GetReferringDoctor())
+    {
+        m_listReferringDoctor.Select(GetReferringDoctor());
+        OnSelectReferringDoctor();
+    }
+    return bActive;
 }
 
 void patCDlgDtail::LoadLists(const dbCPatient& patient)
 {
+    m_sheet.LoadReferrals();
     FillTreatingDoctors(GetLinkedDoctor(patient, dbPersonTreatingDoctor));
-    FillReferringDoctors(GetReferringDoctor(patient));
+    FillReferringDoctors(GetReferringDoctor());
     FillOffices(patient.GetOfficeID());
     FillStatuses(patient.GetStatusID());
-    for (List* const pList : {&m_listTreatingDoctor, &m_listReferringDoctor, &m_listOffice, &m_listStatus})
-        pList->strLoaded = pList->GetSelectedID();
+}
+
+// The first referral stands for the referring doctor; a patient without referrals has only the link.
+CString patCDlgDtail::GetReferringDoctor() const
+{
+    const std::vector<pat::Referral>& rows = m_sheet.GetReferrals().GetRows();
+    return rows.empty() || rows.front().strDoctorID.empty() ? m_strReferringLink
+                                                            : CString(rows.front().strDoctorID.c_str());
 }
 
 // When the doctors cannot be read, both lists keep what they show, so that OK changes nothing by itself.
@@ -298,6 +297,19 @@ void patCDlgDtail::OnSelectTreatingDoctor()
              [&]() -> INT_PTR { return ShowSummary(m_listTreatingDoctor, IDC_DETAIL_TREATING_SUMMARY), 0; });
 }
 
+// A doctor takes the place of the first referral's. The placeholder means that none is chosen here; a
+// referral with its date and note is the referral page's to remove.
+void patCDlgDtail::OnChooseReferringDoctor()
+{
+    const CString strGUID = m_listReferringDoctor.GetSelectedID();
+    CString strName;
+    m_listReferringDoctor.GetWindowText(strName);
+    if (m_sheet.GetReferrals().GetRows().empty() || strGUID.IsEmpty())
+        m_strReferringLink = strGUID;
+    m_sheet.GetReferrals().SetFirstDoctor(strGUID.GetString(), strName.GetString());
+    OnSelectReferringDoctor();
+}
+
 void patCDlgDtail::OnSelectReferringDoctor()
 {
     velGuard(0, IDS_DETAIL_FAILED, [&]() -> INT_PTR {
@@ -327,6 +339,8 @@ void patCDlgDtail::EditDoctor(List& list, bool bTreating)
         const CString& strEdited = editor.GetDoctorGUID();
         FillTreatingDoctors(bTreating ? strEdited : m_listTreatingDoctor.GetSelectedID());
         FillReferringDoctors(bTreating ? m_listReferringDoctor.GetSelectedID() : strEdited);
+        if (!bTreating)
+            OnChooseReferringDoctor();
         return 0;
     });
 }
@@ -338,17 +352,7 @@ void patCDlgDtail::OnEditKeywords()
 
 void patCDlgDtail::CopyTo(dbCPatient& patient)
 {
-    patient.SetModelNumber(m_strModelNumber);
-    patient.SetKeywords(m_strKeywords);
-    patient.SetTitle(m_strTitle);
-    patient.SetSalutation(m_strSalutation);
-    patient.SetNotes(m_strNotes);
-    if (m_listOffice.IsChanged())
-        patient.SetOfficeID(m_listOffice.GetSelectedID());
-    if (m_listStatus.IsChanged())
-        patient.SetStatusID(m_listStatus.GetSelectedID());
-    if (m_listTreatingDoctor.IsChanged())
-        LinkDoctor(patient, dbPersonTreatingDoctor, m_listTreatingDoctor.GetSelectedID());
-    if (m_listReferringDoctor.IsChanged())
-        SetReferringDoctor(patient, m_listReferringDoctor.GetSelectedID());
+    m_fields.Store(patient);
+    if (m_strReferringLink != m_strLoadedLink)
+        LinkDoctor(patient, dbPersonReferringDoctor, m_strReferringLink);
 }

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "patient/detailsres.h"
+#include "patient/fieldbinding.h"
 #include "patient/sheetpage.h"
 #include "suite/patients/records/dbdoctors.h"
+#include "suite/patients/records/dbpatient.h"
 
 #include <afxwin.h>
 
@@ -18,28 +20,26 @@ class patCDlgDtail : public patCSheetPage
 public:
     explicit patCDlgDtail(patCChartSheet& sheet);
 
-    /// Writes the fields, and of the four lists those whose selection the user changed: what a list could not
-    /// show stays in the record as it was. Index 0 of a list, its placeholder, means none.
+    /// Writes what the user changed: what a list could not show stays in the record as it was. Index 0 of a
+    /// list, its placeholder, means none. The doctor of the first referral is the sheet's to write.
     void CopyTo(dbCPatient& patient) override;
 
 protected:
     void DoDataExchange(CDataExchange* pDX) override;
     BOOL OnInitDialog() override;
+    BOOL OnSetActive() override;
 
     afx_msg void OnEditKeywords();
     afx_msg void OnEditTreatingDoctor();
     afx_msg void OnEditReferringDoctor();
     afx_msg void OnSelectTreatingDoctor();
-    afx_msg void OnSelectReferringDoctor();
+    afx_msg void OnChooseReferringDoctor();
     DECLARE_MESSAGE_MAP()
 
 private:
-    /// A drop-down list whose entries carry a pointer to an id's text, and the id it stood on when the page
-    /// had been filled.
+    /// A drop-down list whose entries carry a pointer to an id's text.
     struct List : CComboBox
     {
-        CString strLoaded;
-
         /// Starts anew with the placeholder, selected.
         void Begin(const CString& strPlaceholder);
         /// Adds an entry; pszID must stay where it is as long as the entry.
@@ -50,13 +50,13 @@ private:
         void Select(const char* pszID);
         /// The selected id; empty for the placeholder.
         CString GetSelectedID() const;
-        bool IsChanged() const;
     };
 
     static BOOL AppendDoctor(const dbSDoctorRow& row, LPVOID pList);
 
-    void LoadTexts(const dbCPatient& patient);
     void LoadLists(const dbCPatient& patient);
+    CString GetReferringDoctor() const;
+    void OnSelectReferringDoctor();
     void FillTreatingDoctors(const CString& strSelectedGUID);
     void FillReferringDoctors(const CString& strSelectedGUID);
     void FillOffices(const CString& strOfficeID);
@@ -71,11 +71,9 @@ private:
     List m_listOffice;
     List m_listReferringDoctor;
     List m_listTreatingDoctor;
-    CString m_strModelNumber;
-    CString m_strKeywords;
-    CString m_strTitle;
-    CString m_strSalutation;
-    CString m_strNotes;
+    patTFields<dbCPatient> m_fields;
+    CString m_strReferringLink; ///< GUID of the referring doctor of a patient without referrals
+    CString m_strLoadedLink;    ///< the same as it was in the record
     std::unique_ptr<dbCDoctors> m_pDoctors;
     std::unique_ptr<dbCTreatingDoctors> m_pTreatingDoctors;
     std::vector<std::unique_ptr<CString>> m_ids; // behind the office and status entries

@@ -2,14 +2,13 @@
 
 #include "patient/chartrules.h"
 #include "patient/chartsheet.h"
-#include "patient/daynumber.h"
+#include "patient/contactfields.h"
 #include "patient/patientres.h"
-#include "suite/patients/records/dbpatient.h"
 
 namespace
 {
+
 constexpr patContactControls contactControls{IDC_GUARD_ADDRESS_HOME,
-                                             IDC_GUARD_ADDRESS_OFFICE,
                                              IDC_GUARD_COMPANY,
                                              IDC_GUARD_STREET,
                                              IDC_GUARD_CITY,
@@ -20,81 +19,97 @@ constexpr patContactControls contactControls{IDC_GUARD_ADDRESS_HOME,
                                              {IDC_GUARD_PHONE1, IDC_GUARD_PHONE2},
                                              {IDC_GUARD_PHONETYPE1, IDC_GUARD_PHONETYPE2}};
 
-constexpr int genderFemale = 1;
-constexpr int genderMale = 2;
+patTFieldTable<dbCPerson> MakeTable()
+{
+    patTFieldTable<dbCPerson> table{
+        patTextField<dbCPerson>(IDC_GUARD_TITLE, pat::MaxTitle, &dbCPerson::GetTitle, &dbCPerson::SetTitle),
+        patTextField<dbCPerson>(IDC_GUARD_FIRSTNAME, pat::MaxName, &dbCPerson::GetFirstname,
+                                &dbCPerson::SetFirstname),
+        patTextField<dbCPerson>(IDC_GUARD_LASTNAME, pat::MaxName, &dbCPerson::GetLastname,
+                                &dbCPerson::SetLastname),
+        patTextField<dbCPerson>(IDC_GUARD_NICKNAME, pat::MaxNickname, &dbCPerson::GetNickname,
+                                &dbCPerson::SetNickname),
+        patDateField<dbCPerson>(IDC_GUARD_BIRTHDATE, &dbCPerson::GetBirthdate, &dbCPerson::SetBirthdate),
+        patGenderField<dbCPerson>(IDC_GUARD_GENDER_FIRST),
+        patTextField<dbCPerson>(IDC_GUARD_NOTES, 0, &dbCPerson::GetNotes, &dbCPerson::SetNotes,
+                                patFieldKind::LongText), // as long as memory allows
+    };
+    for (patTField<dbCPerson>& row : patContactTable<dbCPerson>(contactControls))
+        table.push_back(std::move(row));
+    return table;
+}
+
 } // namespace
 
+BEGIN_MESSAGE_MAP(patCDlgGuard, patCSheetPage)
+ON_BN_CLICKED(IDC_GUARD_GENDER_FIRST, &patCDlgGuard::OnGender)
+ON_BN_CLICKED(IDC_GUARD_GENDER_SECOND, &patCDlgGuard::OnGender)
+END_MESSAGE_MAP()
+
 patCDlgGuard::patCDlgGuard(patCChartSheet& sheet)
-    : patCSheetPage(sheet, IDD_PATIENT_GUARDIAN, pat::GuardianPage), m_contact(contactControls)
+    : patCSheetPage(sheet, IDD_PATIENT_GUARDIAN, pat::GuardianPage), m_fields(MakeTable())
 {
 }
 
 void patCDlgGuard::DoDataExchange(CDataExchange* pDX)
 {
     patCSheetPage::DoDataExchange(pDX);
-    DDX_Text(pDX, IDC_GUARD_TITLE, m_strTitle);
-    DDV_MaxChars(pDX, m_strTitle, pat::MaxTitle);
-    DDX_Text(pDX, IDC_GUARD_FIRSTNAME, m_strFirstname);
-    DDV_MaxChars(pDX, m_strFirstname, pat::MaxName);
-    DDX_Text(pDX, IDC_GUARD_LASTNAME, m_strLastname);
-    DDV_MaxChars(pDX, m_strLastname, pat::MaxName);
-    DDX_Text(pDX, IDC_GUARD_NICKNAME, m_strNickname);
-    DDV_MaxChars(pDX, m_strNickname, pat::MaxNickname);
-    DDX_DateTimeCtrl(pDX, IDC_GUARD_BIRTHDATE, m_dateBirth);
-    m_dateBirth = pat::WholeDay(m_dateBirth);
-    DDX_Radio(pDX, IDC_GUARD_GENDER_FIRST, m_nGenderButton);
-    m_contact.DoDataExchange(pDX);
-    DDX_Text(pDX, IDC_GUARD_NOTES, m_strNotes);
+    m_fields.DoDataExchange(pDX);
 }
 
 BOOL patCDlgGuard::OnInitDialog()
 {
     patCSheetPage::OnInitDialog();
-    static_cast<CEdit*>(GetDlgItem(IDC_GUARD_NOTES))->SetLimitText(0); // as long as memory allows
-    m_contact.Initialise(m_sheet.GetDefaultCountry());
+    patFillPhoneTypes(*this, contactControls);
+    m_sheet.LoadPatient();
     dbCPerson guardian;
-    if ((m_sheet.IsNewPatient() || m_sheet.LoadExistingPatient()) &&
-        m_sheet.GetPatient().GetPersonInfo(dbPersonGuardian, guardian))
-        LoadGuardian(guardian);
+    const bool bExists = m_sheet.GetPatient().GetPersonInfo(dbPersonGuardian, guardian) != FALSE;
+    m_fields.Load(guardian);
+    UpdateData(FALSE);
+    m_fields.TakeAsLoaded(*this);
+    if (!bExists)
+        m_fields.SetChosen(IDC_GUARD_GENDER_FIRST);
+    if (guardian.GetAddresses().IsEmpty())
+        m_fields[IDC_GUARD_COUNTRY].strText = m_sheet.GetDefaultCountry();
     UpdateData(FALSE);
     return TRUE;
 }
 
-void patCDlgGuard::LoadGuardian(const dbCPerson& guardian)
+void patCDlgGuard::OnGender()
 {
-    m_strTitle = guardian.GetTitle();
-    m_strFirstname = guardian.GetFirstname();
-    m_strLastname = guardian.GetLastname();
-    m_strNickname = guardian.GetNickname();
-    m_strNotes = guardian.GetNotes();
-    m_dateBirth = guardian.GetBirthdate();
-    m_nGenderButton = guardian.GetGender() == genderFemale ? 0 : 1;
-    m_contact.Load(guardian.GetAddresses(), guardian.GetPhones(), guardian.GetEmail());
+    m_fields.SetChosen(IDC_GUARD_GENDER_FIRST);
+}
+
+const CString& patCDlgGuard::GetLastname() const
+{
+    return m_fields.GetText(IDC_GUARD_LASTNAME);
 }
 
 pat::GuardianTexts patCDlgGuard::GetTexts() const
 {
+    const auto textOf = [this](int nControl) {
+        return std::string_view(m_fields.GetText(nControl).GetString());
+    };
     pat::GuardianTexts texts;
-    texts.nickname = m_strNickname.GetString();
-    texts.title = m_strTitle.GetString();
-    texts.notes = m_strNotes.GetString();
-    texts.company = m_contact.m_strCompany.GetString();
-    texts.street = m_contact.m_strStreet.GetString();
-    texts.city = m_contact.m_strCity.GetString();
-    texts.state = m_contact.m_strState.GetString();
-    texts.postalCode = m_contact.m_strPostalCode.GetString();
-    texts.email = m_contact.m_strEmail.GetString();
-    texts.phone1 = m_contact.m_strPhone[0].GetString();
-    texts.phone2 = m_contact.m_strPhone[1].GetString();
-    texts.firstname = m_strFirstname.GetString();
-    texts.lastname = m_strLastname.GetString();
+    texts.nickname = textOf(IDC_GUARD_NICKNAME);
+    texts.title = textOf(IDC_GUARD_TITLE);
+    texts.notes = textOf(IDC_GUARD_NOTES);
+    texts.company = textOf(IDC_GUARD_COMPANY);
+    texts.street = textOf(IDC_GUARD_STREET);
+    texts.city = textOf(IDC_GUARD_CITY);
+    texts.state = textOf(IDC_GUARD_STATE);
+    texts.postalCode = textOf(IDC_GUARD_POSTALCODE);
+    texts.email = textOf(IDC_GUARD_EMAIL);
+    texts.phone1 = textOf(IDC_GUARD_PHONE1);
+    texts.phone2 = textOf(IDC_GUARD_PHONE2);
+    texts.firstname = textOf(IDC_GUARD_FIRSTNAME);
+    texts.lastname = textOf(IDC_GUARD_LASTNAME);
     return texts;
 }
 
 bool patCDlgGuard::Check()
 {
-    return Report(pat::CheckGuardian(GetTexts())) && Report(m_contact.CheckPhone(0)) &&
-           Report(m_contact.CheckPhone(1));
+    return Report(pat::CheckGuardian(GetTexts())) && Report(patCheckPhones(m_fields, contactControls));
 }
 
 void patCDlgGuard::CopyTo(dbCPatient& patient)
@@ -103,20 +118,14 @@ void patCDlgGuard::CopyTo(dbCPatient& patient)
     const bool bExists = patient.GetPersonInfo(dbPersonGuardian, guardian) != FALSE;
     if (pat::IsGuardianEmpty(GetTexts()))
     {
-        if (bExists)
+        if (bExists && m_fields.IsAnyChanged())
             patient.RemovePersonInfo(dbPersonGuardian);
         return;
     }
-    guardian.SetTitle(m_strTitle);
-    guardian.SetFirstname(m_strFirstname);
-    guardian.SetLastname(m_strLastname);
-    guardian.SetNickname(m_strNickname);
-    guardian.SetNotes(m_strNotes);
-    guardian.SetEmail(m_contact.m_strEmail);
-    guardian.SetBirthdate(m_dateBirth);
-    guardian.SetGender(m_nGenderButton == 0 ? genderFemale : genderMale);
-    m_contact.StoreAddress(guardian.GetAddresses());
-    m_contact.StorePhones(guardian.GetPhones());
+    const bool bHadAddress = !guardian.GetAddresses().IsEmpty();
+    if (!m_fields.Store(guardian))
+        return;
+    patDropEmptyAddress(guardian.GetAddresses(), bHadAddress);
     if (bExists)
         patient.SetPersonInfo(dbPersonGuardian, guardian);
     else

@@ -2,19 +2,16 @@
 #pragma once
 
 #include "patient/insurancerules.h"
-#include "patient/sheetpage.h"
+#include "patient/listpage.h"
 #include "suite/patients/records/dbinsurance.h"
-
-#include <afxcmn.h>
-#include <afxwin.h>
 
 #include <vector>
 
 /// Page 5 of the patient information sheet. The user picks or types a company, names the policy holder and
-/// the policy number and adds them to the list, whose first row is the primary insurance; a row that is
-/// selected comes back into the fields to be changed or removed. The page owns the list until the sheet's OK,
-/// when it goes into the record; companies that the practice does not have yet are then added to its list.
-class patCDlgInsurance : public patCSheetPage
+/// the policy number and adds them to the list, whose first row is the primary insurance. The page owns the
+/// rows until the sheet's OK, when they go into the record; companies that the practice does not have yet are
+/// then added to its list.
+class patCDlgInsurance : public patCListPage
 {
 public:
     explicit patCDlgInsurance(patCChartSheet& sheet);
@@ -27,15 +24,15 @@ protected:
     void DoDataExchange(CDataExchange* pDX) override;
     BOOL OnInitDialog() override;
 
-    afx_msg void OnRowChanged(NMHDR* pNMHDR, LRESULT* pResult);
-    afx_msg void OnAdd();
-    afx_msg void OnChange();
-    afx_msg void OnRemove();
-    afx_msg void OnClear();
+    int GetRowCount() const override;
+    std::vector<CString> GetRowTexts(int nRow) const override;
+    void ShowEntry(int nRow) override;
+    pat::Finding CheckEntry() const override;
+    bool IsEntryComplete() const override;
+    pat::Finding TakeEntry(int nRow) override;
+    void EraseRow(int nRow) override;
+
     afx_msg void OnMakePrimary();
-    afx_msg void OnUpdateAdd(CCmdUI* pCmdUI);
-    afx_msg void OnUpdateChange(CCmdUI* pCmdUI);
-    afx_msg void OnUpdateRemove(CCmdUI* pCmdUI);
     afx_msg void OnUpdatePrimary(CCmdUI* pCmdUI);
     DECLARE_MESSAGE_MAP()
 
@@ -43,20 +40,14 @@ private:
     void FillCompanies();
     void LoadInsurances(const dbCInsurances& insurances);
     pat::Insurance GetEntry() const;
-    void ShowEntry(const pat::Insurance& entry);
-    int GetSelectedRow() const;
-    const pat::Insurance* GetSelected() const;
-    /// Checks the fields and makes them row nRow, behind the last row a new one.
-    void TakeEntry(int nRow);
-    void ShowRow(int nRow);
 
     dbCInsuranceCompanies m_companies;
     std::vector<pat::Insurance> m_insurances;
-    std::vector<pat::Insurance> m_loaded; ///< the list as it was in the record
+    std::vector<pat::Insurance> m_loaded; ///< the rows as they were in the record
+    pat::Insurance m_entry;               ///< what the fields held when they were filled last
     CString m_strCompany;
     CString m_strHolder;
     CString m_strNumber;
     CString m_strGroup;
     CComboBox m_listCompany;
-    CListCtrl m_listInsurances;
 };

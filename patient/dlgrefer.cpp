@@ -7,63 +7,45 @@
 #include "patient/patientres.h"
 #include "suite/patients/records/dbdoctors.h"
 #include "suite/patients/records/dbpatients.h"
-#include "suite/patients/records/dbreferrals.h"
 
 #include <algorithm>
-
-BEGIN_MESSAGE_MAP(patCDlgRefer, patCSheetPage)
-ON_NOTIFY(LVN_ITEMCHANGED, IDC_REFER_LIST, &patCDlgRefer::OnRowChanged)
-ON_BN_CLICKED(IDC_REFER_ADD, &patCDlgRefer::OnAdd)
-ON_BN_CLICKED(IDC_REFER_CHANGE, &patCDlgRefer::OnChange)
-ON_BN_CLICKED(IDC_REFER_REMOVE, &patCDlgRefer::OnRemove)
-ON_BN_CLICKED(IDC_REFER_CLEAR, &patCDlgRefer::OnClear)
-ON_UPDATE_COMMAND_UI(IDC_REFER_ADD, &patCDlgRefer::OnUpdateAdd)
-ON_UPDATE_COMMAND_UI(IDC_REFER_CHANGE, &patCDlgRefer::OnUpdateChange)
-ON_UPDATE_COMMAND_UI(IDC_REFER_REMOVE, &patCDlgRefer::OnUpdateRemove)
-END_MESSAGE_MAP()
+#include <array>
 
 patCDlgRefer::patCDlgRefer(patCChartSheet& sheet)
-    : patCSheetPage(sheet, IDD_PATIENT_REFERRAL, pat::ReferralPage)
+    : patCListPage(sheet, IDD_PATIENT_REFERRAL, pat::ReferralPage, IDC_REFER_DOCTOR)
 {
 }
 
 void patCDlgRefer::DoDataExchange(CDataExchange* pDX)
 {
-    patCSheetPage::DoDataExchange(pDX);
+    patCListPage::DoDataExchange(pDX);
     DDX_Control(pDX, IDC_REFER_DOCTOR, m_listDoctor);
     DDX_Control(pDX, IDC_REFER_DATE, m_dateEntry);
-    DDX_Control(pDX, IDC_REFER_LIST, m_listReferrals);
     DDX_Text(pDX, IDC_REFER_NOTE, m_strNote);
     DDV_MaxChars(pDX, m_strNote, pat::MaxReferralNote);
 }
 
 BOOL patCDlgRefer::OnInitDialog()
 {
-    patCSheetPage::OnInitDialog();
-    m_listReferrals.SetExtendedStyle(LVS_EX_FULLROWSELECT);
-    CRect rectList;
-    m_listReferrals.GetClientRect(rectList);
-    const int nDateWidth = rectList.Width() / 5;
-    const int nDoctorWidth = rectList.Width() * 2 / 5;
-    const int nNoteWidth = rectList.Width() - nDateWidth - nDoctorWidth - GetSystemMetrics(SM_CXVSCROLL);
-    AddColumn(m_listReferrals, IDS_REFER_COLUMN_DOCTOR, nDoctorWidth);
-    AddColumn(m_listReferrals, IDS_REFER_COLUMN_DATE, nDateWidth);
-    AddColumn(m_listReferrals, IDS_REFER_COLUMN_NOTE, nNoteWidth);
-
-    if (m_sheet.IsNewPatient() || m_sheet.LoadExistingPatient())
-        LoadReferrals(m_sheet.GetPatient().GetReferrals());
-    ShowEmptyEntry();
+    patCListPage::OnInitDialog();
+    constexpr std::array<COLUMN, 3> columns{
+        {{IDS_REFER_COLUMN_DOCTOR, 40}, {IDS_REFER_COLUMN_DATE, 20}, {IDS_REFER_COLUMN_NOTE, 40}}};
+    SetUpList(columns);
     return TRUE;
 }
 
 // The doctors are read when the page is first shown, and again when the doctor editor of the details page, or
-// another user, may have changed them.
+// another user, may have changed them. The details page may also have given the first row another doctor.
 BOOL patCDlgRefer::OnSetActive()
 {
-    const BOOL bActive = patCSheetPage::OnSetActive();
+    const BOOL bActive = patCListPage::OnSetActive();
     velGuard(0, IDS_PATIENT_LIST_FAILED, [&]() -> INT_PTR {
+        m_sheet.LoadReferrals();
+        ShowRows();
         if (dbCPatients::GetChangeCounter() != m_nDoctorsRead)
             FillDoctors();
+        if (GetShownRow() >= 0 && CheckEntry().bPassed)
+            ShowEntry(GetShownRow());
         return 0;
     });
     return bActive;
@@ -105,34 +87,6 @@ void patCDlgRefer::SelectDoctor(const std::string& strDoctorID)
     m_listDoctor.SetCurSel(found == m_doctors.end() ? 0 : static_cast<int>(found - m_doctors.begin()) + 1);
 }
 
-// Every row gets an id, by which it is found again even if another page has changed the order meanwhile.
-void patCDlgRefer::LoadReferrals(dbCPatientReferralsContainer& referrals)
-{
-    for (dbCPatientReferralsRow& row : referrals)
-    {
-        if (row.Get_refID().IsEmpty())
-            row.Set_refID(dbNewGUID());
-        m_referrals.push_back(
-            {row.Get_refID().GetString(), row.Get_docID().GetString(),
-             pat::DoctorName(row.Get_docLastname().GetString(), row.Get_docFirstname().GetString()),
-             pat::DayNumber(row.Get_date()), row.Get_note().GetString()});
-    }
-    m_loaded = m_referrals;
-    for (int nRow = 0; nRow < static_cast<int>(m_referrals.size()); ++nRow)
-        ShowRow(nRow);
-}
-
-void patCDlgRefer::ShowRow(int nRow)
-{
-    const pat::Referral& referral = m_referrals[static_cast<std::size_t>(nRow)];
-    if (nRow == m_listReferrals.GetItemCount())
-        m_listReferrals.InsertItem(nRow, referral.strDoctor.c_str());
-    else
-        m_listReferrals.SetItemText(nRow, 0, referral.strDoctor.c_str());
-    m_listReferrals.SetItemText(nRow, 1, pat::DayDate(referral.nDay).FormatDate());
-    m_listReferrals.SetItemText(nRow, 2, referral.strNote.c_str());
-}
-
 pat::Referral patCDlgRefer::GetEntry() const
 {
     pat::Referral entry;
@@ -151,157 +105,78 @@ pat::Referral patCDlgRefer::GetEntry() const
     return entry;
 }
 
-void patCDlgRefer::ShowEntry(const pat::Referral& entry)
+int patCDlgRefer::GetRowCount() const
 {
-    SelectDoctor(entry.strDoctorID);
-    m_dateEntry.SetTime(pat::DayDate(entry.nDay));
-    m_strNote = entry.strNote.c_str();
+    return static_cast<int>(m_sheet.GetReferrals().GetRows().size());
+}
+
+std::vector<CString> patCDlgRefer::GetRowTexts(int nRow) const
+{
+    const pat::Referral& referral = m_sheet.GetReferrals().GetRows()[static_cast<std::size_t>(nRow)];
+    return {referral.strDoctor.c_str(), pat::DayDate(referral.nDay).FormatDate(), referral.strNote.c_str()};
+}
+
+// An empty entry starts with today.
+void patCDlgRefer::ShowEntry(int nRow)
+{
+    pat::Referral referral;
+    if (nRow >= 0)
+        referral = m_sheet.GetReferrals().GetRows()[static_cast<std::size_t>(nRow)];
+    else
+        referral.nDay = pat::DayNumber(velCDate::Today());
+    SelectDoctor(referral.strDoctorID);
+    m_dateEntry.SetTime(pat::DayDate(referral.nDay));
+    m_strNote = referral.strNote.c_str();
     UpdateData(FALSE);
+    m_entry = GetEntry();
 }
 
-void patCDlgRefer::ShowEmptyEntry()
+pat::Finding patCDlgRefer::CheckEntry() const
 {
-    pat::Referral entry;
-    entry.nDay = pat::DayNumber(velCDate::Today());
-    ShowEntry(entry);
+    return pat::CheckReferralEntry(GetEntry(), GetShownRow() < 0 ? nullptr : &m_entry);
 }
 
-int patCDlgRefer::GetSelectedRow() const
+bool patCDlgRefer::IsEntryComplete() const
 {
-    return m_listReferrals.GetNextItem(-1, LVNI_SELECTED);
+    return m_sheet.GetReferrals().IsLoaded() && m_listDoctor.GetCurSel() > 0;
 }
 
-const pat::Referral* patCDlgRefer::GetSelected() const
+pat::Finding patCDlgRefer::TakeEntry(int nRow)
 {
-    const int nRow = GetSelectedRow();
-    return nRow < 0 ? nullptr : &m_referrals[static_cast<std::size_t>(nRow)];
-}
-
-void patCDlgRefer::OnUpdateAdd(CCmdUI* pCmdUI)
-{
-    pCmdUI->Enable(m_listDoctor.GetCurSel() > 0);
-}
-
-void patCDlgRefer::OnUpdateChange(CCmdUI* pCmdUI)
-{
-    pCmdUI->Enable(m_listDoctor.GetCurSel() > 0 && GetSelectedRow() >= 0);
-}
-
-void patCDlgRefer::OnUpdateRemove(CCmdUI* pCmdUI)
-{
-    pCmdUI->Enable(GetSelectedRow() >= 0);
-}
-
-void patCDlgRefer::OnRowChanged(NMHDR* pNMHDR, LRESULT* pResult)
-{
-    const auto& change = *reinterpret_cast<const NMLISTVIEW*>(pNMHDR);
-    if ((change.uChanged & LVIF_STATE) != 0 && (change.uNewState & LVIS_SELECTED) != 0)
-        ShowEntry(m_referrals[static_cast<std::size_t>(change.iItem)]);
-    *pResult = 0;
-}
-
-void patCDlgRefer::TakeEntry(int nRow)
-{
-    if (!UpdateData(TRUE))
-        return;
-    pat::Referral entry = GetEntry();
-    pat::Finding finding = CheckDates({entry});
+    const pat::Referral entry = GetEntry();
+    pat::Finding finding = CheckDatesOf({entry});
     if (!finding.bPassed)
+    {
         finding.nControl = IDC_REFER_DATE;
-    if (!Report(finding))
-        return;
-    std::vector<pat::Referral> referrals = m_referrals;
-    if (nRow == static_cast<int>(referrals.size()))
-        referrals.emplace_back();
-    entry.strRowID = referrals[static_cast<std::size_t>(nRow)].strRowID;
-    referrals[static_cast<std::size_t>(nRow)] = std::move(entry);
-    finding = pat::CheckReferralsTwice(referrals);
-    if (!finding.bPassed)
+        return finding;
+    }
+    patCReferrals after = m_sheet.GetReferrals();
+    after.Set(nRow, entry);
+    finding = pat::CheckReferralsTwice(after.GetRows());
+    if (finding.bPassed)
+        m_sheet.GetReferrals() = std::move(after);
+    else
         finding.nControl = IDC_REFER_DOCTOR;
-    if (!Report(finding))
-        return;
-    m_referrals = std::move(referrals);
-    ShowRow(nRow);
-    OnClear();
+    return finding;
 }
 
-pat::Finding patCDlgRefer::CheckDates(const std::vector<pat::Referral>& referrals) const
+void patCDlgRefer::EraseRow(int nRow)
+{
+    m_sheet.GetReferrals().Erase(nRow);
+}
+
+pat::Finding patCDlgRefer::CheckDatesOf(const std::vector<pat::Referral>& referrals) const
 {
     const long nToday = pat::DayNumber(velCDate::Today());
     return pat::CheckReferralDates(referrals, nToday, pat::DayNumber(m_sheet.GetBirthdate()));
 }
 
-void patCDlgRefer::OnAdd()
+bool patCDlgRefer::CheckDates()
 {
-    TakeEntry(static_cast<int>(m_referrals.size()));
-}
-
-void patCDlgRefer::OnChange()
-{
-    if (const int nRow = GetSelectedRow(); nRow >= 0)
-        TakeEntry(nRow);
-}
-
-void patCDlgRefer::OnRemove()
-{
-    const int nRow = GetSelectedRow();
-    if (nRow < 0)
-        return;
-    m_referrals.erase(m_referrals.begin() + nRow);
-    m_listReferrals.DeleteItem(nRow);
-    OnClear();
-}
-
-void patCDlgRefer::OnClear()
-{
-    m_listReferrals.SetItemState(-1, 0, LVIS_SELECTED | LVIS_FOCUSED);
-    ShowEmptyEntry();
-    GotoDlgCtrl(&m_listDoctor);
-    UpdateControls();
+    return Report(CheckDatesOf(m_sheet.GetReferrals().GetRows()));
 }
 
 bool patCDlgRefer::Check()
 {
-    return Report(pat::CheckReferralEntry(GetEntry(), GetSelected())) && Report(CheckDates(m_referrals)) &&
-           Report(pat::CheckReferralsTwice(m_referrals));
-}
-
-// Only what the user changed here: the details page writes its referring doctor into the same rows.
-void patCDlgRefer::CopyTo(dbCPatient& patient)
-{
-    dbCPatientReferralsContainer& rows = patient.GetReferrals();
-    const auto findRow = [&rows](const std::string& strRowID) {
-        int nRow = rows.GetCount() - 1;
-        while (nRow >= 0 && rows[nRow].Get_refID() != strRowID.c_str())
-            --nRow;
-        return nRow;
-    };
-    const auto findReferral = [](const std::vector<pat::Referral>& referrals, const std::string& strRowID) {
-        return std::find_if(referrals.begin(), referrals.end(),
-                            [&](const pat::Referral& referral) { return referral.strRowID == strRowID; });
-    };
-    for (const pat::Referral& before : m_loaded)
-    {
-        const int nRow = findRow(before.strRowID);
-        if (nRow < 0)
-            continue;
-        const auto now = findReferral(m_referrals, before.strRowID);
-        if (now == m_referrals.end())
-        {
-            rows.RemoveAt(nRow);
-            continue;
-        }
-        if (now->strDoctorID != before.strDoctorID)
-            rows.UpdateDocID(nRow, now->strDoctorID.c_str());
-        if (now->nDay != before.nDay)
-            rows[nRow].Set_date(pat::DayDate(now->nDay));
-        if (now->strNote != before.strNote)
-            rows[nRow].Set_note(now->strNote.c_str());
-    }
-    for (const pat::Referral& referral : m_referrals)
-    {
-        if (referral.strRowID.empty())
-            rows.AddReferralDoc(referral.strDoctorID.c_str(), pat::DayDate(referral.nDay),
-                                referral.strNote.c_str());
-    }
+    return Report(CheckEntry()) && Report(pat::CheckReferralsTwice(m_sheet.GetReferrals().GetRows()));
 }

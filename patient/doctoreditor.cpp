@@ -3,6 +3,7 @@
 #include "app/modalrun.h"
 #include "app/velapp.h"
 #include "patient/chartrules.h"
+#include "patient/contactfields.h"
 #include "patient/detailrules.h"
 #include "patient/guardianrules.h"
 #include "suite/util/velstring.h"
@@ -11,7 +12,6 @@ namespace
 {
 
 constexpr patContactControls contactControls{IDC_DOCTOR_ADDRESS_HOME,
-                                             IDC_DOCTOR_ADDRESS_OFFICE,
                                              IDC_DOCTOR_COMPANY,
                                              IDC_DOCTOR_STREET,
                                              IDC_DOCTOR_CITY,
@@ -22,12 +22,35 @@ constexpr patContactControls contactControls{IDC_DOCTOR_ADDRESS_HOME,
                                              {IDC_DOCTOR_PHONE1, IDC_DOCTOR_PHONE2},
                                              {IDC_DOCTOR_PHONETYPE1, IDC_DOCTOR_PHONETYPE2}};
 
-constexpr int officeButton = 1;
+patTField<dbCDoctor> PersonText(int nControl, int nLimit, const CString& (dbCPerson::*get)() const,
+                                void (dbCPerson::*set)(LPCTSTR))
+{
+    return patTextField<dbCDoctor>(
+        nControl, nLimit, [get](const dbCDoctor& doctor) { return (doctor.GetPerson().*get)(); },
+        [set](dbCDoctor& doctor, LPCTSTR pszText) { (doctor.GetPerson().*set)(pszText); });
+}
+
+patTFieldTable<dbCDoctor> MakeTable()
+{
+    patTFieldTable<dbCDoctor> table{
+        PersonText(IDC_DOCTOR_TITLE, pat::MaxTitle, &dbCPerson::GetTitle, &dbCPerson::SetTitle),
+        PersonText(IDC_DOCTOR_FIRSTNAME, pat::MaxName, &dbCPerson::GetFirstname, &dbCPerson::SetFirstname),
+        PersonText(IDC_DOCTOR_LASTNAME, pat::MaxName, &dbCPerson::GetLastname, &dbCPerson::SetLastname),
+        PersonText(IDC_DOCTOR_NOTES, pat::MaxDoctorNotes, &dbCPerson::GetNotes, &dbCPerson::SetNotes),
+        patTextField<dbCDoctor>(IDC_DOCTOR_TYPE, 0, &dbCDoctor::GetType, &dbCDoctor::SetType,
+                                patFieldKind::Choice),
+        patCodeField<dbCDoctor>(patFieldKind::Check, IDC_DOCTOR_TREATING, &dbCDoctor::IsTreating,
+                                &dbCDoctor::SetTreating),
+    };
+    for (patTField<dbCDoctor>& row : patContactTable<dbCDoctor>(contactControls))
+        table.push_back(std::move(row));
+    return table;
+}
 
 } // namespace
 
 velCDlgEditDoctor::velCDlgEditDoctor(LPCTSTR doctorGUID, CWnd* pParent)
-    : mfcCDialog(IDD_EDIT_DOCTOR, pParent), m_strGUID(doctorGUID), m_contact(contactControls)
+    : mfcCDialog(IDD_EDIT_DOCTOR, pParent), m_strGUID(doctorGUID), m_fields(MakeTable())
 {
 }
 
@@ -44,17 +67,7 @@ const CString& velCDlgEditDoctor::GetDoctorGUID() const
 void velCDlgEditDoctor::DoDataExchange(CDataExchange* pDX)
 {
     mfcCDialog::DoDataExchange(pDX);
-    DDX_Text(pDX, IDC_DOCTOR_TITLE, m_strTitle);
-    DDV_MaxChars(pDX, m_strTitle, pat::MaxTitle);
-    DDX_Text(pDX, IDC_DOCTOR_FIRSTNAME, m_strFirstname);
-    DDV_MaxChars(pDX, m_strFirstname, pat::MaxName);
-    DDX_Text(pDX, IDC_DOCTOR_LASTNAME, m_strLastname);
-    DDV_MaxChars(pDX, m_strLastname, pat::MaxName);
-    DDX_Control(pDX, IDC_DOCTOR_TYPE, m_listType);
-    DDX_Check(pDX, IDC_DOCTOR_TREATING, m_bTreating);
-    DDX_Text(pDX, IDC_DOCTOR_NOTES, m_strNotes);
-    DDV_MaxChars(pDX, m_strNotes, pat::MaxDoctorNotes);
-    m_contact.DoDataExchange(pDX);
+    m_fields.DoDataExchange(pDX);
 }
 
 BOOL velCDlgEditDoctor::OnInitDialog()
@@ -67,7 +80,12 @@ BOOL velCDlgEditDoctor::OnInitDialog()
         return FALSE;
     }
     FillTypes();
-    LoadFields();
+    patFillPhoneTypes(*this, contactControls);
+    m_fields.Load(m_doctor);
+    UpdateData(FALSE);
+    m_fields.TakeAsLoaded(*this);
+    if (m_doctor.GetPerson().GetAddresses().IsEmpty())
+        m_fields[IDC_DOCTOR_ADDRESS_HOME].nCode = patOfficeAddress;
     UpdateData(FALSE);
     return TRUE;
 }
@@ -78,15 +96,22 @@ BOOL velCDlgEditDoctor::OnHelpKey(UINT nHelpID)
     return TRUE;
 }
 
+// The doctor is written from a copy: a write that fails leaves nothing of itself in the record.
 void velCDlgEditDoctor::OnOK()
 {
-    if (!UpdateData(TRUE) || !Report(pat::CheckDoctorName(m_strLastname.GetString(), IDC_DOCTOR_LASTNAME)) ||
-        !Report(m_contact.CheckPhone(0)) || !Report(m_contact.CheckPhone(1)) ||
-        !Report(pat::CheckEmail(m_contact.m_strEmail.GetString(), IDC_DOCTOR_EMAIL)))
+    if (!UpdateData(TRUE) ||
+        !Report(
+            pat::CheckDoctorName(m_fields.GetText(IDC_DOCTOR_LASTNAME).GetString(), IDC_DOCTOR_LASTNAME)) ||
+        !Report(patCheckPhones(m_fields, contactControls)) ||
+        !Report(pat::CheckEmail(m_fields.GetText(IDC_DOCTOR_EMAIL).GetString(), IDC_DOCTOR_EMAIL)))
         return;
-    StoreFields();
     if (velGuard(IDCANCEL, IDS_DOCTOR_SAVE_FAILED, [&]() -> INT_PTR {
-            m_doctor.Save();
+            dbCDoctor doctor = m_doctor;
+            const bool bHadAddress = !doctor.GetPerson().GetAddresses().IsEmpty();
+            if (m_fields.Store(doctor))
+                patDropEmptyAddress(doctor.GetPerson().GetAddresses(), bHadAddress);
+            doctor.Save();
+            m_doctor = doctor;
             return IDOK;
         }) == IDOK)
         EndDialog(IDOK);
@@ -94,49 +119,14 @@ void velCDlgEditDoctor::OnOK()
 
 void velCDlgEditDoctor::FillTypes()
 {
+    CComboBox& list = *static_cast<CComboBox*>(GetDlgItem(IDC_DOCTOR_TYPE));
     CString strNone;
     strNone.LoadString(IDS_DETAIL_NONE);
-    m_listType.AddString(strNone);
+    list.AddString(strNone);
     dbCDoctorTypes types;
     types.Load();
     for (const CString& strType : types)
-        m_listType.AddString(strType);
-
-    const CString& strType = m_doctor.GetType();
-    int nEntry = strType.IsEmpty() ? 0 : m_listType.FindStringExact(0, strType);
-    if (nEntry == CB_ERR)
-        nEntry = m_listType.AddString(strType); // a type that was deleted meanwhile is kept as it is
-    m_listType.SetCurSel(nEntry);
-}
-
-void velCDlgEditDoctor::LoadFields()
-{
-    const dbCPerson& person = m_doctor.GetPerson();
-    m_strTitle = person.GetTitle();
-    m_strFirstname = person.GetFirstname();
-    m_strLastname = person.GetLastname();
-    m_strNotes = person.GetNotes();
-    m_bTreating = m_doctor.IsTreating();
-    m_contact.Initialise(CString());
-    m_contact.m_nAddressButton = officeButton;
-    m_contact.Load(person.GetAddresses(), person.GetPhones(), person.GetEmail());
-}
-
-void velCDlgEditDoctor::StoreFields()
-{
-    dbCPerson& person = m_doctor.GetPerson();
-    person.SetTitle(m_strTitle);
-    person.SetFirstname(m_strFirstname);
-    person.SetLastname(m_strLastname);
-    person.SetNotes(m_strNotes);
-    person.SetEmail(m_contact.m_strEmail);
-    m_contact.StoreAddress(person.GetAddresses());
-    m_contact.StorePhones(person.GetPhones());
-    m_doctor.SetTreating(m_bTreating);
-    CString strType;
-    if (m_listType.GetCurSel() > 0)
-        m_listType.GetLBText(m_listType.GetCurSel(), strType);
-    m_doctor.SetType(strType);
+        list.AddString(strType);
 }
 
 bool velCDlgEditDoctor::Report(const pat::Finding& finding)

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "patient/contactfields.h"
 #include "patient/detailsres.h"
+#include "patient/fieldbinding.h"
 #include "patient/finding.h"
 #include "suite/dialogs/mfcdialog.h"
 #include "suite/patients/records/dbdoctors.h"
@@ -31,17 +31,9 @@ protected:
 
 private:
     void FillTypes();
-    void LoadFields();
-    void StoreFields();
     bool Report(const pat::Finding& finding);
 
     dbCDoctor m_doctor;
     CString m_strGUID;
-    CString m_strTitle;
-    CString m_strFirstname;
-    CString m_strLastname;
-    CString m_strNotes;
-    BOOL m_bTreating = FALSE;
-    CComboBox m_listType;
-    patCContactFields m_contact;
+    patTFields<dbCDoctor> m_fields;
 };

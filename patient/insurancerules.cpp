@@ -7,13 +7,14 @@
 namespace pat
 {
 
-Finding CheckInsuranceEntry(const Insurance& entry, const Insurance* pSelected)
+Finding CheckInsuranceEntry(const Insurance& entry, const Insurance& filled)
 {
-    Insurance shown;
-    if (pSelected != nullptr)
-        shown = *pSelected;
-    shown.strPolicyID = entry.strPolicyID;
-    return entry == shown ? Finding{} : Finding::Failed(IDS_INSURE_UNFINISHED, IDC_INSURE_COMPANY);
+    return entry == filled ? Finding{} : Finding::Failed(IDS_INSURE_UNFINISHED, IDC_INSURE_COMPANY);
+}
+
+bool IsSameCompany(std::string_view left, std::string_view right)
+{
+    return EqualNoCase(Trimmed(left), Trimmed(right));
 }
 
 Finding CheckInsurance(const Insurance& entry, const std::vector<Insurance>& insurances, int nReplaced)
@@ -23,7 +24,7 @@ Finding CheckInsurance(const Insurance& entry, const std::vector<Insurance>& ins
     for (int i = 0; i < static_cast<int>(insurances.size()); ++i)
     {
         const Insurance& other = insurances[static_cast<std::size_t>(i)];
-        if (i != nReplaced && EqualNoCase(other.strCompany, entry.strCompany) &&
+        if (i != nReplaced && IsSameCompany(other.strCompany, entry.strCompany) &&
             other.strNumber == entry.strNumber)
             return Finding::Failed(IDS_INSURE_TWICE, IDC_INSURE_NUMBER, entry.strCompany);
     }

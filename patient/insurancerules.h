@@ -4,6 +4,7 @@
 #include "patient/finding.h"
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace pat
@@ -17,7 +18,7 @@ inline constexpr int MaxPolicyGroup = 30;
 /// One policy as the page keeps it.
 struct Insurance
 {
-    std::string strPolicyID; ///< the policy in the database; empty for one that is not stored yet
+    int nOrigin = -1; ///< position of the policy in the record that it came from; -1 for a new one
     std::string strCompany;
     std::string strHolder;
     std::string strNumber;
@@ -26,12 +27,15 @@ struct Insurance
     bool operator==(const Insurance&) const = default;
 };
 
-/// What stands in the fields above the list, but not in the list, would be lost. pSelected is the row that
-/// the fields were filled from, null when they were empty.
-Finding CheckInsuranceEntry(const Insurance& entry, const Insurance* pSelected);
+/// What stands in the fields above the list, but not in the list, would be lost. filled: what the fields were
+/// filled with.
+Finding CheckInsuranceEntry(const Insurance& entry, const Insurance& filled);
 
-/// A policy needs a company, and a company insures under one number only once. Names of companies are
-/// compared without the case of A to Z. nReplaced is the row that the entry is to replace, -1 for a new one.
+/// Names of companies are compared without blanks at the ends and letter case.
+bool IsSameCompany(std::string_view left, std::string_view right);
+
+/// A policy needs a company, and a company insures under one number only once. nReplaced is the row that the
+/// entry is to replace, -1 for a new one.
 Finding CheckInsurance(const Insurance& entry, const std::vector<Insurance>& insurances, int nReplaced);
 
 } // namespace pat

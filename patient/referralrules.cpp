@@ -23,7 +23,7 @@ Finding CheckReferralDates(const std::vector<Referral>& referrals, long nToday, 
     {
         const bool bTooEarly = nBirthDay != 0 && referral.nDay < nBirthDay;
         if (referral.nDay != 0 && (bTooEarly || referral.nDay > nToday))
-            return Finding::Failed(IDS_REFER_DATE, IDC_REFER_LIST, referral.strDoctor);
+            return Finding::Failed(IDS_REFER_DATE, IDC_ROWS_LIST, referral.strDoctor);
     }
     return {};
 }
@@ -34,7 +34,7 @@ Finding CheckReferralsTwice(const std::vector<Referral>& referrals)
     for (const Referral& referral : referrals)
     {
         if (!seen.emplace(referral.strDoctorID, referral.nDay).second)
-            return Finding::Failed(IDS_REFER_TWICE, IDC_REFER_LIST, referral.strDoctor);
+            return Finding::Failed(IDS_REFER_TWICE, IDC_ROWS_LIST, referral.strDoctor);
     }
     return {};
 }

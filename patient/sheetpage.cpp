@@ -5,8 +5,6 @@
 #include "patient/finding.h"
 #include "suite/util/velstring.h"
 
-#include <afxcmn.h>
-
 patCSheetPage::patCSheetPage(patCChartSheet& sheet, UINT nIDTemplate, pat::Page nPage)
     : mfcCPropertyPage(nIDTemplate), m_sheet(sheet), m_nPage(nPage)
 {
@@ -15,6 +13,15 @@ patCSheetPage::patCSheetPage(patCChartSheet& sheet, UINT nIDTemplate, pat::Page 
 bool patCSheetPage::Check()
 {
     return true;
+}
+
+void patCSheetPage::CopyTo(dbCPatient&)
+{
+}
+
+bool patCSheetPage::CheckOnLeaving()
+{
+    return Check();
 }
 
 bool patCSheetPage::Report(const pat::Finding& finding)
@@ -42,18 +49,11 @@ BOOL patCSheetPage::OnKillActive()
 {
     if (m_sheet.IsShowingPage())
         return TRUE;
-    return mfcCPropertyPage::OnKillActive() && Check();
+    return mfcCPropertyPage::OnKillActive() && CheckOnLeaving();
 }
 
 BOOL patCSheetPage::OnHelpKey(UINT nHelpID)
 {
     VelApp()->ShowHelp(nHelpID);
     return TRUE;
-}
-
-void patCSheetPage::AddColumn(CListCtrl& list, UINT nTitle, int nWidth)
-{
-    CString strTitle;
-    strTitle.LoadString(nTitle);
-    list.InsertColumn(list.GetHeaderCtrl()->GetItemCount(), strTitle, LVCFMT_LEFT, nWidth);
 }

@@ -4,7 +4,6 @@
 #include "patient/sheetrules.h"
 #include "suite/dialogs/mfcpropertypage.h"
 
-class CListCtrl;
 class dbCPatient;
 class patCChartSheet;
 namespace pat
@@ -20,30 +19,30 @@ class patCSheetPage : public mfcCPropertyPage
 public:
     patCSheetPage(patCChartSheet& sheet, UINT nIDTemplate, pat::Page nPage);
 
-    /// Runs the checks that hold both on leaving the page and on the sheet's OK, on the values of the last
-    /// UpdateData(TRUE). A failing check shows its message, if it has one, and moves the focus to the control
-    /// at fault, with this page brought to the front. Returns true when the page passes.
+    /// Runs the page's own checks for the sheet's OK, on the values of the last UpdateData(TRUE). A failing
+    /// check shows its message, if it has one, and moves the focus to the control at fault, with this page
+    /// brought to the front. Returns true when the page passes.
     virtual bool Check();
 
     /// Copies the page's values into the record. Called only after every check of the sheet has passed,
     /// inside the sheet's database transaction. Throws dbCException* when the database fails.
-    virtual void CopyTo(dbCPatient& patient) = 0;
+    virtual void CopyTo(dbCPatient& patient);
 
 protected:
     /// Tells the user what a check found: this page to the front, the message, the focus to the control at
     /// fault. Returns whether it passed.
     bool Report(const pat::Finding& finding);
 
+    /// The checks for leaving the page: those of OK, unless a page stays as it is when it is left.
+    virtual bool CheckOnLeaving();
+
     /// Raises the page's flag in the sheet.
     BOOL OnSetActive() override;
-    /// Transfers the controls into the members and runs Check(). The user stays on the page when either
-    /// fails.
+    /// Transfers the controls into the members and runs CheckOnLeaving(). The user stays on the page when
+    /// either fails.
     BOOL OnKillActive() override;
     /// Opens the page's help topic.
     BOOL OnHelpKey(UINT nHelpID) override;
-
-    /// Appends a column to a list in report form; the width is in pixels.
-    static void AddColumn(CListCtrl& list, UINT nTitle, int nWidth);
 
     patCChartSheet& m_sheet;
 

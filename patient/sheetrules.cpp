@@ -12,6 +12,8 @@ std::vector<Step> StepsOfOK(const SheetState& state)
         steps.push_back(Step::GuardianFields);
     if (state.opened[ReferralPage])
         steps.push_back(Step::ReferralFields);
+    if (state.bNewPatient || state.bDatesChanged)
+        steps.push_back(Step::ReferralDates);
     if (state.opened[InsurancePage])
         steps.push_back(Step::InsuranceFields);
     if (state.bNewPatient)

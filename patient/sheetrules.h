@@ -26,6 +26,7 @@ enum class Step
     UniqueID,
     GuardianFields,
     ReferralFields,
+    ReferralDates,
     InsuranceFields,
     SimilarPatient,
     BillingParty
@@ -35,6 +36,7 @@ enum class Step
 struct SheetState
 {
     bool bNewPatient = true;
+    bool bDatesChanged = false; ///< the birth date or a referral
     std::array<bool, PageCount> opened{};
     int nPracticeManagement = 0;       ///< non-zero: the practice's balances are in use
     std::string_view guardianLastname; ///< as it stands on the guardian page

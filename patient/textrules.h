@@ -9,4 +9,7 @@ namespace pat
 /// Nothing but white space, or nothing at all.
 bool IsBlank(std::string_view text);
 
+/// Without white space at both ends.
+std::string_view Trimmed(std::string_view text);
+
 } // namespace pat

@@ -166,7 +166,7 @@ void FillReferral(const Dialog& sheet)
 {
     sheet.Item(IDC_REFER_DOCTOR).Choose(2);
     sheet.Item(IDC_REFER_NOTE).Replace("Second opinion");
-    sheet.Item(IDC_REFER_ADD).Click();
+    sheet.Item(IDC_ROWS_ADD).Click();
 }
 
 void FillInsurance(const Dialog& sheet)
@@ -174,7 +174,7 @@ void FillInsurance(const Dialog& sheet)
     sheet.Item(IDC_INSURE_COMPANY).Choose(0);
     sheet.Item(IDC_INSURE_HOLDER).Replace("Ruth Leeward");
     sheet.Item(IDC_INSURE_NUMBER).Replace("P7700412");
-    sheet.Item(IDC_INSURE_ADD).Click();
+    sheet.Item(IDC_ROWS_ADD).Click();
 }
 
 void PlayNew(tourCGuide& guide)

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include <set>
+#include <map>
 #include <string>
 
 namespace
@@ -66,6 +66,36 @@ TEST(ChartRules, ALongIDFailsWithoutAMessageWhateverItsCharacters)
     }
 }
 
+TEST(ChartRules, DevicesAreNoIDs)
+{
+    for (const char* id : {"AUX", "CON", "NUL", "PRN", "COM0", "COM9", "LPT1"})
+        EXPECT_TRUE(pat::IsDeviceID(id)) << id;
+    for (const char* id : {"", "A", "AUX1", "CONS", "COM", "COMA", "COM10", "LPT", "LPT_", "XCOM1", "1AUX"})
+        EXPECT_FALSE(pat::IsDeviceID(id)) << id;
+}
+
+// The codes are stored: other programs read them.
+TEST(ChartRules, ListsNameEveryCodeOnce)
+{
+    std::map<std::string, int> races;
+    for (const pat::Code& race : pat::Races)
+        races[race.pszText] = race.nCode;
+    EXPECT_EQ(races, (std::map<std::string, int>{{"<N/A>", 0},
+                                                 {"Anglo American", 1},
+                                                 {"Japanese", 2},
+                                                 {"Chinese", 3},
+                                                 {"Hispanic", 4},
+                                                 {"African American", 5},
+                                                 {"Asian", 6},
+                                                 {"South Pacific", 7},
+                                                 {"American Indian", 8},
+                                                 {"Korean", 9}}));
+    for (std::size_t i = 2; i < pat::Races.size(); ++i)
+        EXPECT_LT(std::string(pat::Races[i - 1].pszText), pat::Races[i].pszText);
+    for (std::size_t i = 0; i < pat::GenderIdentities.size(); ++i)
+        EXPECT_EQ(pat::GenderIdentities[i].nCode, static_cast<int>(i));
+}
+
 TEST(ChartRules, APhoneNumberNeedsAType)
 {
     EXPECT_TRUE(pat::CheckPhone("", false, 1, IDC_CHART_PHONETYPE1).bPassed);
@@ -88,26 +118,6 @@ TEST(ChartRules, OnlyAnExistingPatientKeepsItsID)
     EXPECT_FALSE(pat::IsOwnID(false, "A[", "A{")); // one bit apart, as letters of two cases are
     EXPECT_FALSE(pat::IsOwnID(true, "AB-1", "AB-1"));
     EXPECT_FALSE(pat::IsOwnID(true, "AB-1", ""));
-}
-
-TEST(ChartRules, CodesAreFoundInTheirLists)
-{
-    std::set<int> codes;
-    for (std::size_t i = 0; i < pat::Races.size(); ++i)
-    {
-        EXPECT_EQ(pat::FindCode(pat::Races, pat::Races[i].nCode), static_cast<int>(i));
-        codes.insert(pat::Races[i].nCode);
-        if (i > 1)
-        {
-            EXPECT_LT(std::string(pat::Races[i - 1].pszText), pat::Races[i].pszText);
-        }
-    }
-    EXPECT_EQ(codes, (std::set<int>{0, 1, 2, 3, 4, 5, 6, 7, 8, 9}));
-    EXPECT_STREQ(pat::Races[static_cast<std::size_t>(pat::FindCode(pat::Races, 7))].pszText, "South Pacific");
-    for (std::size_t i = 0; i < pat::GenderIdentities.size(); ++i)
-        EXPECT_EQ(pat::GenderIdentities[i].nCode, static_cast<int>(i)); // index and stored value are one
-    EXPECT_EQ(pat::FindCode(pat::Races, 10), 0);
-    EXPECT_EQ(pat::FindCode(pat::GenderIdentities, -1), 0);
 }
 
 } // namespace

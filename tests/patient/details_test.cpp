@@ -4,6 +4,7 @@
 #include "maintenance/maintenanceres.h"
 #include "patient/detailsres.h"
 #include "patient/patientres.h"
+#include "patient/sheetrules.h"
 #include "suite/patients/records/dbdoctors.h"
 #include "suite/patients/records/dboffices.h"
 #include "suite/patients/records/dbpatient.h"
@@ -22,7 +23,7 @@ using testing::ElementsAre;
 using veltest::Dialog;
 using veltest::DialogScript;
 
-constexpr int detailPage = 1;
+constexpr int detailPage = pat::DetailPage;
 
 class Details : public testing::Test
 {
@@ -139,44 +140,83 @@ TEST_F(Details, ListsHoldWhatThePracticeHas)
     });
 }
 
-TEST_F(Details, ValuesReachTheRecordAndComeBack)
+// The rows belong to the referral page; the details page may give the first one another doctor, and takes it
+// from there.
+TEST_F(Details, TheFirstReferralStandsForTheReferringDoctor)
 {
-    const auto result = Change([](DialogScript&, const Dialog& sheet) {
-        sheet.Item(IDC_DETAIL_TITLE).Type("Dr.");
-        sheet.Item(IDC_DETAIL_MODEL).Type("M-1234567");
-        sheet.Item(IDC_DETAIL_SALUTATION).Type("Dear Ann");
-        sheet.Item(IDC_DETAIL_KEYWORDS).Type("Braces, Recall");
-        sheet.Item(IDC_DETAIL_NOTES).Type("Likes & dislikes");
-        sheet.Item(IDC_DETAIL_OFFICE).Choose("North");
-        sheet.Item(IDC_DETAIL_STATUS).Choose("Active");
-        sheet.Item(IDC_DETAIL_TREATING).Choose("Bell, Grace");
-        EXPECT_EQ(sheet.Item(IDC_DETAIL_TREATING_SUMMARY).Text(), "(Address is not entered)");
-        sheet.Item(IDC_DETAIL_REFERRING).Choose("Stone, Hugo");
-        EXPECT_EQ(sheet.Item(IDC_DETAIL_REFERRING_SUMMARY).Text(),
-                  "Stone & Sons\n5 Hill Road\nSpringfield, IL 62701");
+    m_patient.GetReferrals().AddReferralDoc(m_hugo, velCDate(2020, 5, 6), "first");
+    LinkDoctor(m_patient, dbPersonReferringDoctor, m_grace);
+    m_patient.Save();
+    const auto expectRow = [&](const CString& doctor) {
+        dbCPatientReferralsContainer rows;
+        ASSERT_TRUE(rows.LoadWithDoctor(m_patient.GetGUID()));
+        ASSERT_EQ(rows.GetCount(), 1);
+        EXPECT_STREQ(rows[0].Get_docID(), doctor);
+        EXPECT_STREQ(rows[0].Get_note(), "first");
+        EXPECT_EQ(rows[0].Get_date().ToISO(), "2020-05-06");
+    };
+    constexpr char placeholder[] = "<Please select a Referring Doctor>";
+    const auto rowOnReferralPage = [](const Dialog& sheet) {
+        sheet.SelectPage(pat::ReferralPage);
+        const auto rows = sheet.Item(IDC_ROWS_LIST).Rows();
+        sheet.SelectPage(pat::DetailPage);
+        return rows.size() == 1 ? rows[0][0] : std::string("not one row");
+    };
+    Change([&](DialogScript&, const Dialog& sheet) {
+        EXPECT_EQ(sheet.Item(IDC_DETAIL_REFERRING).SelectedItem(), "Stone, Hugo");
+        sheet.Item(IDC_DETAIL_REFERRING).Choose("Bell, Grace");
+        EXPECT_EQ(rowOnReferralPage(sheet), "Bell, Grace");
+        sheet.Item(IDC_DETAIL_REFERRING).Choose(placeholder); // gives the row its own doctor back
+        EXPECT_EQ(rowOnReferralPage(sheet), "Stone, Hugo");
+        sheet.Item(IDC_DETAIL_REFERRING).Choose(placeholder);
         sheet.Press(IDOK);
     });
-    EXPECT_EQ(result, IDOK);
+    expectRow(m_hugo);
+    EXPECT_STREQ(LinkedDoctor(dbPersonReferringDoctor), "") << "none was chosen here";
 
-    dbCPatient patient;
-    ASSERT_TRUE(patient.Load("A1"));
-    EXPECT_STREQ(patient.GetTitle(), "Dr.");
-    EXPECT_STREQ(patient.GetModelNumber(), "M-1234567");
-    EXPECT_STREQ(patient.GetSalutation(), "Dear Ann");
-    EXPECT_STREQ(patient.GetKeywords(), "Braces, Recall");
-    EXPECT_STREQ(patient.GetNotes(), "Likes & dislikes");
-    EXPECT_STREQ(patient.GetOfficeID(), m_north);
-    EXPECT_STREQ(patient.GetStatusID(), m_active);
-    EXPECT_STREQ(LinkedDoctor(dbPersonTreatingDoctor), m_grace);
-    EXPECT_STREQ(LinkedDoctor(dbPersonReferringDoctor), m_hugo);
+    ASSERT_TRUE(m_patient.Load("A1"));
+    Change([&](DialogScript&, const Dialog& sheet) {
+        sheet.Item(IDC_DETAIL_REFERRING).Choose("Bell, Grace");
+        sheet.Press(IDOK);
+    });
+    expectRow(m_grace);
+    EXPECT_STREQ(LinkedDoctor(dbPersonReferringDoctor), "");
 
-    // The page shows them again, and the placeholders take them back.
+    // The other way round, and down to no row at all.
+    ASSERT_TRUE(m_patient.Load("A1"));
+    Change([&](DialogScript&, const Dialog& sheet) {
+        sheet.SelectPage(pat::ReferralPage);
+        sheet.Item(IDC_ROWS_LIST).SelectRow(0);
+        sheet.Item(IDC_REFER_DOCTOR).Choose("Stone, Hugo");
+        sheet.SettleIdle();
+        sheet.Press(IDC_ROWS_CHANGE);
+        sheet.SelectPage(pat::DetailPage);
+        EXPECT_EQ(sheet.Item(IDC_DETAIL_REFERRING).SelectedItem(), "Stone, Hugo");
+        EXPECT_EQ(sheet.Item(IDC_DETAIL_REFERRING_SUMMARY).Text(),
+                  "Stone & Sons\n5 Hill Road\nSpringfield, IL 62701");
+        sheet.SelectPage(pat::ReferralPage);
+        sheet.Item(IDC_ROWS_LIST).SelectRow(0);
+        sheet.SettleIdle();
+        sheet.Press(IDC_ROWS_REMOVE);
+        sheet.SelectPage(pat::DetailPage);
+        EXPECT_EQ(sheet.Item(IDC_DETAIL_REFERRING).SelectedItem(), placeholder);
+        EXPECT_EQ(sheet.Item(IDC_DETAIL_REFERRING_SUMMARY).Text(), "");
+        sheet.Item(IDC_DETAIL_REFERRING).Choose("Bell, Grace");
+        sheet.Press(IDOK);
+    });
+    dbCPatientReferralsContainer rows;
+    EXPECT_FALSE(rows.LoadWithDoctor(m_patient.GetGUID()));
+    EXPECT_STREQ(LinkedDoctor(dbPersonReferringDoctor), m_grace) << "without referrals there is the link";
+}
+
+TEST_F(Details, PlaceholdersMeanNone)
+{
+    LinkDoctor(m_patient, dbPersonTreatingDoctor, m_grace);
+    LinkDoctor(m_patient, dbPersonReferringDoctor, m_hugo);
+    m_patient.SetOfficeID(m_north);
+    m_patient.SetStatusID(m_active);
+    m_patient.Save();
     Change([](DialogScript&, const Dialog& sheet) {
-        EXPECT_EQ(sheet.Item(IDC_DETAIL_MODEL).Text(), "M-1234567");
-        EXPECT_EQ(sheet.Item(IDC_DETAIL_KEYWORDS).Text(), "Braces, Recall");
-        EXPECT_EQ(sheet.Item(IDC_DETAIL_OFFICE).SelectedItem(), "North");
-        EXPECT_EQ(sheet.Item(IDC_DETAIL_STATUS).SelectedItem(), "Active");
-        EXPECT_EQ(sheet.Item(IDC_DETAIL_TREATING).SelectedItem(), "Bell, Grace");
         EXPECT_EQ(sheet.Item(IDC_DETAIL_REFERRING).SelectedItem(), "Stone, Hugo");
         for (const int list :
              {IDC_DETAIL_OFFICE, IDC_DETAIL_STATUS, IDC_DETAIL_TREATING, IDC_DETAIL_REFERRING})
@@ -184,40 +224,12 @@ TEST_F(Details, ValuesReachTheRecordAndComeBack)
         EXPECT_EQ(sheet.Item(IDC_DETAIL_REFERRING_SUMMARY).Text(), "");
         sheet.Press(IDOK);
     });
+    dbCPatient patient;
     ASSERT_TRUE(patient.Load("A1"));
     EXPECT_STREQ(patient.GetOfficeID(), "");
     EXPECT_STREQ(patient.GetStatusID(), "");
     EXPECT_STREQ(LinkedDoctor(dbPersonTreatingDoctor), "");
     EXPECT_STREQ(LinkedDoctor(dbPersonReferringDoctor), "");
-}
-
-TEST_F(Details, TheFirstReferralStandsForTheReferringDoctor)
-{
-    m_patient.GetReferrals().AddReferralDoc(m_hugo, velCDate::GetCurrentTime(), "first");
-    LinkDoctor(m_patient, dbPersonReferringDoctor, m_grace);
-    m_patient.Save();
-    Change([](DialogScript&, const Dialog& sheet) {
-        EXPECT_EQ(sheet.Item(IDC_DETAIL_REFERRING).SelectedItem(), "Stone, Hugo");
-        sheet.Item(IDC_DETAIL_REFERRING).Choose("Bell, Grace");
-        sheet.Press(IDOK);
-    });
-    dbCPatientReferralsContainer rows;
-    ASSERT_TRUE(rows.LoadWithDoctor(m_patient.GetGUID()));
-    ASSERT_EQ(rows.GetCount(), 1);
-    EXPECT_STREQ(rows[0].Get_docID(), m_grace);
-    EXPECT_STREQ(rows[0].Get_note(), "first") << "the rest of the referral stays";
-}
-
-TEST_F(Details, WhatAListCannotShowStaysUnlessItIsChanged)
-{
-    LinkDoctor(m_patient, dbPersonTreatingDoctor, m_hugo); // does not treat here, so the list has no entry
-    m_patient.Save();
-    Change([](DialogScript&, const Dialog& sheet) {
-        EXPECT_EQ(sheet.Item(IDC_DETAIL_TREATING).Selection(), 0);
-        sheet.Item(IDC_DETAIL_TITLE).Type("Ms");
-        sheet.Press(IDOK);
-    });
-    EXPECT_STREQ(LinkedDoctor(dbPersonTreatingDoctor), m_hugo);
 }
 
 TEST_F(Details, FieldsStopAtTheirLimits)

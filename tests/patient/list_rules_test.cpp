@@ -9,12 +9,12 @@ namespace
 
 pat::Referral Referral(const char* doctorID, long day)
 {
-    return {"", doctorID, "Dr " + std::string(doctorID), day, ""};
+    return {-1, doctorID, "Dr " + std::string(doctorID), day, ""};
 }
 
 TEST(ReferralRules, AnUnfinishedEntryIsNotLost)
 {
-    const pat::Referral selected{"row", "A", "Dr A", 7, "note"};
+    const pat::Referral selected{3, "A", "Dr A", 7, "note"};
     struct Case
     {
         pat::Referral entry;
@@ -22,11 +22,11 @@ TEST(ReferralRules, AnUnfinishedEntryIsNotLost)
         bool bSelectedPasses;
     };
     const Case cases[] = {
-        {{"", "", "", 7, ""}, true, false}, // the date alone is no referral, but the row had more
-        {{"", "A", "", 0, ""}, false, false},     {{"", "", "", 0, " "}, false, false},
-        {{"", "A", "", 7, "note"}, false, true}, // the row as it is; what it is called does not count
-        {{"", "B", "", 7, "note"}, false, false}, {{"", "A", "", 8, "note"}, false, false},
-        {{"", "A", "", 7, ""}, false, false},
+        {{-1, "", "", 7, ""}, true, false}, // the date alone is no referral, but the row had more
+        {{-1, "A", "", 0, ""}, false, false},     {{-1, "", "", 0, " "}, false, false},
+        {{-1, "A", "", 7, "note"}, false, true}, // the row as it is; what it is called does not count
+        {{-1, "B", "", 7, "note"}, false, false}, {{-1, "A", "", 8, "note"}, false, false},
+        {{-1, "A", "", 7, ""}, false, false},
     };
     for (const Case& c : cases)
     {
@@ -69,18 +69,24 @@ TEST(ReferralRules, ADoctorRefersOnceADay)
 
 TEST(InsuranceRules, AnUnfinishedEntryIsNotLost)
 {
-    const pat::Insurance selected{"row", "Harbour Mutual", "Ann Lee", "17", ""};
-    EXPECT_TRUE(pat::CheckInsuranceEntry({}, nullptr).bPassed);
-    EXPECT_FALSE(pat::CheckInsuranceEntry({}, &selected).bPassed);
-    EXPECT_TRUE(pat::CheckInsuranceEntry({"", "Harbour Mutual", "Ann Lee", "17", ""}, &selected).bPassed);
-    EXPECT_FALSE(pat::CheckInsuranceEntry({"", "", "", "", "G"}, nullptr).bPassed);
-    EXPECT_FALSE(pat::CheckInsuranceEntry({"", "Harbour Mutual", "Ann Lee", "17", "G"}, &selected).bPassed);
+    const pat::Insurance filled{-1, "Harbour Mutual", "Ann Lee", "17", ""};
+    EXPECT_TRUE(pat::CheckInsuranceEntry({}, {}).bPassed);
+    EXPECT_TRUE(pat::CheckInsuranceEntry(filled, filled).bPassed);
+    for (std::string pat::Insurance::*const field : {&pat::Insurance::strCompany, &pat::Insurance::strHolder,
+                                                     &pat::Insurance::strNumber, &pat::Insurance::strGroup})
+    {
+        pat::Insurance entry = filled;
+        entry.*field += "x";
+        EXPECT_EQ(pat::CheckInsuranceEntry(entry, filled).nMessage,
+                  static_cast<unsigned>(IDS_INSURE_UNFINISHED));
+    }
 }
 
 TEST(InsuranceRules, ACompanyInsuresUnderANumberOnce)
 {
-    const std::vector<pat::Insurance> insurances{{"", "Harbour Mutual", "Ann Lee", "17", ""},
-                                                 {"", "Northfield", "Ann Lee", "", ""}};
+    const std::vector<pat::Insurance> insurances{{-1, "Harbour Mutual", "Ann Lee", "17", ""},
+                                                 {-1, "Northfield", "Ann Lee", "", ""},
+                                                 {-1, "M\xFCller ", "Ann Lee", "1", ""}};
     struct Case
     {
         pat::Insurance entry;
@@ -88,13 +94,14 @@ TEST(InsuranceRules, ACompanyInsuresUnderANumberOnce)
         unsigned nMessage;
     };
     const Case cases[] = {
-        {{"", "", "Ann Lee", "18", ""}, -1, IDS_INSURE_NO_COMPANY},
-        {{"", " \t", "Ann Lee", "18", ""}, -1, IDS_INSURE_NO_COMPANY},
-        {{"", "Harbour Mutual", "Eve Lee", "18", ""}, -1, 0},
-        {{"", "HARBOUR mutual", "Eve Lee", "17", ""}, -1, IDS_INSURE_TWICE},
-        {{"", "Harbour Mutual", "Eve Lee", "17", ""}, 0, 0},
-        {{"", "Harbour Mutual", "Eve Lee", "17", ""}, 1, IDS_INSURE_TWICE},
-        {{"", "northfield", "", "", ""}, -1, IDS_INSURE_TWICE},
+        {{-1, "", "Ann Lee", "18", ""}, -1, IDS_INSURE_NO_COMPANY},
+        {{-1, " \t", "Ann Lee", "18", ""}, -1, IDS_INSURE_NO_COMPANY},
+        {{-1, "Harbour Mutual", "Eve Lee", "18", ""}, -1, 0},
+        {{-1, "HARBOUR mutual", "Eve Lee", "17", ""}, -1, IDS_INSURE_TWICE},
+        {{-1, "Harbour Mutual", "Eve Lee", "17", ""}, 0, 0},
+        {{-1, "Harbour Mutual", "Eve Lee", "17", ""}, 1, IDS_INSURE_TWICE},
+        {{-1, "northfield", "", "", ""}, -1, IDS_INSURE_TWICE},
+        {{-1, " M\xDCLLER", "", "1", ""}, -1, IDS_INSURE_TWICE},
     };
     for (const Case& c : cases)
     {

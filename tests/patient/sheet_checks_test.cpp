@@ -6,6 +6,7 @@
 #include "patient/referralrules.h"
 #include "tests/patient/sheetfixture.h"
 
+using veltest::Control;
 using veltest::Dialog;
 using veltest::DialogScript;
 
@@ -230,77 +231,161 @@ TEST_F(SheetChecksTest, AGuardianWithTheCountryAloneIsNotWritten)
     EXPECT_TRUE(patient.GetAddresses().IsEmpty()); // nor an address of the patient's
 }
 
-TEST_F(SheetChecksTest, TheReferralPageIsCheckedOnOKAndOnLeaving)
+// What is being entered is checked on OK, asked about before another row takes its place, and keeps nobody on
+// the page.
+TEST_F(SheetChecksTest, AnEntryThatIsNotInTheListIsNotLost)
 {
-    StoreDoctor("Ida", "Sorel");
+    struct Page
+    {
+        int nPage;
+        int nField;
+        int nFocus;
+        const char* pszUnfinished;
+    };
+    const Page pages[] = {
+        {pat::ReferralPage, IDC_REFER_NOTE, IDC_REFER_DOCTOR,
+         "The referral being entered is not in the list yet. Press Add or Change to take it over, or Clear "
+         "to "
+         "drop it."},
+        {pat::InsurancePage, IDC_INSURE_NUMBER, IDC_INSURE_COMPANY,
+         "The insurance being entered is not in the list yet. Press Add or Change to take it over, or Clear "
+         "to "
+         "drop it."},
+    };
+    const std::string question =
+        "What stands in the fields has not been added to the list. Do you want to drop it?";
+    dbCPatient patient = StorePatient("A1");
+    patient.GetReferrals().AddReferralDoc(m_strGrace, velCDate(2021, 1, 1), "second");
+    dbCInsurance insurance;
+    insurance.SetCompanyGUID(m_strHarbour);
+    insurance.SetNumber("second");
+    patient.AssignInsurance(insurance);
+    patient.Save();
+    RunChange(patient, [&](DialogScript& script) {
+        const Dialog sheet = WaitForSheet(script);
+        for (const Page& page : pages)
+        {
+            SCOPED_TRACE(page.nPage);
+            sheet.SelectPage(page.nPage);
+            const Control field = sheet.Item(page.nField);
+            const Control list = sheet.Item(IDC_ROWS_LIST);
+            sheet.SettleIdle();
+            EXPECT_FALSE(sheet.Item(IDC_ROWS_ADD).IsEnabled());
+            EXPECT_FALSE(sheet.Item(IDC_ROWS_REMOVE).IsEnabled());
+            field.SetText("typed");
+            ExpectRefused(script, sheet, page.pszUnfinished, page.nFocus);
+            sheet.ClickTab(pat::ChartPage);
+            EXPECT_EQ(sheet.PageIndex(), pat::ChartPage);
+            sheet.SelectPage(page.nPage);
+            EXPECT_EQ(field.Text(), "typed");
+
+            list.SelectRow(1);
+            script.AnswerBox(question, IDNO);
+            script.Settle(sheet.Handle());
+            EXPECT_EQ(field.Text(), "typed");
+            EXPECT_EQ(list.Send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED), -1);
+            list.SelectRow(1);
+            script.AnswerBox(question, IDYES);
+            script.Settle(sheet.Handle());
+            EXPECT_EQ(field.Text(), "second");
+            list.SelectRow(0); // nothing was typed, so nothing is asked
+            EXPECT_FALSE(script.FindBox().has_value());
+            EXPECT_NE(field.Text(), "second");
+            field.SetText("typed");
+            list.SelectRow(1);
+            script.AnswerBox(question, IDNO);
+            script.Settle(sheet.Handle());
+            EXPECT_EQ(list.Send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED), 0);
+            EXPECT_EQ(field.Text(), "typed");
+            sheet.Press(IDC_ROWS_CLEAR);
+            EXPECT_EQ(field.Text(), "");
+        }
+        sheet.Press(IDOK);
+    });
+}
+
+constexpr char referralDate[] =
+    "The referral by Sorel, Ida can neither lie in the future nor before the patient's birth.";
+
+TEST_F(SheetChecksTest, RowsAreCheckedWhenTheyAreAdded)
+{
     RunNew([](DialogScript& script) {
-        const std::string unfinished =
-            "The referral being entered is not in the list yet. Press Add or Change "
-            "to take it over, or Clear to drop it.";
         const Dialog sheet = WaitForSheet(script);
         FillNames(sheet, "A1", "Ann", "Lee");
         sheet.Item(IDC_CHART_BIRTHDATE).SetDate(2012, 3, 4);
         sheet.SelectPage(pat::ReferralPage);
-        EXPECT_FALSE(sheet.Item(IDC_REFER_ADD).IsEnabled());
-        sheet.Item(IDC_REFER_NOTE).SetText("crowding");
-        ExpectRefused(script, sheet, unfinished, IDC_REFER_DOCTOR);
-        sheet.ClickTab(pat::ChartPage);
-        script.AnswerBox(unfinished, IDOK);
-        EXPECT_EQ(sheet.PageIndex(), pat::ReferralPage);
-
-        sheet.Item(IDC_REFER_DOCTOR).Choose("Sorel, Ida");
-        sheet.Item(IDC_REFER_DATE).SetDate(2012, 3, 3);
-        sheet.SettleIdle();
-        sheet.Press(IDC_REFER_ADD);
-        script.AnswerBox("The referral by Sorel, Ida can neither lie in the future nor before the patient's "
-                         "birth.",
-                         IDOK);
-        sheet.Item(IDC_REFER_DATE).SetDate(2012, 3, 4);
-        sheet.Press(IDC_REFER_ADD);
-        EXPECT_EQ(sheet.Item(IDC_REFER_LIST).Rows().size(), 1u);
-        sheet.Item(IDC_REFER_DOCTOR).Choose("Sorel, Ida");
-        sheet.Item(IDC_REFER_DATE).SetDate(2012, 3, 4);
-        sheet.SettleIdle();
-        sheet.Press(IDC_REFER_ADD);
+        const auto add = [&](int nDay) {
+            sheet.Item(IDC_REFER_DOCTOR).Choose("Sorel, Ida");
+            sheet.Item(IDC_REFER_DATE).SetDate(2012, 3, static_cast<WORD>(nDay));
+            sheet.SettleIdle();
+            sheet.Press(IDC_ROWS_ADD);
+        };
+        add(3);
+        script.AnswerBox(referralDate, IDOK);
+        script.Settle(sheet.Handle());
+        EXPECT_TRUE(sheet.Item(IDC_REFER_DATE).HasFocus());
+        add(4);
+        add(4);
         script.AnswerBox("Sorel, Ida is already listed with a referral on this date.", IDOK);
-        sheet.Press(IDC_REFER_CLEAR);
+        EXPECT_EQ(sheet.Item(IDC_ROWS_LIST).Rows().size(), 1u);
 
-        // A birth date that is corrected afterwards makes the referral impossible.
-        sheet.SelectPage(pat::ChartPage);
-        sheet.Item(IDC_CHART_BIRTHDATE).SetDate(2013, 3, 4);
-        ExpectRefused(
-            script, sheet,
-            "The referral by Sorel, Ida can neither lie in the future nor before the patient's birth.",
-            IDC_REFER_LIST);
-        EXPECT_EQ(sheet.PageIndex(), pat::ReferralPage);
+        sheet.SelectPage(pat::InsurancePage);
+        for (const char* pszCompany : {"M\xFCller", " M\xDCLLER "})
+        {
+            sheet.Item(IDC_INSURE_COMPANY).SetText(pszCompany);
+            sheet.Item(IDC_INSURE_NUMBER).SetText("17");
+            sheet.SettleIdle();
+            sheet.Press(IDC_ROWS_ADD);
+        }
+        script.AnswerBox(" M\xDCLLER  is already listed with this policy number.", IDOK);
+        EXPECT_EQ(sheet.Item(IDC_ROWS_LIST).Rows().size(), 1u);
         sheet.Press(IDCANCEL);
     });
 }
 
-TEST_F(SheetChecksTest, TheInsurancePageIsCheckedOnOKAndOnLeaving)
+// The rule concerns two pages: it holds whatever was opened, and either page can be reached to mend it.
+TEST_F(SheetChecksTest, AReferralBeforeTheBirthIsRefusedOnOKAlone)
 {
+    dbCPatient patient = StorePatient("A1");
+    for (const bool bOpened : {false, true})
+    {
+        RunChange(patient, [&](DialogScript& script) {
+            const Dialog sheet = WaitForSheet(script);
+            if (bOpened)
+                sheet.SelectPage(pat::ReferralPage);
+            sheet.SelectPage(pat::ChartPage);
+            sheet.Item(IDC_CHART_BIRTHDATE).SetDate(2020, 5, 7);
+            ExpectRefused(script, sheet, referralDate, IDC_ROWS_LIST);
+            EXPECT_EQ(sheet.PageIndex(), pat::ReferralPage);
+            sheet.ClickTab(pat::ChartPage);
+            EXPECT_EQ(sheet.PageIndex(), pat::ChartPage);
+            sheet.Item(IDC_CHART_BIRTHDATE).SetDate(2020, 5, 6);
+            sheet.Press(IDOK);
+        });
+        EXPECT_EQ(Stored("A1").GetBirthdate().ToISO(), "2020-05-06");
+        patient = Stored("A1");
+        patient.SetBirthdate(velCDate(2012, 3, 4));
+        patient.Save();
+    }
+}
+
+TEST_F(SheetChecksTest, ADeviceNamePassesThePageAndIsRefusedWithItsReason)
+{
+    const __int64 nBefore = dbCPatients::GetChangeCounter();
     RunNew([](DialogScript& script) {
-        const std::string unfinished =
-            "The insurance being entered is not in the list yet. Press Add or Change "
-            "to take it over, or Clear to drop it.";
         const Dialog sheet = WaitForSheet(script);
-        FillNames(sheet, "A1", "Ann", "Lee");
-        sheet.SelectPage(pat::InsurancePage);
-        sheet.Item(IDC_INSURE_NUMBER).SetText("17");
-        ExpectRefused(script, sheet, unfinished, IDC_INSURE_COMPANY);
-        sheet.SettleIdle();
-        EXPECT_FALSE(sheet.Item(IDC_INSURE_ADD).IsEnabled());
-        for (int nTime = 0; nTime < 2; ++nTime)
-        {
-            sheet.Item(IDC_INSURE_COMPANY).SetText("Northfield");
-            sheet.Item(IDC_INSURE_NUMBER).SetText("17");
-            sheet.SettleIdle();
-            sheet.Press(IDC_INSURE_ADD);
-        }
-        script.AnswerBox("Northfield is already listed with this policy number.", IDOK);
-        EXPECT_EQ(sheet.Item(IDC_INSURE_LIST).Rows().size(), 1u);
+        FillNames(sheet, "AUX", "Ann", "Lee");
+        sheet.SelectPage(pat::GuardianPage);
+        EXPECT_EQ(sheet.PageIndex(), pat::GuardianPage);
+        ExpectRefused(
+            script, sheet,
+            "Windows keeps the name AUX for a device, so the patient's files cannot bear it. Please "
+            "enter another ID.",
+            IDC_CHART_ID);
+        EXPECT_EQ(SelectedText(sheet.Item(IDC_CHART_ID)), "AUX");
         sheet.Press(IDCANCEL);
     });
+    EXPECT_EQ(dbCPatients::GetChangeCounter(), nBefore);
 }
 
 TEST_F(SheetChecksTest, ASimilarPatientIsAskedAbout)

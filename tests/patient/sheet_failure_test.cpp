@@ -1,5 +1,6 @@
 // The sheet against a database that fails, other processes, and hostile texts.
 
+#include "tests/patient/patientimage.h"
 #include "tests/patient/sheetfixture.h"
 
 using veltest::Dialog;
@@ -206,52 +207,98 @@ TEST_F(SheetFailureTest, ADatabaseThatFailsDuringOKLeavesTheSheetOpen)
     }
 }
 
-// Answers that an ID is free and lets another user take it at once.
+// Answers that an ID is free, and lets another user take it at once, the first time.
 class RacingPatients : public dbCPatients
 {
 public:
     BOOL IsIDFree(LPCTSTR pszID) override
     {
         const BOOL bFree = dbCPatients::IsIDFree(pszID);
-        if (bFree)
+        if (bFree && !m_bTaken)
         {
             dbCPatient other;
             other.SetID(pszID);
             other.SetLastname("Other");
             other.Save();
+            m_bTaken = true;
         }
         return bFree;
     }
+
+private:
+    bool m_bTaken = false;
 };
 
-// The write fails after the pages have added a company and changed the record.
-TEST_F(SheetFailureTest, NothingIsHalfWritten)
+// The write fails after the pages have added a company and been copied. Nothing of it is left, neither in the
+// database nor in the record, and the second OK writes all of it.
+TEST_F(SheetFailureTest, AnOKThatFailsLeavesNothingAndLosesNothing)
 {
+    dbCPatient patient = StorePatient("A1");
+    const PatientImage before = ImageOf(patient);
     RacingPatients patients;
     m_pPatients = &patients;
-    dbCPatient data;
-    EXPECT_EQ(RunNewWithData(data,
-                             [](DialogScript& script) {
-                                 const Dialog sheet = WaitForSheet(script);
-                                 FillNames(sheet, "A1", "Ann", "Lee");
-                                 sheet.SelectPage(pat::GuardianPage);
-                                 sheet.Item(IDC_GUARD_FIRSTNAME).SetText("Eve");
-                                 sheet.Item(IDC_GUARD_LASTNAME).SetText("Lee");
-                                 sheet.SelectPage(pat::InsurancePage);
-                                 sheet.Item(IDC_INSURE_COMPANY).SetText("Northfield");
-                                 sheet.SettleIdle();
-                                 sheet.Press(IDC_INSURE_ADD);
-                                 ExpectRefused(script, sheet, takenID, IDC_CHART_ID);
-                                 EXPECT_EQ(SelectedText(sheet.Item(IDC_CHART_ID)), "A1");
-                                 sheet.Press(IDCANCEL);
-                             }),
-              IDCANCEL);
-    EXPECT_TRUE(data.GetID().IsEmpty()); // the caller's record is as it was
-    EXPECT_EQ(data.GetInsurances().GetCount(), 0);
+    EXPECT_EQ(RunChange(patient,
+                        [&](DialogScript& script) {
+                            const Dialog sheet = WaitForSheet(script);
+                            sheet.Item(IDC_CHART_ID).SetText("A2");
+                            sheet.Item(IDC_CHART_TEETH).Focus();
+                            sheet.Item(IDC_CHART_TEETH).PostKey(VK_SPACE);
+                            sheet.SelectPage(pat::GuardianPage);
+                            sheet.Item(IDC_GUARD_TITLE).SetText("Dr");
+                            sheet.SelectPage(pat::ReferralPage);
+                            sheet.Item(IDC_REFER_DOCTOR).Choose("Bell, Grace");
+                            sheet.SettleIdle();
+                            sheet.Press(IDC_ROWS_ADD);
+                            sheet.SelectPage(pat::InsurancePage);
+                            sheet.Item(IDC_INSURE_COMPANY).SetText("Northfield");
+                            sheet.SettleIdle();
+                            sheet.Press(IDC_ROWS_ADD);
+                            ExpectRefused(script, sheet, takenID, IDC_CHART_ID);
+                            EXPECT_EQ(SelectedText(sheet.Item(IDC_CHART_ID)), "A2");
+                            sheet.Item(IDC_CHART_ID).SetText("A3");
+                            sheet.Press(IDOK);
+                        }),
+              IDOK);
+    PatientImage expected = before;
+    const dbCPatient changed = Stored("A3");
+    const PatientImage after = ImageOf(changed);
+    expected["id"] = "A3";
+    expected["person.0.title"] = "Dr";
+    for (const auto& [name, value] : after)
+    {
+        if (name.starts_with("referral.1.") || name.starts_with("insurance.1."))
+            expected[name] = value;
+    }
+    expected["teeth"] = std::string("M") + std::string(31, 'P');
+    expected["referral.1.doctor"] = m_strGrace.GetString();
+    expected["insurance.1.company"] = "Northfield";
+    EXPECT_THAT(Differences(expected, after), testing::IsEmpty());
     dbCInsuranceCompanies companies;
     companies.Load();
-    EXPECT_EQ(companies.GetCount(), 0);
-    EXPECT_EQ(Stored("A1").GetLastname(0), "Other");
+    EXPECT_EQ(companies.GetCount(), 2);
+    EXPECT_EQ(Stored("A2").GetLastname(0), "Other");
+}
+
+// The caller's record takes part in what the caller does with the database around the sheet.
+TEST_F(SheetFailureTest, TheCallersTransactionCanUndoTheSheet)
+{
+    dbCPatient data;
+    {
+        dbCTransaction outer;
+        EXPECT_EQ(RunNewWithData(data,
+                                 [](DialogScript& script) {
+                                     const Dialog sheet = WaitForSheet(script);
+                                     FillNames(sheet, "A1", "Ann", "Lee");
+                                     sheet.Press(IDOK);
+                                 }),
+                  IDOK);
+        EXPECT_TRUE(data.IsValid());
+        EXPECT_EQ(data.GetID(), "A1");
+    }
+    EXPECT_FALSE(data.IsValid());
+    EXPECT_TRUE(m_patients.IsIDFree("A1"));
+    data.Save();
+    EXPECT_EQ(Stored("A1").GetFirstname(0), "Ann");
 }
 
 TEST_F(SheetFailureTest, ARecordChangedElsewhereIsNotOverwritten)
@@ -313,9 +360,9 @@ TEST_F(SheetFailureTest, HostileTextsComeBackAsTheyWere)
                       sheet.Item(IDC_INSURE_COMPANY).SetText(text + "x");
                       sheet.SettleIdle();
                       if (text.size() < 50)
-                          sheet.Press(IDC_INSURE_ADD);
+                          sheet.Press(IDC_ROWS_ADD);
                       else
-                          sheet.Press(IDC_INSURE_CLEAR);
+                          sheet.Press(IDC_ROWS_CLEAR);
                       sheet.Press(IDOK);
                   }),
                   IDOK);

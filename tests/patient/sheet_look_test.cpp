@@ -35,7 +35,7 @@ TEST_F(SheetLookTest, F1OpensTheTopicOfThePage)
         const Dialog sheet = WaitForSheet(script);
         FillNames(sheet, "A1", "Ann", "Lee");
         const int topics[] = {140433, 140434, 140438, 140439, 140440};
-        const int fields[] = {IDC_CHART_STREET, 0, IDC_GUARD_NOTES, IDC_REFER_LIST, IDC_INSURE_COMPANY};
+        const int fields[] = {IDC_CHART_STREET, 0, IDC_GUARD_NOTES, IDC_ROWS_LIST, IDC_INSURE_COMPANY};
         const auto expectHelp = [&](int nTopic) {
             EXPECT_THAT(script.WaitForBox().BoxText(), testing::HasSubstr(std::to_string(nTopic)));
             script.AnswerBox("", IDOK);
@@ -81,12 +81,10 @@ TEST_F(SheetLookTest, TheTeethBelongToPatientsWithTimepoints)
             sheet.Press(IDCANCEL);
         });
     };
-    teethEnabled(false);
-    patCTimepoint timepoint;
-    timepoint.SetName("Initial");
-    patient.GetTimepoints().Add(timepoint);
-    patient.Save();
     teethEnabled(true);
+    patient.GetTimepoints().RemoveAll();
+    patient.Save();
+    teethEnabled(false);
 }
 
 } // namespace

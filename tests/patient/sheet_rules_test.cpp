@@ -15,6 +15,9 @@ TEST(SheetRules, UnopenedPagesAreNotChecked)
     EXPECT_THAT(pat::StepsOfOK(state), ElementsAre(pat::Step::ChartFields, pat::Step::UniqueID));
     state.opened = {true, true, false, false, false};
     EXPECT_THAT(pat::StepsOfOK(state), ElementsAre(pat::Step::ChartFields, pat::Step::UniqueID));
+    state.bDatesChanged = true;
+    EXPECT_THAT(pat::StepsOfOK(state),
+                ElementsAre(pat::Step::ChartFields, pat::Step::UniqueID, pat::Step::ReferralDates));
 }
 
 TEST(SheetRules, EveryStepInItsOrder)
@@ -25,8 +28,8 @@ TEST(SheetRules, EveryStepInItsOrder)
     state.guardianLastname = "  ";
     EXPECT_THAT(pat::StepsOfOK(state),
                 ElementsAre(pat::Step::ChartFields, pat::Step::UniqueID, pat::Step::GuardianFields,
-                            pat::Step::ReferralFields, pat::Step::InsuranceFields, pat::Step::SimilarPatient,
-                            pat::Step::BillingParty));
+                            pat::Step::ReferralFields, pat::Step::ReferralDates, pat::Step::InsuranceFields,
+                            pat::Step::SimilarPatient, pat::Step::BillingParty));
 }
 
 TEST(SheetRules, TheBillingPartyIsAskedForOnlyWhenNeeded)
@@ -53,12 +56,6 @@ TEST(SheetRules, TheBillingPartyIsAskedForOnlyWhenNeeded)
         EXPECT_EQ(steps.back() == pat::Step::BillingParty, c.bAsked)
             << c.nPracticeManagement << c.bGuardianOpened << c.pszLastname;
     }
-}
-
-TEST(SheetRules, EveryPageIsCopiedOnceInsuranceBeforeReferral)
-{
-    EXPECT_THAT(pat::CopyOrder, ElementsAre(pat::ChartPage, pat::DetailPage, pat::GuardianPage,
-                                            pat::InsurancePage, pat::ReferralPage));
 }
 
 } // namespace

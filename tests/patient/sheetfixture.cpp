@@ -4,10 +4,26 @@ using veltest::Control;
 using veltest::Dialog;
 using veltest::DialogScript;
 
-dbCPatient SheetTest::StorePatient(const char* pszID, const char* pszFirstname, const char* pszLastname)
+SheetTest::SheetTest()
 {
-    dbCPatient patient;
-    patient.SetID(pszID);
+    m_practice.Set("Environment", "DatabaseTimeout", "2000"); // milliseconds
+    dbCPatients::Create(DatabasePath().c_str());
+    m_strIda = StoreDoctor("Ida", "Sorel", TRUE);
+    m_strGrace = StoreDoctor("Grace", "Bell", TRUE);
+    dbCOfficeLocations offices;
+    m_strNorth = offices.AddOffice("North");
+    m_strSouth = offices.AddOffice("South");
+    dbCPatientStatusList statuses;
+    m_strUrgent = statuses.AddStatus("Urgent");
+    m_strWaiting = statuses.AddStatus("Waiting");
+    dbCInsuranceCompany company;
+    company.SetName("Harbour Mutual");
+    company.Save();
+    m_strHarbour = company.GetCompanyGUID();
+}
+
+void SheetTest::FillPatient(dbCPatient& patient, const char* pszFirstname, const char* pszLastname) const
+{
     patient.SetFirstname(pszFirstname);
     patient.SetLastname(pszLastname);
     patient.SetNickname("Nan");
@@ -17,11 +33,19 @@ dbCPatient SheetTest::StorePatient(const char* pszID, const char* pszFirstname, 
     patient.SetGenderIdentity(3);
     patient.SetRace(9);
     patient.SetTitle("Ms");
+    patient.SetModelNumber("M-1");
+    patient.SetSalutation("Dear Ann");
+    patient.SetKeywords("Braces");
     patient.SetNotes("first note");
+    patient.SetOfficeID(m_strNorth);
+    patient.SetStatusID(m_strUrgent);
     dbCAddress address;
     address.SetType("O");
+    address.SetCompany("Lee Ltd");
     address.SetStreet("Quay 1");
     address.SetCity("Northport");
+    address.SetState("NP");
+    address.SetPostalCode("12345");
     address.SetCountry("Ruritania");
     patient.SetAddress(0, address);
     patient.GetPhones().Add(dbCPhone("111", dbCPhone::GetTypeName(0)));
@@ -29,34 +53,65 @@ dbCPatient SheetTest::StorePatient(const char* pszID, const char* pszFirstname, 
     patient.GetPhones().Add(dbCPhone("333", dbCPhone::GetTypeName(1)));
 
     dbCPerson guardian;
+    guardian.SetTitle("Mrs");
     guardian.SetFirstname("Eve");
     guardian.SetLastname("Lee");
+    guardian.SetNickname("Evie");
+    guardian.SetSalutation("Dear Eve");
+    guardian.SetBirthdate(velCDate(1980, 12, 31));
+    guardian.SetGender(2);
+    guardian.SetEmail("eve@example.org");
     guardian.SetNotes("line 1\r\nline 2");
+    address.SetType("H");
+    address.SetCity("Southport");
+    guardian.SetAddress(0, address);
+    address.SetCity("Elsewhere");
+    guardian.SetAddress(1, address);
     guardian.SetPhone(0, dbCPhone("444", dbCPhone::GetTypeName(0)));
+    guardian.SetPhone(1, dbCPhone("555", dbCPhone::GetTypeName(1)));
     patient.AddPersonInfo(dbPersonGuardian, guardian);
+    dbCPerson doctor;
+    doctor.SetPersonGUID(m_strIda);
+    patient.SetPersonInfo(dbPersonTreatingDoctor, doctor);
 
-    dbCInsuranceCompany company;
-    company.SetName("Harbour Mutual");
-    company.Save();
     dbCInsurance insurance;
-    insurance.SetCompanyGUID(company.GetCompanyGUID());
+    insurance.SetCompanyGUID(m_strHarbour);
+    insurance.SetCompanyName("Harbour Mutual");
     insurance.SetHolder("Eve Lee");
     insurance.SetNumber("17");
+    insurance.SetGroup("G-1");
     insurance.SetNote("kept");
     patient.AssignInsurance(insurance);
-
-    patient.GetReferrals().AddReferralDoc(StoreDoctor("Ida", "Sorel"), velCDate(2020, 5, 6), "crowding");
-    patient.Save();
-    return patient;
+    patient.GetReferrals().AddReferralDoc(m_strIda, velCDate(2020, 5, 6), "crowding");
 }
 
-CString SheetTest::StoreDoctor(const char* pszFirstname, const char* pszLastname)
+dbCPatient SheetTest::StorePatient(const char* pszID, const char* pszFirstname, const char* pszLastname) const
+{
+    dbCPatient patient;
+    patient.SetID(pszID);
+    FillPatient(patient, pszFirstname, pszLastname);
+    patCTimepoint timepoint;
+    timepoint.SetName("Initial");
+    timepoint.SetDate(velCDate(2020, 7, 8));
+    patient.GetTimepoints().Add(&patient, timepoint, TRUE, TRUE);
+    patient.Save();
+    return Stored(pszID);
+}
+
+CString SheetTest::StoreDoctor(const char* pszFirstname, const char* pszLastname, BOOL bTreating)
 {
     dbCDoctor doctor;
     doctor.GetPerson().SetFirstname(pszFirstname);
     doctor.GetPerson().SetLastname(pszLastname);
+    doctor.SetTreating(bTreating);
     doctor.Save();
     return doctor.GetGUID();
+}
+
+CString SheetTest::LatestEvent()
+{
+    dbTList<dbSAuditEvent> events;
+    return CVeltrixLogin::LoadEvents(events, 1) == 1 ? events[0].strText : CString();
 }
 
 Dialog WaitForSheet(DialogScript& script)

@@ -4,6 +4,7 @@
 #include "app/exports/veldlgs.h"
 #include "patient/patientres.h"
 #include "patient/sheetrules.h"
+#include "suite/patients/records/dboffices.h"
 #include "suite/patients/velpat.h"
 #include "tests/support/childprocess.h"
 #include "tests/support/dialogquality.h"
@@ -22,11 +23,7 @@ class SheetTest : public testing::Test
 protected:
     using Script = veltest::DialogScript::Script;
 
-    SheetTest()
-    {
-        m_practice.Set("Environment", "DatabaseTimeout", "2000"); // milliseconds
-        dbCPatients::Create(DatabasePath().c_str());
-    }
+    SheetTest();
     ~SheetTest() override
     {
         dbCPatients::Close();
@@ -59,16 +56,25 @@ protected:
         return patient;
     }
 
-    // A stored patient with something on every page.
+    // Something in every field of every page, and what no page shows. Born on 4 March 2012.
+    void FillPatient(dbCPatient& patient, const char* pszFirstname = "Ann",
+                     const char* pszLastname = "Lee") const;
+    // The same as a stored patient with a timepoint.
     dbCPatient StorePatient(const char* pszID, const char* pszFirstname = "Ann",
-                            const char* pszLastname = "Lee");
+                            const char* pszLastname = "Lee") const;
     // A stored doctor; returns the GUID.
-    static CString StoreDoctor(const char* pszFirstname, const char* pszLastname);
+    static CString StoreDoctor(const char* pszFirstname, const char* pszLastname, BOOL bTreating = FALSE);
+    // The text of the last entry in the audit log.
+    static CString LatestEvent();
 
     veltest::TemporaryPractice m_practice;
     dbCPatients m_patients;
     dbCPatients* m_pPatients = &m_patients;
     CString m_strGUID;
+    CString m_strIda, m_strGrace;      // Sorel and Bell, doctors of this practice
+    CString m_strNorth, m_strSouth;    // offices
+    CString m_strUrgent, m_strWaiting; // statuses
+    CString m_strHarbour;              // Harbour Mutual, an insurance company
 };
 
 // The sheet in a script.

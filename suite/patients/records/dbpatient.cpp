@@ -4,6 +4,7 @@
 #include "suite/patients/files/patientfiles.h"
 
 #include <algorithm>
+#include <utility>
 
 dbCPatient::dbCPatient() : m_pSelf(std::make_shared<dbCPatient*>(this))
 {
@@ -36,6 +37,16 @@ dbCPatient& dbCPatient::operator=(const dbCPatient& other)
     m_nRowVersion = other.m_nRowVersion;
     // A rollback concerns what the object was saved as, not what it holds now.
     m_pSelf = std::make_shared<dbCPatient*>(this);
+    return *this;
+}
+
+dbCPatient& dbCPatient::operator=(dbCPatient&& other)
+{
+    if (this == &other)
+        return *this;
+    *this = std::as_const(other);
+    m_pSelf = std::exchange(other.m_pSelf, std::make_shared<dbCPatient*>(&other));
+    *m_pSelf = this;
     return *this;
 }
 

@@ -33,6 +33,9 @@ public:
     ~dbCPatient() override;
     dbCPatient(const dbCPatient& other);
     dbCPatient& operator=(const dbCPatient& other);
+    /// Takes the other's place in the database too: when a transaction in which the other was saved is rolled
+    /// back later, it is this object that is no longer stored. The other keeps its values, without a place.
+    dbCPatient& operator=(dbCPatient&& other);
 
     /// Makes this an empty new patient again.
     void Initialize();
