@@ -128,7 +128,9 @@ bool CDlgArchive::RunLoad()
     for (const CString& strPath : paths)
     {
         bool bStop = false;
-        if (LoadOne(strPath, bSeveral, bStop) && bDelete && !::DeleteFile(strPath))
+        // An archive of which something was left behind is still needed.
+        if (LoadOne(strPath, bSeveral, bStop) && bDelete && !m_manager.LeftSomethingBehind() &&
+            !::DeleteFile(strPath))
             AfxMessageBox(velFormatTemplate(IDS_ARC_ARCHIVE_NOT_REMOVED, strPath),
                           MB_OK | MB_ICONEXCLAMATION);
         if (bStop || m_manager.IsHostClosing())

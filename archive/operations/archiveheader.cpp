@@ -2,12 +2,12 @@
 
 #include "archive/volumes/diskette.h"
 #include "archive/files/filenames.h"
-#include "archive/files/scratchfolder.h"
 #include "archive/zip/unzipper.h"
-#include "suite/util/velpath.h"
 
 namespace
 {
+constexpr std::uint64_t MaxPatientFile = 1 << 20; // bytes
+
 std::optional<arc::HeaderLine> ReadZippedHeader(arc::FileSystem& files, const std::string& archivePath)
 {
     CUnzipper unzipper(files);
@@ -20,10 +20,8 @@ std::optional<arc::HeaderLine> ReadZippedHeader(arc::FileSystem& files, const st
             return std::nullopt;
         if (!arc::EqualNoCase(arc::ExtensionOf(entry.name), arc::PatientFileExtension))
             continue;
-        arc::ScratchFolder scratch(files, velGetTempPath().GetString());
-        if (!scratch.Take() || !unzipper.UnzipCurrentEntry(scratch.Path(), true))
-            return std::nullopt;
-        return arc::ReadHeaderLine(files, arc::JoinPath(scratch.Path(), arc::FileNameOf(entry.name)));
+        std::string bytes;
+        return unzipper.ReadCurrentEntry(bytes, MaxPatientFile) ? arc::ParseHeaderLine(bytes) : std::nullopt;
     }
     return std::nullopt;
 }

@@ -7,6 +7,6 @@
 
 #include <optional>
 
-/// The header of the ".PF" inside a ".kaz", or the first line of a ".kar", "CURRENT.DAT" or ".PF"; nothing when it
-/// cannot be read. Unpacks no more than that one file, into the folder of temporary files, and removes it again.
+/// The header of the ".PF" inside a ".kaz", or the first line of a ".kar", "CURRENT.DAT" or ".PF"; nothing
+/// when it cannot be read. Reads no more than that one file and writes none.
 std::optional<arc::HeaderLine> arcReadArchiveHeader(LPCTSTR pszArchivePath);

@@ -8,9 +8,11 @@
 #include "archive/operations/archiverecord.h"
 #include "archive/files/filenames.h"
 #include "archive/operations/otherformats.h"
+#include "archive/work/filecopies.h"
 #include "archive/work/resultcodes.h"
 #include "suite/patients/store/dbexception.h"
 #include "suite/patients/files/dbplacement.h"
+#include "suite/patients/store/dbsteps.h"
 #include "suite/patients/store/dbtransaction.h"
 #include "suite/patients/records/veltrixlogin.h"
 #include "suite/util/velini.h"
@@ -22,6 +24,7 @@
 int arcCArchiveManager::StartLoad(const arcSLoad& load)
 {
     m_load = load;
+    m_bLeftBehind = false;
     const INT_PTR nResult =
         velGuard(arc::ResultNotArchived, IDS_ARC_UNEXPECTED, [this]() -> INT_PTR { return PrepareLoad(); });
     if (nResult != arc::ResultDone)
@@ -38,6 +41,7 @@ int arcCArchiveManager::PrepareLoad()
         AfxMessageBox(IDS_ARC_SCRATCH_BUSY, MB_OK | MB_ICONEXCLAMATION);
         return arc::ResultNotArchived;
     }
+    dbStep("load.begun");
 
     const strFilename archive(m_load.strArchivePath);
     arcSStatusWork work;
@@ -127,7 +131,7 @@ bool arcCArchiveManager::TakeUnpacked()
         if (!entry.info.IsFolder())
             names.push_back(entry.name);
     }
-    names = arcFilesToTake(archived, names);
+    dbStep("load.read");
     return m_load.strMergeID.IsEmpty() ? AddPatient(archived, names) : MergeInto(archived, names);
 }
 
@@ -157,23 +161,34 @@ bool arcCArchiveManager::CheckNew(const dbCPatient& archived) const
     return true;
 }
 
-bool arcCArchiveManager::AddPatient(dbCPatient& archived, const std::vector<std::string>& names)
+bool arcCArchiveManager::AddPatient(dbCPatient& archived, const std::vector<std::string>& unpacked)
 {
     const CString strID = archived.GetID();
     if (!LockPatient(strID, patLockExclusive) || !CheckNew(archived))
         return false;
 
+    arc::FileSystem& files = arc::WindowsFileSystem();
     dbCFilePlacement placement;
     const std::string folder = velGetDataPath().GetString();
-    for (const std::string& name : names)
+    std::vector<std::string> left;
+    for (const std::string& name : unpacked)
     {
+        const auto identity = pat::IdentifyFile(name, strID.GetString());
+        if (identity && pat::IsRecord(identity->kind))
+            continue;
+        const std::string source = arc::JoinPath(m_pScratch->Path(), name);
+        const std::string target = arc::JoinPath(folder, name);
         // What may be another patient's file stays as it is.
-        const bool isPerhapsForeign = pat::IdentifyFile(name, strID.GetString())->kind == pat::FileKind::Morph;
-        if (!isPerhapsForeign || !velFileExists(arc::JoinPath(folder, name).c_str()))
-            placement.Add(arc::JoinPath(m_pScratch->Path(), name).c_str(), name.c_str());
+        const bool bStays =
+            identity && identity->kind == pat::FileKind::Morph && !files.Query(target).IsAbsent();
+        if (identity && !bStays)
+            placement.Add(source.c_str(), name.c_str());
+        else if (!identity || !arc::SameContents(files, source, target))
+            left.push_back(name);
     }
     if (!Place(placement))
         return false;
+    dbStep("load.placed");
 
     dbCTransaction transaction;
     if (!Add(archived))
@@ -184,8 +199,17 @@ bool arcCArchiveManager::AddPatient(dbCPatient& archived, const std::vector<std:
     }
     CVeltrixLogin().AddArchivedPatientEvent(archived.GetGUID(), arcEventText(IDS_ARC_EVENT_LOADED, archived));
     placement.Keep();
+    dbStep("load.stored");
     transaction.Commit();
+    dbStep("load.committed");
 
+    m_bLeftBehind = !left.empty();
+    if (m_bLeftBehind)
+    {
+        CString strText;
+        strText.Format(IDS_ARC_FILES_LEFT, arcNameList(left).GetString());
+        AfxMessageBox(strText, MB_OK | MB_ICONEXCLAMATION);
+    }
     Notify(ARCHIVE_NOTIFY_LOADED, archived.GetGUID());
     Notify(ARCHIVE_NOTIFY_REFRESH, archived.GetGUID());
     if (VelApp()->GetPracticeManagement() != 0)
@@ -198,7 +222,7 @@ bool arcCArchiveManager::AddPatient(dbCPatient& archived, const std::vector<std:
     return true;
 }
 
-bool arcCArchiveManager::MergeInto(const dbCPatient& archived, const std::vector<std::string>& names)
+bool arcCArchiveManager::MergeInto(const dbCPatient& archived, const std::vector<std::string>& unpacked)
 {
     if (!LockPatient(m_load.strMergeID, patLockExclusive))
         return false;
@@ -225,9 +249,10 @@ bool arcCArchiveManager::MergeInto(const dbCPatient& archived, const std::vector
     }
 
     dbCFilePlacement placement;
-    for (const std::string& name : names)
+    for (const std::string& name : unpacked)
     {
-        const auto number = newNumbers.find(pat::IdentifyFile(name, archived.GetID().GetString())->timepoint);
+        const auto identity = pat::IdentifyFile(name, archived.GetID().GetString());
+        const auto number = identity ? newNumbers.find(identity->timepoint) : newNumbers.end();
         if (number == newNumbers.end())
             continue; // of no timepoint
         const std::string target = pat::MovedFileName(name, archived.GetID().GetString(),
@@ -237,11 +262,14 @@ bool arcCArchiveManager::MergeInto(const dbCPatient& archived, const std::vector
     if (!Place(placement))
         return false;
 
+    dbStep("merge.placed");
     dbCTransaction transaction;
     patient.Save();
     CVeltrixLogin().AddArchivedPatientEvent(patient.GetGUID(), arcEventText(IDS_ARC_EVENT_MERGED, patient));
     placement.Keep();
+    dbStep("merge.stored");
     transaction.Commit();
+    dbStep("merge.committed");
     Notify(ARCHIVE_NOTIFY_MERGED, patient.GetGUID());
     return true;
 }

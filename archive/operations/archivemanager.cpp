@@ -9,8 +9,41 @@
 
 #include <cstring>
 
+/// Gives a lock back; false when the database could not be asked.
+static bool TryUnlock(const CString& strID) noexcept
+{
+    try
+    {
+        dbCPatients().Unlock(strID);
+        return true;
+    }
+    catch (CException* e)
+    {
+        e->Delete();
+    }
+    catch (...)
+    {
+    }
+    return false;
+}
+
+void arcUnlockPatient(const CString& strID) noexcept
+try
+{
+    static std::vector<CString> waiting; // on the user interface thread only
+    std::erase_if(waiting, TryUnlock);
+    if (TryUnlock(strID))
+        return;
+    waiting.push_back(strID);
+    AfxMessageBox(velFormatTemplate(IDS_ARC_UNLOCK_FAILED, strID), MB_OK | MB_ICONEXCLAMATION);
+}
+catch (...)
+{
+    // The lock dies with this process.
+}
+
 arcCArchiveManager::arcCArchiveManager(CWnd* pOwner, CWnd* pHost)
-    : m_pOwner(pOwner), m_hHost(pHost->GetSafeHwnd())
+    : m_pOwner(pOwner), m_hHost(pHost->GetSafeHwnd()), m_recordFile(arc::WindowsFileSystem())
 {
 }
 
@@ -49,20 +82,8 @@ bool arcCArchiveManager::LockPatient(const CString& strID, int nMode)
 
 void arcCArchiveManager::UnlockPatient()
 {
-    if (m_strLockedID.IsEmpty())
-        return;
-    try
-    {
-        dbCPatients().Unlock(m_strLockedID);
-    }
-    catch (CException* e)
-    {
-        // The lock dies with this process.
-        e->Delete();
-    }
-    catch (...)
-    {
-    }
+    if (!m_strLockedID.IsEmpty())
+        arcUnlockPatient(m_strLockedID);
     m_strLockedID.Empty();
 }
 

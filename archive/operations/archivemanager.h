@@ -2,8 +2,10 @@
 #pragma once
 
 #include "archive/files/asidefile.h"
+#include "archive/files/fileset.h"
 #include "archive/files/scratchfolder.h"
 #include "archive/status/statusthread.h"
+#include "archive/work/recordfile.h"
 #include "suite/patients/records/dbpatients.h"
 
 #include <afxwin.h>
@@ -39,6 +41,10 @@ struct arcSLoad
     CString strArchivePath;
     CString strMergeID; ///< the patient to merge the timepoints into; empty to load a new patient
 };
+
+/// Gives a lock of this process back. One that cannot be given back now is with the next call, and the user
+/// is told.
+void arcUnlockPatient(const CString& strID) noexcept;
 
 /// Saves, loads and merges. Starting an operation leaves its copying to the status thread; when the thread
 /// reports to the owner window, that hands the result to FinishSave or FinishLoad, and the manager is idle
@@ -77,6 +83,11 @@ public:
     {
         return m_bHostCloses;
     }
+    /// Whether the load that ended last took less than all of the archive; the user has been told.
+    BOOL LeftSomethingBehind() const
+    {
+        return m_bLeftBehind;
+    }
     /// Of the operation that ended last: 0, or why it failed.
     int GetResult() const
     {
@@ -100,18 +111,18 @@ private:
 
     bool CheckSave() const;
     int PrepareSave();
-    void WriteDatabaseRecord(dbCPatient& patient) const;
-    void RemoveDatabaseRecord();
+    std::string WorkingPath(const std::string& id) const;
     bool MoveOldArchiveAside(const dbCPatient& patient);
     void RecordSave();
     void OfferRemoval(dbCPatient& patient);
+    void RemovePatient(const dbCPatient& patient) const;
     bool MayBeRemoved(const dbCPatient& patient) const;
 
     int PrepareLoad();
     bool TakeUnpacked();
     bool CheckNew(const dbCPatient& archived) const;
-    bool AddPatient(dbCPatient& archived, const std::vector<std::string>& names);
-    bool MergeInto(const dbCPatient& archived, const std::vector<std::string>& names);
+    bool AddPatient(dbCPatient& archived, const std::vector<std::string>& unpacked);
+    bool MergeInto(const dbCPatient& archived, const std::vector<std::string>& unpacked);
     void Notify(int nEvent, const CString& strGUID) const;
 
     CWnd* const m_pOwner;
@@ -124,9 +135,12 @@ private:
     bool m_bPassable = false; ///< the patient is in use, but may be archived; nothing is recorded then
 
     arcSSave m_save;
-    CString m_strRecordFile;             ///< ".ACV" of the save under way
+    arc::RecordFile m_recordFile;        ///< ".ACV" of the save under way
+    std::string m_record;                ///< what it holds
     std::vector<arc::AsideFile> m_aside; ///< what the save under way replaces
-    bool m_bPathWasTaken = false;        ///< something was at the archive's path that the save may not delete
+    std::shared_ptr<std::vector<arc::PresentFile>>
+        m_pStored; ///< what the zip of that save holds, as it went in
     arcSLoad m_load;
+    bool m_bLeftBehind = false;
     std::unique_ptr<arc::ScratchFolder> m_pScratch;
 };

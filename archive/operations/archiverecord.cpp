@@ -1,10 +1,12 @@
 #include "archive/operations/archiverecord.h"
 
 #include "app/fullname.h"
+#include "archive/res/archivedlgres.h"
 #include "archive/volumes/diskette.h"
 #include "archive/files/filenames.h"
 #include "archive/files/fileset.h"
 #include "archive/files/pathsafety.h"
+#include "archive/zip/unzipper.h"
 #include "patient/chartrules.h"
 #include "suite/patients/files/patientfile.h"
 #include "suite/patients/files/patimagetypes.h"
@@ -17,7 +19,9 @@
 
 namespace
 {
-constexpr int RecordBuffer = 4096; // bytes of the framework archive over the database record
+constexpr int RecordBuffer = 4096;                // bytes of the framework archive over the database record
+constexpr std::uint64_t MaxRecord = 80 << 20;     // bytes; no record that could be loaded is longer
+constexpr std::uint64_t MaxPatientFile = 1 << 20; // bytes
 
 // The present format, then the earlier one that other programs of the suite write.
 constexpr int RecordFormats[] = {1, 2};
@@ -36,13 +40,13 @@ const arc::ImageTypeTable& ImageTypes()
     return table;
 }
 
-bool ReadRecord(const std::string& path, dbCPatient& patient)
+bool ReadRecord(std::string bytes, dbCPatient& patient)
 {
     for (const int nFormat : RecordFormats)
     {
         try
         {
-            CFile file(path.c_str(), CFile::modeRead | CFile::shareDenyWrite);
+            CMemFile file(reinterpret_cast<BYTE*>(bytes.data()), static_cast<UINT>(bytes.size()));
             CArchive archive(&file, CArchive::load, RecordBuffer);
             patient.Serialize(archive, nFormat);
             return true;
@@ -53,6 +57,16 @@ bool ReadRecord(const std::string& path, dbCPatient& patient)
         }
     }
     return false;
+}
+
+std::optional<std::string> ReadWhole(arc::FileSystem& files, const std::string& path)
+{
+    const auto file = files.Open(path, arc::Access::ReadShared);
+    const auto size = file ? file->Size() : std::nullopt;
+    if (!size || *size > MaxRecord)
+        return std::nullopt;
+    std::string bytes(static_cast<std::size_t>(*size), '\0');
+    return file->Read(bytes.data(), bytes.size()) == bytes.size() ? std::optional(bytes) : std::nullopt;
 }
 
 // What came from outside must be a patient that could have been entered here.
@@ -71,6 +85,14 @@ bool IsSound(const dbCPatient& patient)
             return false;
     }
     return true;
+}
+
+// The record and the header of its patient file speak of one patient that could have been entered here.
+bool IsSoundFor(const arc::HeaderLine& header, const dbCPatient& patient)
+{
+    return IsSound(patient) &&
+           arc::EqualNoCase(header.id,
+                            std::string_view(patient.GetID().GetString()).substr(0, arc::HeaderFieldLength));
 }
 
 // The path of the only file with this extension; empty when there is none, nothing when there are several.
@@ -104,6 +126,21 @@ CString arcEventText(UINT nText, const patCPatient& patient)
                              patient.GetFirstname(patNameForText));
 }
 
+CString arcNameList(const std::vector<std::string>& names)
+{
+    constexpr std::size_t MaxShown = 10;
+    CString strList;
+    for (std::size_t i = 0; i < std::min(names.size(), MaxShown); ++i)
+        strList += CString(names[i].c_str()) + "\n";
+    if (names.size() > MaxShown)
+    {
+        CString strMore;
+        strMore.Format(IDS_ARC_AND_MORE, static_cast<int>(names.size() - MaxShown));
+        strList += strMore;
+    }
+    return strList;
+}
+
 std::vector<std::string> arcListedFiles(const patCPatient& patient)
 {
     std::vector<arc::TimepointFiles> timepoints;
@@ -119,13 +156,15 @@ std::vector<std::string> arcListedFiles(const patCPatient& patient)
     return arc::ListFileSet(patient.GetID().GetString(), timepoints, ImageTypes());
 }
 
-std::vector<std::string> arcFilesBesidePatterns(const patCPatient& patient)
+std::optional<std::vector<std::string>> arcFilesBesidePatterns(const patCPatient& patient)
 {
     const std::string folder = velGetDataPath().GetString();
     const std::vector<std::string> patterns = arc::ArchivePatterns(patient.GetID().GetString());
+    const auto present = arc::PresentFiles(arc::WindowsFileSystem(), folder, arcListedFiles(patient));
+    if (!present)
+        return std::nullopt;
     std::vector<std::string> paths;
-    for (const arc::PresentFile& file :
-         arc::PresentFiles(arc::WindowsFileSystem(), folder, arcListedFiles(patient)))
+    for (const arc::PresentFile& file : *present)
     {
         const bool isMatched = std::any_of(patterns.begin(), patterns.end(), [&](const std::string& pattern) {
             return arc::MatchesWildcard(file.name, pattern);
@@ -134,17 +173,6 @@ std::vector<std::string> arcFilesBesidePatterns(const patCPatient& patient)
             paths.push_back(arc::JoinPath(folder, file.name));
     }
     return paths;
-}
-
-std::vector<std::string> arcFilesToTake(const dbCPatient& archived, const std::vector<std::string>& names)
-{
-    const std::string id = archived.GetID().GetString();
-    std::vector<std::string> taken;
-    std::copy_if(names.begin(), names.end(), std::back_inserter(taken), [&](const std::string& name) {
-        const auto identity = pat::IdentifyFile(name, id);
-        return identity && !pat::IsRecord(identity->kind);
-    });
-    return taken;
 }
 
 bool arcReadUnpackedRecord(arc::FileSystem& files, const std::string& folder, dbCPatient& patient)
@@ -156,9 +184,54 @@ bool arcReadUnpackedRecord(arc::FileSystem& files, const std::string& folder, db
     const auto header = arc::ReadHeaderLine(files, *patientFile);
     if (!header)
         return false;
-    if (!(record->empty() ? patReadPatientFile(patientFile->c_str(), patient) : ReadRecord(*record, patient)))
+    const auto bytes = record->empty() ? std::nullopt : ReadWhole(files, *record);
+    if (!(record->empty() ? patReadPatientFile(patientFile->c_str(), patient) != FALSE
+                          : bytes && ReadRecord(*bytes, patient)))
         return false;
-    return IsSound(patient) &&
-           arc::EqualNoCase(header->id,
-                            std::string_view(patient.GetID().GetString()).substr(0, arc::HeaderFieldLength));
+    return IsSoundFor(*header, patient);
+}
+
+bool arcIsPatientFileOf(const std::string& path, const std::string& id)
+{
+    dbCPatient patient;
+    const auto header = arc::ReadHeaderLine(arc::WindowsFileSystem(), path);
+    return header && patReadPatientFile(path.c_str(), patient) && IsSoundFor(*header, patient) &&
+           arc::EqualNoCase(patient.GetID().GetString(), id);
+}
+
+bool arcTrialReading(const std::string& archivePath, const std::string& id, const std::string& guid)
+{
+    CUnzipper unzipper(arc::WindowsFileSystem());
+    if (!unzipper.OpenZip(archivePath))
+        return false;
+    std::string patientFile, record;
+    int nPatientFiles = 0, nRecords = 0;
+    for (bool more = unzipper.GoToFirstEntry(); more; more = unzipper.GoToNextEntry())
+    {
+        CUnzipper::EntryInfo entry;
+        if (!unzipper.CurrentEntryInfo(entry))
+            return false;
+        const std::string_view extension = arc::ExtensionOf(entry.name);
+        const bool bPatientFile = arc::EqualNoCase(extension, arc::PatientFileExtension);
+        const bool bRecord = arc::EqualNoCase(extension, ".ACV");
+        nPatientFiles += bPatientFile;
+        nRecords += bRecord;
+        if ((bPatientFile && !unzipper.ReadCurrentEntry(patientFile, MaxPatientFile)) ||
+            (bRecord && !unzipper.ReadCurrentEntry(record, MaxRecord)))
+            return false;
+    }
+    dbCPatient patient;
+    const auto header = arc::ParseHeaderLine(patientFile);
+    return nPatientFiles == 1 && nRecords == 1 && header && ReadRecord(record, patient) &&
+           IsSoundFor(*header, patient) && id == patient.GetID().GetString() &&
+           guid == patient.GetGUID().GetString();
+}
+
+std::string arcRecordBytes(dbCPatient& patient)
+{
+    CMemFile file;
+    CArchive archive(&file, CArchive::store, RecordBuffer);
+    patient.Serialize(archive);
+    archive.Close();
+    return {reinterpret_cast<const char*>(file.GetBufferPtr()), static_cast<std::size_t>(file.GetLength())};
 }

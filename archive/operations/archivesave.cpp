@@ -11,6 +11,7 @@
 #include "archive/files/pathsafety.h"
 #include "archive/work/resultcodes.h"
 #include "suite/patients/store/dbexception.h"
+#include "suite/patients/store/dbsteps.h"
 #include "suite/patients/store/dbtransaction.h"
 #include "suite/patients/records/veltrixlogin.h"
 #include "suite/util/velini.h"
@@ -19,23 +20,77 @@
 
 #include <shellapi.h>
 
+#include <algorithm>
+
 namespace
 {
-constexpr int RecordBuffer = 4096; // bytes of the framework archive over the database record
-
-/// Sets or clears a file's hidden attribute by the system's own command, which goes on by itself.
+/// Sets or clears a file's hidden attribute by the system's own command, which goes on by itself. Only the
+/// system's folder is looked into for it.
 void SetHidden(const CString& strPath, bool bHidden)
 {
+    char szSystem[MAX_PATH];
+    const UINT nLength = ::GetSystemDirectory(szSystem, sizeof(szSystem));
+    if (nLength == 0 || nLength >= sizeof(szSystem))
+        return;
     const CString strArguments = CString(bHidden ? "+h " : "-h ") + "\"" + strPath + "\"";
-    ::ShellExecute(nullptr, "open", "attrib", strArguments, nullptr, SW_HIDE);
+    ::ShellExecute(nullptr, "open", velWithBackslash(szSystem) + "attrib.exe", strArguments, szSystem,
+                   SW_HIDE);
 }
 
+/// Whether this is the folder of the live patient files, by whatever path.
 bool IsWorkingFolder(std::string_view folder)
 {
     arc::FileSystem& files = arc::WindowsFileSystem();
     const std::string working(arc::FolderOf(velGetDataPath().GetString()));
-    return arc::EqualNoCase(files.Absolute(std::string(folder)), files.Absolute(working));
+    const std::string identity = files.Identity(std::string(folder));
+    return arc::EqualNoCase(files.Absolute(std::string(folder)), files.Absolute(working)) ||
+           (!identity.empty() && identity == files.Identity(working));
 }
+
+/// Writes the patient file anew where there is none that a load would take; false, with the user told, when
+/// that cannot be done.
+bool EnsurePatientFile(const dbCPatient& patient)
+{
+    const std::string id = patient.GetID().GetString();
+    const std::string path = arc::JoinPath(velGetDataPath().GetString(), arc::PatientFileName(id));
+    if (!arcIsPatientFileOf(path, id))
+        patient.WritePatientFile();
+    if (arcIsPatientFileOf(path, id))
+        return true;
+    AfxMessageBox(velFormatTemplate(IDS_ARC_NO_PATIENT_FILE, path.c_str()), MB_OK | MB_ICONSTOP);
+    return false;
+}
+
+/// An exclusive lock of a patient for the length of a scope.
+class PatientLock
+{
+public:
+    explicit PatientLock(const CString& strID) : m_strID(strID)
+    {
+        m_bHeld = dbCPatients().LockPatient(strID, patLockExclusive, &m_strHolder) == patLockFree;
+    }
+    ~PatientLock()
+    {
+        if (m_bHeld)
+            arcUnlockPatient(m_strID);
+    }
+    PatientLock(const PatientLock&) = delete;
+    PatientLock& operator=(const PatientLock&) = delete;
+
+    bool IsHeld() const
+    {
+        return m_bHeld;
+    }
+    const CString& GetHolder() const
+    {
+        return m_strHolder;
+    }
+
+private:
+    const CString m_strID;
+    CString m_strHolder;
+    bool m_bHeld = false;
+};
 
 bool DriveHoldsFiles(const CString& strPath)
 {
@@ -48,14 +103,14 @@ bool DriveHoldsFiles(const CString& strPath)
 int arcCArchiveManager::StartSave(const arcSSave& save)
 {
     m_save = save;
-    m_strRecordFile.Empty();
     m_aside.clear();
+    m_pStored = std::make_shared<std::vector<arc::PresentFile>>();
     const INT_PTR nResult = velGuard(arc::ResultNotArchived, IDS_ARC_UNEXPECTED, [this]() -> INT_PTR {
         return CheckSave() ? PrepareSave() : arc::ResultNotArchived;
     });
     if (nResult == arc::ResultDone)
         return arc::ResultDone;
-    RemoveDatabaseRecord();
+    m_recordFile.Remove();
     for (arc::AsideFile& old : m_aside)
         old.PutBack();
     m_aside.clear();
@@ -89,8 +144,13 @@ bool arcCArchiveManager::CheckSave() const
 /// Up to the running thread.
 int arcCArchiveManager::PrepareSave()
 {
+    arc::FileSystem& files = arc::WindowsFileSystem();
+    const std::string id = m_save.strID.GetString();
+    const std::string temporary = velGetTempPath().GetString();
+    arc::RecordFile::ClearAbandoned(files, temporary);
     if (!LockPatient(m_save.strID, m_save.bKeepOthersOut ? patLockExclusive : patLockShared))
         return arc::ResultNotArchived;
+    dbStep("save.locked");
     const bool bDiskette = arc::IsDisketteDrive(m_save.strArchivePath.GetString());
     if (bDiskette && DriveHoldsFiles(m_save.strArchivePath) &&
         AfxMessageBox(IDS_ARC_DISK_OTHER_PATIENT, MB_YESNO | MB_ICONQUESTION) != IDYES)
@@ -101,10 +161,12 @@ int arcCArchiveManager::PrepareSave()
     dbCPatient patient;
     if (!patient.Load(m_save.strID))
         dbCException::Throw(dbErrNotFound, m_save.strID);
+    if (!EnsurePatientFile(patient))
+        return arc::ResultNotArchived;
     const bool bKeepsOld = !bDiskette && m_save.nFormat != arcFormatZipped;
     if (bKeepsOld && !MoveOldArchiveAside(patient))
         return arc::ResultNotArchived;
-    m_bPathWasTaken = !arc::WindowsFileSystem().Query(m_save.strArchivePath.GetString()).IsAbsent();
+    dbStep("save.prepared");
 
     arcSStatusWork work;
     work.bSave = TRUE;
@@ -115,12 +177,30 @@ int arcCArchiveManager::PrepareSave()
     work.bAlternativeEngine = velGetIniInt("Defaults", "UseDynaZip", 0) != 0;
     if (m_save.nFormat == arcFormatZipped)
     {
-        m_strRecordFile =
-            arc::DatabaseRecordName(velGetTempPath().GetString(), m_save.strID.GetString()).c_str();
-        WriteDatabaseRecord(patient);
-        work.strFileList = arc::ArchivePatternArgument(m_save.strID.GetString()).c_str();
-        work.moreFiles = arcFilesBesidePatterns(patient);
-        work.moreFiles.push_back(m_strRecordFile.GetString());
+        m_record = arcRecordBytes(patient);
+        if (!m_recordFile.Write(temporary, id, m_record))
+        {
+            AfxMessageBox(
+                velFormatTemplate(IDS_ARC_RECORD_BUSY, arc::DatabaseRecordName(temporary, id).c_str()),
+                MB_OK | MB_ICONSTOP);
+            return arc::ResultNotArchived;
+        }
+        dbStep("save.record");
+        const auto more = arcFilesBesidePatterns(patient);
+        if (!more)
+        {
+            AfxMessageBox(arc::SaveResultText(arc::ResultSaveFailed), MB_OK | MB_ICONSTOP);
+            return arc::ResultNotArchived;
+        }
+        work.strFileList = arc::ArchivePatternArgument(id).c_str();
+        work.moreFiles = *more;
+        work.moreFiles.push_back(m_recordFile.Path());
+        work.strWorkingPath = WorkingPath(id).c_str();
+        work.pStored = m_pStored;
+        work.trial = [id, guid = std::string(patient.GetGUID().GetString())](const std::string& path) {
+            return arcTrialReading(path, id, guid);
+        };
+        work.step = dbStep;
     }
     else
     {
@@ -129,21 +209,14 @@ int arcCArchiveManager::PrepareSave()
     return StartThread(work, Work::Save);
 }
 
-/// Writes the ".ACV" file.
-void arcCArchiveManager::WriteDatabaseRecord(dbCPatient& patient) const
+/// The name that the zip has while it is written: one that nothing has.
+std::string arcCArchiveManager::WorkingPath(const std::string& id) const
 {
-    CFile file(m_strRecordFile, CFile::modeCreate | CFile::modeWrite | CFile::shareExclusive);
-    CArchive archive(&file, CArchive::store, RecordBuffer);
-    patient.Serialize(archive);
-    archive.Close();
-    file.Close();
-}
-
-void arcCArchiveManager::RemoveDatabaseRecord()
-{
-    if (!m_strRecordFile.IsEmpty())
-        ::DeleteFile(m_strRecordFile);
-    m_strRecordFile.Empty();
+    const std::string name = arc::WorkingZipName(arc::FolderOf(m_save.strArchivePath.GetString()), id);
+    std::string path = name;
+    for (int n = 2; n < 100 && !arc::WindowsFileSystem().Query(path).IsAbsent(); ++n)
+        path = name + std::to_string(n);
+    return path;
 }
 
 /// Keeps the files of an archive that the save replaces until the new one is known to be good. (Zipped
@@ -167,14 +240,13 @@ void arcCArchiveManager::FinishSave(int nResult)
 {
     if (!TakeThread(Work::Save))
         return;
-    RemoveDatabaseRecord();
+    m_recordFile.Remove();
+    dbStep("save.worked");
     velGuard(0, IDS_ARC_UNEXPECTED, [&]() -> INT_PTR {
         if (velFileExists(m_save.strArchivePath))
             SetHidden(m_save.strArchivePath, false);
         if (nResult == arc::ResultDone)
             RecordSave();
-        else if (!m_bPathWasTaken)
-            ::DeleteFile(m_save.strArchivePath);
         return 0;
     });
     m_aside.clear();
@@ -192,6 +264,7 @@ void arcCArchiveManager::RecordSave()
     if (!m_bPassable)
         CVeltrixLogin().AddArchivedPatientEvent(patient.GetGUID(),
                                                 arcEventText(IDS_ARC_EVENT_SAVED, patient));
+    dbStep("save.recorded");
     // The other formats leave out what only the database record holds.
     if (m_save.nFormat == arcFormatZipped)
         OfferRemoval(patient);
@@ -209,35 +282,42 @@ void arcCArchiveManager::OfferRemoval(dbCPatient& patient)
     if (!bRemove || !MayBeRemoved(patient))
         return;
 
+    // The lock of the save may be one that lets others look, and change.
+    const PatientLock lock(patient.GetID());
+    if (!lock.IsHeld())
+    {
+        AfxMessageBox(velFormatTemplate(IDS_ARC_IN_USE, patient.GetID(), lock.GetHolder()),
+                      MB_OK | MB_ICONEXCLAMATION);
+        return;
+    }
+    dbCPatient present;
+    if (!present.Load(patient.GetID()) || arcRecordBytes(present) != m_record)
+    {
+        AfxMessageBox(velFormatTemplate(IDS_ARC_CHANGED_SINCE, patient.GetID()), MB_OK | MB_ICONEXCLAMATION);
+        return;
+    }
+    RemovePatient(present);
+    Notify(ARCHIVE_NOTIFY_REMOVED, patient.GetGUID());
+}
+
+void arcCArchiveManager::RemovePatient(const dbCPatient& patient) const
+{
     const CWaitCursor wait;
     dbCTransaction transaction;
     dbCPatients().DeletePatient(patient.GetGUID());
     CVeltrixLogin().AddPatientDeletedEvent(patient.GetGUID(), arcEventText(IDS_ARC_EVENT_DELETED, patient));
     transaction.Commit();
-    Notify(ARCHIVE_NOTIFY_REMOVED, patient.GetGUID());
 }
 
-/// False, with the user told, for a patient who owes something or whom somebody else is looking at.
+/// False, with the user told, for a patient who owes something.
 bool arcCArchiveManager::MayBeRemoved(const dbCPatient& patient) const
 {
-    if (VelApp()->GetPracticeManagement() != 0 && !patient.CanDeletePatient())
-    {
-        const CString strText = m_save.bSeveralPatients
-                                    ? velFormatTemplate(IDS_ARC_BALANCE_RUN, patient.GetLastname(),
-                                                        patient.GetFirstname(), patient.GetID())
-                                    : CString(MAKEINTRESOURCE(IDS_ARC_BALANCE));
-        AfxMessageBox(strText, MB_OK | MB_ICONEXCLAMATION);
-        return false;
-    }
-    // The lock of the save may be one that lets others look.
-    dbCPatients patients;
-    CString strHolder;
-    const int nLock = patients.LockPatient(patient.GetID(), patLockExclusive, &strHolder);
-    if (nLock == patLockFree)
-    {
-        patients.Unlock(patient.GetID());
+    if (VelApp()->GetPracticeManagement() == 0 || patient.CanDeletePatient())
         return true;
-    }
-    AfxMessageBox(velFormatTemplate(IDS_ARC_IN_USE, patient.GetID(), strHolder), MB_OK | MB_ICONEXCLAMATION);
+    const CString strText = m_save.bSeveralPatients
+                                ? velFormatTemplate(IDS_ARC_BALANCE_RUN, patient.GetLastname(),
+                                                    patient.GetFirstname(), patient.GetID())
+                                : CString(MAKEINTRESOURCE(IDS_ARC_BALANCE));
+    AfxMessageBox(strText, MB_OK | MB_ICONEXCLAMATION);
     return false;
 }

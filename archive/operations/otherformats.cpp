@@ -4,11 +4,16 @@
 #include "archive/operations/archiverecord.h"
 #include "archive/volumes/diskettevolumes.h"
 #include "archive/files/fileset.h"
+#include "archive/files/foldertree.h"
+#include "archive/files/outputfile.h"
 #include "archive/files/pathsafety.h"
+#include "archive/work/filecopies.h"
 #include "archive/work/resultcodes.h"
 #include "archive/volumes/volumestream.h"
 #include "suite/patients/files/patientfile.h"
+#include "suite/patients/store/dbsteps.h"
 #include "suite/util/velpath.h"
+#include "suite/util/velstring.h"
 
 #include <algorithm>
 
@@ -63,10 +68,23 @@ public:
     {
         m_progress(0, Text(IDS_ARC_DISK_ERASING).GetString());
     }
+    void Writing(int number) override
+    {
+        if (m_nVolumes > 1)
+            m_progress(0, velFormatTemplate(IDS_ARC_DISK_OF, std::to_string(number).c_str(),
+                                            std::to_string(m_nVolumes).c_str())
+                              .GetString());
+    }
+    /// How many diskettes the save is expected to take; 0 where that is not known.
+    void SetVolumes(std::uint64_t nVolumes)
+    {
+        m_nVolumes = nVolumes;
+    }
 
 private:
     const arcAsk& m_ask;
     const arcProgress& m_progress;
+    std::uint64_t m_nVolumes = 0;
 };
 
 // The thread's result for a stream; what the result code has no message for is told here.
@@ -113,9 +131,21 @@ arc::LocalTime Now()
 
 bool WriteLabelFile(arc::FileSystem& files, const std::string& path, const arc::HeaderLine& header)
 {
-    const auto label = files.Open(path, arc::Access::Replace);
+    arc::OutputFile label(files);
     const std::string line = arc::WriteHeaderLine(header);
-    return label && label->Write(line.data(), line.size()) && label->FlushToDisk() && label->Close();
+    return label.CreateNew(path) && label.Write(line.data(), line.size()) && label.Keep(nullptr, true) &&
+           arc::ReadHeaderLine(files, path) == arc::ParseHeaderLine(line);
+}
+
+// The listed files that are there, the patient file first; nothing when that is missing or one cannot be
+// asked.
+std::optional<std::vector<arc::PresentFile>> FilesToSave(const std::string& folder,
+                                                         const std::vector<std::string>& listed)
+{
+    auto set = arc::PresentFiles(arc::WindowsFileSystem(), folder, listed);
+    if (set && (set->empty() || set->front().name != listed.front()))
+        set.reset();
+    return set;
 }
 
 // A patient on the way into a volume stream: what the thread needs of it.
@@ -130,15 +160,20 @@ struct VolumeSave
     int ToFolder(const arcAsk& ask, const arc::VolumeProgress& progress) const
     {
         arc::FileSystem& files = arc::WindowsFileSystem();
-        const auto set = arc::PresentFiles(files, workingFolder, listed);
+        const auto set = FilesToSave(workingFolder, listed);
+        if (!set)
+            return arc::ResultSaveFailed;
         arc::FolderVolumes volumes(files, std::string(arc::FolderOf(archivePath)), header.id);
-        VolumeStatus status = arc::WriteVolumeStream(files, workingFolder, set, Now(), volumes, progress);
+        VolumeStatus status = arc::WriteVolumeStream(files, workingFolder, *set, Now(), volumes, progress);
+        dbStep("save.written");
         if (status == VolumeStatus::Done)
-            status = arc::VerifyVolumeStream(files, workingFolder, set, volumes);
+            status = Prove(*set, volumes);
+        dbStep("save.proven");
         if (status == VolumeStatus::Done && !WriteLabelFile(files, archivePath, header))
             status = VolumeStatus::WriteFailed;
         if (status != VolumeStatus::Done)
             volumes.RemoveWritten();
+        dbStep("save.placed");
         return ResultOf(ask, status, arc::ResultSaveFailed);
     }
 
@@ -146,72 +181,34 @@ struct VolumeSave
     {
         arc::FileSystem& files = arc::WindowsFileSystem();
         CDiskettePrompts prompts(ask, show);
-        const auto set = arc::PresentFiles(files, workingFolder, listed);
+        const auto set = FilesToSave(workingFolder, listed);
+        if (!set)
+            return arc::ResultSaveFailed;
+        const auto space = files.Space(std::string(1, archivePath.front()) + ":\\");
+        if (space)
+            prompts.SetVolumes(arc::EstimateVolumes(arc::StreamLength(*set), header, space->bytesPerCluster,
+                                                    space->totalClusters));
         arc::DisketteVolumes volumes(files, prompts, archivePath.front(), header, confirmed);
-        VolumeStatus status = arc::WriteVolumeStream(files, workingFolder, set, Now(), volumes, progress);
+        VolumeStatus status = arc::WriteVolumeStream(files, workingFolder, *set, Now(), volumes, progress);
         if (status == VolumeStatus::Done && volumes.VolumesWritten() > 1)
             ask(Text(IDS_ARC_DISK_FIRST_AGAIN), MB_OK | MB_ICONINFORMATION);
         if (status == VolumeStatus::Done)
-            status = arc::VerifyVolumeStream(files, workingFolder, set, volumes);
+            status = Prove(*set, volumes);
         return ResultOf(ask, status, arc::ResultSaveFailed);
     }
+
+    // The volumes hold the very bytes of the files, and the patient file is one that a load takes.
+    VolumeStatus Prove(const std::vector<arc::PresentFile>& set, arc::VolumeSource& volumes) const
+    {
+        const VolumeStatus status =
+            arc::VerifyVolumeStream(arc::WindowsFileSystem(), workingFolder, set, volumes);
+        if (status != VolumeStatus::Done)
+            return status;
+        return arcIsPatientFileOf(arc::JoinPath(workingFolder, set.front().name), header.id)
+                   ? status
+                   : VolumeStatus::Corrupt;
+    }
 };
-
-bool SameContents(arc::File& left, arc::File& right)
-{
-    constexpr std::size_t Bytes = 64 * 1024;
-    std::vector<char> leftBytes(Bytes), rightBytes(Bytes);
-    for (;;)
-    {
-        const auto leftRead = left.Read(leftBytes.data(), Bytes);
-        const auto rightRead = right.Read(rightBytes.data(), Bytes);
-        if (!leftRead || !rightRead || *leftRead != *rightRead)
-            return false;
-        if (*leftRead == 0)
-            return true;
-        if (!std::equal(leftBytes.begin(), leftBytes.begin() + static_cast<std::ptrdiff_t>(*leftRead),
-                        rightBytes.begin()))
-        {
-            return false;
-        }
-    }
-}
-
-// Copies and reads the copy back.
-bool CopyChecked(arc::FileSystem& files, const std::string& from, const std::string& to)
-{
-    if (!velCopyFile(from.c_str(), to.c_str()))
-        return false;
-    const auto source = files.Open(from, arc::Access::ReadShared);
-    const auto copy = files.Open(to, arc::Access::ReadShared);
-    return source && copy && SameContents(*source, *copy);
-}
-
-// Copies files of a folder one by one; on failure none of the copies stays.
-bool CopyAll(const std::string& from, const std::vector<arc::PresentFile>& set, const std::string& to,
-             const arcProgress& progress)
-{
-    arc::FileSystem& files = arc::WindowsFileSystem();
-    std::vector<std::string> made;
-    for (const arc::PresentFile& file : set)
-    {
-        progress(static_cast<int>(made.size() * 100 / set.size()), file.name);
-        const std::string target = arc::JoinPath(to, file.name);
-        // Only what was not there before may be taken away again.
-        const bool isNew = !files.Query(target);
-        if (!isNew || !CopyChecked(files, arc::JoinPath(from, file.name), target))
-        {
-            if (isNew)
-                files.RemoveFile(target);
-            for (const std::string& path : made)
-                files.RemoveFile(path);
-            return false;
-        }
-        made.push_back(target);
-    }
-    progress(100, {});
-    return true;
-}
 
 // The live ".PF" makes way for one of the earlier format for the length of a save.
 int SaveEarlierFormat(const dbCPatient& patient, const std::vector<std::string>& listed,
@@ -222,8 +219,15 @@ int SaveEarlierFormat(const dbCPatient& patient, const std::vector<std::string>&
     {
         const patCEarlierFile earlier(patient);
         const std::string working = velGetDataPath().GetString();
-        if (CopyAll(working, arc::PresentFiles(files, working, listed), folder, progress))
+        const auto set = FilesToSave(working, listed);
+        dbStep("save.patientFile");
+        if (!set || !arc::CopyAllNew(files, working, *set, folder, progress))
+            return arc::ResultSaveFailed;
+        dbStep("save.written");
+        if (arcIsPatientFileOf(arc::JoinPath(folder, set->front().name), patient.GetID().GetString()))
             return arc::ResultDone;
+        for (const arc::PresentFile& file : *set)
+            files.RemoveFile(arc::JoinPath(folder, file.name));
     }
     catch (CException* e)
     {
@@ -241,10 +245,14 @@ int LoadEarlierFormat(const std::string& archivePath, const std::string& scratch
         dbCPatient patient;
         std::vector<arc::PresentFile> found;
         const std::string folder(arc::FolderOf(archivePath));
+        // The patient is read from a copy beside the scratch folder, which this load has to itself.
+        const std::string copy = arc::JoinPath(arc::FolderOf(scratchFolder), arc::ScratchPatientFile);
         const bool bRead =
-            patReadPatientFile(archivePath.c_str(), patient) &&
+            arc::RemoveTree(files, copy) && arc::CopyNew(files, archivePath, copy) &&
+            patReadPatientFile(copy.c_str(), patient) &&
             arc::FilesToArchive(files, folder, patient.GetID().GetString(), arcListedFiles(patient), found);
-        if (bRead && CopyAll(folder, found, scratchFolder, progress))
+        files.RemoveFile(copy);
+        if (bRead && arc::CopyAllNew(files, folder, found, scratchFolder, progress))
             return arc::ResultDone;
     }
     catch (CException* e)
@@ -283,25 +291,29 @@ std::vector<std::string> arcFilesOfArchive(const dbCPatient& patient, arcFormat 
     arc::FileSystem& files = arc::WindowsFileSystem();
     const std::string folder(arc::FolderOf(pszArchivePath));
     std::vector<std::string> paths;
-    if (files.Query(pszArchivePath))
+    if (!files.Query(pszArchivePath).IsAbsent())
         paths.emplace_back(pszArchivePath);
     if (nFormat == arcFormatVolumes)
     {
         for (int nVolume = 1; nVolume <= arc::MaxVolumes; ++nVolume)
         {
             const std::string path = arc::VolumeFileName(folder, patient.GetID().GetString(), nVolume);
-            if (!files.Query(path))
+            if (files.Query(path).IsAbsent())
                 break;
             paths.push_back(path);
         }
     }
     else if (nFormat == arcFormatEarlier)
     {
-        for (const arc::PresentFile& file : arc::PresentFiles(files, folder, arcListedFiles(patient)))
+        for (const std::string& name : arcListedFiles(patient))
         {
-            const std::string path = arc::JoinPath(folder, file.name);
-            if (!arc::EqualNoCase(path, pszArchivePath))
-                paths.push_back(path);
+            for (const std::string& candidate : {name, arc::AlternateImageName(name)})
+            {
+                const std::string path = arc::JoinPath(folder, candidate);
+                if (!candidate.empty() && !arc::EqualNoCase(path, pszArchivePath) &&
+                    !files.Query(path).IsAbsent())
+                    paths.push_back(path);
+            }
         }
     }
     return paths;

@@ -26,3 +26,11 @@
 #define IDS_ARC_ARCHIVE_NOT_REMOVED    9907
 #define IDS_ARC_FILTER_LOAD            9908
 #define IDS_ARC_WORKING_FOLDER         9909
+#define IDS_ARC_DISK_OF                9910
+#define IDS_ARC_FILES_STAY             9911
+#define IDS_ARC_FILES_LEFT             9912
+#define IDS_ARC_CHANGED_SINCE          9913
+#define IDS_ARC_UNLOCK_FAILED          9914
+#define IDS_ARC_RECORD_BUSY            9915
+#define IDS_ARC_NO_PATIENT_FILE        9916
+#define IDS_ARC_AND_MORE               9917

@@ -100,8 +100,11 @@ arcWork arcCDlgArchiveProgress::MakeWork() const
     save.moreFiles = m_work.moreFiles;
     save.diskette = m_work.bDiskette != FALSE;
     save.checking = strChecking.GetString();
-    return [save](const arcAsk&, const arcProgress& progress) {
-        return arc::SaveZip(arc::WindowsFileSystem(), save, progress);
+    save.workingPath = m_work.strWorkingPath.GetString();
+    save.trial = m_work.trial;
+    save.step = m_work.step;
+    return [save, pStored = m_work.pStored](const arcAsk&, const arcProgress& progress) {
+        return arc::SaveZip(arc::WindowsFileSystem(), save, progress, pStored.get());
     };
 }
 

@@ -1,6 +1,7 @@
 // The thread on which an archive is written or read, with its progress dialog.
 #pragma once
 
+#include "archive/files/fileset.h"
 #include "archive/res/archiveres.h"
 
 #include <afxwin.h>
@@ -35,9 +36,14 @@ struct arcSStatusWork
     CString strFileList;                ///< save: quoted patterns, looked for in strFolder
     std::vector<std::string> moreFiles; ///< save: full paths of further files, stored under their bare names
     CString strArchivePath;             ///< the ".kaz" file to write or read
+    CString strWorkingPath;             ///< save: the zip's name until it is good; empty: the archive's own
     CString strFolder;                  ///< save: the working folder; load: the folder to unzip into
     HWND hOwner = nullptr;              ///< receives arcMsgSaveEnded or arcMsgLoadEnded
     BOOL bAlternativeEngine = FALSE;    ///< the setting `UseDynaZip`; carried, without effect
+
+    std::function<bool(const std::string&)> trial;          ///< save: a trial reading of the zip at this path
+    void (*step)(const char*) = nullptr;                    ///< save: told of each step
+    std::shared_ptr<std::vector<arc::PresentFile>> pStored; ///< save: receives what went in
 
     /// For archives that are no zip: all of the work. What the table of result codes has no message for it
     /// shows itself.

@@ -8,7 +8,8 @@ namespace arc
 {
 DisketteVolumes::DisketteVolumes(FileSystem& files, DiskettePrompts& prompts, char drive, HeaderLine patient,
                                  bool firstConfirmed)
-    : m_files(files), m_prompts(prompts), m_drive(drive), m_patient(std::move(patient)), m_bConfirmed(firstConfirmed)
+    : m_files(files), m_prompts(prompts), m_drive(drive), m_patient(std::move(patient)),
+      m_bConfirmed(firstConfirmed)
 {
 }
 
@@ -59,7 +60,8 @@ bool DisketteVolumes::WriteLabel()
     return label && label->Write(line.data(), line.size()) && label->FlushToDisk() && label->Close();
 }
 
-VolumeStatus DisketteVolumes::OpenForWriting(int number, std::unique_ptr<File>& volume, std::uint64_t& capacity)
+VolumeStatus DisketteVolumes::OpenForWriting(int number, std::unique_ptr<File>& volume,
+                                             std::uint64_t& capacity)
 {
     if (!AgreeToUse(number))
         return VolumeStatus::Cancelled;
@@ -76,6 +78,7 @@ VolumeStatus DisketteVolumes::OpenForWriting(int number, std::unique_ptr<File>& 
     volume = m_files.Open(VolumePath(number), Access::Replace);
     if (!volume)
         return VolumeStatus::OpenFailed;
+    m_prompts.Writing(number);
     m_nWritten = number;
     m_nInDrive = number;
     return VolumeStatus::Done;

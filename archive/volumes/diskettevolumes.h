@@ -25,15 +25,18 @@ public:
     virtual void Unreadable(char drive) = 0;
     // Shown while a diskette is erased.
     virtual void Erasing() = 0;
+    // A diskette is about to be written.
+    virtual void Writing(int number) = 0;
 };
 
-// For one save or load of one patient, on one thread; files and prompts must outlive it. A diskette is erased before
-// it is written; the first one also receives the label file.
+// For one save or load of one patient, on one thread; files and prompts must outlive it. A diskette is erased
+// before it is written; the first one also receives the label file.
 class DisketteVolumes : public VolumeDestination, public VolumeSource
 {
 public:
     // firstConfirmed: the user has already agreed to lose what the diskette in the drive holds.
-    DisketteVolumes(FileSystem& files, DiskettePrompts& prompts, char drive, HeaderLine patient, bool firstConfirmed);
+    DisketteVolumes(FileSystem& files, DiskettePrompts& prompts, char drive, HeaderLine patient,
+                    bool firstConfirmed);
 
     std::uint64_t ExpectedCapacity() override;
     VolumeStatus OpenForWriting(int number, std::unique_ptr<File>& volume, std::uint64_t& capacity) override;

@@ -195,6 +195,9 @@ public:
     void Erasing() override
     {
     }
+    void Writing(int) override
+    {
+    }
 };
 
 class DisketteVolumesTest : public testing::Test
