@@ -37,9 +37,9 @@ BOOL CRecordDialog::OnHelpKey(UINT nHelpID)
     return TRUE;
 }
 
-bool CRecordDialog::Attempt(const std::function<void()>& work)
+bool CRecordDialog::Attempt(const std::function<void()>& work, UINT nMessage)
 {
-    return velGuard(IDCANCEL, IDS_RECORD_FAILED, [&]() -> INT_PTR {
+    return velGuard(IDCANCEL, nMessage, [&]() -> INT_PTR {
                work();
                return IDOK;
            }) == IDOK;

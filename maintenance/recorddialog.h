@@ -1,6 +1,7 @@
 #pragma once
 
 #include "controls/bitmapbutton.h"
+#include "maintenance/maintenanceres.h"
 #include "maintenance/message.h"
 #include "suite/dialogs/mfcdialog.h"
 
@@ -20,9 +21,9 @@ protected:
     void DoDataExchange(CDataExchange* pDX) override;
     BOOL OnHelpKey(UINT nHelpID) override;
 
-    /// Does something with the database. A failure is told to the user, the dialog stays as it is, and the
-    /// answer is false.
-    static bool Attempt(const std::function<void()>& work);
+    /// Does something that may fail. A failure is told to the user once, at the marker of the message, the
+    /// dialog stays as it is, and the answer is false.
+    static bool Attempt(const std::function<void()>& work, UINT nMessage = IDS_RECORD_FAILED);
 
     /// Sets a control's text without touching one that shows it already.
     void ShowText(int nID, const CString& strText);
