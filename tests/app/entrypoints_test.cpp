@@ -258,23 +258,4 @@ TEST_F(EntryPoints, AnEventThatCannotBeRecordedIsToldAndTheResultStaysOK)
     }
 }
 
-TEST_F(EntryPoints, CancelledRenameEmptiesItsOutputs)
-{
-    dbCPatient patient = Store("B2", "Bo", "Lee");
-    CString last = "1";
-    CString first = "2";
-    CString passed = "3";
-    CString timepoint = "4";
-    COleDateTime date(2020, 1, 2, 3, 4, 5);
-    RENAME_OP operation = RENAME_TIMEPOINT;
-    for (RENAME_OP* const out : {&operation, static_cast<RENAME_OP*>(nullptr)})
-    {
-        EXPECT_EQ(RenameDlg(nullptr, 1, &patient, 0, "passed", out, last, first, passed, timepoint, date),
-                  IDCANCEL);
-        EXPECT_TRUE(last.IsEmpty() && first.IsEmpty() && passed.IsEmpty() && timepoint.IsEmpty());
-        EXPECT_EQ(date.GetStatus(), COleDateTime::invalid);
-    }
-    EXPECT_EQ(operation, RENAME_TIMEPOINT);
-}
-
 } // namespace

@@ -1,0 +1,179 @@
+#pragma once
+
+#include <afxwin.h>
+
+#include "suite/timepointnames/timepointnames.h"
+
+#include <objbase.h>
+#include <oleauto.h>
+
+#include <string>
+#include <vector>
+
+// Interfaces of COM have no destructor.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
+
+/// The component of predefined timepoint names, answered by the test: a list in memory whose methods fail on
+/// request. It is registered for this process and stands before a component that is installed. The object
+/// lives on the test's stack, so references are not counted.
+class FakeNames final : public ITimepointNames, public ISupportErrorInfo, public IClassFactory
+{
+public:
+    enum Method
+    {
+        none,
+        create,
+        listAvailable,
+        count,
+        item,
+        removeAt,
+        add,
+        moveUp,
+        moveDown,
+    };
+
+    explicit FakeNames(std::vector<std::string> list) : names(std::move(list))
+    {
+        CoInitialize(nullptr);
+        CoRegisterClassObject(CLSID_TimepointNames, static_cast<IClassFactory*>(this), CLSCTX_INPROC_SERVER,
+                              REGCLS_MULTIPLEUSE, &m_class);
+    }
+    ~FakeNames()
+    {
+        CoRevokeClassObject(m_class);
+        CoUninitialize();
+    }
+    FakeNames(const FakeNames&) = delete;
+    FakeNames& operator=(const FakeNames&) = delete;
+
+    std::vector<std::string> names;
+    Method failing = none;
+    bool available = true;
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** ppObject) override
+    {
+        *ppObject = nullptr;
+        if (iid == IID_IUnknown || iid == IID_ITimepointNames)
+            *ppObject = static_cast<ITimepointNames*>(this);
+        else if (iid == IID_ISupportErrorInfo)
+            *ppObject = static_cast<ISupportErrorInfo*>(this);
+        else if (iid == IID_IClassFactory)
+            *ppObject = static_cast<IClassFactory*>(this);
+        return *ppObject != nullptr ? S_OK : E_NOINTERFACE;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override
+    {
+        return 2;
+    }
+    ULONG STDMETHODCALLTYPE Release() override
+    {
+        return 1;
+    }
+
+    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* /*outer*/, REFIID iid, void** ppObject) override
+    {
+        return failing == create ? E_FAIL : QueryInterface(iid, ppObject);
+    }
+    HRESULT STDMETHODCALLTYPE LockServer(BOOL /*lock*/) override
+    {
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID iid) override
+    {
+        return iid == IID_ITimepointNames ? S_OK : S_FALSE;
+    }
+
+    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* /*count*/) override
+    {
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT /*info*/, LCID /*lcid*/, ITypeInfo** /*types*/) override
+    {
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID /*iid*/, LPOLESTR* /*text*/, UINT /*count*/, LCID /*lcid*/,
+                                            DISPID* /*ids*/) override
+    {
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID /*id*/, REFIID /*iid*/, LCID /*lcid*/, WORD /*flags*/,
+                                     DISPPARAMS* /*parameters*/, VARIANT* /*result*/,
+                                     EXCEPINFO* /*exception*/, UINT* /*argument*/) override
+    {
+        return E_NOTIMPL;
+    }
+
+    HRESULT STDMETHODCALLTYPE get_ListAvailable(VARIANT_BOOL* pAvailable) override
+    {
+        *pAvailable = available ? VARIANT_TRUE : VARIANT_FALSE;
+        return Answer(listAvailable);
+    }
+    HRESULT STDMETHODCALLTYPE get_Count(long* pCount) override
+    {
+        *pCount = static_cast<long>(names.size());
+        return Answer(count);
+    }
+    HRESULT STDMETHODCALLTYPE get_Item(long nIndex, BSTR* pName) override
+    {
+        if (const HRESULT nResult = Answer(item); nResult != S_OK)
+            return nResult;
+        const std::string& name = names.at(static_cast<std::size_t>(nIndex));
+        std::wstring wide(name.size(), L'\0');
+        MultiByteToWideChar(CP_ACP, 0, name.data(), static_cast<int>(name.size()), wide.data(),
+                            static_cast<int>(wide.size()));
+        *pName = SysAllocString(wide.c_str());
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE Remove(long nIndex) override
+    {
+        if (failing != removeAt)
+            names.erase(names.begin() + nIndex);
+        return Answer(removeAt);
+    }
+    HRESULT STDMETHODCALLTYPE Add(BSTR name) override
+    {
+        std::string narrow(SysStringLen(name), '\0');
+        WideCharToMultiByte(CP_ACP, 0, name, static_cast<int>(narrow.size()), narrow.data(),
+                            static_cast<int>(narrow.size()), nullptr, nullptr);
+        if (failing != add)
+            names.push_back(narrow);
+        return Answer(add);
+    }
+    HRESULT STDMETHODCALLTYPE MoveUp(long nIndex) override
+    {
+        if (failing != moveUp)
+            std::swap(names.at(static_cast<std::size_t>(nIndex)),
+                      names.at(static_cast<std::size_t>(nIndex) - 1));
+        return Answer(moveUp);
+    }
+    HRESULT STDMETHODCALLTYPE MoveDown(long nIndex) override
+    {
+        if (failing != moveDown)
+            std::swap(names.at(static_cast<std::size_t>(nIndex)),
+                      names.at(static_cast<std::size_t>(nIndex) + 1));
+        return Answer(moveDown);
+    }
+
+private:
+    /// The result of a method; a failing one says "Out of order".
+    HRESULT Answer(Method method) const
+    {
+        if (method != failing)
+            return S_OK;
+        ICreateErrorInfo* pCreate = nullptr;
+        IErrorInfo* pInfo = nullptr;
+        CreateErrorInfo(&pCreate);
+        std::wstring text = L"Out of order";
+        pCreate->SetDescription(text.data());
+        pCreate->QueryInterface(IID_IErrorInfo, reinterpret_cast<void**>(&pInfo));
+        SetErrorInfo(0, pInfo);
+        pInfo->Release();
+        pCreate->Release();
+        return E_FAIL;
+    }
+
+    DWORD m_class = 0;
+};
+
+#pragma GCC diagnostic pop
