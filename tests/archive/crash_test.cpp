@@ -1,16 +1,16 @@
-// The process ends in the middle of an operation.
+// The process ends at every named step of every operation.
 #include "tests/archive/archivefixture.h"
+#include "tests/support/steps.h"
 
 #include <filesystem>
-#include <thread>
 
 using veltest::Dialog;
 using veltest::DialogScript;
 
 namespace
 {
-// Runs one operation and ends the process some milliseconds after it was begun.
-VEL_CHILD_PROCESS(dieWithin) // database, operation, ID or empty, archive, milliseconds
+// Runs one operation as a user does and ends the process at a step of it; 0 when it has none so late.
+VEL_CHILD_PROCESS(dieAtStep) // database, operation, ID or empty, archive, file type, remove or keep, step
 {
     dbCPatients::Open(arguments[0].c_str());
     dbCPatients patients;
@@ -22,23 +22,28 @@ VEL_CHILD_PROCESS(dieWithin) // database, operation, ID or empty, archive, milli
     const bool bHasPatient = !arguments[2].empty() && patient.Load(arguments[2].c_str());
     if (bHasPatient)
         selected.Add(arguments[2].c_str());
-    archives.Add(arguments[3].c_str());
     const auto nOperation = static_cast<ARCHIVE_OP>(std::stoi(arguments[1]));
+    const int nFilter = std::stoi(arguments[4]);
+    const bool bSave = nOperation == ARCHIVE_OP_SAVE;
+    if (!bSave)
+        archives.Add(arguments[3].c_str());
+    veltest::EndAtStep(std::stoi(arguments[6]));
     veltest::RunModal(
         [&] {
             return ArchiveDlg(&host, 0, bHasPatient ? &patient : nullptr, nOperation, selected, &patients,
                               archives, more, more, more, 0, 0);
         },
         [&](DialogScript& script) {
-            const Dialog choice = WaitForChoice(script);
-            std::thread([nDelay = std::stoul(arguments[4])] {
-                ::Sleep(nDelay);
-                ::TerminateProcess(::GetCurrentProcess(), 42);
-            }).detach();
-            choice.Press(IDOK);
-            if (nOperation == ARCHIVE_OP_SAVE)
-                TakeOfferedName(script);
-            ::Sleep(60'000);
+            WaitForChoice(script).Press(IDOK);
+            if (!bSave)
+                return;
+            TakeOfferedName(script, nFilter);
+            if (nFilter == 2)
+                script.AnswerBox("", IDYES);
+            if (std::filesystem::exists(arguments[3]))
+                script.WaitForDialogWith(IDC_ARC_OVERWRITE_TEXT).Press(IDYES);
+            if (nFilter == 0)
+                script.AnswerBox("", arguments[5] == "remove" ? IDYES : IDNO);
         });
     return 0;
 }
@@ -46,83 +51,167 @@ VEL_CHILD_PROCESS(dieWithin) // database, operation, ID or empty, archive, milli
 class CrashTest : public ArchiveDialogTest
 {
 protected:
-    void DieWithin(int nMilliseconds, ARCHIVE_OP nOperation, const std::string& id,
-                   const std::string& database)
+    // Ends a process at each step in turn, and looks at what it has left behind.
+    void DieAtEachStep(ARCHIVE_OP nOperation, const std::string& id, const std::string& archive, int nFilter,
+                       const std::string& removal, int nSteps, const std::function<void(int)>& look)
     {
-        dbCPatients::Close();
-        veltest::ChildProcess child("dieWithin", {m_practice.Path(database), std::to_string(nOperation), id,
-                                                  nOperation == ARCHIVE_OP_SAVE ? "" : Archive("A1"),
-                                                  std::to_string(nMilliseconds)});
-        EXPECT_EQ(child.Wait(), 42) << nMilliseconds;
+        const std::string database = m_working == "working" ? "patients.db" : "patients2.db";
+        int nStep = 1;
+        for (int nCode = veltest::ENDED_AT_STEP; nCode == veltest::ENDED_AT_STEP && nStep < 60; ++nStep)
+        {
+            dbCPatients::Close();
+            veltest::ChildProcess child("dieAtStep",
+                                        {m_practice.Path(database), std::to_string(nOperation), id, archive,
+                                         std::to_string(nFilter), removal, std::to_string(nStep)});
+            nCode = child.Wait();
+            EXPECT_TRUE(nCode == 0 || nCode == veltest::ENDED_AT_STEP) << nStep << ": " << nCode;
+            dbCPatients::Open(m_practice.Path(database).c_str());
+            EXPECT_EQ(m_patients.IsLocked("A1"), patLockFree) << nStep;
+            look(nStep);
+        }
+        EXPECT_GE(nStep - 2, nSteps);
+    }
+
+    std::string ArchiveOf(int nFilter) const
+    {
+        const char* const extensions[] = {"kaz", "kar", "PF"};
+        return m_practice.Path(std::string("archive\\A1.") + extensions[nFilter]);
+    }
+
+    void SaveAs(int nFilter)
+    {
+        EXPECT_EQ(Run(ARCHIVE_OP_SAVE, {"A1"}, {},
+                      [&](DialogScript& script) {
+                          WaitForChoice(script).Press(IDOK);
+                          TakeOfferedName(script, nFilter);
+                          if (nFilter != 1)
+                              script.AnswerBox("", nFilter == 2 ? IDYES : IDNO);
+                      }),
+                  IDOK);
+    }
+
+    std::map<std::string, std::string> ArchiveFolder() const
+    {
+        std::map<std::string, std::string> files;
+        for (const auto& entry : std::filesystem::directory_iterator(m_practice.Path("archive")))
+            files[entry.path().filename().string()] =
+                m_practice.ReadFile("archive\\" + entry.path().filename().string());
+        return files;
+    }
+
+    void SetArchiveFolder(const std::map<std::string, std::string>& files)
+    {
+        for (const auto& [name, bytes] : ArchiveFolder())
+            std::filesystem::remove(m_practice.Path("archive\\" + name));
+        for (const auto& [name, bytes] : files)
+            m_practice.WriteFile("archive\\" + name, bytes);
     }
 };
 
-constexpr int Moments[] = {1, 60, 150, 400};
+class CrashInFormatTest : public CrashTest, public testing::WithParamInterface<int>
+{
+};
 } // namespace
 
-TEST_F(CrashTest, LeavesThePracticeAsBeforeOrAsAfterALoad)
+TEST_P(CrashInFormatTest, ASaveLeavesThePatientAndAWholeArchive)
 {
-    StorePatient("A1", 2, 400'000);
+    const int nFilter = GetParam();
+    StorePatient("A1");
     const auto files = WorkingFiles();
-    SaveAndChange("A1");
-    for (const int nMoment : Moments)
-    {
-        DieWithin(nMoment, ARCHIVE_OP_LOAD, "", "patients2.db");
-        UseSecondPractice();
+    SaveAs(nFilter);
+    const auto old = ArchiveFolder();
+    DieAtEachStep(ARCHIVE_OP_SAVE, "A1", ArchiveOf(nFilter), nFilter, "keep", 6, [&](int nStep) {
+        EXPECT_TRUE(IsStored("A1")) << nStep;
+        EXPECT_EQ(WorkingFiles(), files) << nStep;
+        const auto now = ArchiveFolder();
+        bool bOld = true, bNew = true;
+        for (const auto& [name, bytes] : old)
+        {
+            const bool bAside = now.contains(name + ".previous");
+            bOld = bOld && (bAside ? now.at(name + ".previous") == bytes
+                                   : now.contains(name) && now.at(name) == bytes);
+            bNew = bNew && now.contains(name) && now.at(name).size() == bytes.size();
+        }
+        EXPECT_TRUE(bOld || bNew) << nStep;
+        SetArchiveFolder(old);
+    });
+    UseSecondPractice();
+    EXPECT_EQ(Load(ArchiveOf(nFilter)), IDOK);
+    EXPECT_TRUE(IsStored("A1"));
+    EXPECT_TRUE(
+        std::filesystem::is_empty(m_practice.Path("temp"))); // and so the dead have left nothing there
+}
+
+TEST_P(CrashInFormatTest, ALoadLeavesThePracticeAsBeforeOrAsAfter)
+{
+    const int nFilter = GetParam();
+    StorePatient("A1");
+    SaveAs(nFilter);
+    UseSecondPractice();
+    ASSERT_EQ(Load(ArchiveOf(nFilter)), IDOK);
+    const auto files = WorkingFiles();
+    m_patients.DeletePatient("A1");
+    ASSERT_TRUE(WorkingFiles().empty());
+    DieAtEachStep(ARCHIVE_OP_LOAD, "", ArchiveOf(nFilter), nFilter, "", 5, [&](int nStep) {
         if (IsStored("A1"))
         {
-            EXPECT_EQ(WorkingFiles(), files) << nMoment;
+            EXPECT_EQ(WorkingFiles(), files) << nStep;
             m_patients.DeletePatient("A1");
         }
-        EXPECT_TRUE(WorkingFiles().empty()) << nMoment << " " << WorkingFiles().begin()->first;
-        EXPECT_EQ(m_patients.IsLocked("A1"), patLockFree);
-    }
-    // What the dead have left in the scratch folder is nobody's.
-    EXPECT_EQ(Load(Archive("A1")), IDOK);
+        EXPECT_TRUE(WorkingFiles().empty()) << nStep << " " << WorkingFiles().begin()->first;
+    });
+    EXPECT_EQ(Load(ArchiveOf(nFilter)), IDOK);
     EXPECT_EQ(WorkingFiles(), files);
     EXPECT_TRUE(std::filesystem::is_empty(m_practice.Path("temp")));
 }
 
-TEST_F(CrashTest, LeavesThePracticeAsBeforeOrAsAfterAMerge)
+INSTANTIATE_TEST_SUITE_P(Formats, CrashInFormatTest, testing::Values(0, 1, 2));
+
+TEST_F(CrashTest, AMergeLeavesThePracticeAsBeforeOrAsAfter)
 {
-    StorePatient("A1", 2, 400'000);
+    StorePatient("A1");
     SaveAndChange("A1");
     StorePatient("A1", 1, 10);
-    for (const int nMoment : Moments)
-    {
-        UseSecondPractice();
-        const auto before = WorkingFiles();
-        DieWithin(nMoment, ARCHIVE_OP_MERGE, "A1", "patients2.db");
-        UseSecondPractice();
+    const auto before = WorkingFiles();
+    DieAtEachStep(ARCHIVE_OP_MERGE, "A1", Archive("A1"), 0, "", 5, [&](int nStep) {
         dbCPatient patient;
-        ASSERT_TRUE(patient.Load("A1"));
-        const int nCount = patient.GetTimepoints().GetCount();
-        if (nCount == 1)
+        ASSERT_TRUE(patient.Load("A1")) << nStep;
+        auto files = WorkingFiles();
+        if (patient.GetTimepoints().GetCount() == 1)
         {
-            EXPECT_EQ(WorkingFiles(), before) << nMoment;
-            continue;
+            EXPECT_EQ(files, before) << nStep;
+            return;
         }
-        // Merged: done for all that follow.
-        EXPECT_EQ(nCount, 3);
-        EXPECT_EQ(WorkingFiles().size(), before.size() + 2 * 7 + 1) << nMoment;
-        break;
-    }
+        EXPECT_EQ(patient.GetTimepoints().GetCount(), 3) << nStep;
+        EXPECT_NE(files.at("A1.PF"), before.at("A1.PF")) << nStep;
+        for (const char* pszNew : {"A101", "A102"})
+            EXPECT_EQ(std::erase_if(files, [&](const auto& file) { return file.first.starts_with(pszNew); }),
+                      7u);
+        files["A1.PF"] = before.at("A1.PF");
+        EXPECT_TRUE(std::includes(files.begin(), files.end(), before.begin(), before.end())) << nStep;
+        m_patients.DeletePatient("A1");
+        StorePatient("A1", 1, 10);
+        EXPECT_EQ(WorkingFiles(), before);
+    });
 }
 
-TEST_F(CrashTest, KeepsTheOldArchiveAndThePatientOverASave)
+TEST_F(CrashTest, ARemovalAfterASaveTakesAllOrNothing)
 {
-    StorePatient("A1", 2, 400'000);
+    StorePatient("A1");
     const auto files = WorkingFiles();
-    for (const int nMoment : Moments)
-    {
-        DieWithin(nMoment, ARCHIVE_OP_SAVE, "A1", "patients.db");
-        UseFirstPractice();
-        EXPECT_TRUE(IsStored("A1"));
-        EXPECT_EQ(WorkingFiles(), files) << nMoment;
-        EXPECT_EQ(m_patients.IsLocked("A1"), patLockFree);
-    }
-    std::filesystem::remove(Archive("A1"));
-    SaveAndChange("A1");
-    EXPECT_EQ(Load(Archive("A1")), IDOK);
-    EXPECT_EQ(WorkingFiles(), files);
+    DieAtEachStep(ARCHIVE_OP_SAVE, "A1", Archive("A1"), 0, "remove", 10, [&](int nStep) {
+        const auto now = WorkingFiles();
+        if (IsStored("A1"))
+        {
+            EXPECT_EQ(now, files) << nStep;
+        }
+        else
+        {
+            EXPECT_TRUE(now.empty()) << nStep << " " << now.begin()->first;
+            // What was removed is in the archive.
+            EXPECT_EQ(Load(Archive("A1")), IDOK);
+            EXPECT_EQ(WorkingFiles(), files) << nStep;
+        }
+        SetArchiveFolder({});
+    });
 }
