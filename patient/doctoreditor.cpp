@@ -2,11 +2,14 @@
 
 #include "app/modalrun.h"
 #include "app/velapp.h"
+#include "maintenance/dlgdoctypes.h"
 #include "patient/chartrules.h"
 #include "patient/contactfields.h"
 #include "patient/detailrules.h"
 #include "patient/guardianrules.h"
 #include "suite/util/velstring.h"
+
+#include <algorithm>
 
 namespace
 {
@@ -48,6 +51,10 @@ patTFieldTable<dbCDoctor> MakeTable()
 }
 
 } // namespace
+
+BEGIN_MESSAGE_MAP(velCDlgEditDoctor, mfcCDialog)
+ON_BN_CLICKED(IDC_DOCTOR_EDIT_TYPES, &velCDlgEditDoctor::OnEditTypes)
+END_MESSAGE_MAP()
 
 velCDlgEditDoctor::velCDlgEditDoctor(LPCTSTR doctorGUID, CWnd* pParent)
     : mfcCDialog(IDD_EDIT_DOCTOR, pParent), m_strGUID(doctorGUID), m_fields(MakeTable())
@@ -122,11 +129,30 @@ void velCDlgEditDoctor::FillTypes()
     CComboBox& list = *static_cast<CComboBox*>(GetDlgItem(IDC_DOCTOR_TYPE));
     CString strNone;
     strNone.LoadString(IDS_DETAIL_NONE);
-    list.AddString(strNone);
     dbCDoctorTypes types;
     types.Load();
+    list.ResetContent();
+    list.AddString(strNone);
     for (const CString& strType : types)
         list.AddString(strType);
+}
+
+// The type that the record came with may have been renamed or deleted under it; then the record follows.
+void velCDlgEditDoctor::OnEditTypes()
+{
+    CChangeDocType types(this);
+    velRunModal(types);
+    velGuard(IDCANCEL, IDS_DETAIL_FAILED, [&]() -> INT_PTR {
+        UpdateData(TRUE);
+        CString& strType = m_fields[IDC_DOCTOR_TYPE].strText;
+        dbCDoctor stored;
+        if (strType == m_doctor.GetType() && !m_strGUID.IsEmpty() && stored.Load(m_strGUID))
+            m_doctor.SetType(strType = stored.GetType());
+        FillTypes();
+        CComboBox& list = *static_cast<CComboBox*>(GetDlgItem(IDC_DOCTOR_TYPE));
+        list.SetCurSel(strType.IsEmpty() ? 0 : std::max(0, list.FindStringExact(0, strType)));
+        return IDOK;
+    });
 }
 
 bool velCDlgEditDoctor::Report(const pat::Finding& finding)

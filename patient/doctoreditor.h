@@ -29,6 +29,9 @@ protected:
     BOOL OnHelpKey(UINT nHelpID) override;
     void OnOK() override;
 
+    afx_msg void OnEditTypes();
+    DECLARE_MESSAGE_MAP()
+
 private:
     void FillTypes();
     bool Report(const pat::Finding& finding);
