@@ -86,7 +86,7 @@ BOOL velCDlgEditDoctor::OnInitDialog()
         EndDialog(IDCANCEL);
         return FALSE;
     }
-    FillTypes();
+    FillTypes(CString());
     patFillPhoneTypes(*this, contactControls);
     m_fields.Load(m_doctor);
     UpdateData(FALSE);
@@ -124,7 +124,26 @@ void velCDlgEditDoctor::OnOK()
         EndDialog(IDOK);
 }
 
-void velCDlgEditDoctor::FillTypes()
+// Types that are renamed or deleted take their doctors along, so that a doctor whose type is gone from the
+// list has the one that is stored now.
+void velCDlgEditDoctor::OnEditTypes()
+{
+    velGuard(0, IDS_DOCTOR_TYPES_FAILED, [&]() -> INT_PTR {
+        CChangeDocType types(this);
+        velRunModal(types);
+        CComboBox& list = *static_cast<CComboBox*>(GetDlgItem(IDC_DOCTOR_TYPE));
+        CString strType;
+        if (list.GetCurSel() > 0)
+            list.GetLBText(list.GetCurSel(), strType);
+        FillTypes(strType);
+        dbCDoctor stored;
+        if (!strType.IsEmpty() && list.GetCurSel() == 0 && stored.Load(m_doctor.GetGUID()))
+            FillTypes(stored.GetType());
+        return 0;
+    });
+}
+
+void velCDlgEditDoctor::FillTypes(const CString& strSelected)
 {
     CComboBox& list = *static_cast<CComboBox*>(GetDlgItem(IDC_DOCTOR_TYPE));
     CString strNone;
@@ -135,24 +154,7 @@ void velCDlgEditDoctor::FillTypes()
     list.AddString(strNone);
     for (const CString& strType : types)
         list.AddString(strType);
-}
-
-// The type that the record came with may have been renamed or deleted under it; then the record follows.
-void velCDlgEditDoctor::OnEditTypes()
-{
-    CChangeDocType types(this);
-    velRunModal(types);
-    velGuard(IDCANCEL, IDS_DETAIL_FAILED, [&]() -> INT_PTR {
-        UpdateData(TRUE);
-        CString& strType = m_fields[IDC_DOCTOR_TYPE].strText;
-        dbCDoctor stored;
-        if (strType == m_doctor.GetType() && !m_strGUID.IsEmpty() && stored.Load(m_strGUID))
-            m_doctor.SetType(strType = stored.GetType());
-        FillTypes();
-        CComboBox& list = *static_cast<CComboBox*>(GetDlgItem(IDC_DOCTOR_TYPE));
-        list.SetCurSel(strType.IsEmpty() ? 0 : std::max(0, list.FindStringExact(0, strType)));
-        return IDOK;
-    });
+    list.SetCurSel(strSelected.IsEmpty() ? 0 : std::max(list.FindStringExact(0, strSelected), 0));
 }
 
 bool velCDlgEditDoctor::Report(const pat::Finding& finding)

@@ -33,7 +33,8 @@ protected:
     DECLARE_MESSAGE_MAP()
 
 private:
-    void FillTypes();
+    /// Fills the list of types anew and selects one, none when there is no such type.
+    void FillTypes(const CString& strSelected);
     bool Report(const pat::Finding& finding);
 
     dbCDoctor m_doctor;

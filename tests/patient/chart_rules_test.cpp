@@ -9,35 +9,6 @@
 namespace
 {
 
-struct RequiredCase
-{
-    std::string id;
-    std::string firstname;
-    std::string lastname;
-    unsigned nControl; // 0: passes
-};
-
-TEST(ChartRules, RequiredFieldsNameTheFirstEmptyOne)
-{
-    const RequiredCase cases[] = {
-        {"A1", "Ann", "Lee", 0},
-        {"", "Ann", "Lee", IDC_CHART_ID},
-        {"A1", "", "Lee", IDC_CHART_FIRSTNAME},
-        {"A1", "Ann", "", IDC_CHART_LASTNAME},
-        {"", "", "", IDC_CHART_ID},
-        {" ", " ", "\t", 0}, // not trimmed: blanks count as entered
-        {"A1", "\xC4", std::string(1, '\x01'), 0},
-    };
-    for (const RequiredCase& c : cases)
-    {
-        SCOPED_TRACE(c.id + "|" + c.firstname + "|" + c.lastname);
-        const pat::Finding finding = pat::CheckRequired(c.id, c.firstname, c.lastname);
-        EXPECT_EQ(finding.bPassed, c.nControl == 0);
-        EXPECT_EQ(finding.nControl, c.nControl);
-        EXPECT_EQ(finding.nMessage, c.nControl == 0 ? 0u : IDS_PATIENT_REQUIRED);
-    }
-}
-
 TEST(ChartRules, EveryCharacterOfTheIDIsJudged)
 {
     const std::string valid = "_-0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ";
@@ -94,19 +65,6 @@ TEST(ChartRules, ListsNameEveryCodeOnce)
         EXPECT_LT(std::string(pat::Races[i - 1].pszText), pat::Races[i].pszText);
     for (std::size_t i = 0; i < pat::GenderIdentities.size(); ++i)
         EXPECT_EQ(pat::GenderIdentities[i].nCode, static_cast<int>(i));
-}
-
-TEST(ChartRules, APhoneNumberNeedsAType)
-{
-    EXPECT_TRUE(pat::CheckPhone("", false, 1, IDC_CHART_PHONETYPE1).bPassed);
-    EXPECT_TRUE(pat::CheckPhone("", true, 1, IDC_CHART_PHONETYPE1).bPassed);
-    EXPECT_TRUE(pat::CheckPhone("555", true, 2, IDC_CHART_PHONETYPE2).bPassed);
-
-    const pat::Finding finding = pat::CheckPhone(" ", false, 2, IDC_CHART_PHONETYPE2);
-    EXPECT_FALSE(finding.bPassed);
-    EXPECT_EQ(finding.nMessage, static_cast<unsigned>(IDS_PATIENT_PHONE_TYPE));
-    EXPECT_EQ(finding.nControl, static_cast<unsigned>(IDC_CHART_PHONETYPE2));
-    EXPECT_EQ(finding.strArgument, "2");
 }
 
 TEST(ChartRules, OnlyAnExistingPatientKeepsItsID)

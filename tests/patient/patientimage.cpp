@@ -3,64 +3,51 @@
 namespace
 {
 
-class Writer
-{
-public:
-    Writer(PatientImage& image, std::string prefix) : m_image(image), m_prefix(std::move(prefix))
-    {
-    }
-    Writer operator()(const std::string& part, int index) const
-    {
-        return {m_image, m_prefix + part + "." + std::to_string(index) + "."};
-    }
-    void Set(const char* name, const CString& value) const
-    {
-        m_image[m_prefix + name] = value.GetString();
-    }
-    void Set(const char* name, __int64 value) const
-    {
-        m_image[m_prefix + name] = std::to_string(value);
-    }
+using Values = std::initializer_list<std::pair<const char*, CString>>;
 
-private:
-    PatientImage& m_image;
-    std::string m_prefix;
-};
-
-void SetContact(const Writer& writer, const dbCAddresses& addresses, const dbCPhones& phones)
+CString Number(__int64 value)
 {
-    for (int i = 0; i < addresses.GetCount(); ++i)
-    {
-        const Writer address = writer("address", i);
-        address.Set("type", addresses[i].GetType());
-        address.Set("company", addresses[i].GetCompany());
-        address.Set("street", addresses[i].GetStreet());
-        address.Set("city", addresses[i].GetCity());
-        address.Set("state", addresses[i].GetState());
-        address.Set("postalCode", addresses[i].GetPostalCode());
-        address.Set("country", addresses[i].GetCountry());
-    }
-    for (int i = 0; i < phones.GetCount(); ++i)
-    {
-        const Writer phone = writer("phone", i);
-        phone.Set("number", phones[i].GetNumber());
-        phone.Set("type", phones[i].GetType());
-    }
+    return std::to_string(value).c_str();
 }
 
-void SetPerson(const Writer& writer, const dbCPerson& person)
+void Put(PatientImage& image, const std::string& prefix, const Values& values)
 {
-    writer.Set("guid", person.GetPersonGUID());
-    writer.Set("title", person.GetTitle());
-    writer.Set("firstname", person.GetFirstname());
-    writer.Set("lastname", person.GetLastname());
-    writer.Set("nickname", person.GetNickname());
-    writer.Set("salutation", person.GetSalutation());
-    writer.Set("notes", person.GetNotes());
-    writer.Set("email", person.GetEmail());
-    writer.Set("birthdate", person.GetBirthdate().ToISO());
-    writer.Set("gender", person.GetGender());
-    SetContact(writer, person.GetAddresses(), person.GetPhones());
+    for (const auto& [name, value] : values)
+        image[prefix + name] = value.GetString();
+}
+
+std::string Entry(const std::string& prefix, const char* list, int index)
+{
+    return prefix + list + "." + std::to_string(index) + ".";
+}
+
+template <class T> void PutContact(PatientImage& image, const std::string& prefix, const T& record)
+{
+    for (int i = 0; i < record.GetAddresses().GetCount(); ++i)
+    {
+        const dbCAddress& address = record.GetAddresses()[i];
+        Put(image, Entry(prefix, "address", i),
+            {{"type", address.GetType()},
+             {"company", address.GetCompany()},
+             {"street", address.GetStreet()},
+             {"city", address.GetCity()},
+             {"state", address.GetState()},
+             {"postalCode", address.GetPostalCode()},
+             {"country", address.GetCountry()}});
+    }
+    for (int i = 0; i < record.GetPhones().GetCount(); ++i)
+        Put(image, Entry(prefix, "phone", i),
+            {{"number", record.GetPhones()[i].GetNumber()}, {"type", record.GetPhones()[i].GetType()}});
+    Put(image, prefix,
+        {{"firstname", record.GetFirstname()},
+         {"lastname", record.GetLastname()},
+         {"title", record.GetTitle()},
+         {"nickname", record.GetNickname()},
+         {"salutation", record.GetSalutation()},
+         {"notes", record.GetNotes()},
+         {"email", record.GetEmail()},
+         {"birthdate", record.GetBirthdate().ToISO()},
+         {"gender", Number(record.GetGender())}});
 }
 
 } // namespace
@@ -68,69 +55,70 @@ void SetPerson(const Writer& writer, const dbCPerson& person)
 PatientImage ImageOf(const dbCPatient& patient)
 {
     PatientImage image;
-    const Writer writer(image, "");
-    writer.Set("id", patient.GetID());
-    writer.Set("guid", patient.GetGUID());
-    writer.Set("firstname", patient.GetFirstname(patNameAsEntered));
-    writer.Set("lastname", patient.GetLastname(patNameAsEntered));
-    writer.Set("nickname", patient.GetNickname());
-    writer.Set("birthdate", patient.GetBirthdate().ToISO());
-    writer.Set("gender", patient.GetGender());
-    writer.Set("genderIdentity", patient.GetGenderIdentity());
-    writer.Set("race", patient.GetRace());
-    writer.Set("email", patient.GetEmail());
-    writer.Set("title", patient.GetTitle());
-    writer.Set("salutation", patient.GetSalutation());
-    writer.Set("model", patient.GetModelNumber());
-    writer.Set("keywords", patient.GetKeywords());
-    writer.Set("notes", patient.GetNotes());
-    writer.Set("teeth", patient.GetTeeth());
-    writer.Set("office", patient.GetOfficeID());
-    writer.Set("status", patient.GetStatusID());
-    writer.Set("recordDate", patient.GetDate().ToISO());
-    writer.Set("veltrixID", patient.GetVeltrixID());
-    writer.Set("norm", patient.GetNorm());
-    SetContact(writer, patient.GetAddresses(), patient.GetPhones());
-    dbCPerson guardian;
-    if (patient.GetPersonInfo(dbPersonGuardian, guardian))
-        SetPerson(writer("person", dbPersonGuardian), guardian);
-    for (const int kind : {dbPersonTreatingDoctor, dbPersonReferringDoctor})
+    PutContact(image, "", patient);
+    Put(image, "",
+        {{"id", patient.GetID()},
+         {"guid", patient.GetGUID()},
+         {"genderIdentity", Number(patient.GetGenderIdentity())},
+         {"race", Number(patient.GetRace())},
+         {"model", patient.GetModelNumber()},
+         {"keywords", patient.GetKeywords()},
+         {"teeth", patient.GetTeeth()},
+         {"office", patient.GetOfficeID()},
+         {"status", patient.GetStatusID()},
+         {"recordDate", patient.GetDate().ToISO()},
+         {"veltrixID", patient.GetVeltrixID()},
+         {"norm", Number(patient.GetNorm())}});
+    for (const int kind : {dbPersonGuardian, dbPersonTreatingDoctor, dbPersonReferringDoctor})
     {
-        dbCPerson doctor; // a link: the doctor's own record is not the patient's
-        if (patient.GetPersonInfo(kind, doctor))
-            writer("person", kind).Set("doctor", doctor.GetPersonGUID());
+        dbCPerson person;
+        if (!patient.GetPersonInfo(kind, person))
+            continue;
+        // A doctor is a link: the doctor's own record is not the patient's.
+        const std::string prefix = Entry("", "person", kind);
+        Put(image, prefix, {{kind == dbPersonGuardian ? "guid" : "doctor", person.GetPersonGUID()}});
+        if (kind == dbPersonGuardian)
+            PutContact(image, prefix, person);
     }
     for (int i = 0; i < patient.GetInsurances().GetCount(); ++i)
     {
         const dbCInsurance& insurance = patient.GetInsurances()[i];
-        const Writer entry = writer("insurance", i);
-        entry.Set("guid", insurance.GetInsuranceGUID());
-        entry.Set("companyGUID", insurance.GetCompanyGUID());
-        entry.Set("company", insurance.GetCompanyName());
-        entry.Set("holder", insurance.GetHolder());
-        entry.Set("number", insurance.GetNumber());
-        entry.Set("group", insurance.GetGroup());
-        entry.Set("note", insurance.GetNote());
+        Put(image, Entry("", "insurance", i),
+            {{"guid", insurance.GetInsuranceGUID()},
+             {"companyGUID", insurance.GetCompanyGUID()},
+             {"company", insurance.GetCompanyName()},
+             {"holder", insurance.GetHolder()},
+             {"number", insurance.GetNumber()},
+             {"group", insurance.GetGroup()},
+             {"note", insurance.GetNote()}});
     }
     for (int i = 0; i < patient.GetReferrals().GetCount(); ++i)
     {
         const dbCPatientReferralsRow& referral = patient.GetReferrals()[i];
-        const Writer entry = writer("referral", i);
-        entry.Set("guid", referral.Get_refID());
-        entry.Set("doctor", referral.Get_docID());
-        entry.Set("type", referral.Get_type());
-        entry.Set("date", referral.Get_date().ToISO());
-        entry.Set("note", referral.Get_note());
+        Put(image, Entry("", "referral", i),
+            {{"guid", referral.Get_refID()},
+             {"doctor", referral.Get_docID()},
+             {"type", referral.Get_type()},
+             {"date", referral.Get_date().ToISO()},
+             {"note", referral.Get_note()}});
     }
     for (int i = 0; i < patient.GetTimepoints().GetCount(); ++i)
     {
         const patCTimepoint timepoint = patient.GetTimepoint(i);
-        const Writer entry = writer("timepoint", i);
-        entry.Set("guid", timepoint.GettpID());
-        entry.Set("number", timepoint.GetNumber());
-        entry.Set("name", timepoint.GetName());
-        entry.Set("date", timepoint.GetDate().Format("%Y-%m-%d %H:%M:%S"));
+        Put(image, Entry("", "timepoint", i),
+            {{"guid", timepoint.GettpID()},
+             {"number", Number(timepoint.GetNumber())},
+             {"name", timepoint.GetName()},
+             {"date", timepoint.GetDate().ToISO()}});
     }
+    return image;
+}
+
+PatientImage ImageOf(const dbCDoctor& doctor)
+{
+    PatientImage image;
+    PutContact(image, "", doctor.GetPerson());
+    Put(image, "", {{"type", doctor.GetType()}, {"treating", Number(doctor.IsTreating())}});
     return image;
 }
 
@@ -142,21 +130,18 @@ PatientImage WithoutIdentity(PatientImage image)
     return image;
 }
 
-std::vector<std::string> Differences(const PatientImage& expected, const PatientImage& actual)
+std::vector<std::string> Differences(PatientImage expected, PatientImage actual)
 {
     std::vector<std::string> differences;
-    for (const auto& [name, value] : expected)
+    for (const PatientImage* const image : {&expected, &actual})
     {
-        const auto found = actual.find(name);
-        if (found == actual.end())
-            differences.push_back(name + " is missing");
-        else if (found->second != value)
-            differences.push_back(name + " is \"" + found->second + "\", not \"" + value + "\"");
-    }
-    for (const auto& [name, value] : actual)
-    {
-        if (!expected.contains(name))
-            differences.push_back(name + " is there: \"" + value + "\"");
+        for (const auto& [name, value] : PatientImage(*image))
+        {
+            if (expected[name] != actual[name])
+                differences.push_back(name + " is \"" + actual[name] + "\", not \"" + expected[name] + "\"");
+            expected.erase(name);
+            actual.erase(name);
+        }
     }
     return differences;
 }

@@ -1,6 +1,7 @@
 // Everything that is stored about a patient, to be compared as a whole.
 #pragma once
 
+#include "suite/patients/records/dbdoctors.h"
 #include "suite/patients/records/dbpatient.h"
 
 #include <map>
@@ -11,9 +12,10 @@
 using PatientImage = std::map<std::string, std::string>;
 
 PatientImage ImageOf(const dbCPatient& patient);
+PatientImage ImageOf(const dbCDoctor& doctor);
 
 // Without what a patient gets only when it is stored: ids of records, and the day.
 PatientImage WithoutIdentity(PatientImage image);
 
-// What the images have differently, one line each.
-std::vector<std::string> Differences(const PatientImage& expected, const PatientImage& actual);
+// What the images have differently, one line each; what is missing counts as empty.
+std::vector<std::string> Differences(PatientImage expected, PatientImage actual);

@@ -1,9 +1,6 @@
 // The sheet's checks and questions: message, focus, and that nothing is written.
 
-#include "patient/chartrules.h"
-#include "patient/guardianrules.h"
-#include "patient/insurancerules.h"
-#include "patient/referralrules.h"
+#include "patient/detailsres.h"
 #include "tests/patient/sheetfixture.h"
 
 using veltest::Control;
@@ -36,7 +33,7 @@ TEST_F(SheetChecksTest, TheChartPageIsCheckedOnOKAndOnLeaving)
     };
     const Case cases[] = {
         {"", "Ann", "Lee", "", "", required, IDC_CHART_ID},
-        {"A1", "", "Lee", "", "", required, IDC_CHART_FIRSTNAME},
+        {"A1", "", "", "", "", required, IDC_CHART_FIRSTNAME},
         {"a b", "Ann", "", "1", "", required, IDC_CHART_LASTNAME},
         {"ab12", "Ann", "Lee", "1", "", invalidID, IDC_CHART_ID},
         {"A 1", "Ann", "Lee", "", "", invalidID, IDC_CHART_ID},
@@ -91,53 +88,6 @@ TEST_F(SheetChecksTest, ALongIDIsNotTypedAndFailsSilently)
               }),
               IDOK);
     Stored(std::string(25, 'A').c_str());
-}
-
-TEST_F(SheetChecksTest, EveryOtherFieldHasItsMaximum)
-{
-    struct Field
-    {
-        int nPage;
-        int nControl;
-        int nMaxChars;
-    };
-    const Field fields[] = {
-        {pat::ChartPage, IDC_CHART_FIRSTNAME, 50},   {pat::ChartPage, IDC_CHART_LASTNAME, 50},
-        {pat::ChartPage, IDC_CHART_NICKNAME, 30},    {pat::ChartPage, IDC_CHART_PHONE1, 30},
-        {pat::ChartPage, IDC_CHART_PHONE2, 30},      {pat::ChartPage, IDC_CHART_COMPANY, 50},
-        {pat::ChartPage, IDC_CHART_STREET, 255},     {pat::ChartPage, IDC_CHART_CITY, 50},
-        {pat::ChartPage, IDC_CHART_STATE, 20},       {pat::ChartPage, IDC_CHART_POSTALCODE, 20},
-        {pat::ChartPage, IDC_CHART_COUNTRY, 30},     {pat::ChartPage, IDC_CHART_EMAIL, 60},
-        {pat::GuardianPage, IDC_GUARD_TITLE, 10},    {pat::GuardianPage, IDC_GUARD_FIRSTNAME, 50},
-        {pat::GuardianPage, IDC_GUARD_LASTNAME, 50}, {pat::GuardianPage, IDC_GUARD_NICKNAME, 30},
-        {pat::GuardianPage, IDC_GUARD_STREET, 255},  {pat::GuardianPage, IDC_GUARD_EMAIL, 60},
-    };
-    RunNew([&](DialogScript& script) {
-        const Dialog sheet = WaitForSheet(script);
-        FillNames(sheet, "A1", "Ann", "Lee");
-        for (const int nControl : {IDC_CHART_PHONETYPE1, IDC_CHART_PHONETYPE2})
-            sheet.Item(nControl).Choose(1);
-        sheet.SelectPage(pat::GuardianPage);
-        sheet.Item(IDC_GUARD_FIRSTNAME).SetText("Eve");
-        sheet.Item(IDC_GUARD_LASTNAME).SetText("Lee");
-        sheet.SelectPage(pat::ChartPage);
-        for (const Field& field : fields)
-        {
-            SCOPED_TRACE(field.nControl);
-            sheet.SelectPage(field.nPage);
-            const std::string text = sheet.Item(field.nControl).Text();
-            EXPECT_EQ(sheet.Item(field.nControl).Send(EM_GETLIMITTEXT), field.nMaxChars);
-            sheet.Item(field.nControl)
-                .SetText(std::string(field.nMaxChars == 255 ? 10000u : field.nMaxChars + 1u, 'x'));
-            sheet.Press(IDOK);
-            EXPECT_THAT(script.WaitForBox().BoxText(), testing::HasSubstr(std::to_string(field.nMaxChars)));
-            script.AnswerBox("", IDOK);
-            script.WaitUntil("the sheet is usable again", [&] { return sheet.IsEnabled(); });
-            EXPECT_EQ(sheet.Focused().Id(), field.nControl);
-            sheet.Item(field.nControl).SetText(text);
-        }
-        sheet.Press(IDCANCEL);
-    });
 }
 
 TEST_F(SheetChecksTest, ABirthDateInTheFutureIsRefused)

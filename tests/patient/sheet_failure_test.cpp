@@ -1,4 +1,4 @@
-// The sheet against a database that fails, other processes, and hostile texts.
+// The sheet against a database that fails, other users, and hostile texts.
 
 #include "tests/patient/patientimage.h"
 #include "tests/patient/sheetfixture.h"
@@ -14,38 +14,6 @@ using SheetFailureTest = SheetTest;
 constexpr char takenID[] = "The patient ID already exists. Please enter a unique ID.";
 constexpr char notSaved[] = "The patient could not be saved. Nothing was changed.";
 
-// A named event that both processes of a test know.
-class Signal
-{
-public:
-    explicit Signal(const std::string& name) : m_handle(CreateEventA(nullptr, TRUE, FALSE, name.c_str()))
-    {
-    }
-    ~Signal()
-    {
-        CloseHandle(m_handle);
-    }
-    Signal(const Signal&) = delete;
-    Signal& operator=(const Signal&) = delete;
-
-    void Set() const
-    {
-        SetEvent(m_handle);
-    }
-    bool Wait() const
-    {
-        return WaitForSingleObject(m_handle, 60'000) == WAIT_OBJECT_0;
-    }
-
-private:
-    HANDLE m_handle;
-};
-
-std::string SignalName(const char* pszName)
-{
-    return std::string("veltest-sheet-") + pszName;
-}
-
 void ExpectNotSaved(DialogScript& script, const Dialog& sheet)
 {
     sheet.Press(IDOK);
@@ -54,98 +22,6 @@ void ExpectNotSaved(DialogScript& script, const Dialog& sheet)
     EXPECT_GT(box.BoxText().size(), sizeof notSaved + 5); // the reason is given
     box.Press(IDOK);
     script.WaitUntil("the sheet is usable again", [&] { return sheet.IsEnabled(); });
-}
-
-// One user's part of the race: both have passed the check of the ID when they are asked about the similar
-// patient. Returns whether this one got the ID.
-bool RaceForID(DialogScript& script, const Signal& own, const Signal& other)
-{
-    const Dialog sheet = WaitForSheet(script);
-    FillNames(sheet, "RACE", "Ann", "Lee");
-    sheet.Item(IDC_CHART_BIRTHDATE).SetDate(2012, 3, 4);
-    sheet.Press(IDOK);
-    const Dialog question = script.WaitForBox();
-    EXPECT_EQ(question.Title(), "Similar Patient");
-    own.Set();
-    EXPECT_TRUE(other.Wait());
-    question.Press(IDYES);
-    question.WaitForClosed();
-    script.WaitUntil("the ID is won or lost",
-                     [&] { return !sheet.IsOpen() || script.FindBox().has_value(); });
-    if (!sheet.IsOpen())
-        return true;
-    EXPECT_EQ(script.WaitForBox().BoxText(), takenID);
-    script.AnswerBox("", IDOK);
-    script.WaitUntil("the sheet is usable again", [&] { return sheet.IsEnabled(); });
-    EXPECT_EQ(sheet.Focused().Id(), IDC_CHART_ID);
-    EXPECT_EQ(SelectedText(sheet.Item(IDC_CHART_ID)), "RACE");
-    sheet.Press(IDCANCEL);
-    return false;
-}
-
-VEL_CHILD_PROCESS(raceForID)
-{
-    dbCPatients::Open(arguments[0].c_str());
-    const Signal own(SignalName("child"));
-    const Signal other(SignalName("parent"));
-    dbCPatients patients;
-    CString strGUID;
-    bool bWon = false;
-    const __int64 nResult =
-        veltest::RunModal([&] { return NewPatientDlg(nullptr, &patients, strGUID); },
-                          [&](DialogScript& script) { bWon = RaceForID(script, own, other); });
-    dbCPatients::Close();
-    return testing::Test::HasFailure() || bWon != (nResult == IDOK) ? 99 : static_cast<int>(nResult);
-}
-
-TEST_F(SheetFailureTest, OfTwoProcessesExactlyOneGetsTheID)
-{
-    StorePatient("A1");
-    const Signal own(SignalName("parent"));
-    const Signal other(SignalName("child"));
-    veltest::ChildProcess child("raceForID", {DatabasePath()});
-    bool bWon = false;
-    const __int64 nResult = RunNew([&](DialogScript& script) { bWon = RaceForID(script, own, other); });
-    const int nOther = child.Wait();
-    EXPECT_EQ(nResult, bWon ? IDOK : IDCANCEL);
-    EXPECT_EQ(nOther, bWon ? IDCANCEL : IDOK);
-    EXPECT_EQ(m_strGUID.IsEmpty() != FALSE, !bWon);
-    EXPECT_EQ(m_patients.GetCount(dbSearchID, "RACE"), 1);
-}
-
-VEL_CHILD_PROCESS(holdDatabase)
-{
-    dbCPatients::Open(arguments[0].c_str());
-    {
-        const dbCTransaction transaction;
-        Signal(SignalName("held")).Set();
-        Signal(SignalName("release")).Wait();
-    }
-    dbCPatients::Close();
-    return 0;
-}
-
-TEST_F(SheetFailureTest, ALockedDatabaseIsReportedAndOKCanBeRepeated)
-{
-    const Signal held(SignalName("held"));
-    const Signal release(SignalName("release"));
-    veltest::ChildProcess child("holdDatabase", {DatabasePath()});
-    ASSERT_TRUE(held.Wait());
-    EXPECT_EQ(RunNew([&](DialogScript& script) {
-                  const Dialog sheet = WaitForSheet(script);
-                  FillNames(sheet, "A1", "Ann", "Lee");
-                  sheet.SelectPage(pat::GuardianPage);
-                  sheet.Item(IDC_GUARD_FIRSTNAME).SetText("Eve");
-                  sheet.Item(IDC_GUARD_LASTNAME).SetText("Lee");
-                  script.SetPatience(60'000);
-                  ExpectNotSaved(script, sheet);
-                  EXPECT_EQ(sheet.Item(IDC_GUARD_FIRSTNAME).Text(), "Eve");
-                  release.Set();
-                  EXPECT_EQ(child.Wait(), 0);
-                  sheet.Press(IDOK);
-              }),
-              IDOK);
-    EXPECT_EQ(Stored("A1").GetGUID(), m_strGUID);
 }
 
 // A patient list whose database goes away at a given moment, or that fails outright.
@@ -376,6 +252,22 @@ TEST_F(SheetFailureTest, HostileTextsComeBackAsTheyWere)
         EXPECT_EQ(guardian.GetNotes().GetString(), text + notes);
         EXPECT_EQ(patient.GetInsurances().GetCount(), text.size() < 50 ? 1 : 0);
     }
+}
+
+TEST_F(SheetFailureTest, APatientThatIsGoneCanOnlyBeCancelled)
+{
+    dbCPatient patient = StorePatient("A1");
+    m_patients.DeletePatient("A1");
+    EXPECT_EQ(RunChange(patient,
+                        [](DialogScript& script) {
+                            script.AnswerBox("Error occurs when loading patient info", IDOK);
+                            const Dialog sheet = WaitForSheet(script);
+                            EXPECT_FALSE(sheet.Item(IDOK).IsEnabled());
+                            FillNames(sheet, "A1", "Ann", "Lee");
+                            sheet.Press(IDCANCEL);
+                        }),
+              IDCANCEL);
+    EXPECT_TRUE(m_patients.IsIDFree("A1"));
 }
 
 } // namespace

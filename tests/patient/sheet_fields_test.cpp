@@ -24,6 +24,7 @@ struct Field
     int nPage;
     int nControl;
     By by;
+    int nMaxChars;        // of what can be typed; 0 where there is no limit or none to type
     const char* pszValue; // as the user enters it
     const char* pszName;  // where it arrives in the image
     const char* pszStored = nullptr;
@@ -35,64 +36,64 @@ struct Field
 };
 
 const Field fields[] = {
-    {pat::ChartPage, IDC_CHART_ID, By::Text, "B-2", "id"},
-    {pat::ChartPage, IDC_CHART_FIRSTNAME, By::Text, "Bea", "firstname"},
-    {pat::ChartPage, IDC_CHART_LASTNAME, By::Text, "Moor", "lastname"},
-    {pat::ChartPage, IDC_CHART_NICKNAME, By::Text, "Bee", "nickname"},
-    {pat::ChartPage, IDC_CHART_BIRTHDATE, By::Date, "2011-12-13", "birthdate"},
-    {pat::ChartPage, IDC_CHART_GENDER_SECOND, By::Press, "", "gender", "2"},
-    {pat::ChartPage, IDC_CHART_GENDER_IDENTITY, By::Choice, "Male", "genderIdentity", "2"},
-    {pat::ChartPage, IDC_CHART_RACE, By::Choice, "South Pacific", "race", "7"},
-    {pat::ChartPage, IDC_CHART_ADDRESS_HOME, By::Press, "", "address.0.type", "H"},
-    {pat::ChartPage, IDC_CHART_COMPANY, By::Text, "Moor & Sons", "address.0.company"},
-    {pat::ChartPage, IDC_CHART_STREET, By::Text, "Quay 2", "address.0.street"},
-    {pat::ChartPage, IDC_CHART_CITY, By::Text, "Westport", "address.0.city"},
-    {pat::ChartPage, IDC_CHART_STATE, By::Text, "WP", "address.0.state"},
-    {pat::ChartPage, IDC_CHART_POSTALCODE, By::Text, "54321", "address.0.postalCode"},
-    {pat::ChartPage, IDC_CHART_COUNTRY, By::Text, "Freedonia", "address.0.country"},
-    {pat::ChartPage, IDC_CHART_PHONE1, By::Text, "811", "phone.0.number"},
-    {pat::ChartPage, IDC_CHART_PHONETYPE1, By::Choice, "Work", "phone.0.type"},
-    {pat::ChartPage, IDC_CHART_PHONE2, By::Text, "822", "phone.1.number"},
-    {pat::ChartPage, IDC_CHART_PHONETYPE2, By::Choice, "Home", "phone.1.type"},
-    {pat::ChartPage, IDC_CHART_EMAIL, By::Text, "bea@example.org", "email"},
+    {pat::ChartPage, IDC_CHART_ID, By::Text, 25, "B-2", "id"},
+    {pat::ChartPage, IDC_CHART_FIRSTNAME, By::Text, 50, "Bea", "firstname"},
+    {pat::ChartPage, IDC_CHART_LASTNAME, By::Text, 50, "Moor", "lastname"},
+    {pat::ChartPage, IDC_CHART_NICKNAME, By::Text, 30, "Bee", "nickname"},
+    {pat::ChartPage, IDC_CHART_BIRTHDATE, By::Date, 0, "2011-12-13", "birthdate"},
+    {pat::ChartPage, IDC_CHART_GENDER_SECOND, By::Press, 0, "", "gender", "2"},
+    {pat::ChartPage, IDC_CHART_GENDER_IDENTITY, By::Choice, 0, "Male", "genderIdentity", "2"},
+    {pat::ChartPage, IDC_CHART_RACE, By::Choice, 0, "South Pacific", "race", "7"},
+    {pat::ChartPage, IDC_CHART_ADDRESS_HOME, By::Press, 0, "", "address.0.type", "H"},
+    {pat::ChartPage, IDC_CHART_COMPANY, By::Text, 50, "Moor & Sons", "address.0.company"},
+    {pat::ChartPage, IDC_CHART_STREET, By::Text, 255, "Quay 2", "address.0.street"},
+    {pat::ChartPage, IDC_CHART_CITY, By::Text, 50, "Westport", "address.0.city"},
+    {pat::ChartPage, IDC_CHART_STATE, By::Text, 20, "WP", "address.0.state"},
+    {pat::ChartPage, IDC_CHART_POSTALCODE, By::Text, 20, "54321", "address.0.postalCode"},
+    {pat::ChartPage, IDC_CHART_COUNTRY, By::Text, 30, "Freedonia", "address.0.country"},
+    {pat::ChartPage, IDC_CHART_PHONE1, By::Text, 30, "811", "phone.0.number"},
+    {pat::ChartPage, IDC_CHART_PHONETYPE1, By::Choice, 0, "Work", "phone.0.type"},
+    {pat::ChartPage, IDC_CHART_PHONE2, By::Text, 30, "822", "phone.1.number"},
+    {pat::ChartPage, IDC_CHART_PHONETYPE2, By::Choice, 0, "Home", "phone.1.type"},
+    {pat::ChartPage, IDC_CHART_EMAIL, By::Text, 60, "bea@example.org", "email"},
 
-    {pat::DetailPage, IDC_DETAIL_TITLE, By::Text, "Dr.", "title"},
-    {pat::DetailPage, IDC_DETAIL_MODEL, By::Text, "M-2", "model"},
-    {pat::DetailPage, IDC_DETAIL_SALUTATION, By::Text, "Dear Bea", "salutation"},
-    {pat::DetailPage, IDC_DETAIL_KEYWORDS, By::Text, "Recall", "keywords"},
-    {pat::DetailPage, IDC_DETAIL_NOTES, By::Text, "Likes & dislikes\r\n100% of them", "notes"},
-    {pat::DetailPage, IDC_DETAIL_OFFICE, By::Choice, "South", "office", "(South)"},
-    {pat::DetailPage, IDC_DETAIL_STATUS, By::Choice, "Waiting", "status", "(Waiting)"},
-    {pat::DetailPage, IDC_DETAIL_TREATING, By::Choice, "Bell, Grace", "person.1.doctor", "(Bell)"},
-    {pat::DetailPage, IDC_DETAIL_REFERRING, By::Choice, "Bell, Grace", "referral.0.doctor", "(Bell)"},
+    {pat::DetailPage, IDC_DETAIL_TITLE, By::Text, 10, "Dr.", "title"},
+    {pat::DetailPage, IDC_DETAIL_MODEL, By::Text, 10, "M-2", "model"},
+    {pat::DetailPage, IDC_DETAIL_SALUTATION, By::Text, 50, "Dear Bea", "salutation"},
+    {pat::DetailPage, IDC_DETAIL_KEYWORDS, By::Text, 255, "Recall", "keywords"},
+    {pat::DetailPage, IDC_DETAIL_NOTES, By::Text, 500, "Likes & dislikes\r\n100% of them", "notes"},
+    {pat::DetailPage, IDC_DETAIL_OFFICE, By::Choice, 0, "South", "office", "(South)"},
+    {pat::DetailPage, IDC_DETAIL_STATUS, By::Choice, 0, "Waiting", "status", "(Waiting)"},
+    {pat::DetailPage, IDC_DETAIL_TREATING, By::Choice, 0, "Bell, Grace", "person.1.doctor", "(Bell)"},
+    {pat::DetailPage, IDC_DETAIL_REFERRING, By::Choice, 0, "Bell, Grace", "referral.0.doctor", "(Bell)"},
 
-    {pat::GuardianPage, IDC_GUARD_TITLE, By::Text, "Prof.", "person.0.title"},
-    {pat::GuardianPage, IDC_GUARD_FIRSTNAME, By::Text, "Eva", "person.0.firstname"},
-    {pat::GuardianPage, IDC_GUARD_LASTNAME, By::Text, "Moore", "person.0.lastname"},
-    {pat::GuardianPage, IDC_GUARD_NICKNAME, By::Text, "E.", "person.0.nickname"},
-    {pat::GuardianPage, IDC_GUARD_BIRTHDATE, By::Date, "1979-01-02", "person.0.birthdate"},
-    {pat::GuardianPage, IDC_GUARD_GENDER_FIRST, By::Press, "", "person.0.gender", "1"},
-    {pat::GuardianPage, IDC_GUARD_ADDRESS_OFFICE, By::Press, "", "person.0.address.0.type", "O"},
-    {pat::GuardianPage, IDC_GUARD_COMPANY, By::Text, "Moore Ltd", "person.0.address.0.company"},
-    {pat::GuardianPage, IDC_GUARD_STREET, By::Text, "Dock 4", "person.0.address.0.street"},
-    {pat::GuardianPage, IDC_GUARD_CITY, By::Text, "Eastport", "person.0.address.0.city"},
-    {pat::GuardianPage, IDC_GUARD_STATE, By::Text, "EP", "person.0.address.0.state"},
-    {pat::GuardianPage, IDC_GUARD_POSTALCODE, By::Text, "777", "person.0.address.0.postalCode"},
-    {pat::GuardianPage, IDC_GUARD_COUNTRY, By::Text, "Sylvania", "person.0.address.0.country"},
-    {pat::GuardianPage, IDC_GUARD_PHONE1, By::Text, "911", "person.0.phone.0.number"},
-    {pat::GuardianPage, IDC_GUARD_PHONETYPE1, By::Choice, "Work", "person.0.phone.0.type"},
-    {pat::GuardianPage, IDC_GUARD_PHONE2, By::Text, "922", "person.0.phone.1.number"},
-    {pat::GuardianPage, IDC_GUARD_PHONETYPE2, By::Choice, "Home", "person.0.phone.1.type"},
-    {pat::GuardianPage, IDC_GUARD_EMAIL, By::Text, "eva@example.org", "person.0.email"},
-    {pat::GuardianPage, IDC_GUARD_NOTES, By::Text, "knows\r\nbest", "person.0.notes"},
+    {pat::GuardianPage, IDC_GUARD_TITLE, By::Text, 10, "Prof.", "person.0.title"},
+    {pat::GuardianPage, IDC_GUARD_FIRSTNAME, By::Text, 50, "Eva", "person.0.firstname"},
+    {pat::GuardianPage, IDC_GUARD_LASTNAME, By::Text, 50, "Moore", "person.0.lastname"},
+    {pat::GuardianPage, IDC_GUARD_NICKNAME, By::Text, 30, "E.", "person.0.nickname"},
+    {pat::GuardianPage, IDC_GUARD_BIRTHDATE, By::Date, 0, "1979-01-02", "person.0.birthdate"},
+    {pat::GuardianPage, IDC_GUARD_GENDER_FIRST, By::Press, 0, "", "person.0.gender", "1"},
+    {pat::GuardianPage, IDC_GUARD_ADDRESS_OFFICE, By::Press, 0, "", "person.0.address.0.type", "O"},
+    {pat::GuardianPage, IDC_GUARD_COMPANY, By::Text, 50, "Moore Ltd", "person.0.address.0.company"},
+    {pat::GuardianPage, IDC_GUARD_STREET, By::Text, 255, "Dock 4", "person.0.address.0.street"},
+    {pat::GuardianPage, IDC_GUARD_CITY, By::Text, 50, "Eastport", "person.0.address.0.city"},
+    {pat::GuardianPage, IDC_GUARD_STATE, By::Text, 20, "EP", "person.0.address.0.state"},
+    {pat::GuardianPage, IDC_GUARD_POSTALCODE, By::Text, 20, "777", "person.0.address.0.postalCode"},
+    {pat::GuardianPage, IDC_GUARD_COUNTRY, By::Text, 30, "Sylvania", "person.0.address.0.country"},
+    {pat::GuardianPage, IDC_GUARD_PHONE1, By::Text, 30, "911", "person.0.phone.0.number"},
+    {pat::GuardianPage, IDC_GUARD_PHONETYPE1, By::Choice, 0, "Work", "person.0.phone.0.type"},
+    {pat::GuardianPage, IDC_GUARD_PHONE2, By::Text, 30, "922", "person.0.phone.1.number"},
+    {pat::GuardianPage, IDC_GUARD_PHONETYPE2, By::Choice, 0, "Home", "person.0.phone.1.type"},
+    {pat::GuardianPage, IDC_GUARD_EMAIL, By::Text, 60, "eva@example.org", "person.0.email"},
+    {pat::GuardianPage, IDC_GUARD_NOTES, By::Text, 0, "knows\r\nbest", "person.0.notes"},
 
-    {pat::ReferralPage, IDC_REFER_DATE, By::Date, "2021-06-07", "referral.0.date"},
-    {pat::ReferralPage, IDC_REFER_NOTE, By::Text, "spacing", "referral.0.note"},
+    {pat::ReferralPage, IDC_REFER_DATE, By::Date, 0, "2021-06-07", "referral.0.date"},
+    {pat::ReferralPage, IDC_REFER_NOTE, By::Text, 255, "spacing", "referral.0.note"},
 
-    {pat::InsurancePage, IDC_INSURE_COMPANY, By::Text, "Northfield", "insurance.0.company"},
-    {pat::InsurancePage, IDC_INSURE_HOLDER, By::Text, "Eva Moore", "insurance.0.holder"},
-    {pat::InsurancePage, IDC_INSURE_NUMBER, By::Text, "18", "insurance.0.number"},
-    {pat::InsurancePage, IDC_INSURE_GROUP, By::Text, "G-2", "insurance.0.group"},
+    {pat::InsurancePage, IDC_INSURE_COMPANY, By::Text, 0, "Northfield", "insurance.0.company"},
+    {pat::InsurancePage, IDC_INSURE_HOLDER, By::Text, 100, "Eva Moore", "insurance.0.holder"},
+    {pat::InsurancePage, IDC_INSURE_NUMBER, By::Text, 30, "18", "insurance.0.number"},
+    {pat::InsurancePage, IDC_INSURE_GROUP, By::Text, 30, "G-2", "insurance.0.group"},
 };
 
 SYSTEMTIME DateOf(const char* pszISO)
@@ -105,6 +106,8 @@ SYSTEMTIME DateOf(const char* pszISO)
 void Enter(const Dialog& sheet, const Field& field)
 {
     const Control control = sheet.Item(field.nControl);
+    if (field.nMaxChars != 0)
+        EXPECT_EQ(control.Send(EM_GETLIMITTEXT), field.nMaxChars) << field.pszName;
     switch (field.by)
     {
     case By::Text:
@@ -312,6 +315,33 @@ TEST_F(SheetFieldsTest, ANewPatientGetsWhatIsTyped)
     EXPECT_EQ(companies.GetCount(), 2);
 }
 
+// A text that was set past the limit of typing is refused on OK.
+TEST_F(SheetFieldsTest, LongTextsAreRefused)
+{
+    RunNew([](DialogScript& script) {
+        const Dialog sheet = WaitForSheet(script);
+        FillNames(sheet, "A1", "Ann", "Lee");
+        for (const Field& field : fields)
+        {
+            if (field.nPage >= pat::ReferralPage || field.nControl == IDC_CHART_ID || field.nMaxChars == 0 ||
+                field.nControl == IDC_DETAIL_NOTES)
+                continue;
+            SCOPED_TRACE(field.pszName);
+            if (sheet.PageIndex() != field.nPage)
+                sheet.SelectPage(field.nPage);
+            const std::string text = sheet.Item(field.nControl).Text();
+            sheet.Item(field.nControl).SetText(std::string(field.nMaxChars + 1u, 'x'));
+            sheet.Press(IDOK);
+            EXPECT_THAT(script.WaitForBox().BoxText(), testing::HasSubstr(std::to_string(field.nMaxChars)));
+            script.AnswerBox("", IDOK);
+            script.WaitUntil("the sheet is usable again", [&] { return sheet.IsEnabled(); });
+            EXPECT_EQ(sheet.Focused().Id(), field.nControl);
+            sheet.Item(field.nControl).SetText(text);
+        }
+        sheet.Press(IDCANCEL);
+    });
+}
+
 TEST_F(SheetFieldsTest, DataFillEveryPageAndArriveWhetherItIsOpenedOrNot)
 {
     m_practice.Set("Defaults", "Country", "Ruritania");
@@ -356,6 +386,112 @@ TEST_F(SheetFieldsTest, DataFillEveryPageAndArriveWhetherItIsOpenedOrNot)
         }
     }
     EXPECT_STREQ(Stored("A1").GetVeltrixID(), "V1");
+}
+
+TEST_F(SheetFieldsTest, ListPagesChangeAndRemoveRows)
+{
+    dbCPatient patient = StorePatient("A1");
+    const CString strDoctor = StoreDoctor("Noor", "Abel");
+    EXPECT_EQ(RunChange(patient,
+                        [](DialogScript& script) {
+                            const Dialog sheet = WaitForSheet(script);
+                            sheet.SelectPage(pat::ReferralPage);
+                            sheet.SettleIdle();
+                            EXPECT_FALSE(sheet.Item(IDC_ROWS_CHANGE).IsEnabled());
+                            sheet.Item(IDC_ROWS_LIST).SelectRow(0);
+                            EXPECT_EQ(sheet.Item(IDC_REFER_DOCTOR).SelectedItem(), "Sorel, Ida");
+                            sheet.Item(IDC_REFER_DOCTOR).Choose("Abel, Noor");
+                            sheet.Item(IDC_REFER_NOTE).SetText("spacing");
+                            sheet.SettleIdle();
+                            sheet.Press(IDC_ROWS_CHANGE);
+                            sheet.SelectPage(pat::InsurancePage);
+                            sheet.Item(IDC_ROWS_LIST).SelectRow(0);
+                            sheet.SettleIdle();
+                            sheet.Press(IDC_ROWS_REMOVE);
+                            EXPECT_TRUE(sheet.Item(IDC_ROWS_LIST).Rows().empty());
+                            sheet.SelectPage(pat::GuardianPage); // emptied but for the country
+                            for (const int nControl :
+                                 {IDC_GUARD_TITLE, IDC_GUARD_FIRSTNAME, IDC_GUARD_LASTNAME,
+                                  IDC_GUARD_NICKNAME, IDC_GUARD_COMPANY, IDC_GUARD_STREET, IDC_GUARD_CITY,
+                                  IDC_GUARD_STATE, IDC_GUARD_POSTALCODE, IDC_GUARD_PHONE1, IDC_GUARD_PHONE2,
+                                  IDC_GUARD_EMAIL, IDC_GUARD_NOTES})
+                                sheet.Item(nControl).SetText("");
+                            sheet.Press(IDOK);
+                        }),
+              IDOK);
+    const dbCPatient changed = Stored("A1");
+    ASSERT_EQ(changed.GetReferrals().GetCount(), 1);
+    EXPECT_EQ(changed.GetReferrals()[0].Get_docID(), strDoctor);
+    EXPECT_EQ(changed.GetReferrals()[0].Get_note(), "spacing");
+    EXPECT_EQ(changed.GetReferrals()[0].Get_date().ToISO(), "2020-05-06");
+    EXPECT_EQ(changed.GetInsurances().GetCount(), 0);
+    dbCPerson guardian;
+    EXPECT_FALSE(changed.GetPersonInfo(dbPersonGuardian, guardian));
+}
+
+const Field doctorFields[] = {
+    {0, IDC_DOCTOR_TITLE, By::Text, 10, "Prof.", "title"},
+    {0, IDC_DOCTOR_FIRSTNAME, By::Text, 50, "Idina", "firstname"},
+    {0, IDC_DOCTOR_LASTNAME, By::Text, 50, "Sorell", "lastname"},
+    {0, IDC_DOCTOR_TYPE, By::Choice, 0, "Dentist", "type"},
+    {0, IDC_DOCTOR_NOTES, By::Text, 2000, "away\r\nin May", "notes"},
+    {0, IDC_DOCTOR_ADDRESS_HOME, By::Press, 0, "", "address.0.type", "H"},
+    {0, IDC_DOCTOR_COMPANY, By::Text, 50, "Sorel & Sons", "address.0.company"},
+    {0, IDC_DOCTOR_STREET, By::Text, 255, "5 Hill Road", "address.0.street"},
+    {0, IDC_DOCTOR_CITY, By::Text, 50, "Springfield", "address.0.city"},
+    {0, IDC_DOCTOR_STATE, By::Text, 20, "IL", "address.0.state"},
+    {0, IDC_DOCTOR_POSTALCODE, By::Text, 20, "62701", "address.0.postalCode"},
+    {0, IDC_DOCTOR_COUNTRY, By::Text, 30, "Sylvania", "address.0.country"},
+    {0, IDC_DOCTOR_PHONE1, By::Text, 30, "1", "phone.0.number"},
+    {0, IDC_DOCTOR_PHONETYPE1, By::Choice, 0, "Home", "phone.0.type"},
+    {0, IDC_DOCTOR_PHONE2, By::Text, 30, "2", "phone.1.number"},
+    {0, IDC_DOCTOR_PHONETYPE2, By::Choice, 0, "Work", "phone.1.type"},
+    {0, IDC_DOCTOR_EMAIL, By::Text, 60, "ida@example.org", "email"},
+    {0, IDC_DOCTOR_TREATING, By::Press, 0, "", "treating", "0"}, // checked before
+};
+
+TEST_F(SheetFieldsTest, EveryFieldOfADoctorArrivesAndUntouchedOnesStay)
+{
+    dbCDoctorTypes types;
+    types.AddDoctorType("Dentist");
+    dbCPatient patient = StorePatient("A1");
+    dbCDoctor doctor;
+    ASSERT_TRUE(doctor.Load(m_strIda));
+    dbCAddress address;
+    address.SetType("O");
+    address.SetCity("Northport");
+    doctor.GetPerson().SetAddress(0, address);
+    doctor.GetPerson().SetAddress(1, address);
+    doctor.GetPerson().SetNickname("not shown");
+    doctor.SetType("Surgeon");
+    doctor.Save();
+    const PatientImage before = ImageOf(doctor);
+    PatientImage expected = before;
+    for (const bool bType : {false, true})
+    {
+        RunChange(patient, [&](DialogScript& script) {
+            const Dialog sheet = WaitForSheet(script);
+            sheet.SelectPage(pat::DetailPage);
+            sheet.Press(IDC_DETAIL_EDIT_REFERRING);
+            const Dialog editor = script.WaitForDialog("Doctor");
+            for (const Field& field : doctorFields)
+            {
+                if (bType)
+                    Enter(editor, field);
+            }
+            editor.Press(IDOK);
+            editor.WaitForClosed();
+            script.Settle(sheet.Handle());
+            sheet.Press(IDCANCEL);
+        });
+        for (const Field& field : doctorFields)
+        {
+            if (bType)
+                expected[field.pszName] = field.Stored();
+        }
+        ASSERT_TRUE(doctor.Load(m_strIda));
+        EXPECT_THAT(Differences(expected, ImageOf(doctor)), testing::IsEmpty());
+    }
 }
 
 } // namespace

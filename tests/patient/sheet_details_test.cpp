@@ -1,0 +1,261 @@
+// The details page, which shares the referring doctor with the referral page, and the doctor editor.
+
+#include "patient/detailsres.h"
+#include "tests/patient/sheetfixture.h"
+
+using testing::ElementsAre;
+using veltest::Dialog;
+using veltest::DialogScript;
+
+namespace
+{
+
+constexpr char noTreating[] = "<Please select a Treating Doctor>";
+constexpr char noReferring[] = "<Please select a Referring Doctor>";
+
+class SheetDetailsTest : public SheetTest
+{
+protected:
+    // Opens the details page of the stored patient A1 and presses a button in the end.
+    void Change(const std::function<void(DialogScript&, const Dialog&)>& script, int nButton = IDOK)
+    {
+        dbCPatient patient = Stored("A1");
+        EXPECT_EQ(RunChange(patient,
+                            [&](DialogScript& s) {
+                                const Dialog sheet = WaitForSheet(s);
+                                sheet.SelectPage(pat::DetailPage);
+                                script(s, sheet);
+                                sheet.Press(nButton);
+                            }),
+                  nButton);
+    }
+
+    static CString LinkedDoctor(int nKind)
+    {
+        dbCPerson person;
+        return Stored("A1").GetPersonInfo(nKind, person) ? person.GetPersonGUID() : CString();
+    }
+
+    // The patient has one referral, with its date and note, by this doctor.
+    static void ExpectReferralBy(const CString& strDoctor)
+    {
+        const dbCPatient patient = Stored("A1");
+        ASSERT_EQ(patient.GetReferrals().GetCount(), 1);
+        const dbCPatientReferralsRow& row = patient.GetReferrals()[0];
+        EXPECT_EQ(row.Get_docID(), strDoctor);
+        EXPECT_EQ(row.Get_date().ToISO(), "2020-05-06");
+        EXPECT_EQ(row.Get_note(), "crowding");
+    }
+};
+
+TEST_F(SheetDetailsTest, ListsHoldWhatThePracticeHasAndStartWithNone)
+{
+    StoreDoctor("Hugo", "Stone");
+    RunNew([](DialogScript& script) {
+        const Dialog sheet = WaitForSheet(script);
+        FillNames(sheet, "N1", "New", "Born");
+        sheet.SelectPage(pat::DetailPage);
+        EXPECT_THAT(sheet.Item(IDC_DETAIL_TREATING).Items(),
+                    ElementsAre(noTreating, "Bell, Grace", "Sorel, Ida"));
+        EXPECT_THAT(sheet.Item(IDC_DETAIL_REFERRING).Items(),
+                    ElementsAre(noReferring, "Bell, Grace", "Sorel, Ida", "Stone, Hugo"));
+        EXPECT_THAT(sheet.Item(IDC_DETAIL_OFFICE).Items(), ElementsAre("<none>", "North", "South"));
+        EXPECT_THAT(sheet.Item(IDC_DETAIL_STATUS).Items(),
+                    testing::IsSupersetOf({"<none>", "Urgent", "Waiting"}));
+        for (const int nList :
+             {IDC_DETAIL_TREATING, IDC_DETAIL_REFERRING, IDC_DETAIL_OFFICE, IDC_DETAIL_STATUS})
+            EXPECT_EQ(sheet.Item(nList).Selection(), 0);
+        for (const int nField :
+             {IDC_DETAIL_TITLE, IDC_DETAIL_MODEL, IDC_DETAIL_SALUTATION, IDC_DETAIL_KEYWORDS,
+              IDC_DETAIL_NOTES, IDC_DETAIL_TREATING_SUMMARY, IDC_DETAIL_REFERRING_SUMMARY})
+            EXPECT_EQ(sheet.Item(nField).Text(), "") << nField;
+        sheet.Press(IDC_DETAIL_EDIT_KEYWORDS);
+        const Dialog editor = script.WaitForDialog("Edit Keywords");
+        editor.Press(IDCANCEL);
+        editor.WaitForClosed();
+        sheet.Press(IDCANCEL);
+    });
+}
+
+TEST_F(SheetDetailsTest, PlaceholdersMeanNoneButTakeNoReferralAway)
+{
+    dbCPatient patient = StorePatient("A1");
+    dbCPerson doctor;
+    doctor.SetPersonGUID(m_strGrace);
+    patient.SetPersonInfo(dbPersonReferringDoctor, doctor);
+    patient.Save();
+    Change([&](DialogScript&, const Dialog& sheet) {
+        const auto onReferralPage = [&] {
+            sheet.SelectPage(pat::ReferralPage);
+            const auto rows = sheet.Item(IDC_ROWS_LIST).Rows();
+            sheet.SelectPage(pat::DetailPage);
+            return rows.size() == 1 ? rows[0][0] : std::string("not one row");
+        };
+        EXPECT_EQ(sheet.Item(IDC_DETAIL_REFERRING).SelectedItem(), "Sorel, Ida"); // not the linked one
+        sheet.Item(IDC_DETAIL_REFERRING).Choose("Bell, Grace");
+        EXPECT_EQ(onReferralPage(), "Bell, Grace");
+        sheet.Item(IDC_DETAIL_REFERRING).Choose(noReferring);
+        EXPECT_EQ(onReferralPage(), "Sorel, Ida") << "the row has its own doctor back";
+        for (const int nList :
+             {IDC_DETAIL_OFFICE, IDC_DETAIL_STATUS, IDC_DETAIL_TREATING, IDC_DETAIL_REFERRING})
+            sheet.Item(nList).Choose(0);
+        EXPECT_EQ(sheet.Item(IDC_DETAIL_REFERRING_SUMMARY).Text(), "");
+    });
+    ExpectReferralBy(m_strIda);
+    EXPECT_EQ(LinkedDoctor(dbPersonReferringDoctor), "");
+    EXPECT_EQ(LinkedDoctor(dbPersonTreatingDoctor), "");
+    EXPECT_EQ(Stored("A1").GetOfficeID(), "");
+    EXPECT_EQ(Stored("A1").GetStatusID(), "");
+}
+
+TEST_F(SheetDetailsTest, BothPagesShowTheSameReferringDoctor)
+{
+    StorePatient("A1");
+    Change(
+        [](DialogScript&, const Dialog& sheet) { sheet.Item(IDC_DETAIL_REFERRING).Choose("Bell, Grace"); });
+    ExpectReferralBy(m_strGrace);
+    EXPECT_EQ(LinkedDoctor(dbPersonReferringDoctor), "") << "the row says it";
+    Change([](DialogScript&, const Dialog& sheet) {
+        sheet.SelectPage(pat::ReferralPage);
+        sheet.Item(IDC_ROWS_LIST).SelectRow(0);
+        sheet.Item(IDC_REFER_DOCTOR).Choose("Sorel, Ida");
+        sheet.SettleIdle();
+        sheet.Press(IDC_ROWS_CHANGE);
+        sheet.SelectPage(pat::DetailPage);
+        EXPECT_EQ(sheet.Item(IDC_DETAIL_REFERRING).SelectedItem(), "Sorel, Ida");
+        EXPECT_EQ(sheet.Item(IDC_DETAIL_REFERRING_SUMMARY).Text(), "(Address is not entered)");
+        sheet.SelectPage(pat::ReferralPage);
+        sheet.Item(IDC_ROWS_LIST).SelectRow(0);
+        sheet.SettleIdle();
+        sheet.Press(IDC_ROWS_REMOVE);
+        sheet.SelectPage(pat::DetailPage);
+        EXPECT_EQ(sheet.Item(IDC_DETAIL_REFERRING).SelectedItem(), noReferring);
+        EXPECT_EQ(sheet.Item(IDC_DETAIL_REFERRING_SUMMARY).Text(), "");
+        sheet.Item(IDC_DETAIL_REFERRING).Choose("Bell, Grace");
+    });
+    EXPECT_EQ(Stored("A1").GetReferrals().GetCount(), 0);
+    EXPECT_EQ(LinkedDoctor(dbPersonReferringDoctor), m_strGrace) << "without referrals there is the link";
+}
+
+TEST_F(SheetDetailsTest, ALostDatabaseIsReportedAndTheSheetStays)
+{
+    StorePatient("A1");
+    RunNew([&](DialogScript& script) {
+        const Dialog sheet = WaitForSheet(script);
+        FillNames(sheet, "A2", "Ann", "Lee");
+        m_practice.Set("Environment", "DatabaseTimeout", "1");
+        dbCPatients::Close();
+        for (const int nPage : {pat::DetailPage, pat::ReferralPage, pat::InsurancePage})
+        {
+            sheet.SelectPage(nPage);
+            const Dialog box = script.WaitForBox();
+            EXPECT_THAT(box.BoxText(), testing::HasSubstr("could not be read.\n\n"));
+            box.Press(IDOK);
+            box.WaitForClosed();
+            script.Settle(sheet.Handle());
+        }
+        sheet.Press(IDCANCEL);
+    });
+}
+
+TEST_F(SheetDetailsTest, TheDoctorEditorFeedsBothLists)
+{
+    StorePatient("A1");
+    Change([&](DialogScript& script, const Dialog& sheet) {
+        const auto edit = [&](int nButton) {
+            sheet.Press(nButton);
+            return script.WaitForDialog("Doctor");
+        };
+        const auto confirm = [&](const Dialog& editor) {
+            editor.Press(IDOK);
+            editor.WaitForClosed();
+            script.Settle(sheet.Handle());
+        };
+        sheet.Item(IDC_DETAIL_TREATING).Choose(noTreating);
+        Dialog editor = edit(IDC_DETAIL_EDIT_TREATING); // a new doctor
+        EXPECT_TRUE(editor.Item(IDC_DOCTOR_TREATING).IsChecked());
+        EXPECT_TRUE(editor.Item(IDC_DOCTOR_ADDRESS_OFFICE).IsChecked());
+        editor.Press(IDC_DOCTOR_EDIT_TYPES);
+        const Dialog types = script.WaitForDialog("Edit Doctor Types");
+        types.Item(IDC_DOCTYPE_NAME).Type("Surgeon");
+        types.SettleIdle();
+        types.Press(IDC_DOCTYPE_ADD);
+        types.Press(IDCANCEL);
+        types.WaitForClosed();
+        script.Settle(editor.Handle());
+        editor.Item(IDC_DOCTOR_TYPE).Choose("Surgeon");
+        editor.Item(IDC_DOCTOR_FIRSTNAME).Type("Nina");
+        editor.Item(IDC_DOCTOR_LASTNAME).Type("Novak");
+        editor.Item(IDC_DOCTOR_CITY).Type("Salem");
+        confirm(editor);
+        EXPECT_EQ(sheet.Item(IDC_DETAIL_TREATING).SelectedItem(), "Novak, Nina");
+        EXPECT_EQ(sheet.Item(IDC_DETAIL_TREATING_SUMMARY).Text(), "\n\nSalem,  ");
+        EXPECT_EQ(sheet.Item(IDC_DETAIL_REFERRING).SelectedItem(), "Sorel, Ida") << "the other keeps its own";
+        EXPECT_THAT(sheet.Item(IDC_DETAIL_REFERRING).Items(), testing::Contains("Novak, Nina"));
+
+        editor = edit(IDC_DETAIL_EDIT_TREATING); // the same, whose address goes
+        editor.Item(IDC_DOCTOR_CITY).Replace("");
+        confirm(editor);
+        EXPECT_EQ(sheet.Item(IDC_DETAIL_TREATING_SUMMARY).Text(), "(Address is not entered)");
+
+        sheet.Item(IDC_DETAIL_REFERRING).Choose(noReferring);
+        editor = edit(IDC_DETAIL_EDIT_REFERRING);
+        EXPECT_FALSE(editor.Item(IDC_DOCTOR_TREATING).IsChecked());
+        editor.Item(IDC_DOCTOR_LASTNAME).Type("Roe");
+        editor.Item(IDC_DOCTOR_STREET).Type("5 Hill Road");
+        confirm(editor);
+        EXPECT_EQ(sheet.Item(IDC_DETAIL_REFERRING).SelectedItem(), "Roe");
+        EXPECT_EQ(sheet.Item(IDC_DETAIL_REFERRING_SUMMARY).Text(), "\n5 Hill Road\n,  ");
+        EXPECT_THAT(sheet.Item(IDC_DETAIL_TREATING).Items(), testing::Not(testing::Contains("Roe")));
+    });
+    dbCDoctor doctor;
+    ASSERT_TRUE(doctor.Load(LinkedDoctor(dbPersonTreatingDoctor)));
+    EXPECT_EQ(doctor.GetPerson().GetLastname(), "Novak");
+    EXPECT_EQ(doctor.GetType(), "Surgeon");
+    ASSERT_TRUE(doctor.Load(Stored("A1").GetReferrals()[0].Get_docID()));
+    EXPECT_EQ(doctor.GetPerson().GetLastname(), "Roe");
+    ExpectReferralBy(doctor.GetGUID());
+}
+
+TEST_F(SheetDetailsTest, TheDoctorEditorRefusesWhatIsIncompleteOrChangedElsewhere)
+{
+    StorePatient("A1");
+    Change(
+        [&](DialogScript& script, const Dialog& sheet) {
+            sheet.Press(IDC_DETAIL_EDIT_REFERRING);
+            const Dialog editor = script.WaitForDialog("Doctor");
+            EXPECT_EQ(veltest::DialogFindings(editor.Handle()), "");
+            EXPECT_TRUE(veltest::SavePicture(editor.Handle(), "edit-doctor"));
+            const auto refuse = [&](const std::string& text, int nFocus) {
+                editor.Press(IDOK);
+                EXPECT_THAT(script.WaitForBox().BoxText(), testing::StartsWith(text));
+                script.AnswerBox("", IDOK);
+                script.WaitUntil("the editor is usable again", [&] { return editor.IsEnabled(); });
+                if (nFocus != 0)
+                {
+                    EXPECT_EQ(editor.Focused().Id(), nFocus);
+                }
+            };
+            editor.Item(IDC_DOCTOR_LASTNAME).Replace("");
+            refuse("Please enter the doctor's family name.", IDC_DOCTOR_LASTNAME);
+            editor.Item(IDC_DOCTOR_LASTNAME).Type("Sorell");
+            editor.Item(IDC_DOCTOR_PHONE2).Type("555 0100");
+            refuse("Please select a type for phone 2", IDC_DOCTOR_PHONETYPE2);
+            editor.Item(IDC_DOCTOR_PHONETYPE2).Choose(1);
+            editor.Item(IDC_DOCTOR_EMAIL).Type("ida");
+            refuse("Please enter the e-mail address in full, for example name@practice.com.",
+                   IDC_DOCTOR_EMAIL);
+            editor.Item(IDC_DOCTOR_EMAIL).Replace("");
+            dbCDoctor other;
+            ASSERT_TRUE(other.Load(m_strIda));
+            other.GetPerson().SetTitle("Prof.");
+            other.Save();
+            refuse("The doctor could not be saved. Nothing was changed.", 0);
+            EXPECT_EQ(editor.Item(IDC_DOCTOR_LASTNAME).Text(), "Sorell");
+            editor.Press(IDCANCEL);
+            editor.WaitForClosed();
+        },
+        IDCANCEL);
+}
+
+} // namespace
