@@ -1,5 +1,6 @@
 // The details page, which shares the referring doctor with the referral page, and the doctor editor.
 
+#include "maintenance/maintenanceres.h"
 #include "patient/detailsres.h"
 #include "tests/patient/sheetfixture.h"
 

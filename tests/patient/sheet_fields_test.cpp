@@ -107,7 +107,9 @@ void Enter(const Dialog& sheet, const Field& field)
 {
     const Control control = sheet.Item(field.nControl);
     if (field.nMaxChars != 0)
+    {
         EXPECT_EQ(control.Send(EM_GETLIMITTEXT), field.nMaxChars) << field.pszName;
+    }
     switch (field.by)
     {
     case By::Text:
