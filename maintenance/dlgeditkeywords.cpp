@@ -3,15 +3,14 @@
 #include "app/appres.h"
 #include "app/modalrun.h"
 #include "app/velapp.h"
+#include "maintenance/keywordrules.h"
 
 #include <algorithm>
+#include <string>
 #include <vector>
 
 namespace
 {
-
-/// The longest keyword that can be typed.
-constexpr int maxKeyword = 500;
 
 constexpr mfcAnchor anchors[] = {
     {IDC_KEYWORD_TEXT, mfcStretchTop}, {IDC_KEYWORD_ADD, mfcTopRight}, {IDC_KEYWORD_LIST, mfcStretchAll},
@@ -57,32 +56,31 @@ void CDlgEditKeywords::DoDataExchange(CDataExchange* pDX)
     DDX_Control(pDX, IDC_KEYWORD_LIST, m_list);
     DDX_Control(pDX, IDC_KEYWORD_ADD, m_btnAdd);
     DDX_Control(pDX, IDC_KEYWORD_REMOVE, m_btnRemove);
-    DDX_Text(pDX, IDC_KEYWORD_TEXT, m_strText);
-    DDV_MaxChars(pDX, m_strText, maxKeyword);
 }
 
 BOOL CDlgEditKeywords::OnInitDialog()
 {
     mfcCDialog::OnInitDialog();
+    m_editText.SetLimitText(maint::longestKeyword);
     if (!m_keywords.Load(m_nList))
     {
+        AfxMessageBox(IDS_KEYWORDS_NOT_LOADED, MB_OK | MB_ICONSTOP);
         EndDialog(IDCANCEL);
         return FALSE;
     }
-
-    m_list.SetRedraw(FALSE);
-    const int nCount = m_keywords.GetCount();
-    m_list.InitStorage(nCount, nCount * 32);
-    CString strKeyword;
-    m_keywords.MoveFirst();
-    for (int i = 0; i < nCount; ++i)
-    {
-        if (m_keywords.GetNext(strKeyword) && !strKeyword.IsEmpty())
-            AddToList(strKeyword);
-    }
-    m_list.SetRedraw(TRUE);
+    FillList();
     OnRefresh();
     return TRUE;
+}
+
+void CDlgEditKeywords::FillList()
+{
+    CString strKeyword;
+    for (m_keywords.MoveFirst(); m_keywords.GetNext(strKeyword);)
+    {
+        if (!strKeyword.IsEmpty())
+            AddToList(strKeyword);
+    }
 }
 
 BOOL CDlgEditKeywords::PreTranslateMessage(MSG* pMsg)
@@ -112,36 +110,57 @@ BOOL CDlgEditKeywords::OnHelpKey(UINT nHelpID)
 
 void CDlgEditKeywords::OnOK()
 {
-    if (Attempt([&] { m_keywords.Save(); }))
-        mfcCDialog::OnOK();
+    if (UpdateData(TRUE) && Attempt([&] { m_keywords.Save(); }))
+        EndDialog(IDOK);
 }
 
 void CDlgEditKeywords::OnAdd()
 {
-    m_editText.GetWindowText(m_strText);
-    if (m_strText.IsEmpty())
-        return;
-
-    if (m_list.FindStringExact(-1, m_strText) != LB_ERR)
-    {
-        CString strText;
-        CString strCaption;
-        strText.LoadString(IDS_KEYWORD_DUPLICATE);
-        strCaption.LoadString(IDS_KEYWORD_DUPLICATE_CAPTION);
-        MessageBox(strText, strCaption, MB_OK | MB_ICONEXCLAMATION);
-    }
-    else
-    {
-        BOOL bAdded = FALSE;
-        // Text that cannot be stored stays in the field to be mended.
-        if (!Attempt([&] { bAdded = m_keywords.Add(m_strText); }))
-            return;
-        if (bAdded)
-            AddToList(m_strText);
-    }
-    m_strText.Empty();
-    m_editText.SetWindowText("");
+    CString strKeyword;
+    m_editText.GetWindowText(strKeyword);
+    if (AddKeyword(strKeyword))
+        m_editText.SetWindowText("");
     RefreshAndFocusText();
+}
+
+bool CDlgEditKeywords::AddKeyword(const CString& strKeyword)
+{
+    const bool bListed = m_list.FindStringExact(-1, strKeyword) != LB_ERR;
+    switch (maint::CheckKeyword(strKeyword.GetString(), bListed))
+    {
+    case maint::KeywordCheck::Empty:
+        return false;
+    case maint::KeywordCheck::TooLong: {
+        CString strText;
+        AfxFormatString1(strText, IDS_KEYWORD_TOO_LONG, std::to_string(maint::longestKeyword).c_str());
+        ShowRefusal(strText, IDS_KEYWORD_TOO_LONG_CAPTION);
+        return false;
+    }
+    case maint::KeywordCheck::Duplicate:
+        break;
+    case maint::KeywordCheck::Accepted: {
+        BOOL bAdded = FALSE;
+        if (!Attempt([&] { bAdded = m_keywords.Add(strKeyword); }))
+            return false;
+        if (bAdded)
+        {
+            AddToList(strKeyword);
+            return true;
+        }
+        break; // the same but for what the list box does not compare, as blanks at the ends
+    }
+    }
+    CString strText;
+    strText.LoadString(IDS_KEYWORD_DUPLICATE);
+    ShowRefusal(strText, IDS_KEYWORD_DUPLICATE_CAPTION);
+    return true; // it is in the list, so the field is free for the next
+}
+
+void CDlgEditKeywords::ShowRefusal(const CString& strText, UINT nCaptionID)
+{
+    CString strCaption;
+    strCaption.LoadString(nCaptionID);
+    MessageBox(strText, strCaption, MB_OK | MB_ICONEXCLAMATION);
 }
 
 void CDlgEditKeywords::OnRemove()
@@ -149,16 +168,14 @@ void CDlgEditKeywords::OnRemove()
     std::vector<int> selected(static_cast<std::size_t>(m_list.GetSelCount()));
     m_list.GetSelItems(static_cast<int>(selected.size()), selected.data());
     std::sort(selected.rbegin(), selected.rend());
-    m_list.SetRedraw(FALSE);
     CString strKeyword;
     for (const int nItem : selected)
     {
         m_list.GetText(nItem, strKeyword);
-        if (m_keywords.Remove(strKeyword))
+        BOOL bRemoved = FALSE;
+        if (Attempt([&] { bRemoved = m_keywords.Remove(strKeyword); }) && bRemoved)
             m_list.DeleteString(static_cast<UINT>(nItem));
     }
-    m_list.SetRedraw(TRUE);
-    m_list.Invalidate();
     RefreshAndFocusText();
 }
 
@@ -179,9 +196,7 @@ void CDlgEditKeywords::OnUpdateRemove(CCmdUI* pCmdUI)
 
 void CDlgEditKeywords::AddToList(LPCTSTR pszKeyword)
 {
-    const int nItem = m_list.AddString(pszKeyword);
-    if (nItem < 0)
-        return;
+    m_list.AddString(pszKeyword);
     // A list box does not scroll sideways by itself.
     CClientDC dc(&m_list);
     CFont* const pOldFont = dc.SelectObject(m_list.GetFont());

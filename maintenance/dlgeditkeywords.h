@@ -16,7 +16,7 @@ public:
 
 protected:
     void DoDataExchange(CDataExchange* pDX) override;
-    /// Ends the dialog at once with IDCANCEL when the list cannot be loaded, so that nothing comes up.
+    /// When the list cannot be loaded, says so and ends the dialog with IDCANCEL: it does not come up.
     BOOL OnInitDialog() override;
     BOOL PreTranslateMessage(MSG* pMsg) override;
     BOOL OnHelpKey(UINT nHelpID) override;
@@ -31,10 +31,13 @@ protected:
     DECLARE_MESSAGE_MAP()
 
 private:
+    void FillList();
+    /// Whether the text was taken; when it was not, the user knows why and the text stays to be mended.
+    bool AddKeyword(const CString& strKeyword);
+    void ShowRefusal(const CString& strText, UINT nCaptionID);
     void AddToList(LPCTSTR pszKeyword);
     void RefreshAndFocusText();
 
-    CString m_strText;
     CKeywords m_keywords;
     INI_LIST m_nList = INI_LIST_PATIENT;
     CEdit m_editText;

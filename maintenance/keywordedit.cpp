@@ -18,8 +18,8 @@ WNDPROC pfnEdit = nullptr; // the "EDIT" class's procedure
 BEGIN_MESSAGE_MAP(cedCKeywords, CEdit)
 ON_WM_CREATE()
 ON_WM_CONTEXTMENU()
-ON_COMMAND(kwCommandEdit, &cedCKeywords::OnEditKeywords)
-ON_COMMAND_RANGE(kwCommandBase + 1, kwCommandLast, &cedCKeywords::OnKeyword)
+ON_COMMAND(maint::keywordCommandEdit, &cedCKeywords::OnEditKeywords)
+ON_COMMAND_RANGE(maint::keywordCommandBase + 1, maint::keywordCommandLast, &cedCKeywords::OnKeyword)
 END_MESSAGE_MAP()
 
 BOOL cedCKeywords::RegisterControlClass(HINSTANCE hInstance)
@@ -73,7 +73,7 @@ int cedCKeywords::OnCreate(LPCREATESTRUCT pCreate)
         return -1;
     CString strList;
     GetWindowText(strList);
-    m_nList = kwListFromText(strList.GetString());
+    m_nList = maint::KeywordListFromText(strList.GetString());
     SetWindowText("");
     return 0;
 }
@@ -95,30 +95,31 @@ void cedCKeywords::FillMenu()
     m_menu.CreatePopupMenu();
 
     CKeywords keywords;
-    if (m_nList != kwListNone && keywords.Load(m_nList))
+    if (m_nList != maint::KeywordList::None && keywords.Load(static_cast<int>(m_nList)))
     {
         std::vector<std::string> words;
         words.reserve(keywords.GetCount());
         CString strKeyword;
         for (keywords.MoveFirst(); keywords.GetNext(strKeyword);)
             words.emplace_back(strKeyword.GetString());
-        for (const kwMenuItem& item : kwMenu(words))
+        for (const maint::KeywordMenuItem& item : maint::KeywordMenu(words))
             m_menu.AppendMenu(MF_STRING, item.command, item.text.c_str());
     }
 
     CString strEditThese;
     strEditThese.LoadString(IDS_KEYWORD_EDIT_THESE);
     m_menu.AppendMenu(MF_SEPARATOR);
-    m_menu.AppendMenu(MF_STRING, kwCommandEdit, strEditThese);
+    m_menu.AppendMenu(MF_STRING, maint::keywordCommandEdit, strEditThese);
 }
 
 void cedCKeywords::OnKeyword(UINT nCommand)
 {
     CString strMenuText;
-    m_menu.GetMenuString(kwMenuPosition(nCommand), strMenuText, MF_BYPOSITION);
+    m_menu.GetMenuString(maint::KeywordMenuPosition(nCommand), strMenuText, MF_BYPOSITION);
     CString strText;
     GetWindowText(strText);
-    const std::string text = kwAppend(strText.GetString(), kwFromMenuText(strMenuText.GetString()));
+    const std::string text =
+        maint::AppendKeyword(strText.GetString(), maint::FromMenuText(strMenuText.GetString()));
     SetWindowText(text.c_str());
     SetFocus();
     const int nEnd = static_cast<int>(text.size());
@@ -127,5 +128,5 @@ void cedCKeywords::OnKeyword(UINT nCommand)
 
 void cedCKeywords::OnEditKeywords()
 {
-    velEditKeywords(GetParent(), m_nList == kwListPatient ? INI_LIST_PATIENT : INI_LIST_IMAGE);
+    velEditKeywords(GetParent(), m_nList == maint::KeywordList::Patient ? INI_LIST_PATIENT : INI_LIST_IMAGE);
 }

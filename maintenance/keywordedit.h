@@ -30,5 +30,5 @@ private:
     void FillMenu();
 
     CMenu m_menu;
-    kwList m_nList = kwListNone;
+    maint::KeywordList m_nList = maint::KeywordList::None;
 };

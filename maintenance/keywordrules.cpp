@@ -2,6 +2,9 @@
 
 #include <algorithm>
 
+namespace maint
+{
+
 namespace
 {
 
@@ -13,35 +16,35 @@ bool EqualsNoCase(std::string_view text, std::string_view upper)
 
 } // namespace
 
-kwList kwListFromText(std::string_view windowText)
+KeywordList KeywordListFromText(std::string_view windowText)
 {
     if (EqualsNoCase(windowText, "PATIENT"))
-        return kwListPatient;
-    return EqualsNoCase(windowText, "IMAGE") ? kwListImage : kwListNone;
+        return KeywordList::Patient;
+    return EqualsNoCase(windowText, "IMAGE") ? KeywordList::Image : KeywordList::None;
 }
 
-std::vector<kwMenuItem> kwMenu(const std::vector<std::string>& keywords)
+std::vector<KeywordMenuItem> KeywordMenu(const std::vector<std::string>& keywords)
 {
-    std::vector<kwMenuItem> items;
+    std::vector<KeywordMenuItem> items;
     items.reserve(keywords.size());
-    unsigned command = kwCommandBase;
+    unsigned command = keywordCommandBase;
     for (const std::string& keyword : keywords)
     {
-        if (command == kwCommandLast)
+        if (command == keywordCommandLast)
             break;
         ++command;
         if (!keyword.empty())
-            items.push_back({command, kwToMenuText(keyword)});
+            items.push_back({command, ToMenuText(keyword)});
     }
     return items;
 }
 
-unsigned kwMenuPosition(unsigned command)
+unsigned KeywordMenuPosition(unsigned command)
 {
-    return command - kwCommandBase - 1;
+    return command - keywordCommandBase - 1;
 }
 
-std::string kwToMenuText(std::string_view keyword)
+std::string ToMenuText(std::string_view keyword)
 {
     std::string text;
     text.reserve(keyword.size());
@@ -50,7 +53,7 @@ std::string kwToMenuText(std::string_view keyword)
     return text;
 }
 
-std::string kwFromMenuText(std::string_view menuText)
+std::string FromMenuText(std::string_view menuText)
 {
     std::string keyword;
     keyword.reserve(menuText.size());
@@ -63,7 +66,18 @@ std::string kwFromMenuText(std::string_view menuText)
     return keyword;
 }
 
-std::string kwAppend(const std::string& text, const std::string& keyword)
+std::string AppendKeyword(const std::string& text, const std::string& keyword)
 {
     return text.empty() ? keyword : text + ", " + keyword;
 }
+
+KeywordCheck CheckKeyword(std::string_view text, bool isListed)
+{
+    if (text.find_first_not_of(" \t") == std::string_view::npos)
+        return KeywordCheck::Empty;
+    if (text.size() > longestKeyword)
+        return KeywordCheck::TooLong;
+    return isListed ? KeywordCheck::Duplicate : KeywordCheck::Accepted;
+}
+
+} // namespace maint

@@ -5,57 +5,61 @@
 namespace
 {
 
+using namespace maint;
+
 TEST(KeywordList, NamedByTheWindowTextInAnyCase)
 {
-    const std::pair<const char*, kwList> cases[] = {
-        {"PATIENT", kwListPatient}, {"patient", kwListPatient}, {"IMAGE", kwListImage},
-        {"Image", kwListImage},     {"", kwListNone},           {"IMAGES", kwListNone},
-        {" PATIENT", kwListNone},   {"PATIEN", kwListNone},
+    const std::pair<const char*, KeywordList> cases[] = {
+        {"PATIENT", KeywordList::Patient}, {"patient", KeywordList::Patient}, {"Image", KeywordList::Image},
+        {"", KeywordList::None},           {"IMAGES", KeywordList::None},     {" PATIENT", KeywordList::None},
+        {"PATIEN", KeywordList::None},     {"pAtIEnz", KeywordList::None},
     };
     for (const auto& [text, expected] : cases)
-        EXPECT_EQ(kwListFromText(text), expected) << "\"" << text << "\"";
+        EXPECT_EQ(KeywordListFromText(text), expected) << "\"" << text << "\"";
 }
 
 TEST(KeywordMenu, EmptyKeywordUsesUpItsNumber)
 {
-    const std::vector<kwMenuItem> items = kwMenu({"Braces", "", "Recall", "Crown"});
+    const std::vector<KeywordMenuItem> items = KeywordMenu({"Braces", "", "Recall", "Crown & Bridge"});
     ASSERT_EQ(items.size(), 3u);
     EXPECT_EQ(items[0].command, 25001u);
     EXPECT_EQ(items[1].command, 25003u);
     EXPECT_EQ(items[2].command, 25004u);
 
     // The text a command yields is the one at its position in the menu.
-    EXPECT_EQ(items[kwMenuPosition(25001)].text, "Braces");
-    EXPECT_EQ(items[kwMenuPosition(25003)].text, "Crown") << "one further on, because of the empty keyword";
-    EXPECT_EQ(kwMenuPosition(25004), items.size()) << "on the separator";
+    EXPECT_EQ(items[KeywordMenuPosition(25001)].text, "Braces");
+    EXPECT_EQ(items[KeywordMenuPosition(25003)].text, "Crown && Bridge") << "one on, after the empty keyword";
+    EXPECT_EQ(KeywordMenuPosition(25004), items.size()) << "on the separator";
 }
 
-TEST(KeywordMenu, TakesLongAndManyKeywordsButNoSystemCommands)
+TEST(KeywordMenu, EndsBeforeTheSystemsCommands)
 {
-    std::vector<std::string> keywords(5000, std::string(500, 'k'));
-    EXPECT_EQ(kwMenu(keywords).size(), 5000u);
-    EXPECT_EQ(kwMenu(keywords).back().command, 30000u);
-    EXPECT_EQ(kwMenu(keywords).back().text, keywords.back());
-
-    keywords.resize(100000, "x");
-    const std::vector<kwMenuItem> items = kwMenu(keywords);
-    EXPECT_EQ(items.back().command, kwCommandLast);
+    EXPECT_EQ(KeywordMenu(std::vector<std::string>(100000, "x")).back().command, 0xEFFFu);
 }
 
 TEST(KeywordMenu, AmpersandsSurviveTheWay)
 {
     for (const char* keyword : {"", "&", "&&", "&&&", "A&B", "A && B", "&A", "A&", "50% & more", "no mark"})
-        EXPECT_EQ(kwFromMenuText(kwToMenuText(keyword)), keyword);
-    EXPECT_EQ(kwToMenuText("Crown & Bridge"), "Crown && Bridge");
-    EXPECT_EQ(kwFromMenuText("&Edit"), "&Edit") << "a single mark is text";
+        EXPECT_EQ(FromMenuText(ToMenuText(keyword)), keyword);
+    EXPECT_EQ(FromMenuText("&Edit"), "&Edit") << "a single mark is text";
 }
 
 TEST(KeywordField, TakesTheKeywordOrAppendsIt)
 {
-    EXPECT_EQ(kwAppend("", "Recall"), "Recall");
-    EXPECT_EQ(kwAppend("Braces", "Recall"), "Braces, Recall");
-    EXPECT_EQ(kwAppend(" ", "%s"), " , %s");
-    EXPECT_EQ(kwAppend("Braces", ""), "Braces, ");
+    EXPECT_EQ(AppendKeyword("", "Recall"), "Recall");
+    EXPECT_EQ(AppendKeyword("Braces", "Recall"), "Braces, Recall");
+    EXPECT_EQ(AppendKeyword(" ", "%s"), " , %s");
+}
+
+TEST(KeywordCheck, NamesTheFirstReason)
+{
+    const std::tuple<std::string, bool, KeywordCheck> cases[] = {
+        {"Braces", false, KeywordCheck::Accepted}, {std::string(500, 'k'), false, KeywordCheck::Accepted},
+        {"", true, KeywordCheck::Empty},           {" \t", false, KeywordCheck::Empty},
+        {"Braces", true, KeywordCheck::Duplicate}, {std::string(501, 'k'), true, KeywordCheck::TooLong},
+    };
+    for (const auto& [text, listed, expected] : cases)
+        EXPECT_EQ(CheckKeyword(text, listed), expected) << "\"" << text << "\"";
 }
 
 } // namespace

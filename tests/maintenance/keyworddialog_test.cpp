@@ -1,18 +1,16 @@
-#include "app/exports/veldlgs.h"
-#include "maintenance/maintenanceres.h"
 #include "tests/maintenance/keywordpractice.h"
 #include "tests/support/dialogquality.h"
-#include "tests/support/dialogscript.h"
 #include "tests/support/picture.h"
-
-#include <gmock/gmock.h>
 
 namespace
 {
 
 using testing::ElementsAre;
+using testing::IsEmpty;
 using veltest::Dialog;
 using veltest::DialogScript;
+
+constexpr int patientList = dbKeywordsPatient;
 
 class KeywordDialog : public KeywordPractice
 {
@@ -27,173 +25,175 @@ protected:
 
 TEST_F(KeywordDialog, AddsAndRemovesOnOK)
 {
-    Store(dbKeywordsPatient, {"recall", "Braces", "Crown"});
-    const auto result = Edit([](DialogScript&, const Dialog& dialog) {
-        EXPECT_THAT(dialog.Item(IDC_KEYWORD_LIST).Items(), ElementsAre("Braces", "Crown", "recall"));
-        dialog.Item(IDC_KEYWORD_TEXT).Type("Crown & Bridge");
+    Store(patientList, {"recall", "Braces", "Crown"});
+    Store(dbKeywordsImage, {"Frontal"});
+    const auto edit = [](int end) {
+        return [end](DialogScript&, const Dialog& dialog) {
+            EXPECT_THAT(dialog.Item(IDC_KEYWORD_LIST).Items(), ElementsAre("Braces", "Crown", "recall"));
+            dialog.Item(IDC_KEYWORD_TEXT).Type("Crown & \xC4rger <1> %s'");
+            dialog.Press(IDC_KEYWORD_ADD);
+            EXPECT_EQ(dialog.Item(IDC_KEYWORD_TEXT).Text(), "");
+            EXPECT_TRUE(dialog.Item(IDC_KEYWORD_TEXT).HasFocus());
+            dialog.Item(IDC_KEYWORD_LIST).SelectItems({1, 3});
+            dialog.Press(IDC_KEYWORD_REMOVE);
+            EXPECT_THAT(dialog.Item(IDC_KEYWORD_LIST).Items(),
+                        ElementsAre("Braces", "Crown & \xC4rger <1> %s'"));
+            EXPECT_TRUE(dialog.Item(IDC_KEYWORD_TEXT).HasFocus());
+            dialog.Press(end);
+        };
+    };
+    EXPECT_EQ(Edit(edit(IDCANCEL)), IDCANCEL);
+    EXPECT_THAT(Stored(patientList), ElementsAre("recall", "Braces", "Crown"));
+    EXPECT_EQ(Edit(edit(IDOK), INI_LIST_IMAGE), IDOK) << "the patient list, whichever is asked for";
+    EXPECT_THAT(Stored(patientList), ElementsAre("Braces", "Crown & \u00C4rger <1> %s'"));
+    EXPECT_THAT(Stored(dbKeywordsImage), ElementsAre("Frontal"));
+}
+
+/// Another seat may have another code page.
+TEST_F(KeywordDialog, AWordThatDoesNotConvertIsShownAndLeftOrRemoved)
+{
+    Sql("INSERT INTO keywords (list, word, wordKey) VALUES (0, 'Z\u4E00', 'z\u4E00'), (0, 'Z\u4E01', "
+        "'z\u4E01'),"
+        " (0, '', '')");
+    Store(patientList, {"Braces"});
+    Edit([](DialogScript&, const Dialog& dialog) {
+        EXPECT_THAT(dialog.Item(IDC_KEYWORD_LIST).Items(), ElementsAre("Braces", "Z?", "Z?"));
+        dialog.Item(IDC_KEYWORD_TEXT).Type("New");
         dialog.Press(IDC_KEYWORD_ADD);
-        EXPECT_EQ(dialog.Item(IDC_KEYWORD_TEXT).Text(), "");
-        EXPECT_TRUE(dialog.Item(IDC_KEYWORD_TEXT).HasFocus());
-        dialog.Item(IDC_KEYWORD_LIST).SelectItems({1, 3});
+        dialog.Item(IDC_KEYWORD_LIST).SelectItems({2});
         dialog.Press(IDC_KEYWORD_REMOVE);
-        EXPECT_THAT(dialog.Item(IDC_KEYWORD_LIST).Items(), ElementsAre("Braces", "Crown & Bridge"));
-        EXPECT_TRUE(dialog.Item(IDC_KEYWORD_TEXT).HasFocus());
         dialog.Press(IDOK);
     });
-    EXPECT_EQ(result, IDOK);
-    EXPECT_THAT(Stored(dbKeywordsPatient), ElementsAre("Braces", "Crown & Bridge"));
+    EXPECT_THAT(Stored(patientList), ElementsAre("Z\u4E01", "", "Braces", "New"));
+    EXPECT_THAT(Sql("SELECT wordKey FROM keywords ORDER BY id"), ElementsAre("z\u4E01", "", "braces", "new"));
 }
 
-TEST_F(KeywordDialog, CancelStoresNothing)
+TEST_F(KeywordDialog, TellsWhyItTakesNoKeyword)
 {
-    Store(dbKeywordsPatient, {"Braces"});
-    const auto result = Edit([](DialogScript&, const Dialog& dialog) {
-        dialog.Item(IDC_KEYWORD_TEXT).Type("Crown");
-        dialog.Press(IDC_KEYWORD_ADD);
-        dialog.Item(IDC_KEYWORD_LIST).SelectItems({0, 1});
-        dialog.Press(IDC_KEYWORD_REMOVE);
-        EXPECT_TRUE(dialog.Item(IDC_KEYWORD_LIST).Items().empty());
-        dialog.Press(IDCANCEL);
-    });
-    EXPECT_EQ(result, IDCANCEL);
-    EXPECT_THAT(Stored(dbKeywordsPatient), ElementsAre("Braces"));
-}
-
-TEST_F(KeywordDialog, EditsThePatientListWhicheverIsAskedFor)
-{
-    Store(dbKeywordsPatient, {"Braces"});
-    Store(dbKeywordsImage, {"Frontal"});
-    Edit(
-        [](DialogScript&, const Dialog& dialog) {
+    Store(patientList, {"Braces"});
+    const std::string tooLong(501, 'k');
+    struct Case
+    {
+        std::string text;
+        std::string message; // empty: none
+        std::string caption;
+        std::string textAfter;
+    };
+    const Case cases[] = {
+        {"bRACES", "The specified keyword is already in the list.", "Duplicate", ""},
+        {"Braces ", "The specified keyword is already in the list.", "Duplicate", ""},
+        {tooLong, "A keyword can have at most 500 characters.", "Too Long", tooLong},
+        {"  ", "", "", "  "},
+    };
+    Edit([&](DialogScript& script, const Dialog& dialog) {
+        for (const Case& c : cases)
+        {
+            SCOPED_TRACE(c.text);
+            const auto field = dialog.Item(IDC_KEYWORD_TEXT);
+            field.SetText(c.text);
+            dialog.Press(IDC_KEYWORD_ADD);
+            if (!c.message.empty())
+            {
+                const Dialog box = script.WaitForBox(c.message);
+                EXPECT_EQ(box.Title(), c.caption);
+                EXPECT_TRUE(box.HasIcon(IDI_EXCLAMATION));
+                box.Press(IDOK);
+                box.WaitForClosed();
+            }
+            script.Settle(dialog.Handle());
+            EXPECT_EQ(field.Text(), c.textAfter);
+            EXPECT_TRUE(field.HasFocus());
             EXPECT_THAT(dialog.Item(IDC_KEYWORD_LIST).Items(), ElementsAre("Braces"));
-            dialog.Press(IDCANCEL);
-        },
-        INI_LIST_IMAGE);
-}
-
-TEST_F(KeywordDialog, AKeywordThatDiffersInCaseIsADuplicate)
-{
-    Store(dbKeywordsPatient, {"Braces"});
-    Edit([](DialogScript& script, const Dialog& dialog) {
-        dialog.Item(IDC_KEYWORD_TEXT).Type("bRACES");
+        }
+        dialog.Item(IDC_KEYWORD_TEXT).Replace(tooLong);
+        EXPECT_EQ(dialog.Item(IDC_KEYWORD_TEXT).Text().size(), 500u) << "more cannot be typed";
         dialog.Press(IDC_KEYWORD_ADD);
-        const Dialog box = script.WaitForBox("The specified keyword is already in the list.");
-        EXPECT_EQ(box.Title(), "Duplicate");
-        EXPECT_TRUE(box.HasIcon(IDI_EXCLAMATION));
-        box.Press(IDOK);
-        box.WaitForClosed();
-        script.Settle(dialog.Handle());
-        EXPECT_EQ(dialog.Item(IDC_KEYWORD_TEXT).Text(), "");
-        EXPECT_TRUE(dialog.Item(IDC_KEYWORD_TEXT).HasFocus());
-        EXPECT_THAT(dialog.Item(IDC_KEYWORD_LIST).Items(), ElementsAre("Braces"));
-        dialog.Press(IDCANCEL);
+        EXPECT_EQ(dialog.Item(IDC_KEYWORD_LIST).Items().size(), 2u);
+        EXPECT_GT(dialog.Item(IDC_KEYWORD_LIST).Send(LB_GETHORIZONTALEXTENT), 500) << "it can be scrolled to";
+        dialog.Press(IDOK);
     });
+    EXPECT_THAT(Stored(patientList), ElementsAre("Braces", std::string(500, 'k')));
 }
 
-TEST_F(KeywordDialog, EnterAddsWhileThereIsTextAndClosesWithoutIt)
+TEST_F(KeywordDialog, KeysActWhereTheFocusIs)
 {
+    Store(patientList, {"Braces"});
     const auto result = Edit([](DialogScript& script, const Dialog& dialog) {
-        dialog.Item(IDC_KEYWORD_TEXT).Type("Crown");
-        dialog.Item(IDC_KEYWORD_TEXT).PressKey(VK_RETURN);
+        const auto text = dialog.Item(IDC_KEYWORD_TEXT);
+        const auto list = dialog.Item(IDC_KEYWORD_LIST);
+        text.Type("Crown");
+        text.PressKey(VK_RETURN);
         script.Settle(dialog.Handle());
         ASSERT_TRUE(dialog.IsOpen());
-        EXPECT_THAT(dialog.Item(IDC_KEYWORD_LIST).Items(), ElementsAre("Crown"));
-        dialog.Item(IDC_KEYWORD_TEXT).PressKey(VK_RETURN);
+        EXPECT_THAT(list.Items(), ElementsAre("Braces", "Crown"));
+        list.SelectItems({0});
+        text.PressKey(VK_DELETE);
+        text.PressKey('A'); // no key of the dialog's
+        script.Settle(dialog.Handle());
+        EXPECT_EQ(text.Text(), "a");
+        EXPECT_EQ(list.Items().size(), 2u);
+        text.Replace("");
+        list.PressKey(VK_DELETE);
+        script.Settle(dialog.Handle());
+        EXPECT_THAT(list.Items(), ElementsAre("Crown"));
+        text.PressKey(VK_RETURN); // an empty field leaves Enter to OK
     });
     EXPECT_EQ(result, IDOK);
-    EXPECT_THAT(Stored(dbKeywordsPatient), ElementsAre("Crown"));
-}
-
-TEST_F(KeywordDialog, DeleteKeyRemovesOnlyInTheList)
-{
-    Store(dbKeywordsPatient, {"Braces", "Crown"});
-    Edit([](DialogScript& script, const Dialog& dialog) {
-        dialog.Item(IDC_KEYWORD_LIST).SelectItems({0});
-        dialog.Item(IDC_KEYWORD_TEXT).PressKey(VK_DELETE);
-        script.Settle(dialog.Handle());
-        EXPECT_EQ(dialog.Item(IDC_KEYWORD_LIST).Items().size(), 2u);
-        dialog.Item(IDC_KEYWORD_LIST).PressKey(VK_DELETE);
-        script.Settle(dialog.Handle());
-        EXPECT_THAT(dialog.Item(IDC_KEYWORD_LIST).Items(), ElementsAre("Crown"));
-        dialog.Press(IDCANCEL);
-    });
+    EXPECT_THAT(Stored(patientList), ElementsAre("Crown"));
 }
 
 TEST_F(KeywordDialog, ButtonsFollowTextAndSelection)
 {
-    Store(dbKeywordsPatient, {"Braces", "Crown"});
+    Store(patientList, {"Braces", "Crown & Bridge", "Deep bite", "Extraction"});
     Edit([](DialogScript&, const Dialog& dialog) {
-        const auto add = dialog.Item(IDC_KEYWORD_ADD);
-        const auto remove = dialog.Item(IDC_KEYWORD_REMOVE);
-        EXPECT_FALSE(add.IsEnabled());
-        EXPECT_FALSE(remove.IsEnabled());
-        dialog.Item(IDC_KEYWORD_TEXT).Type("x");
-        dialog.SettleIdle();
-        EXPECT_TRUE(add.IsEnabled());
+        const auto expectEnabled = [&](bool add, bool remove) {
+            dialog.SettleIdle();
+            EXPECT_EQ(dialog.Item(IDC_KEYWORD_ADD).IsEnabled(), add);
+            EXPECT_EQ(dialog.Item(IDC_KEYWORD_REMOVE).IsEnabled(), remove);
+        };
+        expectEnabled(false, false);
+        dialog.Item(IDC_KEYWORD_TEXT).Type("Aligner");
+        expectEnabled(true, false);
+        dialog.Item(IDC_KEYWORD_LIST).SelectItems({1, 2});
+        expectEnabled(true, true);
+        EXPECT_EQ(veltest::DialogFindings(dialog.Handle()), "");
+        EXPECT_TRUE(veltest::SavePicture(dialog.Handle(), "edit-keywords"));
         dialog.Item(IDC_KEYWORD_TEXT).Replace("");
-        dialog.SettleIdle();
-        EXPECT_FALSE(add.IsEnabled());
-        dialog.Item(IDC_KEYWORD_LIST).SelectItems({1});
-        dialog.SettleIdle();
-        EXPECT_TRUE(remove.IsEnabled());
+        expectEnabled(false, true);
         dialog.Press(IDC_KEYWORD_REMOVE);
-        dialog.SettleIdle();
-        EXPECT_FALSE(remove.IsEnabled());
+        expectEnabled(false, false);
         dialog.Press(IDCANCEL);
     });
 }
 
-TEST_F(KeywordDialog, NothingComesUpWhenTheListCannotBeLoaded)
+TEST_F(KeywordDialog, SaysWhenTheListCannotBeReadOrStored)
 {
-    dbCPatients::Close();
-    EXPECT_EQ(veltest::RunModal([] { return EditKeywords(nullptr, INI_LIST_PATIENT); }, [](DialogScript&) {}),
-              IDCANCEL);
-}
-
-TEST_F(KeywordDialog, StaysOpenWhenTheListCannotBeStored)
-{
-    Edit([](DialogScript& script, const Dialog& dialog) {
+    Sql("CREATE TRIGGER refuse BEFORE INSERT ON keywords BEGIN SELECT RAISE(FAIL, 'the disk is full'); END");
+    const auto result = Edit([](DialogScript& script, const Dialog& dialog) {
         dialog.Item(IDC_KEYWORD_TEXT).Type("Crown");
         dialog.Press(IDC_KEYWORD_ADD);
-        script.Settle(dialog.Handle());
-        dbCPatients::Close();
         dialog.Press(IDOK);
-        script.AnswerBox("", IDOK);
-        script.Settle(dialog.Handle());
+        const Dialog box = script.WaitForBox();
+        EXPECT_THAT(box.BoxText(), testing::HasSubstr("the disk is full"));
+        EXPECT_TRUE(box.HasIcon(IDI_ERROR));
+        box.Press(IDOK);
+        box.WaitForClosed();
         EXPECT_TRUE(dialog.IsOpen());
         EXPECT_THAT(dialog.Item(IDC_KEYWORD_LIST).Items(), ElementsAre("Crown"));
         dialog.Press(IDCANCEL);
     });
-}
+    EXPECT_EQ(result, IDCANCEL);
+    EXPECT_THAT(Stored(patientList), IsEmpty());
 
-TEST_F(KeywordDialog, TakesLongAndStrangeKeywords)
-{
-    const std::string longest(500, 'k');
-    const auto result = Edit([&](DialogScript& script, const Dialog& dialog) {
-        for (const std::string& word : {longest, std::string("100% %s <1> 'x'; --"), std::string("\xC4rger")})
-        {
-            dialog.Item(IDC_KEYWORD_TEXT).SetText(word);
-            dialog.Press(IDC_KEYWORD_ADD);
-            script.Settle(dialog.Handle());
-        }
-        EXPECT_EQ(dialog.Item(IDC_KEYWORD_LIST).Items().size(), 3u);
-        dialog.Press(IDOK);
-    });
-    EXPECT_EQ(result, IDOK);
-    EXPECT_THAT(Stored(dbKeywordsPatient), ElementsAre(longest, "100% %s <1> 'x'; --", "\xC4rger"));
-}
-
-TEST_F(KeywordDialog, LooksAsItShould)
-{
-    Store(dbKeywordsPatient, {"Braces", "Crown & Bridge", "Deep bite", "Extraction", "Recall", "Retainer"});
-    Edit([](DialogScript&, const Dialog& dialog) {
-        dialog.Item(IDC_KEYWORD_TEXT).Type("Aligner");
-        dialog.Item(IDC_KEYWORD_LIST).SelectItems({2, 3});
-        dialog.SettleIdle();
-        EXPECT_EQ(veltest::DialogFindings(dialog.Handle()), "");
-        EXPECT_TRUE(veltest::SavePicture(dialog.Handle(), "edit-keywords"));
-        dialog.Press(IDCANCEL);
-    });
+    dbCPatients::Close();
+    const auto unread =
+        veltest::RunModal([] { return EditKeywords(nullptr, INI_LIST_PATIENT); },
+                          [](DialogScript& script) {
+                              script.AnswerBox("The keywords could not be read from the patient "
+                                               "database, so they cannot be changed now.",
+                                               IDOK);
+                          });
+    EXPECT_EQ(unread, IDCANCEL);
 }
 
 } // namespace

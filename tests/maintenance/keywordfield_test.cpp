@@ -1,10 +1,5 @@
-#include "app/exports/veldlgs.h"
-#include "maintenance/maintenanceres.h"
 #include "tests/maintenance/keywordfieldres.h"
 #include "tests/maintenance/keywordpractice.h"
-#include "tests/support/dialogscript.h"
-
-#include <gmock/gmock.h>
 
 namespace
 {
@@ -79,6 +74,22 @@ TEST_F(KeywordField, OffersTheListThatItsTextNames)
         EXPECT_THAT(MenuOf(script, dialog.Item(IDC_FIELD_IMAGE)),
                     ElementsAre("Frontal", "-", "Edit These..."));
         EXPECT_THAT(MenuOf(script, dialog.Item(IDC_FIELD_NONE)), ElementsAre("-", "Edit These..."));
+
+        // By the keyboard, next to the field's corner.
+        const Control field = dialog.Item(IDC_FIELD_NONE);
+        field.Post(WM_CONTEXTMENU, reinterpret_cast<WPARAM>(field.Handle()), MAKELPARAM(-1, -1));
+        script.WaitForMenu();
+        RECT corner = {};
+        RECT menu = {};
+        GetWindowRect(field.Handle(), &corner);
+        GetWindowRect(script.WaitForWindowOfClass("#32768"), &menu);
+        EXPECT_NEAR(menu.left, corner.left, 4);
+        EXPECT_NEAR(menu.top, corner.top, 4);
+        script.CloseMenu();
+    });
+    dbCPatients::Close();
+    Run([](DialogScript& script, const Dialog& dialog) {
+        EXPECT_THAT(MenuOf(script, dialog.Item(IDC_FIELD_PATIENT)), ElementsAre("-", "Edit These..."));
     });
 }
 
@@ -119,14 +130,6 @@ TEST_F(KeywordField, EditTheseOpensTheEditorOverTheDialog)
         EXPECT_TRUE(dialog.IsEnabled());
         EXPECT_THAT(MenuOf(script, dialog.Item(IDC_FIELD_PATIENT)),
                     ElementsAre("Braces", "Crown", "-", "Edit These..."));
-    });
-}
-
-TEST_F(KeywordField, OffersOnlyTheEditorWithoutADatabase)
-{
-    dbCPatients::Close();
-    Run([](DialogScript& script, const Dialog& dialog) {
-        EXPECT_THAT(MenuOf(script, dialog.Item(IDC_FIELD_PATIENT)), ElementsAre("-", "Edit These..."));
     });
 }
 

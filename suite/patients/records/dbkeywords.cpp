@@ -17,7 +17,7 @@ BOOL CKeywords::Load(int nList)
         dbCStatement query("SELECT word, wordKey FROM keywords WHERE list = ? ORDER BY id");
         query.Bind(nList);
         while (query.Step())
-            words.push_back({query.Text(0), std::string(query.Utf8(1))});
+            words.push_back({dbFromUtf8ForDisplay(query.Utf8(0)).c_str(), std::string(query.Utf8(1))});
         m_words = std::move(words);
         m_nList = nList;
         return TRUE;
@@ -37,17 +37,21 @@ BOOL CKeywords::GetNext(CString& strKeyword)
     return TRUE;
 }
 
-int CKeywords::Find(const std::string& folded) const
+int CKeywords::Find(LPCTSTR pszKeyword, const std::string& folded) const
 {
-    const auto found =
-        std::find_if(m_words.begin(), m_words.end(), [&](const Word& word) { return word.folded == folded; });
+    // By its text first: that of a word which was not converted whole folds to another word.
+    auto found = std::find_if(m_words.begin(), m_words.end(),
+                              [&](const Word& word) { return word.strText == pszKeyword; });
+    if (found == m_words.end())
+        found = std::find_if(m_words.begin(), m_words.end(),
+                             [&](const Word& word) { return word.folded == folded; });
     return found != m_words.end() ? static_cast<int>(found - m_words.begin()) : -1;
 }
 
 BOOL CKeywords::Add(LPCTSTR pszKeyword)
 {
     const std::string folded = dbFold(pszKeyword);
-    if (Find(folded) >= 0)
+    if (Find(pszKeyword, folded) >= 0)
         return FALSE;
     m_words.push_back({pszKeyword, folded});
     m_changes.push_back({true, pszKeyword, folded});
@@ -56,14 +60,14 @@ BOOL CKeywords::Add(LPCTSTR pszKeyword)
 
 BOOL CKeywords::Remove(LPCTSTR pszKeyword)
 {
-    const std::string folded = dbFold(pszKeyword);
-    const int nIndex = Find(folded);
+    const int nIndex = Find(pszKeyword, dbFold(pszKeyword));
     if (nIndex < 0)
         return FALSE;
-    m_words.erase(m_words.begin() + nIndex);
+    const auto word = m_words.begin() + nIndex;
+    m_changes.push_back({false, word->strText, word->folded});
+    m_words.erase(word);
     if (m_nNext > static_cast<size_t>(nIndex))
         --m_nNext;
-    m_changes.push_back({false, pszKeyword, folded});
     return TRUE;
 }
 

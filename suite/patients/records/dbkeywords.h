@@ -13,7 +13,9 @@ enum dbKeywordList
 };
 
 /// One keyword list, in the order in which the words were added. Add and Remove change this object; Save
-/// stores what was added and removed, on top of whatever another process has stored meanwhile.
+/// stores what was added and removed, on top of whatever another process has stored meanwhile. A word with a
+/// character that the code page does not have is given with a question mark in its place; it can be removed,
+/// and is otherwise left as it is.
 class VELPAT_API CKeywords
 {
 public:
@@ -40,12 +42,12 @@ public:
     void Save();
 
 private:
-    int Find(const std::string& folded) const;
+    int Find(LPCTSTR pszKeyword, const std::string& folded) const;
 
     struct Word
     {
-        CString strText;
-        std::string folded;
+        CString strText;    // for display
+        std::string folded; // what the database knows it by
     };
 
     /// What Save will do, in the order in which it was asked for.
