@@ -2,8 +2,11 @@
 
 #include <string>
 
+namespace app
+{
+
 /// What an audit event says happened to a patient.
-enum class evtChange
+enum class PatientChange
 {
     Created,
     CreatedFromDicom,
@@ -11,5 +14,7 @@ enum class evtChange
 };
 
 /// The sentence that the audit log records; names as the database has them (their second form).
-std::string evtPatientText(evtChange change, const std::string& id, const std::string& family,
-                           const std::string& given);
+std::string PatientEventText(PatientChange change, const std::string& id, const std::string& family,
+                             const std::string& given);
+
+} // namespace app

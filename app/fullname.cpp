@@ -20,7 +20,7 @@ std::optional<std::string> ReadSeparator()
 
 CString velMakeFullname(LPCTSTR pszGiven, LPCTSTR pszFamily, NAMEORDER nOrder)
 {
-    static nameFormatter formatter(
+    static app::NameFormatter formatter(
         {[] { return velGetIniInt("Intl", "FamilyNameFirst", 0); }, ReadSeparator});
     const auto text = [](LPCTSTR psz) { return psz != nullptr ? psz : ""; };
     return formatter.Format(text(pszGiven), text(pszFamily), nOrder).c_str();

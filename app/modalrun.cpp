@@ -38,11 +38,9 @@ public:
         catch (CException* e)
         {
             e->Delete();
-            ::MessageBeep(MB_ICONSTOP);
         }
-        catch (...)
+        catch (...) // not even the message could be shown
         {
-            ::MessageBeep(MB_ICONSTOP);
         }
     }
 

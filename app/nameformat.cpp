@@ -2,25 +2,28 @@
 
 #include <utility>
 
-nameFormatter::nameFormatter(nameSettings settings) : m_settings(std::move(settings))
+namespace app
+{
+
+NameFormatter::NameFormatter(NameSettings settings) : m_settings(std::move(settings))
 {
 }
 
-std::string nameFormatter::Format(const std::string& given, const std::string& family, NAMEORDER order)
+std::string NameFormatter::Format(const std::string& given, const std::string& family, NAMEORDER order)
 {
     const bool settingDecides = order == NAMEORDER_DEFAULT || order == NAMEORDER_FIRST_LAST;
     const bool familyFirst = settingDecides ? IsFamilyNameFirst() : order == NAMEORDER_LAST_FIRST;
     return familyFirst ? family + GetSeparator() + given : given + " " + family;
 }
 
-bool nameFormatter::IsFamilyNameFirst()
+bool NameFormatter::IsFamilyNameFirst()
 {
     if (!m_familyNameFirst)
         m_familyNameFirst = m_settings.familyNameFirst() != 0;
     return *m_familyNameFirst;
 }
 
-const std::string& nameFormatter::GetSeparator()
+const std::string& NameFormatter::GetSeparator()
 {
     if (!m_separator)
     {
@@ -29,3 +32,5 @@ const std::string& nameFormatter::GetSeparator()
     }
     return *m_separator;
 }
+
+} // namespace app

@@ -6,8 +6,11 @@
 #include <optional>
 #include <string>
 
+namespace app
+{
+
 /// Where the name rules read the user's settings; each is asked at most once per formatter.
-struct nameSettings
+struct NameSettings
 {
     /// The integer "FamilyNameFirst" of section "Intl", 0 when it is absent.
     std::function<int()> familyNameFirst;
@@ -17,10 +20,10 @@ struct nameSettings
 
 /// Joins given and family names by the user's order and separator.
 /// Both settings are read on first need and then kept as long as the formatter lives.
-class nameFormatter
+class NameFormatter
 {
 public:
-    explicit nameFormatter(nameSettings settings);
+    explicit NameFormatter(NameSettings settings);
 
     /// The full name; neither name is trimmed, so an empty one leaves its blank or separator behind.
     std::string Format(const std::string& given, const std::string& family, NAMEORDER order);
@@ -29,7 +32,9 @@ private:
     bool IsFamilyNameFirst();
     const std::string& GetSeparator();
 
-    nameSettings m_settings;
+    NameSettings m_settings;
     std::optional<bool> m_familyNameFirst;
     std::optional<std::string> m_separator;
 };
+
+} // namespace app

@@ -20,7 +20,7 @@ std::string LoadText(UINT id)
 
 void velFillSettingsContainer()
 {
-    setSource source;
+    app::SettingsSource source;
     source.defaultsSection = LoadText(IDS_SECTION_DEFAULTS);
     source.environmentSection = LoadText(IDS_SECTION_ENVIRONMENT);
     source.workingKey = LoadText(IDS_KEY_WORKING);
@@ -32,7 +32,7 @@ void velFillSettingsContainer()
         return std::string(velGetIniString(section.c_str(), key, fallback).GetString());
     };
 
-    const setValues values = setRead(source);
+    const app::SharedSettings values = app::ReadSettings(source);
     CVelIniSettingsContainer& container = g_VelIniSettingContainer;
     container.m_nMeasWndNumDisplayPrec = values.measureWindowPrecision;
     container.m_nMeasInTracingNumDisplayPrec = values.tracingPrecision;

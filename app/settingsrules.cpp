@@ -7,6 +7,9 @@
 #include <locale>
 #include <sstream>
 
+namespace app
+{
+
 namespace
 {
 
@@ -28,7 +31,7 @@ float ToFloat(double value)
 
 } // namespace
 
-double setParseDecimal(const std::string& text)
+double ParseDecimal(const std::string& text)
 {
     const char* first = text.data();
     const char* const end = first + text.size();
@@ -54,7 +57,7 @@ double setParseDecimal(const std::string& text)
     return value;
 }
 
-std::uint32_t setParseColour(const std::string& text, std::uint32_t fallback)
+std::uint32_t ParseColour(const std::string& text, std::uint32_t fallback)
 {
     std::uint32_t colour = 0;
     const char* next = text.c_str();
@@ -72,7 +75,7 @@ std::uint32_t setParseColour(const std::string& text, std::uint32_t fallback)
     return colour;
 }
 
-setValues setRead(const setSource& source)
+SharedSettings ReadSettings(const SettingsSource& source)
 {
     const auto number = [&](const char* key, int fallback) {
         return source.readInt(source.defaultsSection, key, fallback);
@@ -84,25 +87,30 @@ setValues setRead(const setSource& source)
         return source.readString(source.environmentSection, key, fallback);
     };
 
-    setValues values;
-    values.measureWindowPrecision = std::clamp(number("MeasWndNumDisplayPrec", 1), 0, 2);
-    values.tracingPrecision = std::clamp(number("MeasInTracingNumDisplayPrec", 0), 0, 2);
-    const float scale = ToFloat(setParseDecimal(text("TracingPrintTextScale", "0.7")));
-    values.tracingPrintTextScale = scale < 0.0f ? 1.0f : scale;
-    values.textGuides = number("TurnOnTextGuides", 0);
-    values.uniformTeethSize = number("UseUniformTeethSize", 0);
-    values.tracingAntiAlias = number("UseTracingAntiAlias", 1);
-    values.displayQuality = std::max(number("DisplayQuality", 2), 2);
-    values.photoCornerRoundedness = number("DisplayPhotoCornerRoundedness", 20);
-    values.recycle = number("Recycle", 0) != 0 ? 1 : 0;
-    values.backgroundColour = setParseColour(text("BackgroundColor", ""), source.windowColour);
-    values.implantsFolder = environment("Implants", "");
-    if (values.implantsFolder.empty())
-        values.implantsFolder = environment(source.workingKey.c_str(), "") + "Implants";
-    values.allowPatientChanges = number("AllowPatientChanges", 1);
-    values.capturedMegapixelLimit = setParseDecimal(environment("LimitCapturedImagesToMegaPixel64", "8.3"));
-    values.limitCapturedImageSize = number("LimitCapturedImagesSize64", 0) != 0 ? 1 : 0;
-    values.tracingLineThickness =
-        std::clamp(ToFloat(setParseDecimal(text("TracingLineThickness", "1.0"))), 1.0f, 3.0f);
-    return values;
+    const auto notNegative = [](float scale) { return scale < 0.0f ? 1.0f : scale; };
+    const auto implantsFolder = [&] {
+        const std::string folder = environment("Implants", "");
+        return folder.empty() ? environment(source.workingKey.c_str(), "") + "Implants" : folder;
+    };
+
+    return {
+        .measureWindowPrecision = std::clamp(number("MeasWndNumDisplayPrec", 1), 0, 2),
+        .tracingPrecision = std::clamp(number("MeasInTracingNumDisplayPrec", 0), 0, 2),
+        .tracingPrintTextScale = notNegative(ToFloat(ParseDecimal(text("TracingPrintTextScale", "0.7")))),
+        .textGuides = number("TurnOnTextGuides", 0),
+        .uniformTeethSize = number("UseUniformTeethSize", 0),
+        .tracingAntiAlias = number("UseTracingAntiAlias", 1),
+        .displayQuality = std::max(number("DisplayQuality", 2), 2),
+        .photoCornerRoundedness = number("DisplayPhotoCornerRoundedness", 20),
+        .recycle = number("Recycle", 0) != 0 ? 1 : 0,
+        .backgroundColour = ParseColour(text("BackgroundColor", ""), source.windowColour),
+        .implantsFolder = implantsFolder(),
+        .allowPatientChanges = number("AllowPatientChanges", 1),
+        .capturedMegapixelLimit = ParseDecimal(environment("LimitCapturedImagesToMegaPixel64", "8.3")),
+        .limitCapturedImageSize = number("LimitCapturedImagesSize64", 0) != 0 ? 1 : 0,
+        .tracingLineThickness =
+            std::clamp(ToFloat(ParseDecimal(text("TracingLineThickness", "1.0"))), 1.0f, 3.0f),
+    };
 }
+
+} // namespace app

@@ -52,7 +52,7 @@ INT_PTR RunPatientSheet(CWnd* pParent, const dbCPatient* pExisting, dbCPatient* 
 
 /// Records what happened to a patient that has been saved. The patient is in the database whatever happens
 /// here, so a failure is told to the user and changes no result. Returns the patient's GUID.
-CString RecordEvent(const CString& strSavedID, evtChange nChange)
+CString RecordEvent(const CString& strSavedID, app::PatientChange nChange)
 {
     CString strGUID;
     velGuard(0, IDS_EVENT_FAILED, [&]() -> INT_PTR {
@@ -61,9 +61,9 @@ CString RecordEvent(const CString& strSavedID, evtChange nChange)
             throw std::runtime_error(velFormatTemplate(IDS_EVENT_NO_PATIENT, strSavedID).GetString());
         strGUID = patient.GetGUID();
         const std::string text =
-            evtPatientText(nChange, patient.GetID().GetString(), patient.GetLastname(1).GetString(),
-                           patient.GetFirstname(1).GetString());
-        if (nChange == evtChange::Modified)
+            app::PatientEventText(nChange, patient.GetID().GetString(), patient.GetLastname(1).GetString(),
+                                  patient.GetFirstname(1).GetString());
+        if (nChange == app::PatientChange::Modified)
             auditLog.AddPatientModifiedEvent(strGUID, text.c_str());
         else
             auditLog.AddNewPatientEvent(strGUID, text.c_str());
@@ -73,7 +73,7 @@ CString RecordEvent(const CString& strSavedID, evtChange nChange)
 }
 
 INT_PTR EnterNewPatient(CWnd* pParent, dbCPatients* pPatients, CString& strPatientGUID,
-                        dbCPatient* pInitialData, evtChange nChange)
+                        dbCPatient* pInitialData, app::PatientChange nChange)
 {
     strPatientGUID.Empty();
     if (pPatients == nullptr)
@@ -94,14 +94,15 @@ INT_PTR EnterNewPatient(CWnd* pParent, dbCPatients* pPatients, CString& strPatie
 __int64 NewPatientDlg(CWnd* pParent, dbCPatients* pPatients, CString& strPatientGUID)
 {
     AFX_MANAGE_STATE(AfxGetStaticModuleState());
-    return EnterNewPatient(pParent, pPatients, strPatientGUID, nullptr, evtChange::Created);
+    return EnterNewPatient(pParent, pPatients, strPatientGUID, nullptr, app::PatientChange::Created);
 }
 
 __int64 NewPatientDlgWithData(CWnd* pParent, dbCPatients* pPatients, CString& strPatientGUID,
                               dbCPatient* pInitialData)
 {
     AFX_MANAGE_STATE(AfxGetStaticModuleState());
-    return EnterNewPatient(pParent, pPatients, strPatientGUID, pInitialData, evtChange::CreatedFromDicom);
+    return EnterNewPatient(pParent, pPatients, strPatientGUID, pInitialData,
+                           app::PatientChange::CreatedFromDicom);
 }
 
 __int64 ChangePatientDlg(CWnd* pParent, dbCPatients* pPatients, dbCPatient* pPatient)
@@ -116,7 +117,7 @@ __int64 ChangePatientDlg(CWnd* pParent, dbCPatients* pPatients, dbCPatient* pPat
     CString strSavedID;
     const INT_PTR nResult = RunPatientSheet(pParent, pPatient, nullptr, strSavedID);
     if (nResult == IDOK && !strSavedID.IsEmpty())
-        RecordEvent(strSavedID, evtChange::Modified);
+        RecordEvent(strSavedID, app::PatientChange::Modified);
     return nResult;
 }
 

@@ -13,6 +13,7 @@
 namespace
 {
 
+using namespace app;
 using testing::ElementsAre;
 
 // --- Full names
@@ -36,7 +37,7 @@ class FullName : public testing::TestWithParam<NameCase>
 TEST_P(FullName, FollowsOrderAndSettings)
 {
     const NameCase& c = GetParam();
-    nameFormatter formatter({[&] { return c.familyFirst; }, [&] { return c.separator; }});
+    NameFormatter formatter({[&] { return c.familyFirst; }, [&] { return c.separator; }});
     EXPECT_EQ(formatter.Format(c.given, c.family, static_cast<NAMEORDER>(c.order)), c.expected) << c.what;
 }
 
@@ -64,7 +65,7 @@ TEST(FullNameCache, SettingsAreReadOnceAndOnlyWhenNeeded)
     int separatorReads = 0;
     int flag = 1;
     std::string separator = "-";
-    nameFormatter formatter({[&] { return ++flagReads, flag; },
+    NameFormatter formatter({[&] { return ++flagReads, flag; },
                              [&] { return ++separatorReads, std::optional<std::string>(separator); }});
 
     EXPECT_EQ(formatter.Format("Ann", "Lee", static_cast<NAMEORDER>(3)), "Ann Lee");
@@ -85,13 +86,13 @@ TEST(FullNameCache, SettingsAreReadOnceAndOnlyWhenNeeded)
 
 TEST(EventText, SentencesOfTheThreeChanges)
 {
-    EXPECT_EQ(evtPatientText(evtChange::Created, "A1", "Lee", "Ann"),
+    EXPECT_EQ(PatientEventText(PatientChange::Created, "A1", "Lee", "Ann"),
               "The patient (A1) Lee, Ann has been created");
-    EXPECT_EQ(evtPatientText(evtChange::CreatedFromDicom, "A1", "Lee", "Ann"),
+    EXPECT_EQ(PatientEventText(PatientChange::CreatedFromDicom, "A1", "Lee", "Ann"),
               "The patient from DICOM (A1) Lee, Ann has been created");
-    EXPECT_EQ(evtPatientText(evtChange::Modified, "A1", "Lee", "Ann"),
+    EXPECT_EQ(PatientEventText(PatientChange::Modified, "A1", "Lee", "Ann"),
               "The patient (A1) Lee, Ann data, has been modified");
-    EXPECT_EQ(evtPatientText(evtChange::Modified, "%s", "<1>", ""),
+    EXPECT_EQ(PatientEventText(PatientChange::Modified, "%s", "<1>", ""),
               "The patient (%s) <1>,  data, has been modified");
 }
 
@@ -108,9 +109,9 @@ TEST(ParseDecimal, ReadsTheNumberAtTheStart)
         {"0x10", 0.0}, {"0,7", 0.0}, {"1e999", huge}, {"-1e999", -huge}, {"1e-999", 0.0}, {"1e99999", huge},
     };
     for (const auto& [text, expected] : cases)
-        EXPECT_DOUBLE_EQ(setParseDecimal(text), expected) << "\"" << text << "\"";
-    EXPECT_EQ(setParseDecimal(std::string(100000, '9')), huge);
-    EXPECT_EQ(setParseDecimal("0." + std::string(100000, '0') + "1"), 0.0);
+        EXPECT_DOUBLE_EQ(ParseDecimal(text), expected) << "\"" << text << "\"";
+    EXPECT_EQ(ParseDecimal(std::string(100000, '9')), huge);
+    EXPECT_EQ(ParseDecimal("0." + std::string(100000, '0') + "1"), 0.0);
 }
 
 TEST(ParseColour, ReadsThreeNumbersAsTheCFormatDoes)
@@ -127,7 +128,7 @@ TEST(ParseColour, ReadsThreeNumbersAsTheCFormatDoes)
         {"1,,3", fallback},        {"99999999999999999999,0,0", 0x0000FF},
     };
     for (const auto& [text, expected] : cases)
-        EXPECT_EQ(setParseColour(text, fallback), expected) << "\"" << text << "\"";
+        EXPECT_EQ(ParseColour(text, fallback), expected) << "\"" << text << "\"";
 }
 
 /// A settings file in memory that keeps the order of the questions.
@@ -136,9 +137,9 @@ struct MemorySettings
     std::map<std::string, std::string> values; // "Section/Key"
     std::vector<std::string> asked;
 
-    setSource Source()
+    SettingsSource Source()
     {
-        setSource source;
+        SettingsSource source;
         source.defaultsSection = "Defaults";
         source.environmentSection = "Environment";
         source.workingKey = "WORKING";
@@ -166,7 +167,7 @@ private:
 TEST(ReadSettings, DefaultsWhenNothingIsSet)
 {
     MemorySettings settings;
-    const setValues v = setRead(settings.Source());
+    const SharedSettings v = ReadSettings(settings.Source());
     EXPECT_EQ(v.measureWindowPrecision, 1);
     EXPECT_EQ(v.tracingPrecision, 0);
     EXPECT_EQ(v.tracingPrintTextScale, 0.7f);
@@ -187,7 +188,7 @@ TEST(ReadSettings, DefaultsWhenNothingIsSet)
 TEST(ReadSettings, ReadsInTheFixedOrder)
 {
     MemorySettings settings;
-    setRead(settings.Source());
+    ReadSettings(settings.Source());
     EXPECT_THAT(settings.asked,
                 ElementsAre("Defaults/MeasWndNumDisplayPrec", "Defaults/MeasInTracingNumDisplayPrec",
                             "Defaults/TracingPrintTextScale", "Defaults/TurnOnTextGuides",
@@ -204,7 +205,7 @@ TEST(ReadSettings, BringsValuesIntoTheirLimits)
     const auto read = [](const char* key, const char* value) {
         MemorySettings settings;
         settings.values[key] = value;
-        return setRead(settings.Source());
+        return ReadSettings(settings.Source());
     };
     EXPECT_EQ(read("Defaults/MeasWndNumDisplayPrec", "7").measureWindowPrecision, 2);
     EXPECT_EQ(read("Defaults/MeasWndNumDisplayPrec", "-1").measureWindowPrecision, 0);
