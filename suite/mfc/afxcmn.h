@@ -141,10 +141,6 @@ public:
         return Ask<int>(TCM_SETMINTABWIDTH, 0, cx);
     }
     CImageList* SetImageList(CImageList* pImageList);
-    virtual void DrawItem(LPDRAWITEMSTRUCT lpDrawItemStruct);
-
-protected:
-    BOOL OnChildNotify(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* pResult) override;
 };
 
 class AFX_DLL_CLASS CProgressCtrl : public CWnd

@@ -3,6 +3,8 @@ set(velmfc_base_sources
   src/archive.cpp
   src/collections.cpp
   src/datetime.cpp
+  src/datetimespan.cpp
+  src/datetimetext.cpp
   src/diagnostics.cpp
   src/exceptions.cpp
   src/file.cpp

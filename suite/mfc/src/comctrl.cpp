@@ -269,24 +269,6 @@ CImageList* CListCtrl::SetImageList(CImageList* pImageList, int nImageListType)
     return CImageList::FromHandle(Ask<HIMAGELIST>(LVM_SETIMAGELIST, nImageListType, HandleOf(pImageList)));
 }
 
-void CListCtrl::DrawItem(LPDRAWITEMSTRUCT)
-{
-}
-
-BOOL CListCtrl::OnChildNotify(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* pResult)
-{
-    if (CWnd::OnChildNotify(message, wParam, lParam, pResult))
-    {
-        return TRUE;
-    }
-    if (message != WM_DRAWITEM)
-    {
-        return FALSE;
-    }
-    DrawItem(reinterpret_cast<LPDRAWITEMSTRUCT>(lParam));
-    return TRUE;
-}
-
 // ---------------------------------------------------------------------------------------------------------
 // CTabCtrl
 
@@ -301,24 +283,6 @@ LONG CTabCtrl::InsertItem(int nItem, LPCTSTR lpszItem)
 CImageList* CTabCtrl::SetImageList(CImageList* pImageList)
 {
     return CImageList::FromHandle(Ask<HIMAGELIST>(TCM_SETIMAGELIST, 0, HandleOf(pImageList)));
-}
-
-void CTabCtrl::DrawItem(LPDRAWITEMSTRUCT)
-{
-}
-
-BOOL CTabCtrl::OnChildNotify(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* pResult)
-{
-    if (CWnd::OnChildNotify(message, wParam, lParam, pResult))
-    {
-        return TRUE;
-    }
-    if (message != WM_DRAWITEM)
-    {
-        return FALSE;
-    }
-    DrawItem(reinterpret_cast<LPDRAWITEMSTRUCT>(lParam));
-    return TRUE;
 }
 
 // ---------------------------------------------------------------------------------------------------------

@@ -1,4 +1,4 @@
-// The standard controls: creation, texts, owner drawing by reflection.
+// The standard controls: creation, texts, and the owner drawing of buttons by reflection.
 #include "suite/mfc/afxcmn.h"
 
 IMPLEMENT_DYNAMIC(CStatic, CWnd)
@@ -22,29 +22,22 @@ std::wstring Wide(LPCTSTR text)
     ::MultiByteToWideChar(CP_ACP, 0, text, -1, wide.data(), length);
     return wide;
 }
+
+// The text of a list's item, of which its length is known, or an error.
+template <class Read> void ReadItem(int length, CString& text, const Read& read)
+{
+    text.Empty();
+    if (length > 0)
+    {
+        read(text.GetBuffer(length));
+        text.ReleaseBuffer();
+    }
+}
 } // namespace
 
 BOOL CStatic::Create(LPCTSTR lpszText, DWORD dwStyle, const RECT& rect, CWnd* pParentWnd, UINT nID)
 {
     return CWnd::Create("STATIC", lpszText, dwStyle, rect, pParentWnd, nID);
-}
-
-void CStatic::DrawItem(LPDRAWITEMSTRUCT)
-{
-}
-
-BOOL CStatic::OnChildNotify(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* pResult)
-{
-    if (CWnd::OnChildNotify(message, wParam, lParam, pResult))
-    {
-        return TRUE;
-    }
-    if (message != WM_DRAWITEM)
-    {
-        return FALSE;
-    }
-    DrawItem(reinterpret_cast<LPDRAWITEMSTRUCT>(lParam));
-    return TRUE;
 }
 
 BOOL CButton::Create(LPCTSTR lpszCaption, DWORD dwStyle, const RECT& rect, CWnd* pParentWnd, UINT nID)
@@ -113,13 +106,7 @@ BOOL CListBox::Create(DWORD dwStyle, const RECT& rect, CWnd* pParentWnd, UINT nI
 
 void CListBox::GetText(int nIndex, CString& rString) const
 {
-    const int length = GetTextLen(nIndex);
-    rString.Empty();
-    if (length > 0)
-    {
-        GetText(nIndex, rString.GetBuffer(length));
-        rString.ReleaseBuffer();
-    }
+    ReadItem(GetTextLen(nIndex), rString, [&](LPTSTR buffer) { GetText(nIndex, buffer); });
 }
 
 BOOL CComboBox::Create(DWORD dwStyle, const RECT& rect, CWnd* pParentWnd, UINT nID)
@@ -129,91 +116,10 @@ BOOL CComboBox::Create(DWORD dwStyle, const RECT& rect, CWnd* pParentWnd, UINT n
 
 void CComboBox::GetLBText(int nIndex, CString& rString) const
 {
-    const int length = GetLBTextLen(nIndex);
-    rString.Empty();
-    if (length > 0)
-    {
-        GetLBText(nIndex, rString.GetBuffer(length));
-        rString.ReleaseBuffer();
-    }
+    ReadItem(GetLBTextLen(nIndex), rString, [&](LPTSTR buffer) { GetLBText(nIndex, buffer); });
 }
 
 BOOL CScrollBar::Create(DWORD dwStyle, const RECT& rect, CWnd* pParentWnd, UINT nID)
 {
     return CWnd::Create("SCROLLBAR", nullptr, dwStyle, rect, pParentWnd, nID);
-}
-
-// ---------------------------------------------------------------------------------------------------------
-// Owner-drawn lists: the virtual members of either class
-
-namespace
-{
-template <class List> bool AnswerOwnerDraw(List& list, UINT message, LPARAM lParam, LRESULT* result)
-{
-    switch (message)
-    {
-    case WM_DRAWITEM:
-        list.DrawItem(reinterpret_cast<LPDRAWITEMSTRUCT>(lParam));
-        return true;
-    case WM_MEASUREITEM:
-        list.MeasureItem(reinterpret_cast<LPMEASUREITEMSTRUCT>(lParam));
-        return true;
-    case WM_COMPAREITEM:
-        *result = list.CompareItem(reinterpret_cast<LPCOMPAREITEMSTRUCT>(lParam));
-        return true;
-    case WM_DELETEITEM:
-        list.DeleteItem(reinterpret_cast<LPDELETEITEMSTRUCT>(lParam));
-        return true;
-    default:
-        return false;
-    }
-}
-} // namespace
-
-BOOL CListBox::OnChildNotify(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* pResult)
-{
-    LRESULT ignored = 0;
-    return CWnd::OnChildNotify(message, wParam, lParam, pResult) ||
-           AnswerOwnerDraw(*this, message, lParam, pResult != nullptr ? pResult : &ignored);
-}
-
-BOOL CComboBox::OnChildNotify(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* pResult)
-{
-    LRESULT ignored = 0;
-    return CWnd::OnChildNotify(message, wParam, lParam, pResult) ||
-           AnswerOwnerDraw(*this, message, lParam, pResult != nullptr ? pResult : &ignored);
-}
-
-void CListBox::DrawItem(LPDRAWITEMSTRUCT)
-{
-}
-
-void CListBox::MeasureItem(LPMEASUREITEMSTRUCT)
-{
-}
-
-int CListBox::CompareItem(LPCOMPAREITEMSTRUCT)
-{
-    return 0;
-}
-
-void CListBox::DeleteItem(LPDELETEITEMSTRUCT)
-{
-}
-
-void CComboBox::DrawItem(LPDRAWITEMSTRUCT)
-{
-}
-
-void CComboBox::MeasureItem(LPMEASUREITEMSTRUCT)
-{
-}
-
-int CComboBox::CompareItem(LPCOMPAREITEMSTRUCT)
-{
-    return 0;
-}
-
-void CComboBox::DeleteItem(LPDELETEITEMSTRUCT)
-{
 }

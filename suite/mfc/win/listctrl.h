@@ -207,8 +207,4 @@ public:
     {
         return Ask<BOOL>(LVM_SETTEXTBKCOLOR, 0, cr);
     }
-    virtual void DrawItem(LPDRAWITEMSTRUCT lpDrawItemStruct);
-
-protected:
-    BOOL OnChildNotify(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* pResult) override;
 };
