@@ -2,7 +2,7 @@
 
 function(vel_subdirectory folder)
   if(EXISTS "${CMAKE_SOURCE_DIR}/${folder}/CMakeLists.txt")
-    add_subdirectory("${CMAKE_SOURCE_DIR}/${folder}" "${CMAKE_BINARY_DIR}/${folder}")
+    add_subdirectory("${CMAKE_SOURCE_DIR}/${folder}" "${CMAKE_BINARY_DIR}/${folder}" ${ARGN})
   endif()
 endfunction()
 
