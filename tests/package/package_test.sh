@@ -26,9 +26,9 @@ LIST
 
 for file in "$folder"/*.dll "$folder"/*.exe; do
   grep -qF "$(basename "$file")" "$folder/readme.txt" || die "readme.txt does not name $(basename "$file")"
-  x86_64-w64-mingw32-objdump -h "$file" | grep -q '\.debug_info' && die "$(basename "$file") has its symbols"
+  [ -z "$(x86_64-w64-mingw32-objdump -h "$file" | grep '\.debug_info')" ] || die "$(basename "$file") has its symbols"
   x86_64-w64-mingw32-objdump -p "$file" | sed -n 's/^\s*DLL Name: //p' | while read -r name; do
-    [ -e "$folder/$name" ] || ls "$WINEPREFIX/drive_c/windows/system32" | grep -qixF "$name" ||
+    [ -e "$folder/$name" ] || [ -n "$(find "$WINEPREFIX/drive_c/windows/system32" -iname "$name")" ] ||
       die "$(basename "$file") needs $name, which is neither in the package nor in the system"
   done
 done
