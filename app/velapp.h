@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/credentials.h"
+
 #include <afxwin.h>
 
 class dbCPatients;
@@ -37,6 +39,12 @@ public:
     int GetArchiveOption2() const;
     void SetArchiveOptions(int nOption1, int nOption2);
 
+    /// Who is signed in to the record-sharing service; remembered for the program's run.
+    velCCredentials& GetCredentials()
+    {
+        return m_credentials;
+    }
+
     /// Shows help for a dialog: helpId is 0x20000 plus the dialog's template id. Where the help file has no
     /// topic under the id shifted once more, the id itself is tried. Does nothing where HTML Help is missing.
     void ShowHelp(UINT helpId);
@@ -54,6 +62,7 @@ private:
     dbCPatients* m_pPatients = nullptr;
     int m_nPracticeManagement = 0;
     bool m_bArchivingAllowed = false;
+    velCCredentials m_credentials;
 };
 
 /// The module's application object; never null while the module is loaded.

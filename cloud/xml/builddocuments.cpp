@@ -19,7 +19,8 @@ public:
     {
     }
 
-    void Write()
+    /// Returns the bytes of the files that it names.
+    __int64 Write()
     {
         m_writer.AddComment(L"Patient Information");
         m_root = m_writer.AddElement(L"patient");
@@ -37,6 +38,7 @@ public:
         }
         WriteAddresses(m_root, m_patient.GetAddresses());
         WriteTimepoints();
+        return m_nBytes;
     }
 
 private:
@@ -177,7 +179,11 @@ private:
     void SetSignature(const Node& element, const wchar_t* pszName, const std::string& file)
     {
         CString strSignature;
-        m_xml.GetFileSignature(m_strFolder + file.c_str(), strSignature);
+        CFileStatus status;
+        const CString strPath = m_strFolder + file.c_str();
+        m_xml.GetFileSignature(strPath, strSignature);
+        if (CFile::GetStatus(strPath, status))
+            m_nBytes += static_cast<__int64>(status.m_size);
         m_writer.SetText(element, pszName, strSignature);
     }
 
@@ -187,6 +193,7 @@ private:
     const cloud::FileChoice m_choice;
     const CString m_strFolder;
     Node m_root;
+    __int64 m_nBytes = 0;
 };
 } // namespace
 
@@ -197,7 +204,7 @@ BOOL CVelXML::BuildPatientXml(const dbCPatient& patient, CString& strXml, const 
     if (!document)
         return FALSE;
     velDocumentWriter writer(std::move(document));
-    RecordWriter(writer, *this, patient, choice).Write();
+    m_nFileBytes = RecordWriter(writer, *this, patient, choice).Write();
     return writer.Finish(strXml);
 }
 

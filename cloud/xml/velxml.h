@@ -37,6 +37,11 @@ public:
     /// FALSE when a text of the patient has characters that no document can hold.
     BOOL BuildPatientXml(const dbCPatient& patient, CString& strXml,
                          const cloud::FileChoice& choice = cloud::FileChoice::Everything());
+    /// Bytes of the files that the last BuildPatientXml has named.
+    __int64 GetFileBytes() const
+    {
+        return m_nFileBytes;
+    }
     /// The list of files of a transfer. FALSE as above.
     BOOL BuildUploadManifest(const cloud::ManifestPatient& patient,
                              const std::vector<cloud::ManifestFile>& files, CString& strXml);
@@ -86,5 +91,6 @@ private:
     velComPtr<IXMLDOMDocument2> m_pDocument;
     std::vector<Node> m_selected;
     mutable bool m_bLossy = false;
+    __int64 m_nFileBytes = 0;
     const velFileSigner m_signer;
 };

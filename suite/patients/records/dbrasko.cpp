@@ -8,13 +8,9 @@ BOOL dbCRaskoTasksContainer::TableExists()
                "SELECT count(*) FROM sqlite_schema WHERE type = 'table' AND name = 'raskoTasks'") != 0;
 }
 
-int dbCRaskoTasksContainer::LoadPending(LPCTSTR pszPatientGUID)
+static void ReadTasks(dbCStatement& query, dbCRaskoTasksContainer& tasks)
 {
-    RemoveAll();
-    dbCStatement query(
-        "SELECT id, type, status, totalBytes, patientID, patientGuid, description, data, queueComputer"
-        " FROM raskoTasks WHERE patientGuid = ? AND status < ? ORDER BY id");
-    query.Bind(pszPatientGUID).Bind(static_cast<int>(dbSRaskoTask::STATUS_FINISHED));
+    tasks.RemoveAll();
     while (query.Step())
     {
         dbSRaskoTask task;
@@ -27,8 +23,27 @@ int dbCRaskoTasksContainer::LoadPending(LPCTSTR pszPatientGUID)
         task.strDescription = query.Text(6);
         task.strData = query.Text(7);
         task.strQueueComputer = query.Text(8);
-        Add(task);
+        tasks.Add(task);
     }
+}
+
+int dbCRaskoTasksContainer::LoadPending(LPCTSTR pszPatientGUID)
+{
+    dbCStatement query(
+        "SELECT id, type, status, totalBytes, patientID, patientGuid, description, data, queueComputer"
+        " FROM raskoTasks WHERE patientGuid = ? AND status < ? ORDER BY id");
+    query.Bind(pszPatientGUID).Bind(static_cast<int>(dbSRaskoTask::STATUS_FINISHED));
+    ReadTasks(query, *this);
+    return GetCount();
+}
+
+int dbCRaskoTasksContainer::LoadQueuedBy(LPCTSTR pszComputer, __int64 nFirst)
+{
+    dbCStatement query(
+        "SELECT id, type, status, totalBytes, patientID, patientGuid, description, '', queueComputer"
+        " FROM raskoTasks WHERE queueComputer = ? AND id >= ? ORDER BY id");
+    query.Bind(pszComputer).Bind(nFirst);
+    ReadTasks(query, *this);
     return GetCount();
 }
 
@@ -57,6 +72,16 @@ BOOL dbCServicePatients::FindByGUID(LPCTSTR pszPatientGUID, dbSServicePatient& r
     if (!query.Step())
         return FALSE;
     row = {pszPatientGUID, query.Text(0), query.Text(1)};
+    return TRUE;
+}
+
+BOOL dbCServicePatients::FindByServiceID(LPCTSTR pszServiceID, dbSServicePatient& row)
+{
+    dbCStatement query("SELECT patientGuid, serviceGuid FROM servicePatients WHERE serviceID = ?");
+    query.Bind(pszServiceID);
+    if (*pszServiceID == 0 || !query.Step())
+        return FALSE;
+    row = {query.Text(0), pszServiceID, query.Text(1)};
     return TRUE;
 }
 

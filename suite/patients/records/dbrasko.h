@@ -30,6 +30,9 @@ public:
     static BOOL TableExists();
     /// Reads the tasks of a patient (GUID) with a status below 100. Returns how many.
     int LoadPending(LPCTSTR pszPatientGUID);
+    /// Reads the tasks that a computer has queued, beginning with the task nFirst, without their data.
+    /// Returns how many.
+    int LoadQueuedBy(LPCTSTR pszComputer, __int64 nFirst);
     /// Stores a task at once and sets its number.
     static void InsertRow(dbSRaskoTask& task);
 };
@@ -45,5 +48,7 @@ class VELPAT_API dbCServicePatients
 public:
     /// FALSE, with `row` unchanged, when the patient has no row.
     static BOOL FindByGUID(LPCTSTR pszPatientGUID, dbSServicePatient& row);
+    /// The patient that the service knows by this ID.
+    static BOOL FindByServiceID(LPCTSTR pszServiceID, dbSServicePatient& row);
     static void Store(const dbSServicePatient& row);
 };
