@@ -4,8 +4,8 @@
 
 #include <string>
 
-/// User name and password of the record-sharing service. Kept in memory only, and overwritten there when they are
-/// replaced or no longer needed.
+/// User name and password of the record-sharing service. Kept in memory only, and overwritten there when they
+/// are replaced or no longer needed.
 class velCCredentials
 {
 public:

@@ -6,6 +6,7 @@
 #include "app/velapp.h"
 #include "archive/res/archiveres.h"
 #include "archive/res/archivedlgres.h"
+#include "cloud/upload/internetoperations.h"
 #include "suite/util/velini.h"
 #include "suite/util/velpath.h"
 
@@ -140,8 +141,10 @@ bool CDlgArchive::Run(ARCHIVE_OP nOperation)
             bClose = RunMerge();
             break;
         case ARCHIVE_OP_UPLOAD:
+            bClose = velSavePatientsToInternet(this, SelectedIDs());
+            break;
         case ARCHIVE_OP_DOWNLOAD:
-            AfxMessageBox(IDS_ARC_INTERNET_LATER, MB_OK | MB_ICONINFORMATION);
+            bClose = velGetPatientFromInternet(this, GetParent()->GetSafeHwnd());
             break;
         }
         return 0;

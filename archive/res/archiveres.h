@@ -73,7 +73,6 @@
 #define IDS_ARC_QUEUE_ELSEWHERE        9875
 #define IDS_ARC_QUEUE_MISSING          9876
 #define IDS_ARC_QUEUE_NO_IMAGES        9877
-#define IDS_ARC_INTERNET_LATER         9878
 
 // Dialog templates: the help id less 0x20000
 #define IDD_ARC_PROGRESS               9401

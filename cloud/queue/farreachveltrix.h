@@ -2,6 +2,7 @@
 #pragma once
 
 #include "cloud/exchange/filechoice.h"
+#include "cloud/queue/queueresult.h"
 #include "cloud/queue/transferprogram.h"
 #include "cloud/xml/velxml.h"
 
@@ -9,20 +10,6 @@
 
 class dbCPatient;
 struct dbSRaskoTask;
-
-/// What became of a record that was to be queued; the numbers are known outside.
-enum velQueueResult
-{
-    velQueued = 0,
-    velQueueLoadError = 100,
-    velQueueExists = 103, ///< the patient has a task that is not finished
-    velQueueImagesMissing = 105,
-    velQueueNoProgram = 106,
-    velQueueNoImages = 107,
-    velQueueNoXml = 108,
-    velQueueNoTable = 110,
-    velQueueRefused = 121 ///< the user has been told why
-};
 
 /// What the user chose for an upload.
 struct velSUpload

@@ -90,6 +90,18 @@ BOOL velCTransferProgram::Wake()
     return TRUE;
 }
 
+void velCTransferProgram::Show()
+{
+    const HWND hWindow = ::FindWindow(rasko::WindowClass, nullptr);
+    if (hWindow != nullptr)
+    {
+        ::ShowWindow(hWindow, SW_SHOW);
+        ::SetForegroundWindow(hWindow);
+    }
+    else
+        Wake();
+}
+
 void velCTransferProgram::ShowOptions()
 {
     if (!Start(rasko::OptionsSwitch))

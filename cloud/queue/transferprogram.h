@@ -21,6 +21,8 @@ public:
 
     /// Has it run and look into the task table. FALSE, with the user told, when it cannot be started.
     virtual BOOL Wake();
+    /// Brings its window to the front.
+    virtual void Show();
     /// Starts it at its options.
     virtual void ShowOptions();
 

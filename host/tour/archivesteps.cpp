@@ -12,6 +12,7 @@
 #include <cctype>
 #include <fstream>
 #include <iterator>
+#include <utility>
 
 using veltest::Dialog;
 
@@ -194,13 +195,16 @@ void tourPlayArchiveInternet(tourCGuide& guide)
         checked += dialog.Item(radio).IsChecked();
     }
     guide.Expect(checked == 0, "nothing is preselected");
-    for (const int radio : {IDC_ARC_GET_INTERNET, IDC_ARC_SAVE_INTERNET})
+    // The sample practice has no transfer program.
+    const std::pair<int, const char*> refusals[] = {
+        {IDC_ARC_GET_INTERNET, "Rasko Upload/Download program not available."},
+        {IDC_ARC_SAVE_INTERNET, "There is no Rasko program installed on your computer."}};
+    for (const auto& [radio, text] : refusals)
     {
         dialog.Press(radio);
         dialog.SettleIdle();
         dialog.Press(IDOK);
-        tourAnswerBox(guide, "This operation is not connected to the internet service on this computer.",
-                      IDOK, "internet");
+        tourAnswerBox(guide, text, IDOK, "internet");
         guide.Expect(dialog.IsOpen(), "the dialog stays open");
     }
     dialog.Press(IDCANCEL);

@@ -71,12 +71,15 @@ TEST_F(ArchiveDialogTest, RefusesInPlaceAndStaysOpen)
             box.Press(IDOK);
         }
         SetArchivingAllowed(true);
-        for (const int nRadio : {IDC_ARC_SAVE_INTERNET, IDC_ARC_GET_INTERNET})
+        // The practice has no transfer program.
+        const std::pair<int, const char*> refusals[] = {
+            {IDC_ARC_SAVE_INTERNET, "There is no Rasko program installed on your computer."},
+            {IDC_ARC_GET_INTERNET, "Rasko Upload/Download program not available."}};
+        for (const auto& [nRadio, pszText] : refusals)
         {
             choice.Press(nRadio);
             choice.Press(IDOK);
-            script.AnswerBox("This operation is not connected to the internet service on this computer.",
-                             IDOK);
+            script.AnswerBox(pszText, IDOK);
         }
         EXPECT_TRUE(choice.IsOpen());
         choice.Press(IDCANCEL);

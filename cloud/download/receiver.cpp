@@ -1,0 +1,365 @@
+#include "cloud/download/receiver.h"
+
+#include "app/modalrun.h"
+#include "cloud/protocol/servicetime.h"
+#include "cloud/res/cloudres.h"
+#include "cloud/xml/filesignature.h"
+#include "patient/idconflict.h"
+#include "suite/util/velpath.h"
+#include "suite/util/velstring.h"
+
+#include <afxwin.h>
+
+namespace
+{
+/// Keeps others from the patient while it is changed.
+class PatientLock
+{
+public:
+    explicit PatientLock(const CString& strID) : m_strID(strID)
+    {
+        m_bHeld = m_patients.LockPatient(m_strID, patLockExclusive, &m_strHolder) == patLockFree;
+    }
+    ~PatientLock()
+    {
+        if (m_bHeld)
+            m_patients.Unlock(m_strID);
+    }
+    PatientLock(const PatientLock&) = delete;
+    PatientLock& operator=(const PatientLock&) = delete;
+
+    bool IsHeld() const
+    {
+        if (m_bHeld)
+            return true;
+        CString strText;
+        strText.Format(IDS_CLD_IN_USE, m_strHolder.GetString());
+        AfxMessageBox(strText, MB_OK | MB_ICONEXCLAMATION);
+        return false;
+    }
+
+private:
+    dbCPatients m_patients;
+    const CString m_strID;
+    CString m_strHolder;
+    bool m_bHeld;
+};
+
+velCDate DateOf(const std::string& text)
+{
+    const auto date = cloud::ParseServiceDate(text);
+    return date ? velCDate(date->year, date->month, date->day) : velCDate();
+}
+
+int GenderOf(const std::string& text)
+{
+    return text == "1" || text == "2" ? text[0] - '0' : 0;
+}
+
+/// The GUID, if it is one and no patient has it.
+CString UsableGUID(const std::string& guid)
+{
+    dbCPatient stored;
+    const bool bUsable = dbCPatients::IsGUID(guid.c_str()) && !stored.Load(guid.c_str(), FALSE, TRUE);
+    return bUsable ? CString(guid.c_str()) : dbNewGUID();
+}
+} // namespace
+
+velCReceiver::velCReceiver(CFarreachVeltrix& queue, const cloud::FileChoice& choice, const velCDate& updated)
+    : m_queue(queue), m_choice(choice), m_updated(updated)
+{
+}
+
+std::optional<velSReceived> velCReceiver::Receive(CVelXML& xml)
+{
+    if (!xml.ReadRecord(m_record))
+    {
+        AfxMessageBox(IDS_CLD_RECORD_UNUSABLE, MB_OK | MB_ICONEXCLAMATION);
+        return std::nullopt;
+    }
+    m_dateBirth = DateOf(m_record.birthDate);
+    if (!FindPatient())
+        return std::nullopt;
+
+    const PatientLock lock(m_bNew ? m_strNewID : m_patient.GetID());
+    if (!lock.IsHeld())
+        return std::nullopt;
+    if (m_bNew)
+        MakeNew(xml);
+    else if (!m_patient.Load(m_patient.GetGUID(), FALSE, TRUE))
+        dbCException::Throw(dbErrNotFound, m_patient.GetID());
+    if (xml.IsLossy())
+    {
+        AfxMessageBox(IDS_CLD_RECORD_CHARACTERS, MB_OK | MB_ICONEXCLAMATION);
+        return std::nullopt;
+    }
+    if (!Plan())
+        return std::nullopt;
+    Apply();
+    const int nResult = Store(xml);
+    if (nResult != velQueued)
+    {
+        AfxMessageBox(nResult == velQueueExists ? IDS_CLD_ALREADY_QUEUED : IDS_CLD_RECORD_UNUSABLE,
+                      MB_OK | MB_ICONEXCLAMATION);
+        return std::nullopt;
+    }
+    m_queue.StartRasko();
+    TellUnsigned();
+    return velSReceived{m_bNew, m_patient.GetGUID()};
+}
+
+/// Decides which local patient the record is for; false when the user stops it.
+bool velCReceiver::FindPatient()
+{
+    dbCPatients patients;
+    CString strGUID;
+    dbSServicePatient row;
+    const bool bSameRecord = patients.FindVeltrixID(m_record.serviceId.c_str(), strGUID) ||
+                             (dbCServicePatients::FindByServiceID(m_record.serviceId.c_str(), row) &&
+                              m_patient.Load(strGUID = row.strPatientGUID, FALSE, TRUE));
+    const auto similar = [&](const velCDate& date) {
+        return patients.FindSimilar(m_record.firstName.c_str(), m_record.lastName.c_str(), date, &strGUID) !=
+               FALSE;
+    };
+    const bool bSamePerson = !bSameRecord && m_dateBirth.IsValid() && similar(m_dateBirth);
+    const bool bUndated = !bSameRecord && !bSamePerson && similar(velCDate());
+    switch (cloud::JudgeMatch(bSameRecord, bSamePerson, bUndated))
+    {
+    case cloud::LocalMatch::ByServiceId:
+        if (!m_patient.Load(strGUID, FALSE, TRUE))
+            dbCException::Throw(dbErrNotFound, strGUID);
+        break;
+    case cloud::LocalMatch::ByName:
+        if (!SettleSamePerson(strGUID))
+            return false;
+        break;
+    case cloud::LocalMatch::WithoutBirthDate:
+        m_patient.Load(strGUID, FALSE, TRUE);
+        AfxMessageBox(Quote(IDS_CLD_NO_LOCAL_BIRTHDATE), MB_OK | MB_ICONEXCLAMATION);
+        return false;
+    case cloud::LocalMatch::None:
+        m_bNew = true;
+        m_strNewID = m_record.patientId.c_str();
+        if (!RequireFreeID())
+            return false;
+        break;
+    }
+    if (!m_bNew && m_patient.GetID().CompareNoCase(m_record.patientId.c_str()) != 0)
+        AfxMessageBox(IDS_CLD_MERGED, MB_OK | MB_ICONINFORMATION);
+    return true;
+}
+
+/// Somebody of this name and birth date is here: the same person, or a new one under another ID.
+bool velCReceiver::SettleSamePerson(const CString& strGUID)
+{
+    if (!m_patient.Load(strGUID, FALSE, TRUE))
+        dbCException::Throw(dbErrNotFound, strGUID);
+    for (;;)
+    {
+        CChangePatientID dialog;
+        dialog.m_strProposedID = m_record.patientId.c_str();
+        dialog.m_strExistingID = m_patient.GetID();
+        dialog.m_strExistingPatient =
+            m_patient.GetLastname() + ", " + m_patient.GetFirstname() + " ID:" + m_patient.GetID();
+        if (velRunModal(dialog) != IDOK)
+            return false;
+        if (dialog.m_nMode == CChangePatientID::Merge)
+            return true;
+        if (dialog.m_strResultID.IsEmpty())
+            continue;
+        if (dbCPatients().IsIDFree(dialog.m_strResultID))
+        {
+            m_bNew = true;
+            m_strNewID = dialog.m_strResultID;
+            return true;
+        }
+        AfxMessageBox(IDS_CLD_ID_TAKEN, MB_OK | MB_ICONEXCLAMATION);
+    }
+}
+
+bool velCReceiver::RequireFreeID()
+{
+    while (m_strNewID.IsEmpty() || !dbCPatients().IsIDFree(m_strNewID))
+    {
+        CGetUniquePatID dialog;
+        dialog.m_strTakenID = m_record.patientId.c_str();
+        dialog.m_strPatientName = (m_record.lastName + ", " + m_record.firstName).c_str();
+        if (velRunModal(dialog) != IDOK)
+            return false;
+        m_strNewID = dialog.m_strResultID;
+        if (!m_strNewID.IsEmpty() && !dbCPatients().IsIDFree(m_strNewID))
+            AfxMessageBox(IDS_CLD_ID_TAKEN, MB_OK | MB_ICONEXCLAMATION);
+    }
+    return true;
+}
+
+void velCReceiver::MakeNew(CVelXML& xml)
+{
+    m_patient.Initialize();
+    m_patient.SetID(m_strNewID);
+    m_patient.SetGUID(UsableGUID(m_record.guid));
+    m_patient.SetLastname(m_record.lastName.c_str());
+    m_patient.SetFirstname(m_record.firstName.c_str());
+    m_patient.SetBirthdate(m_dateBirth);
+    m_patient.SetGender(GenderOf(m_record.gender));
+    xml.ReadPatientDetails(m_patient);
+}
+
+bool velCReceiver::Plan()
+{
+    std::vector<cloud::LocalTimepoint> locals;
+    for (const patCTimepoint& timepoint : m_patient.GetTimepoints())
+        locals.push_back({timepoint.GettpID().GetString(), timepoint.GetName().GetString(),
+                          timepoint.GetDate().ToISO().GetString(), timepoint.GetNumber()});
+    const CWaitCursor wait;
+    m_plan = cloud::PlanReceive(
+        m_record, m_patient.GetID().GetString(), locals, m_choice,
+        [this](const std::string& name, const std::string& signature) { return Compare(name, signature); });
+    return m_plan.fault == cloud::PlanFault::None || TellFault();
+}
+
+/// Always false.
+bool velCReceiver::TellFault() const
+{
+    CString strText;
+    switch (m_plan.fault)
+    {
+    case cloud::PlanFault::TimepointNumber:
+    case cloud::PlanFault::TooManyTimepoints:
+        strText.Format(IDS_CLD_RECORD_TIMEPOINTS, m_plan.faultText.c_str());
+        break;
+    default:
+        // A name may be as long as an attribute.
+        strText.Format(IDS_CLD_RECORD_NAME, m_plan.faultText.substr(0, MAX_PATH).c_str());
+        break;
+    }
+    AfxMessageBox(strText, MB_OK | MB_ICONEXCLAMATION);
+    return false;
+}
+
+void velCReceiver::TellUnsigned() const
+{
+    constexpr std::size_t most = 10;
+    if (m_plan.unsignedFiles.empty())
+        return;
+    CString strNames, strText;
+    for (std::size_t i = 0; i < m_plan.unsignedFiles.size() && i < most; ++i)
+        strNames += CString("\n  ") + m_plan.unsignedFiles[i].c_str();
+    if (m_plan.unsignedFiles.size() > most)
+        strNames += "\n  ...";
+    strText.Format(IDS_CLD_UNSIGNED, static_cast<int>(m_plan.unsignedFiles.size()), strNames.GetString());
+    AfxMessageBox(strText, MB_OK | MB_ICONINFORMATION);
+}
+
+cloud::LocalFile velCReceiver::Compare(const std::string& name, const std::string& signature) const
+{
+    const CString strPath = velGetDataPath() + name.c_str();
+    CFileStatus status;
+    if (!CFile::GetStatus(strPath, status))
+        return cloud::LocalFile::Absent;
+    constexpr std::size_t sha512Digits = 128;
+    CString strOwn;
+    if (!signature.empty() &&
+        SUCCEEDED(velFileSigner(signature.size() == sha512Digits).Sign(strPath, strOwn)) &&
+        strOwn == signature.c_str())
+        return cloud::LocalFile::Same;
+    SYSTEMTIME written;
+    const bool bOlder =
+        m_updated.IsValid() && status.m_mtime.GetAsSystemTime(written) && velCDate(written) < m_updated;
+    return bOlder ? cloud::LocalFile::Older : cloud::LocalFile::Newer;
+}
+
+/// Puts the plan into the patient in memory.
+void velCReceiver::Apply()
+{
+    patCTimepoints& timepoints = m_patient.GetTimepoints();
+    if (!m_bNew)
+        ReactivateTimepoints();
+    std::vector<int> positions;
+    for (std::size_t i = 0; i < m_plan.targets.size(); ++i)
+    {
+        const cloud::TimepointTarget& target = m_plan.targets[i];
+        const cloud::RecordTimepoint& source = m_record.timepoints[i];
+        positions.push_back(target.localIndex);
+        if (target.localIndex >= 0)
+            continue;
+        dbCTimepoint timepoint;
+        timepoint.SetNumber(m_patient.GetID(), target.localNumber);
+        timepoint.SetName(source.name.c_str());
+        timepoint.SetDate(DateOf(source.date));
+        if (dbCPatients::IsGUID(source.guid.c_str()))
+            timepoint.SettpID(source.guid.c_str());
+        positions.back() = timepoints.GetCount();
+        timepoints.Add(timepoint);
+    }
+    for (const cloud::PlannedImage& image : m_plan.images)
+    {
+        const int nType = patCImageTypes::FindType(image.group, image.type);
+        patCTimepoint& timepoint = timepoints[positions[image.timepoint]];
+        if (nType < 0)
+            continue;
+        // What is recorded here about an image that was here stays.
+        if (!timepoint.HasImage(image.group, nType))
+            timepoint.SetImageInfo(
+                image.group, nType,
+                {image.source->title.c_str(), image.source->note.c_str(), image.source->guid.c_str()});
+        timepoint.SetImage(image.group, nType);
+    }
+}
+
+void velCReceiver::ReactivateTimepoints()
+{
+    bool bAny = false;
+    for (const cloud::TimepointTarget& target : m_plan.targets)
+    {
+        if (target.localIndex < 0 || m_patient.GetTimepoints()[target.localIndex].IsActive())
+            continue;
+        m_patient.GetTimepoints()[target.localIndex].SetActive(TRUE);
+        bAny = true;
+    }
+    if (bAny)
+        AfxMessageBox(Quote(IDS_CLD_INACTIVE), MB_OK | MB_ICONINFORMATION);
+}
+
+/// Patient, task and audit event in one transaction; a velQueueResult.
+int velCReceiver::Store(CVelXML& xml)
+{
+    const CString strEvent = velFormatTemplate(IDS_CLD_EVENT_RECEIVED, m_patient.GetID(),
+                                               m_patient.GetLastname(), m_patient.GetFirstname());
+    dbCTransaction transaction;
+    if (m_patient.GetVeltrixID().IsEmpty())
+        m_patient.SetVeltrixID(m_record.serviceId.c_str());
+    if (!m_bNew)
+        m_patient.Save();
+    else if (!dbCPatients().AddFromArchive(m_patient))
+        dbCException::Throw(dbErrDuplicateID, m_patient.GetID());
+
+    dbSServicePatient row;
+    if (!dbCServicePatients::FindByGUID(m_patient.GetGUID(), row))
+        dbCServicePatients::Store(
+            {m_patient.GetGUID(), m_record.serviceId.c_str(), m_record.serviceGuid.c_str()});
+
+    const std::string name = m_record.lastName + ", " + m_record.firstName;
+    CString strManifest;
+    if (!xml.BuildUploadManifest({name, m_patient.GetGUID().GetString(), m_patient.GetID().GetString(),
+                                  m_record.serviceGuid, m_record.serviceId},
+                                 m_plan.files, strManifest))
+        return velQueueLoadError;
+    const int nResult = m_queue.QueueDownload(strManifest);
+    if (nResult != velQueued)
+        return nResult;
+    CVeltrixLogin audit;
+    if (m_bNew)
+        audit.AddNewPatientEvent(m_patient.GetGUID(), strEvent);
+    else
+        audit.AddPatientModifiedEvent(m_patient.GetGUID(), strEvent);
+    transaction.Commit();
+    return velQueued;
+}
+
+CString velCReceiver::Quote(UINT nText) const
+{
+    CString strText;
+    strText.Format(nText, m_record.lastName.c_str(), m_record.firstName.c_str(), m_record.patientId.c_str());
+    return strText;
+}

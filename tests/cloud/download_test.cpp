@@ -1,0 +1,289 @@
+// Downloading a shared record, from signing in to the patient in the practice.
+#include "cloud/download/waitdialogs.h"
+#include "cloud/res/cloudres.h"
+#include "cloud/upload/uploaddlg.h"
+#include "patient/patientres.h"
+#include "tests/cloud/exchangefixture.h"
+#include "tests/support/dialogquality.h"
+#include "tests/support/picture.h"
+
+#include "app/modalrun.h"
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using veltest::Dialog;
+using veltest::DialogScript;
+
+namespace
+{
+const std::string NewPatient =
+    "A1 {0A000000-0000-0000-0000-000000000001} Lee Zo\xeb 1999-05-17 41 hello\n"
+    "  Start 2009-03-05 A107 1 lateral n\n"
+    "  task Lee, Zo\xeb - A1 of A1\n"
+    "The patient (A1) Lee, Zo\xeb data have been downloaded from FarreachVeltrix\n";
+
+/// The texts of a list's row, without the last column.
+std::string Row(const Dialog& list, std::size_t nRow)
+{
+    const std::vector<std::string> cells = list.Item(IDC_CLD_LIST).Rows().at(nRow);
+    std::string text;
+    for (std::size_t i = 0; i + 1 < cells.size(); ++i)
+        text += cells[i] + "|";
+    return text;
+}
+} // namespace
+
+TEST_F(Exchange, ListsRecordsWithOwnerAndTime)
+{
+    EXPECT_EQ(RunList([&](DialogScript& script) {
+                  const Dialog list = script.WaitForDialog("Get Patient From Internet");
+                  EXPECT_EQ(Row(list, 0), "41|Lee,  Zo\xeb|Ames,  Anna|2021-01-02 03:04:05|A1|");
+                  EXPECT_EQ(Row(list, 1), "42|,  |Owner|2020-01-02 03:04:00||");
+                  EXPECT_EQ(Row(list, 2), "43|<&,  |,  |-||");
+                  EXPECT_FALSE(list.Item(IDOK).IsEnabled());
+                  EXPECT_EQ(veltest::DialogFindings(list.Handle()), "");
+                  veltest::SavePicture(list.Handle(), "download-list");
+                  ::PostMessage(list.Handle(), WM_COMMAND, IDOK, 0);
+                  script.AnswerBox("No Item Selected", IDOK);
+                  // A choice that changed is offered to be kept; one that did not is not spoken of.
+                  list.Press(IDC_CLD_OTHER);
+                  ::PostMessage(list.Handle(), WM_COMMAND, IDOK, 0);
+                  script.AnswerBox("Do you want to save download options setting for future downloads?",
+                                   IDYES);
+                  script.AnswerBox("No Item Selected", IDOK);
+                  list.Press(IDCANCEL);
+              }),
+              IDCANCEL);
+    EXPECT_EQ(m_practice.Get("Defaults", "DownloadOther") + m_practice.Get("Defaults", "Download3D"), "10");
+    EXPECT_THAT(Commands(), ElementsAre("login", "getdownloadable", "logout"));
+    EXPECT_STREQ(m_credentials.GetUser(), "anna");
+}
+
+TEST_F(Exchange, TakesANewPatientInOneStep)
+{
+    m_known = {"A1"};
+    EXPECT_EQ(Download(), IDOK);
+    EXPECT_EQ(State(), NewPatient);
+    EXPECT_THAT(Commands(), ElementsAre("login", "getdownloadable", "getdownloadpatient", "logout"));
+    EXPECT_THAT(m_program.m_calls, ElementsAre("wake"));
+    dbCRaskoTasksContainer tasks;
+    tasks.LoadPending("{0A000000-0000-0000-0000-000000000001}");
+    EXPECT_THAT(std::string(tasks[0].strData), HasSubstr("frvPatGUID=\"{F}\" frvPatId=\"41\"><images><image "
+                                                         "finalfilename=\"A107.I2A\" imageExists=\"0\""));
+    EXPECT_THAT(std::string(tasks[0].strData), testing::Not(HasSubstr("V2A"))); // was not chosen
+    dbSServicePatient row;
+    ASSERT_TRUE(dbCServicePatients::FindByServiceID("41", row));
+    EXPECT_STREQ(row.strPatientGUID, "{0A000000-0000-0000-0000-000000000001}");
+
+    // Once more while its files are on their way: nothing changes.
+    EXPECT_EQ(
+        Download({"A transfer of this patient is already waiting or under way.  Please try again when it has "
+                  "finished.  Nothing was changed."}),
+        IDCANCEL);
+    EXPECT_EQ(State(), NewPatient);
+}
+
+TEST_F(Exchange, StopsWithoutATraceOfWhatCannotBeTaken)
+{
+    m_known = {"A1"};
+    const std::string unusable =
+        "The record that FarreachVeltrix sent is not complete or not readable.  Nothing was downloaded.";
+    const std::pair<std::string, std::string> cases[] = {
+        {"", unusable},
+        {"<html>", unusable},
+        {ServiceRecord().substr(0, 400), unusable},
+        {ServiceRecord("<Timepoint tpNumber='100'/>"),
+         "The record's timepoints do not fit this patient (\"100\").  A patient has at most 100 timepoints "
+         "with numbers "
+         "of their own.  Nothing was downloaded."},
+        {ServiceRecord("<Timepoint tpNumber='7'><Images><image file='..\\x.I2A'/></Images></Timepoint>"),
+         "The record holds the name \"..\\x.I2A\", which cannot belong to this patient.  Nothing was "
+         "downloaded."},
+        {ServiceRecord("<Timepoint tpNumber='7' name='&#20013;'/>"),
+         "The record holds characters that this computer's language setting does not have.  Nothing was "
+         "downloaded."},
+    };
+    for (const auto& [record, text] : cases)
+    {
+        m_replies["getdownloadpatient"] = record;
+        EXPECT_EQ(Download({text}), IDCANCEL);
+        EXPECT_EQ(State(), "") << text;
+    }
+    m_replies.erase("getdownloadpatient");
+    EXPECT_EQ(Download({unusable}), IDCANCEL);
+    dbCPatient undated = StorePatient("B1");
+    undated.SetBirthdate(velCDate());
+    undated.Save();
+    const std::string before = State();
+    m_replies["getdownloadpatient"] = ServiceRecord();
+    EXPECT_EQ(Download({"A patient \"Lee,  Zo\xeb (A1) exists in VELTRIX with no date of birth. Please "
+                        "provide the DOB for "
+                        "this patient and try again."}),
+              IDCANCEL);
+    EXPECT_EQ(State(), before);
+    EXPECT_TRUE(m_program.m_calls.empty());
+}
+
+TEST_F(Exchange, MergesIntoThePatientThatItIs)
+{
+    dbCPatient local = StorePatient("B1");
+    local.SetVeltrixID("41");
+    local.GetTimepoints()[0].SetActive(FALSE); // the record's by name and date
+    local.Save();
+    m_replies["getdownloadpatient"] = ServiceRecord(
+        "<Timepoint name='Start' tpDate='2009-03-05' tpNumber='7' tpGUID='x'><Images><image file='A107.I2A' "
+        "signature='900150983CD24FB0D6963F7D28E17F72' title='theirs'/></Images></Timepoint><Timepoint "
+        "name='End' "
+        "tpDate='broken' tpNumber='0'><Images><image file='A100.I2A' title='new' "
+        "signature='900150983cd24fb0d6963f7d28e17f72'/><image file='A100.I2B'/></Images></Timepoint>");
+    EXPECT_EQ(
+        Download(
+            {"Patient ID of the downloaded patient does not match with existing Veltrix patient.\nDownloaded "
+             "patient will be merged to the existing patient.",
+             "You are downloading records for patient \"Lee,  Zo\xeb (A1) \".\nNOTE This record has been "
+             "marked as inactive and will not appear in the patient lookup. To view this record, click the "
+             "option to \"include patients in the status to not show in lookup\" on the lookup screen.",
+             "1 of the record's files cannot be checked and will not be downloaded:\n\n  A100.I2B"}),
+        IDOK);
+    EXPECT_EQ(State(),
+              "B1 " + std::string(local.GetGUID()) +
+                  " Lee Zo\xeb 1999-05-17 41 \n  Start 2009-03-05 B100 1  \n  End  B101 1 new \n  task Lee, "
+                  "Zo\xeb - B1 of B1\nThe patient (B1) Lee, Zo\xeb data have been downloaded from "
+                  "FarreachVeltrix\n");
+    dbCRaskoTasksContainer tasks;
+    tasks.LoadPending(local.GetGUID());
+    EXPECT_THAT(std::string(tasks[0].strData), HasSubstr("finalfilename=\"B100.I2A\" imageExists=\"1\""));
+    EXPECT_THAT(std::string(tasks[0].strData), HasSubstr("finalfilename=\"B101.I2A\" imageExists=\"0\""));
+}
+
+TEST_F(Exchange, LetsTheUserSettleWhoItIs)
+{
+    StorePatient("B1");
+    m_known = {"A1"};
+    // The same name and birth date: a new patient under the record's own ID, after an empty and a taken one.
+    const auto run = [&](const DialogScript::Script& settle) {
+        return RunList([&](DialogScript& script) {
+            const Dialog list = script.WaitForDialog("Get Patient From Internet");
+            list.Item(IDC_CLD_LIST).SelectRow(0);
+            script.WaitUntil("OK can be pressed", [&] { return list.Item(IDOK).IsEnabled(); });
+            list.Press(IDOK);
+            settle(script);
+            script.SettleIdle(list.Handle());
+            if (list.IsOpen())
+                list.Press(IDCANCEL);
+        });
+    };
+    const auto answer = [](DialogScript& script, const char* id) {
+        const Dialog dialog = script.WaitForDialogWith(IDC_IDCONFLICT_ID);
+        dialog.Item(IDC_IDCONFLICT_ID).SetText(id);
+        dialog.Press(IDOK);
+    };
+    EXPECT_EQ(run([&](DialogScript& script) { script.WaitForDialogWith(IDC_IDCONFLICT_ID).Press(IDCANCEL); }),
+              IDCANCEL);
+    EXPECT_EQ(State(), "");
+    EXPECT_EQ(run([&](DialogScript& script) {
+                  answer(script, "");
+                  script.AnswerBox("You must enter a new patient ID", IDOK);
+                  answer(script, "b1");
+                  script.AnswerBox("This Patient ID already used by another patient. Try another.", IDOK);
+                  answer(script, "A1");
+              }),
+              IDOK);
+    EXPECT_EQ(State(), NewPatient);
+
+    // Another person has the ID.
+    dbCPatient other;
+    ASSERT_TRUE(other.Load("A1"));
+    m_replies["getdownloadpatient"] = ServiceRecord();
+    std::string& record = m_replies["getdownloadpatient"];
+    record.replace(record.find("patlastName='Lee'"), 17, "patlastName='Roe'");
+    record.replace(record.find("patVeltrixID='41'"), 17, "patVeltrixID='77'");
+    m_known = {"D1"};
+    const std::string before = State();
+    EXPECT_EQ(run([&](DialogScript& script) {
+                  answer(script, "A1");
+                  script.AnswerBox("This Patient ID already used by another patient. Try another.", IDOK);
+                  answer(script, "D1");
+              }),
+              IDOK);
+    dbCPatient created;
+    ASSERT_TRUE(created.Load("D1"));
+    EXPECT_STRNE(created.GetGUID(), other.GetGUID());
+    EXPECT_STREQ(created.GetLastname() + created.GetTimepoint(0).GetBaseFilename(), "RoeD107");
+}
+
+TEST_F(Exchange, SignsInUntilTheServiceAgreesOrTheUserGivesUp)
+{
+    m_replies.erase("login");
+    m_program.m_bCredentials = false;
+    EXPECT_EQ(RunList([&](DialogScript& script) {
+                  Dialog wait = script.WaitForDialog("Waiting for Rasko");
+                  EXPECT_EQ(veltest::DialogFindings(wait.Handle()), "");
+                  veltest::SavePicture(wait.Handle(), "rasko-wait");
+                  wait.Press(IDCANCEL);
+              }),
+              IDCANCEL);
+    EXPECT_EQ(RunList([&](DialogScript& script) {
+                  script.WaitForDialog("Waiting for Rasko");
+                  m_program.m_bCredentials = true; // they have been entered there
+                  script.AnswerBox("Invalid Username/Password.", IDOK);
+                  const Dialog signIn = script.WaitForDialog("Sign In to FarreachVeltrix");
+                  EXPECT_EQ(signIn.Item(IDC_CLD_USER).Text(), "anna");
+                  EXPECT_EQ(signIn.Item(IDC_CLD_PASSWORD).Text(), "");
+                  EXPECT_EQ(veltest::DialogFindings(signIn.Handle()), "");
+                  veltest::SavePicture(signIn.Handle(), "sign-in");
+                  signIn.Item(IDC_CLD_PASSWORD).SetText("other");
+                  // A message that stops: signed out, and asked again.
+                  m_replies["login"] = "<response><message action='stop'>Act</message></response>";
+                  signIn.Press(IDOK);
+                  script.AnswerBox("The dialog could not be created.", IDOK);
+                  script.WaitForDialog("Sign In to FarreachVeltrix").Press(IDCANCEL);
+                  const Dialog list = script.WaitForDialog("Get Patient From Internet");
+                  EXPECT_TRUE(list.Item(IDC_CLD_LIST).Rows().empty());
+                  EXPECT_FALSE(list.Item(IDOK).IsEnabled());
+                  list.Press(IDCANCEL);
+              }),
+              IDCANCEL);
+    EXPECT_THAT(Commands(), ElementsAre("login", "login", "logout"));
+    EXPECT_FALSE(m_credentials.IsKnown());
+    m_program.m_bInstalled = false;
+    EXPECT_EQ(RunList([&](DialogScript& script) {
+                  script.AnswerBox("Rasko Upload/Download program not available.", IDOK);
+              }),
+              IDCANCEL);
+}
+
+TEST_F(Exchange, OpensOneSession)
+{
+    PlainList list(nullptr, m_program, m_credentials);
+    EXPECT_EQ(list.OpenSession(), 0);
+    EXPECT_EQ(list.OpenSession(), -1);
+}
+
+TEST_F(Exchange, AsksWhatGoesUpAndToWhom)
+{
+    m_practice.Set("Defaults", "Upload3D", "1");
+    velSUpload upload;
+    EXPECT_EQ(veltest::RunModal(
+                  [&] {
+                      upldCUploadDlg dialog(nullptr, "The record of Zo\xeb Lee will be uploaded.");
+                      const INT_PTR nResult = velRunModal(dialog);
+                      upload = dialog.GetUpload();
+                      return nResult;
+                  },
+                  [&](DialogScript& script) {
+                      const Dialog dialog = script.WaitForDialog("Save Patient To Internet");
+                      EXPECT_EQ(veltest::DialogFindings(dialog.Handle()), "");
+                      veltest::SavePicture(dialog.Handle(), "upload");
+                      dialog.Press(IDC_CLD_UNCROPPED);
+                      dialog.Item(IDC_CLD_RECIPIENTS).SetText(" bob ");
+                      dialog.Item(IDC_CLD_NOTES).SetText("a\r\nb");
+                      dialog.Press(IDOK);
+                  }),
+              IDOK);
+    EXPECT_EQ(upload.choice, (cloud::FileChoice{true, false, true}));
+    EXPECT_STREQ(upload.strRecipients + "|" + upload.strNotes, "bob|a\r\nb");
+    EXPECT_EQ(m_practice.Get("Defaults", "UploadUncropped") + m_practice.Get("Defaults", "UploadOther") +
+                  m_practice.Get("Defaults", "Upload3D"),
+              "101");
+}

@@ -1,0 +1,149 @@
+// Queuing uploads for the transfer program.
+#include "cloud/queue/farreachveltrix.h"
+#include "cloud/queue/queuereport.h"
+#include "tests/cloud/exchangefixture.h"
+
+using testing::ElementsAre;
+using veltest::DialogScript;
+
+namespace
+{
+class Queue : public Exchange
+{
+protected:
+    int Upload(const dbCPatient& patient, const velSUpload& upload = {})
+    {
+        return CFarreachVeltrix(m_program).QueueUpload(patient, upload, TRUE);
+    }
+
+    /// The result while a box with this text (and caption, if given) comes up and is answered.
+    int UploadWithBox(const dbCPatient& patient, const std::string& text, int nButton = IDOK,
+                      const std::string& caption = {})
+    {
+        return veltest::RunModal([&] { return Upload(patient); },
+                                 [&](DialogScript& script) {
+                                     const veltest::Dialog box = script.WaitForBox(text);
+                                     if (!caption.empty())
+                                         EXPECT_EQ(box.Title(), caption);
+                                     box.Press(nButton);
+                                 });
+    }
+
+    static int Pending(const dbCPatient& patient)
+    {
+        return dbCRaskoTasksContainer().LoadPending(patient.GetGUID());
+    }
+};
+} // namespace
+
+TEST_F(Queue, WritesOneWholeTaskAndWakesTheProgram)
+{
+    const dbCPatient patient = StorePatient("A1", 2);
+    m_practice.WriteFile("working\\A100.V2A", "12345");
+    EXPECT_EQ(Upload(patient, {{true, false, false}, "bob; eve@e.example", "see 2"}), velQueued);
+    EXPECT_THAT(m_program.m_calls, ElementsAre("register 11", "recipients bob; eve@e.example|see 2", "wake"));
+    dbCRaskoTasksContainer tasks;
+    ASSERT_EQ(tasks.LoadPending(patient.GetGUID()), 1);
+    const dbSRaskoTask& task = tasks[0];
+    EXPECT_EQ(task.nType, dbSRaskoTask::UPLOAD);
+    EXPECT_EQ(task.nStatus, -2);
+    EXPECT_EQ(task.nTotalBytes, 11);
+    EXPECT_STREQ(task.strPatientID, "41");
+    EXPECT_STREQ(task.strPatientGUID, patient.GetGUID());
+    EXPECT_STREQ(task.strDescription, "Lee, Zo\xeb - A1");
+    EXPECT_STREQ(task.strQueueComputer, CFarreachVeltrix::GetComputer());
+    CVelXML xml;
+    CString expected;
+    xml.BuildPatientXml(patient, expected, {true, false, false});
+    EXPECT_STREQ(task.strData, expected);
+
+    // While it is pending there is no second one, of whichever computer it is.
+    m_program.m_calls.clear();
+    CFarreachVeltrix again(m_program);
+    EXPECT_EQ(again.QueueUpload(patient, {}, TRUE), velQueueExists);
+    EXPECT_TRUE(again.GetOtherComputer().IsEmpty());
+    EXPECT_EQ(Pending(patient), 1);
+    EXPECT_TRUE(m_program.m_calls.empty());
+    const dbCPatient other = StorePatient("B1");
+    dbSRaskoTask foreign;
+    foreign.strPatientGUID = other.GetGUID();
+    foreign.strQueueComputer = "FRONTDESK";
+    foreign.nStatus = 57;
+    dbCRaskoTasksContainer::InsertRow(foreign);
+    EXPECT_EQ(again.QueueUpload(other, {}, TRUE), velQueueExists);
+    EXPECT_STREQ(again.GetOtherComputer(), "FRONTDESK");
+}
+
+TEST_F(Queue, RefusesWhatCannotBeUploaded)
+{
+    dbCPatient patient = StorePatient("A1", 2);
+    ::DeleteFile(m_practice.Path("working\\A101.I2A").c_str());
+    EXPECT_EQ(Upload(patient), velQueueImagesMissing);
+    EXPECT_EQ(Upload(StorePatient("B1", 0)), velQueueNoImages);
+
+    patient = StorePatient("C1");
+    m_program.m_strRefusal = "No room is left.";
+    EXPECT_EQ(UploadWithBox(patient, "No room is left."), velQueueRefused);
+    patient.SetBirthdate(velCDate());
+    EXPECT_EQ(
+        UploadWithBox(patient,
+                      "The patient C1 does not have a valid birth date assigned.  Please edit the patient "
+                      "information and enter the patient birth date first.",
+                      IDOK, "No Birth Date"),
+        velQueueRefused);
+    m_program.m_bInstalled = false;
+    EXPECT_EQ(UploadWithBox(patient, "There is no Rasko program installed on your computer."),
+              velQueueNoProgram);
+    EXPECT_EQ(CFarreachVeltrix(m_program).CheckRasko(FALSE), velQueueNoProgram);
+    EXPECT_EQ(Pending(patient), 0);
+    EXPECT_THAT(m_program.m_calls, ElementsAre("register 3"));
+}
+
+TEST_F(Queue, ChecksTheSettingUpInItsOrder)
+{
+    const dbCPatient patient = StorePatient("A1");
+    m_program.m_bCredentials = false;
+    EXPECT_EQ(
+        UploadWithBox(patient, "You must setup Rasko before you can upload records\nUnable to continue."),
+        velQueueRefused);
+    const auto folder = [](const std::string& path) {
+        dbCApplicationOptionsContainer::SetApplicationOption("RASKOPATH", path.c_str());
+    };
+    folder("Q:\\no disk");
+    EXPECT_EQ(
+        UploadWithBox(patient,
+                      "There is no Rasko folder. When Rasko starts please go\nto 'Options' and configure "
+                      "your settings."),
+        velQueueRefused);
+    folder("");
+    const std::string ask =
+        "Veltrix Rasko, the module that handles uploading records to FarreachVeltrix needs to be set "
+        "up before you can upload patient records.  Would you like to setup Rasko now?";
+    EXPECT_EQ(UploadWithBox(patient, ask, IDNO), velQueueRefused);
+    EXPECT_TRUE(m_program.m_calls.empty());
+    EXPECT_EQ(UploadWithBox(patient, ask, IDYES), velQueueRefused);
+    EXPECT_THAT(m_program.m_calls, ElementsAre("options"));
+    EXPECT_EQ(Pending(patient), 0);
+
+    // Several patients are asked about once.
+    CFarreachVeltrix queue(m_program);
+    EXPECT_EQ(queue.QueueUpload(patient, {}, FALSE), velQueueRefused);
+    EXPECT_EQ(queue.QueueUpload(patient, {}, TRUE), velQueueRefused);
+}
+
+TEST_F(Queue, TakesDownloadsByTheirManifest)
+{
+    CFarreachVeltrix queue(m_program);
+    EXPECT_EQ(queue.QueueDownload("<patient patFullname='Lee, Ann' patGUID='{G}' patID='A1'/>"), velQueued);
+    dbCRaskoTasksContainer tasks;
+    ASSERT_EQ(tasks.LoadPending("{G}"), 1);
+    EXPECT_EQ(tasks[0].nType, dbSRaskoTask::DOWNLOAD);
+    EXPECT_EQ(tasks[0].nStatus, -2);
+    EXPECT_STREQ(tasks[0].strPatientID + "|" + tasks[0].strDescription, "A1|Lee, Ann - A1");
+    EXPECT_STREQ(tasks[0].strData, "<patient patFullname='Lee, Ann' patGUID='{G}' patID='A1'/>");
+    EXPECT_EQ(queue.QueueDownload("<patient patGUID='{G}' patID='A1'/>"), velQueueExists);
+    for (const char* broken :
+         {"", "<patient/>", "<a><patient patID='1'/><patient patID='2'/></a>", "<patient patID='1'"})
+        EXPECT_EQ(queue.QueueDownload(broken), velQueueLoadError) << broken;
+    EXPECT_EQ(tasks.LoadQueuedBy(CFarreachVeltrix::GetComputer(), 0), 1);
+}
