@@ -43,11 +43,17 @@ TEST_F(Exchange, ListsRecordsWithOwnerAndTime)
                   EXPECT_FALSE(list.Item(IDOK).IsEnabled());
                   EXPECT_EQ(veltest::DialogFindings(list.Handle()), "");
                   veltest::SavePicture(list.Handle(), "download-list");
-                  ::PostMessage(list.Handle(), WM_COMMAND, IDOK, 0);
+                  // However the command comes in spite of the disabled button.
+                  const auto confirm = [&] {
+                      ::EnableWindow(list.Item(IDOK).Handle(), TRUE);
+                      ::PostMessage(list.Handle(), WM_COMMAND, IDOK, 0);
+                  };
+                  confirm();
                   script.AnswerBox("No Item Selected", IDOK);
                   // A choice that changed is offered to be kept; one that did not is not spoken of.
                   list.Press(IDC_CLD_OTHER);
-                  ::PostMessage(list.Handle(), WM_COMMAND, IDOK, 0);
+                  script.SettleIdle(list.Handle());
+                  confirm();
                   script.AnswerBox("Do you want to save download options setting for future downloads?",
                                    IDYES);
                   script.AnswerBox("No Item Selected", IDOK);

@@ -23,8 +23,7 @@ protected:
         return veltest::RunModal([&] { return Upload(patient); },
                                  [&](DialogScript& script) {
                                      const veltest::Dialog box = script.WaitForBox(text);
-                                     if (!caption.empty())
-                                         EXPECT_EQ(box.Title(), caption);
+                                     EXPECT_TRUE(caption.empty() || box.Title() == caption) << box.Title();
                                      box.Press(nButton);
                                  });
     }
