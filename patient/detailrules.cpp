@@ -2,6 +2,9 @@
 
 #include "patient/detailsres.h"
 #include "patient/textrules.h"
+#include "suite/patients/files/filefamily.h"
+
+#include <algorithm>
 
 namespace pat
 {
@@ -28,6 +31,23 @@ Finding CheckEmail(std::string_view email, unsigned nControl)
                            email.find('@', at + 1) == std::string_view::npos &&
                            email.find_first_of(" \t") == std::string_view::npos;
     return bComplete ? Finding() : Finding::Failed(IDS_DOCTOR_EMAIL_INVALID, nControl);
+}
+
+Finding CheckEmailOnce(std::string_view email, const std::vector<std::string>& emails, int nReplaced,
+                       unsigned nControl)
+{
+    for (int i = 0; i < static_cast<int>(emails.size()); ++i)
+    {
+        if (i != nReplaced && EqualNoCase(email, emails[static_cast<std::size_t>(i)]))
+            return Finding::Failed(IDS_EMAIL_TWICE, nControl, std::string(email));
+    }
+    return {};
+}
+
+Finding CheckEmailAdded(std::string_view entry, const std::vector<std::string>& emails, unsigned nControl)
+{
+    const bool bAdded = entry.empty() || std::find(emails.begin(), emails.end(), entry) != emails.end();
+    return bAdded ? Finding{} : Finding::Failed(IDS_EMAIL_UNFINISHED, nControl);
 }
 
 } // namespace pat

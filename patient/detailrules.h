@@ -4,6 +4,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace pat
 {
@@ -27,5 +28,13 @@ Finding CheckDoctorName(std::string_view family, unsigned nControl);
 
 /// An e-mail address is empty, or has one "@" between a name and a domain, and no blanks.
 Finding CheckEmail(std::string_view email, unsigned nControl);
+
+/// An address stands once among those of a person, in whatever letter case. nReplaced is the one that it is
+/// to replace; the number of addresses for a new one.
+Finding CheckEmailOnce(std::string_view email, const std::vector<std::string>& emails, int nReplaced,
+                       unsigned nControl);
+
+/// What stands in the field, but not in the list, would be lost.
+Finding CheckEmailAdded(std::string_view entry, const std::vector<std::string>& emails, unsigned nControl);
 
 } // namespace pat

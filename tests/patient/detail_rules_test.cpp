@@ -25,6 +25,19 @@ TEST(DoctorCheck, NeedsAFamilyName)
     }
 }
 
+TEST(EmailCheck, AnAddressStandsOnceAndIsNotLost)
+{
+    const std::vector<std::string> emails{"a@b.c", "d@e.f"};
+    EXPECT_TRUE(pat::CheckEmailOnce("a@b.d", emails, 2, 7).bPassed);
+    EXPECT_TRUE(pat::CheckEmailOnce("A@b.c", emails, 0, 7).bPassed);
+    const pat::Finding finding = pat::CheckEmailOnce("D@E.F", emails, 0, 7);
+    EXPECT_EQ(finding.nMessage, static_cast<unsigned>(IDS_EMAIL_TWICE));
+    EXPECT_EQ(finding.strArgument, "D@E.F");
+    EXPECT_TRUE(pat::CheckEmailAdded("", emails, 7).bPassed);
+    EXPECT_TRUE(pat::CheckEmailAdded("d@e.f", emails, 7).bPassed);
+    EXPECT_EQ(pat::CheckEmailAdded("D@e.f", emails, 7).nMessage, static_cast<unsigned>(IDS_EMAIL_UNFINISHED));
+}
+
 TEST(DoctorCheck, EmailIsEmptyOrComplete)
 {
     for (const char* email : {"", "a@b", "ann.lee@practice.com", "o'hara+x@practice.example"})
