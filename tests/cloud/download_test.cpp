@@ -45,8 +45,8 @@ TEST_F(Exchange, ListsRecordsWithOwnerAndTime)
                   veltest::SavePicture(list.Handle(), "download-list");
                   // However the command comes in spite of the disabled button.
                   const auto confirm = [&] {
-                      ::EnableWindow(list.Item(IDOK).Handle(), TRUE);
-                      ::PostMessage(list.Handle(), WM_COMMAND, IDOK, 0);
+                      ::PostMessage(list.Handle(), WM_COMMAND, IDOK,
+                                    reinterpret_cast<LPARAM>(list.Item(IDOK).Handle()));
                   };
                   confirm();
                   script.AnswerBox("No Item Selected", IDOK);
