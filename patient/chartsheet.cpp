@@ -301,21 +301,23 @@ bool patCChartSheet::SavePatient()
     }
     catch (dbCException* e)
     {
-        if (!ReportRefusal(e->GetError()))
+        if (e->GetError() != dbErrDuplicateID)
             throw;
         e->Delete();
+        ReportTaken();
         return false;
     }
     *m_pPatient = std::move(scratch);
     return true;
 }
 
-bool patCChartSheet::ReportRefusal(dbError nError)
+// Another process took the ID after it was checked; or a record that came with its own GUID is here already.
+void patCChartSheet::ReportTaken()
 {
-    if (nError != dbErrDuplicateID)
-        return false;
-    m_pageChart.ReportID(IDS_PATIENT_ID_TAKEN); // another process took it after it was checked
-    return true;
+    if (IsNewPatient() && VelApp()->GetPatients()->IsIDFree(m_pageChart.GetID()))
+        AfxMessageBox(IDS_PATIENT_GUID_TAKEN);
+    else
+        m_pageChart.ReportID(IDS_PATIENT_ID_TAKEN);
 }
 
 void patCChartSheet::CopyPages(dbCPatient& patient)

@@ -10,7 +10,6 @@
 #include "suite/dialogs/mfccoloredtabctrl.h"
 #include "suite/dialogs/unicodebutton.h"
 #include "suite/patients/records/dbpatient.h"
-#include "suite/patients/store/dbexception.h"
 
 #include <afxdlgs.h>
 #include <afxwin.h>
@@ -107,8 +106,8 @@ private:
     bool ConfirmBillingParty();
     bool SavePatient();
     void CopyPages(dbCPatient& patient);
-    /// Tells why the database refused the ID or the record. False when it was for another reason.
-    bool ReportRefusal(dbError nError);
+    /// Tells that the ID, or the GUID that the record came with, is another patient's.
+    void ReportTaken();
 
     patCDlgChart m_pageChart;
     patCDlgDtail m_pageDetail;

@@ -155,6 +155,24 @@ TEST_F(SheetFailureTest, AnOKThatFailsLeavesNothingAndLosesNothing)
     EXPECT_EQ(Stored("A2").GetLastname(0), "Other");
 }
 
+TEST_F(SheetFailureTest, ARecordThatIsHereAlreadySaysSo)
+{
+    const dbCPatient patient = StorePatient("A1");
+    dbCPatient data;
+    data.SetGUID(patient.GetGUID());
+    EXPECT_EQ(RunNewWithData(data,
+                             [](DialogScript& script) {
+                                 const Dialog sheet = WaitForSheet(script);
+                                 FillNames(sheet, "A2", "Bea", "Moor");
+                                 ExpectRefused(script, sheet,
+                                               "This record belongs to a patient who is in the patient list "
+                                               "already, under another ID. Nothing was saved.");
+                                 sheet.Press(IDCANCEL);
+                             }),
+              IDCANCEL);
+    EXPECT_TRUE(m_patients.IsIDFree("A2"));
+}
+
 // The caller's record takes part in what the caller does with the database around the sheet.
 TEST_F(SheetFailureTest, TheCallersTransactionCanUndoTheSheet)
 {

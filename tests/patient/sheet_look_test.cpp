@@ -16,6 +16,9 @@ TEST_F(SheetLookTest, EveryPageIsWellLaidOut)
     RunChange(patient, [](DialogScript& script) {
         const Dialog sheet = WaitForSheet(script);
         EXPECT_EQ(veltest::SavePagePictures(script, sheet, "patient-sheet"), pat::PageCount);
+        RECT rectHelp;
+        GetWindowRect(sheet.Item(IDC_SHEET_HELP).Handle(), &rectHelp);
+        EXPECT_EQ(rectHelp.right - rectHelp.left, rectHelp.bottom - rectHelp.top);
         veltest::QualityOptions options;
         options.isPage = true;
         for (int nPage = 0; nPage < pat::PageCount; ++nPage)
