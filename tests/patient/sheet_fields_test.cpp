@@ -35,18 +35,22 @@ struct Field
     }
 };
 
+// What users and other systems have typed.
+constexpr char firstname[] = "O'Bea \"%s\"";
+constexpr char lastname[] = "M\xFCller \x80 \xFF & Sons";
+
 const Field fields[] = {
     {pat::ChartPage, IDC_CHART_ID, By::Text, 25, "B-2", "id"},
-    {pat::ChartPage, IDC_CHART_FIRSTNAME, By::Text, 50, "Bea", "firstname"},
-    {pat::ChartPage, IDC_CHART_LASTNAME, By::Text, 50, "Moor", "lastname"},
-    {pat::ChartPage, IDC_CHART_NICKNAME, By::Text, 30, "Bee", "nickname"},
+    {pat::ChartPage, IDC_CHART_FIRSTNAME, By::Text, 50, firstname, "firstname"},
+    {pat::ChartPage, IDC_CHART_LASTNAME, By::Text, 50, lastname, "lastname"},
+    {pat::ChartPage, IDC_CHART_NICKNAME, By::Text, 30, "%s %n %d 100%", "nickname"},
     {pat::ChartPage, IDC_CHART_BIRTHDATE, By::Date, 0, "2011-12-13", "birthdate"},
     {pat::ChartPage, IDC_CHART_GENDER_SECOND, By::Press, 0, "", "gender", "2"},
     {pat::ChartPage, IDC_CHART_GENDER_IDENTITY, By::Choice, 0, "Male", "genderIdentity", "2"},
     {pat::ChartPage, IDC_CHART_RACE, By::Choice, 0, "South Pacific", "race", "7"},
     {pat::ChartPage, IDC_CHART_ADDRESS_HOME, By::Press, 0, "", "address.0.type", "H"},
-    {pat::ChartPage, IDC_CHART_COMPANY, By::Text, 50, "Moor & Sons", "address.0.company"},
-    {pat::ChartPage, IDC_CHART_STREET, By::Text, 255, "Quay 2", "address.0.street"},
+    {pat::ChartPage, IDC_CHART_COMPANY, By::Text, 50, "'; DROP TABLE patients; --", "address.0.company"},
+    {pat::ChartPage, IDC_CHART_STREET, By::Text, 255, "<1> <2> \\n %1 && \t\x02", "address.0.street"},
     {pat::ChartPage, IDC_CHART_CITY, By::Text, 50, "Westport", "address.0.city"},
     {pat::ChartPage, IDC_CHART_STATE, By::Text, 20, "WP", "address.0.state"},
     {pat::ChartPage, IDC_CHART_POSTALCODE, By::Text, 20, "54321", "address.0.postalCode"},
@@ -91,7 +95,7 @@ const Field fields[] = {
     {pat::ReferralPage, IDC_REFER_NOTE, By::Text, 255, "spacing", "referral.0.note"},
 
     {pat::InsurancePage, IDC_INSURE_COMPANY, By::Text, 0, "Northfield", "insurance.0.company"},
-    {pat::InsurancePage, IDC_INSURE_HOLDER, By::Text, 100, "Eva Moore", "insurance.0.holder"},
+    {pat::InsurancePage, IDC_INSURE_HOLDER, By::Text, 100, "Eva \"M\xFCller\"", "insurance.0.holder"},
     {pat::InsurancePage, IDC_INSURE_NUMBER, By::Text, 30, "18", "insurance.0.number"},
     {pat::InsurancePage, IDC_INSURE_GROUP, By::Text, 30, "G-2", "insurance.0.group"},
 };
@@ -267,7 +271,8 @@ TEST_F(SheetFieldsTest, EveryFieldArrivesWhereItBelongs)
                             sheet.Press(IDOK);
                         }),
               IDOK);
-    EXPECT_EQ(LatestEvent(), "The patient (B-2) Moor, Bea data, has been modified");
+    EXPECT_EQ(LatestEvent(),
+              CString("The patient (B-2) ") + lastname + ", " + firstname + " data, has been modified");
     const dbCPatient changed = Stored("B-2");
     expected["insurance.0.companyGUID"] = changed.GetInsurances()[0].GetCompanyGUID().GetString();
     EXPECT_THAT(Differences(expected, ImageOf(changed)), testing::IsEmpty());
@@ -298,13 +303,19 @@ TEST_F(SheetFieldsTest, ANewPatientGetsWhatIsTyped)
                   for (int nPage = 0; nPage < pat::PageCount; ++nPage)
                   {
                       EnterPage(sheet, nPage);
+                      if (nPage == pat::GuardianPage)
+                      {
+                          EXPECT_GT(sheet.Item(IDC_GUARD_NOTES).Send(EM_GETLIMITTEXT), 1'000'000); // no limit
+                      }
                   }
-                  EXPECT_EQ(sheet.Item(IDC_ROWS_LIST).Rows(), (std::vector<std::vector<std::string>>{
-                                                                  {"Northfield", "Eva Moore", "18", "G-2"}}));
+                  EXPECT_EQ(sheet.Item(IDC_ROWS_LIST).Rows(),
+                            (std::vector<std::vector<std::string>>{
+                                {"Northfield", "Eva \"M\xFCller\"", "18", "G-2"}}));
                   sheet.Press(IDOK);
               }),
               IDOK);
-    EXPECT_EQ(LatestEvent(), "The patient (B-2) Moor, Bea has been created");
+    EXPECT_EQ(LatestEvent(),
+              CString("The patient (B-2) ") + lastname + ", " + firstname + " has been created");
     const dbCPatient created = Stored("B-2");
     EXPECT_EQ(created.GetGUID(), m_strGUID);
     const PatientImage actual = ImageOf(created);
