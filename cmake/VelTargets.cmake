@@ -62,3 +62,18 @@ function(vel_windows_test name)
       ENVIRONMENT "GTEST_TOTAL_SHARDS=${arg_SHARDS};GTEST_SHARD_INDEX=${shard}")
   endforeach()
 endfunction()
+
+# Windows tests beside a record-sharing service of their own (tests/support/recordservice.h). The service is the one
+# that the native preset builds. There is one transfer program per desktop session, so they run one at a time.
+# vel_service_test(program_test program_test.cpp LIBS velpat)
+set(VEL_SERVICE_PROGRAM "${CMAKE_SOURCE_DIR}/build/native-sanitize/bin/velservice" CACHE FILEPATH
+  "The service that tests of the exchange talk to")
+function(vel_service_test name)
+  cmake_parse_arguments(arg "" "" "LIBS" ${ARGN})
+  add_executable(${name} ${arg_UNPARSED_ARGUMENTS} "${CMAKE_SOURCE_DIR}/tests/support/recordservice.cpp")
+  target_link_libraries(${name} PRIVATE vel_test_support ${arg_LIBS} crypt32 GTest::gmock GTest::gtest)
+  vel_warnings(${name})
+  add_test(NAME ${name} COMMAND "${CMAKE_SOURCE_DIR}/tools/with-service" "${VEL_SERVICE_PROGRAM}"
+    "${CMAKE_SOURCE_DIR}/tools/wine-run" $<TARGET_FILE:${name}>)
+  set_tests_properties(${name} PROPERTIES TIMEOUT 300 RESOURCE_LOCK transfer_program)
+endfunction()

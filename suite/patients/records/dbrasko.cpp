@@ -8,9 +8,9 @@ BOOL dbCRaskoTasksContainer::TableExists()
                "SELECT count(*) FROM sqlite_schema WHERE type = 'table' AND name = 'raskoTasks'") != 0;
 }
 
-static void ReadTasks(dbCStatement& query, dbCRaskoTasksContainer& tasks)
+int dbCRaskoTasksContainer::ReadAll(dbCStatement& query)
 {
-    tasks.RemoveAll();
+    RemoveAll();
     while (query.Step())
     {
         dbSRaskoTask task;
@@ -23,28 +23,56 @@ static void ReadTasks(dbCStatement& query, dbCRaskoTasksContainer& tasks)
         task.strDescription = query.Text(6);
         task.strData = query.Text(7);
         task.strQueueComputer = query.Text(8);
-        tasks.Add(task);
+        task.strReason = query.Text(9);
+        Add(task);
     }
-}
-
-int dbCRaskoTasksContainer::LoadPending(LPCTSTR pszPatientGUID)
-{
-    dbCStatement query(
-        "SELECT id, type, status, totalBytes, patientID, patientGuid, description, data, queueComputer"
-        " FROM raskoTasks WHERE patientGuid = ? AND status < ? ORDER BY id");
-    query.Bind(pszPatientGUID).Bind(static_cast<int>(dbSRaskoTask::STATUS_FINISHED));
-    ReadTasks(query, *this);
     return GetCount();
 }
 
 int dbCRaskoTasksContainer::LoadQueuedBy(LPCTSTR pszComputer, __int64 nFirst)
 {
     dbCStatement query(
-        "SELECT id, type, status, totalBytes, patientID, patientGuid, description, '', queueComputer"
+        "SELECT id, type, status, totalBytes, patientID, patientGuid, description, '', queueComputer, reason"
         " FROM raskoTasks WHERE queueComputer = ? AND id >= ? ORDER BY id");
     query.Bind(pszComputer).Bind(nFirst);
-    ReadTasks(query, *this);
-    return GetCount();
+    return ReadAll(query);
+}
+
+int dbCRaskoTasksContainer::LoadPending(LPCTSTR pszPatientGUID)
+{
+    dbCStatement query(
+        "SELECT id, type, status, totalBytes, patientID, patientGuid, description, data, queueComputer, reason"
+        " FROM raskoTasks WHERE patientGuid = ? AND status < ? ORDER BY id");
+    query.Bind(pszPatientGUID).Bind(static_cast<int>(dbSRaskoTask::STATUS_FINISHED));
+    return ReadAll(query);
+}
+
+int dbCRaskoTasksContainer::LoadPendingOfComputer(LPCTSTR pszComputer)
+{
+    dbCStatement query(
+        "SELECT id, type, status, totalBytes, patientID, patientGuid, description, data, queueComputer, reason"
+        " FROM raskoTasks WHERE queueComputer = ? COLLATE NOCASE AND status < ? ORDER BY id");
+    query.Bind(pszComputer).Bind(static_cast<int>(dbSRaskoTask::STATUS_FINISHED));
+    return ReadAll(query);
+}
+
+BOOL dbCRaskoTasksContainer::FindRow(__int64 nTask, dbSRaskoTask& task)
+{
+    dbCStatement query(
+        "SELECT id, type, status, totalBytes, patientID, patientGuid, description, data, queueComputer, reason"
+        " FROM raskoTasks WHERE id = ?");
+    query.Bind(nTask);
+    dbCRaskoTasksContainer rows;
+    if (rows.ReadAll(query) == 0)
+        return FALSE;
+    task = rows[0];
+    return TRUE;
+}
+
+void dbCRaskoTasksContainer::UpdateRow(const dbSRaskoTask& task)
+{
+    dbCStatement update("UPDATE raskoTasks SET status = ?, totalBytes = ?, reason = ? WHERE id = ?");
+    update.Bind(task.nStatus).Bind(task.nTotalBytes).Bind(task.strReason).Bind(task.nTask).Run();
 }
 
 void dbCRaskoTasksContainer::InsertRow(dbSRaskoTask& task)

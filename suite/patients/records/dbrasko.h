@@ -3,6 +3,8 @@
 #include "suite/patients/store/dblist.h"
 #include "suite/patients/store/patdefs.h"
 
+class dbCStatement;
+
 /// One task of the background transfer program.
 struct dbSRaskoTask
 {
@@ -21,6 +23,7 @@ struct dbSRaskoTask
     CString strPatientID; ///< the patient's ID on the service
     CString strPatientGUID;
     CString strDescription, strData, strQueueComputer;
+    CString strReason; ///< why it waits or has failed; a sentence
 };
 
 /// The table of transfer tasks (raskoTasks), shared with the transfer program.
@@ -33,8 +36,17 @@ public:
     /// Reads the tasks that a computer has queued, beginning with the task nFirst, without their data.
     /// Returns how many.
     int LoadQueuedBy(LPCTSTR pszComputer, __int64 nFirst);
+    /// Reads the tasks of a computer with a status below 100, in the order of queueing. Returns how many.
+    int LoadPendingOfComputer(LPCTSTR pszComputer);
+    /// FALSE, with `task` unchanged, when there is no such row.
+    static BOOL FindRow(__int64 nTask, dbSRaskoTask& task);
+    /// Writes status, byte total and reason of a stored task; nothing when the row is gone.
+    static void UpdateRow(const dbSRaskoTask& task);
     /// Stores a task at once and sets its number.
     static void InsertRow(dbSRaskoTask& task);
+
+private:
+    int ReadAll(dbCStatement& query);
 };
 
 /// What the service calls a patient of this practice.

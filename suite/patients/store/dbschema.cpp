@@ -148,7 +148,10 @@ CREATE TABLE timepointNames (
 CREATE INDEX timepointNamesByPosition ON timepointNames (position);
 )sql";
 
-constexpr dbSMigration STEPS[] = {{VERSION_1}, {VERSION_2}, {TIMEPOINT_NAMES}};
+// Why a transfer waits or has failed, for the user.
+constexpr const char* TRANSFER_REASONS = "ALTER TABLE raskoTasks ADD COLUMN reason TEXT NOT NULL DEFAULT ''";
+
+constexpr dbSMigration STEPS[] = {{VERSION_1}, {VERSION_2}, {TIMEPOINT_NAMES}, {TRANSFER_REASONS}};
 
 void RunSteps(dbCConnection& connection, std::span<const dbSMigration> steps, size_t nFrom)
 {

@@ -38,6 +38,14 @@ std::string Attribute(const pugi::xml_node& node, const char* name)
     return value;
 }
 
+// The compiler must not take it for useless.
+void Overwrite(std::string& text)
+{
+    volatile char* bytes = text.data();
+    for (std::size_t i = 0; i < text.size(); ++i)
+        bytes[i] = 0;
+}
+
 pugi::xml_document Parse(const std::string& body)
 {
     pugi::xml_document document;
@@ -71,12 +79,17 @@ ServiceClient::ServiceClient(Channel& channel, Scripts scripts, Credentials cred
 {
 }
 
+ServiceClient::~ServiceClient()
+{
+    Overwrite(m_credentials.password);
+}
+
 void ServiceClient::SignIn()
 {
-    const Reply reply = m_channel.Post(m_scripts.command, FormType,
-                                       "cmd=login&Login=" + FormEncode(m_credentials.user) +
-                                           "&password=" + FormEncode(m_credentials.password) +
-                                           "&tz=" + std::to_string(m_west));
+    std::string form = "cmd=login&Login=" + FormEncode(m_credentials.user) +
+                       "&password=" + FormEncode(m_credentials.password) + "&tz=" + std::to_string(m_west);
+    const Reply reply = m_channel.Post(m_scripts.command, FormType, form);
+    Overwrite(form);
     if (reply.status == NotSignedIn)
         throw Refused(text::NotSignedIn);
     RequireDone(reply);

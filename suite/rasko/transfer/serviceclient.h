@@ -54,6 +54,9 @@ class ServiceClient
 public:
     /// `west`: minutes that local time lies behind UTC.
     ServiceClient(Channel& channel, Scripts scripts, Credentials credentials, int west);
+    ~ServiceClient(); ///< wipes its copy of the credentials
+    ServiceClient(const ServiceClient&) = delete;
+    ServiceClient& operator=(const ServiceClient&) = delete;
 
     void SignIn();
     ServiceRecord Register(const std::string& patientGuid, const std::string& number, std::int64_t space);

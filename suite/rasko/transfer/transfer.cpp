@@ -243,16 +243,25 @@ private:
             block.clear();
         };
         bool wanted = true;
-        const bool found =
-            m_client.Fetch(number, file.serviceName, file.signature, held, [&](std::string_view bytes) {
-                block += bytes;
-                if (block.size() >= HashBlock)
-                {
-                    flush();
-                    wanted = !m_receiver || m_receiver(m_meter);
-                }
-                return wanted;
-            });
+        const auto take = [&](std::string_view bytes) {
+            block += bytes;
+            if (block.size() >= HashBlock)
+            {
+                flush();
+                wanted = !m_receiver || m_receiver(m_meter);
+            }
+            return wanted;
+        };
+        bool found = false;
+        try
+        {
+            found = m_client.Fetch(number, file.serviceName, file.signature, held, take);
+        }
+        catch (const Interrupted&)
+        {
+            flush(); // the next attempt goes on from here
+            throw;
+        }
         if (!wanted)
             throw CancelledByUser();
         if (!found)
