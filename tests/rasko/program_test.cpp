@@ -5,7 +5,6 @@
 #include "suite/rasko/transfer/platform.h"
 #include "suite/rasko/transfer/transfer.h"
 #include "tests/support/mfctestprogram.h"
-#include "tests/support/picture.h"
 #include "tests/support/recordservice.h"
 #include "tests/support/temporarypractice.h"
 
@@ -146,9 +145,10 @@ public:
     {
         CLSID id;
         const std::wstring name(rasko::ProgId, rasko::ProgId + sizeof rasko::ProgId - 1);
-        if (SUCCEEDED(CLSIDFromProgID(name.c_str(), &id)))
-            CoCreateInstance(id, nullptr, CLSCTX_LOCAL_SERVER, IID_IDispatch,
-                             reinterpret_cast<void**>(&m_object));
+        EXPECT_EQ(CLSIDFromProgID(name.c_str(), &id), S_OK);
+        EXPECT_EQ(CoCreateInstance(id, nullptr, CLSCTX_LOCAL_SERVER, IID_IDispatch,
+                                   reinterpret_cast<void**>(&m_object)),
+                  S_OK);
     }
     ~Automation()
     {
@@ -193,6 +193,15 @@ private:
 class ProgramTest : public testing::Test
 {
 protected:
+    static void SetUpTestSuite()
+    {
+        CoInitialize(nullptr);
+        EXPECT_TRUE(Program("/RegServer").Ends());
+    }
+    static void TearDownTestSuite()
+    {
+        CoUninitialize();
+    }
     static std::string Document(const std::map<std::string, std::string>& files)
     {
         std::string document =
@@ -215,57 +224,6 @@ protected:
     const rasko::Credentials anna{"anna", "first secret"};
 };
 
-TEST_F(ProgramTest, CarriesAPatientAcrossKillsOfItself)
-{
-    const std::map<std::string, std::string> images = {
-        {"A107.I0A", std::string(20'000'000, 'i') + "end"}, {"A107.V0A", ""}, {"A107.I1A", "third"}};
-    std::string number;
-    {
-        const Practice sender(service, anna);
-        for (const auto& [name, bytes] : images)
-            sender.files.WriteFile("working\\" + name, bytes);
-        const __int64 foreign = sender.Queue(dbSRaskoTask::UPLOAD, Document(images), "another computer");
-        const __int64 task = sender.Queue(dbSRaskoTask::UPLOAD, Document(images));
-        {
-            const Program program;
-            ASSERT_TRUE(WaitFor([&] { return Practice::State(task).first > 0; }))
-                << Practice::State(task).second;
-            program.Kill();
-            EXPECT_LT(Practice::State(task).first, rasko::Finished);
-        }
-        const Program program;
-        EXPECT_TRUE(WaitFor([&] { return Practice::State(task).first == rasko::Finished; }))
-            << Practice::State(task).second;
-        EXPECT_EQ(Practice::State(foreign), std::pair(-2, std::string()));
-        const Automation automation;
-        EXPECT_EQ(automation.Call(L"RegisterPatient", {L"{00000000-0000-4000-8000-000000000001}", L"1"}), "");
-        dbSServicePatient row;
-        ASSERT_TRUE(dbCServicePatients::FindByGUID(Guid, row));
-        number = row.strServiceID;
-        EXPECT_EQ(automation.Call(L"SetRecipients", {L"{00000000-0000-4000-8000-000000000001}",
-                                                     L" bert@two.example; bert ;", L"f\x00FCr"}),
-                  "");
-        EXPECT_THAT(
-            automation.Call(L"SetRecipients", {L"{00000000-0000-4000-8000-000000000001}", L"nobody", L""}),
-            testing::HasSubstr("nobody"));
-        automation.Call(L"Quit");
-        EXPECT_TRUE(program.Ends());
-    }
-    const Practice receiver(service, {"bert", "second secret"});
-    const __int64 task = receiver.Queue(dbSRaskoTask::DOWNLOAD, Manifest(images, number.c_str()));
-    {
-        const Program program;
-        ASSERT_TRUE(WaitFor([&] { return HasFiles(receiver.files.Path("rasko")); }));
-        program.Kill();
-    }
-    const Program program;
-    EXPECT_TRUE(WaitFor([&] { return Practice::State(task).first == rasko::Finished; }))
-        << Practice::State(task).second;
-    for (const auto& [name, bytes] : images)
-        EXPECT_EQ(Md5(receiver.files.ReadFile("working\\B9" + name.substr(2))), Md5(bytes)) << name;
-    EXPECT_FALSE(HasFiles(receiver.files.Path("rasko")));
-}
-
 TEST_F(ProgramTest, SaysWhyAndGoesOnWhenItIsWoken)
 {
     const Practice practice(service, {"anna", "wrong"});
@@ -286,7 +244,6 @@ TEST_F(ProgramTest, SaysWhyAndGoesOnWhenItIsWoken)
     EXPECT_TRUE(WaitFor([&] { return !Practice::State(waiting).second.empty(); }));
     EXPECT_LT(Practice::State(waiting).first, rasko::Finished);
     EXPECT_TRUE(IsWindowVisible(window));
-    EXPECT_TRUE(veltest::SavePicture(window, "rasko-window"));
     rasko::StoreCredentials("localhost:1", {});
 
     dbCApplicationOptionsContainer::SetApplicationOption("RASKOTARGET", practice.host.c_str());
@@ -307,11 +264,65 @@ TEST_F(ProgramTest, SaysWhyAndGoesOnWhenItIsWoken)
     EXPECT_TRUE(WaitFor([&] {
         return (options = FindWindowA("#32770", "Veltrix Rasko Options")) && IsWindowVisible(options);
     }));
-    Sleep(200); // for its paint: a picture is all that depends on it
-    EXPECT_TRUE(veltest::SavePicture(options, "rasko-options"));
     PostMessageA(options, WM_COMMAND, IDCANCEL, 0);
     // The password is in no file of the practice.
-    practice.files.Set("x", "y", "z");
     EXPECT_EQ(practice.files.ReadFile("patients.db").find("first secret"), std::string::npos);
 }
+// Last: COM keeps a killed server's registration for a while.
+TEST_F(ProgramTest, CarriesAPatientAcrossKillsOfItself)
+{
+    const std::map<std::string, std::string> images = {
+        {"A107.I0A", std::string(20'000'000, 'i') + "end"}, {"A107.V0A", ""}, {"A107.I1A", "third"}};
+    std::string number;
+    {
+        const Practice sender(service, anna);
+        for (const auto& [name, bytes] : images)
+            sender.files.WriteFile("working\\" + name, bytes);
+        {
+            const Program program;
+            ASSERT_NE(Program::Window(), nullptr);
+            const Automation automation;
+            EXPECT_EQ(automation.Call(L"RegisterPatient", {L"{00000000-0000-4000-8000-000000000001}", L"1"}),
+                      "");
+            dbSServicePatient row;
+            ASSERT_TRUE(dbCServicePatients::FindByGUID(Guid, row));
+            number = row.strServiceID;
+            EXPECT_EQ(automation.Call(L"SetRecipients", {L"{00000000-0000-4000-8000-000000000001}",
+                                                         L" bert@two.example; bert ;", L"f\x00FCr"}),
+                      "");
+            EXPECT_THAT(automation.Call(L"SetRecipients",
+                                        {L"{00000000-0000-4000-8000-000000000001}", L"nobody", L""}),
+                        testing::HasSubstr("nobody"));
+            automation.Call(L"Quit");
+            EXPECT_TRUE(program.Ends());
+        }
+        const __int64 foreign = sender.Queue(dbSRaskoTask::UPLOAD, Document(images), "another computer");
+        const __int64 task = sender.Queue(dbSRaskoTask::UPLOAD, Document(images));
+        {
+            const Program program;
+            ASSERT_TRUE(WaitFor([&] { return Practice::State(task).first > 0; }))
+                << Practice::State(task).second;
+            program.Kill();
+            EXPECT_LT(Practice::State(task).first, rasko::Finished);
+        }
+        const Program program;
+        EXPECT_TRUE(WaitFor([&] { return Practice::State(task).first == rasko::Finished; }))
+            << Practice::State(task).second;
+        EXPECT_EQ(Practice::State(foreign), std::pair(-2, std::string()));
+    }
+    const Practice receiver(service, {"bert", "second secret"});
+    const __int64 task = receiver.Queue(dbSRaskoTask::DOWNLOAD, Manifest(images, number.c_str()));
+    {
+        const Program program;
+        ASSERT_TRUE(WaitFor([&] { return HasFiles(receiver.files.Path("rasko")); }));
+        program.Kill();
+    }
+    const Program program;
+    EXPECT_TRUE(WaitFor([&] { return Practice::State(task).first == rasko::Finished; }))
+        << Practice::State(task).second;
+    for (const auto& [name, bytes] : images)
+        EXPECT_EQ(Md5(receiver.files.ReadFile("working\\B9" + name.substr(2))), Md5(bytes)) << name;
+    EXPECT_FALSE(HasFiles(receiver.files.Path("rasko")));
+}
+
 } // namespace

@@ -38,20 +38,21 @@ RecordService::RecordService() : m_host(Variable("VEL_SERVICE_HOST"))
     const std::string pem = text.str();
     std::vector<BYTE> der(pem.size() + 1);
     auto size = static_cast<DWORD>(der.size());
-    const HCERTSTORE store =
-        CertOpenStore(CERT_STORE_PROV_SYSTEM_A, 0, 0, CERT_SYSTEM_STORE_CURRENT_USER, "ROOT");
+    m_store = CertOpenStore(CERT_STORE_PROV_SYSTEM_A, 0, 0, CERT_SYSTEM_STORE_CURRENT_USER, "ROOT");
     if (!CryptStringToBinaryA(pem.c_str(), 0, CRYPT_STRING_BASE64HEADER, der.data(), &size, nullptr,
                               nullptr) ||
-        !store ||
-        !CertAddEncodedCertificateToStore(store, X509_ASN_ENCODING, der.data(), size,
+        !m_store ||
+        !CertAddEncodedCertificateToStore(m_store, X509_ASN_ENCODING, der.data(), size,
                                           CERT_STORE_ADD_REPLACE_EXISTING, &m_authority))
         throw std::runtime_error("the service's authority cannot be trusted");
-    CertCloseStore(store, 0);
+    // Other processes see what has been committed.
+    CertControlStore(m_store, 0, CERT_STORE_CTRL_COMMIT, nullptr);
 }
 
 RecordService::~RecordService()
 {
     CertDeleteCertificateFromStore(m_authority);
+    CertCloseStore(m_store, 0);
 }
 
 void RecordService::Administer(const std::string& arguments) const

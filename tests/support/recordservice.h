@@ -32,6 +32,7 @@ public:
 
 private:
     std::string m_host;
+    HCERTSTORE m_store = nullptr;
     PCCERT_CONTEXT m_authority = nullptr;
 };
 
