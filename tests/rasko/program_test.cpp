@@ -93,7 +93,7 @@ public:
     std::string host;
 };
 
-/// The program's process; killed at the end.
+/// The program's process; ended by the destructor.
 class Program
 {
 public:
@@ -110,7 +110,11 @@ public:
     }
     ~Program()
     {
-        Kill();
+        // COM keeps the registration of a server that is killed.
+        if (const HWND window = FindWindowA(rasko::WindowClass, nullptr))
+            PostMessageA(window, WM_COMMAND, ID_APP_EXIT, 0);
+        if (WaitForSingleObject(m_process.hProcess, 5'000) != WAIT_OBJECT_0)
+            Kill();
         CloseHandle(m_process.hProcess);
         CloseHandle(m_process.hThread);
     }

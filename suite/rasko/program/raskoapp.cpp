@@ -98,10 +98,11 @@ BOOL CRaskoApp::InitInstance()
         return FALSE;
     CRaskoWindow::RegisterWindowClass();
     m_window = std::make_unique<CRaskoWindow>();
+    // First: who finds the window may ask for the object.
+    m_automation = std::make_unique<rasko::AutomationServer>(*m_window);
     if (!m_window->Open())
         return FALSE;
     m_pMainWnd = m_window.get();
-    m_automation = std::make_unique<rasko::AutomationServer>(*m_window);
     const bool hidden = HasSwitch(rasko::HiddenSwitch) || HasSwitch("Embedding") || HasSwitch("Automation") ||
                         rasko::Settings::Load().hidden;
     m_window->ShowWindow(hidden ? SW_HIDE : SW_SHOWNORMAL);
