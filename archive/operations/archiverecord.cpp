@@ -8,7 +8,7 @@
 #include "archive/files/pathsafety.h"
 #include "archive/zip/unzipper.h"
 #include "patient/chartrules.h"
-#include "suite/patients/files/patientfile.h"
+#include "suite/patients/records/patientfile.h"
 #include "suite/patients/files/patimagetypes.h"
 #include "suite/util/velpath.h"
 #include "suite/util/velstring.h"

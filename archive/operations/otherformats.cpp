@@ -10,7 +10,7 @@
 #include "archive/work/filecopies.h"
 #include "archive/work/resultcodes.h"
 #include "archive/volumes/volumestream.h"
-#include "suite/patients/files/patientfile.h"
+#include "suite/patients/records/patientfile.h"
 #include "suite/patients/store/dbsteps.h"
 #include "suite/util/velpath.h"
 #include "suite/util/velstring.h"

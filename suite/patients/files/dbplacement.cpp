@@ -1,6 +1,9 @@
 #include "suite/patients/files/dbplacement.h"
 
+#include "suite/patients/files/filehandle.h"
+#include "suite/patients/files/lifetoken.h"
 #include "suite/patients/store/dbcore.h"
+#include "suite/patients/store/dbsteps.h"
 #include "suite/patients/store/dbtransaction.h"
 #include "suite/util/velpath.h"
 
@@ -9,31 +12,6 @@
 namespace
 {
 constexpr DWORD COPY_BUFFER = 256 * 1024;
-
-struct HandleCloser
-{
-    void operator()(HANDLE hFile) const
-    {
-        CloseHandle(hFile);
-    }
-};
-using UniqueHandle = std::unique_ptr<void, HandleCloser>;
-
-UniqueHandle OpenHandle(const std::string& path, DWORD dwAccess, DWORD dwShare, DWORD dwDisposition,
-                        DWORD dwFlags)
-{
-    const HANDLE hFile =
-        CreateFileA(path.c_str(), dwAccess, dwShare, nullptr, dwDisposition, dwFlags, nullptr);
-    return UniqueHandle(hFile != INVALID_HANDLE_VALUE ? hFile : nullptr);
-}
-
-[[noreturn]] void ThrowFileError(DWORD dwError, const std::string& path)
-{
-    if (dwError == ERROR_FILE_EXISTS || dwError == ERROR_ALREADY_EXISTS)
-        dbCException::Throw(dbErrExists, path.c_str());
-    const bool bFull = dwError == ERROR_DISK_FULL || dwError == ERROR_HANDLE_DISK_FULL;
-    dbCException::Throw(bFull ? dbErrDiskFull : dbErrIO, path.c_str());
-}
 
 /// Copies into a file that was just made. The error code, 0 when everything is on the disk.
 DWORD CopyContents(HANDLE hFrom, HANDLE hTo)
@@ -59,7 +37,7 @@ bool BelongsToTimepoint(const std::string& name)
 {
     constexpr size_t NUMBER_DIGITS = 2;
     dbCStatement query("SELECT 1 FROM patients p JOIN timepoints t ON t.patient = p.person"
-                       " WHERE p.patientID = ? AND p.deleted = 0 AND t.number = ?");
+                       " WHERE p.patientID = ? AND t.number = ?");
     for (size_t nLength = 1; nLength + NUMBER_DIGITS < name.size(); ++nLength)
     {
         const size_t nNumber = name[nLength] == '$' ? nLength + 1 : nLength;
@@ -81,18 +59,9 @@ bool RemovePlaced(const CString& strFolder, const CString& strName)
     const CString strPath = strFolder + strName;
     return !velFileExists(strPath) || BelongsToTimepoint(strName.GetString()) || DeleteFileA(strPath);
 }
-
-std::string NewToken()
-{
-    static LONG nCount = 0;
-    char szToken[64];
-    snprintf(szToken, sizeof(szToken), "VELPLACE.%lx-%llx-%lx", GetCurrentProcessId(), GetTickCount64(),
-             InterlockedIncrement(&nCount));
-    return szToken;
-}
 } // namespace
 
-dbCFilePlacement::dbCFilePlacement() : m_strFolder(velGetDataPath()), m_token(NewToken())
+dbCFilePlacement::dbCFilePlacement() : m_strFolder(velGetDataPath()), m_pToken(std::make_unique<patCLifeToken>())
 {
 }
 
@@ -100,8 +69,6 @@ dbCFilePlacement::~dbCFilePlacement()
 {
     if (!m_bCommitted)
         Undo();
-    if (m_hToken != INVALID_HANDLE_VALUE)
-        CloseHandle(m_hToken);
 }
 
 void dbCFilePlacement::Add(LPCTSTR pszSource, LPCTSTR pszName)
@@ -119,39 +86,41 @@ void dbCFilePlacement::Place()
         if (velFileExists(m_strFolder + file.name.c_str()))
             dbCException::Throw(dbErrExists, file.name.c_str());
 
-    const std::string token = m_strFolder.GetString() + m_token;
-    m_hToken = CreateFileA(token.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
-                           FILE_ATTRIBUTE_HIDDEN | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
-    if (m_hToken == INVALID_HANDLE_VALUE)
-        ThrowFileError(GetLastError(), token);
-
+    m_pToken->Create(m_strFolder);
     // Noted for good before the first file is made.
     dbCTransaction transaction;
     dbCStatement noted("SELECT 1 FROM placedFiles WHERE name = ? COLLATE NOCASE AND token <> ?");
+    dbCStatement moving("SELECT 1 FROM fileWorkNames n JOIN fileWork w ON w.id = n.work"
+                        " WHERE n.name = ? OR w.newID || substr(n.name, length(w.patientID) + 1) = ?");
     dbCStatement note("INSERT INTO placedFiles (token, name) VALUES (?, ?)");
     for (const File& file : m_files)
     {
-        noted.Bind(file.name.c_str()).Bind(m_token.c_str());
+        noted.Bind(file.name.c_str()).Bind(m_pToken->GetName().c_str());
         if (noted.Step())
             dbCException::Throw(dbErrExists, file.name.c_str());
         noted.Reset();
-        note.Bind(m_token.c_str()).Bind(file.name.c_str()).Run();
+        // A name that is still to be given to, or taken from, another file.
+        moving.Bind(file.name.c_str()).Bind(file.name.c_str());
+        if (moving.Step())
+            dbCException::Throw(dbErrExists, file.name.c_str());
+        moving.Reset();
+        note.Bind(m_pToken->GetName().c_str()).Bind(file.name.c_str()).Run();
     }
     transaction.Commit();
 
     for (const File& file : m_files)
     {
         const std::string path = m_strFolder.GetString() + file.name;
-        const UniqueHandle from =
-            OpenHandle(file.source, GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN);
+        const patCHandle from = patOpenFile(file.source.c_str(), GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING,
+                                            FILE_FLAG_SEQUENTIAL_SCAN);
         if (!from)
-            ThrowFileError(GetLastError(), file.source);
-        UniqueHandle to = OpenHandle(path, GENERIC_WRITE, 0, CREATE_NEW, FILE_ATTRIBUTE_NORMAL);
+            patThrowFileError(GetLastError(), file.source.c_str());
+        const patCHandle to = patOpenFile(path.c_str(), GENERIC_WRITE, 0, CREATE_NEW);
         if (!to)
-            ThrowFileError(GetLastError(), path);
+            patThrowFileError(GetLastError(), path.c_str());
         m_placed.push_back(path);
         if (const DWORD dwError = CopyContents(from.get(), to.get()))
-            ThrowFileError(dwError, path);
+            patThrowFileError(dwError, path.c_str());
         FILETIME written;
         if (GetFileTime(from.get(), nullptr, nullptr, &written))
             SetFileTime(to.get(), nullptr, nullptr, &written);
@@ -160,7 +129,7 @@ void dbCFilePlacement::Place()
 
 void dbCFilePlacement::Keep()
 {
-    dbCStatement("DELETE FROM placedFiles WHERE token = ?").Bind(m_token.c_str()).Run();
+    dbCStatement("DELETE FROM placedFiles WHERE token = ?").Bind(m_pToken->GetName().c_str()).Run();
     dbCTransaction::AtEnd(nullptr, [this] { m_bCommitted = true; });
 }
 
@@ -170,11 +139,11 @@ void dbCFilePlacement::Undo() noexcept
     for (const std::string& path : m_placed)
         bAll = DeleteFileA(path.c_str()) && bAll;
     // What cannot be removed now is removed when the database is next opened.
-    if (!bAll || m_hToken == INVALID_HANDLE_VALUE)
+    if (!bAll || !m_pToken->IsCreated())
         return;
     try
     {
-        dbCStatement("DELETE FROM placedFiles WHERE token = ?").Bind(m_token.c_str()).Run();
+        dbCStatement("DELETE FROM placedFiles WHERE token = ?").Bind(m_pToken->GetName().c_str()).Run();
     }
     catch (CException* e)
     {
@@ -196,9 +165,7 @@ try
     }
     for (const CString& strToken : tokens)
     {
-        // The file is there, and open, while its process lives, on whatever computer.
-        DeleteFileA(strFolder + strToken);
-        if (velFileExists(strFolder + strToken))
+        if (patCLifeToken::IsAlive(strFolder, strToken))
             continue;
         std::vector<CString> names;
         dbCTransaction transaction;

@@ -2,6 +2,7 @@
 
 #include "suite/patients/store/patdefs.h"
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -42,7 +43,6 @@ private:
     std::vector<File> m_files;
     std::vector<std::string> m_placed; ///< paths that this object made
     CString m_strFolder;
-    std::string m_token;                    ///< names the placement in the database and in the folder
-    HANDLE m_hToken = INVALID_HANDLE_VALUE; ///< file that exists as long as the process does
+    std::unique_ptr<class patCLifeToken> m_pToken; ///< names the placement in the database and in the folder
     bool m_bCommitted = false;
 };

@@ -1,21 +1,19 @@
 #include "suite/patients/files/patientfiles.h"
 
+#include "suite/patients/files/filehandle.h"
 #include "suite/patients/store/dbcore.h"
-#include "suite/patients/records/dbpersonstore.h"
+#include "suite/patients/store/dbsteps.h"
 #include "suite/patients/store/dbtransaction.h"
 #include "suite/patients/store/patmodule.h"
 #include "suite/util/velpath.h"
 
-#include <algorithm>
-#include <cctype>
 #include <cstdio>
-#include <functional>
-#include <string_view>
 
 namespace
 {
 constexpr char SEPARATOR = '\x01';
-constexpr size_t MAX_HEADER_FIELD = 25;
+constexpr size_t MAX_FIELD = 25;     ///< characters of a field of the header line
+constexpr size_t MAX_TIMEPOINTS = 100;
 
 /// A field of a ".PF" line: nothing in it may look like a separator or a line end.
 std::string Field(LPCTSTR psz, size_t nMax = std::string::npos)
@@ -27,26 +25,58 @@ std::string Field(LPCTSTR psz, size_t nMax = std::string::npos)
     return text + SEPARATOR;
 }
 
-[[noreturn]] void ThrowFileError(DWORD dwError, LPCTSTR pszPath)
+/// The line's fields, each ended by the separator; false when the line does not end behind the last.
+bool SplitFields(std::string_view line, std::vector<std::string>& fields)
 {
-    const bool bFull = dwError == ERROR_DISK_FULL || dwError == ERROR_HANDLE_DISK_FULL;
-    dbCException::Throw(bFull ? dbErrDiskFull : dbErrIO, pszPath);
+    fields.clear();
+    while (!line.empty())
+    {
+        const size_t nEnd = line.find(SEPARATOR);
+        if (nEnd == std::string_view::npos)
+            return line == "\r";
+        fields.emplace_back(line.substr(0, nEnd));
+        line.remove_prefix(nEnd + 1);
+    }
+    return true;
 }
 
-struct HandleCloser
+bool NextLine(std::string_view& text, std::string_view& line)
 {
-    void operator()(HANDLE hFile) const
-    {
-        CloseHandle(hFile);
-    }
-};
-using UniqueHandle = std::unique_ptr<void, HandleCloser>;
+    const size_t nEnd = text.find('\n');
+    if (nEnd == std::string_view::npos)
+        return false;
+    line = text.substr(0, nEnd);
+    text.remove_prefix(nEnd + 1);
+    return true;
+}
 
-UniqueHandle OpenFileHandle(LPCTSTR pszPath, DWORD dwAccess, DWORD dwShare, DWORD dwDisposition)
+/// The number and the eight words of image types.
+bool ReadNumbers(const std::string& field, patSPatientFile::Timepoint& timepoint)
 {
-    const HANDLE hFile =
-        CreateFileA(pszPath, dwAccess, dwShare, nullptr, dwDisposition, FILE_ATTRIBUTE_NORMAL, nullptr);
-    return UniqueHandle(hFile != INVALID_HANDLE_VALUE ? hFile : nullptr);
+    int nUsed = 0;
+    if (sscanf(field.c_str(), "%d%n", &timepoint.nNumber, &nUsed) != 1 || timepoint.nNumber < 0 ||
+        timepoint.nNumber >= static_cast<int>(MAX_TIMEPOINTS))
+        return false;
+    const char* psz = field.c_str() + nUsed;
+    for (DWORD& dwBits : timepoint.bits)
+    {
+        unsigned long dwRead = 0;
+        if (sscanf(psz, " %8lx%n", &dwRead, &nUsed) != 1)
+            return false;
+        dwBits = dwRead;
+        psz += nUsed;
+    }
+    return *psz == '\0';
+}
+
+bool ReadTimepoint(std::string_view line, patSPatientFile::Timepoint& timepoint)
+{
+    std::vector<std::string> fields;
+    if (!SplitFields(line, fields) || fields.size() != 3)
+        return false;
+    timepoint.date = velCDate::FromISO(fields[1].c_str());
+    timepoint.strName = fields[2].c_str();
+    return ReadNumbers(fields[0], timepoint) && (timepoint.date.IsValid() || timepoint.date.IsNull());
 }
 
 /// Writes the text into a new file beside `strPath` and returns its name.
@@ -54,9 +84,9 @@ CString WriteBeside(const CString& strPath, const std::string& text)
 {
     CString strTemp;
     strTemp.Format("%s~%lx@%s", strPath.GetString(), GetCurrentProcessId(), patComputerName().GetString());
-    UniqueHandle file = OpenFileHandle(strTemp, GENERIC_WRITE, 0, CREATE_ALWAYS);
+    patCHandle file = patOpenFile(strTemp, GENERIC_WRITE, 0, CREATE_ALWAYS);
     if (!file)
-        ThrowFileError(GetLastError(), strPath);
+        patThrowFileError(GetLastError(), strPath);
     DWORD dwWritten = 0;
     const BOOL bWritten =
         WriteFile(file.get(), text.data(), static_cast<DWORD>(text.size()), &dwWritten, nullptr);
@@ -65,7 +95,7 @@ CString WriteBeside(const CString& strPath, const std::string& text)
     if (!bWritten || dwWritten != text.size())
     {
         DeleteFileA(strTemp);
-        ThrowFileError(dwError, strPath);
+        patThrowFileError(dwError, strPath);
     }
     return strTemp;
 }
@@ -73,7 +103,7 @@ CString WriteBeside(const CString& strPath, const std::string& text)
 /// Whether a process of this computer has certainly ended. What cannot be asked counts as running.
 bool HasEnded(DWORD dwProcess)
 {
-    const UniqueHandle process(OpenProcess(SYNCHRONIZE, FALSE, dwProcess));
+    const patCHandle process(OpenProcess(SYNCHRONIZE, FALSE, dwProcess));
     return process ? WaitForSingleObject(process.get(), 0) == WAIT_OBJECT_0
                    : GetLastError() == ERROR_INVALID_PARAMETER;
 }
@@ -96,129 +126,100 @@ void RemoveAbandonedTexts()
     }
 }
 
-CString PatientFilePath(const CString& strFolder, const patCPatient& patient)
+CString PatientFilePath(const CString& strFolder, const CString& strID)
 {
-    return velWithBackslash(strFolder) + patient.GetID() + ".PF";
+    return velWithBackslash(strFolder) + strID + ".PF";
 }
 
-/// Removes or renames cleanly only if nobody else has the file open.
-bool IsFileFree(const CString& strPath)
+void WriteText(const CString& strPath, const std::string& text)
 {
-    return OpenFileHandle(strPath, DELETE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                          OPEN_EXISTING) != nullptr;
-}
-
-/// The names of a patient's files in the working folder.
-std::vector<std::string> ListFiles(const CString& strFolder, LPCTSTR pszID)
-{
-    std::vector<std::string> names;
-    WIN32_FIND_DATAA data;
-    const HANDLE hFind = FindFirstFileA(strFolder + pszID + "*", &data);
-    if (hFind == INVALID_HANDLE_VALUE)
-        return names;
-    do
+    const CString strTemp = WriteBeside(strPath, text);
+    if (!MoveFileExA(strTemp, strPath, MOVEFILE_REPLACE_EXISTING))
     {
-        bool bShared = false;
-        if (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY ||
-            !patIsPatientFile(data.cFileName, pszID, &bShared))
-            continue;
-        bool bOwn = true;
-        if (bShared)
-        {
-            dbCStatement longer(
-                "SELECT 1 FROM patients WHERE ? LIKE replace(replace(replace(patientID, '\\', '\\\\'),"
-                " '_', '\\_'), '%', '\\%') || '%' ESCAPE '\\' AND length(patientID) > ? LIMIT 1");
-            longer.Bind(data.cFileName).Bind(static_cast<int>(strlen(pszID)));
-            bOwn = !longer.Step();
-        }
-        if (bOwn)
-            names.emplace_back(data.cFileName);
-    } while (FindNextFileA(hFind, &data));
-    FindClose(hFind);
-    return names;
+        const DWORD dwError = GetLastError();
+        DeleteFileA(strTemp);
+        patThrowFileError(dwError, strPath);
+    }
 }
 
-bool RenameFiles(LPCTSTR pszOldID, LPCTSTR pszNewID)
+/// A stored patient as its file has to be, and the version that this is of; 0 where no patient has the ID.
+struct Stored
+{
+    patSPatientFile file;
+    __int64 nVersion = 0;
+};
+
+__int64 StoredVersion(LPCTSTR pszID)
+{
+    dbCStatement query("SELECT rowVersion FROM patients WHERE patientID = ?");
+    query.Bind(pszID);
+    return query.Step() ? query.Int64(0) : 0;
+}
+
+Stored ReadStored(LPCTSTR pszID)
+{
+    const dbCReadScope scope;
+    Stored stored;
+    dbCStatement patient("SELECT t.rowVersion, p.lastName, p.firstName, t.patientID, t.person FROM patients t"
+                         " JOIN persons p ON p.id = t.person WHERE t.patientID = ?");
+    patient.Bind(pszID);
+    if (!patient.Step())
+        return stored;
+    stored.nVersion = patient.Int64(0);
+    stored.file.strLast = patient.Text(1);
+    stored.file.strFirst = patient.Text(2);
+    stored.file.strID = patient.Text(3);
+    dbCStatement timepoints("SELECT number, name, date, bits0, bits1, bits2, bits3, bits4, bits5, bits6, bits7"
+                            " FROM timepoints WHERE patient = ? ORDER BY position");
+    timepoints.Bind(patient.Int64(4));
+    while (timepoints.Step())
+    {
+        patSPatientFile::Timepoint timepoint{timepoints.Int(0), timepoints.Text(1), timepoints.Date(2), {}};
+        for (size_t nGroup = 0; nGroup < timepoint.bits.size(); ++nGroup)
+            timepoint.bits[nGroup] = static_cast<DWORD>(timepoints.Int64(3 + static_cast<int>(nGroup)));
+        stored.file.timepoints.push_back(timepoint);
+    }
+    return stored;
+}
+
+/// Brings the file of an ID in line with what is stored. Any number of processes may do so at once: whoever
+/// has written looks whether what it wrote is still what is stored, so that the last one leaves the newest.
+void Follow(LPCTSTR pszID)
 {
     const CString strFolder = velGetDataPath();
     if (strFolder.IsEmpty())
-        return true;
+        return;
     if (!velFolderExists(strFolder))
-        return false;
-    bool bAll = true;
-    for (const std::string& name : ListFiles(strFolder, pszOldID))
+        dbCException::Throw(dbErrIO, strFolder);
+    for (;;)
     {
-        const CString strTo = strFolder + pszNewID + name.substr(strlen(pszOldID)).c_str();
-        bAll = MoveFileExA(strFolder + name.c_str(), strTo, 0) && bAll;
+        const Stored stored = ReadStored(pszID);
+        const CString strPath = PatientFilePath(strFolder, pszID);
+        if (stored.nVersion != 0)
+            WriteText(strPath, patPatientFileText(stored.file));
+        else if (!DeleteFileA(strPath) && !patIsGone(strPath))
+            patThrowFileError(GetLastError(), strPath);
+        dbStep("patientFile.written");
+        if (StoredVersion(pszID) == stored.nVersion)
+            return;
     }
-    return bAll;
 }
 
-bool RemoveFiles(LPCTSTR pszID)
+void FollowNoted(__int64 nRow, LPCTSTR pszID)
 {
-    const CString strFolder = velGetDataPath();
-    if (strFolder.IsEmpty())
-        return true;
-    if (!velFolderExists(strFolder))
-        return false;
-    bool bAll = true;
-    for (const std::string& name : ListFiles(strFolder, pszID))
-    {
-        const CString strPath = strFolder + name.c_str();
-        SetFileAttributesA(strPath, FILE_ATTRIBUTE_NORMAL);
-        bAll = DeleteFileA(strPath) && bAll;
-    }
-    return bAll;
-}
-
-void FinishRenames()
-{
-    struct Rename
-    {
-        __int64 nRow;
-        CString strOld, strNew;
-    };
-    std::vector<Rename> renames;
-    {
-        dbCStatement query("SELECT id, oldID, newID FROM fileRenames ORDER BY id");
-        while (query.Step())
-            renames.push_back({query.Int64(0), query.Text(1), query.Text(2)});
-    }
-    for (const Rename& rename : renames)
-        if (RenameFiles(rename.strOld, rename.strNew))
-            dbCStatement("DELETE FROM fileRenames WHERE id = ?").Bind(rename.nRow).Run();
-}
-
-void FinishDeletions()
-{
-    std::vector<std::pair<__int64, CString>> deleted;
-    {
-        dbCStatement query("SELECT person, patientID FROM patients WHERE deleted <> 0");
-        while (query.Step())
-            deleted.emplace_back(query.Int64(0), query.Text(1));
-    }
-    for (const auto& [nRow, strID] : deleted)
-    {
-        if (!RemoveFiles(strID))
-            continue;
-        dbCTransaction transaction;
-        dbCStatement guardian("SELECT person FROM patientPersons WHERE patient = ? AND kind = 0");
-        guardian.Bind(nRow);
-        const __int64 nGuardian = guardian.Step() ? guardian.Int64(0) : 0;
-        guardian.Reset();
-        dbDeletePerson(nRow);
-        if (nGuardian != 0)
-            dbDeletePerson(nGuardian);
-        transaction.Commit();
-    }
+    dbStep("patientFile.committed");
+    Follow(pszID);
+    const dbCRelaxedCommits relaxed;
+    dbCStatement("DELETE FROM patientFileWork WHERE id = ?").Bind(nRow).Run();
+    dbStep("patientFile.done");
 }
 
 /// Runs a piece of work that is taken up again later when it fails.
-void Attempt(void (*pfnWork)()) noexcept
+template <typename Work> void Attempt(Work work) noexcept
 {
     try
     {
-        pfnWork();
+        work();
     }
     catch (CException* e)
     {
@@ -230,125 +231,83 @@ void Attempt(void (*pfnWork)()) noexcept
 }
 } // namespace
 
-std::string patPatientFileText(const patCPatient& patient)
+std::string patPatientFileText(const patSPatientFile& patient)
 {
-    std::string text = Field(patient.GetLastname(), MAX_HEADER_FIELD) +
-                       Field(patient.GetFirstname(), MAX_HEADER_FIELD) +
-                       Field(patient.GetID(), MAX_HEADER_FIELD) + "\n";
-    for (const patCTimepoint& timepoint : patient.GetTimepoints())
+    std::string text =
+        Field(patient.strLast, MAX_FIELD) + Field(patient.strFirst, MAX_FIELD) + Field(patient.strID, MAX_FIELD) + "\n";
+    for (const patSPatientFile::Timepoint& timepoint : patient.timepoints)
     {
         char szNumbers[120];
-        int nLength = snprintf(szNumbers, sizeof(szNumbers), "%d", timepoint.GetNumber());
-        for (int nGroup = 0; nGroup < patCImageTypes::GROUP_COUNT; ++nGroup)
+        int nLength = snprintf(szNumbers, sizeof(szNumbers), "%d", timepoint.nNumber);
+        for (const DWORD dwBits : timepoint.bits)
             nLength += snprintf(szNumbers + nLength, sizeof(szNumbers) - static_cast<size_t>(nLength),
-                                " %08lx", timepoint.GetImageBits(nGroup));
-        text += Field(szNumbers) + Field(dbDateText(timepoint.GetDate(), true).c_str()) +
-                Field(timepoint.GetName()) + "\n";
+                                " %08lx", dwBits);
+        text += Field(szNumbers) + Field(dbDateText(timepoint.date, true).c_str()) +
+                Field(timepoint.strName) + "\n";
     }
     return text;
 }
 
-void patWritePatientFile(const patCPatient& patient, LPCTSTR pszFolder)
+std::optional<patSPatientFile> patReadPatientFileText(std::string_view text)
+{
+    std::string_view line;
+    std::vector<std::string> fields;
+    if (!NextLine(text, line) || !SplitFields(line, fields) || fields.size() != 3)
+        return std::nullopt;
+    for (const std::string& field : fields)
+        if (field.size() > MAX_FIELD)
+            return std::nullopt;
+    patSPatientFile patient{fields[0].c_str(), fields[1].c_str(), fields[2].c_str(), {}};
+    while (NextLine(text, line))
+    {
+        patSPatientFile::Timepoint timepoint;
+        if (patient.timepoints.size() >= MAX_TIMEPOINTS || !ReadTimepoint(line, timepoint))
+            return std::nullopt;
+        patient.timepoints.push_back(timepoint);
+    }
+    return text.empty() ? std::optional(patient) : std::nullopt;
+}
+
+void patWritePatientFile(const patSPatientFile& patient, LPCTSTR pszFolder)
 {
     const CString strFolder = pszFolder && *pszFolder ? CString(pszFolder) : velGetDataPath();
-    if (strFolder.IsEmpty())
-        return;
-    const CString strPath = PatientFilePath(strFolder, patient);
-    const CString strTemp = WriteBeside(strPath, patPatientFileText(patient));
-    if (!MoveFileExA(strTemp, strPath, MOVEFILE_REPLACE_EXISTING))
-    {
-        const DWORD dwError = GetLastError();
-        DeleteFileA(strTemp);
-        ThrowFileError(dwError, strPath);
-    }
+    if (!strFolder.IsEmpty())
+        WriteText(PatientFilePath(strFolder, patient.strID), patPatientFileText(patient));
 }
 
-void patWritePatientFileAtCommit(const patCPatient& patient)
+void patRequireWorkingFolder()
 {
     const CString strFolder = velGetDataPath();
-    if (strFolder.IsEmpty())
+    if (!strFolder.IsEmpty() && !velFolderExists(strFolder))
+        dbCException::Throw(dbErrIO, strFolder);
+}
+
+void patFollowAtCommit(LPCTSTR pszID)
+{
+    if (velGetDataPath().IsEmpty())
         return;
-    const CString strPath = PatientFilePath(strFolder, patient);
-    const CString strTemp = WriteBeside(strPath, patPatientFileText(patient));
-    dbCTransaction::AtEnd([strTemp] { DeleteFileA(strTemp); },
-                          [strTemp, strPath] {
-                              // A file in use keeps its old content; the next Save or WritePatientFile
-                              // replaces it.
-                              if (!MoveFileExA(strTemp, strPath, MOVEFILE_REPLACE_EXISTING))
-                                  DeleteFileA(strTemp);
-                          });
+    dbCStatement("INSERT INTO patientFileWork (patientID) VALUES (?)").Bind(pszID).Run();
+    dbCTransaction::AtEnd(nullptr, [nRow = dbCConnection::Current().GetLastRow(), strID = CString(pszID)] {
+        Attempt([&] { FollowNoted(nRow, strID); });
+    });
+    dbStep("patientFile.noted");
 }
 
-void patRenameFilesAtCommit(LPCTSTR pszOldID, LPCTSTR pszNewID)
+void patFinishPatientFiles() noexcept
 {
-    const CString strFolder = velGetDataPath();
-    if (strFolder.IsEmpty())
-        return;
-    // Only the letter case differs: on Windows these are the same files, and renaming finds nothing in the
-    // way.
-    const bool bSameFiles = CString(pszOldID).CompareNoCase(pszNewID) == 0;
-    for (const std::string& name : ListFiles(strFolder, pszOldID))
-    {
-        const CString strFrom = strFolder + name.c_str();
-        const CString strTo = strFolder + pszNewID + name.substr(strlen(pszOldID)).c_str();
-        if (!IsFileFree(strFrom))
-            dbCException::Throw(dbErrIO, strFrom);
-        if (!bSameFiles && GetFileAttributesA(strTo) != INVALID_FILE_ATTRIBUTES)
-            dbCException::Throw(dbErrIO, strTo);
-    }
-    dbCStatement("INSERT INTO fileRenames (oldID, newID) VALUES (?, ?)").Bind(pszOldID).Bind(pszNewID).Run();
-    dbCTransaction::AtEnd(nullptr, patFinishFileWork);
-}
-
-void patRequireNoPendingRename(LPCTSTR pszID)
-{
-    dbCStatement query("SELECT 1 FROM fileRenames WHERE oldID = ? COLLATE NOCASE");
-    query.Bind(pszID);
-    if (query.Step())
-        dbCException::Throw(dbErrIO, velGetDataPath() + pszID + ".*");
-}
-
-bool patIsPatientFile(const std::string& name, const std::string& id, bool* pbShared)
-{
-    if (pbShared)
-        *pbShared = false;
-    const auto lower = [](std::string text) {
-        std::transform(text.begin(), text.end(), text.begin(), [](char ch) {
-            return static_cast<char>(ch >= 'A' && ch <= 'Z' ? ch - 'A' + 'a' : ch);
-        });
-        return text;
-    };
-    const std::string file = lower(name);
-    if (id.empty() || file.rfind(lower(id), 0) != 0)
-        return false;
-    const std::string_view rest = std::string_view(file).substr(id.size());
-    constexpr std::string_view morph = ".2dmorph";
-    // With "~": a patient file that a process which has died was about to put in place.
-    if (rest == ".pf" || rest == ".originalpf" || rest.substr(0, 4) == ".pf~")
-        return true;
-    if (rest.size() >= morph.size() && rest.substr(rest.size() - morph.size()) == morph)
-    {
-        if (pbShared)
-            *pbShared = true;
-        return true;
-    }
-    const auto twoDigits = [&](size_t nPos) {
-        return rest.size() >= nPos + 2 && isdigit(static_cast<unsigned char>(rest[nPos])) &&
-               isdigit(static_cast<unsigned char>(rest[nPos + 1]));
-    };
-    if (rest.size() >= 3 && rest[0] == '$')
-        return twoDigits(1); // extras: ID $ number, anything
-    return twoDigits(0) && rest.size() > 3 &&
-           rest[2] == '.'; // images, companions and data files of a timepoint
+    Attempt([] {
+        std::vector<std::pair<__int64, CString>> noted;
+        {
+            dbCStatement query("SELECT id, patientID FROM patientFileWork ORDER BY id");
+            while (query.Step())
+                noted.emplace_back(query.Int64(0), query.Text(1));
+        }
+        for (const auto& [nRow, strID] : noted)
+            Attempt([&] { FollowNoted(nRow, strID); });
+    });
 }
 
 void patRemoveAbandonedTexts() noexcept
 {
     Attempt(RemoveAbandonedTexts);
-}
-
-void patFinishFileWork() noexcept
-{
-    Attempt(FinishRenames);
-    Attempt(FinishDeletions);
 }

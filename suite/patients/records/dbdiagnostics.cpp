@@ -79,7 +79,7 @@ BOOL dbCPatientDiagnosisTreatmentsContainer::HasDiagnostics(LPCTSTR pszTpID)
 BOOL dbCAcPatientsContainer::IsPatientGUIDInUse(LPCTSTR pszGUID)
 {
     dbCStatement query(
-        "SELECT 1 FROM persons p JOIN patients t ON t.person = p.id WHERE p.guid = ? AND t.deleted = 0");
+        "SELECT 1 FROM persons p JOIN patients t ON t.person = p.id WHERE p.guid = ?");
     query.Bind(pszGUID);
     return query.Step();
 }

@@ -59,7 +59,7 @@ void dbCDoctor::Save()
         nRow = query.Int64(0);
     }
     nRow = dbSavePerson(nRow, person);
-    const __int64 nVersion = m_nRowVersion + 1;
+    const __int64 nVersion = dbNextNumber(dbCounter::Versions);
     dbCStatement write(
         bNew ? std::string_view("INSERT INTO doctors (type, treating, lastKey, firstKey, rowVersion, person)"
                                 " VALUES (?, ?, ?, ?, ?, ?)")

@@ -1,7 +1,9 @@
 #include "suite/patients/records/dbpatient.h"
 
 #include "suite/patients/records/dbpatientstore.h"
+#include "suite/patients/files/filework.h"
 #include "suite/patients/files/patientfiles.h"
+#include "suite/patients/store/dbtransaction.h"
 
 #include <algorithm>
 #include <utility>
@@ -194,12 +196,52 @@ void dbCPatient::SetBalance(__int64 nBalance)
 
 BOOL dbCPatient::isDeleted() const
 {
-    dbCStatement query("SELECT t.deleted FROM persons p JOIN patients t ON t.person = p.id WHERE p.guid = ?");
-    query.Bind(m_f.strGUID);
-    return query.Step() ? query.Int(0) != 0 : m_bStored;
+    return m_bStored && dbCPatientStore::FindRow(m_f.strGUID) == 0;
 }
 
 void dbCPatient::WritePatientFile(LPCTSTR pszFolder) const
 {
-    patWritePatientFile(*this, pszFolder);
+    patSPatientFile file{m_f.strLastname, m_f.strFirstname, m_f.strID, {}};
+    for (const patCTimepoint& timepoint : m_timepoints)
+    {
+        patSPatientFile::Timepoint row{timepoint.GetNumber(), timepoint.GetName(), timepoint.GetDate(), {}};
+        for (int nGroup = 0; nGroup < patCImageTypes::GROUP_COUNT; ++nGroup)
+            row.bits[static_cast<size_t>(nGroup)] = timepoint.GetImageBits(nGroup);
+        file.timepoints.push_back(row);
+    }
+    patWritePatientFile(file, pszFolder);
+}
+
+void dbCPatient::DeleteTimepointImages(int nIndex)
+{
+    patCTimepoint& timepoint = m_timepoints.GetAt(nIndex);
+    const auto work = patCFileWork::BeginRemoval(
+        patCFileWork::RemoveFiles, m_strLoadedID,
+        patListFiles(m_strLoadedID, patFileSet::TimepointImages, timepoint.GetNumber()));
+    ChangeTimepoints(*work, [&] {
+        for (int nGroup = 0; nGroup < patCImageTypes::GROUP_COUNT; ++nGroup)
+            timepoint.SetImageBits(nGroup, 0);
+        timepoint.RemoveImageInfos();
+    });
+}
+
+void dbCPatient::DeleteTimepoint(int nIndex)
+{
+    const int nNumber = m_timepoints.GetAt(nIndex).GetNumber();
+    const auto work = patCFileWork::BeginRemoval(patCFileWork::RemoveFiles, m_strLoadedID,
+                                                 patListFiles(m_strLoadedID, patFileSet::Timepoint, nNumber));
+    ChangeTimepoints(*work, [&] { m_timepoints.RemoveAt(nIndex); });
+}
+
+void dbCPatient::ChangeTimepoints(patCFileWork& work, const std::function<void()>& change)
+{
+    dbCTransaction transaction;
+    dbCTransaction::AtEnd([pSelf = std::weak_ptr(m_pSelf), timepoints = m_timepoints] {
+        if (const auto pAlive = pSelf.lock())
+            (*pAlive)->m_timepoints = timepoints;
+    });
+    change();
+    Save();
+    work.Note();
+    transaction.Commit();
 }

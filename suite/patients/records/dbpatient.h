@@ -6,6 +6,7 @@
 #include "suite/patients/records/dbtreatment.h"
 #include "suite/patients/records/patpatient.h"
 
+#include <functional>
 #include <map>
 #include <memory>
 
@@ -48,11 +49,14 @@ public:
     /// is set.
     void SetID(LPCTSTR pszID, BOOL bRenameFiles = TRUE);
 
-    /// Writes everything in one transaction (part of an open dbCTransaction if there is one) and the
-    /// patient's
-    /// ".PF" file with it. A new patient gets a GUID. Throws with code dbErrDuplicateID when the ID is taken,
-    /// dbErrChangedElsewhere when the record was changed or removed since it was loaded, dbErrText,
-    /// dbErrInvalid (empty ID) and the database's own; nothing is then changed, in the database or here.
+    /// Writes everything in one transaction (part of an open dbCTransaction if there is one); the patient's
+    /// ".PF" file follows when it is committed. A new patient gets a GUID. With a new ID a lock that this
+    /// process has on the patient goes along. Throws with code dbErrDuplicateID when the ID is taken,
+    /// dbErrDuplicateGUID, dbErrChangedElsewhere when the record was changed or removed since it was loaded,
+    /// dbErrFilesPending when files under the ID still wait to be renamed or removed, dbErrPatientInUse when
+    /// another user has locked the new ID, dbErrNotFound for a doctor who is gone, dbErrText, dbErrInvalid
+    /// and dbErrReservedID for an ID that cannot be, dbErrIO when the working folder or a file to rename
+    /// cannot be had, and the database's own; nothing is then changed, in the database or here.
     /// `nOptions` as dbSaveOption. Bulk insertion: many Saves inside one dbCTransaction.
     void Save(int nOptions = 0);
 
@@ -158,7 +162,14 @@ public:
     /// Stores a balance at once.
     void SetBalance(__int64 nBalance);
 
-    /// TRUE when the stored record is marked as deleted, or gone.
+    /// Deletes the images of the timepoint at a position (which must be one) with what is recorded about them,
+    /// or the timepoint with all its files and diagnostic records. Stores the patient as Save does, and throws
+    /// what Save throws; also dbErrFilesPending while earlier work on the patient's files is not finished.
+    /// Records and files change together: a file in use goes later, when the database is next opened.
+    void DeleteTimepointImages(int nIndex);
+    void DeleteTimepoint(int nIndex);
+
+    /// TRUE when the record was stored and is no longer there.
     BOOL isDeleted() const;
 
     /// Writes the ".PF" file of the patient as it is here into a folder (the working folder when null or
@@ -166,6 +177,9 @@ public:
     void WritePatientFile(LPCTSTR pszFolder = nullptr) const;
 
 private:
+    /// Changes the timepoints, stores the patient and notes the work on files in one transaction.
+    void ChangeTimepoints(class patCFileWork& work, const std::function<void()>& change);
+
     struct Archive;
     friend struct Archive;
     friend class dbCPatientStore;

@@ -1,14 +1,19 @@
 #include "suite/patients/records/dbpatients.h"
 
-#include "suite/patients/store/dblocks.h"
 #include "suite/patients/records/dbpatientstore.h"
 #include "suite/patients/files/dbplacement.h"
 #include "suite/patients/store/dbschema.h"
 #include "suite/patients/store/dbtext.h"
 #include "suite/patients/store/dbtransaction.h"
-#include "suite/patients/files/patientfile.h"
+#include "suite/patients/records/patientfile.h"
+#include "suite/patients/files/filework.h"
 #include "suite/patients/files/patientfiles.h"
+#include "suite/patients/records/patientfile.h"
+#include "suite/patients/records/patlocks.h"
+#include "suite/patients/records/dbpersonstore.h"
 
+#include <algorithm>
+#include <cstdio>
 #include <utility>
 
 namespace
@@ -30,33 +35,33 @@ std::pair<std::string, std::string> SplitNameSearch(LPCTSTR pszSearch, bool& bCo
     return {dbFold(strSearch.Left(nComma).GetString()), dbFold(strSearch.Mid(nComma + 1).GetString())};
 }
 
-constexpr char KEY_SEPARATOR = '\x01'; // below every character of a folded text
-
 /// A row's place in the order: the index columns, the row number last.
 struct SortKey
 {
     std::string last, first, birth;
     __int64 nRow = 0;
 
+    auto operator<=>(const SortKey&) const = default;
+
+    /// The lengths of the parts stand in front: names may hold any character.
     CString ToText() const
     {
-        const std::string text =
-            last + KEY_SEPARATOR + first + KEY_SEPARATOR + birth + KEY_SEPARATOR + std::to_string(nRow);
+        const std::string text = std::to_string(last.size()) + ' ' + std::to_string(first.size()) + ' ' +
+                                 std::to_string(nRow) + ' ' + last + first + birth;
         return text.c_str();
     }
 
     static SortKey FromText(const CString& strText)
     {
-        std::array<std::string, 4> parts;
-        size_t nPart = 0;
-        for (const char ch : std::string(strText.GetString()))
-        {
-            if (ch == KEY_SEPARATOR && nPart < 3)
-                ++nPart;
-            else
-                parts[nPart] += ch;
-        }
-        return {parts[0], parts[1], parts[2], _atoi64(parts[3].c_str())};
+        size_t nLast = 0, nFirst = 0;
+        long long nRow = 0;
+        int nHeader = 0;
+        if (sscanf(strText, "%zu %zu %lld%n", &nLast, &nFirst, &nRow, &nHeader) != 3)
+            return {};
+        const std::string parts = strText.Mid(nHeader + 1).GetString();
+        if (nLast > parts.size() || nFirst > parts.size() - nLast)
+            return {};
+        return {parts.substr(0, nLast), parts.substr(nLast, nFirst), parts.substr(nLast + nFirst), nRow};
     }
 };
 
@@ -64,7 +69,7 @@ void CloseCurrent()
 {
     if (!dbCConnection::CurrentOrNull())
         return;
-    dbReleaseOwnLocks();
+    patReleaseOwnLocks();
     dbCConnection::SetCurrent(nullptr);
 }
 } // namespace
@@ -80,7 +85,8 @@ void dbCPatients::Open(LPCTSTR pszPath)
     dbCFilePlacement::RemoveAbandoned();
     patCEarlierFile::RestoreAbandoned();
     patRemoveAbandonedTexts();
-    patFinishFileWork();
+    patCFileWork::FinishAll();
+    patFinishPatientFiles();
 }
 
 void dbCPatients::Create(LPCTSTR pszPath)
@@ -157,13 +163,13 @@ BOOL dbCPatients::IsIDFree(LPCTSTR pszID)
 {
     dbCStatement query("SELECT 1 FROM patients WHERE patientID = ?");
     query.Bind(pszID);
-    return !query.Step();
+    return !query.Step() && !patCFileWork::IsPending(pszID);
 }
 
 BOOL dbCPatients::FindSimilar(LPCTSTR pszFirst, LPCTSTR pszLast, const velCDate& dateBirth, CString* pstrGUID)
 {
     dbCStatement query("SELECT p.guid FROM patients t JOIN persons p ON p.id = t.person WHERE t.lastKey = ?"
-                       " AND t.firstKey = ? AND t.birthKey = ? AND t.deleted = 0 ORDER BY t.person LIMIT 1");
+                       " AND t.firstKey = ? AND t.birthKey = ? ORDER BY t.person LIMIT 1");
     query.BindUtf8(dbFold(pszLast)).BindUtf8(dbFold(pszFirst)).BindUtf8(dbDateText(dateBirth, false));
     if (!query.Step())
         return FALSE;
@@ -175,7 +181,7 @@ BOOL dbCPatients::FindSimilar(LPCTSTR pszFirst, LPCTSTR pszLast, const velCDate&
 BOOL dbCPatients::FindID(LPCTSTR pszID, CString& strGUID)
 {
     dbCStatement query("SELECT p.guid FROM patients t JOIN persons p ON p.id = t.person"
-                       " WHERE t.patientID = ? AND t.deleted = 0");
+                       " WHERE t.patientID = ?");
     query.Bind(pszID);
     if (!query.Step())
         return FALSE;
@@ -188,7 +194,7 @@ BOOL dbCPatients::FindVeltrixID(LPCTSTR pszVeltrixID, CString& strGUID)
     if (!pszVeltrixID || !*pszVeltrixID)
         return FALSE;
     dbCStatement query("SELECT p.guid FROM patients t JOIN persons p ON p.id = t.person"
-                       " WHERE t.veltrixID = ? AND t.veltrixID <> '' AND t.deleted = 0");
+                       " WHERE t.veltrixID = ? AND t.veltrixID <> ''");
     query.Bind(pszVeltrixID);
     if (!query.Step())
         return FALSE;
@@ -199,36 +205,34 @@ BOOL dbCPatients::FindVeltrixID(LPCTSTR pszVeltrixID, CString& strGUID)
 int dbCPatients::GetPage(dbPatientSearch nBy, LPCTSTR pszSearch, const dbSPatientListRow* pAfter, int nMax,
                          dbTList<dbSPatientListRow>& rows)
 {
+    // One lower bound, so that the index takes it: where the search begins or where the last page ended.
     static constexpr std::string_view BY_NAME =
-        "SELECT t.person, p.guid, t.patientID, p.lastName, p.firstName, p.birthDate, t.lastKey, t.firstKey, "
-        "t.birthKey"
-        " FROM patients t JOIN persons p ON p.id = t.person WHERE t.deleted = 0 AND t.lastKey >= ? AND "
-        "t.lastKey < ?"
-        " AND t.firstKey >= ? AND t.firstKey < ? AND (t.lastKey, t.firstKey, t.birthKey, t.person) > (?, ?, "
-        "?, ?)"
+        "SELECT t.person, p.guid, t.patientID, p.lastName, p.firstName, p.birthDate, t.lastKey, t.firstKey,"
+        " t.birthKey FROM patients t JOIN persons p ON p.id = t.person"
+        " WHERE (t.lastKey, t.firstKey, t.birthKey, t.person) > (?, ?, ?, ?) AND t.lastKey < ?"
+        " AND t.firstKey >= ? AND t.firstKey < ?"
         " ORDER BY t.lastKey, t.firstKey, t.birthKey, t.person LIMIT ?";
-    static constexpr std::string_view BY_ID = "SELECT t.person, p.guid, t.patientID, p.lastName, "
-                                              "p.firstName, p.birthDate, t.lastKey, t.firstKey, t.birthKey"
-                                              " FROM patients t JOIN persons p ON p.id = t.person WHERE "
-                                              "t.deleted = 0 AND t.patientID >= ? AND t.patientID < ?"
-                                              " AND t.patientID > ? ORDER BY t.patientID LIMIT ?";
+    static constexpr std::string_view BY_ID =
+        "SELECT t.person, p.guid, t.patientID, p.lastName, p.firstName, p.birthDate, t.lastKey, t.firstKey,"
+        " t.birthKey FROM patients t JOIN persons p ON p.id = t.person"
+        " WHERE t.patientID >= ? AND t.patientID < ? AND t.patientID <> ? ORDER BY t.patientID LIMIT ?";
 
     dbCStatement query(nBy == dbSearchID ? BY_ID : BY_NAME);
     if (nBy == dbSearchID)
     {
         const std::string prefix = dbToUtf8(pszSearch);
-        query.BindUtf8(prefix)
-            .BindUtf8(EndOfPrefix(prefix))
-            .Bind(pAfter ? pAfter->strID.GetString() : "")
-            .Bind(nMax);
+        const std::string after = pAfter ? dbToUtf8(pAfter->strID.GetString()) : std::string();
+        query.BindUtf8(std::max(prefix, after)).BindUtf8(EndOfPrefix(prefix)).BindUtf8(after).Bind(nMax);
     }
     else
     {
         bool bComma = false;
         const auto [last, first] = SplitNameSearch(pszSearch, bComma);
-        query.BindUtf8(last).BindUtf8(EndOfPrefix(last)).BindUtf8(first).BindUtf8(EndOfPrefix(first));
-        const SortKey after = pAfter ? SortKey::FromText(pAfter->strSortKey) : SortKey();
-        query.BindUtf8(after.last).BindUtf8(after.first).BindUtf8(after.birth).Bind(after.nRow).Bind(nMax);
+        SortKey after{last, first, {}, 0};
+        if (pAfter)
+            after = std::max(after, SortKey::FromText(pAfter->strSortKey));
+        query.BindUtf8(after.last).BindUtf8(after.first).BindUtf8(after.birth).Bind(after.nRow);
+        query.BindUtf8(EndOfPrefix(last)).BindUtf8(first).BindUtf8(EndOfPrefix(first)).Bind(nMax);
     }
     int nRead = 0;
     for (; query.Step(); ++nRead)
@@ -253,13 +257,13 @@ int dbCPatients::GetCount(dbPatientSearch nBy, LPCTSTR pszSearch)
     {
         const std::string prefix = dbToUtf8(pszSearch);
         dbCStatement query(
-            "SELECT count(*) FROM patients WHERE deleted = 0 AND patientID >= ? AND patientID < ?");
+            "SELECT count(*) FROM patients WHERE patientID >= ? AND patientID < ?");
         query.BindUtf8(prefix).BindUtf8(EndOfPrefix(prefix)).Step();
         return query.Int(0);
     }
     bool bComma = false;
     const auto [last, first] = SplitNameSearch(pszSearch, bComma);
-    dbCStatement query("SELECT count(*) FROM patients WHERE deleted = 0 AND lastKey >= ? AND lastKey < ?"
+    dbCStatement query("SELECT count(*) FROM patients WHERE lastKey >= ? AND lastKey < ?"
                        " AND firstKey >= ? AND firstKey < ?");
     query.BindUtf8(last).BindUtf8(EndOfPrefix(last)).BindUtf8(first).BindUtf8(EndOfPrefix(first)).Step();
     return query.Int(0);
@@ -286,20 +290,35 @@ int dbCPatients::Get_tpID(LPCTSTR pszPatientID, int nIndex, CString& strTpID)
 
 // Adding and removing
 
-void dbCPatients::DeletePatient(LPCTSTR pszIDOrGUID)
+void dbCPatients::DeletePatient(LPCTSTR pszIDOrGUID, const patFileStates* pFiles)
 {
+    CString strID, strGUID;
+    {
+        dbCStatement query(IsGUID(pszIDOrGUID)
+                               ? std::string_view("SELECT t.patientID, p.guid FROM patients t JOIN persons p ON"
+                                                  " p.id = t.person WHERE p.guid = ?")
+                               : std::string_view("SELECT t.patientID, p.guid FROM patients t JOIN persons p ON"
+                                                  " p.id = t.person WHERE t.patientID = ?"));
+        query.Bind(pszIDOrGUID);
+        if (!query.Step())
+            dbCException::Throw(dbErrNotFound, pszIDOrGUID);
+        strID = query.Text(0);
+        strGUID = query.Text(1);
+    }
+    const auto work = patCFileWork::BeginRemoval(patCFileWork::RemovePatient, strID,
+                                                 pFiles ? *pFiles : patListFiles(strID));
     dbCTransaction transaction;
-    dbCStatement mark(
-        IsGUID(pszIDOrGUID)
-            ? std::string_view(
-                  "UPDATE patients SET deleted = 1, rowVersion = rowVersion + 1 WHERE deleted = 0"
-                  " AND person = (SELECT id FROM persons WHERE guid = ?)")
-            : std::string_view(
-                  "UPDATE patients SET deleted = 1, rowVersion = rowVersion + 1 WHERE deleted = 0"
-                  " AND patientID = ?"));
-    mark.Bind(pszIDOrGUID).Run();
-    if (dbCConnection::Current().GetChanges() == 0)
-        dbCException::Throw(dbErrNotFound, pszIDOrGUID);
-    dbCTransaction::AtEnd(nullptr, patFinishFileWork);
+    dbCStatement query("SELECT t.person, a.person FROM patients t JOIN persons p ON p.id = t.person"
+                       " LEFT JOIN patientPersons a ON a.patient = t.person AND a.kind = ?"
+                       " WHERE p.guid = ? AND t.patientID = ?");
+    query.Bind(dbPersonGuardian).Bind(strGUID).Bind(strID);
+    if (!query.Step())
+        dbCException::Throw(dbErrChangedElsewhere, strID);
+    const __int64 nRow = query.Int64(0), nGuardian = query.Int64(1);
+    query.Reset();
+    dbDeletePerson(nRow);
+    if (nGuardian != 0)
+        dbDeletePerson(nGuardian);
+    work->Note();
     transaction.Commit();
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "suite/patients/files/filestate.h"
 #include "suite/patients/records/dbpatient.h"
 
 /// Answers of the lock calls.
@@ -79,7 +80,8 @@ public:
 
     static BOOL IsGUID(LPCTSTR psz);
 
-    /// TRUE when no patient has this ID in any letter case.
+    /// TRUE when no patient has this ID in any letter case, and no files of one that had it are waiting to be
+    /// renamed or removed.
     virtual BOOL IsIDFree(LPCTSTR pszID);
     /// TRUE when a patient with this given name, family name (any letter case, blanks at the ends ignored)
     /// and birth date exists; an empty date finds only patients without one. `pstrGUID` receives the first
@@ -108,9 +110,11 @@ public:
     /// written.
     BOOL AddFromArchive(dbCPatient& patient);
 
-    /// Removes a patient with everything stored about it and its files in the working folder. The removal is
-    /// lasting once the record is marked; files that cannot be removed then are removed when the database is
-    /// next opened. Throws with code dbErrNotFound when there is no such patient. Within a dbCTransaction it
-    /// is part of it.
-    void DeletePatient(LPCTSTR pszIDOrGUID);
+    /// Removes a patient with everything stored about it and its files in the working folder: all of them, or
+    /// exactly those of `pFiles` that still have the size and time given there. The removal is lasting once the
+    /// record is gone; the ID stays taken until the last file is, and a file in use goes when the database is
+    /// next opened. Throws with code dbErrNotFound when there is no such patient, dbErrFilesPending while
+    /// earlier work on its files is not finished, dbErrIO when the folder cannot be read. Within a
+    /// dbCTransaction it is part of it.
+    void DeletePatient(LPCTSTR pszIDOrGUID, const patFileStates* pFiles = nullptr);
 };

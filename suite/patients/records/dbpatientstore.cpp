@@ -4,7 +4,9 @@
 #include "suite/patients/records/dbpersonstore.h"
 #include "suite/patients/store/dbtext.h"
 #include "suite/patients/store/dbtransaction.h"
+#include "suite/patients/files/filework.h"
 #include "suite/patients/files/patientfiles.h"
+#include "suite/patients/records/patlocks.h"
 
 #include <map>
 #include <string>
@@ -21,12 +23,17 @@ constexpr const char* FIND_DOCTOR =
     "SELECT d.person FROM doctors d JOIN persons p ON p.id = d.person WHERE p.guid = ?";
 constexpr const char* FIND_TREATMENT = "SELECT id FROM treatmentHistory WHERE guid = ?";
 
-__int64 RequiredDoctor(LPCTSTR pszGUID)
+/// Whether a file named so, with whatever extension, is a device to Windows.
+bool IsDeviceName(const CString& strID)
 {
-    const __int64 nRow = dbFindListRow(FIND_DOCTOR, pszGUID);
-    if (nRow == 0)
-        dbCException::Throw(dbErrNotFound, pszGUID);
-    return nRow;
+    CString strName = strID.SpanExcluding(".");
+    strName.TrimRight();
+    strName.MakeUpper();
+    for (const char* psz : {"CON", "PRN", "AUX", "NUL"})
+        if (strName == psz)
+            return true;
+    return strName.GetLength() == 4 && (strName.Left(3) == "COM" || strName.Left(3) == "LPT") &&
+           isdigit(static_cast<unsigned char>(strName[3]));
 }
 
 __int64 AttachedPerson(__int64 nPatientRow, int nKind)
@@ -46,6 +53,14 @@ __int64 dbFindListRow(const char* pszSql, LPCTSTR pszGUID)
     return query.Step() ? query.Int64(0) : 0;
 }
 
+__int64 dbRequireDoctor(LPCTSTR pszGUID)
+{
+    const __int64 nRow = dbFindListRow(FIND_DOCTOR, pszGUID);
+    if (nRow == 0)
+        dbCException::Throw(dbErrNotFound, pszGUID);
+    return nRow;
+}
+
 __int64 dbCPatientStore::FindRow(LPCTSTR pszGUID)
 {
     return dbFindListRow("SELECT t.person FROM patients t JOIN persons p ON p.id = t.person WHERE p.guid = ?",
@@ -60,6 +75,8 @@ void dbCPatientStore::CheckID(const CString& strID)
         bValid = bValid && static_cast<unsigned char>(strID[i]) >= ' ';
     if (!bValid)
         dbCException::Throw(dbErrInvalid, "ID \"" + strID.Left(60) + "\"");
+    if (IsDeviceName(strID))
+        dbCException::Throw(dbErrReservedID, strID);
 }
 
 // Load
@@ -71,13 +88,13 @@ BOOL dbCPatientStore::Load(dbCPatient& patient, LPCTSTR pszIDOrGUID, BOOL bByID,
         "s.guid,"
         " t.veltrixID, t.norm, t.recordDate, t.rowVersion FROM persons p JOIN patients t ON t.person = p.id"
         " LEFT JOIN offices o ON o.id = t.office LEFT JOIN statuses s ON s.id = t.status"
-        " WHERE p.guid = ? AND t.deleted = 0";
+        " WHERE p.guid = ?";
     static constexpr std::string_view BY_ID =
         "SELECT t.person, t.patientID, t.genderIdentity, t.race, t.modelNumber, t.keywords, t.teeth, o.guid, "
         "s.guid,"
         " t.veltrixID, t.norm, t.recordDate, t.rowVersion FROM patients t"
         " LEFT JOIN offices o ON o.id = t.office LEFT JOIN statuses s ON s.id = t.status"
-        " WHERE t.patientID = ? AND t.deleted = 0";
+        " WHERE t.patientID = ?";
 
     const dbCReadScope scope;
     const BOOL bIsGUID = dbCPatients::IsGUID(pszIDOrGUID);
@@ -188,6 +205,16 @@ void dbCPatientStore::LoadTimepoints(dbCPatient& patient, __int64 nRow)
 void dbCPatientStore::Save(dbCPatient& patient, int nOptions)
 {
     CheckID(patient.m_f.strID);
+    const bool bNew = !patient.m_bStored;
+    const bool bRenamed = !bNew && patient.m_strLoadedID != patient.m_f.strID;
+    // What has to look at files does so before the others have to wait.
+    patRequireWorkingFolder();
+    std::shared_ptr<patCFileWork> pRename;
+    if (bNew)
+        patCFileWork::RequireNonePending(patient.m_f.strID);
+    else if (bRenamed && patient.m_bRenameFiles)
+        pRename = patCFileWork::BeginRename(patient.m_strLoadedID, patient.m_f.strID);
+
     dbCTransaction transaction;
 
     // What Save changes in the object is put back when the transaction, or one around it, is rolled back.
@@ -204,18 +231,27 @@ void dbCPatientStore::Save(dbCPatient& patient, int nOptions)
         }
     });
 
-    const bool bNew = !patient.m_bStored;
     if (bNew && patient.m_f.strGUID.IsEmpty())
         patient.m_f.strGUID = dbNewGUID();
     __int64 nRow = bNew ? 0 : CheckVersion(patient);
     nRow = dbSavePerson(nRow, OwnPerson(patient));
-    patient.m_nRowVersion = bNew ? 1 : patient.m_nRowVersion + 1;
+    patient.m_nRowVersion = dbNextNumber(dbCounter::Versions);
     WritePatientRow(patient, nRow, bNew);
     SavePersons(patient, nRow);
     SaveInsurances(patient, nRow);
     dbSaveReferrals(patient.m_referrals, nRow);
     SaveTimepoints(patient, nRow, bNew);
-    SaveFiles(patient, bNew, nOptions);
+    if (bNew || bRenamed)
+        patCFileWork::RequireNonePending(patient.m_f.strID);
+    if (bRenamed)
+        patMoveLock(patient.m_strLoadedID, patient.m_f.strID);
+    if (pRename)
+    {
+        pRename->Note();
+        patFollowAtCommit(patient.m_strLoadedID);
+    }
+    if (pRename || !(nOptions & dbSaveWithoutFile))
+        patFollowAtCommit(patient.m_f.strID);
     patient.m_strLoadedID = patient.m_f.strID;
     patient.m_bStored = TRUE;
     transaction.Commit();
@@ -224,7 +260,7 @@ void dbCPatientStore::Save(dbCPatient& patient, int nOptions)
 __int64 dbCPatientStore::CheckVersion(const dbCPatient& patient)
 {
     dbCStatement query("SELECT t.person FROM persons p JOIN patients t ON t.person = p.id"
-                       " WHERE p.guid = ? AND t.rowVersion = ? AND t.deleted = 0");
+                       " WHERE p.guid = ? AND t.rowVersion = ?");
     query.Bind(patient.m_f.strGUID).Bind(patient.m_nRowVersion);
     if (!query.Step())
         dbCException::Throw(dbErrChangedElsewhere, patient.m_f.strID);
@@ -284,7 +320,7 @@ void dbCPatientStore::SavePersons(const dbCPatient& patient, __int64 nRow)
     dbCStatement insert("INSERT INTO patientPersons (patient, kind, person) VALUES (?, ?, ?)");
     for (const auto& [nKind, person] : patient.m_persons)
         if (nKind != dbPersonGuardian)
-            insert.Bind(nRow).Bind(nKind).Bind(RequiredDoctor(person.GetPersonGUID())).Run();
+            insert.Bind(nRow).Bind(nKind).Bind(dbRequireDoctor(person.GetPersonGUID())).Run();
 }
 
 void dbCPatientStore::SaveGuardian(const dbCPatient& patient, __int64 nRow)
@@ -393,15 +429,4 @@ void dbCPatientStore::SaveTimepoints(dbCPatient& patient, __int64 nRow, bool bNe
     }
     for (const auto& [guid, nRemoved] : stored)
         dbCStatement("DELETE FROM timepoints WHERE id = ?").Bind(nRemoved).Run();
-}
-
-void dbCPatientStore::SaveFiles(dbCPatient& patient, bool bNew, int nOptions)
-{
-    const bool bRenamed = !bNew && patient.m_strLoadedID != patient.m_f.strID;
-    if (bNew || bRenamed)
-        patRequireNoPendingRename(patient.m_f.strID);
-    if (bRenamed && patient.m_bRenameFiles)
-        patRenameFilesAtCommit(patient.m_strLoadedID, patient.m_f.strID);
-    if (!(nOptions & dbSaveWithoutFile))
-        patWritePatientFileAtCommit(patient);
 }

@@ -12,7 +12,7 @@ public:
     static BOOL Load(dbCPatient& patient, LPCTSTR pszIDOrGUID, BOOL bByID, BOOL bByGUID);
     static void Save(dbCPatient& patient, int nOptions);
 
-    /// Row of a patient, marked as deleted or not; 0 when there is none.
+    /// Row of a patient; 0 when there is none.
     static __int64 FindRow(LPCTSTR pszGUID);
 
     /// Throws dbErrInvalid unless the text can be a patient ID and so part of file names.
@@ -29,7 +29,6 @@ private:
     static void SaveGuardian(const dbCPatient& patient, __int64 nRow);
     static void SaveInsurances(const dbCPatient& patient, __int64 nRow);
     static void SaveTimepoints(dbCPatient& patient, __int64 nRow, bool bNew);
-    static void SaveFiles(dbCPatient& patient, bool bNew, int nOptions);
     static dbCPerson OwnPerson(const dbCPatient& patient);
 };
 
@@ -39,3 +38,6 @@ void dbSaveReferrals(dbCPatientReferralsContainer& referrals, __int64 nPatientRo
 
 /// Row number behind a GUID of a table of the practice's lists; 0 for an empty or unknown GUID.
 __int64 dbFindListRow(const char* pszSql, LPCTSTR pszGUID);
+
+/// Row of a doctor who is referred to; throws dbErrNotFound when there is none with this GUID.
+__int64 dbRequireDoctor(LPCTSTR pszGUID);

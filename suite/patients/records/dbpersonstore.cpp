@@ -92,10 +92,10 @@ __int64 dbSavePerson(__int64 nRow, const dbCPerson& person)
     {
         dbCStatement insert(
             "INSERT INTO persons (title, firstName, lastName, nickname, salutation, email, notes,"
-            " birthDate, gender, guid) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
+            " birthDate, gender, guid, id) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
         bindFields(insert);
-        insert.Bind(person.GetPersonGUID()).Run();
-        nRow = dbCConnection::Current().GetLastRow();
+        nRow = dbNextNumber(dbCounter::Persons);
+        insert.Bind(person.GetPersonGUID()).Bind(nRow).Run();
     }
     else
     {

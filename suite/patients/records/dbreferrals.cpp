@@ -1,7 +1,6 @@
 #include "suite/patients/records/dbreferrals.h"
 
 #include "suite/patients/records/dbpatientstore.h"
-#include "suite/patients/store/dbtransaction.h"
 
 void dbCPatientReferralsRow::Set_doctor(LPCTSTR pszFirst, LPCTSTR pszLast, LPCTSTR pszEmail)
 {
@@ -40,17 +39,6 @@ void dbCPatientReferralsContainer::UpdateDocID(int nIndex, LPCTSTR pszDoctorGUID
     row.Set_doctor("", "", "");
 }
 
-void dbCPatientReferralsContainer::Save(LPCTSTR pszPatientGUID)
-{
-    dbCTransaction transaction;
-    const __int64 nRow = dbCPatientStore::FindRow(pszPatientGUID);
-    if (nRow == 0)
-        dbCException::Throw(dbErrNotFound, pszPatientGUID);
-    dbSaveReferrals(*this, nRow);
-    dbCStatement("UPDATE patients SET rowVersion = rowVersion + 1 WHERE person = ?").Bind(nRow).Run();
-    transaction.Commit();
-}
-
 void dbLoadReferrals(dbCPatientReferralsContainer& referrals, __int64 nPatientRow)
 {
     dbCStatement query(
@@ -74,9 +62,7 @@ void dbSaveReferrals(dbCPatientReferralsContainer& referrals, __int64 nPatientRo
 {
     dbCStatement("DELETE FROM referrals WHERE patient = ?").Bind(nPatientRow).Run();
     dbCStatement insert("INSERT INTO referrals (guid, patient, position, doctor, type, date, note)"
-                        " VALUES (?, ?, ?, (SELECT d.person FROM persons p JOIN doctors d ON d.person = p.id "
-                        "WHERE p.guid = ?),"
-                        " ?, ?, ?)");
+                        " VALUES (?, ?, ?, ?, ?, ?, ?)");
     int nPosition = 0;
     for (dbCPatientReferralsRow& row : referrals)
     {
@@ -85,7 +71,7 @@ void dbSaveReferrals(dbCPatientReferralsContainer& referrals, __int64 nPatientRo
         insert.Bind(row.Get_refID())
             .Bind(nPatientRow)
             .Bind(nPosition++)
-            .Bind(row.Get_docID())
+            .Bind(dbRequireDoctor(row.Get_docID()))
             .Bind(row.Get_type());
         insert.BindDate(row.Get_date()).Bind(row.Get_note()).Run();
     }

@@ -72,7 +72,7 @@ private:
 };
 
 /// A patient's referrals in their order; the first is the one that stands for "the" referring doctor. Changes
-/// are kept here until Save, or until the patient that owns the container is saved.
+/// are kept here until the patient that owns the container is saved.
 class VELPAT_API dbCPatientReferralsContainer : public dbTList<dbCPatientReferralsRow>
 {
 public:
@@ -85,7 +85,4 @@ public:
 
     /// Gives a row another doctor.
     void UpdateDocID(int nIndex, LPCTSTR pszDoctorGUID);
-
-    /// Writes the rows as the patient's referrals in one transaction.
-    void Save(LPCTSTR pszPatientGUID);
 };

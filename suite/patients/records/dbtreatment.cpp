@@ -1,6 +1,7 @@
 #include "suite/patients/records/dbtreatment.h"
 
 #include "suite/patients/store/dbcore.h"
+#include "suite/patients/store/dbtransaction.h"
 
 dbCTreatmentStatusContainer::dbCTreatmentStatusContainer(BOOL bActiveOnly)
 {
@@ -81,6 +82,15 @@ BOOL dbCTimepointsContainer::LoadByPatID(LPCTSTR pszPatientGUID, int nInactive)
 
 BOOL dbCTimepointsContainer::Reactivate(LPCTSTR pszTpID)
 {
+    dbCTransaction transaction;
     dbCStatement("UPDATE timepoints SET active = 1 WHERE guid = ?").Bind(pszTpID).Run();
-    return dbCConnection::Current().GetChanges() > 0;
+    if (dbCConnection::Current().GetChanges() == 0)
+        return FALSE;
+    // Whoever has loaded the patient before would make it inactive again.
+    dbCStatement("UPDATE patients SET rowVersion = ? WHERE person = (SELECT patient FROM timepoints WHERE guid = ?)")
+        .Bind(dbNextNumber(dbCounter::Versions))
+        .Bind(pszTpID)
+        .Run();
+    transaction.Commit();
+    return TRUE;
 }

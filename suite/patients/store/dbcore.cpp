@@ -57,9 +57,10 @@ dbError ErrorFromSqlite(sqlite3* pDb, int nResult, const std::string& message)
     case SQLITE_CONSTRAINT:
         if (nResult == SQLITE_CONSTRAINT_FOREIGNKEY)
             return dbErrInUse;
-        if (message.find("patients.patientID") != std::string::npos ||
-            message.find("persons.guid") != std::string::npos)
+        if (message.find("patients.patientID") != std::string::npos)
             return dbErrDuplicateID;
+        if (message.find("persons.guid") != std::string::npos)
+            return dbErrDuplicateGUID;
         return dbErrInvalid;
     default:
         return dbErrInternal;
@@ -404,6 +405,30 @@ dbCReadScope::~dbCReadScope()
 {
     if (m_bOwn && !sqlite3_get_autocommit(m_connection.GetHandle()))
         sqlite3_exec(m_connection.GetHandle(), "ROLLBACK", nullptr, nullptr, nullptr);
+}
+
+// dbCRelaxedCommits
+
+dbCRelaxedCommits::dbCRelaxedCommits()
+    : m_connection(dbCConnection::Current()), m_bOwn(m_connection.GetLevel() == 0)
+{
+    if (m_bOwn)
+        m_connection.Execute("PRAGMA synchronous = NORMAL");
+}
+
+dbCRelaxedCommits::~dbCRelaxedCommits()
+{
+    if (m_bOwn)
+        sqlite3_exec(m_connection.GetHandle(), "PRAGMA synchronous = FULL", nullptr, nullptr, nullptr);
+}
+
+__int64 dbNextNumber(dbCounter counter)
+{
+    dbCStatement next("UPDATE counters SET last = last + 1 WHERE name = ? RETURNING last");
+    next.Bind(counter == dbCounter::Persons ? "persons" : "versions");
+    if (!next.Step())
+        dbCException::Throw(dbErrCorrupt, "counters");
+    return next.Int64(0);
 }
 
 // Dates

@@ -164,6 +164,31 @@ private:
     bool m_bOwn;
 };
 
+/// For work that can be done again after a power failure: while it lives, a commit does not wait until the disk
+/// has it. Nothing happens inside a transaction.
+class dbCRelaxedCommits
+{
+public:
+    dbCRelaxedCommits();
+    ~dbCRelaxedCommits();
+    dbCRelaxedCommits(const dbCRelaxedCommits&) = delete;
+    dbCRelaxedCommits& operator=(const dbCRelaxedCommits&) = delete;
+
+private:
+    dbCConnection& m_connection;
+    bool m_bOwn;
+};
+
+/// What is counted over the whole life of a database.
+enum class dbCounter
+{
+    Persons, ///< row numbers of persons, and so of patients and doctors
+    Versions ///< versions of records
+};
+
+/// The next number of a counter; none is ever given twice. Inside a transaction.
+__int64 dbNextNumber(dbCounter counter);
+
 /// A date as the database writes it ("YYYY-MM-DD"), empty when not set; and the way back.
 std::string dbDateText(const COleDateTime& date, bool bWithTime);
 velCDate dbDateFromText(std::string_view text);

@@ -14,7 +14,7 @@ enum dbError
     dbErrCorrupt = 6,           ///< the file is damaged or is no database at all
     dbErrNotPatients = 7,       ///< a database, but not one of patients
     dbErrNewerVersion = 8,      ///< written by a newer version of the program
-    dbErrDuplicateID = 9,       ///< the patient ID (in any letter case) or the GUID is taken
+    dbErrDuplicateID = 9,       ///< the patient ID (in any letter case) is taken
     dbErrChangedElsewhere = 10, ///< the record was changed or deleted by someone else since it was loaded
     dbErrText = 11,             ///< text with characters that cannot be converted
     dbErrDiskFull = 12,         ///< no space left
@@ -22,7 +22,12 @@ enum dbError
     dbErrInUse = 14,            ///< the record is still used by others and cannot be deleted
     dbErrNotFound = 15,         ///< a record that must exist does not
     dbErrInvalid = 16, ///< an argument that cannot be stored (empty ID, over-long text, bad reference)
-    dbErrInternal = 17 ///< anything else; the detail tells
+    dbErrInternal = 17,     ///< anything else; the detail tells
+    dbErrDuplicateGUID = 18, ///< another record has the GUID
+    dbErrFilesPending = 19,  ///< files under this ID still wait to be renamed or removed
+    dbErrPatientInUse = 20,  ///< another user has locked the patient; the detail is the user's name
+    dbErrReservedID = 21,    ///< an ID under which Windows makes no files (CON, AUX, ...)
+    dbErrNetwork = 22        ///< the file lies on another computer and is in use in a way that only that allows
 };
 
 /// Thrown by pointer, as the framework's exceptions are: catch, report, Delete.

@@ -151,7 +151,44 @@ CREATE INDEX timepointNamesByPosition ON timepointNames (position);
 // Why a transfer waits or has failed, for the user.
 constexpr const char* TRANSFER_REASONS = "ALTER TABLE raskoTasks ADD COLUMN reason TEXT NOT NULL DEFAULT ''";
 
-constexpr dbSMigration STEPS[] = {{VERSION_1}, {VERSION_2}, {TIMEPOINT_NAMES}, {TRANSFER_REASONS}};
+// Row numbers and row versions are counted, so that none is ever used twice. What has to happen to files after
+// a commit stands in a journal of its own, and a removed patient's record goes with the commit.
+constexpr const char* JOURNAL = R"sql(
+CREATE TABLE counters (name TEXT PRIMARY KEY, last INTEGER NOT NULL) WITHOUT ROWID;
+INSERT INTO counters SELECT 'persons', coalesce(max(id), 0) FROM persons;
+INSERT INTO counters SELECT 'versions', coalesce(max(rowVersion), 0)
+    FROM (SELECT rowVersion FROM patients UNION ALL SELECT rowVersion FROM doctors);
+
+-- kind as patCFileWork::Kind; claim: the life token of the process that is at it, empty for none; listed: the
+-- names are complete. A file whose size and time are given is touched only while it has them.
+CREATE TABLE fileWork (
+    id INTEGER PRIMARY KEY AUTOINCREMENT, kind INTEGER NOT NULL, patientID TEXT NOT NULL COLLATE NOCASE,
+    newID TEXT NOT NULL COLLATE NOCASE, claim TEXT NOT NULL, listed INTEGER NOT NULL);
+CREATE TABLE fileWorkNames (
+    work INTEGER NOT NULL REFERENCES fileWork ON DELETE CASCADE, name TEXT NOT NULL COLLATE NOCASE, size INTEGER,
+    written INTEGER, PRIMARY KEY (work, name)) WITHOUT ROWID;
+CREATE INDEX fileWorkNamesByName ON fileWorkNames (name);
+-- IDs whose ".PF" file has to be brought in line with the record.
+CREATE TABLE patientFileWork (id INTEGER PRIMARY KEY AUTOINCREMENT, patientID TEXT NOT NULL);
+
+INSERT INTO fileWork (kind, patientID, newID, claim, listed) SELECT 1, oldID, newID, '', 0 FROM fileRenames
+    ORDER BY id;
+INSERT INTO fileWork (kind, patientID, newID, claim, listed) SELECT 2, patientID, '', '', 0 FROM patients
+    WHERE deleted <> 0;
+DROP TABLE fileRenames;
+CREATE TEMP TABLE removed AS SELECT person AS id FROM patients WHERE deleted <> 0 UNION
+    SELECT a.person FROM patientPersons a JOIN patients p ON p.person = a.patient
+    WHERE p.deleted <> 0 AND a.kind = 0;
+DELETE FROM patients WHERE deleted <> 0;
+DELETE FROM persons WHERE id IN (SELECT id FROM removed);
+DROP TABLE removed;
+DROP INDEX patientsByName;
+DROP INDEX patientsDeleted;
+ALTER TABLE patients DROP COLUMN deleted;
+CREATE INDEX patientsByName ON patients (lastKey, firstKey, birthKey, person);
+)sql";
+
+constexpr dbSMigration STEPS[] = {{VERSION_1}, {VERSION_2}, {TIMEPOINT_NAMES}, {TRANSFER_REASONS}, {JOURNAL}};
 
 void RunSteps(dbCConnection& connection, std::span<const dbSMigration> steps, size_t nFrom)
 {

@@ -1,4 +1,4 @@
-#include "suite/patients/store/dblocks.h"
+#include "suite/patients/records/patlocks.h"
 
 #include "suite/patients/store/dbcore.h"
 #include "suite/patients/records/dbpatients.h"
@@ -188,7 +188,29 @@ void patCPatients::BreakLock(LPCTSTR pszID)
     OwnLocks().erase(dbFold(pszID));
 }
 
-void dbReleaseOwnLocks() noexcept
+void patMoveLock(LPCTSTR pszOldID, LPCTSTR pszNewID)
+{
+    CString strHolder;
+    if (Ask(pszNewID, &strHolder) != patLockFree)
+        dbCException::Throw(dbErrPatientInUse, strHolder);
+    const std::string oldKey = dbFold(pszOldID), newKey = dbFold(pszNewID);
+    const auto held = OwnLocks().find(oldKey);
+    if (held == OwnLocks().end() || oldKey == newKey)
+        return;
+    dbCStatement("UPDATE OR REPLACE locks SET patientID = ? WHERE patientID = ? AND computer = ? AND process = ?"
+                 " AND processStart = ?")
+        .Bind(pszNewID)
+        .Bind(pszOldID)
+        .Bind(patComputerName())
+        .Bind(OwnProcess().nID)
+        .Bind(OwnProcess().nStart)
+        .Run();
+    dbCTransaction::AtEnd([locks = OwnLocks()] { OwnLocks() = locks; });
+    OwnLocks()[newKey] += held->second;
+    OwnLocks().erase(oldKey);
+}
+
+void patReleaseOwnLocks() noexcept
 {
     OwnLocks().clear();
     try

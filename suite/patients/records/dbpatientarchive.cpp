@@ -1,4 +1,4 @@
-#include "suite/patients/files/dbpatientarchive.h"
+#include "suite/patients/files/dbarchivebytes.h"
 
 #include "suite/patients/records/dboffices.h"
 #include "suite/patients/records/dbpatients.h"
