@@ -69,35 +69,6 @@ TEST(PatientFiles, AVanishedWorkingFolderRefusesTheSaveAsAWhole)
     EXPECT_TRUE(dbCPatients().IsIDFree("A1"));
 }
 
-const char* const OWN_FILES[] = {"A100.I0A",   "A100.V0A", "a123.m",     "A123.DF3", "A123.I0A.AVI",
-                                 "A1$00$scan", "A100.C01", "A1.2dmorph", "A1.PF~3f"};
-const char* const OTHER_FILES[] = {"A12.PF", "A1200.I0A", "A12$00$scan", "A12x.2dmorph",
-                                   "A1B.PF", "A1.TXT",    "B100.I0A"};
-
-void WriteAll(const TestDatabase& database)
-{
-    for (const char* psz : OWN_FILES)
-        database.practice.WriteFile(std::string("working/") + psz, psz);
-    for (const char* psz : OTHER_FILES)
-        database.practice.WriteFile(std::string("working/") + psz, psz);
-}
-
-TEST(PatientFiles, DeletingAPatientTakesItsFilesAndNobodyElses)
-{
-    TestDatabase database;
-    dbCPatient patient = FullPatient("A1");
-    patient.Save();
-    NewPatient("A12").Save();
-    WriteAll(database);
-    SetFileAttributesA((database.practice.Working() + "A100.I0A").c_str(), FILE_ATTRIBUTE_READONLY);
-    dbCPatients().DeletePatient(patient.GetGUID());
-    EXPECT_EQ(FilesIn(database.practice.Working()),
-              std::set<std::string>(std::begin(OTHER_FILES), std::end(OTHER_FILES)));
-    EXPECT_TRUE(dbCPatients().IsIDFree("A1"));
-    EXPECT_EQ(dbCPatients().GetCount(), 1);
-    EXPECT_EQ(ErrorOf([&] { dbCPatients().DeletePatient("A1"); }), dbErrNotFound);
-}
-
 TEST(PatientFiles, WhatADeadProcessWasWritingGoesWithTheNextOpening)
 {
     TestDatabase database;
@@ -130,38 +101,6 @@ TEST(PatientFiles, AFileInUseIsRemovedWithTheNextOpening)
     dbCPatients::Open(database.Path().c_str());
     EXPECT_TRUE(dbCPatients().IsIDFree("A1"));
     EXPECT_TRUE(FilesIn(database.practice.Working()).empty());
-}
-
-TEST(PatientFiles, ARolledBackDeletionTouchesNothing)
-{
-    TestDatabase database;
-    NewPatient("A1").Save();
-    {
-        dbCTransaction transaction;
-        dbCPatients().DeletePatient("A1");
-        EXPECT_EQ(dbCPatients().GetCount(), 0);
-    }
-    EXPECT_EQ(dbCPatients().GetCount(), 1);
-    EXPECT_EQ(FilesIn(database.practice.Working()).count("A1.PF"), 1U);
-}
-
-TEST(PatientFiles, ANewIDRenamesTheFiles)
-{
-    TestDatabase database;
-    dbCPatient patient = FullPatient("A1");
-    patient.Save();
-    NewPatient("A12").Save();
-    WriteAll(database);
-    patient.SetID("Z9");
-    EXPECT_EQ(patient.GetTimepoints()[1].GetBaseFilename(), "Z901");
-    patient.Save();
-    std::set<std::string> expected(std::begin(OTHER_FILES), std::end(OTHER_FILES));
-    for (const char* psz : OWN_FILES)
-        expected.insert(std::string("Z9") + (psz + 2));
-    expected.insert("Z9.PF");
-    EXPECT_EQ(FilesIn(database.practice.Working()), expected);
-    EXPECT_EQ(database.practice.ReadFile("working/Z900.I0A"), "A100.I0A");
-    NewPatient("A1").Save();
 }
 
 TEST(PatientFiles, AnIDIsNotChangedWhileAFileIsInUseOrItsNameTaken)

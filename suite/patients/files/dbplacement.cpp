@@ -1,13 +1,16 @@
 #include "suite/patients/files/dbplacement.h"
 
+#include "suite/patients/files/filefamily.h"
 #include "suite/patients/files/filehandle.h"
 #include "suite/patients/files/lifetoken.h"
+#include "suite/patients/files/patimagetypes.h"
 #include "suite/patients/store/dbcore.h"
 #include "suite/patients/store/dbsteps.h"
 #include "suite/patients/store/dbtransaction.h"
 #include "suite/util/velpath.h"
 
-#include <memory>
+#include <array>
+#include <optional>
 
 namespace
 {
@@ -31,33 +34,55 @@ DWORD CopyContents(HANDLE hFrom, HANDLE hTo)
     }
 }
 
-/// Whether a record that is there speaks of files with such a name: then the file is that record's, whoever
-/// made it.
-bool BelongsToTimepoint(const std::string& name)
+/// The timepoint that a stored patient has under the file's ID and number, with its image words.
+struct Timepoint
 {
-    constexpr size_t NUMBER_DIGITS = 2;
-    dbCStatement query("SELECT 1 FROM patients p JOIN timepoints t ON t.patient = p.person"
+    pat::FileIdentity file;
+    std::string rest; ///< the file's name behind the ID
+    std::array<DWORD, patCImageTypes::GROUP_COUNT> bits{};
+};
+
+std::optional<Timepoint> FindTimepoint(const std::string& name)
+{
+    dbCStatement query("SELECT t.bits0, t.bits1, t.bits2, t.bits3, t.bits4, t.bits5, t.bits6, t.bits7"
+                       " FROM patients p JOIN timepoints t ON t.patient = p.person"
                        " WHERE p.patientID = ? AND t.number = ?");
-    for (size_t nLength = 1; nLength + NUMBER_DIGITS < name.size(); ++nLength)
+    for (const std::string_view owner : pat::PossibleOwners(name))
     {
-        const size_t nNumber = name[nLength] == '$' ? nLength + 1 : nLength;
-        const std::string digits = name.substr(nNumber, NUMBER_DIGITS);
-        if (digits.size() < NUMBER_DIGITS || digits.find_first_not_of("0123456789") != std::string::npos)
-            continue;
-        query.Bind(name.substr(0, nLength).c_str()).Bind(atoi(digits.c_str()));
-        const bool bFound = query.Step();
+        const auto file = pat::IdentifyFile(name, owner);
+        query.Bind(std::string(owner).c_str()).Bind(file->timepoint);
+        if (query.Step())
+        {
+            Timepoint found{*file, name.substr(owner.size()), {}};
+            for (size_t nGroup = 0; nGroup < found.bits.size(); ++nGroup)
+                found.bits[nGroup] = static_cast<DWORD>(query.Int64(static_cast<int>(nGroup)));
+            return found;
+        }
         query.Reset();
-        if (bFound)
-            return true;
     }
-    return false;
+    return std::nullopt;
+}
+
+/// Whether a record that is there speaks of such a file: then it is that record's, whoever made it.
+bool IsRecorded(const std::string& name)
+{
+    const auto timepoint = FindTimepoint(name);
+    if (!timepoint)
+        return false;
+    const pat::FileKind kind = timepoint->file.kind;
+    if (kind != pat::FileKind::Image && kind != pat::FileKind::Companion && kind != pat::FileKind::FurtherImage)
+        return true;
+    // "tt.Igt": group and type of the image.
+    const int nGroup = timepoint->rest[4] - '0';
+    const int nType = patCImageTypes::FindType(nGroup, timepoint->rest[5]);
+    return nType >= 0 && (timepoint->bits[static_cast<size_t>(nGroup)] >> nType & 1) != 0;
 }
 
 /// Removes a file that no record speaks of; false when it is still there.
 bool RemovePlaced(const CString& strFolder, const CString& strName)
 {
     const CString strPath = strFolder + strName;
-    return !velFileExists(strPath) || BelongsToTimepoint(strName.GetString()) || DeleteFileA(strPath);
+    return !velFileExists(strPath) || IsRecorded(strName.GetString()) || DeleteFileA(strPath);
 }
 } // namespace
 
@@ -83,7 +108,7 @@ void dbCFilePlacement::Place()
     // What somebody began and never finished must neither stand in the way nor be taken for ours later.
     RemoveAbandoned();
     for (const File& file : m_files)
-        if (velFileExists(m_strFolder + file.name.c_str()))
+        if (!patIsGone(m_strFolder + file.name.c_str()))
             dbCException::Throw(dbErrExists, file.name.c_str());
 
     m_pToken->Create(m_strFolder);

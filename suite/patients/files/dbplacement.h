@@ -22,8 +22,8 @@ public:
     void Add(LPCTSTR pszSource, LPCTSTR pszName);
 
     /// Copies all files and has them on the disk. Outside of any transaction. Throws dbErrExists with the
-    /// name when one is there already, dbErrDiskFull, dbErrIO, and the database's own; nothing is left behind
-    /// then.
+    /// name when one is there already or is being renamed, removed or placed by somebody; dbErrDiskFull,
+    /// dbErrIO, and the database's own; nothing is left behind then.
     void Place();
 
     /// The files belong to the open transaction from now on.

@@ -1,0 +1,301 @@
+// Operations on records and files together: ended at any step, and seen by another seat while under way, they
+// leave the whole practice as it was before or as it is afterwards.
+
+#include "tests/patients/practicestate.h"
+#include "tests/support/childprocess.h"
+#include "tests/support/steps.h"
+
+namespace
+{
+constexpr int DONE = 0, REFUSED = 1;
+
+/// The operations under test, on a practice with the patients A1 and A12.
+const std::map<std::string, void (*)()> OPERATIONS = {
+    {"create", [] { FullPatient("B2").Save(); }},
+    {"save",
+     [] {
+         dbCPatient patient;
+         patient.Load("A1");
+         patient.SetLastname("Changed");
+         patient.GetTimepoints()[0].SetName("Changed");
+         patient.Save();
+     }},
+    {"rename",
+     [] {
+         dbCPatient patient;
+         patient.Load("A1");
+         patient.SetID("Z9");
+         patient.Save();
+     }},
+    {"removePatient", [] { dbCPatients().DeletePatient("A1"); }},
+    {"removeTimepoint",
+     [] {
+         dbCPatient patient;
+         patient.Load("A1");
+         patient.DeleteTimepoint(1);
+     }},
+    {"removeImages",
+     [] {
+         dbCPatient patient;
+         patient.Load("A1");
+         patient.DeleteTimepointImages(1);
+     }},
+};
+
+const char* const OWN_FILES[] = {"A100.I0A",     "A100.V0A",    "A101.I0B",    "A101.I0B.AVI", "a101.c01",
+                                 "A101.D0.I2A",  "A101.M",      "A101.DF3",    "A1$00$scan",   "A1$01$scan",
+                                 "A1x.2dmorph"};
+/// None of A1's, though their names begin so.
+const char* const OTHER_FILES[] = {"A101.PF", "A1200.I0A", "A12$00$scan", "A12x.2dmorph",
+                                   "A1B.PF",  "A1.TXT",    "B100.I0A",    "A10101.I0A"};
+
+void Fill(const veltest::TemporaryPractice& practice)
+{
+    FullPatient("A1").Save();
+    FullPatient("A12", "other").Save();
+    for (const char* psz : OWN_FILES)
+        practice.WriteFile(std::string("working/") + psz, psz);
+    for (const char* psz : OTHER_FILES)
+        practice.WriteFile(std::string("working/") + psz, psz);
+    SetFileAttributesA((practice.Working() + "A100.I0A").c_str(), FILE_ATTRIBUTE_READONLY);
+}
+
+/// Runs one operation: arguments are the database, the operation, the step to end at (0 for none).
+VEL_CHILD_PROCESS(operate)
+{
+    dbCPatients::Open(arguments[0].c_str());
+    if (const int nStep = atoi(arguments[2].c_str()))
+        veltest::EndAtStep(nStep);
+    const dbError nError = ErrorOf(OPERATIONS.at(arguments[1]));
+    dbObserveSteps(nullptr);
+    dbCPatients::Close();
+    return nError == dbErrNone ? DONE : REFUSED;
+}
+
+class Operation : public testing::TestWithParam<std::string>
+{
+};
+
+TEST_P(Operation, EndedAtAnyStepLeavesBeforeOrAfter)
+{
+    PracticeState before, after;
+    std::string bytes;
+    {
+        TestDatabase database;
+        Fill(database.practice);
+        before = StateOf(database.practice);
+        dbCPatients::Close();
+        bytes = database.practice.ReadFile("patients.db");
+    }
+    int nBefore = 0, nAfter = 0;
+    for (int nStep = 0;; ++nStep)
+    {
+        const veltest::TemporaryPractice practice;
+        for (const auto& [name, content] : before.files)
+            practice.WriteFile("working/" + name, content);
+        SetFileAttributesA((practice.Working() + "A100.I0A").c_str(), FILE_ATTRIBUTE_READONLY);
+        practice.WriteFile("patients.db", bytes);
+        const std::string path = practice.Path("patients.db");
+        veltest::ChildProcess child("operate", {path, GetParam(), std::to_string(nStep)});
+        const int nEnd = child.Wait();
+        dbCPatients::Open(path.c_str());
+        const PracticeState state = StateOf(practice);
+        dbCPatients::Close();
+        if (nStep == 0)
+        {
+            ASSERT_EQ(nEnd, DONE);
+            after = state;
+            ASSERT_NE(after, before);
+            // A new record's GUIDs are made up: compare what does not depend on them.
+            if (GetParam() == "create")
+                after.patients["B2"].clear();
+            continue;
+        }
+        if (nEnd == DONE)
+            break; // there is no such step
+        ASSERT_EQ(nEnd, veltest::ENDED_AT_STEP) << "step " << nStep;
+        PracticeState comparable = state;
+        if (GetParam() == "create" && comparable.patients.count("B2"))
+            comparable.patients["B2"].clear();
+        nBefore += comparable == before;
+        nAfter += comparable == after;
+        EXPECT_TRUE(comparable == before || comparable == after)
+            << "step " << nStep << ":\n"
+            << testing::PrintToString(comparable) << "before:\n"
+            << testing::PrintToString(before) << "after:\n"
+            << testing::PrintToString(after);
+    }
+    EXPECT_GT(nBefore, 0);
+    EXPECT_GT(nAfter, 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, Operation,
+                         testing::Values("create", "save", "rename", "removePatient", "removeTimepoint",
+                                         "removeImages"),
+                         [](const auto& test) { return test.param; });
+
+TEST(Operations, TakeWhatBelongsToThemAndNothingElse)
+{
+    const struct
+    {
+        const char* pszOperation;
+        std::set<std::string> gone;
+    } CASES[] = {
+        {"removePatient", {std::begin(OWN_FILES), std::end(OWN_FILES)}},
+        {"removeTimepoint",
+         {"A101.I0B", "A101.I0B.AVI", "a101.c01", "A101.D0.I2A", "A101.M", "A101.DF3", "A1$01$scan"}},
+        {"removeImages", {"A101.I0B", "A101.I0B.AVI", "a101.c01", "A101.D0.I2A"}},
+        {"rename", {std::begin(OWN_FILES), std::end(OWN_FILES)}},
+    };
+    for (const auto& test : CASES)
+    {
+        SCOPED_TRACE(test.pszOperation);
+        TestDatabase database;
+        Fill(database.practice);
+        auto expected = FilesOf(database.practice.Working());
+        for (const std::string& name : test.gone)
+        {
+            if (std::string(test.pszOperation) == "rename")
+                expected["Z9" + name.substr(2)] = expected.at(name);
+            expected.erase(name);
+        }
+        OPERATIONS.at(test.pszOperation)();
+        auto files = FilesOf(database.practice.Working());
+        dbCPatient patient;
+        EXPECT_EQ(files.count("A1.PF"), patient.Load("A1") ? 1U : 0U);
+        EXPECT_EQ(files.count("Z9.PF"), patient.Load("Z9") ? 1U : 0U);
+        for (const char* psz : {"A1.PF", "Z9.PF"})
+        {
+            files.erase(psz);
+            expected.erase(psz);
+        }
+        EXPECT_EQ(files, expected);
+        if (patient.Load("A1"))
+        {
+            const bool bImages = std::string(test.pszOperation) == "removeImages";
+            ASSERT_EQ(patient.GetTimepoints().GetCount(), bImages ? 3 : 2);
+            EXPECT_EQ(patient.GetTimepoints()[0].GetImageBits(0), 1U);
+            EXPECT_EQ(patient.GetTimepoints()[1].GetNumber(), bImages ? 1 : 2);
+            if (bImages)
+            {
+                EXPECT_EQ(patient.GetTimepoints()[1].GetImageBits(0), 0U);
+                EXPECT_EQ(patient.GetTimepoints()[1].GetImageBits(4), 0U);
+                EXPECT_TRUE(patient.GetTimepoints()[1].GetImageInfos().empty());
+            }
+        }
+    }
+}
+
+TEST(Operations, ARefusedOneChangesNeitherObjectNorPractice)
+{
+    TestDatabase database;
+    Fill(database.practice);
+    dbCPatient stale, other;
+    stale.Load("A1");
+    other.Load("A1");
+    other.SetNotes("by another seat");
+    other.Save();
+    const PracticeState before = StateOf(database.practice);
+    const std::string image = Image(stale);
+    EXPECT_EQ(ErrorOf([&] { stale.DeleteTimepoint(1); }), dbErrChangedElsewhere);
+    EXPECT_EQ(ErrorOf([&] { stale.DeleteTimepointImages(1); }), dbErrChangedElsewhere);
+    EXPECT_EQ(stale.GetTimepoints().GetCount(), 3);
+    EXPECT_EQ(stale.GetTimepoints()[1].GetImageBits(0), 2U);
+    EXPECT_EQ(Image(stale), image);
+    {
+        dbCTransaction outer;
+        dbCPatients().DeletePatient("A1");
+        other.Load("A12");
+        other.DeleteTimepoint(0);
+    }
+    EXPECT_EQ(other.GetTimepoints().GetCount(), 3);
+    EXPECT_EQ(StateOf(database.practice), before);
+}
+
+TEST(Operations, ARemovalByListTakesOnlyWhatIsAsItWasListed)
+{
+    TestDatabase database;
+    Fill(database.practice);
+    patFileStates files = patListFiles("A1");
+    std::erase_if(files, [](const patSFileState& file) { return file.name == "A101.M"; });
+    database.practice.WriteFile("working/A101.DF3", "written since it was archived");
+    database.practice.WriteFile("working/A102.I0A", "arrived since");
+    dbCPatients().DeletePatient("A1", &files);
+    auto left = FilesOf(database.practice.Working());
+    for (const char* psz : OTHER_FILES)
+        left.erase(psz);
+    left.erase("A12.PF");
+    EXPECT_EQ(left, (std::map<std::string, std::string>{{"A101.M", "A101.M"},
+                                                        {"A101.DF3", "written since it was archived"},
+                                                        {"A102.I0A", "arrived since"}}));
+}
+
+// Another seat while an operation stands between its commit and its files.
+
+std::string g_signal;
+
+bool WaitFor(const std::string& path)
+{
+    for (int i = 0; i < 3000 && !std::filesystem::exists(path); ++i)
+        Sleep(10);
+    return std::filesystem::exists(path);
+}
+
+VEL_CHILD_PROCESS(pause)
+{
+    dbCPatients::Open(arguments[0].c_str());
+    g_signal = arguments[2];
+    dbObserveSteps([](const char* pszStep) {
+        if (std::string(pszStep).find(".committed") == std::string::npos || g_signal.empty())
+            return;
+        const std::string signal = std::exchange(g_signal, "");
+        std::ofstream(signal + ".reached") << '.';
+        WaitFor(signal + ".go");
+    });
+    const dbError nError = ErrorOf(OPERATIONS.at(arguments[1]));
+    dbCPatients::Close();
+    return nError;
+}
+
+TEST(Operations, AnotherSeatLeavesAloneWhatALivingOneIsAt)
+{
+    TestDatabase database;
+    Fill(database.practice);
+    const std::string signal = database.practice.Path("signal");
+    veltest::ChildProcess child("pause", {database.Path(), "rename", signal});
+    ASSERT_TRUE(WaitFor(signal + ".reached"));
+    dbCPatients::Open(database.Path().c_str());
+    EXPECT_EQ(FilesOf(database.practice.Working()).count("A100.I0A"), 1U) << "the other seat's to rename";
+    EXPECT_FALSE(dbCPatients().IsIDFree("A1"));
+    EXPECT_EQ(ErrorOf([] { FullPatient("A1").Save(); }), dbErrFilesPending);
+    dbCPatient renamed, other;
+    ASSERT_TRUE(renamed.Load("Z9"));
+    ASSERT_TRUE(other.Load("A12"));
+    renamed.SetID("Y8");
+    EXPECT_EQ(ErrorOf([&] { renamed.Save(); }), dbErrFilesPending);
+    other.SetID("A1");
+    EXPECT_EQ(ErrorOf([&] { other.Save(); }), dbErrFilesPending);
+    EXPECT_EQ(ErrorOf([] { dbCPatients().DeletePatient("Z9"); }), dbErrFilesPending);
+    std::ofstream(signal + ".go") << '.';
+    EXPECT_EQ(child.Wait(), dbErrNone);
+    FullPatient("A1").Save();
+    EXPECT_EQ(FilesOf(database.practice.Working()).count("Z900.I0A"), 1U);
+    EXPECT_EQ(FilesOf(database.practice.Working()).count("A100.I0A"), 0U);
+}
+
+TEST(Operations, APatientFileWrittenLateIsNotTheOlderOne)
+{
+    TestDatabase database;
+    Fill(database.practice);
+    const std::string signal = database.practice.Path("signal");
+    veltest::ChildProcess child("pause", {database.Path(), "save", signal});
+    ASSERT_TRUE(WaitFor(signal + ".reached"));
+    dbCPatient patient;
+    ASSERT_TRUE(patient.Load("A1"));
+    patient.SetLastname("Newest");
+    patient.Save();
+    std::ofstream(signal + ".go") << '.';
+    EXPECT_EQ(child.Wait(), dbErrNone);
+    EXPECT_EQ(database.practice.ReadFile("working/A1.PF").find("Newest\x01"), 0U);
+}
+} // namespace
