@@ -1,8 +1,10 @@
 // Databases that cannot be opened or written: each tells its own reason and is left as it was.
 
 #include "tests/patients/testdatabase.h"
+#include "tests/support/childprocess.h"
 
 #include <filesystem>
+#include <fstream>
 
 namespace
 {
@@ -102,6 +104,53 @@ TEST(Database, AFileHeldByAnotherProgramCountsAsLocked)
     EXPECT_EQ(ErrorOf([&] { dbCPatients::Open(database.Path().c_str()); }), dbErrLocked);
     CloseHandle(hFile);
     dbCPatients::Open(database.Path().c_str());
+}
+
+VEL_CHILD_PROCESS(holdOpen)
+{
+    dbCPatients::Open(arguments[0].c_str());
+    std::ofstream(arguments[1]) << '.';
+    Sleep(60'000);
+    return 0;
+}
+
+TEST(Database, OverTheNetworkItHasARollbackJournal)
+{
+    const auto hasLog = [](const veltest::TemporaryPractice& practice) {
+        return practice.ReadFile("patients.db")[19] == 2;
+    };
+    TestDatabase database;
+    EXPECT_TRUE(hasLog(database.practice));
+    dbCPatients::Close();
+    database.practice.Set("Environment", "DatabaseOnNetwork", "0");
+    veltest::ChildProcess local("holdOpen", {database.Path(), database.practice.Path("go")});
+    while (!std::filesystem::exists(database.practice.Path("go")))
+        Sleep(10);
+    database.practice.Set("Environment", "DatabaseOnNetwork", "1");
+    EXPECT_EQ(ErrorOf([&] { dbCPatients::Open(database.Path().c_str()); }), dbErrNetwork);
+    EXPECT_TRUE(hasLog(database.practice));
+    local.Kill();
+    local.Wait();
+    dbCPatients::Open(database.Path().c_str());
+    EXPECT_FALSE(hasLog(database.practice));
+    NewPatient("A1").Save();
+    EXPECT_FALSE(std::filesystem::exists(database.Path() + "-wal"));
+
+    // Another seat, here as there, works with it as it is.
+    database.practice.Set("Environment", "DatabaseOnNetwork", "0");
+    std::filesystem::remove(database.practice.Path("go"));
+    veltest::ChildProcess other("holdOpen", {database.Path(), database.practice.Path("go")});
+    while (!std::filesystem::exists(database.practice.Path("go")))
+        Sleep(10);
+    NewPatient("A2").Save();
+    EXPECT_EQ(dbCPatients().GetCount(), 2);
+    EXPECT_FALSE(hasLog(database.practice));
+    dbCPatients::Close();
+    dbCPatients::Create(database.practice.Path("other.db").c_str());
+    database.practice.Set("Environment", "DatabaseOnNetwork", "1");
+    dbCPatients::Create(database.practice.Path("remote.db").c_str());
+    NewPatient("A1").Save();
+    EXPECT_EQ(database.practice.ReadFile("remote.db")[19], 1);
 }
 
 TEST(Database, AFailedOpenKeepsTheOneThatIsOpen)

@@ -5,6 +5,8 @@
 #include "tests/support/childprocess.h"
 #include "tests/support/steps.h"
 
+#include <span>
+
 namespace
 {
 constexpr int DONE = 0, REFUSED = 1;
@@ -49,11 +51,11 @@ const char* const OWN_FILES[] = {"A100.I0A",     "A100.V0A",    "A101.I0B",    "
 const char* const OTHER_FILES[] = {"A101.PF", "A1200.I0A", "A12$00$scan", "A12x.2dmorph",
                                    "A1B.PF",  "A1.TXT",    "B100.I0A",    "A10101.I0A"};
 
-void Fill(const veltest::TemporaryPractice& practice)
+void Fill(const veltest::TemporaryPractice& practice, size_t nOwnFiles = std::size(OWN_FILES))
 {
     FullPatient("A1").Save();
     FullPatient("A12", "other").Save();
-    for (const char* psz : OWN_FILES)
+    for (const char* psz : std::span(OWN_FILES).first(nOwnFiles))
         practice.WriteFile(std::string("working/") + psz, psz);
     for (const char* psz : OTHER_FILES)
         practice.WriteFile(std::string("working/") + psz, psz);
@@ -82,7 +84,7 @@ TEST_P(Operation, EndedAtAnyStepLeavesBeforeOrAfter)
     std::string bytes;
     {
         TestDatabase database;
-        Fill(database.practice);
+        Fill(database.practice, 4);
         before = StateOf(database.practice);
         dbCPatients::Close();
         bytes = database.practice.ReadFile("patients.db");

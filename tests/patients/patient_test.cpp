@@ -2,6 +2,8 @@
 
 #include "tests/patients/testdatabase.h"
 
+#include <set>
+
 namespace
 {
 TEST(Patient, EveryFieldComesBackFromTheFile)
@@ -115,6 +117,10 @@ TEST(Patient, RefusedIDs)
     TestDatabase database;
     for (const char* psz : {"", "ABCDEFGHIJKLMNOPQRSTUVWXYZ", "A\\B", "..\\A", "A:B", "A*", "A\x01"})
         EXPECT_EQ(ErrorOf([&] { NewPatient(psz).Save(); }), dbErrInvalid) << psz;
+    for (const char* psz : {"CON", "aux", "NUL.1", "PRN ", "COM1", "lpt9"})
+        EXPECT_EQ(ErrorOf([&] { NewPatient(psz).Save(); }), dbErrReservedID) << psz;
+    for (const char* psz : {"CONS", "COM", "COMX", "COM10"})
+        NewPatient(psz).Save();
     NewPatient("ABCDEFGHIJKLMNOPQRSTUVWXY").Save();
     dbCPatients patients;
     EXPECT_FALSE(patients.IsIDFree("abcdefghijklmnopqrstuvwxy"));
@@ -134,6 +140,9 @@ TEST(Patient, ATakenIDIsRefusedInAnyLetterCase)
     first.SetID("ab12");
     first.Save();
     EXPECT_EQ(dbCPatients().GetCount(), 2);
+    dbCPatient sameGUID = NewPatient("D4");
+    sameGUID.SetGUID(first.GetGUID());
+    EXPECT_EQ(ErrorOf([&] { sameGUID.Save(); }), dbErrDuplicateGUID);
 }
 
 TEST(Patient, ARecordChangedBySomeoneElseIsNotOverwritten)
@@ -151,6 +160,15 @@ TEST(Patient, ARecordChangedBySomeoneElseIsNotOverwritten)
     dbCPatients().DeletePatient("A1");
     EXPECT_EQ(ErrorOf([&] { theirs.Save(); }), dbErrChangedElsewhere);
     EXPECT_TRUE(theirs.isDeleted());
+    // Loaded again from an archive it is another record: what was read before does not go over it.
+    dbCPatient again = NewPatient("A1");
+    again.SetGUID(theirs.GetGUID());
+    ASSERT_TRUE(dbCPatients().AddFromArchive(again));
+    for (int i = 0; i < 3; ++i, again.Save())
+    {
+        EXPECT_EQ(ErrorOf([&] { mine.Save(); }), dbErrChangedElsewhere) << i;
+        EXPECT_EQ(ErrorOf([&] { theirs.Save(); }), dbErrChangedElsewhere) << i;
+    }
 }
 
 TEST(Patient, RollbackPutsObjectFileAndDatabaseBack)
@@ -244,6 +262,10 @@ TEST(Patient, PagesAndSearchesOfTheList)
             NewPatient(strID, i % 2 ? "lee" : "Adams", strFirst).Save();
         }
         NewPatient("Q_1", "100%", "x").Save();
+        // Any character may stand in a name, also where its place in the order is kept.
+        for (int i = 0; i < 20; ++i)
+            NewPatient(("R" + std::to_string(100 + i)).c_str(), "Z\x01", ("1 2 \x01" + std::to_string(i % 3)).c_str())
+                .Save();
         transaction.Commit();
     }
     dbCPatients patients;
@@ -252,7 +274,11 @@ TEST(Patient, PagesAndSearchesOfTheList)
                             rows) > 0)
     {
     }
-    ASSERT_EQ(rows.GetCount(), 26);
+    ASSERT_EQ(rows.GetCount(), 46);
+    std::set<CString> different;
+    for (const dbSPatientListRow& row : rows)
+        different.insert(row.strID);
+    EXPECT_EQ(different.size(), 46U);
     EXPECT_EQ(rows[0].strLastname, "100%");
     EXPECT_EQ(rows[1].strFirstname, "First00");
     EXPECT_EQ(rows[25].strID, "P01");
@@ -265,12 +291,20 @@ TEST(Patient, PagesAndSearchesOfTheList)
     } CASES[] = {{dbSearchName, "L", 12},   {dbSearchName, "LEE", 12}, {dbSearchName, "lee, first0", 5},
                  {dbSearchName, "leex", 0}, {dbSearchName, "%", 0},    {dbSearchName, "100%", 1},
                  {dbSearchID, "p", 25},     {dbSearchID, "P1", 10},    {dbSearchID, "q_", 1},
-                 {dbSearchID, "_", 0},      {dbSearchName, "'", 0}};
+                 {dbSearchID, "_", 0},      {dbSearchName, "'", 0},    {dbSearchName, "z\x01", 20}};
     for (const auto& test : CASES)
     {
         rows.RemoveAll();
         EXPECT_EQ(patients.GetPage(test.nBy, test.pszSearch, nullptr, 100, rows), test.nCount)
             << test.pszSearch;
+        dbTList<dbSPatientListRow> paged;
+        while (patients.GetPage(test.nBy, test.pszSearch, paged.IsEmpty() ? nullptr : &paged[paged.GetCount() - 1],
+                                3, paged) > 0)
+        {
+        }
+        ASSERT_EQ(paged.GetCount(), test.nCount) << test.pszSearch;
+        for (int i = 0; i < paged.GetCount(); ++i)
+            EXPECT_EQ(paged[i].strID, rows[i].strID) << test.pszSearch;
         EXPECT_EQ(patients.GetCount(test.nBy, test.pszSearch), test.nCount) << test.pszSearch;
     }
 }

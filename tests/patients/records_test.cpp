@@ -150,6 +150,18 @@ TEST(Doctors, OneThatIsReferredToStays)
     gone.SetPersonGUID(strDoctor);
     patient.SetPersonInfo(dbPersonTreatingDoctor, gone);
     EXPECT_EQ(ErrorOf([&] { patient.Save(); }), dbErrNotFound);
+    patient.RemovePersonInfo(dbPersonTreatingDoctor);
+    patient.GetReferrals().AddReferralDoc(strDoctor, velCDate());
+    EXPECT_EQ(ErrorOf([&] { patient.Save(); }), dbErrNotFound);
+
+    // A doctor of the same identity who comes back is not the one that was loaded before.
+    dbCDoctor stale, again;
+    stale.GetPerson().SetLastname("Stale");
+    stale.Save();
+    again.GetPerson() = stale.GetPerson();
+    dbCDoctor(stale).Delete();
+    again.Save();
+    EXPECT_EQ(ErrorOf([&] { stale.Save(); }), dbErrChangedElsewhere);
 }
 
 TEST(Offices, DeletingOneLeavesItsPatientsWithout)
@@ -190,7 +202,11 @@ TEST(Insurances, ACompanyWithPoliciesStays)
     dbCInsuranceCompanies companies;
     companies.Load();
     EXPECT_EQ(ErrorOf([&] { companies.Delete(company.GetCompanyGUID()); }), dbErrInUse);
+    EXPECT_EQ(dbCInsuranceCompanies::FindOrAdd(" sound COVER"), company.GetCompanyGUID());
+    EXPECT_EQ(dbCInsuranceCompanies::FindOrAdd("\xC4rzte"), dbCInsuranceCompanies::FindOrAdd("\xE4RZTE "));
     EXPECT_EQ(companies.GetCount(), 1);
+    companies.Load();
+    EXPECT_EQ(companies.GetCount(), 2);
     patient.Load("A1");
     EXPECT_EQ(patient.GetInsurances()[0].GetNumber(), "2");
     EXPECT_EQ(patient.GetInsurances()[1].GetCompanyGUID(), company.GetCompanyGUID());
@@ -281,6 +297,8 @@ TEST(Treatments, TableAndHistory)
     ASSERT_TRUE(timepoints.LoadByPatID(patient.GetGUID(), 1));
     ASSERT_EQ(timepoints.GetCount(), 1);
     EXPECT_TRUE(dbCTimepointsContainer::Reactivate(timepoints[0].GettpID()));
+    EXPECT_FALSE(dbCTimepointsContainer::Reactivate("none"));
+    EXPECT_EQ(ErrorOf([&] { patient.Save(); }), dbErrChangedElsewhere) << "it would hide the timepoint again";
     EXPECT_FALSE(timepoints.LoadByPatID(patient.GetGUID(), 1));
 }
 

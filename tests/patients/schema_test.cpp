@@ -69,6 +69,30 @@ TEST(Schema, AnOlderDatabaseIsBroughtForwardWithItsData)
     EXPECT_EQ(Ask(old.path, "SELECT count(*) FROM extra"), 1);
 }
 
+TEST(Schema, WhatAnEarlierVersionLeftToDoIsStillDone)
+{
+    const veltest::TemporaryPractice practice;
+    const std::string path = practice.Path("old.db");
+    {
+        dbCConnection connection(path.c_str(), dbCConnection::Mode::Create);
+        dbCreateSchema(connection, dbSchemaSteps().first(3));
+        connection.Execute(
+            "INSERT INTO persons VALUES (1, 'G1', '', '', '', '', '', '', '', NULL, 0),"
+            " (2, 'G2', '', '', '', '', '', '', '', NULL, 0), (5, 'G5', '', '', '', '', '', '', '', NULL, 0),"
+            " (7, 'G7', '', '', '', '', '', '', '', NULL, 0);"
+            "INSERT INTO patients VALUES (1, 'A1', '', '', '', 0, 0, '', '', '', NULL, NULL, '', 0, NULL, 0, 8),"
+            " (5, 'B2', '', '', '', 0, 0, '', '', '', NULL, NULL, '', 0, NULL, 1, 3);"
+            "INSERT INTO patientPersons VALUES (1, 0, 2), (5, 0, 7); INSERT INTO fileRenames VALUES (1, 'X', 'A1')");
+    }
+    EXPECT_EQ(Update(path, StepsAnd({})), dbErrNone);
+    EXPECT_EQ(Ask(path, "SELECT group_concat(id) = '1,2' FROM (SELECT id FROM persons ORDER BY id)"), 1);
+    EXPECT_EQ(Ask(path, "SELECT count(*) FROM patients WHERE patientID = 'A1'"), 1);
+    EXPECT_EQ(Ask(path, "SELECT count(*) FROM fileWork WHERE kind = 1 AND patientID = 'X' AND newID = 'A1'"), 1);
+    EXPECT_EQ(Ask(path, "SELECT count(*) FROM fileWork WHERE kind = 2 AND patientID = 'B2' AND listed = 0"), 1);
+    EXPECT_EQ(Ask(path, "SELECT last FROM counters WHERE name = 'persons'"), 7);
+    EXPECT_EQ(Ask(path, "SELECT last FROM counters WHERE name = 'versions'"), 8);
+}
+
 TEST(Schema, AFailingStepLeavesTheOldVersion)
 {
     const OldDatabase old;

@@ -145,6 +145,40 @@ TEST(PatientLock, LookersCanBePassed)
     child.Kill();
 }
 
+TEST(PatientLock, ANewIDTakesTheLockAlong)
+{
+    TestDatabase database;
+    const auto answerOfAnother = [&](const char* pszMode) {
+        return veltest::ChildProcess("holdPatient", {database.Path(), database.practice.Path("x"), pszMode}).Wait();
+    };
+    dbCPatient patient = NewPatient("B2");
+    patient.Save();
+    dbCPatients patients;
+    EXPECT_EQ(patients.LockPatient("B2"), patLockFree);
+    EXPECT_EQ(patients.LockPatient("B2"), patLockFree);
+    patient.SetID("A1");
+    {
+        dbCTransaction transaction;
+        patient.Save();
+    }
+    EXPECT_FALSE(patients.Unlock("A1")) << "rolled back";
+    patient.Save();
+    EXPECT_EQ(answerOfAnother("0"), patLockInUse);
+    EXPECT_FALSE(patients.Unlock("B2"));
+    EXPECT_TRUE(patients.Unlock("A1"));
+    EXPECT_EQ(answerOfAnother("1"), patLockInUse) << "it was locked twice";
+    EXPECT_TRUE(patients.Unlock("A1"));
+
+    patient.SetID("C3");
+    patient.Save();
+    veltest::ChildProcess child("holdPatient", {database.Path(), database.practice.Path("go"), "0"});
+    ASSERT_TRUE(WaitFor(database.practice.Path("go")));
+    patient.SetID("A1");
+    EXPECT_EQ(ErrorOf([&] { patient.Save(); }), dbErrPatientInUse);
+    EXPECT_TRUE(patients.IsIDFree("A1"));
+    child.Kill();
+}
+
 TEST(PatientLock, LocksOfOneProcessAreCounted)
 {
     TestDatabase database;

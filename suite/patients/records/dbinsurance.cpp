@@ -2,6 +2,7 @@
 
 #include "suite/patients/store/dbcore.h"
 #include "suite/patients/store/dbtext.h"
+#include "suite/patients/store/dbtransaction.h"
 
 dbCInsurance::dbCInsurance() : m_strGUID(dbNewGUID())
 {
@@ -58,6 +59,20 @@ void dbCInsuranceCompanies::Load()
         company.SetAddress(address);
         Add(company);
     }
+}
+
+CString dbCInsuranceCompanies::FindOrAdd(LPCTSTR pszName)
+{
+    dbCTransaction transaction;
+    dbCStatement query("SELECT guid FROM insuranceCompanies WHERE nameKey = ? ORDER BY id");
+    query.BindUtf8(dbFold(pszName));
+    if (query.Step())
+        return query.Text(0);
+    dbCInsuranceCompany company;
+    company.SetName(pszName);
+    company.Save();
+    transaction.Commit();
+    return company.GetCompanyGUID();
 }
 
 int dbCInsuranceCompanies::Find(LPCTSTR pszCompanyGUID) const

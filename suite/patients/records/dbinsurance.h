@@ -133,6 +133,9 @@ class VELPAT_API dbCInsuranceCompanies : public dbTList<dbCInsuranceCompany>
 {
 public:
     void Load();
+    /// GUID of the company with this name (any letter case, blanks at the ends ignored); a name that the practice
+    /// does not have is added, once, however many seats ask. dbErrInvalid for an empty name.
+    static CString FindOrAdd(LPCTSTR pszName);
     /// Position of a company in the loaded list, -1 when it is not there.
     int Find(LPCTSTR pszCompanyGUID) const;
     /// Removes a company from the database and the list; dbErrInUse while a policy names it.

@@ -127,12 +127,7 @@ BOOL dbCPatients::AddFromArchive(dbCPatient& patient)
                                    "SELECT guid FROM insuranceCompanies WHERE nameKey = ?",
                                    insurance.GetCompanyGUID(), insurance.GetCompanyName());
         if (strCompany.IsEmpty() && !insurance.GetCompanyName().IsEmpty())
-        {
-            dbCInsuranceCompany company;
-            company.SetName(insurance.GetCompanyName());
-            company.Save();
-            strCompany = company.GetCompanyGUID();
-        }
+            strCompany = dbCInsuranceCompanies::FindOrAdd(insurance.GetCompanyName());
         insurance.SetCompanyGUID(strCompany);
     }
     for (patCTimepoint& timepoint : added.m_timepoints)

@@ -222,7 +222,7 @@ int dbCPatients::GetPage(dbPatientSearch nBy, LPCTSTR pszSearch, const dbSPatien
     {
         const std::string prefix = dbToUtf8(pszSearch);
         const std::string after = pAfter ? dbToUtf8(pAfter->strID.GetString()) : std::string();
-        query.BindUtf8(std::max(prefix, after)).BindUtf8(EndOfPrefix(prefix)).BindUtf8(after).Bind(nMax);
+        query.BindUtf8(pAfter ? after : prefix).BindUtf8(EndOfPrefix(prefix)).BindUtf8(after).Bind(nMax);
     }
     else
     {

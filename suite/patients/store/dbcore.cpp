@@ -86,11 +86,39 @@ int Number(std::string_view text, size_t nPos, size_t nDigits)
     }
     return nValue;
 }
+/// Whether a file lies on another computer. The setting is for storage that does not look it.
+bool IsOnNetwork(LPCTSTR pszPath)
+{
+    if (velGetIniInt("Environment", "DatabaseOnNetwork", 0) != 0)
+        return true;
+    char szFull[MAX_PATH] = "", szVolume[MAX_PATH] = "";
+    if (!GetFullPathNameA(pszPath, sizeof(szFull), szFull, nullptr))
+        return false;
+    if (strncmp(szFull, "\\\\", 2) == 0)
+        return true;
+    return GetVolumePathNameA(szFull, szVolume, sizeof(szVolume)) && GetDriveTypeA(szVolume) == DRIVE_REMOTE;
+}
+
+/// Whether the file says of itself that it is written through a write-ahead log.
+bool HasWriteAheadLog(LPCTSTR pszPath)
+{
+    constexpr DWORD READ_VERSION = 19, LOGGED = 2; // of the file format
+    BYTE header[READ_VERSION + 1] = {};
+    DWORD dwRead = 0;
+    const HANDLE hFile = CreateFileA(pszPath, GENERIC_READ,
+                                     FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                     OPEN_EXISTING, 0, nullptr);
+    if (hFile == INVALID_HANDLE_VALUE)
+        return false; // opening it says why
+    const BOOL bRead = ReadFile(hFile, header, sizeof(header), &dwRead, nullptr);
+    CloseHandle(hFile);
+    return bRead && dwRead == sizeof(header) && header[READ_VERSION] == LOGGED;
+}
 } // namespace
 
 // dbCConnection
 
-dbCConnection::dbCConnection(LPCTSTR pszPath, Mode mode) : m_strPath(pszPath)
+dbCConnection::dbCConnection(LPCTSTR pszPath, Mode mode) : m_strPath(pszPath), m_bShared(IsOnNetwork(pszPath))
 {
     const DWORD dwAttributes = GetFileAttributesA(pszPath);
     if (mode == Mode::Open)
@@ -125,6 +153,8 @@ dbCConnection::dbCConnection(LPCTSTR pszPath, Mode mode) : m_strPath(pszPath)
         sqlite3_db_config(m_pDb, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
         sqlite3_db_config(m_pDb, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
         sqlite3_db_config(m_pDb, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
+        if (m_bShared && HasWriteAheadLog(pszPath))
+            LeaveWriteAheadLog();
         Execute("PRAGMA foreign_keys = ON; PRAGMA synchronous = FULL; PRAGMA temp_store = MEMORY; PRAGMA "
                 "cache_size = -16000");
     }
@@ -143,6 +173,17 @@ dbCConnection::~dbCConnection()
         for (sqlite3_stmt* pStatement : statements)
             sqlite3_finalize(pStatement);
     sqlite3_close_v2(m_pDb);
+}
+
+void dbCConnection::LeaveWriteAheadLog()
+{
+    // Alone with the file the log needs no shared memory.
+    if (sqlite3_exec(m_pDb, "PRAGMA locking_mode = EXCLUSIVE; PRAGMA journal_mode = DELETE", nullptr, nullptr,
+                     nullptr) != SQLITE_OK ||
+        HasWriteAheadLog(m_strPath))
+        dbCException::Throw(dbErrNetwork, m_strPath);
+    // Gives the file free with the next access.
+    Execute("PRAGMA locking_mode = NORMAL; SELECT count(*) FROM sqlite_schema");
 }
 
 dbCConnection& dbCConnection::Current()

@@ -45,6 +45,12 @@ public:
     {
         return m_strPath;
     }
+    /// Whether the file is reached over the network: the memory that processes share for a write-ahead log
+    /// then does not work, and a rollback journal takes its place.
+    bool IsShared() const
+    {
+        return m_bShared;
+    }
 
     /// Runs SQL that is part of the program (never built from data), one statement or several.
     void Execute(const char* pszSql);
@@ -82,8 +88,11 @@ private:
     void GiveBack(std::string_view sql, sqlite3_stmt* pStatement);
     void RunSavepoint(const char* pszVerb, int nLevel);
 
+    void LeaveWriteAheadLog();
+
     sqlite3* m_pDb = nullptr;
     CString m_strPath;
+    bool m_bShared;
     std::unordered_map<std::string_view, std::vector<sqlite3_stmt*>> m_free; ///< keys are string literals
     std::vector<Frame> m_frames; ///< one per open transaction, outermost first
 };

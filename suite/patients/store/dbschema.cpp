@@ -234,7 +234,8 @@ std::span<const dbSMigration> dbSchemaSteps()
 
 void dbCreateSchema(dbCConnection& connection, std::span<const dbSMigration> steps)
 {
-    connection.Execute("PRAGMA journal_mode = WAL");
+    if (!connection.IsShared())
+        connection.Execute("PRAGMA journal_mode = WAL");
     InTransaction(connection, [&] {
         RunSteps(connection, steps, 0);
         connection.Execute(("PRAGMA application_id = " + std::to_string(APPLICATION_ID)).c_str());
@@ -243,8 +244,7 @@ void dbCreateSchema(dbCConnection& connection, std::span<const dbSMigration> ste
 
 void dbUpdateSchema(dbCConnection& connection, std::span<const dbSMigration> steps)
 {
-    CheckVersion(connection, steps.size());
-    connection.Execute("PRAGMA journal_mode = WAL");
+    // The journal stays as it is: another computer may need a rollback journal.
     if (CheckVersion(connection, steps.size()) == steps.size())
         return;
     InTransaction(connection, [&] {
