@@ -1,6 +1,7 @@
 // The practice's lists: keywords, doctors, offices, statuses, insurances, options, treatments, diagnostics,
 // tasks, and the audit log.
 
+#include "suite/patients/records/dbemails.h"
 #include "tests/patients/testdatabase.h"
 
 namespace
@@ -162,6 +163,51 @@ TEST(Doctors, OneThatIsReferredToStays)
     dbCDoctor(stale).Delete();
     again.Save();
     EXPECT_EQ(ErrorOf([&] { stale.Save(); }), dbErrChangedElsewhere);
+}
+
+TEST(Emails, OfADoctorAndAroundAPatient)
+{
+    TestDatabase database;
+    const CString strDoctor = AddDoctor("Frost");
+    dbCDoctor before, doctor;
+    before.Load(strDoctor);
+    dbCPersonEmails emails;
+    for (const char* psz : {"a@x.org", " ", "b@x.org ", "c@x.org"})
+        emails.Add(psz);
+    emails.Save(strDoctor);
+    EXPECT_EQ(ErrorOf([&] { before.Save(); }), dbErrChangedElsewhere);
+    EXPECT_EQ(ErrorOf([&] { emails.Save("none"); }), dbErrNotFound);
+    ASSERT_TRUE(doctor.Load(strDoctor));
+    EXPECT_EQ(doctor.GetPerson().GetEmail(), "a@x.org");
+    doctor.GetPerson().SetEmail("d@x.org");
+    doctor.Save();
+    emails.LoadByPersonGUID(strDoctor);
+    ASSERT_EQ(emails.GetCount(), 3);
+    EXPECT_EQ(emails[0], "d@x.org");
+    EXPECT_EQ(emails[1], "b@x.org");
+    EXPECT_EQ(emails[2], "c@x.org");
+    emails.RemoveAll();
+    emails.Save(strDoctor);
+    emails.LoadByPersonGUID(strDoctor);
+    EXPECT_TRUE(emails.IsEmpty());
+
+    dbCPatient patient = NewPatient("A1");
+    dbCPatientEmailsContainer rows;
+    EXPECT_TRUE(dbCPatientEmailsContainer::TableExists());
+    rows.Add({"P", "Family", "Home", "Ms", HardText(), "Lee", "m@x.org"});
+    rows.Add({"Q", "2", "3", "4", "5", "6", "7"});
+    EXPECT_EQ(ErrorOf([&] { rows.Save(patient.GetGUID()); }), dbErrNotFound);
+    patient.Save();
+    rows.Save(patient.GetGUID());
+    rows.Save(patient.GetGUID());
+    ASSERT_EQ(rows.LoadByPatID(patient.GetGUID()), 2);
+    EXPECT_EQ(rows[0].strFirstname, HardText());
+    EXPECT_EQ(rows[0].strAddress, "m@x.org");
+    const dbSPatientEmail& row = rows[1];
+    EXPECT_EQ(row.strPersonID + row.strCategory + row.strType + row.strSalutation + row.strFirstname +
+                  row.strLastname + row.strAddress,
+              "Q234567");
+    EXPECT_EQ(rows.LoadByPatID("none"), 0);
 }
 
 TEST(Offices, DeletingOneLeavesItsPatientsWithout)

@@ -188,7 +188,19 @@ ALTER TABLE patients DROP COLUMN deleted;
 CREATE INDEX patientsByName ON patients (lastKey, firstKey, birthKey, person);
 )sql";
 
-constexpr dbSMigration STEPS[] = {{VERSION_1}, {VERSION_2}, {TIMEPOINT_NAMES}, {TRANSFER_REASONS}, {JOURNAL}};
+// A person's addresses behind the first, and those of people around a patient.
+constexpr const char* EMAILS = R"sql(
+CREATE TABLE emails (
+    person INTEGER NOT NULL REFERENCES persons ON DELETE CASCADE, position INTEGER NOT NULL, address TEXT NOT NULL,
+    PRIMARY KEY (person, position)) WITHOUT ROWID;
+CREATE TABLE patientEmails (
+    patient INTEGER NOT NULL REFERENCES patients ON DELETE CASCADE, position INTEGER NOT NULL,
+    personID TEXT NOT NULL, category TEXT NOT NULL, type TEXT NOT NULL, salutation TEXT NOT NULL,
+    firstName TEXT NOT NULL, lastName TEXT NOT NULL, address TEXT NOT NULL,
+    PRIMARY KEY (patient, position)) WITHOUT ROWID;
+)sql";
+
+constexpr dbSMigration STEPS[] = {{VERSION_1}, {VERSION_2}, {TIMEPOINT_NAMES}, {TRANSFER_REASONS}, {JOURNAL}, {EMAILS}};
 
 void RunSteps(dbCConnection& connection, std::span<const dbSMigration> steps, size_t nFrom)
 {
