@@ -26,7 +26,7 @@ dbError Update(const std::string& path, const std::vector<dbSMigration>& steps)
 {
     try
     {
-        dbCConnection connection(path.c_str(), dbCConnection::Mode::Open);
+        dbCSqliteSession connection(path.c_str(), dbCSqliteSession::Mode::Open);
         dbUpdateSchema(connection, steps);
     }
     catch (dbCException* e)
@@ -40,7 +40,7 @@ dbError Update(const std::string& path, const std::vector<dbSMigration>& steps)
 
 __int64 Ask(const std::string& path, const char* pszSql)
 {
-    dbCConnection connection(path.c_str(), dbCConnection::Mode::Open);
+    dbCSqliteSession connection(path.c_str(), dbCSqliteSession::Mode::Open);
     return connection.QueryInt(pszSql);
 }
 
@@ -48,7 +48,7 @@ struct OldDatabase
 {
     OldDatabase() : path(practice.Path("old.db"))
     {
-        dbCConnection connection(path.c_str(), dbCConnection::Mode::Create);
+        dbCSqliteSession connection(path.c_str(), dbCSqliteSession::Mode::Create);
         dbCreateSchema(connection);
         connection.Execute("INSERT INTO persons VALUES (1, 'G', '', 'Ann', 'Lee', '', '', '', '', NULL, 1)");
     }
@@ -74,7 +74,7 @@ TEST(Schema, WhatAnEarlierVersionLeftToDoIsStillDone)
     const veltest::TemporaryPractice practice;
     const std::string path = practice.Path("old.db");
     {
-        dbCConnection connection(path.c_str(), dbCConnection::Mode::Create);
+        dbCSqliteSession connection(path.c_str(), dbCSqliteSession::Mode::Create);
         dbCreateSchema(connection, dbSchemaSteps().first(3));
         connection.Execute(
             "INSERT INTO persons VALUES (1, 'G1', '', '', '', '', '', '', '', NULL, 0),"
@@ -112,7 +112,7 @@ TEST(Schema, NewerOrForeignIsRefused)
 
     const std::string foreign = old.practice.Path("foreign.db");
     {
-        dbCConnection connection(foreign.c_str(), dbCConnection::Mode::Create);
+        dbCSqliteSession connection(foreign.c_str(), dbCSqliteSession::Mode::Create);
         connection.Execute("CREATE TABLE t (x); PRAGMA user_version = 1");
     }
     EXPECT_EQ(Update(foreign, StepsAnd({})), dbErrNotPatients);

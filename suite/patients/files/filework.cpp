@@ -297,7 +297,7 @@ void patCFileWork::Note()
         .Bind(m_strNewID)
         .Bind(m_pToken->GetName().c_str())
         .Run();
-    m_nRow = dbCConnection::Current().GetLastRow();
+    m_nRow = dbCSession::Current().GetLastRow();
     NoteFiles(m_nRow, m_files);
     dbCTransaction::AtEnd(nullptr, [self = shared_from_this()] { self->Commit(); });
     Step(m_kind, "noted");

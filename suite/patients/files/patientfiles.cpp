@@ -287,7 +287,7 @@ void patFollowAtCommit(LPCTSTR pszID)
     if (velGetDataPath().IsEmpty())
         return;
     dbCStatement("INSERT INTO patientFileWork (patientID) VALUES (?)").Bind(pszID).Run();
-    dbCTransaction::AtEnd(nullptr, [nRow = dbCConnection::Current().GetLastRow(), strID = CString(pszID)] {
+    dbCTransaction::AtEnd(nullptr, [nRow = dbCSession::Current().GetLastRow(), strID = CString(pszID)] {
         Attempt([&] { FollowNoted(nRow, strID); });
     });
     dbStep("patientFile.noted");

@@ -32,7 +32,7 @@ void dbCApplicationOptionsContainer::InsertRow(const dbSApplicationOption& row)
     insert.Bind(row.strKey).Bind(row.strValue).Bind(row.strDescription).Bind(row.nStatus).Bind(row.nForUser);
     insert.Bind(row.strEmployeeID).Bind(row.strOldID).Run();
     dbSApplicationOption stored = row;
-    stored.nRow = dbCConnection::Current().GetLastRow();
+    stored.nRow = dbCSession::Current().GetLastRow();
     Add(stored);
 }
 
@@ -47,7 +47,7 @@ void dbCApplicationOptionsContainer::UpdateRow(const dbSApplicationOption& row)
         .Bind(row.nForUser)
         .Bind(row.strEmployeeID);
     update.Bind(row.strOldID).Bind(row.nRow).Run();
-    if (dbCConnection::Current().GetChanges() == 0)
+    if (dbCSession::Current().GetChanges() == 0)
         dbCException::Throw(dbErrNotFound, row.strKey);
     for (dbSApplicationOption& own : *this)
         if (own.nRow == row.nRow)

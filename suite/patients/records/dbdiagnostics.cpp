@@ -63,7 +63,7 @@ void dbCPatientDiagnostics::AddDiagnosticRecord(LPCTSTR pszDtID, int nTP, const 
         "?");
     insert.Bind(nTP).Bind(nPosition).Bind(info.GetValue()).Bind(info.GetNote()).BindDateTime(dateTime);
     insert.Bind(m_strPatientGUID).Bind(pszDtID).Run();
-    if (dbCConnection::Current().GetChanges() == 0)
+    if (dbCSession::Current().GetChanges() == 0)
         dbCException::Throw(dbErrNotFound, pszDtID);
     Add({pszDtID, "", info.GetValue(), info.GetNote(), nTP, nPosition, dateTime});
 }

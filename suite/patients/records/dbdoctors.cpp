@@ -17,7 +17,7 @@ __int64 RequireType(const CString& strType)
     if (query.Step())
         return query.Int64(0);
     dbCStatement("INSERT INTO doctorTypes (name, nameKey) VALUES (?, ?)").Bind(strType).BindUtf8(key).Run();
-    return dbCConnection::Current().GetLastRow();
+    return dbCSession::Current().GetLastRow();
 }
 } // namespace
 
@@ -139,7 +139,7 @@ BOOL dbCDoctorTypes::AddDoctorType(LPCTSTR pszName)
         .Bind(pszName)
         .BindUtf8(key)
         .Run();
-    return dbCConnection::Current().GetChanges() > 0;
+    return dbCSession::Current().GetChanges() > 0;
 }
 
 BOOL dbCDoctorTypes::ModifyDoctorType(LPCTSTR pszOldName, LPCTSTR pszNewName)
@@ -153,11 +153,11 @@ BOOL dbCDoctorTypes::ModifyDoctorType(LPCTSTR pszOldName, LPCTSTR pszNewName)
         .BindUtf8(newKey)
         .BindUtf8(oldKey)
         .Run();
-    return dbCConnection::Current().GetChanges() > 0;
+    return dbCSession::Current().GetChanges() > 0;
 }
 
 BOOL dbCDoctorTypes::DeleteDoctorType(LPCTSTR pszName)
 {
     dbCStatement("DELETE FROM doctorTypes WHERE nameKey = ?").BindUtf8(dbFold(pszName)).Run();
-    return dbCConnection::Current().GetChanges() > 0;
+    return dbCSession::Current().GetChanges() > 0;
 }

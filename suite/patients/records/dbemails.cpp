@@ -43,8 +43,7 @@ void dbCPersonEmails::Save(LPCTSTR pszPersonGUID)
 
 BOOL dbCPatientEmailsContainer::TableExists()
 {
-    return dbCConnection::Current().QueryInt(
-               "SELECT count(*) FROM sqlite_schema WHERE type = 'table' AND name = 'patientEmails'") != 0;
+    return dbCSession::Current().HasTable("patientEmails");
 }
 
 int dbCPatientEmailsContainer::LoadByPatID(LPCTSTR pszPatientGUID)

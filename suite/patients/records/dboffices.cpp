@@ -23,7 +23,7 @@ CString NameOf(std::string_view sql, LPCTSTR pszGUID)
 /// After a change by GUID: throws when there was no such row.
 void RequireChange(LPCTSTR pszGUID)
 {
-    if (dbCConnection::Current().GetChanges() == 0)
+    if (dbCSession::Current().GetChanges() == 0)
         dbCException::Throw(dbErrNotFound, pszGUID);
 }
 } // namespace

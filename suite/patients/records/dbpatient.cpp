@@ -190,7 +190,7 @@ void dbCPatient::SetBalance(__int64 nBalance)
                        " JOIN patients t ON t.person = p.id WHERE p.guid = ?"
                        " ON CONFLICT (patient) DO UPDATE SET amount = excluded.amount");
     write.Bind(nBalance).Bind(m_f.strGUID).Run();
-    if (dbCConnection::Current().GetChanges() == 0)
+    if (dbCSession::Current().GetChanges() == 0)
         dbCException::Throw(dbErrNotFound, m_f.strID);
 }
 

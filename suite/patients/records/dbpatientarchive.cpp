@@ -322,7 +322,7 @@ void dbCPatient::Serialize(CArchive& ar, int nFormat)
     if (ar.IsStoring())
     {
         patient = *this;
-        if (m_bStored && dbCConnection::CurrentOrNull())
+        if (m_bStored && dbCSession::CurrentOrNull())
             Archive::Complete(patient);
         dbCArchiveWriter writer(nFormat);
         Archive::Whole(writer, patient);

@@ -65,12 +65,22 @@ struct SortKey
     }
 };
 
+/// The open database: the patient list owns it, calls go through it.
+std::unique_ptr<dbCSession> g_pSession;
+
 void CloseCurrent()
 {
-    if (!dbCConnection::CurrentOrNull())
+    if (!dbCSession::CurrentOrNull())
         return;
     patReleaseOwnLocks();
-    dbCConnection::SetCurrent(nullptr);
+    dbCSession::SetCurrent(nullptr);
+    g_pSession.reset();
+}
+
+void MakeCurrent(std::unique_ptr<dbCSession> pSession)
+{
+    g_pSession = std::move(pSession);
+    dbCSession::SetCurrent(g_pSession.get());
 }
 } // namespace
 
@@ -78,10 +88,10 @@ void CloseCurrent()
 
 void dbCPatients::Open(LPCTSTR pszPath)
 {
-    auto pConnection = std::make_unique<dbCConnection>(pszPath, dbCConnection::Mode::Open);
-    dbUpdateSchema(*pConnection);
+    auto pSession = std::make_unique<dbCSqliteSession>(pszPath, dbCSqliteSession::Mode::Open);
+    dbUpdateSchema(*pSession);
     CloseCurrent();
-    dbCConnection::SetCurrent(std::move(pConnection));
+    MakeCurrent(std::move(pSession));
     dbCFilePlacement::RemoveAbandoned();
     patCEarlierFile::RestoreAbandoned();
     patRemoveAbandonedTexts();
@@ -106,20 +116,20 @@ void dbCPatients::Create(LPCTSTR pszPath)
         }
         CloseHandle(hFile);
     }
-    std::unique_ptr<dbCConnection> pConnection;
+    std::unique_ptr<dbCSqliteSession> pSession;
     try
     {
-        pConnection = std::make_unique<dbCConnection>(pszPath, dbCConnection::Mode::Open);
-        dbCreateSchema(*pConnection);
+        pSession = std::make_unique<dbCSqliteSession>(pszPath, dbCSqliteSession::Mode::Open);
+        dbCreateSchema(*pSession);
     }
     catch (...)
     {
-        pConnection.reset();
+        pSession.reset();
         DeleteFileA(pszPath);
         throw;
     }
     CloseCurrent();
-    dbCConnection::SetCurrent(std::move(pConnection));
+    MakeCurrent(std::move(pSession));
 }
 
 void dbCPatients::Close()
@@ -129,21 +139,18 @@ void dbCPatients::Close()
 
 BOOL dbCPatients::IsOpen()
 {
-    return dbCConnection::CurrentOrNull() != nullptr;
+    return dbCSession::CurrentOrNull() != nullptr;
 }
 
 CString dbCPatients::GetPath()
 {
-    const dbCConnection* pConnection = dbCConnection::CurrentOrNull();
-    return pConnection ? pConnection->GetPath() : CString();
+    const dbCSession* pSession = dbCSession::CurrentOrNull();
+    return pSession ? pSession->GetPath() : CString();
 }
 
 __int64 dbCPatients::GetChangeCounter()
 {
-    // data_version counts the commits of others, total_changes the rows of this connection.
-    dbCConnection& connection = dbCConnection::Current();
-    return (connection.QueryInt("PRAGMA data_version") << 40) +
-           sqlite3_total_changes64(connection.GetHandle());
+    return dbCSession::Current().GetChangeCounter();
 }
 
 // Look-ups

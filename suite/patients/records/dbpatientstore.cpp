@@ -407,7 +407,7 @@ void dbCPatientStore::SaveTimepoints(dbCPatient& patient, __int64 nRow, bool bNe
         if (bInsert)
         {
             write.Bind(timepoint.GettpID()).Bind(nRow).Run();
-            nTimepoint = dbCConnection::Current().GetLastRow();
+            nTimepoint = dbCSession::Current().GetLastRow();
         }
         else
         {

@@ -4,8 +4,7 @@
 
 BOOL dbCRaskoTasksContainer::TableExists()
 {
-    return dbCConnection::Current().QueryInt(
-               "SELECT count(*) FROM sqlite_schema WHERE type = 'table' AND name = 'raskoTasks'") != 0;
+    return dbCSession::Current().HasTable("raskoTasks");
 }
 
 int dbCRaskoTasksContainer::ReadAll(dbCStatement& query)
@@ -90,7 +89,7 @@ void dbCRaskoTasksContainer::InsertRow(dbSRaskoTask& task)
         .Bind(task.strQueueComputer)
         .BindDateTime(COleDateTime::GetCurrentTime());
     insert.Run();
-    task.nTask = dbCConnection::Current().GetLastRow();
+    task.nTask = dbCSession::Current().GetLastRow();
 }
 
 BOOL dbCServicePatients::FindByGUID(LPCTSTR pszPatientGUID, dbSServicePatient& row)

@@ -52,7 +52,7 @@ void dbCPatientTreatmentStatusHistoryTable::InsertRow(dbCPatientTreatmentStatusH
         " SELECT ?, t.person, ?, ?, ?, ? FROM persons p JOIN patients t ON t.person = p.id WHERE p.guid = ?");
     insert.Bind(strID).Bind(row.GetDescription()).Bind(row.GetNewCode()).Bind(row.GetActive());
     insert.BindDateTime(row.GetDateTime()).Bind(row.GetpatID()).Run();
-    if (dbCConnection::Current().GetChanges() == 0)
+    if (dbCSession::Current().GetChanges() == 0)
         dbCException::Throw(dbErrNotFound, row.GetpatID());
     row.SetptshID(strID);
     Add(row);
@@ -84,7 +84,7 @@ BOOL dbCTimepointsContainer::Reactivate(LPCTSTR pszTpID)
 {
     dbCTransaction transaction;
     dbCStatement("UPDATE timepoints SET active = 1 WHERE guid = ?").Bind(pszTpID).Run();
-    if (dbCConnection::Current().GetChanges() == 0)
+    if (dbCSession::Current().GetChanges() == 0)
         return FALSE;
     // Whoever has loaded the patient before would make it inactive again.
     dbCStatement("UPDATE patients SET rowVersion = ? WHERE person = (SELECT patient FROM timepoints WHERE guid = ?)")

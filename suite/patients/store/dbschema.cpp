@@ -202,7 +202,7 @@ CREATE TABLE patientEmails (
 
 constexpr dbSMigration STEPS[] = {{VERSION_1}, {VERSION_2}, {TIMEPOINT_NAMES}, {TRANSFER_REASONS}, {JOURNAL}, {EMAILS}};
 
-void RunSteps(dbCConnection& connection, std::span<const dbSMigration> steps, size_t nFrom)
+void RunSteps(dbCSqliteSession& connection, std::span<const dbSMigration> steps, size_t nFrom)
 {
     for (const dbSMigration& step : steps.subspan(nFrom))
         connection.Execute(step.pszSql);
@@ -210,7 +210,7 @@ void RunSteps(dbCConnection& connection, std::span<const dbSMigration> steps, si
 }
 
 /// The database's version; throws when it is no patient database or of a version that is not known.
-size_t CheckVersion(dbCConnection& connection, size_t nNewest)
+size_t CheckVersion(dbCSqliteSession& connection, size_t nNewest)
 {
     if (connection.QueryInt("PRAGMA application_id") != APPLICATION_ID)
         dbCException::Throw(dbErrNotPatients, connection.GetPath());
@@ -223,7 +223,7 @@ size_t CheckVersion(dbCConnection& connection, size_t nNewest)
 }
 
 /// Runs `work` in a transaction of its own, rolled back when it throws.
-template <typename Work> void InTransaction(dbCConnection& connection, Work work)
+template <typename Work> void InTransaction(dbCSqliteSession& connection, Work work)
 {
     const int nLevel = connection.Begin();
     try
@@ -244,7 +244,7 @@ std::span<const dbSMigration> dbSchemaSteps()
     return STEPS;
 }
 
-void dbCreateSchema(dbCConnection& connection, std::span<const dbSMigration> steps)
+void dbCreateSchema(dbCSqliteSession& connection, std::span<const dbSMigration> steps)
 {
     if (!connection.IsShared())
         connection.Execute("PRAGMA journal_mode = WAL");
@@ -254,7 +254,7 @@ void dbCreateSchema(dbCConnection& connection, std::span<const dbSMigration> ste
     });
 }
 
-void dbUpdateSchema(dbCConnection& connection, std::span<const dbSMigration> steps)
+void dbUpdateSchema(dbCSqliteSession& connection, std::span<const dbSMigration> steps)
 {
     // The journal stays as it is: another computer may need a rollback journal.
     if (CheckVersion(connection, steps.size()) == steps.size())

@@ -5,7 +5,7 @@
 // A database carries the number of the last migration step it has been through (user_version) and the mark of
 // a patient database (application_id). A released step is never changed; a new one is appended.
 
-#include "suite/patients/store/dbcore.h"
+#include "suite/patients/store/sqlitesession.h"
 
 #include <span>
 
@@ -19,9 +19,9 @@ struct dbSMigration
 std::span<const dbSMigration> dbSchemaSteps();
 
 /// Makes an empty database one of patients, at the newest version.
-void dbCreateSchema(dbCConnection& connection, std::span<const dbSMigration> steps = dbSchemaSteps());
+void dbCreateSchema(dbCSqliteSession& connection, std::span<const dbSMigration> steps = dbSchemaSteps());
 
 /// Checks that the database is one of patients and of a known version, without changing anything, then brings
 /// an older one forward in one transaction. Throws dbErrCorrupt, dbErrNotPatients, dbErrNewerVersion and
 /// others.
-void dbUpdateSchema(dbCConnection& connection, std::span<const dbSMigration> steps = dbSchemaSteps());
+void dbUpdateSchema(dbCSqliteSession& connection, std::span<const dbSMigration> steps = dbSchemaSteps());

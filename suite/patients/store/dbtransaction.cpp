@@ -2,7 +2,7 @@
 
 #include "suite/patients/store/dbcore.h"
 
-dbCTransaction::dbCTransaction() : m_nLevel(dbCConnection::Current().Begin())
+dbCTransaction::dbCTransaction() : m_nLevel(dbCSession::Current().Begin())
 {
 }
 
@@ -17,7 +17,7 @@ void dbCTransaction::Commit()
         return;
     try
     {
-        dbCConnection::Current().Commit(m_nLevel);
+        dbCSession::Current().Commit(m_nLevel);
     }
     catch (...)
     {
@@ -32,18 +32,18 @@ void dbCTransaction::Rollback()
     if (m_nLevel == 0)
         return;
     // The database may have been closed meanwhile, which rolls back too.
-    if (dbCConnection* pConnection = dbCConnection::CurrentOrNull())
+    if (dbCSession* pConnection = dbCSession::CurrentOrNull())
         pConnection->Rollback(m_nLevel);
     m_nLevel = 0;
 }
 
 BOOL dbCTransaction::IsActive()
 {
-    const dbCConnection* pConnection = dbCConnection::CurrentOrNull();
+    const dbCSession* pConnection = dbCSession::CurrentOrNull();
     return pConnection && pConnection->GetLevel() > 0;
 }
 
 void dbCTransaction::AtEnd(std::function<void()> fnRollback, std::function<void()> fnCommit)
 {
-    dbCConnection::Current().AtEnd(std::move(fnRollback), std::move(fnCommit));
+    dbCSession::Current().AtEnd(std::move(fnRollback), std::move(fnCommit));
 }
