@@ -63,11 +63,6 @@ dbError ErrorFromSqlite(sqlite3* pDb, int nResult, const std::string& message)
     }
 }
 
-CString DetailFromUtf8(const char* psz)
-{
-    return dbFromUtf8ForDisplay(psz ? psz : "").c_str();
-}
-
 /// Whether a file lies on another computer. The setting is for storage that does not look it.
 bool IsOnNetwork(LPCTSTR pszPath)
 {
