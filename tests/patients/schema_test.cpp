@@ -75,7 +75,7 @@ TEST(Schema, WhatAnEarlierVersionLeftToDoIsStillDone)
     const std::string path = practice.Path("old.db");
     {
         dbCSqliteSession connection(path.c_str(), dbCSqliteSession::Mode::Create);
-        dbCreateSchema(connection, dbSchemaSteps().first(3));
+        dbCreateSchema(connection, dbSchemaSteps().first(4));
         connection.Execute(
             "INSERT INTO persons VALUES (1, 'G1', '', '', '', '', '', '', '', NULL, 0),"
             " (2, 'G2', '', '', '', '', '', '', '', NULL, 0), (5, 'G5', '', '', '', '', '', '', '', NULL, 0),"
