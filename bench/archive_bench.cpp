@@ -5,6 +5,7 @@
 #include "archive/files/fileset.h"
 #include "archive/zip/unzipper.h"
 #include "archive/work/verify.h"
+#include "archive/work/winworkers.h"
 #include "archive/volumes/volumestream.h"
 #include "archive/zip/zipper.h"
 
@@ -152,6 +153,29 @@ bool PlainMinizip(const Patient& patient, const std::string& path)
     return zipClose(zip, nullptr) == ZIP_OK;
 }
 
+// Many small files, as a patient of many timepoints without images has.
+bool GenerateSmall(Patient& patient)
+{
+    arc::FileSystem& files = arc::WindowsFileSystem();
+    std::mt19937_64 random(7);
+    for (int i = 0; i < 1000; ++i)
+    {
+        const std::string name = "SMALL" + std::to_string(i) + ".DF0";
+        std::string text;
+        while (text.size() < 2000)
+        {
+            text += std::to_string(random() % 4096) + "\n";
+        }
+        const auto file = files.Open(arc::JoinPath(patient.folder, name), arc::Access::Replace);
+        if (!file || !file->Write(text.data(), text.size()) || !file->Close())
+        {
+            return false;
+        }
+        patient.files.push_back({name, text.size()});
+    }
+    return true;
+}
+
 // And how it would unpack.
 bool PlainUnzip(const std::string& path, const std::string& folder)
 {
@@ -216,7 +240,7 @@ int main(int count, char** arguments)
     arc::FileSystem& files = arc::WindowsFileSystem();
     const std::string root = files.Absolute(arguments[1]);
     const std::uint64_t bytes = std::strtoull(arguments[2], nullptr, 10) << 20;
-    for (const char* folder : {"", "work", "zip", "out", "plain", "copy", "vol", "back"})
+    for (const char* folder : {"", "work", "zip", "out", "plain", "copy", "vol", "back", "small"})
     {
         files.CreateFolder(arc::JoinPath(root, folder));
     }
@@ -226,15 +250,27 @@ int main(int count, char** arguments)
 
     const std::string archive = arc::ZippedArchiveName(arc::JoinPath(root, "zip"), Id);
     const std::string plain = arc::JoinPath(root, "zip\\plain.zip");
-    const auto save = [&] {
+    const arc::Parallel all = arc::WorkersOfThisMachine(0);
+    const auto saveAs = [&](const Patient& saved, const std::string& path, const arc::Parallel& parallel) {
         CZipper zipper(files);
-        const bool added = zipper.OpenZip(archive) && zipper.AddFiles(patient.folder, patient.files);
+        zipper.SetParallel(parallel);
+        const bool added = zipper.OpenZip(path) && zipper.AddFiles(saved.folder, saved.files);
         return zipper.CloseZip() && added;
     };
+    const auto save = [&] { return saveAs(patient, archive, all); };
+    const auto saveOne = [&] { return saveAs(patient, arc::JoinPath(root, "zip\\one.kaz"), {}); };
     const auto load = [&] {
         CUnzipper unzipper(files);
+        unzipper.SetParallel(all);
         return unzipper.OpenZip(archive) && unzipper.UnzipAll(arc::JoinPath(root, "out"));
     };
+    Patient small;
+    small.folder = arc::JoinPath(root, "small");
+    if (!GenerateSmall(small))
+    {
+        return 1;
+    }
+    const std::string smallArchive = arc::JoinPath(root, "zip\\small.kaz");
     arc::FolderVolumes volumes(files, arc::JoinPath(root, "vol"), Id);
     const auto writeVolumes = [&] {
         return arc::WriteVolumeStream(files, patient.folder, patient.files, {}, volumes) ==
@@ -253,7 +289,10 @@ int main(int count, char** arguments)
     } steps[] = {
         {"minizip_program", [&] { return PlainMinizip(patient, plain); }, nullptr},
         {"save", save, nullptr},
-        {"verify", [&] { return arc::VerifyZip(files, archive, patient.files); }, nullptr},
+        {"save_one", saveOne, nullptr},
+        {"verify", [&] { return arc::VerifyZip(files, archive, patient.files, {}, all); }, nullptr},
+        {"small", [&] { return saveAs(small, smallArchive, all); }, nullptr},
+        {"small_one", [&] { return saveAs(small, smallArchive, {}); }, nullptr},
         {"minizip_unzip", [&] { return PlainUnzip(plain, arc::JoinPath(root, "plain")); }, "plain"},
         {"load", load, "out"},
         {"windows_copy", [&] { return Copy(patient, arc::JoinPath(root, "copy")); }, "copy"},
@@ -280,6 +319,8 @@ int main(int count, char** arguments)
         Print(steps[index].name, best[index], 0);
     }
     Print("packed", 0, files.Query(archive)->size);
+    Print("packed_one", 0, files.Query(arc::JoinPath(root, "zip\\one.kaz"))->size);
+    Print("workers", 0, all.workers);
     MeasureListing();
     PROCESS_MEMORY_COUNTERS memory{};
     K32GetProcessMemoryInfo(GetCurrentProcess(), &memory, sizeof memory);

@@ -18,6 +18,7 @@ function(vel_import_static name library)
 endfunction()
 
 vel_import_static(vel::zlib z)
+vel_import_static(vel::libdeflate deflate)
 vel_import_static(vel::minizip minizip)
 target_link_libraries(vel::minizip INTERFACE vel::zlib)
 if(WIN32)

@@ -147,10 +147,20 @@ enum class Access
 {
     ReadAlone,  // existing file; nobody else may open it meanwhile
     ReadShared, // existing file; others may read it
+    ReadMedium, // as ReadShared; past the system's cache where that is possible
     CreateNew,  // written from empty; fails when there is anything of the name; normal attributes
     Replace,    // written from empty, an existing file of the name is replaced; normal attributes
     Update      // existing file, read and written
 };
+
+inline bool SharesReading(Access access)
+{
+    return access == Access::ReadShared || access == Access::ReadMedium;
+}
+inline bool OnlyReads(Access access)
+{
+    return access == Access::ReadAlone || SharesReading(access);
+}
 
 // No call throws or shows anything; the objects hold no state of their own and may be used from any thread.
 class FileSystem

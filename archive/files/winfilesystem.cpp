@@ -7,7 +7,9 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <cstring>
 #include <limits>
+#include <new>
 #include <utility>
 
 namespace arc
@@ -159,6 +161,45 @@ private:
     Handle m_handle;
 };
 
+// Reads past the cache, for which position, length and memory have to be whole sectors.
+class UncachedFile : public WindowsFile
+{
+public:
+    using WindowsFile::WindowsFile;
+
+    std::optional<std::size_t> ReadAt(std::uint64_t position, void* buffer, std::size_t bytes) override
+    {
+        const std::size_t before = position % Sector;
+        const std::size_t whole = (before + bytes + Sector - 1) / Sector * Sector;
+        if (whole > m_size)
+        {
+            m_sectors.reset(static_cast<unsigned char*>(::operator new(whole, std::align_val_t(Sector))));
+            m_size = whole;
+        }
+        const auto got = WindowsFile::ReadAt(position - before, m_sectors.get(), whole);
+        if (!got)
+        {
+            return std::nullopt;
+        }
+        const std::size_t there = *got > before ? std::min(*got - before, bytes) : 0;
+        std::memcpy(buffer, m_sectors.get() + before, there);
+        return there;
+    }
+
+private:
+    static constexpr std::size_t Sector = 4096; // or a part of it
+
+    struct Free
+    {
+        void operator()(unsigned char* bytes) const
+        {
+            ::operator delete(bytes, std::align_val_t(Sector));
+        }
+    };
+    std::unique_ptr<unsigned char, Free> m_sectors;
+    std::size_t m_size = 0;
+};
+
 // Both WIN32_FIND_DATA and WIN32_FILE_ATTRIBUTE_DATA name these fields alike.
 template <class FindData> FileInfo Info(const FindData& data)
 {
@@ -201,18 +242,34 @@ public:
     std::unique_ptr<File> Open(const std::string& path, Access access) override
     {
         const QuietErrors quiet;
-        const bool writes = access != Access::ReadAlone && access != Access::ReadShared;
+        const bool writes = !OnlyReads(access);
         const DWORD disposition = access == Access::CreateNew ? CREATE_NEW
                                   : access == Access::Replace ? CREATE_ALWAYS
                                                               : OPEN_EXISTING;
-        const HANDLE handle = CreateFileA(path.c_str(), GENERIC_READ | (writes ? GENERIC_WRITE : 0),
-                                          access == Access::ReadShared ? FILE_SHARE_READ : 0, nullptr,
-                                          disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
-        if (handle == INVALID_HANDLE_VALUE)
+        const auto open = [&](DWORD flags) {
+            return CreateFileA(path.c_str(), GENERIC_READ | (writes ? GENERIC_WRITE : 0),
+                               SharesReading(access) ? FILE_SHARE_READ : 0, nullptr, disposition,
+                               FILE_ATTRIBUTE_NORMAL | flags, nullptr);
+        };
+        HANDLE handle = INVALID_HANDLE_VALUE;
+        std::unique_ptr<RawFile> file;
+        if (access == Access::ReadMedium)
         {
-            return nullptr;
+            handle = open(FILE_FLAG_NO_BUFFERING);
+            if (handle != INVALID_HANDLE_VALUE)
+            {
+                file = std::make_unique<UncachedFile>(handle);
+            }
         }
-        auto file = std::make_unique<WindowsFile>(handle);
+        if (!file)
+        {
+            handle = open(0);
+            if (handle == INVALID_HANDLE_VALUE)
+            {
+                return nullptr;
+            }
+            file = std::make_unique<WindowsFile>(handle);
+        }
         // A device or a pipe is no file, whatever its name looked like.
         if (GetFileType(handle) != FILE_TYPE_DISK)
         {

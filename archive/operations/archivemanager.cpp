@@ -5,8 +5,10 @@
 #include "archive/files/filenames.h"
 #include "archive/status/messagewait.h"
 #include "archive/work/resultcodes.h"
+#include "suite/util/velini.h"
 #include "suite/util/velstring.h"
 
+#include <algorithm>
 #include <cstring>
 
 /// Gives a lock back; false when the database could not be asked.
@@ -92,6 +94,7 @@ int arcCArchiveManager::StartThread(const arcSStatusWork& work, Work nWork)
     m_nWork = nWork;
     arcSStatusWork begun = work;
     begun.hOwner = m_pOwner->GetSafeHwnd();
+    begun.nWorkers = static_cast<unsigned>(std::max(0, velGetIniInt("Defaults", "ArchiveThreads", 0)));
     m_pThread = arcCStatusThread::Start(begun);
     if (m_pThread)
         return arc::ResultDone;

@@ -1,6 +1,7 @@
 #include "archive/status/archiveprogressdlg.h"
 
 #include "archive/work/resultcodes.h"
+#include "archive/work/winworkers.h"
 #include "archive/work/zipwork.h"
 
 namespace
@@ -86,9 +87,10 @@ arcWork arcCDlgArchiveProgress::MakeWork() const
     }
     if (!m_work.bSave)
     {
-        return [archive = std::string(m_work.strArchivePath),
-                folder = std::string(m_work.strFolder)](const arcAsk&, const arcProgress& progress) {
-            return arc::LoadZip(arc::WindowsFileSystem(), archive, folder, progress);
+        return [archive = std::string(m_work.strArchivePath), folder = std::string(m_work.strFolder),
+                nWorkers = m_work.nWorkers](const arcAsk&, const arcProgress& progress) {
+            return arc::LoadZip(arc::WindowsFileSystem(), archive, folder, progress,
+                                arc::WorkersOfThisMachine(nWorkers));
         };
     }
     CString strChecking;
@@ -100,6 +102,7 @@ arcWork arcCDlgArchiveProgress::MakeWork() const
     save.moreFiles = m_work.moreFiles;
     save.diskette = m_work.bDiskette != FALSE;
     save.checking = strChecking.GetString();
+    save.parallel = arc::WorkersOfThisMachine(m_work.nWorkers);
     save.workingPath = m_work.strWorkingPath.GetString();
     save.trial = m_work.trial;
     save.step = m_work.step;

@@ -38,6 +38,7 @@ struct arcSStatusWork
     CString strArchivePath;             ///< the ".kaz" file to write or read
     CString strWorkingPath;             ///< save: the zip's name until it is good; empty: the archive's own
     CString strFolder;                  ///< save: the working folder; load: the folder to unzip into
+    unsigned nWorkers = 0;              ///< threads that pack and unpack; 0: one for each core
     HWND hOwner = nullptr;              ///< receives arcMsgSaveEnded or arcMsgLoadEnded
     BOOL bAlternativeEngine = FALSE;    ///< the setting `UseDynaZip`; carried, without effect
 

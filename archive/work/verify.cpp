@@ -8,10 +8,11 @@
 namespace arc
 {
 bool VerifyZip(FileSystem& files, const std::string& zipPath, const std::vector<PresentFile>& expected,
-               const std::function<bool()>& alive)
+               const std::function<bool()>& alive, const Parallel& parallel)
 {
     CUnzipper unzipper(files);
-    if (!unzipper.OpenZip(zipPath) || unzipper.FileCount() != expected.size())
+    unzipper.SetParallel(parallel);
+    if (!unzipper.OpenZip(zipPath, Access::ReadMedium) || unzipper.FileCount() != expected.size())
     {
         return false;
     }
@@ -33,11 +34,11 @@ bool VerifyZip(FileSystem& files, const std::string& zipPath, const std::vector<
         }
         // Each name is struck off, so that one entry cannot stand for two files.
         const auto size = sizes.extract(FoldCase(entry.name));
-        if (!size || size.mapped() != entry.size || !unzipper.CheckCurrentEntry())
+        if (!size || size.mapped() != entry.size)
         {
             return false;
         }
     }
-    return sizes.empty();
+    return sizes.empty() && unzipper.CheckAll();
 }
 } // namespace arc

@@ -30,6 +30,7 @@ bool ZipSaving::Begin()
 bool ZipSaving::Write()
 {
     CZipper zipper(m_files);
+    zipper.SetParallel(m_save.parallel);
     zipper.SetProgress([this](int percent, const std::string& name) { return Report(percent, name); });
     m_bOpened = zipper.OpenZip(WrittenPath(), {}, false, !m_save.diskette);
     const bool added =
@@ -42,9 +43,10 @@ bool ZipSaving::Write()
 
 bool ZipSaving::Prove()
 {
-    const bool proven =
-        VerifyZip(m_files, WrittenPath(), m_stored, [this] { return Report(100, m_save.checking); }) &&
-        (!m_save.trial || m_save.trial(WrittenPath()));
+    const bool proven = VerifyZip(
+                            m_files, WrittenPath(), m_stored, [this] { return Report(100, m_save.checking); },
+                            m_save.parallel) &&
+                        (!m_save.trial || m_save.trial(WrittenPath()));
     Step("save.proven");
     return proven;
 }
@@ -99,10 +101,11 @@ int SaveZip(FileSystem& files, const ZipSave& save, const WorkProgress& progress
 }
 
 int LoadZip(FileSystem& files, const std::string& archivePath, const std::string& folder,
-            const WorkProgress& progress)
+            const WorkProgress& progress, const Parallel& parallel)
 {
     bool cancelled = false;
     CUnzipper unzipper(files);
+    unzipper.SetParallel(parallel);
     unzipper.SetProgress([&](int percent, const std::string& name) {
         cancelled = cancelled || (progress && !progress(percent, name));
         return !cancelled;

@@ -3,6 +3,7 @@
 
 #include "archive/files/asidefile.h"
 #include "archive/files/fileset.h"
+#include "archive/zip/parallel.h"
 
 #include <functional>
 #include <string>
@@ -22,6 +23,7 @@ struct ZipSave
     std::vector<std::string> moreFiles; // full paths
     bool diskette = false;              // the archive is written over an old one, not beside it
     std::string checking;               // the name that is reported while the archive is read back
+    Parallel parallel;                  // of packing and of reading back
     // A trial reading of the archive as a load would do it; without one none is made.
     std::function<bool(const std::string& path)> trial;
     // Told of every step that has been taken: "save.aside", "save.written", "save.proven", "save.placed",
@@ -80,5 +82,5 @@ int SaveZip(FileSystem& files, const ZipSave& save, const WorkProgress& progress
 
 // ResultDone when every entry was unpacked into the folder; otherwise ResultLoadFailed or ResultCancelled.
 int LoadZip(FileSystem& files, const std::string& archivePath, const std::string& folder,
-            const WorkProgress& progress = {});
+            const WorkProgress& progress = {}, const Parallel& parallel = {});
 } // namespace arc

@@ -4,6 +4,7 @@
 #include "archive/files/outputfile.h"
 #include "archive/files/pathsafety.h"
 #include "archive/files/progress.h"
+#include "archive/zip/entryunpacker.h"
 #include "archive/zip/zipfunctions.h"
 #include "archive/zip/ziplimits.h"
 #include "archive/zip/zipper.h"
@@ -49,7 +50,7 @@ CUnzipper::~CUnzipper()
     CloseZip();
 }
 
-bool CUnzipper::OpenZip(const std::string& zipPath)
+bool CUnzipper::OpenZip(const std::string& zipPath, arc::Access reading)
 {
     CloseZip();
     const std::string path = m_files.Absolute(zipPath);
@@ -58,7 +59,7 @@ bool CUnzipper::OpenZip(const std::string& zipPath)
         return false;
     }
     {
-        const auto file = m_files.Open(path, arc::Access::ReadShared);
+        const auto file = m_files.Open(path, reading);
         auto directory = file ? arc::ReadZipDirectory(*file) : std::nullopt;
         if (!directory)
         {
@@ -69,7 +70,7 @@ bool CUnzipper::OpenZip(const std::string& zipPath)
     // The library refuses a zip that is nothing but its end record.
     if (!m_directory.entries.empty())
     {
-        m_functions = std::make_unique<arc::ZipFileFunctions>(m_files);
+        m_functions = std::make_unique<arc::ZipFileFunctions>(m_files, arc::Access::Replace, reading);
         m_zip = unzOpen2_64(path.c_str(), m_functions->Table());
         if (!m_zip)
         {
@@ -77,6 +78,8 @@ bool CUnzipper::OpenZip(const std::string& zipPath)
             return false;
         }
     }
+    m_strZipPath = path;
+    m_reading = reading;
     m_bOpen = true;
     return true;
 }
@@ -97,6 +100,11 @@ void CUnzipper::CloseZip()
 void CUnzipper::SetOutputFolder(const std::string& folder)
 {
     m_strOutputFolder = folder;
+}
+
+void CUnzipper::SetParallel(const arc::Parallel& parallel)
+{
+    m_parallel = parallel;
 }
 
 void CUnzipper::SetProgress(Progress progress)
@@ -200,9 +208,9 @@ bool CUnzipper::ReadCurrentEntry(const std::function<bool(const void* data, std:
     {
         taken += static_cast<unsigned>(got);
         good = taken <= entry.size && take(buffer.data(), static_cast<std::size_t>(got));
-        if (good && m_progress && taken % ReportBytes < static_cast<unsigned>(got))
+        if (good && taken % ReportBytes < static_cast<unsigned>(got))
         {
-            good = m_progress(arc::UnzipPercent(m_nCurrent, m_directory.entries.size()), entry.name);
+            good = Report(m_nDone);
         }
     }
     // The library compares checksums when it closes an entry, but only one that was read to its end.
@@ -259,16 +267,17 @@ bool CUnzipper::UnzipCurrentEntry(const std::string& folder, bool ignorePath)
     return Extract(folder, ignorePath, nullptr);
 }
 
-bool CUnzipper::Extract(const std::string& folder, bool ignorePath, std::set<std::string>* names)
+std::optional<std::string> CUnzipper::Prepare(const std::string& folder, bool ignorePath,
+                                              std::set<std::string>* names)
 {
     if (m_nCurrent >= m_directory.entries.size())
     {
-        return false;
+        return std::nullopt;
     }
     const std::string base = m_files.Absolute(folder.empty() ? m_strOutputFolder : folder);
     if (base.empty() || (m_strKnownFolder.empty() && !MakeFolderTree(m_files, base)))
     {
-        return false;
+        return std::nullopt;
     }
     const arc::ZipEntry& entry = m_directory.entries[m_nCurrent];
     std::string_view stored = entry.name;
@@ -279,11 +288,11 @@ bool CUnzipper::Extract(const std::string& folder, bool ignorePath, std::set<std
     const auto safe = arc::SafeRelativePath(stored, base.size());
     if (!safe)
     {
-        return false;
+        return std::nullopt;
     }
     if (entry.IsFolder())
     {
-        return MakeFolders(base, safe->path);
+        return MakeFolders(base, safe->path) ? std::optional<std::string>(std::string()) : std::nullopt;
     }
     const std::string path = arc::JoinPath(base, safe->path);
     const std::string full = m_files.Absolute(path);
@@ -291,15 +300,82 @@ bool CUnzipper::Extract(const std::string& folder, bool ignorePath, std::set<std
         (names && !names->insert(arc::SameFileKey(safe->path)).second) ||
         !MakeFolders(base, std::string(arc::FolderOf(safe->path))))
     {
-        return false;
+        return std::nullopt;
     }
+    return path;
+}
+
+bool CUnzipper::WriteCurrentEntry(const std::string& path)
+{
     arc::OutputFile output(m_files);
-    if (!output.Create(path) ||
-        !ReadCurrentEntry([&](const void* data, std::size_t bytes) { return output.Write(data, bytes); },
-                          arc::ZipChunk) ||
-        !output.Keep(&entry.time))
+    return output.Create(path) &&
+           ReadCurrentEntry([&](const void* data, std::size_t bytes) { return output.Write(data, bytes); },
+                            arc::ZipChunk) &&
+           output.Keep(&m_directory.entries[m_nCurrent].time);
+}
+
+bool CUnzipper::Extract(const std::string& folder, bool ignorePath, std::set<std::string>* names)
+{
+    m_nDone = m_nCurrent;
+    const auto path = Prepare(folder, ignorePath, names);
+    return path && (path->empty() || WriteCurrentEntry(*path));
+}
+
+bool CUnzipper::Report(std::size_t entriesDone)
+{
+    const std::size_t count = m_directory.entries.size();
+    return !m_progress || m_progress(arc::UnzipPercent(entriesDone, count),
+                                     m_directory.entries[std::min(m_nCurrent, count - 1)].name);
+}
+
+std::optional<bool> CUnzipper::UnpackParallel(
+    const std::function<bool(std::size_t index, arc::ByteSpan contents)>& take,
+    const std::function<bool()>& stream)
+{
+    const auto& entries = m_directory.entries;
+    std::vector<std::size_t> fitting;
+    std::vector<std::size_t> large;
+    for (std::size_t index = 0; index < entries.size(); ++index)
     {
-        return false;
+        (arc::EntryUnpacker::Fits(entries[index], m_parallel) ? fitting : large).push_back(index);
+    }
+    arc::EntryUnpacker unpacker(m_files, m_strZipPath, m_reading, entries, fitting, m_parallel, take);
+    if (!unpacker.HasWorkers())
+    {
+        return std::nullopt;
+    }
+    std::size_t streamed = 0;
+    for (const std::size_t index : large)
+    {
+        m_nCurrent = index;
+        m_nDone = streamed + unpacker.Done();
+        if (unpacker.HasFailed() || !stream() || !Report(++streamed + unpacker.Done()))
+        {
+            return false;
+        }
+    }
+    m_nCurrent = entries.size() - 1;
+    return unpacker.Wait([&] { return Report(streamed + unpacker.Done()); });
+}
+
+bool CUnzipper::CheckAll()
+{
+    if (m_parallel.IsParallel() && !m_directory.entries.empty())
+    {
+        const auto checked = UnpackParallel([](std::size_t, arc::ByteSpan) { return true; },
+                                            [this] { return CheckCurrentEntry(); });
+        if (checked)
+        {
+            return *checked;
+        }
+    }
+    for (bool more = GoToFirstEntry(); more; more = GoToNextEntry())
+    {
+        m_nDone = m_nCurrent;
+        if (!CheckCurrentEntry() || !Report(m_nCurrent + 1))
+        {
+            return false;
+        }
     }
     return true;
 }
@@ -319,14 +395,35 @@ bool CUnzipper::UnzipAll(const std::string& folder, bool ignorePath)
     }
     m_strKnownFolder.clear();
     std::set<std::string> names;
+    if (m_parallel.IsParallel() && !m_directory.entries.empty())
+    {
+        std::vector<std::string> paths;
+        for (bool more = GoToFirstEntry(); more; more = GoToNextEntry())
+        {
+            auto path = Prepare(base, ignorePath, &names);
+            if (!path)
+            {
+                return false;
+            }
+            paths.push_back(std::move(*path));
+        }
+        const auto done = UnpackParallel(
+            [&](std::size_t index, arc::ByteSpan contents) {
+                arc::OutputFile output(m_files);
+                return paths[index].empty() ||
+                       (output.Create(paths[index]) && output.Write(contents.data(), contents.size()) &&
+                        output.Keep(&m_directory.entries[index].time));
+            },
+            [&] { return WriteCurrentEntry(paths[m_nCurrent]); });
+        if (done)
+        {
+            return *done;
+        }
+        names.clear();
+    }
     for (bool more = GoToFirstEntry(); more; more = GoToNextEntry())
     {
-        if (!Extract(base, ignorePath, &names))
-        {
-            return false;
-        }
-        if (m_progress && !m_progress(arc::UnzipPercent(m_nCurrent + 1, m_directory.entries.size()),
-                                      m_directory.entries[m_nCurrent].name))
+        if (!Extract(base, ignorePath, &names) || !Report(m_nCurrent + 1))
         {
             return false;
         }

@@ -238,7 +238,7 @@ bool IsTrusted(const ZipEntry& entry)
 // Compares the header before the entry's data with the directory, and finds where the data ends.
 bool CheckLocalHeader(File& file, std::uint64_t firstByte, std::uint64_t directoryAt, Placed& placed)
 {
-    const ZipEntry& entry = placed.entry;
+    ZipEntry& entry = placed.entry;
     std::vector<unsigned char> header(LocalHeaderSize);
     if (placed.localOffset > directoryAt || firstByte + placed.localOffset + LocalHeaderSize > directoryAt)
     {
@@ -258,6 +258,7 @@ bool CheckLocalHeader(File& file, std::uint64_t firstByte, std::uint64_t directo
     {
         return false;
     }
+    entry.dataOffset = dataAt;
     placed.end = dataAt + entry.packedSize;
 
     std::vector<unsigned char> variable(nameLength + extraLength);
@@ -333,8 +334,7 @@ std::optional<ZipDirectory> ReadZipDirectory(File& file)
             return std::nullopt;
         }
     }
-    const bool bomb =
-        directory.unpackedBytes > RatioFreeBytes && directory.unpackedBytes / MaxUnpackRatio > *fileSize;
+    const bool bomb = directory.unpackedBytes / MaxUnpackRatio > *fileSize;
     if (!rest.empty() || bomb || Overlap(placed))
     {
         return std::nullopt;

@@ -22,6 +22,7 @@ struct ZipEntry
     std::uint16_t flags = 0;
     LocalTime time;
     std::uint64_t directoryOffset = 0; // of its record within the directory, as the zip library counts it
+    std::uint64_t dataOffset = 0;      // of its packed bytes, in the file
 
     // True when its name ends in a separator or its attributes say so.
     bool IsFolder() const;

@@ -29,10 +29,10 @@ struct ZipFileFunctions::Callbacks
     static voidpf ZCALLBACK Open(voidpf opaque, const void* path, int mode)
     {
         ZipFileFunctions& self = Self(opaque);
-        Access access = Access::ReadShared;
+        Access access = self.m_reading;
         if ((mode & ZLIB_FILEFUNC_MODE_CREATE) != 0)
         {
-            access = self.m_bOnlyNew ? Access::CreateNew : Access::Replace;
+            access = self.m_creating;
         }
         else if ((mode & ZLIB_FILEFUNC_MODE_READWRITEFILTER) != ZLIB_FILEFUNC_MODE_READ)
         {
@@ -42,7 +42,7 @@ struct ZipFileFunctions::Callbacks
         {
             auto stream = std::make_unique<Stream>();
             stream->file = self.m_files.Open(static_cast<const char*>(path), access);
-            stream->written = access != Access::ReadShared;
+            stream->written = access != self.m_reading;
             if (stream->file)
             {
                 return stream.release();
@@ -106,7 +106,8 @@ struct ZipFileFunctions::Callbacks
     }
 };
 
-ZipFileFunctions::ZipFileFunctions(FileSystem& files, bool onlyNew) : m_files(files), m_bOnlyNew(onlyNew)
+ZipFileFunctions::ZipFileFunctions(FileSystem& files, Access creating, Access reading)
+    : m_files(files), m_creating(creating), m_reading(reading)
 {
     m_table.zopen64_file = Callbacks::Open;
     m_table.zread_file = Callbacks::Read;

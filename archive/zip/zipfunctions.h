@@ -13,8 +13,10 @@ namespace arc
 class ZipFileFunctions
 {
 public:
-    // onlyNew: a zip that is to be created fails where there is anything of its name.
-    explicit ZipFileFunctions(FileSystem& files, bool onlyNew = false);
+    // creating: CreateNew or Replace, for a zip that is to be created. reading: how one that is only read is
+    // opened.
+    explicit ZipFileFunctions(FileSystem& files, Access creating = Access::Replace,
+                              Access reading = Access::ReadShared);
     ZipFileFunctions(const ZipFileFunctions&) = delete;
     ZipFileFunctions& operator=(const ZipFileFunctions&) = delete;
 
@@ -26,7 +28,8 @@ private:
     struct Callbacks;
 
     FileSystem& m_files;
-    const bool m_bOnlyNew;
+    const Access m_creating;
+    const Access m_reading;
     zlib_filefunc64_def m_table{};
     bool m_bFailed = false;
 };

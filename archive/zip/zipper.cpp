@@ -3,6 +3,7 @@
 #include "archive/files/filenames.h"
 #include "archive/files/pathsafety.h"
 #include "archive/files/progress.h"
+#include "archive/zip/entrypacker.h"
 #include "archive/zip/zipdirectory.h"
 #include "archive/zip/zipfunctions.h"
 #include "archive/zip/ziplimits.h"
@@ -78,7 +79,8 @@ bool CZipper::OpenZip(const std::string& zipPath, const std::string& rootFolder,
     {
         return false;
     }
-    m_functions = std::make_unique<arc::ZipFileFunctions>(m_files, onlyNew);
+    m_functions = std::make_unique<arc::ZipFileFunctions>(m_files, onlyNew ? arc::Access::CreateNew
+                                                                           : arc::Access::Replace);
     m_zip = zipOpen2_64(m_strZipPath.c_str(), append ? APPEND_STATUS_ADDINZIP : APPEND_STATUS_CREATE, nullptr,
                         m_functions->Table());
     if (!m_zip)
@@ -126,14 +128,16 @@ bool CZipper::AddFileToZip(const std::string& path, bool ignorePath)
     return m_zip && !m_bFailed && StoredName(path, ignorePath, stored) && StoreFile(path, stored);
 }
 
-bool CZipper::OpenEntry(const std::string& stored, const arc::FileInfo& info)
+bool CZipper::OpenEntry(const std::string& stored, const arc::FileInfo& info,
+                        std::uint16_t internalAttributes, bool packed)
 {
-    const zip_fileinfo entry = EntryInfo(info);
+    zip_fileinfo entry = EntryInfo(info);
+    entry.internal_fa = internalAttributes;
     const bool folder = info.IsFolder();
-    const int result =
-        zipOpenNewFileInZip4_64(m_zip, stored.c_str(), &entry, nullptr, 0, nullptr, 0, nullptr,
-                                folder ? 0 : Z_DEFLATED, Z_DEFAULT_COMPRESSION, 0, -MAX_WBITS, DEF_MEM_LEVEL,
-                                Z_DEFAULT_STRATEGY, nullptr, 0, 0, 0, info.size >= LargeFile ? 1 : 0);
+    const int result = zipOpenNewFileInZip4_64(m_zip, stored.c_str(), &entry, nullptr, 0, nullptr, 0, nullptr,
+                                               folder ? 0 : Z_DEFLATED, Z_DEFAULT_COMPRESSION, packed ? 1 : 0,
+                                               -MAX_WBITS, DEF_MEM_LEVEL, Z_DEFAULT_STRATEGY, nullptr, 0, 0,
+                                               0, info.size >= LargeFile ? 1 : 0);
     m_bFailed |= result != ZIP_OK;
     return result == ZIP_OK;
 }
@@ -250,12 +254,7 @@ bool CZipper::AddPatternList(const std::string& arguments, const std::string& ba
     {
         return false;
     }
-    struct Found
-    {
-        std::string path;
-        std::uint64_t size;
-    };
-    std::vector<Found> found;
+    std::vector<std::string> found;
     std::unordered_set<std::string> taken;
     m_nProgressDone = m_nProgressTotal = 0;
     for (const std::string& item : arc::SplitPatternArgument(arguments))
@@ -276,7 +275,7 @@ bool CZipper::AddPatternList(const std::string& arguments, const std::string& ba
             if (!entry.info.IsFolder() && arc::MatchesWildcard(entry.name, pattern) &&
                 taken.insert(arc::FoldCase(path)).second)
             {
-                found.push_back({path, entry.info.size});
+                found.push_back(path);
                 m_nProgressTotal += entry.info.size;
             }
         }
@@ -286,12 +285,11 @@ bool CZipper::AddPatternList(const std::string& arguments, const std::string& ba
         if (taken.insert(arc::FoldCase(path)).second)
         {
             const auto info = m_files.Query(path); // one that is not there fails when it is stored
-            found.push_back({path, info ? info->size : 0});
-            m_nProgressTotal += found.back().size;
+            found.push_back(path);
+            m_nProgressTotal += info ? info->size : 0;
         }
     }
-    const bool all = std::all_of(found.begin(), found.end(),
-                                 [&](const Found& file) { return AddFileToZip(file.path, ignorePath); });
+    const bool all = StoreAll(found, ignorePath);
     m_nProgressTotal = 0;
     return all;
 }
@@ -299,15 +297,81 @@ bool CZipper::AddPatternList(const std::string& arguments, const std::string& ba
 bool CZipper::AddFiles(const std::string& folder, const std::vector<arc::PresentFile>& set)
 {
     m_nProgressDone = m_nProgressTotal = 0;
+    std::vector<std::string> paths;
     for (const arc::PresentFile& file : set)
     {
         m_nProgressTotal += file.size;
+        paths.push_back(arc::JoinPath(folder, file.name));
     }
-    const bool all = std::all_of(set.begin(), set.end(), [&](const arc::PresentFile& file) {
-        return AddFileToZip(arc::JoinPath(folder, file.name), true);
-    });
+    const bool all = m_zip && StoreAll(paths, true);
     m_nProgressTotal = 0;
     return all;
+}
+
+bool CZipper::StoreAll(const std::vector<std::string>& paths, bool ignorePath)
+{
+    std::optional<arc::EntryPacker> packer;
+    if (m_parallel.IsParallel())
+    {
+        packer.emplace(m_files, paths, m_parallel);
+    }
+    if (!packer || !packer->HasWorkers())
+    {
+        return std::all_of(paths.begin(), paths.end(),
+                           [&](const std::string& path) { return AddFileToZip(path, ignorePath); });
+    }
+    std::uint64_t streamed = 0;
+    for (const std::string& path : paths)
+    {
+        std::string stored;
+        if (m_bFailed || !StoredName(path, ignorePath, stored))
+        {
+            return false;
+        }
+        const auto report = [&] {
+            m_nProgressDone = packer->BytesRead() + streamed;
+            return Report(stored);
+        };
+        const auto packed = packer->Next(report);
+        if (!packed || packed->state == arc::PackedEntry::State::Failed)
+        {
+            return false;
+        }
+        if (packed->state == arc::PackedEntry::State::Packed)
+        {
+            if (!StorePacked(*packed, stored) || !report())
+            {
+                return false;
+            }
+            continue;
+        }
+        const std::uint64_t before = m_nProgressDone;
+        if (!StoreFile(path, stored))
+        {
+            return false;
+        }
+        streamed += m_nProgressDone - before;
+    }
+    return true;
+}
+
+bool CZipper::StorePacked(const arc::PackedEntry& packed, const std::string& stored)
+{
+    if (!OpenEntry(stored, packed.info, packed.internalAttributes, true))
+    {
+        return false;
+    }
+    m_bFailed |=
+        zipWriteInFileInZip(m_zip, packed.bytes.get(), static_cast<unsigned>(packed.packedSize)) != ZIP_OK;
+    m_bFailed |= zipCloseFileInZipRaw64(m_zip, packed.info.size, packed.crc) != ZIP_OK;
+    ++m_nFiles;
+    m_nBytes += static_cast<std::uint32_t>(packed.info.size);
+    if (m_bFailed)
+    {
+        return false;
+    }
+    m_stored.push_back({stored, packed.info.size, packed.info.stamp});
+    return true;
 }
 
 bool CZipper::CloseZip()
@@ -335,6 +399,11 @@ bool CZipper::ZipFile(arc::FileSystem& files, const std::string& path)
     CZipper zipper(files);
     const bool added = zipper.OpenZip(zip) && zipper.AddFileToZip(source);
     return zipper.CloseZip() && added;
+}
+
+void CZipper::SetParallel(const arc::Parallel& parallel)
+{
+    m_parallel = parallel;
 }
 
 void CZipper::SetProgress(Progress progress)

@@ -3,6 +3,7 @@
 
 #include "archive/files/filesystem.h"
 #include "archive/files/fileset.h"
+#include "archive/zip/parallel.h"
 
 #include <cstdint>
 #include <functional>
@@ -13,20 +14,22 @@
 namespace arc
 {
 class ZipFileFunctions;
+struct PackedEntry;
 
 // Bytes of one read of a source file and one write into the zip.
 inline constexpr std::size_t ZipChunk = 2048;
 } // namespace arc
 
-// Owns the zip handle while a zip is open; the file system must outlive it. For one thread. Every operation
+// Owns the zip handle while a zip is open; the file system must outlive it. For one thread, which alone
+// writes; threads of its own may pack for it, and none is left behind by any operation. Every operation
 // answers whether it succeeded and shows nothing. After any failed write CloseZip answers false: such a file
 // is no archive.
 class CZipper
 {
 public:
-    // Called at least every 64 KiB and behind each file, with the percentage of all bytes to add (0 to 100,
-    // never less than before) and the name of the file under way. False ends the work: the file counts as
-    // failed.
+    // Called at least every 64 KiB and behind each file, or every 50 ms while other threads pack, with the
+    // percentage of all bytes to add (0 to 100, never less than before) and the name of the file under way.
+    // False ends the work: the file counts as failed.
     using Progress = std::function<bool(int percent, const std::string& name)>;
 
     explicit CZipper(arc::FileSystem& files);
@@ -61,6 +64,9 @@ public:
 
     // Nothing is reported unless a total is known: AddPatternList and AddFiles set it for what they add.
     void SetProgress(Progress progress);
+    // How AddPatternList and AddFiles spread their work. The zip is the same but for the packed bytes and
+    // their number.
+    void SetParallel(const arc::Parallel& parallel);
 
     bool IsOpen() const;
     // Stored names, sizes and times, as they were stored, of the files that were stored whole since the zip
@@ -73,9 +79,13 @@ public:
 
 private:
     bool StoredName(const std::string& path, bool ignorePath, std::string& stored) const;
-    bool OpenEntry(const std::string& stored, const arc::FileInfo& info);
+    // packed: what is written is packed already; the library adds no internal attributes of its own then.
+    bool OpenEntry(const std::string& stored, const arc::FileInfo& info, std::uint16_t internalAttributes = 0,
+                   bool packed = false);
     bool AddTree(const std::string& folder, const std::string& stored, bool ignorePath, int depth);
     bool StoreFile(const std::string& path, const std::string& stored);
+    bool StoreAll(const std::vector<std::string>& paths, bool ignorePath);
+    bool StorePacked(const arc::PackedEntry& packed, const std::string& stored);
     bool Report(const std::string& name);
 
     arc::FileSystem& m_files;
@@ -88,6 +98,7 @@ private:
     std::uint32_t m_nBytes = 0;
     std::vector<arc::PresentFile> m_stored;
     bool m_bFailed = false; // something could not be written: the zip is spoilt
+    arc::Parallel m_parallel;
     Progress m_progress;
     std::uint64_t m_nProgressDone = 0;
     std::uint64_t m_nProgressTotal = 0; // 0 = no report

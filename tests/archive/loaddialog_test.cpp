@@ -157,7 +157,8 @@ TEST_F(ArchiveDialogTest, RefusesADamagedArchiveAndAFileInTheWay)
     EXPECT_FALSE(IsStored("A1"));
 
     std::string bytes = m_practice.ReadFile("archive\\A1.kaz");
-    bytes[bytes.size() / 3] = static_cast<char>(bytes[bytes.size() / 3] ^ 0x40);
+    const std::size_t packed = 30U + static_cast<unsigned char>(bytes[26]); // of the first entry
+    bytes[packed + 4] = static_cast<char>(bytes[packed + 4] ^ 0x40);
     m_practice.WriteFile("archive\\A1.kaz", bytes);
     EXPECT_EQ(Load(Archive("A1"), {"Error opening archive file.", LoadFailed}), IDOK);
     EXPECT_EQ(WorkingFiles(), before);

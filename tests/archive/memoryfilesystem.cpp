@@ -224,8 +224,8 @@ std::unique_ptr<arc::File> MemoryFileSystem::Open(const std::string& path, arc::
         return nullptr;
     }
     auto found = m_nodes.find(key);
-    const bool writes = access != arc::Access::ReadAlone && access != arc::Access::ReadShared;
-    const bool alone = access != arc::Access::ReadShared;
+    const bool writes = !arc::OnlyReads(access);
+    const bool alone = !arc::SharesReading(access);
     if (found != m_nodes.end())
     {
         Node& node = *found->second;

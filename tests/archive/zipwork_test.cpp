@@ -2,6 +2,7 @@
 #include "archive/work/resultcodes.h"
 #include "archive/work/zipwork.h"
 #include "tests/archive/memoryfilesystem.h"
+#include "tests/archive/sharedfiles.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -21,7 +22,7 @@ namespace
 {
 const std::string Archive = "C:\\arc\\S1.KAZ";
 
-class ArchiveZipWork : public testing::Test
+class ArchiveZipWork : public testing::TestWithParam<unsigned> // workers
 {
 protected:
     ArchiveZipWork()
@@ -36,19 +37,22 @@ protected:
         save.patterns = arc::ArchivePatternArgument("S1");
         save.folder = "C:\\w";
         save.moreFiles = {"C:\\tmp\\S1.ACV", "C:\\w\\S100.DF0", "C:\\w\\S1.PF"};
+        save.parallel.workers = GetParam();
     }
 
     MemoryFileSystem files;
+    SharedFiles shared{files};
     arc::ZipSave save;
 };
+INSTANTIATE_TEST_SUITE_P(Workers, ArchiveZipWork, testing::Values(1U, 2U, 7U));
 } // namespace
 
-TEST_F(ArchiveZipWork, WhatIsSavedLoadsEqual)
+TEST_P(ArchiveZipWork, WhatIsSavedLoadsEqual)
 {
     std::vector<int> percents;
     save.checking = "checking";
     std::string last;
-    ASSERT_EQ(arc::SaveZip(files, save,
+    ASSERT_EQ(arc::SaveZip(shared, save,
                            [&](int percent, const std::string& name) {
                                percents.push_back(percent);
                                last = name;
@@ -56,31 +60,31 @@ TEST_F(ArchiveZipWork, WhatIsSavedLoadsEqual)
                            }),
               arc::ResultDone);
     EXPECT_TRUE(std::is_sorted(percents.begin(), percents.end()));
-    EXPECT_EQ(last, "S100.DF0"); // too small to be reported while it is read back
-    ASSERT_EQ(arc::LoadZip(files, Archive, "C:\\out"), arc::ResultDone);
+    EXPECT_EQ(last, "checking");
+    ASSERT_EQ(arc::LoadZip(shared, Archive, "C:\\out", {}, save.parallel), arc::ResultDone);
     EXPECT_THAT(files.Tree("C:\\out"),
                 ElementsAre("C:\\OUT\\S1.ACV", "C:\\OUT\\S1.PF", "C:\\OUT\\S100.DF0", "C:\\OUT\\S100.I40"));
     EXPECT_EQ(files.Bytes("C:\\out\\S100.DF0"), files.Bytes("C:\\w\\S100.DF0"));
     EXPECT_THAT(files.Tree("C:\\arc"), ElementsAre("C:\\ARC\\S1.KAZ"));
 }
 
-TEST_F(ArchiveZipWork, TheOldArchiveGoesOnlyWhenTheNewOneIsGood)
+TEST_P(ArchiveZipWork, TheOldArchiveGoesOnlyWhenTheNewOneIsGood)
 {
     files.Put(Archive, "old", attribute::Archive | attribute::Hidden);
     files.Put(Archive + ".previous", "older");
-    ASSERT_EQ(arc::SaveZip(files, save), arc::ResultDone);
+    ASSERT_EQ(arc::SaveZip(shared, save), arc::ResultDone);
     EXPECT_THAT(files.Tree("C:\\arc"), ElementsAre("C:\\ARC\\S1.KAZ", "C:\\ARC\\S1.KAZ.PREVIOUS"));
     EXPECT_EQ(files.Bytes(Archive + ".previous"), "older");
 
     files.Put(Archive, "old");
     const auto held = files.Open("C:\\w\\S100.I40", arc::Access::ReadShared);
-    EXPECT_EQ(arc::SaveZip(files, save), arc::ResultSaveFailed);
+    EXPECT_EQ(arc::SaveZip(shared, save), arc::ResultSaveFailed);
     EXPECT_FALSE(files.Exists(Archive));
     EXPECT_EQ(files.Bytes(Archive + ".previous2"), "old");
     EXPECT_EQ(files.Bytes(Archive + ".previous"), "older");
 }
 
-TEST_F(ArchiveZipWork, TheZipTakesTheArchivesNameWhenItIsProven)
+TEST_P(ArchiveZipWork, TheZipTakesTheArchivesNameWhenItIsProven)
 {
     files.Put(Archive, "old");
     save.workingPath = "C:\\arc\\S1.ZIP";
@@ -91,7 +95,7 @@ TEST_F(ArchiveZipWork, TheZipTakesTheArchivesNameWhenItIsProven)
     save.trial = [&](const std::string& path) { return path == save.workingPath && files.Exists(path); };
     std::vector<arc::PresentFile> stored;
     files.Find("C:\\w\\S1.PF")->stamp = 77;
-    ASSERT_EQ(arc::SaveZip(files, save, {}, &stored), arc::ResultDone);
+    ASSERT_EQ(arc::SaveZip(shared, save, {}, &stored), arc::ResultDone);
     EXPECT_THAT(seen, ElementsAre("save.aside", "save.written", "save.proven", "save.placed!", "save.done!"));
     EXPECT_THAT(files.Tree("C:\\arc"), ElementsAre("C:\\ARC\\S1.KAZ"));
     EXPECT_THAT(stored,
@@ -101,12 +105,12 @@ TEST_F(ArchiveZipWork, TheZipTakesTheArchivesNameWhenItIsProven)
     // What fails the trial is no archive, and the one that was there is kept.
     files.Put(Archive, "old");
     save.trial = [](const std::string&) { return false; };
-    EXPECT_EQ(arc::SaveZip(files, save, {}, &stored), arc::ResultSaveFailed);
+    EXPECT_EQ(arc::SaveZip(shared, save, {}, &stored), arc::ResultSaveFailed);
     EXPECT_THAT(files.Tree("C:\\arc"), ElementsAre("C:\\ARC\\S1.KAZ.PREVIOUS"));
     // Somebody else's file of the working name stays.
     save.trial = {};
     files.Put(save.workingPath, "mine");
-    EXPECT_EQ(arc::SaveZip(files, save), arc::ResultSaveFailed);
+    EXPECT_EQ(arc::SaveZip(shared, save), arc::ResultSaveFailed);
     EXPECT_EQ(files.Bytes(save.workingPath), "mine");
     // So does one that takes the archive's name meanwhile.
     files.Remove(save.workingPath);
@@ -114,63 +118,64 @@ TEST_F(ArchiveZipWork, TheZipTakesTheArchivesNameWhenItIsProven)
         files.Put(Archive, "mine");
         return true;
     };
-    EXPECT_EQ(arc::SaveZip(files, save), arc::ResultSaveFailed);
+    EXPECT_EQ(arc::SaveZip(shared, save), arc::ResultSaveFailed);
     EXPECT_THAT(files.Tree("C:\\arc"), ElementsAre("C:\\ARC\\S1.KAZ", "C:\\ARC\\S1.KAZ.PREVIOUS"));
     EXPECT_EQ(files.Bytes(Archive), "mine");
 }
 
-TEST_F(ArchiveZipWork, AReadOnlyArchiveStays)
+TEST_P(ArchiveZipWork, AReadOnlyArchiveStays)
 {
     files.Put(Archive, "old", attribute::Archive | attribute::ReadOnly);
-    EXPECT_EQ(arc::SaveZip(files, save), arc::ResultSaveFailed);
+    EXPECT_EQ(arc::SaveZip(shared, save), arc::ResultSaveFailed);
     EXPECT_EQ(files.Bytes(Archive), "old");
     save.diskette = true;
-    EXPECT_EQ(arc::SaveZip(files, save), arc::ResultSaveFailed);
+    EXPECT_EQ(arc::SaveZip(shared, save), arc::ResultSaveFailed);
     EXPECT_EQ(files.Bytes(Archive), "old");
 }
 
-TEST_F(ArchiveZipWork, OnADisketteTheArchiveIsWrittenOver)
+TEST_P(ArchiveZipWork, OnADisketteTheArchiveIsWrittenOver)
 {
     files.Put(Archive, "old");
     save.diskette = true;
-    EXPECT_EQ(arc::SaveZip(files, save), arc::ResultDone);
+    EXPECT_EQ(arc::SaveZip(shared, save), arc::ResultDone);
     EXPECT_THAT(files.Tree("C:\\arc"), ElementsAre("C:\\ARC\\S1.KAZ"));
 }
 
-TEST_F(ArchiveZipWork, FailuresHaveTheirCodes)
+TEST_P(ArchiveZipWork, FailuresHaveTheirCodes)
 {
     save.moreFiles.push_back("C:\\tmp\\none");
-    EXPECT_EQ(arc::SaveZip(files, save), arc::ResultSaveFailed);
+    EXPECT_EQ(arc::SaveZip(shared, save), arc::ResultSaveFailed);
     EXPECT_FALSE(files.Exists(Archive));
     save.moreFiles.pop_back();
     save.archivePath = "C:\\nowhere\\S1.KAZ";
-    EXPECT_EQ(arc::SaveZip(files, save), arc::ResultSaveFailed);
+    EXPECT_EQ(arc::SaveZip(shared, save), arc::ResultSaveFailed);
     // Two files of one bare name could not both be loaded.
     save.archivePath = Archive;
     files.Put("C:\\tmp\\S100.I40", "other");
     save.moreFiles.push_back("C:\\tmp\\S100.I40");
-    EXPECT_EQ(arc::SaveZip(files, save), arc::ResultSaveFailed);
+    EXPECT_EQ(arc::SaveZip(shared, save), arc::ResultSaveFailed);
     EXPECT_FALSE(files.Exists(Archive));
 
     files.Put(Archive, "no zip");
-    EXPECT_EQ(arc::LoadZip(files, Archive, "C:\\out"), arc::ResultLoadFailed);
-    EXPECT_EQ(arc::LoadZip(files, "C:\\none.kaz", "C:\\out"), arc::ResultLoadFailed);
+    EXPECT_EQ(arc::LoadZip(shared, Archive, "C:\\out", {}, save.parallel), arc::ResultLoadFailed);
+    EXPECT_EQ(arc::LoadZip(shared, "C:\\none.kaz", "C:\\out"), arc::ResultLoadFailed);
 }
 
-TEST_F(ArchiveZipWork, StoppingLeavesNoArchive)
+TEST_P(ArchiveZipWork, StoppingLeavesNoArchive)
 {
     files.Put(Archive, "old");
-    EXPECT_EQ(arc::SaveZip(files, save, [](int, const std::string&) { return false; }), arc::ResultCancelled);
+    EXPECT_EQ(arc::SaveZip(shared, save, [](int, const std::string&) { return false; }),
+              arc::ResultCancelled);
     EXPECT_FALSE(files.Exists(Archive));
     EXPECT_EQ(files.Bytes(Archive + ".previous"), "old");
-    ASSERT_EQ(arc::SaveZip(files, save), arc::ResultDone);
-    EXPECT_EQ(arc::LoadZip(files, Archive, "C:\\out", [](int, const std::string&) { return false; }),
+    ASSERT_EQ(arc::SaveZip(shared, save), arc::ResultDone);
+    EXPECT_EQ(arc::LoadZip(shared, Archive, "C:\\out", [](int, const std::string&) { return false; }),
               arc::ResultCancelled);
 }
 
 // Whichever call is the last that works, as when the process is killed there: the old archive is whole, under
 // its own name or beside it, or the new one is.
-TEST_F(ArchiveZipWork, NoMomentLosesBothArchives)
+TEST_P(ArchiveZipWork, NoMomentLosesBothArchives)
 {
     save.workingPath = "C:\\arc\\S1.ZIP";
     const auto reset = [&] {
@@ -183,7 +188,7 @@ TEST_F(ArchiveZipWork, NoMomentLosesBothArchives)
     };
     reset();
     files.FailFrom(0);
-    ASSERT_EQ(arc::SaveZip(files, save), arc::ResultDone);
+    ASSERT_EQ(arc::SaveZip(shared, save), arc::ResultDone);
     const int calls = files.Calls();
     const std::string good = files.Bytes(Archive);
     ASSERT_GT(calls, 20);
@@ -193,7 +198,7 @@ TEST_F(ArchiveZipWork, NoMomentLosesBothArchives)
         {
             reset();
             files.FailFrom(call, times);
-            const int result = arc::SaveZip(files, save);
+            const int result = arc::SaveZip(shared, save);
             files.FailFrom(0);
             const bool whole = files.Bytes(Archive) == good;
             const bool kept = files.Bytes(Archive) == "old" || files.Bytes(Archive + ".previous") == "old";
