@@ -36,6 +36,7 @@ struct SharedSettings
     double capturedMegapixelLimit;
     std::int32_t limitCapturedImageSize; ///< 0 or 1
     float tracingLineThickness;          ///< 1.0 to 3.0
+    bool operator==(const SharedSettings&) const = default;
 };
 
 /// Where the values are read; the names of the two sections and of one key come from the string table.

@@ -17,7 +17,6 @@ using namespace app;
 using testing::ElementsAre;
 
 // --- Full names
-// ---------------------------------------------------------------------------------------------
 
 struct NameCase
 {
@@ -82,7 +81,6 @@ TEST(FullNameCache, SettingsAreReadOnceAndOnlyWhenNeeded)
 }
 
 // --- Audit sentences
-// ----------------------------------------------------------------------------------------
 
 TEST(EventText, SentencesOfTheThreeChanges)
 {
@@ -97,7 +95,6 @@ TEST(EventText, SentencesOfTheThreeChanges)
 }
 
 // --- Parsing of settings
-// ------------------------------------------------------------------------------------
 
 TEST(ParseDecimal, ReadsTheNumberAtTheStart)
 {
@@ -164,27 +161,6 @@ private:
     }
 };
 
-TEST(ReadSettings, DefaultsWhenNothingIsSet)
-{
-    MemorySettings settings;
-    const SharedSettings v = ReadSettings(settings.Source());
-    EXPECT_EQ(v.measureWindowPrecision, 1);
-    EXPECT_EQ(v.tracingPrecision, 0);
-    EXPECT_EQ(v.tracingPrintTextScale, 0.7f);
-    EXPECT_EQ(v.uniformTeethSize, 0);
-    EXPECT_EQ(v.tracingAntiAlias, 1);
-    EXPECT_EQ(v.textGuides, 0);
-    EXPECT_EQ(v.displayQuality, 2);
-    EXPECT_EQ(v.photoCornerRoundedness, 20);
-    EXPECT_EQ(v.recycle, 0);
-    EXPECT_EQ(v.backgroundColour, 0x123456u);
-    EXPECT_EQ(v.implantsFolder, "Implants");
-    EXPECT_EQ(v.allowPatientChanges, 1);
-    EXPECT_EQ(v.limitCapturedImageSize, 0);
-    EXPECT_EQ(v.capturedMegapixelLimit, 8.3);
-    EXPECT_EQ(v.tracingLineThickness, 1.0f);
-}
-
 TEST(ReadSettings, ReadsInTheFixedOrder)
 {
     MemorySettings settings;
@@ -202,34 +178,58 @@ TEST(ReadSettings, ReadsInTheFixedOrder)
 
 TEST(ReadSettings, BringsValuesIntoTheirLimits)
 {
-    const auto read = [](const char* key, const char* value) {
+    const SharedSettings defaults = {.measureWindowPrecision = 1,
+                                     .tracingPrecision = 0,
+                                     .tracingPrintTextScale = 0.7f,
+                                     .textGuides = 0,
+                                     .uniformTeethSize = 0,
+                                     .tracingAntiAlias = 1,
+                                     .displayQuality = 2,
+                                     .photoCornerRoundedness = 20,
+                                     .recycle = 0,
+                                     .backgroundColour = 0x123456u,
+                                     .implantsFolder = "Implants",
+                                     .allowPatientChanges = 1,
+                                     .capturedMegapixelLimit = 8.3,
+                                     .limitCapturedImageSize = 0,
+                                     .tracingLineThickness = 1.0f};
+    using S = SharedSettings;
+    const std::tuple<const char*, const char*, std::function<void(S&)>> cases[] = {
+        {"", "", [](S&) {}},
+        {"Defaults/MeasWndNumDisplayPrec", "7", [](S& s) { s.measureWindowPrecision = 2; }},
+        {"Defaults/MeasWndNumDisplayPrec", "-1", [](S& s) { s.measureWindowPrecision = 0; }},
+        {"Defaults/MeasInTracingNumDisplayPrec", "3", [](S& s) { s.tracingPrecision = 2; }},
+        {"Defaults/MeasInTracingNumDisplayPrec", "-3", [](S& s) { s.tracingPrecision = 0; }},
+        {"Defaults/TracingPrintTextScale", "-2", [](S& s) { s.tracingPrintTextScale = 1.0f; }},
+        {"Defaults/TracingPrintTextScale", "abc", [](S& s) { s.tracingPrintTextScale = 0.0f; }},
+        {"Defaults/TracingPrintTextScale", "1e300",
+         [](S& s) { s.tracingPrintTextScale = std::numeric_limits<float>::max(); }},
+        {"Defaults/TurnOnTextGuides", "5", [](S& s) { s.textGuides = 5; }},
+        {"Defaults/UseUniformTeethSize", "6", [](S& s) { s.uniformTeethSize = 6; }},
+        {"Defaults/UseTracingAntiAlias", "4", [](S& s) { s.tracingAntiAlias = 4; }},
+        {"Defaults/DisplayQuality", "1", [](S& s) { s.displayQuality = 2; }},
+        {"Defaults/DisplayQuality", "5", [](S& s) { s.displayQuality = 5; }},
+        {"Defaults/DisplayPhotoCornerRoundedness", "-4", [](S& s) { s.photoCornerRoundedness = -4; }},
+        {"Defaults/Recycle", "-3", [](S& s) { s.recycle = 1; }},
+        {"Defaults/BackgroundColor", "255,0,0", [](S& s) { s.backgroundColour = 0x0000FF; }},
+        {"Environment/Implants", "D:\\Screws", [](S& s) { s.implantsFolder = "D:\\Screws"; }},
+        {"Environment/WORKING", "C:\\Work", [](S& s) { s.implantsFolder = "C:\\WorkImplants"; }},
+        {"Defaults/AllowPatientChanges", "3", [](S& s) { s.allowPatientChanges = 3; }},
+        {"Environment/LimitCapturedImagesToMegaPixel64", "12.5",
+         [](S& s) { s.capturedMegapixelLimit = 12.5; }},
+        {"Defaults/LimitCapturedImagesSize64", "8", [](S& s) { s.limitCapturedImageSize = 1; }},
+        {"Defaults/TracingLineThickness", "0.5", [](S& s) { s.tracingLineThickness = 1.0f; }},
+        {"Defaults/TracingLineThickness", "2.5", [](S& s) { s.tracingLineThickness = 2.5f; }},
+        {"Defaults/TracingLineThickness", "4", [](S& s) { s.tracingLineThickness = 3.0f; }},
+    };
+    for (const auto& [key, value, change] : cases)
+    {
         MemorySettings settings;
         settings.values[key] = value;
-        return ReadSettings(settings.Source());
-    };
-    EXPECT_EQ(read("Defaults/MeasWndNumDisplayPrec", "7").measureWindowPrecision, 2);
-    EXPECT_EQ(read("Defaults/MeasWndNumDisplayPrec", "-1").measureWindowPrecision, 0);
-    EXPECT_EQ(read("Defaults/MeasInTracingNumDisplayPrec", "3").tracingPrecision, 2);
-    EXPECT_EQ(read("Defaults/TracingPrintTextScale", "-2").tracingPrintTextScale, 1.0f);
-    EXPECT_EQ(read("Defaults/TracingPrintTextScale", "abc").tracingPrintTextScale, 0.0f);
-    EXPECT_EQ(read("Defaults/TracingPrintTextScale", "").tracingPrintTextScale, 0.0f);
-    EXPECT_EQ(read("Defaults/TracingPrintTextScale", "1e300").tracingPrintTextScale,
-              std::numeric_limits<float>::max());
-    EXPECT_EQ(read("Defaults/TracingLineThickness", "0.5").tracingLineThickness, 1.0f);
-    EXPECT_EQ(read("Defaults/TracingLineThickness", "4").tracingLineThickness, 3.0f);
-    EXPECT_EQ(read("Defaults/TracingLineThickness", "2.5").tracingLineThickness, 2.5f);
-    EXPECT_EQ(read("Defaults/DisplayQuality", "1").displayQuality, 2);
-    EXPECT_EQ(read("Defaults/DisplayQuality", "5").displayQuality, 5);
-    EXPECT_EQ(read("Defaults/Recycle", "-3").recycle, 1);
-    EXPECT_EQ(read("Defaults/LimitCapturedImagesSize64", "8").limitCapturedImageSize, 1);
-    EXPECT_EQ(read("Defaults/UseTracingAntiAlias", "4").tracingAntiAlias, 4) << "kept as it is";
-    EXPECT_EQ(read("Defaults/AllowPatientChanges", "3").allowPatientChanges, 3);
-    EXPECT_EQ(read("Defaults/BackgroundColor", "255,0,0").backgroundColour, 0x0000FFu);
-    EXPECT_EQ(read("Environment/LimitCapturedImagesToMegaPixel64", "12.5").capturedMegapixelLimit, 12.5);
-    EXPECT_EQ(read("Environment/Implants", "D:\\Screws").implantsFolder, "D:\\Screws");
-    EXPECT_EQ(read("Environment/WORKING", "C:\\Work\\").implantsFolder, "C:\\Work\\Implants");
-    EXPECT_EQ(read("Environment/WORKING", "C:\\Work").implantsFolder, "C:\\WorkImplants")
-        << "nothing between";
+        SharedSettings expected = defaults;
+        change(expected);
+        EXPECT_EQ(ReadSettings(settings.Source()), expected) << key << "=" << value;
+    }
 }
 
 } // namespace

@@ -63,76 +63,56 @@ protected:
     dbCPatients m_patients;
 };
 
-TEST_F(EntryPoints, NewPatientIsSavedRecordedAndNamedToTheCaller)
-{
-    CString guid = "before";
-    const auto result = veltest::RunModal([&] { return NewPatientDlg(nullptr, &m_patients, guid); },
-                                          [](DialogScript& script) {
-                                              const Dialog sheet =
-                                                  script.WaitForDialog("Patient Information");
-                                              EXPECT_EQ(sheet.PageCount(), 5);
-                                              EXPECT_EQ(sheet.PageIndex(), 0);
-                                              EXPECT_EQ(CVeltrixLogin::m_bNewPatFromDI, 1);
-                                              FillChart(sheet, "A1", "Ann", "Lee");
-                                              sheet.Press(IDOK);
-                                          });
-    EXPECT_EQ(result, IDOK);
-    EXPECT_EQ(CVeltrixLogin::m_bNewPatFromDI, 0);
-
-    dbCPatient patient;
-    ASSERT_TRUE(patient.Load("A1"));
-    EXPECT_STREQ(guid, patient.GetGUID());
-    EXPECT_EQ(Events(), std::vector<std::string>{"1 " + std::string(guid.GetString()) +
-                                                 " The patient (A1) Lee, Ann has been created"});
-}
-
-TEST_F(EntryPoints, NewPatientWithDataShowsTheDataAndSaysDicom)
+TEST_F(EntryPoints, NewPatientsAreSavedRecordedAndNamedToTheCaller)
 {
     dbCPatient data;
     data.SetID("D7");
-    data.SetFirstname("Ann");
+    data.SetFirstname("Bo");
     data.SetLastname("Lee");
-    CString guid;
-    const auto result =
-        veltest::RunModal([&] { return NewPatientDlgWithData(nullptr, &m_patients, guid, &data); },
-                          [](DialogScript& script) {
-                              const Dialog sheet = script.WaitForDialog("Patient Information");
-                              EXPECT_EQ(sheet.Item(IDC_CHART_ID).Text(), "D7");
-                              sheet.Press(IDOK);
-                          });
-    EXPECT_EQ(result, IDOK);
-    EXPECT_EQ(Events(), std::vector<std::string>{"1 " + std::string(guid.GetString()) +
-                                                 " The patient from DICOM (D7) Lee, Ann has been created"});
-}
-
-TEST_F(EntryPoints, NullInitialDataIsAnEmptyRecord)
-{
-    CString guid;
-    const auto result =
-        veltest::RunModal([&] { return NewPatientDlgWithData(nullptr, &m_patients, guid, nullptr); },
-                          [](DialogScript& script) {
-                              const Dialog sheet = script.WaitForDialog("Patient Information");
-                              EXPECT_EQ(sheet.Item(IDC_CHART_ID).Text(), "");
-                              sheet.Press(IDCANCEL);
-                          });
-    EXPECT_EQ(result, IDCANCEL);
-}
-
-TEST_F(EntryPoints, CancelledNewPatientLeavesNothing)
-{
-    CString guid = "before";
-    const auto result = veltest::RunModal([&] { return NewPatientDlg(nullptr, &m_patients, guid); },
-                                          [](DialogScript& script) {
-                                              const Dialog sheet =
-                                                  script.WaitForDialog("Patient Information");
-                                              FillChart(sheet, "A1", "Ann", "Lee");
-                                              sheet.Press(IDCANCEL);
-                                          });
-    EXPECT_EQ(result, IDCANCEL);
-    EXPECT_TRUE(guid.IsEmpty());
-    EXPECT_EQ(m_patients.GetCount(), 0);
-    EXPECT_TRUE(Events().empty());
-    EXPECT_EQ(CVeltrixLogin::m_bNewPatFromDI, 0);
+    struct Case
+    {
+        std::function<__int64(CString&)> call;
+        const char* shownID;
+        std::string event; // for the ID A1
+    };
+    const Case cases[] = {
+        {[&](CString& guid) { return NewPatientDlg(nullptr, &m_patients, guid); }, "", "The patient (A1)"},
+        {[&](CString& guid) { return NewPatientDlgWithData(nullptr, &m_patients, guid, nullptr); }, "",
+         "The patient from DICOM (A1)"},
+        {[&](CString& guid) { return NewPatientDlgWithData(nullptr, &m_patients, guid, &data); }, "D7",
+         "The patient from DICOM (A1)"},
+    };
+    for (const auto& [call, shownID, event] : cases)
+    {
+        for (const int end : {IDCANCEL, IDOK})
+        {
+            CString guid = "before";
+            const auto before = Events();
+            const auto result = veltest::RunModal([&] { return call(guid); },
+                                                  [&, shown = shownID](DialogScript& script) {
+                                                      const Dialog sheet =
+                                                          script.WaitForDialog("Patient Information");
+                                                      EXPECT_EQ(sheet.PageCount(), 5);
+                                                      EXPECT_EQ(sheet.PageIndex(), 0);
+                                                      EXPECT_FALSE(sheet.Item(IDHELP).IsVisible());
+                                                      EXPECT_EQ(CVeltrixLogin::m_bNewPatFromDI, 1);
+                                                      EXPECT_EQ(sheet.Item(IDC_CHART_ID).Text(), shown);
+                                                      FillChart(sheet, "A1", "Ann", "Lee");
+                                                      sheet.Press(end);
+                                                  });
+            EXPECT_EQ(result, end);
+            EXPECT_EQ(CVeltrixLogin::m_bNewPatFromDI, 0);
+            dbCPatient patient;
+            EXPECT_EQ(patient.Load("A1"), end == IDOK);
+            EXPECT_STREQ(guid, end == IDOK ? patient.GetGUID().GetString() : "");
+            auto expected = before;
+            if (end == IDOK)
+                expected.insert(expected.begin(), "1 " + std::string(guid.GetString()) + " " + event +
+                                                      " Lee, Ann has been created");
+            EXPECT_EQ(Events(), expected);
+        }
+        m_patients.DeletePatient("A1");
+    }
 }
 
 TEST_F(EntryPoints, ChangePatientShowsNameAndIDAndRecordsTheChange)

@@ -39,7 +39,6 @@ std::string Number(double value)
 }
 
 // --- The container, read by its layout as a host does
-// -------------------------------------------------------
 
 const std::map<std::string, std::function<std::string(const CVelIniSettingsContainer&)>> fields = {
     {"size", [](auto& c) { return Number(c.m_nSize == sizeof c); }},
@@ -129,21 +128,7 @@ TEST(Container, HoldsWhatIsSetWithinItsLimits)
         0);
 }
 
-TEST(Container, TakesNoHarmFromDamagedSettings)
-{
-    const veltest::TemporaryPractice practice;
-    practice.WriteFile("veltrix.ini",
-                       "[Defaults]\r\nMeasWndNumDisplayPrec=many\r\nTracingPrintTextScale=abc\r\n"
-                       "BackgroundColor=blue\r\nTracingLineThickness=" +
-                           std::string(3000, '9') + "\r\n[[[\r\n[Environment]\r\n" +
-                           "LimitCapturedImagesToMegaPixel64=" + std::string(100000, '1') + "\r\n");
-    EXPECT_EQ(ReadContainer(
-                  {"measure", "1", "scale", "0", "iswindowcolour", "1", "line", "3", "megapixels", "8.3"}),
-              0);
-}
-
 // --- Full names
-// ---------------------------------------------------------------------------------------------
 
 using MakeFullname = void (*)(const char*, const char*, CString*, NAMEORDER);
 constexpr const char* makeFullnameName = "_Z16nameMakeFullnamePKcS0_P7CString9NAMEORDER";
@@ -161,6 +146,10 @@ VEL_CHILD_PROCESS(makeNames)
         makeFullname("Ann", "Lee", &name, static_cast<NAMEORDER>(std::stoi(arguments[i])));
         failures += Report("order " + arguments[i], arguments[i + 1], name.GetString());
     }
+    makeFullname("Ann", "Lee", nullptr, NAMEORDER_DEFAULT);
+    CString name;
+    makeFullname(nullptr, nullptr, &name, static_cast<NAMEORDER>(3));
+    failures += Report("the name of nobody", " ", name.GetString());
     return failures;
 }
 
@@ -200,24 +189,6 @@ TEST(FullName, KeepsItsSettingsUntilTheModuleIsLoadedAgain)
     practice.Set("Intl", "NameSep", "-");
     EXPECT_EQ(veltest::ChildProcess("keepFirstSettings", {practice.IniFile()}).Wait(), 0);
     EXPECT_EQ(MakeNames({"2", "Lee+ Ann", "0", "Ann Lee"}), 0);
-}
-
-VEL_CHILD_PROCESS(makeNamesOfNothing)
-{
-    const auto makeFullname = Find<MakeFullname>(makeFullnameName);
-    CString name;
-    makeFullname(nullptr, "Lee", &name, NAMEORDER_DEFAULT);
-    int failures = Report("without a given name", " Lee", name.GetString());
-    makeFullname("Ann", nullptr, &name, NAMEORDER_LAST_FIRST);
-    failures += Report("without a family name", ", Ann", name.GetString());
-    makeFullname("Ann", "Lee", nullptr, NAMEORDER_DEFAULT);
-    return failures;
-}
-
-TEST(FullName, TakesNullTexts)
-{
-    const veltest::TemporaryPractice practice;
-    EXPECT_EQ(veltest::ChildProcess("makeNamesOfNothing", {}).Wait(), 0);
 }
 
 } // namespace

@@ -56,6 +56,7 @@ TEST(KeywordCheck, NamesTheFirstReason)
     const std::tuple<std::string, bool, KeywordCheck> cases[] = {
         {"Braces", false, KeywordCheck::Accepted}, {std::string(500, 'k'), false, KeywordCheck::Accepted},
         {"", true, KeywordCheck::Empty},           {" \t", false, KeywordCheck::Empty},
+        {"x", false, KeywordCheck::Accepted},
         {"Braces", true, KeywordCheck::Duplicate}, {std::string(501, 'k'), true, KeywordCheck::TooLong},
     };
     for (const auto& [text, listed, expected] : cases)

@@ -36,6 +36,7 @@ public:
     dbCPatient& operator=(const dbCPatient& other);
     /// Takes the other's place in the database too: when a transaction in which the other was saved is rolled
     /// back later, it is this object that is no longer stored. The other keeps its values, without a place.
+    // NOLINTNEXTLINE(performance-noexcept-move-constructor): it copies the values, which may throw
     dbCPatient& operator=(dbCPatient&& other);
 
     /// Makes this an empty new patient again.
