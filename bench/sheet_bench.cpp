@@ -3,7 +3,7 @@
 
 #include "app/exports/veldlgs.h"
 #include "patient/patientres.h"
-#include "patient/sheetrules.h"
+#include "patient/rules/sheetrules.h"
 #include "suite/patients/velpat.h"
 #include "tests/support/dialogscript.h"
 #include "tests/support/temporarypractice.h"

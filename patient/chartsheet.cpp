@@ -2,7 +2,7 @@
 
 #include "app/modalrun.h"
 #include "app/velapp.h"
-#include "patient/chartrules.h"
+#include "patient/rules/chartrules.h"
 #include "patient/patientres.h"
 #include "suite/patients/store/dbexception.h"
 #include "suite/patients/records/dbpatients.h"

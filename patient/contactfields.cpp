@@ -1,6 +1,6 @@
 #include "patient/contactfields.h"
 
-#include "patient/chartrules.h"
+#include "patient/rules/chartrules.h"
 
 namespace
 {

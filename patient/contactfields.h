@@ -3,7 +3,7 @@
 #pragma once
 
 #include "patient/fieldbinding.h"
-#include "patient/finding.h"
+#include "patient/rules/finding.h"
 #include "suite/patients/records/dbdoctors.h"
 #include "suite/patients/records/dbpatient.h"
 

@@ -1,7 +1,7 @@
 #include "patient/dlgchart.h"
 
 #include "app/velapp.h"
-#include "patient/chartrules.h"
+#include "patient/rules/chartrules.h"
 #include "patient/chartsheet.h"
 #include "patient/contactfields.h"
 #include "patient/patientres.h"

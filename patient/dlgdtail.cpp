@@ -3,9 +3,9 @@
 #include "app/modalrun.h"
 #include "maintenance/dlgeditkeywords.h"
 #include "patient/chartsheet.h"
-#include "patient/detailrules.h"
+#include "patient/rules/detailrules.h"
 #include "patient/doctoreditor.h"
-#include "patient/guardianrules.h"
+#include "patient/rules/guardianrules.h"
 #include "patient/patientres.h"
 #include "suite/patients/records/dboffices.h"
 

@@ -1,6 +1,6 @@
 #include "patient/dlgguard.h"
 
-#include "patient/chartrules.h"
+#include "patient/rules/chartrules.h"
 #include "patient/chartsheet.h"
 #include "patient/contactfields.h"
 #include "patient/patientres.h"

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "patient/fieldbinding.h"
-#include "patient/guardianrules.h"
+#include "patient/rules/guardianrules.h"
 #include "patient/sheetpage.h"
 #include "suite/patients/records/dbperson.h"
 

@@ -3,7 +3,7 @@
 #include "app/modalrun.h"
 #include "patient/chartsheet.h"
 #include "patient/patientres.h"
-#include "patient/textrules.h"
+#include "patient/rules/textrules.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 // The insurance page: the companies that insure the patient.
 #pragma once
 
-#include "patient/insurancerules.h"
+#include "patient/rules/insurancerules.h"
 #include "patient/listpage.h"
 #include "suite/patients/records/dbinsurance.h"
 

@@ -3,7 +3,7 @@
 #include "app/modalrun.h"
 #include "patient/chartsheet.h"
 #include "patient/daynumber.h"
-#include "patient/detailrules.h"
+#include "patient/rules/detailrules.h"
 #include "patient/patientres.h"
 #include "suite/patients/records/dbdoctors.h"
 #include "suite/patients/records/dbpatients.h"

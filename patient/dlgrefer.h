@@ -2,7 +2,7 @@
 #pragma once
 
 #include "patient/listpage.h"
-#include "patient/referralrules.h"
+#include "patient/rules/referralrules.h"
 
 #include <afxdtctl.h>
 

@@ -3,10 +3,10 @@
 #include "app/modalrun.h"
 #include "app/velapp.h"
 #include "maintenance/dlgdoctypes.h"
-#include "patient/chartrules.h"
+#include "patient/rules/chartrules.h"
 #include "patient/contactfields.h"
-#include "patient/detailrules.h"
-#include "patient/guardianrules.h"
+#include "patient/rules/detailrules.h"
+#include "patient/rules/guardianrules.h"
 #include "suite/util/velstring.h"
 
 #include <algorithm>

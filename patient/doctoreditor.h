@@ -2,7 +2,7 @@
 
 #include "patient/detailsres.h"
 #include "patient/fieldbinding.h"
-#include "patient/finding.h"
+#include "patient/rules/finding.h"
 #include "suite/dialogs/mfcdialog.h"
 #include "suite/patients/records/dbdoctors.h"
 

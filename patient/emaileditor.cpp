@@ -1,10 +1,10 @@
 #include "patient/emaileditor.h"
 
 #include "app/velapp.h"
-#include "patient/chartrules.h"
-#include "patient/detailrules.h"
+#include "patient/rules/chartrules.h"
+#include "patient/rules/detailrules.h"
 #include "patient/detailsres.h"
-#include "patient/finding.h"
+#include "patient/rules/finding.h"
 #include "patient/patientres.h"
 #include "suite/util/velstring.h"
 

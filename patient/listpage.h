@@ -1,7 +1,7 @@
 // A page that is a list editor: fields above a list of rows.
 #pragma once
 
-#include "patient/finding.h"
+#include "patient/rules/finding.h"
 #include "patient/sheetpage.h"
 
 #include <afxcmn.h>

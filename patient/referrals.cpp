@@ -1,7 +1,7 @@
 #include "patient/referrals.h"
 
 #include "patient/daynumber.h"
-#include "patient/detailrules.h"
+#include "patient/rules/detailrules.h"
 #include "suite/patients/records/dbpatient.h"
 
 void patCReferrals::Load(const dbCPatient& patient)

@@ -1,7 +1,7 @@
 // The referrals of the patient in the sheet.
 #pragma once
 
-#include "patient/referralrules.h"
+#include "patient/rules/referralrules.h"
 #include "suite/patients/records/dbreferrals.h"
 
 #include <vector>

@@ -2,7 +2,7 @@
 
 #include "app/velapp.h"
 #include "patient/chartsheet.h"
-#include "patient/finding.h"
+#include "patient/rules/finding.h"
 #include "suite/util/velstring.h"
 
 patCSheetPage::patCSheetPage(patCChartSheet& sheet, UINT nIDTemplate, pat::Page nPage)

@@ -1,7 +1,7 @@
 // What the five pages of the patient information sheet have in common.
 #pragma once
 
-#include "patient/sheetrules.h"
+#include "patient/rules/sheetrules.h"
 #include "suite/dialogs/mfcpropertypage.h"
 
 class dbCPatient;

@@ -7,7 +7,7 @@
 #include "archive/files/fileset.h"
 #include "archive/files/pathsafety.h"
 #include "archive/zip/unzipper.h"
-#include "patient/chartrules.h"
+#include "patient/rules/chartrules.h"
 #include "suite/patients/records/patientfile.h"
 #include "suite/patients/files/patimagetypes.h"
 #include "suite/util/velpath.h"

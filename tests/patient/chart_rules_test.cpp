@@ -1,4 +1,4 @@
-#include "patient/chartrules.h"
+#include "patient/rules/chartrules.h"
 #include "patient/patientres.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "patient/detailrules.h"
+#include "patient/rules/detailrules.h"
 #include "patient/detailsres.h"
 
 #include <gtest/gtest.h>

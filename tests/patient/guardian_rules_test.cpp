@@ -1,4 +1,4 @@
-#include "patient/guardianrules.h"
+#include "patient/rules/guardianrules.h"
 #include "patient/patientres.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
-#include "patient/insurancerules.h"
+#include "patient/rules/insurancerules.h"
 #include "patient/patientres.h"
-#include "patient/referralrules.h"
+#include "patient/rules/referralrules.h"
 
 #include <gtest/gtest.h>
 

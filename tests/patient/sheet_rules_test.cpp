@@ -1,4 +1,4 @@
-#include "patient/sheetrules.h"
+#include "patient/rules/sheetrules.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "patient/finding.h"
+#include "patient/rules/finding.h"
 
 #include <string>
 #include <string_view>

@@ -1,7 +1,7 @@
-#include "patient/detailrules.h"
+#include "patient/rules/detailrules.h"
 
 #include "patient/detailsres.h"
-#include "patient/textrules.h"
+#include "patient/rules/textrules.h"
 #include "suite/patients/files/filefamily.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 // The rules of the referral page.
 #pragma once
 
-#include "patient/finding.h"
+#include "patient/rules/finding.h"
 
 #include <string>
 #include <vector>

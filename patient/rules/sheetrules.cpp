@@ -1,6 +1,6 @@
-#include "patient/sheetrules.h"
+#include "patient/rules/sheetrules.h"
 
-#include "patient/guardianrules.h"
+#include "patient/rules/guardianrules.h"
 
 namespace pat
 {

@@ -1,7 +1,7 @@
 // The rules of the guardian page.
 #pragma once
 
-#include "patient/finding.h"
+#include "patient/rules/finding.h"
 
 #include <string_view>
 

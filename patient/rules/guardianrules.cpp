@@ -1,7 +1,7 @@
-#include "patient/guardianrules.h"
+#include "patient/rules/guardianrules.h"
 
 #include "patient/patientres.h"
-#include "patient/textrules.h"
+#include "patient/rules/textrules.h"
 
 namespace pat
 {

@@ -1,4 +1,4 @@
-#include "patient/referralrules.h"
+#include "patient/rules/referralrules.h"
 
 #include "patient/patientres.h"
 

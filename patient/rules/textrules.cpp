@@ -1,4 +1,4 @@
-#include "patient/textrules.h"
+#include "patient/rules/textrules.h"
 
 namespace pat
 {

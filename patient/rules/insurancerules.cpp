@@ -1,7 +1,7 @@
-#include "patient/insurancerules.h"
+#include "patient/rules/insurancerules.h"
 
 #include "patient/patientres.h"
-#include "patient/textrules.h"
+#include "patient/rules/textrules.h"
 #include "suite/patients/files/filefamily.h"
 
 namespace pat

@@ -1,7 +1,7 @@
 // The rules of the chart page.
 #pragma once
 
-#include "patient/finding.h"
+#include "patient/rules/finding.h"
 
 #include <array>
 #include <string_view>
