@@ -301,23 +301,18 @@ bool patCChartSheet::SavePatient()
     }
     catch (dbCException* e)
     {
-        if (e->GetError() != dbErrDuplicateID)
+        const dbError nError = e->GetError();
+        if (nError != dbErrDuplicateID && nError != dbErrDuplicateGUID)
             throw;
         e->Delete();
-        ReportTaken();
+        if (nError == dbErrDuplicateID)
+            m_pageChart.ReportID(IDS_PATIENT_ID_TAKEN); // another process took it after it was checked
+        else
+            AfxMessageBox(IDS_PATIENT_GUID_TAKEN); // the record came with its own
         return false;
     }
     *m_pPatient = std::move(scratch);
     return true;
-}
-
-// Another process took the ID after it was checked; or a record that came with its own GUID is here already.
-void patCChartSheet::ReportTaken()
-{
-    if (IsNewPatient() && VelApp()->GetPatients()->IsIDFree(m_pageChart.GetID()))
-        AfxMessageBox(IDS_PATIENT_GUID_TAKEN);
-    else
-        m_pageChart.ReportID(IDS_PATIENT_ID_TAKEN);
 }
 
 void patCChartSheet::CopyPages(dbCPatient& patient)

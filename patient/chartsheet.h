@@ -106,8 +106,6 @@ private:
     bool ConfirmBillingParty();
     bool SavePatient();
     void CopyPages(dbCPatient& patient);
-    /// Tells that the ID, or the GUID that the record came with, is another patient's.
-    void ReportTaken();
 
     patCDlgChart m_pageChart;
     patCDlgDtail m_pageDetail;
