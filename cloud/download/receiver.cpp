@@ -333,6 +333,8 @@ int velCReceiver::Store(CVelXML& xml)
         m_patient.Save();
     else if (!dbCPatients().AddFromArchive(m_patient))
         dbCException::Throw(dbErrDuplicateID, m_patient.GetID());
+    if (m_bNew && dbCPatientEmailsContainer::TableExists())
+        xml.ReadPatientEmails().Save(m_patient.GetGUID());
 
     dbSServicePatient row;
     if (!dbCServicePatients::FindByGUID(m_patient.GetGUID(), row))

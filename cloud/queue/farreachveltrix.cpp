@@ -3,6 +3,7 @@
 #include "archive/files/filenames.h"
 #include "cloud/net/serviceoptions.h"
 #include "cloud/res/cloudres.h"
+#include "suite/patients/records/dbemails.h"
 #include "suite/patients/velpat.h"
 #include "suite/util/velpath.h"
 
@@ -72,10 +73,7 @@ CFarreachVeltrix::CFarreachVeltrix(velCTransferProgram& program) : m_program(pro
 
 CString CFarreachVeltrix::GetComputer()
 {
-    std::array<char, MAX_COMPUTERNAME_LENGTH + 1> name{};
-    auto nSize = static_cast<DWORD>(name.size());
-    ::GetComputerName(name.data(), &nSize);
-    return name.data();
+    return dbGetComputerName();
 }
 
 int CFarreachVeltrix::CheckRasko(BOOL bShowMessages)

@@ -2,6 +2,7 @@
 #include "cloud/exchange/patientfiles.h"
 #include "cloud/xml/documentwriter.h"
 #include "cloud/xml/velxml.h"
+#include "suite/patients/records/dbemails.h"
 #include "suite/patients/velpat.h"
 #include "suite/util/velpath.h"
 
@@ -26,6 +27,7 @@ public:
         m_root = m_writer.AddElement(L"patient");
         WriteIdentity();
         WriteTreatingDoctor();
+        WriteEmails();
         WriteReferringDoctors();
         if (!m_patient.GetNotes().IsEmpty())
             m_writer.SetContent(m_writer.AddElement(m_root, L"note"), m_patient.GetNotes());
@@ -69,9 +71,32 @@ private:
         m_writer.SetText(element, L"first", person.GetFirstname());
         m_writer.SetText(element, L"title", person.GetTitle());
         velCollectionWriter emails(m_writer, element, L"emails", L"email");
-        if (!person.GetEmail().IsEmpty())
-            m_writer.SetText(emails.AddMember(), L"address", person.GetEmail());
+        dbCPersonEmails list;
+        list.LoadByPersonGUID(person.GetPersonGUID());
+        for (const CString& strAddress : list)
+            m_writer.SetText(emails.AddMember(), L"address", strAddress);
         WriteAddresses(element, person.GetAddresses());
+    }
+
+    /// Nothing for a database without the table.
+    void WriteEmails()
+    {
+        dbCPatientEmailsContainer rows;
+        if (!dbCPatientEmailsContainer::TableExists())
+            return;
+        rows.LoadByPatID(m_patient.GetGUID());
+        velCollectionWriter emails(m_writer, m_root, L"emailAddresses", L"emailAddress");
+        for (const dbSPatientEmail& row : rows)
+        {
+            const Node element = emails.AddMember();
+            m_writer.SetText(element, L"personId", row.strPersonID);
+            m_writer.SetText(element, L"category", row.strCategory);
+            m_writer.SetText(element, L"type", row.strType);
+            m_writer.SetText(element, L"salutation", row.strSalutation);
+            m_writer.SetText(element, L"firstName", row.strFirstname);
+            m_writer.SetText(element, L"lastName", row.strLastname);
+            m_writer.SetText(element, L"address", row.strAddress);
+        }
     }
 
     void WriteReferringDoctors()

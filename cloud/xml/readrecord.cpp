@@ -127,6 +127,20 @@ BOOL CVelXML::ReadPatientDetails(dbCPatient& patient)
     return TRUE;
 }
 
+dbCPatientEmailsContainer CVelXML::ReadPatientEmails() const
+{
+    dbCPatientEmailsContainer rows;
+    for (const Node& node :
+         Select(m_pDocument.Get(), L"//record/patient[not(@patVeltrixID)]/emailAddresses/emailAddress"))
+    {
+        IXMLDOMNode* const pRow = node.Get();
+        rows.Add({Attribute(pRow, L"personId"), Attribute(pRow, L"category"), Attribute(pRow, L"type"),
+                  Attribute(pRow, L"salutation"), Attribute(pRow, L"firstName"), Attribute(pRow, L"lastName"),
+                  Attribute(pRow, L"address")});
+    }
+    return rows;
+}
+
 void CVelXML::ReadAddresses(IXMLDOMNode* pParent, dbCAddresses& addresses) const
 {
     addresses.RemoveAll();

@@ -6,6 +6,7 @@
 #include "cloud/xml/comptr.h"
 #include "cloud/xml/filesignature.h"
 
+#include "suite/patients/records/dbemails.h"
 #include "suite/patients/records/dbperson.h"
 
 #include <afx.h>
@@ -67,6 +68,8 @@ public:
     /// record's second patient element; everything else of the patient stays. FALSE when there is no such
     /// element.
     BOOL ReadPatientDetails(dbCPatient& patient);
+    /// The e-mail addresses around the patient, from the same element.
+    dbCPatientEmailsContainer ReadPatientEmails() const;
 
     /// As velFileSigner::Sign, by the algorithm that the setting FIPS names.
     HRESULT GetFileSignature(LPCTSTR pszPath, CString& strSignature) const;

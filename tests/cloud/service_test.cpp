@@ -4,15 +4,12 @@
 #include "suite/patients/velpat.h"
 #include "tests/support/dialogscript.h"
 #include "tests/support/mfctestprogram.h"
+#include "tests/support/recordservice.h"
 #include "tests/support/temporarypractice.h"
 
 #include <gmock/gmock.h>
 
-#include <wincrypt.h>
-
-#include <cstdlib>
-#include <fstream>
-#include <iterator>
+#include <functional>
 
 using veltest::DialogScript;
 
@@ -20,42 +17,13 @@ VEL_MFC_TEST_PROGRAM();
 
 namespace
 {
-/// Has the system trust the service's authority while it lives.
-class TrustedAuthority
-{
-public:
-    TrustedAuthority()
-        : m_store(::CertOpenStore(CERT_STORE_PROV_SYSTEM_A, 0, 0, CERT_SYSTEM_STORE_CURRENT_USER, "ROOT"))
-    {
-        std::ifstream file(std::getenv("VEL_SERVICE_CA"), std::ios::binary);
-        const std::string pem((std::istreambuf_iterator<char>(file)), {});
-        std::vector<BYTE> der(pem.size());
-        auto size = static_cast<DWORD>(der.size());
-        EXPECT_TRUE(::CryptStringToBinaryA(pem.c_str(), static_cast<DWORD>(pem.size()),
-                                           CRYPT_STRING_BASE64HEADER, der.data(), &size, nullptr, nullptr));
-        EXPECT_TRUE(::CertAddEncodedCertificateToStore(m_store, X509_ASN_ENCODING, der.data(), size,
-                                                       CERT_STORE_ADD_REPLACE_EXISTING, &m_certificate));
-    }
-    ~TrustedAuthority()
-    {
-        ::CertDeleteCertificateFromStore(m_certificate);
-        ::CertCloseStore(m_store, 0);
-    }
-    TrustedAuthority(const TrustedAuthority&) = delete;
-    TrustedAuthority& operator=(const TrustedAuthority&) = delete;
-
-private:
-    HCERTSTORE m_store;
-    PCCERT_CONTEXT m_certificate = nullptr;
-};
-
 struct Client : CVelInet
 {
-    explicit Client(const std::string& host = "localhost")
+    explicit Client(const std::string& host)
         : CVelInet(cloud::AgentName().c_str(), 1, INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr,
                    INTERNET_FLAG_DONT_CACHE)
     {
-        SetServerUrl(("https://" + host + ":" + std::getenv("VEL_SERVICE_PORT")).c_str());
+        SetServerUrl(("https://" + host).c_str());
         SetCommandPath("/beta/upload/veltrixserver.asp");
         EnableStatusCallback();
     }
@@ -74,32 +42,24 @@ protected:
             },
             [](DialogScript&) {});
     }
-    void PlaySession();
+    void PlaySession(const std::string& host);
 
     veltest::TemporaryPractice m_practice;
 };
 } // namespace
 
-// First: what is trusted once stays so in the system's session cache.
-TEST_F(Service, AUntrustedCertificateIsRefusedWithNothingSent)
-{
-    EXPECT_EQ(veltest::RunModal([] { return Client().Login("anna", "pw-anna"); },
-                                [](DialogScript& script) { script.WaitForBox().Press(IDOK); }),
-              -1);
-}
-
 TEST_F(Service, KeepsASessionAndItsRules)
 {
-    const TrustedAuthority authority;
-    Quietly([this] { PlaySession(); });
+    const veltest::RecordService service;
+    Quietly([&] { PlaySession(service.Host()); });
 }
 
-void Service::PlaySession()
+void Service::PlaySession(const std::string& host)
 {
-    Client anna;
+    Client anna(host);
     EXPECT_EQ(anna.GetDownloadable(), -1) << "nobody is signed in";
     EXPECT_EQ(anna.Login("anna", "wrong"), -1);
-    ASSERT_EQ(anna.Login("anna", "pw-anna"), 0);
+    ASSERT_EQ(anna.Login("anna", "first secret"), 0);
     EXPECT_STREQ(anna.GetResponse(), "");
     ASSERT_EQ(anna.GetDownloadable(), 0);
     CVelXML xml;
@@ -144,8 +104,8 @@ void Service::PlaySession()
     // Another user's session is another: it reaches nothing of hers.
     ASSERT_EQ(anna.Logout(), 0);
     EXPECT_EQ(anna.GetList(), -1);
-    Client bert;
-    ASSERT_EQ(bert.Login("bert", "pw-bert"), 0);
+    Client bert(host);
+    ASSERT_EQ(bert.Login("bert", "second secret"), 0);
     EXPECT_THAT(bert.DeleteFromFrv(patient.GetGUID(), id), testing::AnyOf(403, 404));
     EXPECT_EQ(bert.GetDownloadPatient(id), -1) << "it has never been uploaded in full";
     EXPECT_EQ(bert.Logout(), 0);
