@@ -1,0 +1,132 @@
+// How long the dialogs about a patient's records take to open with 100 timepoints, 500 predefined names and
+// 1,000 entries of treatment history, against 2 of each.
+
+#include "app/exports/veldlgs.h"
+#include "maintenance/maintenanceres.h"
+#include "suite/patients/velpat.h"
+#include "tests/maintenance/fakenames.h"
+#include "tests/support/dialogscript.h"
+#include "tests/support/temporarypractice.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+
+namespace
+{
+
+constexpr int repetitions = 9;
+
+using Clock = std::chrono::steady_clock;
+
+struct Times
+{
+    double rename;
+    double newTimepoint;
+    double remove;
+};
+
+dbCPatient StorePatient(int nTimepoints, int nTreatments)
+{
+    dbCTransaction transaction;
+    dbCPatient patient;
+    patient.SetID("A1");
+    patient.SetLastname("Lee");
+    for (int i = 0; i < nTimepoints; ++i)
+    {
+        dbCTimepoint timepoint;
+        timepoint.SetName(("Timepoint " + std::to_string(i)).c_str());
+        timepoint.SetDate(velCDate(2020, 1 + i % 12, 1));
+        patient.GetTimepoints().Add(&patient, timepoint, TRUE, TRUE);
+    }
+    patient.Save();
+    dbCPatientTreatmentStatusHistoryTable history;
+    for (int i = 0; i < nTreatments; ++i)
+    {
+        dbCPatientTreatmentStatusHistoryRow row;
+        row.SetpatID(patient.GetGUID());
+        row.SetDescription("Braces");
+        row.SetNewCode("B");
+        row.SetDateTime(velCDate(2020, 1 + i % 12, 1));
+        history.InsertRow(row);
+    }
+    transaction.Commit();
+    return patient;
+}
+
+std::vector<std::string> MakeNames(int nNames)
+{
+    std::vector<std::string> names;
+    for (int i = 0; i < nNames; ++i)
+        names.push_back("Name " + std::to_string(i));
+    return names;
+}
+
+// The median of the milliseconds from the call to the idle dialog.
+template <class Call> double OpenToReady(const Call& call, int nControl)
+{
+    std::vector<double> times;
+    for (int i = 0; i < repetitions; ++i)
+    {
+        const auto opened = Clock::now();
+        veltest::RunModal(
+            [&] {
+                call();
+                return 0;
+            },
+            [&](veltest::DialogScript& script) {
+                const veltest::Dialog dialog = script.WaitForDialogWith(nControl);
+                dialog.SettleIdle();
+                times.push_back(std::chrono::duration<double, std::milli>(Clock::now() - opened).count());
+                dialog.Press(IDCANCEL);
+            });
+    }
+    std::sort(times.begin(), times.end());
+    return times[times.size() / 2];
+}
+
+Times Measure(int nTimepoints, int nNames, int nTreatments)
+{
+    const veltest::TemporaryPractice practice;
+    const FakeNames names(MakeNames(nNames));
+    dbCPatients::Create(practice.Path("patients.db").c_str());
+    dbCPatient patient = StorePatient(nTimepoints, nTreatments);
+    CString text;
+    COleDateTime date;
+    RENAME_OP renamed = RENAME_TIMEPOINT;
+    __int64 result = 0;
+    unsigned removed = 0;
+    const Times times = {
+        OpenToReady(
+            [&] {
+                return RenameDlg(nullptr, 1, &patient, nTimepoints - 1, "", &renamed, text, text, text, text,
+                                 date);
+            },
+            IDC_RENAME_NAMES),
+        OpenToReady([&] { NewTimepointDlg(nullptr, 1, &patient, result); }, IDC_NEWTP_NAMES),
+        OpenToReady([&] { DeleteDlg(nullptr, 1, &patient, nTimepoints - 1, 0, 0, "", result, removed); },
+                    IDC_DELETE_PATIENT),
+    };
+    dbCPatients::Close();
+    return times;
+}
+
+void Print(const char* what, double few, double many)
+{
+    std::printf("%-28s 2 of each %7.1f ms, 100/500/1,000 %7.1f ms, ratio %.2f\n", what, few, many,
+                many / few);
+}
+
+TEST(RecordsBench, OpenToReadyWithManyRecords)
+{
+    Measure(2, 2, 2); // warms the libraries up
+    const Times few = Measure(2, 2, 2);
+    const Times many = Measure(100, 500, 1'000);
+    Print("rename open to ready:", few.rename, many.rename);
+    Print("new timepoint open to ready:", few.newTimepoint, many.newTimepoint);
+    Print("delete open to ready:", few.remove, many.remove);
+}
+
+} // namespace
