@@ -184,6 +184,45 @@ TEST_F(Help, EveryWindowOfThePatientSheetHasItsTopic)
     EXPECT_EQ(result, IDCANCEL);
 }
 
+TEST_F(Help, EveryRecordDialogHasItsTopic)
+{
+    m_viewer.window = GetDesktopWindow();
+    __int64 result = 0;
+    unsigned operation = 0;
+    RENAME_OP renamed = RENAME_PATIENT;
+    CString text;
+    COleDateTime date;
+    const struct
+    {
+        const char* title;
+        DWORD_PTR topic;
+        std::function<void()> run;
+    } dialogs[] = {
+        {"Rename", 140453,
+         [&] { RenameDlg(nullptr, 0, nullptr, 0, "", &renamed, text, text, text, text, date); }},
+        {"Delete", 140380, [&] { DeleteDlg(nullptr, 0, nullptr, 0, 0, 0, "", result, operation); }},
+        {"New Timepoint", 140374, [&] { NewTimepointDlg(nullptr, 0, nullptr, result); }},
+    };
+    for (const auto& shown : dialogs)
+        veltest::RunModal(
+            [&] {
+                shown.run();
+                return 0;
+            },
+            [&](veltest::DialogScript& script) {
+                const veltest::Dialog dialog = script.WaitForDialog(shown.title);
+                for (const int way : {0, 1})
+                {
+                    m_viewer.calls.clear();
+                    way == 0 ? dialog.PressF1() : dialog.Press(IDHELP);
+                    script.Settle(dialog.Handle());
+                    ASSERT_EQ(m_viewer.calls.size(), 2u) << shown.title << (way == 0 ? " F1" : " button");
+                    EXPECT_EQ(m_viewer.calls[0].data, shown.topic + offset);
+                }
+                dialog.Press(IDCANCEL);
+            });
+}
+
 /// A library of that name in another folder of the search path could be anybody's.
 TEST_F(Help, TheViewerComesFromTheSystemFolderAlone)
 {
