@@ -18,7 +18,7 @@ std::optional<arc::HeaderLine> ReadZippedHeader(arc::FileSystem& files, const st
         CUnzipper::EntryInfo entry;
         if (!unzipper.CurrentEntryInfo(entry))
             return std::nullopt;
-        if (!arc::EqualNoCase(arc::ExtensionOf(entry.name), arc::PatientFileExtension))
+        if (!pat::MayBe(entry.name, pat::FileKind::PatientFile))
             continue;
         std::string bytes;
         return unzipper.ReadCurrentEntry(bytes, MaxPatientFile) ? arc::ParseHeaderLine(bytes) : std::nullopt;

@@ -115,7 +115,7 @@ private:
     bool MoveOldArchiveAside(const dbCPatient& patient);
     void RecordSave();
     void OfferRemoval(dbCPatient& patient);
-    void RemovePatient(const dbCPatient& patient) const;
+    std::vector<std::string> RemovePatient(const dbCPatient& patient) const;
     bool MayBeRemoved(const dbCPatient& patient) const;
 
     int PrepareLoad();

@@ -95,9 +95,8 @@ bool IsSoundFor(const arc::HeaderLine& header, const dbCPatient& patient)
                             std::string_view(patient.GetID().GetString()).substr(0, arc::HeaderFieldLength));
 }
 
-// The path of the only file with this extension; empty when there is none, nothing when there are several.
-std::optional<std::string> OnlyFile(arc::FileSystem& files, const std::string& folder,
-                                    std::string_view extension)
+// The path of the only file of this kind; empty when there is none, nothing when there are several.
+std::optional<std::string> OnlyFile(arc::FileSystem& files, const std::string& folder, pat::FileKind kind)
 {
     std::vector<arc::FolderEntry> entries;
     std::string path;
@@ -105,7 +104,7 @@ std::optional<std::string> OnlyFile(arc::FileSystem& files, const std::string& f
         return std::nullopt;
     for (const arc::FolderEntry& entry : entries)
     {
-        if (entry.info.IsFolder() || !arc::EqualNoCase(arc::ExtensionOf(entry.name), extension))
+        if (entry.info.IsFolder() || !pat::MayBe(entry.name, kind))
             continue;
         if (!path.empty())
             return std::nullopt;
@@ -177,8 +176,8 @@ std::optional<std::vector<std::string>> arcFilesBesidePatterns(const patCPatient
 
 bool arcReadUnpackedRecord(arc::FileSystem& files, const std::string& folder, dbCPatient& patient)
 {
-    const auto record = OnlyFile(files, folder, ".ACV");
-    const auto patientFile = OnlyFile(files, folder, arc::PatientFileExtension);
+    const auto record = OnlyFile(files, folder, pat::FileKind::DatabaseRecord);
+    const auto patientFile = OnlyFile(files, folder, pat::FileKind::PatientFile);
     if (!record || !patientFile || patientFile->empty())
         return false;
     const auto header = arc::ReadHeaderLine(files, *patientFile);
@@ -211,9 +210,8 @@ bool arcTrialReading(const std::string& archivePath, const std::string& id, cons
         CUnzipper::EntryInfo entry;
         if (!unzipper.CurrentEntryInfo(entry))
             return false;
-        const std::string_view extension = arc::ExtensionOf(entry.name);
-        const bool bPatientFile = arc::EqualNoCase(extension, arc::PatientFileExtension);
-        const bool bRecord = arc::EqualNoCase(extension, ".ACV");
+        const bool bPatientFile = pat::MayBe(entry.name, pat::FileKind::PatientFile);
+        const bool bRecord = pat::MayBe(entry.name, pat::FileKind::DatabaseRecord);
         nPatientFiles += bPatientFile;
         nRecords += bRecord;
         if ((bPatientFile && !unzipper.ReadCurrentEntry(patientFile, MaxPatientFile)) ||

@@ -296,17 +296,50 @@ void arcCArchiveManager::OfferRemoval(dbCPatient& patient)
         AfxMessageBox(velFormatTemplate(IDS_ARC_CHANGED_SINCE, patient.GetID()), MB_OK | MB_ICONEXCLAMATION);
         return;
     }
-    RemovePatient(present);
+    const std::vector<std::string> stay = RemovePatient(present);
     Notify(ARCHIVE_NOTIFY_REMOVED, patient.GetGUID());
+    if (!stay.empty())
+    {
+        CString strText;
+        strText.Format(IDS_ARC_FILES_STAY, velGetDataPath().GetString(), arcNameList(stay).GetString());
+        AfxMessageBox(strText, MB_OK | MB_ICONEXCLAMATION);
+    }
 }
 
-void arcCArchiveManager::RemovePatient(const dbCPatient& patient) const
+/// Removes the patient with exactly those files that are as they went into the archive; answers those that
+/// stay.
+std::vector<std::string> arcCArchiveManager::RemovePatient(const dbCPatient& patient) const
 {
     const CWaitCursor wait;
+    const std::string id = patient.GetID().GetString();
+    patFileStates removed;
+    std::vector<std::string> stay;
+    for (const patSFileState& file : patListFiles(patient.GetID()))
+    {
+        const bool bStored =
+            std::any_of(m_pStored->begin(), m_pStored->end(), [&](const arc::PresentFile& stored) {
+                return arc::EqualNoCase(stored.name, file.name) &&
+                       stored.size == static_cast<std::uint64_t>(file.nSize) && stored.stamp == file.nWritten;
+            });
+        if (bStored)
+            removed.push_back(file);
+        else
+            stay.push_back(file.name);
+    }
+    std::vector<arc::FolderEntry> entries;
+    arc::WindowsFileSystem().List(velGetDataPath().GetString(), id + "*", entries);
+    for (const arc::FolderEntry& entry : entries)
+    {
+        // Named as a timepoint's file is, but of no kind that anybody's files are.
+        if (arc::MatchesWildcard(entry.name, id + "??.*") && pat::PossibleOwners(entry.name).empty())
+            stay.push_back(entry.name);
+    }
+
     dbCTransaction transaction;
-    dbCPatients().DeletePatient(patient.GetGUID());
+    dbCPatients().DeletePatient(patient.GetGUID(), &removed);
     CVeltrixLogin().AddPatientDeletedEvent(patient.GetGUID(), arcEventText(IDS_ARC_EVENT_DELETED, patient));
     transaction.Commit();
+    return stay;
 }
 
 /// False, with the user told, for a patient who owes something.

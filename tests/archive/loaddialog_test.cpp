@@ -110,6 +110,30 @@ TEST_F(ArchiveDialogTest, LoadsAndSavesInTheOtherFormats)
     }
 }
 
+TEST_F(ArchiveDialogTest, KeepsAnArchiveOfWhichSomethingWasLeftBehind)
+{
+    StorePatient("A1");
+    StorePatient("B1");
+    // Fits the longer ID too, which the second practice has.
+    m_practice.WriteFile("working\\B12.2dmorph", "B1's or B12's");
+    Save("A1");
+    SaveAndChange("B1");
+    StorePatient("B12");
+    m_practice.WriteFile("working2\\B12.2dmorph", "B12's");
+    EXPECT_EQ(Run(ARCHIVE_OP_LOAD, {}, {Archive("A1"), Archive("B1")},
+                  [&](DialogScript& script) {
+                      WaitForChoice(script).Press(IDOK);
+                      script.AnswerBox("", IDYES); // delete the archives
+                      EXPECT_THAT(script.WaitForBox().BoxText(), testing::EndsWith(":\n\nB12.2dmorph\n"));
+                      script.AnswerBox("", IDOK);
+                  }),
+              IDOK);
+    EXPECT_TRUE(IsStored("A1") && IsStored("B1"));
+    EXPECT_FALSE(std::filesystem::exists(Archive("A1")));
+    EXPECT_TRUE(std::filesystem::exists(Archive("B1")));
+    EXPECT_EQ(m_practice.ReadFile("working2\\B12.2dmorph"), "B12's");
+}
+
 TEST_F(ArchiveDialogTest, RefusesWhatIsNoPatientAndLeavesThePracticeAlone)
 {
     UseSecondPractice();

@@ -1,7 +1,10 @@
 // Saving patients through the archive dialog.
+#include "suite/patients/store/dbsteps.h"
 #include "tests/archive/archivefixture.h"
 
+#include <algorithm>
 #include <filesystem>
+#include <fstream>
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -28,6 +31,27 @@ VEL_CHILD_PROCESS(holdLock) // database, ID, mode, file to make when it is locke
     ::CloseHandle(::CreateFile(arguments[3].c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
     ::Sleep(60'000);
     return 0;
+}
+
+VEL_CHILD_PROCESS(changeNotes) // database, ID
+{
+    dbCPatients::Open(arguments[0].c_str());
+    dbCPatient patient;
+    if (!patient.Load(arguments[1].c_str()))
+        return 1;
+    patient.SetNotes("changed elsewhere");
+    patient.Save();
+    return 0;
+}
+
+// Answers the question after a save; before it `meanwhile` happens.
+void SaveAndRemove(DialogScript& script, const std::function<void()>& meanwhile)
+{
+    WaitForChoice(script).Press(IDOK);
+    TakeOfferedName(script);
+    const Dialog box = script.WaitForBox();
+    meanwhile();
+    box.Press(IDYES);
 }
 
 void WaitForFile(const std::string& path)
@@ -76,6 +100,113 @@ TEST_F(ArchiveDialogTest, SavesOnePatientAndRemovesItWhenWanted)
     // Neither the record nor the replaced archive is left.
     EXPECT_TRUE(std::filesystem::is_empty(m_practice.Path("temp")));
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(m_practice.Path("archive")), {}), 1);
+}
+
+TEST_F(ArchiveDialogTest, RemovesExactlyWhatIsInTheArchive)
+{
+    StorePatient("A1");
+    StorePatient("A12");
+    // Nobody's, never archived, and of another patient.
+    const char* const stay[] = {"A100.I2A.JPEG", "A101.M1", "A100.C01", "A101.KAZ", "A101.PF"};
+    for (const char* pszName : stay)
+        m_practice.WriteFile(std::string("working\\") + pszName, "mine");
+    m_practice.WriteFile("working\\A100.I40", "in its place"); // so that ".C01" is not archived
+    auto expected = WorkingFiles();
+    std::erase_if(expected, [&](const auto& file) {
+        return !file.first.starts_with("A12") &&
+               std::find(std::begin(stay), std::end(stay), file.first) == std::end(stay);
+    });
+    EXPECT_EQ(
+        Run(ARCHIVE_OP_SAVE, {"A1"}, {},
+            [&](DialogScript& script) {
+                SaveAndRemove(script, [&] {
+                    m_practice.WriteFile("working\\A100.I2B", "arrived");
+                    const std::string bytes = m_practice.ReadFile("working\\A101.V2A");
+                    m_practice.WriteFile("working\\A101.V2A", std::string(bytes.size(), 'z'));
+                });
+                EXPECT_EQ(
+                    script.WaitForBox().BoxText(),
+                    "These files are not in the archive, or were changed since it was written.  They stay "
+                    "in the folder " +
+                        m_practice.Path("working\\") +
+                        ":\n\nA100.C01\nA100.I2B\nA101.V2A\nA100.I2A.JPEG\nA101.KAZ\nA101.M1\n");
+                script.AnswerBox("", IDOK);
+            }),
+        IDOK);
+    EXPECT_FALSE(IsStored("A1"));
+    expected["A100.I2B"] = Sum("arrived");
+    expected["A101.V2A"] = Sum(std::string(m_practice.ReadFile("working\\A101.V2A").size(), 'z'));
+    EXPECT_EQ(WorkingFiles(), expected);
+}
+
+TEST_F(ArchiveDialogTest, KeepsAPatientThatWasChangedSinceItWasArchived)
+{
+    StorePatient("A1");
+    EXPECT_EQ(Run(ARCHIVE_OP_SAVE, {"A1"}, {},
+                  [&](DialogScript& script) {
+                      SaveAndRemove(script, [&] {
+                          veltest::ChildProcess child("changeNotes", {m_practice.Path("patients.db"), "A1"});
+                          EXPECT_EQ(child.Wait(), 0);
+                      });
+                      script.AnswerBox(
+                          "The patient \"A1\" was changed by somebody after the archive was written and "
+                          "stays in the patient list.",
+                          IDOK);
+                  }),
+              IDOK);
+    dbCPatient patient;
+    ASSERT_TRUE(patient.Load("A1"));
+    EXPECT_EQ(patient.GetNotes(), "changed elsewhere");
+}
+
+// What a load would refuse is not reported as saved, and what it needs is written anew.
+TEST_F(ArchiveDialogTest, ProvesTheArchiveAsALoadWouldReadIt)
+{
+    StorePatient("B1");
+    const dbCPatient patient = StorePatient("A1");
+    const auto files = WorkingFiles();
+    m_practice.WriteFile("working\\A1.PF", "no patient file");
+    Save("A1");
+    EXPECT_EQ(WorkingFiles(), files);
+    std::filesystem::remove(m_practice.Path("working\\A1.PF"));
+    std::filesystem::remove(Archive("A1"));
+    Save("A1");
+    EXPECT_EQ(WorkingFiles(), files);
+    std::filesystem::remove(Archive("A1"));
+
+    // Another record comes under the scratch file's name, of another patient, then a torn one.
+    static std::string s_path, s_bytes;
+    static const auto observe = [](dbSTEPPROC pfnObserver) { dbObserveSteps(pfnObserver); };
+    s_path = m_practice.Path("temp\\B1.ACV");
+    observe([](const char* pszStep) {
+        if (std::string(pszStep) != "save.record")
+            return;
+        std::ifstream file(s_path, std::ios::binary);
+        s_bytes.assign(std::istreambuf_iterator<char>(file), {});
+    });
+    Save("B1");
+    ASSERT_GT(s_bytes.size(), 100u);
+    s_path = m_practice.Path("temp\\A1.ACV");
+    for (const bool bTorn : {false, true})
+    {
+        if (bTorn)
+            s_bytes.resize(s_bytes.size() / 2);
+        observe([](const char* pszStep) {
+            if (std::string(pszStep) == "save.record")
+                std::ofstream(s_path, std::ios::binary) << s_bytes;
+        });
+        EXPECT_EQ(Run(ARCHIVE_OP_SAVE, {"A1"}, {},
+                      [&](DialogScript& script) {
+                          WaitForChoice(script).Press(IDOK);
+                          TakeOfferedName(script);
+                          script.AnswerBox(NotCreated, IDOK);
+                      }),
+                  IDOK);
+        EXPECT_FALSE(std::filesystem::exists(Archive("A1")));
+    }
+    observe(nullptr);
+    EXPECT_EQ(NewEvents().size(), 3u);
+    EXPECT_TRUE(std::filesystem::is_empty(m_practice.Path("temp")));
 }
 
 TEST_F(ArchiveDialogTest, KeepsWhoOwes)

@@ -95,6 +95,8 @@ TEST(FileFamily, OnlyMorphingDataFitsSeveralOwners)
     EXPECT_THAT(pat::PossibleOwners("A1$01$A2.I2A"), ElementsAre("A1"));
     EXPECT_THAT(pat::PossibleOwners("A12.2dmorph"), ElementsAre("A12", "A1", "A"));
     EXPECT_THAT(pat::PossibleOwners("holiday.jpg"), ElementsAre());
+    EXPECT_TRUE(pat::MayBe("A1.pf", FileKind::PatientFile));
+    EXPECT_FALSE(pat::MayBe("A1$00$note.PF", FileKind::PatientFile));
     const std::string longest(25, 'X');
     EXPECT_THAT(pat::PossibleOwners(longest + ".PF"), ElementsAre(longest));
     EXPECT_THAT(pat::PossibleOwners(longest + "Y.PF"), ElementsAre());

@@ -127,6 +127,13 @@ std::vector<std::string_view> PossibleOwners(std::string_view name)
     return owners;
 }
 
+bool MayBe(std::string_view name, FileKind kind)
+{
+    const std::vector<std::string_view> owners = PossibleOwners(name);
+    return std::any_of(owners.begin(), owners.end(),
+                       [&](std::string_view owner) { return IdentifyFile(name, owner)->kind == kind; });
+}
+
 std::string MovedFileName(std::string_view name, std::string_view id, std::string_view newId,
                           int newTimepoint)
 {

@@ -66,6 +66,9 @@ std::optional<FileIdentity> IdentifyFile(std::string_view name, std::string_view
 /// owns the file. More than one only for FileKind::Morph, or where an ID holds a dot.
 std::vector<std::string_view> PossibleOwners(std::string_view name);
 
+/// Whether the file is one of this kind to any of its possible owners.
+bool MayBe(std::string_view name, FileKind kind);
+
 /// The name that a patient's file takes with another ID and, if it is of a timepoint and the number is not
 /// -1, another number (0 to 99); everything behind keeps its letters. Empty when the file is none of the
 /// patient's.
