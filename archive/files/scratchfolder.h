@@ -8,19 +8,20 @@
 
 namespace arc
 {
-// Holds the scratch folder for one operation. Only one process has it at a time: an open file beside it says
-// so, which Windows closes and removes with its process, so that a dead user is none. What is in the folder
-// is removed when it is taken and when it is given back. For one thread.
+/// Holds the scratch folder for one operation. Only one process has it at a time: an open file beside it says
+/// so, which Windows closes and removes with its process, so that a dead user is none. What is in the folder
+/// is removed when it is taken and when it is given back. For one thread.
 class ScratchFolder
 {
 public:
-    // temporaryFolder: where the folder lies; the file system must outlive this object.
+    /// temporaryFolder: where the folder lies; the file system must outlive this object.
     ScratchFolder(FileSystem& files, const std::string& temporaryFolder);
-    ~ScratchFolder(); // gives it back
+    ~ScratchFolder(); ///< gives it back
     ScratchFolder(const ScratchFolder&) = delete;
     ScratchFolder& operator=(const ScratchFolder&) = delete;
 
-    // False when another process uses it, or it cannot be made empty. A link of its name goes, not what it leads to.
+    /// False when another process uses it, or it cannot be made empty. A link of its name goes, not what it
+    /// leads to.
     bool Take();
     void GiveBack();
     const std::string& Path() const

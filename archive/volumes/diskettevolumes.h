@@ -9,32 +9,32 @@
 
 namespace arc
 {
-// How the user is asked while diskettes are changed.
+/// How the user is asked while diskettes are changed.
 class DiskettePrompts
 {
 public:
     virtual ~DiskettePrompts() = default;
-    // Asks for a diskette; false aborts.
+    /// Asks for a diskette; false aborts.
     virtual bool Insert(int number, char drive) = 0;
-    // A question of the string table (DisketteQuestion) about the diskette in the drive; false aborts.
+    /// A question of the string table (DisketteQuestion) about the diskette in the drive; false aborts.
     virtual bool UseAnyway(unsigned text) = 0;
-    // The diskette read is not the one wanted; false aborts.
+    /// The diskette read is not the one wanted; false aborts.
     virtual bool InsertRight(int number, char drive) = 0;
-    // Tells that the diskette could not be erased, or not be read.
+    /// Tells that the diskette could not be erased, or not be read.
     virtual void WriteFault(char drive) = 0;
     virtual void Unreadable(char drive) = 0;
-    // Shown while a diskette is erased.
+    /// Shown while a diskette is erased.
     virtual void Erasing() = 0;
-    // A diskette is about to be written.
+    /// A diskette is about to be written.
     virtual void Writing(int number) = 0;
 };
 
-// For one save or load of one patient, on one thread; files and prompts must outlive it. A diskette is erased
-// before it is written; the first one also receives the label file.
+/// For one save or load of one patient, on one thread; files and prompts must outlive it. A diskette is
+/// erased before it is written; the first one also receives the label file.
 class DisketteVolumes : public VolumeDestination, public VolumeSource
 {
 public:
-    // firstConfirmed: the user has already agreed to lose what the diskette in the drive holds.
+    /// firstConfirmed: the user has already agreed to lose what the diskette in the drive holds.
     DisketteVolumes(FileSystem& files, DiskettePrompts& prompts, char drive, HeaderLine patient,
                     bool firstConfirmed);
 
@@ -60,6 +60,6 @@ private:
     const HeaderLine m_patient;
     bool m_bConfirmed;
     int m_nWritten = 0;
-    int m_nInDrive = 0; // number of the diskette that was last written or read
+    int m_nInDrive = 0; ///< number of the diskette that was last written or read
 };
 } // namespace arc

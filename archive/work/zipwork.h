@@ -11,23 +11,23 @@
 
 namespace arc
 {
-// How far the work is, 0 to 100, with the name of what is under way. Called often; false ends the work.
+/// How far the work is, 0 to 100, with the name of what is under way. Called often; false ends the work.
 using WorkProgress = std::function<bool(int percent, const std::string& name)>;
 
 struct ZipSave
 {
     std::string archivePath;
-    std::string workingPath;            // written under this name in the same folder; empty: under its own
-    std::string patterns;               // quoted, bare
-    std::string folder;                 // where the patterns look
-    std::vector<std::string> moreFiles; // full paths
-    bool diskette = false;              // the archive is written over an old one, not beside it
-    std::string checking;               // the name that is reported while the archive is read back
-    Parallel parallel;                  // of packing and of reading back
-    // A trial reading of the archive as a load would do it; without one none is made.
+    std::string workingPath;            ///< written under this name in the same folder; empty: under its own
+    std::string patterns;               ///< quoted, bare
+    std::string folder;                 ///< where the patterns look
+    std::vector<std::string> moreFiles; ///< full paths
+    bool diskette = false;              ///< the archive is written over an old one, not beside it
+    std::string checking;               ///< the name that is reported while the archive is read back
+    Parallel parallel;                  ///< of packing and of reading back
+    /// A trial reading of the archive as a load would do it; without one none is made.
     std::function<bool(const std::string& path)> trial;
-    // Told of every step that has been taken: "save.aside", "save.written", "save.proven", "save.placed",
-    // "save.done".
+    /// Told of every step that has been taken: "save.aside", "save.written", "save.proven", "save.placed",
+    /// "save.done".
     std::function<void(const char* step)> step;
 };
 
@@ -71,7 +71,7 @@ private:
     const WorkProgress& m_progress;
     AsideFile m_previous;
     std::vector<PresentFile> m_stored;
-    bool m_bOpened = false; // something of this save is at the path that it writes
+    bool m_bOpened = false; ///< something of this save is at the path that it writes
     bool m_bCancelled = false;
     bool m_bCommitted = false;
 };
@@ -80,7 +80,7 @@ private:
 int SaveZip(FileSystem& files, const ZipSave& save, const WorkProgress& progress = {},
             std::vector<PresentFile>* stored = nullptr);
 
-// ResultDone when every entry was unpacked into the folder; otherwise ResultLoadFailed or ResultCancelled.
+/// ResultDone when every entry was unpacked into the folder; otherwise ResultLoadFailed or ResultCancelled.
 int LoadZip(FileSystem& files, const std::string& archivePath, const std::string& folder,
             const WorkProgress& progress = {}, const Parallel& parallel = {});
 } // namespace arc

@@ -199,7 +199,7 @@ TEST_F(CrashTest, ARemovalAfterASaveTakesAllOrNothing)
 {
     StorePatient("A1");
     const auto files = WorkingFiles();
-    DieAtEachStep(ARCHIVE_OP_SAVE, "A1", Archive("A1"), 0, "remove", 10, [&](int nStep) {
+    DieAtEachStep(ARCHIVE_OP_SAVE, "A1", Archive("A1"), 0, "remove", 12, [&](int nStep) {
         const auto now = WorkingFiles();
         if (IsStored("A1"))
         {

@@ -63,6 +63,10 @@ TEST(PatientArchive, LoadedIntoAnEmptyPracticeEveryFieldIsEqual)
         info.SetValue("enlarged");
         dbCPatientDiagnostics(patient.GetGUID(), 0, "Clinical")
             .AddDiagnosticRecord(strItem, 2, info, 0, velCDate(2024, 1, 4));
+        // An item that the other practice does not have.
+        dbCPatientDiagnostics(patient.GetGUID(), 0, "Clinical")
+            .AddDiagnosticRecord(dbCDiagnosticGroup::DefineItem("Bite", "Clinical", "OB1", "Open"), 1, info,
+                                 1, velCDate(2024, 1, 5));
         patient.Load("A1");
         before = Image(patient);
         bytes = Store(patient, 1);
@@ -89,6 +93,11 @@ TEST(PatientArchive, LoadedIntoAnEmptyPracticeEveryFieldIsEqual)
     ASSERT_EQ(history.GetCount(), 1);
     EXPECT_EQ(loaded.GetTimepoints()[0].GetptshID(), history[0].GetptshID());
     EXPECT_TRUE(dbCPatientDiagnosisTreatmentsContainer::HasDiagnostics(loaded.GetTimepoints()[2].GettpID()));
+    const dbCDiagnosticGroup made("Bite", "Clinical");
+    ASSERT_EQ(made.GetItemCount(), 1);
+    EXPECT_EQ(made.GetItem(0).GetItemCode() + made.GetItem(0).GetTitle(), "OB1OB1");
+    EXPECT_EQ(dbCPatientDiagnostics(loaded.GetGUID(), 0, "Clinical").GetCount(), 2);
+    EXPECT_TRUE(dbCPatientDiagnosisTreatmentsContainer::HasDiagnostics(loaded.GetTimepoints()[1].GettpID()));
     dbCPerson doctor;
     ASSERT_TRUE(loaded.GetPersonInfo(dbPersonTreatingDoctor, doctor));
     EXPECT_EQ(doctor.GetLastname(), "Frost");

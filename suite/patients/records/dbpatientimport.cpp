@@ -55,6 +55,17 @@ void StoreTreatments(const dbCPatient& patient)
     }
 }
 
+/// The item with this group and code; one that this practice does not have is added, named by its code.
+CString RequireItem(const dbCDiagnosticInfo& info)
+{
+    const dbCDiagnosticGroup group(info.GetGroupTitle(), "Clinical");
+    for (int i = 0; i < group.GetItemCount(); ++i)
+        if (group.GetItem(i).GetItemCode().CompareNoCase(info.GetItemCode()) == 0)
+            return group.GetItem(i).GetdtID();
+    return dbCDiagnosticGroup::DefineItem(info.GetGroupTitle(), "Clinical", info.GetItemCode(),
+                                          info.GetItemCode());
+}
+
 void StoreDiagnostics(const dbCPatient& patient)
 {
     dbCPatientDiagnostics writer(patient.GetGUID(), 0, "Clinical");
@@ -62,16 +73,8 @@ void StoreDiagnostics(const dbCPatient& patient)
     int nPosition = 0;
     for (const dbCDiagnosticInfo& info : patient.GetArchiveDiagnostics())
     {
-        const dbCDiagnosticGroup group(info.GetGroupTitle(), "Clinical");
-        for (int i = 0; i < group.GetItemCount(); ++i)
-        {
-            if (group.GetItem(i).GetItemCode().CompareNoCase(info.GetItemCode()) == 0)
-            {
-                writer.AddDiagnosticRecord(group.GetItem(i).GetdtID(), info.GetTP(), info, nPosition,
-                                           now + COleDateTimeSpan(0, 0, 0, nPosition));
-                break;
-            }
-        }
+        writer.AddDiagnosticRecord(RequireItem(info), info.GetTP(), info, nPosition,
+                                   now + COleDateTimeSpan(0, 0, 0, nPosition));
         ++nPosition;
     }
 }
