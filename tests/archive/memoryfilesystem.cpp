@@ -55,6 +55,10 @@ public:
         }
         std::memcpy(to.data() + position, data, bytes);
         ++m_node->stamp;
+        if (m_files.m_bGarbles && bytes > 0)
+        {
+            to[end - 1] ^= 1;
+        }
         return true;
     }
 

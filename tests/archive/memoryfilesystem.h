@@ -42,6 +42,7 @@ public:
     // 0; call 0 = none. Every call of the file system and of its files counts.
     void FailFrom(int call, int times = 0);
     int Calls() const;
+    bool m_bGarbles = false; // what is written reads back otherwise, as on a bad medium
 
     // --- arc::FileSystem ---
     std::unique_ptr<arc::File> Open(const std::string& path, arc::Access access) override;

@@ -398,22 +398,3 @@ TEST_F(ArchiveDialogTest, LaysOutASelfStartingDisc)
     EXPECT_EQ(m_practice.ReadFile("archive\\autorun.inf"), start + std::string(60 - start.size(), 'x'));
     EXPECT_FALSE(std::filesystem::exists(m_practice.Path("archive\\readme.txt")));
 }
-
-TEST_F(ArchiveDialogTest, RefusesADeviceNameAsID)
-{
-    dbCPatient patient;
-    patient.SetID("AUX");
-    patient.SetLastname("Lee");
-    patient.Save(dbSaveWithoutFile);
-    EXPECT_EQ(Run(ARCHIVE_OP_SAVE, {"AUX"}, {},
-                  [&](DialogScript& script) {
-                      const Dialog choice = WaitForChoice(script);
-                      choice.Press(IDOK);
-                      TakeOfferedName(script);
-                      EXPECT_THAT(script.WaitForBox().BoxText(),
-                                  StartsWith("The patient ID \"AUX\" is a name that"));
-                      script.AnswerBox("", IDOK);
-                      WaitForChoice(script).Press(IDCANCEL);
-                  }),
-              IDCANCEL);
-}

@@ -74,6 +74,33 @@ protected:
 };
 } // namespace
 
+TEST_F(ArchiveWindowsFiles, KnowsAFolderByAnyPathAndWhatIsNotThereFromWhatCannotBeAsked)
+{
+    Put("a.bin", "a");
+    const std::string identity = files.Identity(folder);
+    EXPECT_FALSE(identity.empty());
+    EXPECT_EQ(files.Identity(Path(".") + "\\"), identity);
+    ASSERT_TRUE(DefineDosDeviceA(0, "Q:", folder.c_str())); // as "subst" does
+    EXPECT_EQ(files.Identity("Q:\\"), identity);
+    EXPECT_EQ(files.Identity("Q:\\a.bin"), files.Identity(Path("a.bin")));
+    EXPECT_TRUE(DefineDosDeviceA(DDD_REMOVE_DEFINITION, "Q:", nullptr));
+    EXPECT_NE(files.Identity(Path("a.bin")), identity);
+    EXPECT_EQ(files.Identity(Path("none")), "");
+
+    EXPECT_TRUE(files.Query(Path("a.bin")) && !files.Query(Path("a.bin")).IsAbsent());
+    EXPECT_TRUE(files.Query(Path("none")).IsAbsent());
+    EXPECT_TRUE(files.Query(Path("none\\a.bin")).IsAbsent());
+    const arc::FileQuery unknown = files.Query(Path("a?.bin")); // no name that could be asked for
+    EXPECT_TRUE(!unknown && !unknown.IsAbsent());
+    FILETIME written{};
+    const HANDLE handle =
+        CreateFileA(Path("a.bin").c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    EXPECT_TRUE(GetFileTime(handle, nullptr, nullptr, &written));
+    CloseHandle(handle);
+    EXPECT_EQ(files.Query(Path("a.bin"))->stamp,
+              static_cast<std::int64_t>(written.dwHighDateTime) << 32 | written.dwLowDateTime);
+}
+
 TEST_F(ArchiveWindowsFiles, ReadsAndWritesByPosition)
 {
     Put("a.bin", std::string(600'000, 'a'));

@@ -1,5 +1,6 @@
 // The plain pieces of saving and loading: the scratch folder, the disc bundle, diskettes.
 #include "archive/volumes/diskettevolumes.h"
+#include "archive/files/asidefile.h"
 #include "archive/files/foldertree.h"
 #include "archive/files/scratchfolder.h"
 #include "archive/work/discbundle.h"
@@ -61,6 +62,31 @@ TEST(ScratchFolder, RemovesLinksAndNotWhatTheyLeadTo)
     EXPECT_TRUE(arc::RemoveTree(files, "C:\\Temp\\none"));
 }
 
+TEST(AsideFile, MovesOnlyWhatItKnowsToBeThereAndOnlyToFreeNames)
+{
+    MemoryFileSystem files;
+    files.Put("C:\\P", "old");
+    files.Put("C:\\P.previous", "older");
+    const struct
+    {
+        int fault; // the call that fails
+        bool moved;
+        const char* now;
+    } cases[] = {
+        {1, false, "C:\\P"}, {2, true, "C:\\P.previous2"}, {3, true, "C:\\P.previous3"}, {4, false, "C:\\P"}};
+    for (const auto& c : cases)
+    {
+        arc::AsideFile aside(files);
+        files.FailFrom(c.fault, 1);
+        EXPECT_EQ(aside.MoveAway("C:\\P"), c.moved) << c.fault;
+        files.FailFrom(0);
+        EXPECT_EQ(files.Bytes(c.now), "old") << c.fault;
+        EXPECT_EQ(files.Bytes("C:\\P.previous"), "older");
+        EXPECT_TRUE(aside.PutBack());
+        EXPECT_EQ(files.Bytes("C:\\P"), "old");
+    }
+}
+
 TEST(RecordFile, IsNewAndOneSavesAlone)
 {
     MemoryFileSystem files;
@@ -94,6 +120,11 @@ TEST(RecordFile, IsNewAndOneSavesAlone)
 TEST(FileCopies, AreNewEqualAndAllOrNone)
 {
     const std::vector<arc::PresentFile> set = {{"a", 200'000}, {"b", 3}, {"empty", 0}};
+    MemoryFileSystem bad;
+    bad.Put("C:\\from\\a", "x");
+    bad.m_bGarbles = true;
+    EXPECT_FALSE(arc::CopyNew(bad, "C:\\from\\a", "C:\\a"));
+    EXPECT_FALSE(bad.Exists("C:\\a"));
     bool done = false;
     for (int fault = 1; !done; ++fault)
     {
@@ -112,6 +143,9 @@ TEST(FileCopies, AreNewEqualAndAllOrNone)
             files.FailFrom(0);
             EXPECT_TRUE(arc::SameContents(files, "C:\\from\\a", "C:\\to\\a"));
             EXPECT_EQ(files.Find("C:\\to\\b")->written.year, 2001);
+            files.Put("C:\\to\\a", std::string(200'001, 'x'));
+            EXPECT_FALSE(arc::SameContents(files, "C:\\from\\a", "C:\\to\\a"));
+            EXPECT_FALSE(arc::SameContents(files, "C:\\to\\a", "C:\\from\\a"));
             files.Put("C:\\to\\a", std::string(200'000 - 1, 'x') + "y");
             EXPECT_FALSE(arc::SameContents(files, "C:\\from\\a", "C:\\to\\a"));
             files.Remove("C:\\to\\b");
