@@ -55,6 +55,7 @@ public:
         }
         std::memcpy(to.data() + position, data, bytes);
         ++m_node->stamp;
+        m_node->onMedium = false;
         if (m_files.m_bGarbles && bytes > 0)
         {
             to[end - 1] ^= 1;
@@ -69,7 +70,8 @@ public:
 
     bool FlushToDisk() override
     {
-        return !m_files.Fails();
+        m_node->onMedium = !m_files.Fails();
+        return m_node->onMedium;
     }
 
     bool SetWritten(const arc::LocalTime& time) override

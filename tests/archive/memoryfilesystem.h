@@ -22,6 +22,7 @@ public:
         std::uint32_t attributes = arc::attribute::Archive;
         arc::LocalTime written{2026, 10, 21, 4, 5, 6};
         std::int64_t stamp = 0; // counts writes
+        bool onMedium = false;  // flushed since it was last written
         int readers = 0;        // open now
         bool alone = false;
     };

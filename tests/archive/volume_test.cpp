@@ -283,6 +283,19 @@ TEST_F(ArchiveVolumes, NoFaultGoesUnnoticed)
     }
 }
 
+TEST_F(ArchiveVolumes, WritesOverNothingAndTakesAwayOnlyItsOwn)
+{
+    PutShort();
+    Volumes volumes(files, "AB", 150);
+    files.CreateFolder("C:\\arc");
+    files.Put("C:\\arc\\AB.002", "mine");
+    EXPECT_EQ(arc::WriteVolumeStream(files, "C:\\w", set, Saved, volumes), VolumeStatus::OpenFailed);
+    EXPECT_TRUE(files.Find("C:\\arc\\AB.001")->onMedium);
+    volumes.RemoveWritten();
+    EXPECT_EQ(files.Tree("C:\\arc"), std::vector<std::string>{"C:\\ARC\\AB.002"});
+    EXPECT_EQ(files.Bytes("C:\\arc\\AB.002"), "mine");
+}
+
 TEST_F(ArchiveVolumes, AFullDiskIsAFailedSave)
 {
     files.AddDrive('D', 2, 100);

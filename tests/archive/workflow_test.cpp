@@ -95,6 +95,7 @@ TEST(RecordFile, IsNewAndOneSavesAlone)
         arc::RecordFile record(files), second(files);
         ASSERT_TRUE(record.Write("C:\\Temp", "A1", "mine"));
         EXPECT_EQ(files.Bytes(record.Path()), "mine");
+        EXPECT_TRUE(files.Find(record.Path())->onMedium);
         EXPECT_FALSE(second.Write("C:\\Temp", "A1", "another practice's"));
         arc::RecordFile::ClearAbandoned(files, "C:\\Temp");
         second.Remove();
@@ -143,6 +144,7 @@ TEST(FileCopies, AreNewEqualAndAllOrNone)
             files.FailFrom(0);
             EXPECT_TRUE(arc::SameContents(files, "C:\\from\\a", "C:\\to\\a"));
             EXPECT_EQ(files.Find("C:\\to\\b")->written.year, 2001);
+            EXPECT_TRUE(files.Find("C:\\to\\a")->onMedium && files.Find("C:\\to\\b")->onMedium);
             files.Put("C:\\to\\a", std::string(200'001, 'x'));
             EXPECT_FALSE(arc::SameContents(files, "C:\\from\\a", "C:\\to\\a"));
             EXPECT_FALSE(arc::SameContents(files, "C:\\to\\a", "C:\\from\\a"));

@@ -137,7 +137,10 @@ TEST_P(ArchiveZipWork, OnADisketteTheArchiveIsWrittenOver)
 {
     files.Put(Archive, "old");
     save.diskette = true;
+    save.workingPath = "C:\\arc\\S1.ZIP"; // the diskette need not have room for both
+    save.trial = [](const std::string& path) { return path == Archive; };
     EXPECT_EQ(arc::SaveZip(shared, save), arc::ResultDone);
+    EXPECT_TRUE(files.Find(Archive)->onMedium);
     EXPECT_THAT(files.Tree("C:\\arc"), ElementsAre("C:\\ARC\\S1.KAZ"));
 }
 
