@@ -75,8 +75,6 @@ void dbCPatientStore::CheckID(const CString& strID)
         bValid = bValid && static_cast<unsigned char>(strID[i]) >= ' ';
     if (!bValid)
         dbCException::Throw(dbErrInvalid, "ID \"" + strID.Left(60) + "\"");
-    if (IsDeviceName(strID))
-        dbCException::Throw(dbErrReservedID, strID);
 }
 
 // Load
@@ -207,6 +205,9 @@ void dbCPatientStore::Save(dbCPatient& patient, int nOptions)
     CheckID(patient.m_f.strID);
     const bool bNew = !patient.m_bStored;
     const bool bRenamed = !bNew && patient.m_strLoadedID != patient.m_f.strID;
+    // Who has such an ID from earlier keeps it, without files.
+    if ((bNew || bRenamed) && !(nOptions & dbSaveWithoutFile) && IsDeviceName(patient.m_f.strID))
+        dbCException::Throw(dbErrReservedID, patient.m_f.strID);
     // What has to look at files does so before the others have to wait.
     patRequireWorkingFolder();
     std::shared_ptr<patCFileWork> pRename;
