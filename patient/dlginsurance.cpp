@@ -13,27 +13,6 @@ ON_BN_CLICKED(IDC_INSURE_PRIMARY, &patCDlgInsurance::OnMakePrimary)
 ON_UPDATE_COMMAND_UI(IDC_INSURE_PRIMARY, &patCDlgInsurance::OnUpdatePrimary)
 END_MESSAGE_MAP()
 
-namespace
-{
-
-/// The GUID of the company with this name; a new company of that name is added to the practice's list.
-CString FindOrAddCompany(const std::string& strName)
-{
-    dbCInsuranceCompanies companies;
-    companies.Load();
-    for (const dbCInsuranceCompany& company : companies)
-    {
-        if (pat::IsSameCompany(company.GetName().GetString(), strName))
-            return company.GetCompanyGUID();
-    }
-    dbCInsuranceCompany company;
-    company.SetName(strName.c_str());
-    company.Save();
-    return company.GetCompanyGUID();
-}
-
-} // namespace
-
 patCDlgInsurance::patCDlgInsurance(patCChartSheet& sheet)
     : patCListPage(sheet, IDD_PATIENT_INSURANCE, pat::InsurancePage, IDC_INSURE_COMPANY)
 {
@@ -196,7 +175,7 @@ void patCDlgInsurance::CopyTo(dbCPatient& patient)
             insurance = before[shown.nOrigin];
         if (shown.nOrigin < 0 ||
             shown.strCompany != m_loaded[static_cast<std::size_t>(shown.nOrigin)].strCompany)
-            insurance.SetCompanyGUID(FindOrAddCompany(shown.strCompany));
+            insurance.SetCompanyGUID(dbCInsuranceCompanies::FindOrAdd(shown.strCompany.c_str()));
         insurance.SetHolder(shown.strHolder.c_str());
         insurance.SetNumber(shown.strNumber.c_str());
         insurance.SetGroup(shown.strGroup.c_str());
