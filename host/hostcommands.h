@@ -36,8 +36,6 @@ struct hostSCommand
     // The exported function of VelDlgs.dll that the command calls, null for the host's own commands.
     const char* exportName;
     hostNeed need;
-    // False while the dialog behind the export is still to come: the command is greyed.
-    bool built;
     hostIcon icon;
     // A gap before the command's button.
     bool startsGroup;

@@ -67,6 +67,9 @@ private:
     void RunNewPatient(BOOL withStudy);
     void RunChangePatient();
     void RunNewTimepoint();
+    void RunRename();
+    void RunDelete();
+    void RunImport();
     void ChoosePractice();
     void Refresh();
     void ShowSelected();
@@ -78,6 +81,7 @@ private:
     void TakeNotices();
     void UpdateTools();
     BOOL LoadSelected(dbCPatient& patient);
+    int GetSelectedTimepoint() const;
     BOOL IsOffered(const hostSCommand& command);
     BOOL IsChecked(int id) const;
     CString FullName(const patCPatient& patient) const;

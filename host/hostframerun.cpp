@@ -12,9 +12,6 @@
 namespace
 {
 
-// The host keeps no balances and treatments: the practice-management data are not in use.
-constexpr int kPracticeManagement = 0;
-
 // More events of one call are counted up to here.
 constexpr int kMaxRecorded = 1000;
 
@@ -45,6 +42,8 @@ BOOL hostCFrame::IsChecked(int id) const
     {
     case ID_ARCHIVE_ALLOW:
         return m_session.IsArchivingAllowed();
+    case ID_PRACTICE_MANAGEMENT:
+        return m_session.UsesPracticeManagement();
     case ID_VIEW_AUDITLOG:
         return m_showAudit;
     case ID_VIEW_TOOLS:
@@ -309,6 +308,9 @@ void hostCFrame::RunCommand(const hostSCommand& command)
     case ID_ARCHIVE_ALLOW:
         m_session.AllowArchiving(!m_session.IsArchivingAllowed());
         break;
+    case ID_PRACTICE_MANAGEMENT:
+        m_session.UsePracticeManagement(!m_session.UsesPracticeManagement());
+        break;
     case ID_KEYWORDS_PATIENT:
         ShowResult(command.exportName, module->EditKeywords(this, INI_LIST_PATIENT));
         break;
@@ -352,6 +354,15 @@ void hostCFrame::RunPatientCommand(UINT id)
     case ID_PATIENT_CHANGE:
         RunChangePatient();
         break;
+    case ID_PATIENT_RENAME:
+        RunRename();
+        break;
+    case ID_PATIENT_DELETE:
+        RunDelete();
+        break;
+    case ID_PATIENT_IMPORT:
+        RunImport();
+        break;
     case ID_TIMEPOINT_NEW:
         RunNewTimepoint();
         break;
@@ -394,18 +405,6 @@ void hostCFrame::RunChangePatient()
         const CString guid = patient.GetGUID();
         Refresh();
         m_patients.SelectGUID(guid);
-    }
-}
-
-void hostCFrame::RunNewTimepoint()
-{
-    dbCPatient patient;
-    if (LoadSelected(patient))
-    {
-        __int64 result = IDCANCEL;
-        m_session.GetModule()->NewTimepointDlg(this, kPracticeManagement, &patient, result);
-        ShowResult("NewTimepointDlg", result);
-        Refresh();
     }
 }
 
@@ -463,7 +462,7 @@ void hostCFrame::RunArchive(ARCHIVE_OP operation)
     CStringArray archives; // none: the user is asked
     CStringArray unused[3];
     const __int64 result =
-        m_session.GetModule()->ArchiveDlg(this, kPracticeManagement, &patient, operation, selected,
+        m_session.GetModule()->ArchiveDlg(this, m_session.UsesPracticeManagement(), &patient, operation, selected,
                                           &m_session.GetPatients(), archives, unused[0], unused[1], unused[2], 0, 0);
     TakeNotices();
     Refresh();

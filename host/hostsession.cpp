@@ -1,5 +1,13 @@
 #include "host/hostsession.h"
 
+#include "suite/util/velini.h"
+
+namespace
+{
+constexpr const char* kSection = "Defaults";
+constexpr const char* kPracticeManagement = "PracticeManagement";
+} // namespace
+
 BOOL hostCSession::Open(LPCTSTR folder, const hostAsk& ask, CString& error)
 {
     Close();
@@ -22,4 +30,14 @@ void hostCSession::AllowArchiving(BOOL allowed)
 {
     m_module->SetArchivingAllowed(allowed != FALSE);
     m_archivingAllowed = allowed;
+}
+
+BOOL hostCSession::UsesPracticeManagement() const
+{
+    return m_practice.IsOpen() && velGetIniInt(kSection, kPracticeManagement, 0) != 0;
+}
+
+void hostCSession::UsePracticeManagement(BOOL used)
+{
+    velSetIniInt(kSection, kPracticeManagement, used ? 1 : 0);
 }

@@ -40,6 +40,10 @@ public:
     }
     void AllowArchiving(BOOL allowed);
 
+    /// Whether balances and treatments are in use: a setting of the practice.
+    BOOL UsesPracticeManagement() const;
+    void UsePracticeManagement(BOOL used);
+
 private:
     hostCPractice m_practice;
     hostCModule m_module;

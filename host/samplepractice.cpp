@@ -136,6 +136,44 @@ StoredLists StoreLists(const sample::Lists& lists)
     return stored;
 }
 
+// What practice management offers for new timepoints.
+void AddTreatments()
+{
+    constexpr const char* kTreatments[][2] = {{"OBS", "Observation"},   {"PH1", "Phase 1"}, {"PH2", "Phase 2"},
+                                              {"RET", "Retention"}, {"SUR", "Surgical orthodontics"}};
+    for (const auto& [code, description] : kTreatments)
+    {
+        dbCTreatmentStatusContainer::AddTreatment(code, description);
+    }
+    dbCTimepointNames names;
+    for (const char* name : {"Initial", "Progress", "Phase 1", "Phase 2", "Final", "Retention", "Recall"})
+    {
+        names.Add(name);
+    }
+}
+
+// Every patient with images has begun a treatment, some have gone on to a second; every fourth owes something.
+void AddPracticeManagement(dbCPatient& patient, int index)
+{
+    constexpr const char* kHistory[][2] = {{"OBS", "Observation"}, {"PH1", "Phase 1"}};
+    patCTimepoints& timepoints = patient.GetTimepoints();
+    for (int entry = 0; entry <= index % 2 && entry < timepoints.GetCount(); ++entry)
+    {
+        dbCPatientTreatmentStatusHistoryRow row;
+        row.SetpatID(patient.GetGUID());
+        row.SetNewCode(kHistory[entry][0]);
+        row.SetDescription(kHistory[entry][1]);
+        row.SetDateTime(timepoints[entry].GetDate());
+        dbCPatientTreatmentStatusHistoryTable().InsertRow(row);
+        timepoints[entry].SetptshID(row.GetptshID());
+    }
+    patient.Save(dbSaveWithoutFile);
+    if (index % 4 == 1)
+    {
+        patient.SetBalance(12500 + 1000 * index);
+    }
+}
+
 SampleImage ImageOf(int timepoint, int image)
 {
     return timepoint == 0 && image == 3 ? kPanoramic : kImages[static_cast<std::size_t>(image)];
@@ -237,6 +275,7 @@ void samFillPractice(int patients)
     const sample::Generator generator(static_cast<std::size_t>(patients));
     dbCTransaction transaction;
     const StoredLists lists = StoreLists(generator.GetLists());
+    AddTreatments();
     for (int index = 0; index < patients; ++index)
     {
         const sample::Patient source = generator.GetPatient(static_cast<std::size_t>(index));
@@ -246,6 +285,7 @@ void samFillPractice(int patients)
         if (withFiles)
         {
             DrawImages(patient, source.timepoints);
+            AddPracticeManagement(patient, index);
         }
     }
     transaction.Commit();

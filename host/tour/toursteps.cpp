@@ -396,7 +396,7 @@ void PlayAuditLog(tourCGuide& guide)
 
 constexpr std::array<tourSStep, 28> kSteps = {{
     {"The practice opens", PlayOpen},
-    {"Dialogs that are still to come are greyed", PlayGreyed},
+    {"Every command is offered for one patient", PlayGreyed},
     {"The search finds patients while it is typed", PlaySearch},
     {"A new patient, cancelled", PlayNewCancelled},
     {"A new patient through all five pages", PlayNew},
