@@ -132,15 +132,19 @@ void tourAnswerSave(tourCGuide& guide, const std::string& name, int fileType)
     dialog.WaitForClosed();
 }
 
-void tourAnswerOpen(tourCGuide& guide, const std::string& names)
+void tourAnswerFile(tourCGuide& guide, const Dialog& dialog, const std::string& names, const std::string& button)
 {
-    const Dialog dialog = guide.GetScript().WaitForDialog("Choose archive file...");
     guide.GetScript().WaitUntil("the name field", [&] { return dialog.Has(kFileName); });
     guide.GetScript().Settle(dialog.Handle());
     dialog.Item(kFileName).SetText(names);
     guide.Picture(dialog.Handle(), "open-file");
-    dialog.Press("Open");
+    dialog.Press(button);
     dialog.WaitForClosed();
+}
+
+void tourAnswerOpen(tourCGuide& guide, const std::string& names)
+{
+    tourAnswerFile(guide, guide.GetScript().WaitForDialog("Choose archive file..."), names, "Open");
 }
 
 void tourAnswerBox(tourCGuide& guide, const std::string& text, int button, const std::string& picture,

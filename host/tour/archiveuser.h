@@ -14,6 +14,9 @@ veltest::Dialog tourOpenArchiveDialog(tourCGuide& guide, int command);
 void tourAnswerSave(tourCGuide& guide, const std::string& name = {}, int fileType = 0);
 /// Enters names, one by itself or several between quotes, and opens.
 void tourAnswerOpen(tourCGuide& guide, const std::string& names);
+/// Enters a name into a file dialog of the system and presses its button.
+void tourAnswerFile(tourCGuide& guide, const veltest::Dialog& dialog, const std::string& names,
+                    const std::string& button);
 /// Answers a message box of the tour's choice after a picture of it; the button that Enter would press is
 /// compared.
 void tourAnswerBox(tourCGuide& guide, const std::string& text, int button, const std::string& picture,

@@ -4,6 +4,7 @@
 #include "host/hostpractice.h"
 #include "host/hostres.h"
 #include "host/tour/archivesteps.h"
+#include "host/tour/maintenancesteps.h"
 #include "maintenance/maintenanceres.h"
 #include "patient/detailsres.h"
 #include "patient/patientres.h"
@@ -386,7 +387,7 @@ void PlayAuditLog(tourCGuide& guide)
 {
     guide.Choose(ID_PRACTICE_REFRESH);
     guide.GetScript().Settle(guide.GetFrame());
-    guide.Expect(CountRows(guide, IDC_AUDIT) == 3, std::to_string(CountRows(guide, IDC_AUDIT)) + " events in the audit log");
+    guide.Expect(CountRows(guide, IDC_AUDIT) == 8, std::to_string(CountRows(guide, IDC_AUDIT)) + " events in the audit log");
     for (const auto& row : guide.Child(IDC_AUDIT).Rows())
     {
         guide.Print("   log      " + row.at(1) + ": " + row.at(2));
@@ -394,7 +395,7 @@ void PlayAuditLog(tourCGuide& guide)
     guide.Picture(guide.GetFrame(), "audit-log");
 }
 
-constexpr std::array<tourSStep, 28> kSteps = {{
+constexpr std::array<tourSStep, 37> kSteps = {{
     {"The practice opens", PlayOpen},
     {"Every command is offered for one patient", PlayGreyed},
     {"The search finds patients while it is typed", PlaySearch},
@@ -407,6 +408,15 @@ constexpr std::array<tourSStep, 28> kSteps = {{
     {"A change, cancelled", PlayChangeCancelled},
     {"The keyword list is edited", PlayKeywords},
     {"Keywords, cancelled", PlayKeywordsCancelled},
+    {"A timepoint is added", tourPlayNewTimepoint},
+    {"A timepoint is added for a new treatment", tourPlayNewTreatment},
+    {"A timepoint is renamed", tourPlayRenameTimepoint},
+    {"A patient is renamed", tourPlayRenamePatient},
+    {"A change of name, cancelled", tourPlayRenameCancelled},
+    {"Diagnostics are imported", tourPlayImportDiagnostics},
+    {"The images of a timepoint are deleted", tourPlayDeleteImages},
+    {"A timepoint is deleted", tourPlayDeleteTimepoint},
+    {"A patient who owes something is not deleted, then is", tourPlayDeletePatient},
     {"The dialog module and its settings", PlayModule},
     {"Several patients are selected", PlaySeveral},
     {"The audit log", PlayAuditLog},
