@@ -1,5 +1,6 @@
-// What the host does with the answers of the module's maintenance dialogs: they ask and check, the host renames,
-// deletes and imports. Each change is one operation of the patient database, with its audit event in it.
+// What the host does with the answers of the module's maintenance dialogs: they ask and check, the host
+// renames, deletes and imports. Each change is one operation of the patient database, with its audit event in
+// it.
 #include "host/columns.h"
 #include "host/hostframe.h"
 #include "host/hostres.h"
@@ -125,8 +126,8 @@ void hostCFrame::RunRename()
     CString name;
     COleDateTime date;
     const __int64 result =
-        m_session.GetModule()->RenameDlg(this, m_session.UsesPracticeManagement(), &patient, timepoint, "", &operation,
-                                         lastname, firstname, passed, name, date);
+        m_session.GetModule()->RenameDlg(this, m_session.UsesPracticeManagement(), &patient, timepoint, "",
+                                         &operation, lastname, firstname, passed, name, date);
     ShowResult("RenameDlg", result);
     if (result != IDOK)
     {
@@ -165,8 +166,8 @@ void hostCFrame::RunDelete()
     const int timepoint = GetSelectedTimepoint();
     __int64 result = IDCANCEL;
     unsigned int operation = 0;
-    m_session.GetModule()->DeleteDlg(this, m_session.UsesPracticeManagement(), &patient, timepoint, 0, 0, "", result,
-                                     operation);
+    m_session.GetModule()->DeleteDlg(this, m_session.UsesPracticeManagement(), &patient, timepoint, 0, 0, "",
+                                     result, operation);
     ShowResult("DeleteDlg", result);
     if (result != IDOK)
     {

@@ -150,7 +150,8 @@ void tourPlayRenameTimepoint(tourCGuide& guide)
     SelectTimepoint(guide, 0);
     const dbCPatient before = ReadStored(guide);
     const Dialog dialog = Open(guide, ID_PATIENT_RENAME, "Rename");
-    guide.Expect(!dialog.Item(IDC_RENAME_PATIENT).IsEnabled(), "with practice management the patient keeps the name");
+    guide.Expect(!dialog.Item(IDC_RENAME_PATIENT).IsEnabled(),
+                 "with practice management the patient keeps the name");
     dialog.Item(IDC_RENAME_NAMES).Replace("First records");
     dialog.SettleIdle();
     guide.Picture(dialog.Handle(), "rename-timepoint");
@@ -158,8 +159,8 @@ void tourPlayRenameTimepoint(tourCGuide& guide)
     const patCTimepoint& renamed = before.GetTimepoints()[0];
     const std::string day = " (" + std::string(renamed.GetDate().Format("%x")) + ")";
     tourAnswerBox(guide,
-                  "Are you sure you want to change timepoint from \"" + std::string(renamed.GetName()) + "\"" + day +
-                      " to \"First records\"" + day + "?",
+                  "Are you sure you want to change timepoint from \"" + std::string(renamed.GetName()) +
+                      "\"" + day + " to \"First records\"" + day + "?",
                   IDYES, "rename-timepoint-question");
     dialog.WaitForClosed();
     guide.ExpectResult("RenameDlg: OK");
@@ -184,8 +185,8 @@ void tourPlayRenamePatient(tourCGuide& guide)
     Press(dialog, IDOK);
     const std::string given(before.GetFirstname());
     tourAnswerBox(guide,
-                  "Are you sure you want to rename patient from " + given + " " + before.GetLastname().GetString() +
-                      " to " + given + " O'Hara-Lee?",
+                  "Are you sure you want to rename patient from " + given + " " +
+                      before.GetLastname().GetString() + " to " + given + " O'Hara-Lee?",
                   IDYES, "rename-patient-question");
     dialog.WaitForClosed();
     guide.ExpectResult("RenameDlg: OK");
@@ -246,15 +247,16 @@ void tourPlayDeleteImages(tourCGuide& guide)
     SelectTimepoint(guide, 1);
     const dbCPatient before = ReadStored(guide);
     const patCTimepoint& timepoint = before.GetTimepoints()[1];
-    guide.Expect(CountFiles(guide, timepoint) > 0, std::to_string(CountFiles(guide, timepoint)) + " image files");
+    guide.Expect(CountFiles(guide, timepoint) > 0,
+                 std::to_string(CountFiles(guide, timepoint)) + " image files");
     const Dialog dialog = Open(guide, ID_PATIENT_DELETE, "Delete");
     dialog.Item(IDC_DELETE_IMAGES).Click();
     guide.Picture(dialog.Handle(), "delete-images");
     Press(dialog, IDOK);
     tourAnswerBox(guide,
-                  "Are you sure you want to delete the images for timepoint \"" + std::string(timepoint.GetName()) +
-                      "?\"  All images will be deleted.",
-                  IDYES, "delete-images-question", "&No");
+                  "Are you sure you want to delete the images for timepoint \"" +
+                      std::string(timepoint.GetName()) + "?\"  All images will be deleted.",
+                  IDYES, "delete-images-question", "No");
     dialog.WaitForClosed();
     guide.ExpectResult("DeleteDlg: OK");
     guide.ExpectEvent(dbAuditPatientModified, EventText(before, " data, has been modified"));
@@ -275,11 +277,12 @@ void tourPlayDeleteTimepoint(tourCGuide& guide)
     const Dialog dialog = Open(guide, ID_PATIENT_DELETE, "Delete");
     guide.Picture(dialog.Handle(), "delete-timepoint");
     Press(dialog, IDOK);
-    tourAnswerBox(guide,
-                  "WARNING! There is questionnaire/diagnostic information in the database for this timepoint!\n "
-                  "Are you sure you want to delete timepoint \"First records?\"  All images and "
-                  "questionnaire/diagnostic data in this timepoint will be deleted.",
-                  IDYES, "delete-timepoint-question", "&No");
+    tourAnswerBox(
+        guide,
+        "WARNING! There is questionnaire/diagnostic information in the database for this timepoint!\n "
+        "Are you sure you want to delete timepoint \"First records?\"  All images and "
+        "questionnaire/diagnostic data in this timepoint will be deleted.",
+        IDYES, "delete-timepoint-question", "No");
     dialog.WaitForClosed();
     guide.ExpectResult("DeleteDlg: OK");
     guide.ExpectEvent(dbAuditPatientModified, EventText(before, " data, has been modified"));
@@ -303,7 +306,8 @@ void tourPlayDeletePatient(tourCGuide& guide)
         dialog.Item(IDC_DELETE_PATIENT).Click();
         guide.Picture(dialog.Handle(), "delete-patient");
         Press(dialog, IDOK);
-        tourAnswerBox(guide, "You cannot delete this patient until their balance is zero.", IDOK, "delete-refused");
+        tourAnswerBox(guide, "You cannot delete this patient until their balance is zero.", IDOK,
+                      "delete-refused");
         dialog.Press(IDCANCEL);
         dialog.WaitForClosed();
     }
@@ -316,8 +320,9 @@ void tourPlayDeletePatient(tourCGuide& guide)
     Press(dialog, IDOK);
     tourAnswerBox(guide,
                   "Are you sure you want to delete patient " + std::string(before.GetFirstname(1)) + " " +
-                      before.GetLastname(1).GetString() + ", ID=" + patientID + "?  All data will be deleted.",
-                  IDYES, "delete-patient-question", "&No");
+                      before.GetLastname(1).GetString() + ", ID=" + patientID +
+                      "?  All data will be deleted.",
+                  IDYES, "delete-patient-question", "No");
     dialog.WaitForClosed();
     guide.ExpectResult("DeleteDlg: OK");
     guide.ExpectEvent(dbAuditPatientDeleted, EventText(before, " has been deleted"));
