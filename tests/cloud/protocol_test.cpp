@@ -1,7 +1,10 @@
 // What goes to the service byte by byte, and what its replies mean.
+#include "archive/res/archiveres.h"
 #include "cloud/message/messagepage.h"
 #include "cloud/protocol/commands.h"
 #include "cloud/protocol/servicetime.h"
+#include "cloud/queue/queuereport.h"
+#include "cloud/res/cloudres.h"
 
 #include <gtest/gtest.h>
 
@@ -130,4 +133,23 @@ TEST(CloudMessages, PageListsThemAndNamesWhatMustBeDone)
     }
     EXPECT_FALSE(MalformedMessagePage().stop);
     EXPECT_EQ(MalformedMessagePage().numbers, "#1");
+}
+
+TEST(CloudQueue, ReportsEachPatientThatWasNotQueued)
+{
+    const struct
+    {
+        int result;
+        bool elsewhere;
+        unsigned text;
+    } cases[] = {{0, false, 0},
+                 {100, false, IDS_ARC_QUEUE_LOAD_ERROR},
+                 {103, false, IDS_ARC_QUEUE_EXISTS},
+                 {103, true, IDS_ARC_QUEUE_ELSEWHERE},
+                 {105, false, IDS_ARC_QUEUE_MISSING},
+                 {107, false, IDS_ARC_QUEUE_NO_IMAGES},
+                 {121, false, IDS_CLD_REFUSED},
+                 {106, false, 0}};
+    for (const auto& c : cases)
+        EXPECT_EQ(QueueReportText(c.result, c.elsewhere), c.text) << c.result;
 }

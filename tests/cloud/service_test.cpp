@@ -2,6 +2,7 @@
 #include "cloud/net/velinet.h"
 #include "cloud/xml/velxml.h"
 #include "suite/patients/velpat.h"
+#include "tests/support/childprocess.h"
 #include "tests/support/dialogscript.h"
 #include "tests/support/mfctestprogram.h"
 #include "tests/support/recordservice.h"
@@ -9,6 +10,7 @@
 
 #include <gmock/gmock.h>
 
+#include <cstdlib>
 #include <functional>
 
 using veltest::DialogScript;
@@ -29,6 +31,14 @@ struct Client : CVelInet
     }
 };
 
+/// In a process of its own: what the system has once trusted or refused it remembers.
+VEL_CHILD_PROCESS(signInWithoutTrust)
+{
+    AfxWinInit(::GetModuleHandle(nullptr), nullptr, ::GetCommandLine(), 0);
+    return veltest::RunModal([&] { return Client(arguments[0]).Login("anna", "first secret"); },
+                             [](DialogScript& script) { script.WaitForBox().Press(IDOK); });
+}
+
 class Service : public testing::Test
 {
 protected:
@@ -47,6 +57,13 @@ protected:
     veltest::TemporaryPractice m_practice;
 };
 } // namespace
+
+TEST_F(Service, AnUntrustedCertificateIsRefused)
+{
+    const char* const pszHost = std::getenv("VEL_SERVICE_HOST");
+    ASSERT_NE(pszHost, nullptr);
+    EXPECT_EQ(veltest::ChildProcess("signInWithoutTrust", {pszHost}).Wait(), -1);
+}
 
 TEST_F(Service, KeepsASessionAndItsRules)
 {
