@@ -19,30 +19,6 @@ struct StringFree
 };
 using ComString = std::unique_ptr<OLECHAR, StringFree>;
 
-CString Narrow(BSTR text)
-{
-    const auto nLength = static_cast<int>(::SysStringLen(text));
-    const int nBytes = ::WideCharToMultiByte(CP_ACP, 0, text, nLength, nullptr, 0, nullptr, nullptr);
-    CString strText;
-    if (nBytes > 0)
-    {
-        ::WideCharToMultiByte(CP_ACP, 0, text, nLength, strText.GetBuffer(nBytes), nBytes, nullptr, nullptr);
-        strText.ReleaseBuffer(nBytes);
-    }
-    return strText;
-}
-
-ComString Wide(LPCTSTR psz)
-{
-    const int nBytes = lstrlen(psz);
-    const int nLength = ::MultiByteToWideChar(CP_ACP, 0, psz, nBytes, nullptr, 0);
-    ComString text(::SysAllocStringLen(nullptr, static_cast<UINT>(nLength)));
-    if (text == nullptr)
-        AfxThrowMemoryException();
-    ::MultiByteToWideChar(CP_ACP, 0, psz, nBytes, text.get(), nLength);
-    return text;
-}
-
 /// What the component says about the call that failed, if it says so for this interface.
 CString Description(IUnknown* pObject, const IID& iid)
 {
@@ -56,7 +32,7 @@ CString Description(IUnknown* pObject, const IID& iid)
         BSTR text = nullptr;
         pInfo->GetDescription(&text);
         const ComString owned(text);
-        strText = Narrow(text);
+        strText = CString(text);
         pInfo->Release();
     }
     pSupport->Release();
@@ -127,14 +103,15 @@ std::vector<CString> CPredefinedNames::Load() const
         BSTR name = nullptr;
         Check(m_pNames->get_Item(i, &name));
         const ComString owned(name);
-        names.push_back(Narrow(name));
+        names.emplace_back(name);
     }
     return names;
 }
 
 void CPredefinedNames::Add(LPCTSTR pszName)
 {
-    Check(m_pNames->Add(Wide(pszName).get()));
+    const ComString name(CString(pszName).AllocSysString());
+    Check(m_pNames->Add(name.get()));
 }
 
 void CPredefinedNames::Remove(int nIndex)

@@ -62,47 +62,23 @@ public:
             *ppObject = static_cast<IClassFactory*>(this);
         return *ppObject != nullptr ? S_OK : E_NOINTERFACE;
     }
-    ULONG STDMETHODCALLTYPE AddRef() override
-    {
-        return 2;
-    }
-    ULONG STDMETHODCALLTYPE Release() override
-    {
-        return 1;
-    }
-
-    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* /*outer*/, REFIID iid, void** ppObject) override
+    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown*, REFIID iid, void** ppObject) override
     {
         return failing == create ? E_FAIL : QueryInterface(iid, ppObject);
-    }
-    HRESULT STDMETHODCALLTYPE LockServer(BOOL /*lock*/) override
-    {
-        return S_OK;
     }
     HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID iid) override
     {
         return iid == IID_ITimepointNames ? S_OK : S_FALSE;
     }
-
-    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* /*count*/) override
-    {
-        return E_NOTIMPL;
-    }
-    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT /*info*/, LCID /*lcid*/, ITypeInfo** /*types*/) override
-    {
-        return E_NOTIMPL;
-    }
-    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID /*iid*/, LPOLESTR* /*text*/, UINT /*count*/, LCID /*lcid*/,
-                                            DISPID* /*ids*/) override
-    {
-        return E_NOTIMPL;
-    }
-    HRESULT STDMETHODCALLTYPE Invoke(DISPID /*id*/, REFIID /*iid*/, LCID /*lcid*/, WORD /*flags*/,
-                                     DISPPARAMS* /*parameters*/, VARIANT* /*result*/,
-                                     EXCEPINFO* /*exception*/, UINT* /*argument*/) override
-    {
-        return E_NOTIMPL;
-    }
+    // clang-format off
+    ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
+    ULONG STDMETHODCALLTYPE Release() override { return 1; }
+    HRESULT STDMETHODCALLTYPE LockServer(BOOL) override { return S_OK; }
+    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) override { return E_NOTIMPL; }
+    // clang-format on
 
     HRESULT STDMETHODCALLTYPE get_ListAvailable(VARIANT_BOOL* pAvailable) override
     {
@@ -118,11 +94,7 @@ public:
     {
         if (const HRESULT nResult = Answer(item); nResult != S_OK)
             return nResult;
-        const std::string& name = names.at(static_cast<std::size_t>(nIndex));
-        std::wstring wide(name.size(), L'\0');
-        MultiByteToWideChar(CP_ACP, 0, name.data(), static_cast<int>(name.size()), wide.data(),
-                            static_cast<int>(wide.size()));
-        *pName = SysAllocString(wide.c_str());
+        *pName = CString(names.at(static_cast<std::size_t>(nIndex)).c_str()).AllocSysString();
         return S_OK;
     }
     HRESULT STDMETHODCALLTYPE Remove(long nIndex) override
@@ -133,11 +105,8 @@ public:
     }
     HRESULT STDMETHODCALLTYPE Add(BSTR name) override
     {
-        std::string narrow(SysStringLen(name), '\0');
-        WideCharToMultiByte(CP_ACP, 0, name, static_cast<int>(narrow.size()), narrow.data(),
-                            static_cast<int>(narrow.size()), nullptr, nullptr);
         if (failing != add)
-            names.push_back(narrow);
+            names.emplace_back(CString(name).GetString());
         return Answer(add);
     }
     HRESULT STDMETHODCALLTYPE MoveUp(long nIndex) override

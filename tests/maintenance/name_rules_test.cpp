@@ -27,7 +27,9 @@ public:
     }
     char CapitalOf(char byte) const override
     {
-        return byte == '\xE9' ? '\xC9' : static_cast<char>(std::toupper(static_cast<unsigned char>(byte)));
+        return byte == '\xE9' || byte == '\x81'
+                   ? '\xC9'
+                   : static_cast<char>(std::toupper(static_cast<unsigned char>(byte)));
     }
 };
 const Table table;

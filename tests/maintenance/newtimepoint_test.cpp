@@ -117,7 +117,8 @@ TEST_F(NewTimepointDialog, OKFollowsNameAndDate)
         {
             Type(dialog, c.name);
             EXPECT_EQ(dialog.Item(IDOK).IsEnabled(), c.ok) << c.name;
-            EXPECT_EQ(dialog.Item(IDC_NEWTP_ADD_NAME).IsEnabled(), c.ok || c.name.rfind("Start", 0) == 0) << c.name;
+            EXPECT_EQ(dialog.Item(IDC_NEWTP_ADD_NAME).IsEnabled(), c.ok || c.name.rfind("Start", 0) == 0)
+                << c.name;
         }
         Type(dialog, "Start");
         dialog.Item(IDC_NEWTP_DATE).SetDate(2026, 1, 16);
@@ -316,7 +317,7 @@ TEST_F(NewTimepointDialog, StaysUsableWhenTheListFails)
     EXPECT_EQ(Stored("A1").back(), "3 Five|2026-01-09|");
 }
 
-TEST_F(NewTimepointDialog, ALockedOrVanishedDatabaseIsTold)
+TEST_F(NewTimepointDialog, AVanishedDatabaseIsTold)
 {
     Run(&m_patient, 0, [](DialogScript& script, const Dialog& dialog) {
         dbCPatients::Close();

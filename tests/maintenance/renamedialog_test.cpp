@@ -61,6 +61,13 @@ protected:
         return text;
     }
 
+    static void Type(const Dialog& dialog, const std::string& name)
+    {
+        dialog.Item(IDC_RENAME_NAMES).SetText(name);
+        dialog.Item(IDC_RENAME_NAMES).Notify(CBN_EDITCHANGE);
+        dialog.SettleIdle();
+    }
+
     static std::string AskAndAnswer(DialogScript& script, const Dialog& dialog, int answer)
     {
         dialog.SettleIdle();
@@ -150,17 +157,16 @@ TEST_F(RenameDialog, RenamesThePatient)
 
 TEST_F(RenameDialog, ChangesNameAndDateOfTheTimepoint)
 {
+    m_patient.GetTimepoints()[1].SetDate(velCDate(COleDateTime(2025, 5, 6, 10, 30, 0)));
     const Outcome outcome = Run(&m_patient, 1, 0, [](DialogScript& script, const Dialog& dialog) {
         const std::string idle = Description(dialog);
-        EXPECT_FALSE(IsOKEnabled(dialog));
-        const auto names = dialog.Item(IDC_RENAME_NAMES);
-        names.SetText("100% %2 &x \"<1>\"");
-        names.Notify(CBN_EDITCHANGE);
+        dialog.Item(IDC_RENAME_DATE).SetDate(2025, 5, 6);
+        EXPECT_FALSE(IsOKEnabled(dialog)); // the time of day is no change
+        Type(dialog, "100% %2 &x \"<1>\"");
         EXPECT_EQ(Description(dialog), "You are about to change timepoint from \"Recall\" (5/6/2025) to "
                                        "\"100% %2 &x \"<1>\"\" (5/6/2025).  "
                                        "Select Ok now to proceed, or Cancel to leave this operation.");
-        names.SetText("Recall");
-        names.Notify(CBN_EDITCHANGE);
+        Type(dialog, "Recall");
         EXPECT_EQ(Description(dialog), idle);
         dialog.Item(IDC_RENAME_DATE).SetDate(2025, 5, 7);
         EXPECT_EQ(AskAndAnswer(script, dialog, IDYES),
@@ -177,13 +183,10 @@ TEST_F(RenameDialog, TypingIsCutToItsLimit)
 {
     Run(&m_patient, 0, 0, [](DialogScript&, const Dialog& dialog) {
         const auto names = dialog.Item(IDC_RENAME_NAMES);
-        names.SetText(std::string(10000, 'n'));
-        names.Notify(CBN_EDITCHANGE);
-        dialog.SettleIdle();
+        Type(dialog, std::string(10000, 'n'));
         EXPECT_EQ(names.Text(), std::string(50, 'n'));
         EXPECT_TRUE(IsOKEnabled(dialog));
-        names.SetText("a\x01z");
-        names.Notify(CBN_EDITCHANGE);
+        Type(dialog, "a\x01z");
         EXPECT_FALSE(IsOKEnabled(dialog));
         dialog.Press(IDC_RENAME_PATIENT);
         for (const int id : {IDC_RENAME_NAME, IDC_RENAME_FIRSTNAME})
@@ -191,17 +194,6 @@ TEST_F(RenameDialog, TypingIsCutToItsLimit)
             dialog.Item(id).SetText(std::string(10000, 'n'));
             EXPECT_EQ(dialog.Item(id).Text(), "N" + std::string(258, 'n'));
         }
-        dialog.Press(IDCANCEL);
-    });
-}
-
-TEST_F(RenameDialog, TheTimeOfDayIsNoChange)
-{
-    m_patient.GetTimepoints()[0].SetDate(velCDate(COleDateTime(2024, 3, 4, 10, 30, 0)));
-    Run(&m_patient, 0, 0, [](DialogScript&, const Dialog& dialog) {
-        EXPECT_FALSE(IsOKEnabled(dialog));
-        dialog.Item(IDC_RENAME_DATE).SetDate(2024, 3, 4);
-        EXPECT_FALSE(IsOKEnabled(dialog));
         dialog.Press(IDCANCEL);
     });
 }
@@ -243,6 +235,16 @@ TEST_F(RenameDialog, StartsOnWhatThereIs)
     }
 }
 
+TEST_F(RenameDialog, ATimepointWithoutADateStartsOnToday)
+{
+    dbCPatient undated = Store("U1", "Una", "Dated", {{"Start", velCDate()}});
+    const Outcome outcome = Run(&undated, 0, 0, [](DialogScript& script, const Dialog& dialog) {
+        EXPECT_THAT(AskAndAnswer(script, dialog, IDYES),
+                    testing::HasSubstr("from \"Start\" () to \"Start\" ("));
+    });
+    EXPECT_TRUE(velCDate(outcome.date).IsSameDate(velCDate::Today()));
+}
+
 TEST_F(RenameDialog, WithoutATimepointNothingIsPassedThrough)
 {
     const Outcome outcome = Run(&m_patient, 5, 0, [](DialogScript& script, const Dialog& dialog) {
@@ -262,16 +264,14 @@ TEST_F(RenameDialog, AssignsATreatmentOfTheHistory)
         EXPECT_EQ(list.Selection(), 0);
         list.Choose(1);
         // Enough by itself, whatever the name.
-        dialog.Item(IDC_RENAME_NAMES).SetText("");
-        dialog.Item(IDC_RENAME_NAMES).Notify(CBN_EDITCHANGE);
+        Type(dialog, "");
         EXPECT_TRUE(IsOKEnabled(dialog));
         list.Send(CB_SETCURSEL, static_cast<WPARAM>(-1));
         dialog.Press(IDOK);
         script.Settle(dialog.Handle());
         EXPECT_TRUE(dialog.IsOpen());
         EXPECT_FALSE(script.FindBox());
-        dialog.Item(IDC_RENAME_NAMES).SetText("Start");
-        dialog.Item(IDC_RENAME_NAMES).Notify(CBN_EDITCHANGE);
+        Type(dialog, "Start");
         list.Choose(1);
         EXPECT_EQ(Description(dialog),
                   "You are about to assign a new treatment.  Select Ok now to proceed, or Cancel "
@@ -284,12 +284,10 @@ TEST_F(RenameDialog, AssignsATreatmentOfTheHistory)
 
 TEST_F(RenameDialog, ANewTreatmentIsChosenAndKeptEvenAfterNo)
 {
+    dbCTreatmentStatusContainer::AddTreatment("A", "Braces"); // the list sorts them the other way round
     dbCTreatmentStatusContainer::AddTreatment("Z", "Aligner");
-    dbCTreatmentStatusContainer::AddTreatment("A", "Braces");
     const Outcome outcome = Run(&m_patient, 0, 1, [&](DialogScript& script, const Dialog& dialog) {
-        dialog.Item(IDC_RENAME_NAMES).SetText("Begin");
-        dialog.Item(IDC_RENAME_NAMES).Notify(CBN_EDITCHANGE);
-        dialog.SettleIdle();
+        Type(dialog, "Begin");
         // Nothing chosen: the dialog stays, and nothing is stored.
         dialog.Press(IDOK);
         Dialog chooser = script.WaitForDialog("Choose a Treatment");
@@ -350,13 +348,9 @@ TEST_F(RenameDialog, OffersPredefinedNamesAndAddsNewOnes)
         names.Choose("Phase 1");
         dialog.SettleIdle();
         EXPECT_FALSE(check.IsEnabled());
-        names.SetText("pHASE 1");
-        names.Notify(CBN_EDITCHANGE);
-        dialog.SettleIdle();
+        Type(dialog, "pHASE 1");
         EXPECT_FALSE(check.IsEnabled());
-        names.SetText("Phase");
-        names.Notify(CBN_EDITCHANGE);
-        dialog.SettleIdle();
+        Type(dialog, "Phase");
         EXPECT_TRUE(check.IsEnabled());
         check.Click();
         AskAndAnswer(s, dialog, IDYES);
@@ -395,8 +389,7 @@ TEST_F(RenameDialog, WorksWithoutThePredefinedNames)
                         "The list of predefined timepoint names could not be used.\n\nOut of order", IDOK);
                 const Dialog dialog = script.WaitForDialog("Rename");
                 EXPECT_TRUE(dialog.Item(IDC_RENAME_NAMES).Items().empty());
-                dialog.Item(IDC_RENAME_NAMES).SetText("Phase");
-                dialog.Item(IDC_RENAME_NAMES).Notify(CBN_EDITCHANGE);
+                Type(dialog, "Phase");
                 AskAndAnswer(script, dialog, IDYES);
             });
         EXPECT_EQ(outcome.operation, RENAME_TIMEPOINT);
@@ -407,9 +400,7 @@ TEST_F(RenameDialog, LooksAsItShould)
 {
     Treat("Braces", 0);
     Run(&m_patient, 0, 1, [](DialogScript&, const Dialog& dialog) {
-        dialog.Item(IDC_RENAME_NAMES).SetText("Phase 1");
-        dialog.Item(IDC_RENAME_NAMES).Notify(CBN_EDITCHANGE);
-        dialog.SettleIdle();
+        Type(dialog, "Phase 1");
         EXPECT_EQ(veltest::DialogFindings(dialog.Handle()), "");
         EXPECT_TRUE(veltest::SavePicture(dialog.Handle(), "rename-timepoint"));
         dialog.Press(IDCANCEL);
