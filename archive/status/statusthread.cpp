@@ -85,9 +85,8 @@ int arcCStatusThread::Join()
 
 /// Shows the progress dialog and has the work done; answers the result code. The other windows are enabled
 /// again before the dialog goes.
-int arcCStatusThread::RunWork() const
+int arcCStatusThread::RunWork(HWND hActive) const
 {
-    const HWND hActive = ActiveWindowOf(m_work.hOwner);
     arcCDlgArchiveProgress dialog(m_work);
     if (!dialog.Create(CWnd::FromHandle(hActive)))
     {
@@ -107,7 +106,13 @@ int arcCStatusThread::RunWork() const
                 dialog.StopWork();
         }
     }
+    // Left to itself the system may take another program's window for the next one.
+    const bool bInFront = dialog.GetSafeHwnd() != nullptr && ::GetForegroundWindow() == dialog.GetSafeHwnd();
     dialog.DestroyWindow();
+    if (bInFront && ::IsWindow(hActive))
+    {
+        ::SetForegroundWindow(hActive);
+    }
     return dialog.GetResult();
 }
 
@@ -117,8 +122,9 @@ BOOL arcCStatusThread::InitInstance()
     m_nResult = arc::ResultNoDialog;
     try
     {
-        m_nResult = RunWork();
-        ShowThreadResult(ActiveWindowOf(m_work.hOwner), m_nResult);
+        const HWND hActive = ActiveWindowOf(m_work.hOwner);
+        m_nResult = RunWork(hActive);
+        ShowThreadResult(::IsWindow(hActive) ? hActive : MainWindowOf(m_work.hOwner), m_nResult);
     }
     catch (CException* e)
     {

@@ -78,7 +78,7 @@ public:
     int ExitInstance() override;
 
 private:
-    int RunWork() const;
+    int RunWork(HWND hActive) const;
 
     arcSStatusWork m_work;
     int m_nResult = 0; // the thread's own until that has ended
