@@ -27,7 +27,7 @@ function(vel_package_runtime)
   endforeach()
 endfunction()
 
-vel_package(velhost veldlgs velctl velpat velutil velmfc velrasko)
+vel_package(velhost veldlgs velctl velpat velutil velmfc velrasko veltpnames)
 vel_package_runtime(libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll libssp-0.dll)
 install(FILES "${PROJECT_SOURCE_DIR}/host/readme.txt" DESTINATION . COMPONENT package)
 

@@ -16,12 +16,14 @@ VelDlgs.dll
 VelHost.exe
 VelMfc.dll
 VelPat.dll
+VelTimepointNames.dll
 VelUtil.dll
 libgcc_s_seh-1.dll
 libssp-0.dll
 libstdc++-6.dll
 libwinpthread-1.dll
 readme.txt
+velrasko64.exe
 LIST
 
 for file in "$folder"/*.dll "$folder"/*.exe; do
