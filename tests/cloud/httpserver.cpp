@@ -51,8 +51,8 @@ HttpServer::HttpServer(Answer answer) : m_answer(std::move(answer))
 HttpServer::~HttpServer()
 {
     m_stop = true;
-    ::closesocket(m_listener);
     m_thread.join();
+    ::closesocket(m_listener);
     ::WSACleanup();
 }
 
@@ -69,15 +69,21 @@ std::vector<std::string> HttpServer::Requests() const
 
 void HttpServer::Run()
 {
-    for (;;)
+    while (!m_stop)
     {
+        // Never blocked for long in a call that only another thread could end.
+        fd_set waiting;
+        FD_ZERO(&waiting);
+        FD_SET(m_listener, &waiting);
+        timeval moment = {0, 20000};
+        if (::select(0, &waiting, nullptr, nullptr, &moment) <= 0)
+            continue;
         const SOCKET connection = ::accept(m_listener, nullptr, nullptr);
         if (connection == INVALID_SOCKET)
-        {
-            if (m_stop)
-                return;
             continue;
-        }
+        const DWORD patience = 5000; // milliseconds; a client that connects and says nothing
+        ::setsockopt(connection, SOL_SOCKET, SO_RCVTIMEO, reinterpret_cast<const char*>(&patience),
+                     sizeof patience);
         std::string request;
         char piece[4096];
         std::size_t wanted = std::string::npos;

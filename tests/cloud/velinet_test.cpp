@@ -124,7 +124,7 @@ TEST_F(VelInet, KeepsNothingOfARefusal)
         [](const std::string&, const veltest::Reply& reply) { reply.Send(Ok("elsewhere")); });
     const HttpServer server([&](const std::string&, const veltest::Reply& reply) {
         reply.Send("HTTP/1.1 " + status + "\r\nLocation: " + other.Address() +
-                   "/\r\nContent-Length: 3\r\n\r\nbad");
+                   "/\r\nContent-Length: 3\r\nConnection: close\r\n\r\nbad");
     });
     PlainInet inet(server.Address());
     for (const char* refusal : {"404 None", "500 Broken", "302 Moved", "307 Moved", "204 Nothing"})
