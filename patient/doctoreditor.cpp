@@ -5,8 +5,11 @@
 #include "maintenance/dlgdoctypes.h"
 #include "patient/rules/chartrules.h"
 #include "patient/contactfields.h"
+#include "patient/emaileditor.h"
 #include "patient/rules/detailrules.h"
 #include "patient/rules/guardianrules.h"
+#include "suite/patients/records/dbemails.h"
+#include "suite/patients/store/dbtransaction.h"
 #include "suite/util/velstring.h"
 
 #include <algorithm>
@@ -54,6 +57,7 @@ patTFieldTable<dbCDoctor> MakeTable()
 
 BEGIN_MESSAGE_MAP(velCDlgEditDoctor, mfcCDialog)
 ON_BN_CLICKED(IDC_DOCTOR_EDIT_TYPES, &velCDlgEditDoctor::OnEditTypes)
+ON_BN_CLICKED(IDC_DOCTOR_EDIT_EMAILS, &velCDlgEditDoctor::OnEditEmails)
 END_MESSAGE_MAP()
 
 velCDlgEditDoctor::velCDlgEditDoctor(LPCTSTR doctorGUID, CWnd* pParent)
@@ -94,6 +98,7 @@ BOOL velCDlgEditDoctor::OnInitDialog()
     if (m_doctor.GetPerson().GetAddresses().IsEmpty())
         m_fields[IDC_DOCTOR_ADDRESS_HOME].nCode = patOfficeAddress;
     UpdateData(FALSE);
+    GetDlgItem(IDC_DOCTOR_EDIT_EMAILS)->EnableWindow(dbCPersonEmails::TableExists());
     return TRUE;
 }
 
@@ -103,7 +108,6 @@ BOOL velCDlgEditDoctor::OnHelpKey(UINT nHelpID)
     return TRUE;
 }
 
-// The doctor is written from a copy: a write that fails leaves nothing of itself in the record.
 void velCDlgEditDoctor::OnOK()
 {
     if (!UpdateData(TRUE) ||
@@ -113,15 +117,64 @@ void velCDlgEditDoctor::OnOK()
         !Report(pat::CheckEmail(m_fields.GetText(IDC_DOCTOR_EMAIL).GetString(), IDC_DOCTOR_EMAIL)))
         return;
     if (velGuard(IDCANCEL, IDS_DOCTOR_SAVE_FAILED, [&]() -> INT_PTR {
-            dbCDoctor doctor = m_doctor;
-            const bool bHadAddress = !doctor.GetPerson().GetAddresses().IsEmpty();
-            if (m_fields.Store(doctor))
-                patDropEmptyAddress(doctor.GetPerson().GetAddresses(), bHadAddress);
-            doctor.Save();
-            m_doctor = doctor;
+            Save();
             return IDOK;
         }) == IDOK)
         EndDialog(IDOK);
+}
+
+// The doctor is written from a copy: a write that fails leaves nothing of itself in the record. The addresses
+// come second, since the doctor's own write has only the first of them.
+void velCDlgEditDoctor::Save()
+{
+    dbCDoctor doctor = m_doctor;
+    const bool bHadAddress = !doctor.GetPerson().GetAddresses().IsEmpty();
+    if (m_fields.Store(doctor))
+        patDropEmptyAddress(doctor.GetPerson().GetAddresses(), bHadAddress);
+    dbCTransaction transaction;
+    doctor.Save();
+    if (m_furtherEmails)
+    {
+        dbCPersonEmails emails;
+        for (const std::string& email :
+             pat::JoinEmails(m_fields.GetText(IDC_DOCTOR_EMAIL).GetString(), *m_furtherEmails))
+            emails.Add(email.c_str());
+        emails.Save(doctor.GetGUID());
+    }
+    transaction.Commit();
+    m_doctor = doctor;
+}
+
+void velCDlgEditDoctor::OnEditEmails()
+{
+    CString strFirst;
+    GetDlgItem(IDC_DOCTOR_EMAIL)->GetWindowText(strFirst);
+    if (!Report(pat::CheckEmail(strFirst.GetString(), IDC_DOCTOR_EMAIL)))
+        return;
+    velGuard(0, IDS_EMAIL_LIST_FAILED, [&]() -> INT_PTR {
+        velCDlgEditEmails editor(
+            pat::JoinEmails(strFirst.GetString(), m_furtherEmails ? *m_furtherEmails : LoadFurtherEmails()),
+            this);
+        if (velRunModal(editor) != IDOK)
+            return 0;
+        std::vector<std::string> emails = editor.GetEmails();
+        GetDlgItem(IDC_DOCTOR_EMAIL)->SetWindowText(emails.empty() ? "" : emails.front().c_str());
+        if (!emails.empty())
+            emails.erase(emails.begin());
+        m_furtherEmails = std::move(emails);
+        return 0;
+    });
+}
+
+// The first address is the record's own, which the field shows or has replaced.
+std::vector<std::string> velCDlgEditDoctor::LoadFurtherEmails() const
+{
+    dbCPersonEmails stored;
+    stored.LoadByPersonGUID(m_doctor.GetGUID());
+    std::vector<std::string> further;
+    for (int i = m_doctor.GetPerson().GetEmail().IsEmpty() ? 0 : 1; i < stored.GetCount(); ++i)
+        further.emplace_back(stored[i].GetString());
+    return further;
 }
 
 // Types that are renamed or deleted take their doctors along, so that a doctor whose type is gone from the

@@ -6,10 +6,15 @@
 #include "suite/dialogs/mfcdialog.h"
 #include "suite/patients/records/dbdoctors.h"
 
-/// Edits one doctor: person, doctor type, first address, two phones and e-mail; further addresses and phones
-/// of the record stay as they are. OK checks the fields, writes the doctor to the database and closes; a
-/// failed check or write is reported and leaves the dialog open with everything in it. Run it with
-/// velRunModal. Belongs to its caller's stack, on the user interface thread.
+#include <optional>
+#include <string>
+#include <vector>
+
+/// Edits one doctor: person, doctor type, first address, two phones and e-mail addresses; further addresses
+/// and phones of the record stay as they are. OK checks the fields, writes the doctor with the e-mail
+/// addresses in one transaction and closes; a failed check or write is reported and leaves the dialog open
+/// with everything in it. Run it with velRunModal. Belongs to its caller's stack, on the user interface
+/// thread.
 class velCDlgEditDoctor : public mfcCDialog
 {
 public:
@@ -30,14 +35,19 @@ protected:
     void OnOK() override;
 
     afx_msg void OnEditTypes();
+    afx_msg void OnEditEmails();
     DECLARE_MESSAGE_MAP()
 
 private:
     /// Fills the list of types anew and selects one, none when there is no such type.
     void FillTypes(const CString& strSelected);
+    std::vector<std::string> LoadFurtherEmails() const;
+    void Save();
     bool Report(const pat::Finding& finding);
 
     dbCDoctor m_doctor;
     CString m_strGUID;
     patTFields<dbCDoctor> m_fields;
+    /// The addresses behind the one in the field, none until they have been edited.
+    std::optional<std::vector<std::string>> m_furtherEmails;
 };

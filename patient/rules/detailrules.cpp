@@ -44,6 +44,19 @@ Finding CheckEmailOnce(std::string_view email, const std::vector<std::string>& e
     return {};
 }
 
+std::vector<std::string> JoinEmails(const std::string& first, const std::vector<std::string>& further)
+{
+    std::vector<std::string> emails;
+    if (!first.empty())
+        emails.push_back(first);
+    for (const std::string& email : further)
+    {
+        if (CheckEmailOnce(email, emails, -1, 0).bPassed)
+            emails.push_back(email);
+    }
+    return emails;
+}
+
 Finding CheckEmailAdded(std::string_view entry, const std::vector<std::string>& emails, unsigned nControl)
 {
     const bool bAdded = entry.empty() || std::find(emails.begin(), emails.end(), entry) != emails.end();

@@ -34,6 +34,9 @@ Finding CheckEmail(std::string_view email, unsigned nControl);
 Finding CheckEmailOnce(std::string_view email, const std::vector<std::string>& emails, int nReplaced,
                        unsigned nControl);
 
+/// All addresses of a person: the first, unless it is empty, and the further ones, each once.
+std::vector<std::string> JoinEmails(const std::string& first, const std::vector<std::string>& further);
+
 /// What stands in the field, but not in the list, would be lost.
 Finding CheckEmailAdded(std::string_view entry, const std::vector<std::string>& emails, unsigned nControl);
 

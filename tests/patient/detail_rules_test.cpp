@@ -33,6 +33,8 @@ TEST(EmailCheck, AnAddressStandsOnceAndIsNotLost)
     const pat::Finding finding = pat::CheckEmailOnce("D@E.F", emails, 0, 7);
     EXPECT_EQ(finding.nMessage, static_cast<unsigned>(IDS_EMAIL_TWICE));
     EXPECT_EQ(finding.strArgument, "D@E.F");
+    EXPECT_EQ(pat::JoinEmails("D@e.f", emails), (std::vector<std::string>{"D@e.f", "a@b.c"}));
+    EXPECT_EQ(pat::JoinEmails("", emails), emails);
     EXPECT_TRUE(pat::CheckEmailAdded("", emails, 7).bPassed);
     EXPECT_TRUE(pat::CheckEmailAdded("d@e.f", emails, 7).bPassed);
     EXPECT_EQ(pat::CheckEmailAdded("D@e.f", emails, 7).nMessage, static_cast<unsigned>(IDS_EMAIL_UNFINISHED));

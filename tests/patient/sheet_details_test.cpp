@@ -2,7 +2,11 @@
 
 #include "maintenance/maintenanceres.h"
 #include "patient/detailsres.h"
+#include "suite/patients/records/dbemails.h"
+#include "tests/patient/patientimage.h"
 #include "tests/patient/sheetfixture.h"
+
+#include <sqlite3.h>
 
 using testing::ElementsAre;
 using veltest::Dialog;
@@ -35,6 +39,29 @@ protected:
     {
         dbCPerson person;
         return Stored("A1").GetPersonInfo(nKind, person) ? person.GetPersonGUID() : CString();
+    }
+
+    // Runs SQL on the database as another program would.
+    void Sql(const char* pszSql) const
+    {
+        sqlite3* pDatabase = nullptr;
+        sqlite3_open(DatabasePath().c_str(), &pDatabase);
+        EXPECT_EQ(sqlite3_exec(pDatabase, pszSql, nullptr, nullptr, nullptr), SQLITE_OK)
+            << sqlite3_errmsg(pDatabase);
+        sqlite3_close(pDatabase);
+    }
+
+    // All of a doctor, addresses behind the first included.
+    static PatientImage DoctorImage(const CString& strGUID)
+    {
+        dbCDoctor doctor;
+        EXPECT_TRUE(doctor.Load(strGUID));
+        PatientImage image = ImageOf(doctor);
+        dbCPersonEmails emails;
+        emails.LoadByPersonGUID(strGUID);
+        for (const CString& strEmail : emails)
+            image["emails"] += std::string(strEmail.GetString()) + " ";
+        return image;
     }
 
     // The patient has one referral, with its date and note, by this doctor.
@@ -257,6 +284,83 @@ TEST_F(SheetDetailsTest, TheDoctorEditorRefusesWhatIsIncompleteOrChangedElsewher
             editor.WaitForClosed();
         },
         IDCANCEL);
+}
+
+TEST_F(SheetDetailsTest, TheDoctorEditorStoresTheEmailAddressesWithTheDoctorOrNotAtAll)
+{
+    StorePatient("A1");
+    dbCPersonEmails stored;
+    for (const char* pszEmail : {"a@x.org", "b@x.org"})
+        stored.Add(pszEmail);
+    stored.Save(m_strIda);
+    const PatientImage before = DoctorImage(m_strIda);
+    const auto run = [&](const std::function<void(DialogScript&, const Dialog&)>& script) {
+        Change(
+            [&](DialogScript& s, const Dialog& sheet) {
+                sheet.Press(IDC_DETAIL_EDIT_REFERRING);
+                const Dialog editor = s.WaitForDialog("Doctor");
+                script(s, editor);
+                editor.WaitForClosed();
+                s.Settle(sheet.Handle());
+            },
+            IDCANCEL);
+    };
+    // Expects these addresses, adds another one as the first and presses the button.
+    const auto addFirst = [](DialogScript& script, const Dialog& editor,
+                             const std::vector<std::string>& listed, const char* pszEmail, int nButton) {
+        editor.Press(IDC_DOCTOR_EDIT_EMAILS);
+        const Dialog emails = script.WaitForDialog("E-mail Addresses");
+        EXPECT_EQ(emails.Item(IDC_EMAIL_LIST).Items(), listed);
+        emails.Item(IDC_EMAIL_ADDRESS).Type(pszEmail);
+        emails.SettleIdle();
+        emails.Press(IDC_EMAIL_ADD);
+        emails.Item(IDC_EMAIL_LIST).Choose(static_cast<int>(listed.size()));
+        emails.SettleIdle();
+        emails.Press(IDC_EMAIL_FIRST);
+        emails.Press(nButton);
+        emails.WaitForClosed();
+        script.Settle(editor.Handle());
+    };
+
+    run([&](DialogScript& script, const Dialog& editor) {
+        addFirst(script, editor, {"a@x.org", "b@x.org"}, "c@x.org", IDCANCEL);
+        EXPECT_EQ(editor.Item(IDC_DOCTOR_EMAIL).Text(), "a@x.org");
+        addFirst(script, editor, {"a@x.org", "b@x.org"}, "c@x.org", IDOK);
+        EXPECT_EQ(editor.Item(IDC_DOCTOR_EMAIL).Text(), "c@x.org");
+        editor.Press(IDCANCEL);
+    });
+    EXPECT_THAT(Differences(before, DoctorImage(m_strIda)), testing::IsEmpty());
+
+    Sql("CREATE TRIGGER fault BEFORE INSERT ON emails BEGIN SELECT RAISE(ABORT, 'the cable is out'); END");
+    run([&](DialogScript& script, const Dialog& editor) {
+        editor.Item(IDC_DOCTOR_TITLE).Type("Prof.");
+        editor.Item(IDC_DOCTOR_EMAIL).Replace("n@x.org");
+        addFirst(script, editor, {"n@x.org", "b@x.org"}, "d@x.org", IDOK);
+        editor.Press(IDOK);
+        EXPECT_THAT(script.WaitForBox().BoxText(),
+                    testing::StartsWith("The doctor could not be saved. Nothing was changed.\n\n"));
+        script.AnswerBox("", IDOK);
+        script.WaitUntil("the editor is usable again", [&] { return editor.IsEnabled(); });
+        EXPECT_THAT(Differences(before, DoctorImage(m_strIda)), testing::IsEmpty());
+        Sql("DROP TRIGGER fault");
+        addFirst(script, editor, {"d@x.org", "n@x.org", "b@x.org"}, "e@x.org", IDOK);
+        editor.Press(IDOK);
+    });
+    PatientImage expected = before;
+    expected["title"] = "Prof.";
+    expected["email"] = "e@x.org";
+    expected["emails"] = "e@x.org d@x.org n@x.org b@x.org ";
+    EXPECT_THAT(Differences(expected, DoctorImage(m_strIda)), testing::IsEmpty());
+
+    Sql("DROP TABLE emails"); // as a database of one address a person is
+    run([&](DialogScript&, const Dialog& editor) {
+        EXPECT_FALSE(editor.Item(IDC_DOCTOR_EDIT_EMAILS).IsEnabled());
+        editor.Item(IDC_DOCTOR_EMAIL).Replace("f@x.org");
+        editor.Press(IDOK);
+    });
+    dbCDoctor doctor;
+    ASSERT_TRUE(doctor.Load(m_strIda));
+    EXPECT_EQ(doctor.GetPerson().GetEmail(), "f@x.org");
 }
 
 } // namespace

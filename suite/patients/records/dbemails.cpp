@@ -5,6 +5,11 @@
 #include "suite/patients/store/dbtransaction.h"
 #include "suite/patients/store/patmodule.h"
 
+BOOL dbCPersonEmails::TableExists()
+{
+    return dbCSession::Current().HasTable("emails");
+}
+
 void dbCPersonEmails::LoadByPersonGUID(LPCTSTR pszPersonGUID)
 {
     RemoveAll();

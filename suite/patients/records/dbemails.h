@@ -7,6 +7,8 @@
 class VELPAT_API dbCPersonEmails : public dbTList<CString>
 {
 public:
+    /// FALSE for a database that has one address a person only; the other calls then throw.
+    static BOOL TableExists();
     /// Reads a person's addresses; none for an unknown GUID.
     void LoadByPersonGUID(LPCTSTR pszPersonGUID);
     /// Writes the addresses at once, blank ones left out. A doctor read before has then to be read again.
