@@ -7,6 +7,7 @@
 #include "archive/res/archivedlgres.h"
 #include "archive/operations/archiverecord.h"
 #include "archive/files/filenames.h"
+#include "archive/files/progress.h"
 #include "archive/operations/otherformats.h"
 #include "archive/work/filecopies.h"
 #include "archive/work/resultcodes.h"
@@ -78,13 +79,50 @@ void arcCArchiveManager::FinishLoad(int nResult)
     EndOperation(nResult);
 }
 
-/// Copies the files to their places; false, with the user told, when one of the names is taken.
-static bool Place(dbCFilePlacement& placement)
+/// Brings the noted files to their places on a status thread of its own, so that this one goes on answering.
+/// False when that was stopped.
+bool arcCArchiveManager::Carry(dbCFilePlacement& placement)
+{
+    CException* pThrown = nullptr;
+    const auto carry = [&](const arcProgress& progress) {
+        return placement.Carry([&](size_t nDone, const std::string& name) {
+            return progress(arc::ProgressPercent(nDone, placement.GetCount()), name);
+        });
+    };
+    arcSStatusWork work;
+    work.bSave = FALSE;
+    const strFilename archive(m_load.strArchivePath);
+    work.strStatus = velFormatTemplate(IDS_ARC_STATUS_LOADING, archive.GetNameExt(), archive.GetName());
+    work.hOwner = m_pOwner->GetSafeHwnd();
+    work.bPostsEnd = false; // it would be taken for the end of the next load
+    work.otherWork = [&](const arcAsk&, const arcProgress& progress) {
+        try
+        {
+            return carry(progress) ? arc::ResultDone : arc::ResultCancelled;
+        }
+        catch (CException* e)
+        {
+            pThrown = e; // goes on, on the other thread
+            return arc::ResultDone;
+        }
+    };
+    const auto pThread = arcCStatusThread::Start(work);
+    if (!pThread)
+        return carry([](int, const std::string&) { return true; });
+    PumpUntilEnded(*pThread);
+    const int nResult = pThread->Join();
+    if (pThrown != nullptr)
+        throw pThrown; // NOLINT(misc-throw-by-value-catch-by-reference): as the framework does
+    return nResult == arc::ResultDone;
+}
+
+/// False, with the user told, when one of the names is taken.
+bool arcCArchiveManager::Place(dbCFilePlacement& placement)
 {
     try
     {
-        placement.Place();
-        return true;
+        placement.Note();
+        return Carry(placement);
     }
     catch (dbCException* e)
     {

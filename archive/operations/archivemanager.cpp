@@ -126,6 +126,26 @@ void arcCArchiveManager::WaitUntilIdle()
         ::PostQuitMessage(nExitCode);
 }
 
+/// The same for a thread whose message nobody waits for.
+void arcCArchiveManager::PumpUntilEnded(const arcCStatusThread& thread)
+{
+    bool bQuits = false;
+    int nExitCode = 0;
+    for (;;)
+    {
+        const arcWoken woken = arcPumpOrWait(thread.m_hThread);
+        if (woken == arcWoken::Object)
+            break;
+        if (woken == arcWoken::Quit)
+        {
+            bQuits = true;
+            nExitCode = static_cast<int>(AfxGetCurrentMessage()->wParam);
+        }
+    }
+    if (bQuits)
+        ::PostQuitMessage(nExitCode);
+}
+
 /// The thread has ended and its message has nowhere to go.
 void arcCArchiveManager::FinishUnreported()
 {

@@ -106,6 +106,9 @@ private:
     void UnlockPatient();
     int StartThread(const arcSStatusWork& work, Work nWork);
     void FinishUnreported();
+    void PumpUntilEnded(const arcCStatusThread& thread);
+    bool Carry(class dbCFilePlacement& placement);
+    bool Place(dbCFilePlacement& placement);
     bool TakeThread(Work nWork);
     void EndOperation(int nResult);
 

@@ -133,7 +133,8 @@ BOOL arcCStatusThread::InitInstance()
     catch (...)
     {
     }
-    ::PostMessage(m_work.hOwner, m_work.bSave ? arcMsgSaveEnded : arcMsgLoadEnded, 0, m_nResult);
+    if (m_work.bPostsEnd)
+        ::PostMessage(m_work.hOwner, m_work.bSave ? arcMsgSaveEnded : arcMsgLoadEnded, 0, m_nResult);
     return FALSE; // all is done: the thread ends without a message loop of its own
 }
 

@@ -40,6 +40,7 @@ struct arcSStatusWork
     CString strFolder;                  ///< save: the working folder; load: the folder to unzip into
     unsigned nWorkers = 0;              ///< threads that pack and unpack; 0: one for each core
     HWND hOwner = nullptr;              ///< receives arcMsgSaveEnded or arcMsgLoadEnded
+    bool bPostsEnd = true;              ///< false: the starter waits for the thread, and nothing is posted
     BOOL bAlternativeEngine = FALSE;    ///< the setting `UseDynaZip`; carried, without effect
 
     std::function<bool(const std::string&)> trial;          ///< save: a trial reading of the zip at this path

@@ -1,4 +1,5 @@
 // Loading and merging through the archive dialog.
+#include "suite/patients/store/dbsteps.h"
 #include "tests/archive/archivefixture.h"
 #include "tests/archive/rawzip.h"
 
@@ -170,10 +171,24 @@ TEST_F(ArchiveDialogTest, RefusesWhatIsNoPatientAndLeavesThePracticeAlone)
     EXPECT_TRUE(std::filesystem::is_empty(m_practice.Path("temp")));
 }
 
-TEST_F(ArchiveDialogTest, RefusesADamagedArchiveAndAFileInTheWay)
+TEST_F(ArchiveDialogTest, RefusesADamagedArchiveAFullDiskAndAFileInTheWay)
 {
     StorePatient("A1");
     SaveAndChange("A1");
+    const auto empty = WorkingFiles();
+    static DWORD s_nThread;
+    dbObserveSteps([](const char* pszStep) {
+        if (std::string(pszStep) != "place.copied")
+            return;
+        s_nThread = ::GetCurrentThreadId();
+        dbCException::Throw(dbErrDiskFull, "A100.I05");
+    });
+    EXPECT_EQ(Load(Archive("A1"), {"", LoadFailed}), IDOK);
+    dbObserveSteps(nullptr);
+    EXPECT_TRUE(s_nThread != 0 && s_nThread != ::GetCurrentThreadId());
+    EXPECT_EQ(WorkingFiles(), empty);
+    EXPECT_FALSE(IsStored("A1"));
+
     m_practice.WriteFile("working2\\A101.V2A", "somebody's");
     const auto before = WorkingFiles();
     EXPECT_EQ(Load(Archive("A1"), {"", LoadFailed}), IDOK);

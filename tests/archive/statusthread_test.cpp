@@ -359,6 +359,11 @@ TEST_F(StatusThreadTest, AnEmptyZipLoadsAsAnEmptyFolder)
     Run();
     EXPECT_EQ(owner.m_nResult, arc::ResultDone);
     EXPECT_TRUE(std::filesystem::is_empty(practice.Folder() / "temp" / "VELTMP"));
+
+    work.bPostsEnd = false;
+    owner.m_nEnded = 0;
+    Run();
+    EXPECT_EQ(owner.m_nEnded, 0);
 }
 
 TEST_F(StatusThreadTest, WorkThatThrowsIsAFailedOne)

@@ -1,5 +1,7 @@
 // The live patient files: the ".PF" file, renaming with the ID, removal with the patient.
 
+#include "suite/patients/files/dbplacement.h"
+#include "suite/patients/store/dbsteps.h"
 #include "tests/patients/testdatabase.h"
 
 #include <filesystem>
@@ -83,7 +85,8 @@ TEST(PatientFiles, WhatADeadProcessWasWritingGoesWithTheNextOpening)
     const CString strPath = dbCPatients::GetPath();
     dbCPatients::Close();
     dbCPatients::Open(strPath);
-    EXPECT_EQ(FilesIn(database.practice.Working()), (std::set<std::string>{"A1.PF", "A1.PF~7ffffff1@ELSEWHERE"}));
+    EXPECT_EQ(FilesIn(database.practice.Working()),
+              (std::set<std::string>{"A1.PF", "A1.PF~7ffffff1@ELSEWHERE"}));
 }
 
 TEST(PatientFiles, AFileInUseIsRemovedWithTheNextOpening)
@@ -138,4 +141,93 @@ TEST(PatientFiles, ChangingOnlyTheLetterCaseOfAnID)
                         "AB1\x01"),
               0U);
 }
+// More files than are open at once.
+constexpr size_t PLACED = 70;
+
+std::string PlacedName(size_t n)
+{
+    char sz[20];
+    std::snprintf(sz, sizeof sz, "A1%02u.I05", static_cast<unsigned>(n));
+    return sz;
+}
+
+// Carries all files; progress is asked before each. What Carry answers is in bCarried.
+dbError PlaceAll(TestDatabase& database, const dbCFilePlacement::Progress& progress, bool& bCarried,
+                 bool bKeep = false)
+{
+    dbCFilePlacement placement;
+    for (size_t n = 0; n < PLACED; ++n)
+        placement.Add(database.practice.Path("temp\\" + std::to_string(n)).c_str(), PlacedName(n).c_str());
+    return ErrorOf([&] {
+        placement.Note();
+        EXPECT_EQ(ErrorOf([&] { // whoever else begins meanwhile neither takes the names nor removes the files
+                      dbCFilePlacement other;
+                      other.Add(database.practice.Path("temp\\0").c_str(), PlacedName(PLACED - 1).c_str());
+                      other.Note();
+                  }),
+                  dbErrExists);
+        bCarried = placement.Carry(progress);
+        if (!bKeep)
+            return;
+        dbCTransaction transaction;
+        placement.Keep();
+        transaction.Commit();
+    });
+}
+
+TEST(PatientFiles, APlacementThatFailsOrIsStoppedAnywhereLeavesNothingAndTouchesNothing)
+{
+    TestDatabase database;
+    for (size_t n = 0; n < PLACED; ++n)
+        database.practice.WriteFile("temp/" + std::to_string(n),
+                                    std::string(n * 1000, static_cast<char>('A' + n % 26)));
+    const auto sources = FilesIn(database.practice.Path("temp"));
+    static int s_nLeft;
+    for (const size_t nAt : {size_t{0}, size_t{1}, size_t{63}, size_t{64}, PLACED - 1})
+    {
+        const auto isAt = [&](const std::string& name) { return name == PlacedName(nAt); };
+        bool bCarried = true;
+        EXPECT_EQ(PlaceAll(
+                      database, [&](size_t n, const std::string& name) { return n != nAt || !isAt(name); },
+                      bCarried),
+                  dbErrNone);
+        EXPECT_FALSE(bCarried) << nAt;
+        EXPECT_TRUE(FilesIn(database.practice.Working()).empty()) << nAt;
+
+        const auto getInTheWay = [&](size_t, const std::string& name) {
+            if (isAt(name))
+                database.practice.WriteFile("working/" + name, "foreign");
+            return true;
+        };
+        EXPECT_EQ(PlaceAll(database, getInTheWay, bCarried), dbErrExists);
+        EXPECT_EQ(FilesIn(database.practice.Working()), std::set<std::string>{PlacedName(nAt)});
+        EXPECT_EQ(database.practice.ReadFile("working/" + PlacedName(nAt)), "foreign");
+        std::filesystem::remove(database.practice.Path("working/" + PlacedName(nAt)));
+
+        // A copy that is open and written in part.
+        s_nLeft = static_cast<int>(nAt) + 1;
+        dbObserveSteps([](const char* pszStep) {
+            if (std::string(pszStep) == "place.made" && --s_nLeft == 0)
+                dbCException::Throw(dbErrDiskFull, "copy");
+        });
+        EXPECT_EQ(PlaceAll(
+                      database, [](size_t, const std::string&) { return true; }, bCarried),
+                  dbErrDiskFull);
+        dbObserveSteps(nullptr);
+        EXPECT_TRUE(FilesIn(database.practice.Working()).empty()) << nAt;
+    }
+    EXPECT_EQ(FilesIn(database.practice.Path("temp")), sources);
+
+    // The names are free again.
+    bool bCarried = false;
+    EXPECT_EQ(PlaceAll(
+                  database, [](size_t, const std::string&) { return true; }, bCarried, true),
+              dbErrNone);
+    EXPECT_TRUE(bCarried);
+    for (size_t n = 0; n < PLACED; ++n)
+        EXPECT_EQ(database.practice.ReadFile("working/" + PlacedName(n)),
+                  database.practice.ReadFile("temp/" + std::to_string(n)));
+    EXPECT_EQ(FilesIn(database.practice.Working()).size(), PLACED);
+}
+
 } // namespace

@@ -15,8 +15,9 @@
 namespace
 {
 constexpr DWORD COPY_BUFFER = 256 * 1024;
+constexpr size_t OPEN_AT_ONCE = 64; // copies that wait for being flushed
 
-/// Copies into a file that was just made. The error code, 0 when everything is on the disk.
+/// Copies into a file that was just made. The error code, 0 when everything was taken.
 DWORD CopyContents(HANDLE hFrom, HANDLE hTo)
 {
     std::vector<char> buffer(COPY_BUFFER);
@@ -26,7 +27,7 @@ DWORD CopyContents(HANDLE hFrom, HANDLE hTo)
         if (!ReadFile(hFrom, buffer.data(), COPY_BUFFER, &dwRead, nullptr))
             return GetLastError();
         if (dwRead == 0)
-            return FlushFileBuffers(hTo) ? 0 : GetLastError();
+            return 0;
         if (!WriteFile(hTo, buffer.data(), dwRead, &dwWritten, nullptr))
             return GetLastError();
         if (dwWritten != dwRead)
@@ -103,6 +104,12 @@ void dbCFilePlacement::Add(LPCTSTR pszSource, LPCTSTR pszName)
 
 void dbCFilePlacement::Place()
 {
+    Note();
+    Carry([](size_t, const std::string&) { return true; });
+}
+
+void dbCFilePlacement::Note()
+{
     if (m_strFolder.IsEmpty())
         dbCException::Throw(dbErrIO, m_strFolder);
     // What somebody began and never finished must neither stand in the way nor be taken for ours later.
@@ -132,24 +139,58 @@ void dbCFilePlacement::Place()
         note.Bind(m_pToken->GetName().c_str()).Bind(file.name.c_str()).Run();
     }
     transaction.Commit();
+}
 
-    for (const File& file : m_files)
+bool dbCFilePlacement::Carry(const Progress& progress)
+{
+    m_placed.reserve(m_files.size()); // what was made is remembered without fail
+    Unflushed copies;
+    copies.reserve(OPEN_AT_ONCE);
+    for (size_t i = 0; i < m_files.size(); ++i)
     {
-        const std::string path = m_strFolder.GetString() + file.name;
-        const patCHandle from = patOpenFile(file.source.c_str(), GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING,
-                                            FILE_FLAG_SEQUENTIAL_SCAN);
-        if (!from)
-            patThrowFileError(GetLastError(), file.source.c_str());
-        const patCHandle to = patOpenFile(path.c_str(), GENERIC_WRITE, 0, CREATE_NEW);
-        if (!to)
-            patThrowFileError(GetLastError(), path.c_str());
-        m_placed.push_back(path);
-        if (const DWORD dwError = CopyContents(from.get(), to.get()))
-            patThrowFileError(dwError, path.c_str());
-        FILETIME written;
-        if (GetFileTime(from.get(), nullptr, nullptr, &written))
-            SetFileTime(to.get(), nullptr, nullptr, &written);
+        if (!progress(i, m_files[i].name))
+            return false;
+        copies.push_back(CarryOne(m_files[i]));
+        if (copies.size() == OPEN_AT_ONCE || i + 1 == m_files.size())
+        {
+            dbStep("place.copied");
+            Flush(copies);
+        }
     }
+    return true;
+}
+
+/// Answers the copy, still open, so that nobody comes between writing and flushing.
+patCHandle dbCFilePlacement::CarryOne(const File& file)
+{
+    std::string path = m_strFolder.GetString() + file.name;
+    const patCHandle from = patOpenFile(file.source.c_str(), GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING,
+                                        FILE_FLAG_SEQUENTIAL_SCAN);
+    if (!from)
+        patThrowFileError(GetLastError(), file.source.c_str());
+    patCHandle to = patOpenFile(path.c_str(), GENERIC_WRITE, 0, CREATE_NEW);
+    if (!to)
+        patThrowFileError(GetLastError(), path.c_str());
+    m_placed.push_back(std::move(path));
+    dbStep("place.made");
+    if (const DWORD dwError = CopyContents(from.get(), to.get()))
+        patThrowFileError(dwError, m_placed.back().c_str());
+    FILETIME written;
+    if (GetFileTime(from.get(), nullptr, nullptr, &written))
+        SetFileTime(to.get(), nullptr, nullptr, &written);
+    return to;
+}
+
+/// Has the copies made last on the disk, which has written most of them by itself, and closes them.
+void dbCFilePlacement::Flush(Unflushed& copies)
+{
+    const size_t nFirst = m_placed.size() - copies.size();
+    for (size_t i = 0; i < copies.size(); ++i)
+    {
+        if (!FlushFileBuffers(copies[i].get()))
+            patThrowFileError(GetLastError(), m_placed[nFirst + i].c_str());
+    }
+    copies.clear();
 }
 
 void dbCFilePlacement::Keep()
