@@ -1,5 +1,6 @@
 // How long the dialogs about a patient's records take to open with 100 timepoints, 500 predefined names and
-// 1,000 entries of treatment history, against 2 of each.
+// 1,000 entries of treatment history, against 2 of each; and what the import of diagnostics takes an entry,
+// in long files against a short one.
 
 #include "app/exports/veldlgs.h"
 #include "maintenance/maintenanceres.h"
@@ -18,6 +19,7 @@ namespace
 {
 
 constexpr int repetitions = 9;
+constexpr int diagnosticItems = 20; // of the practice's group
 
 using Clock = std::chrono::steady_clock;
 
@@ -113,6 +115,54 @@ Times Measure(int nTimepoints, int nNames, int nTreatments)
     return times;
 }
 
+/// A patient file with this many diagnostic entries, which all have their item in the practice.
+void WriteDiagnostics(const std::string& path, int nEntries)
+{
+    dbCPatient archived;
+    archived.SetID("Z9");
+    archived.SetGUID(dbNewGUID());
+    dbCDiagnosticInfo info;
+    info.SetGroupTitle("Airway");
+    info.SetTP(0);
+    info.SetValue("value");
+    info.SetNote("note");
+    for (int i = 0; i < nEntries; ++i)
+    {
+        info.SetItemCode(("C" + std::to_string(i % diagnosticItems)).c_str());
+        archived.GetArchiveDiagnostics().Add(info);
+    }
+    CFile file(path.c_str(), CFile::modeCreate | CFile::modeWrite);
+    CArchive archive(&file, CArchive::store);
+    archived.Serialize(archive, 1);
+}
+
+/// The milliseconds of an import into a patient without diagnostics; what it adds is checked.
+double Import(int nEntries)
+{
+    const veltest::TemporaryPractice practice;
+    dbCPatients::Create(practice.Path("patients.db").c_str());
+    const CString strGUID = StorePatient(1, 0).GetGUID();
+    for (int i = 0; i < diagnosticItems; ++i)
+        dbCDiagnosticGroup::DefineItem("Airway", "Clinical", ("C" + std::to_string(i)).c_str(), "title");
+    const std::string path = practice.Path("archived.pf");
+    WriteDiagnostics(path, nEntries);
+    const auto started = Clock::now();
+    EXPECT_TRUE(ImportPatientDiagnostics(path.c_str(), strGUID));
+    const double time = std::chrono::duration<double, std::milli>(Clock::now() - started).count();
+    EXPECT_EQ(dbCPatientDiagnostics(strGUID, 0, "Clinical").GetCount(), nEntries);
+    dbCPatients::Close();
+    return time;
+}
+
+double MedianImport(int nEntries)
+{
+    std::vector<double> times;
+    for (int i = 0; i < repetitions; ++i)
+        times.push_back(Import(nEntries));
+    std::sort(times.begin(), times.end());
+    return times[times.size() / 2];
+}
+
 void Print(const char* what, double few, double many)
 {
     std::printf("%-28s 2 of each %7.1f ms, 100/500/1,000 %7.1f ms, ratio %.2f\n", what, few, many,
@@ -127,6 +177,21 @@ TEST(RecordsBench, OpenToReadyWithManyRecords)
     Print("rename open to ready:", few.rename, many.rename);
     Print("new timepoint open to ready:", few.newTimepoint, many.newTimepoint);
     Print("delete open to ready:", few.remove, many.remove);
+}
+
+// The shortest file is the price of the transaction. Were each record one of its own, a long file would take
+// as many times longer as it has entries; were the others searched for each, an entry would take the longer
+// the more there are.
+TEST(RecordsBench, DiagnosticsOfLongFiles)
+{
+    Import(10); // warms the libraries up
+    const double few = MedianImport(10);
+    const double many = MedianImport(1'000);
+    const double most = MedianImport(10'000);
+    std::printf("import of 10 diagnostic entries %7.1f ms, 1,000 %7.1f ms, 10,000 %7.1f ms\n", few, many,
+                most);
+    std::printf("import 1,000 / 10: %.1f; 10,000 / 10: %.1f; an entry of 10,000 / of 1,000: %.2f\n",
+                many / few, most / few, most / 10 / many);
 }
 
 } // namespace
