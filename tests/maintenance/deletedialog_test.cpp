@@ -120,16 +120,22 @@ TEST_F(DeleteDialog, StartsOnWhatThereIs)
     {
         dbCPatient* patient;
         int timepoint;
+        int patientChanges;
         const char* radios;
         bool ok;
         unsigned operation;
     } cases[] = {
-        {&m_patient, -1, "--[P]", true, DELETE_PATIENT},   {&m_patient, 1, "I[T]P", true, DELETE_TIMEPOINT},
-        {&m_patient, 2, "-[-]P", false, DELETE_TIMEPOINT}, {&unsaved, -5, "--[-]", false, DELETE_PATIENT},
-        {nullptr, 0, "-[-]-", false, DELETE_TIMEPOINT},
+        {&m_patient, -1, 1, "--[P]", true, DELETE_PATIENT},
+        {&m_patient, -1, 0, "--[-]", false, DELETE_PATIENT},
+        {&m_patient, 1, 1, "I[T]P", true, DELETE_TIMEPOINT},
+        {&m_patient, 1, 2, "I[T]-", true, DELETE_TIMEPOINT},
+        {&m_patient, 2, 1, "-[-]P", false, DELETE_TIMEPOINT},
+        {&unsaved, -5, 1, "--[-]", false, DELETE_PATIENT},
+        {nullptr, 0, 1, "-[-]-", false, DELETE_TIMEPOINT},
     };
     for (const auto& c : cases)
     {
+        const PatientChanges changes(c.patientChanges);
         const Answer answer = Run(c.patient, c.timepoint, 1, [&](DialogScript&, const Dialog& dialog) {
             EXPECT_EQ(Radios(dialog), c.radios);
             EXPECT_EQ(dialog.Item(IDOK).IsEnabled(), c.ok);

@@ -265,6 +265,7 @@ TEST_F(NewTimepointDialog, KeepsTheListOfNames)
                 Confirm(dialog, "Tw ", 7);
             }),
         IDOK);
+    Run(&m_patient, 0, [](DialogScript&, const Dialog& dialog) { Confirm(dialog, "Not kept", 7); });
     EXPECT_THAT(fake.names, ElementsAre("One", "Two", "Tw"));
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/exports/veldlgs.h"
+#include "app/settingscontainer.h"
 #include "suite/patients/velpat.h"
 #include "tests/support/dialogquality.h"
 #include "tests/support/dialogscript.h"
@@ -10,7 +11,27 @@
 #include <gmock/gmock.h>
 
 #include <string>
+#include <utility>
 #include <vector>
+
+/// Whether patients may be changed on this computer (1 yes), for the time of a test.
+class PatientChanges
+{
+public:
+    explicit PatientChanges(int allowed)
+        : m_before(std::exchange(g_VelIniSettingContainer.m_nAllowPatientChanges, allowed))
+    {
+    }
+    ~PatientChanges()
+    {
+        g_VelIniSettingContainer.m_nAllowPatientChanges = m_before;
+    }
+    PatientChanges(const PatientChanges&) = delete;
+    PatientChanges& operator=(const PatientChanges&) = delete;
+
+private:
+    const int m_before;
+};
 
 /// A practice with one patient, whose records a test changes through the module's dialogs.
 class PatientPractice : public testing::Test

@@ -132,8 +132,15 @@ TEST_F(RenameDialog, RenamesThePatient)
         EXPECT_EQ(dialog.Item(IDC_RENAME_NAME).Text(), "Lee");
         EXPECT_EQ(dialog.Item(IDC_RENAME_FIRSTNAME).Text(), "Ann");
         EXPECT_FALSE(IsOKEnabled(dialog));
-        dialog.Item(IDC_RENAME_FIRSTNAME).Replace(" zo\xEB");
-        EXPECT_EQ(dialog.Item(IDC_RENAME_FIRSTNAME).Text(), "Zo\xEB");
+        const auto first = dialog.Item(IDC_RENAME_FIRSTNAME);
+        first.Replace(" zo\xEB");
+        EXPECT_EQ(first.Text(), "Zo\xEB");
+        // A capital appears where the caret is, and the caret stays behind it.
+        first.Send(EM_SETSEL, 0, 0);
+        first.Send(EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>("x"));
+        EXPECT_EQ(first.Text(), "XZo\xEB");
+        EXPECT_EQ(first.Send(EM_GETSEL, 0, 0), MAKELONG(1, 1));
+        first.Replace("Zo\xEB");
         EXPECT_EQ(Description(dialog),
                   "You are about to rename patient from Ann Lee to Zo\xEB Lee.  Select Ok now to "
                   "proceed, or Cancel to leave this operation.");
@@ -206,19 +213,23 @@ TEST_F(RenameDialog, StartsOnWhatThereIs)
         dbCPatient* patient;
         int timepoint;
         int practiceManagement;
+        int patientChanges;
         bool patientEnabled;
         bool timepointEnabled;
         int checked;
     } cases[] = {
-        {&m_patient, 1, 0, true, true, IDC_RENAME_TIMEPOINT},
-        {&m_patient, 1, 1, false, true, IDC_RENAME_TIMEPOINT},
-        {&m_patient, -1, 0, true, false, IDC_RENAME_PATIENT},
-        {&m_patient, 2, 0, true, false, IDC_RENAME_PATIENT},
-        {&none, 0, 1, false, false, IDC_RENAME_TIMEPOINT},
-        {nullptr, 0, 1, false, false, IDC_RENAME_TIMEPOINT},
+        {&m_patient, 1, 0, 1, true, true, IDC_RENAME_TIMEPOINT},
+        {&m_patient, 1, 0, 0, false, true, IDC_RENAME_TIMEPOINT},
+        {&m_patient, 1, 1, 1, false, true, IDC_RENAME_TIMEPOINT},
+        {&m_patient, -1, 0, 1, true, false, IDC_RENAME_PATIENT},
+        {&m_patient, -1, 0, 2, false, false, IDC_RENAME_TIMEPOINT},
+        {&m_patient, 2, 0, 1, true, false, IDC_RENAME_PATIENT},
+        {&none, 0, 1, 1, false, false, IDC_RENAME_TIMEPOINT},
+        {nullptr, 0, 0, 1, false, false, IDC_RENAME_TIMEPOINT},
     };
     for (const auto& c : cases)
     {
+        const PatientChanges changes(c.patientChanges);
         const Outcome outcome =
             Run(c.patient, c.timepoint, c.practiceManagement, [&](DialogScript&, const Dialog& dialog) {
                 dialog.SettleIdle();
@@ -341,6 +352,7 @@ TEST_F(RenameDialog, NothingIsOverwrittenThatAnotherSeatHasChanged)
 TEST_F(RenameDialog, OffersPredefinedNamesAndAddsNewOnes)
 {
     FakeNames fake({"Phase 1", "Recall", "Recall 2"});
+    bool wanted = false;
     const auto script = [&](DialogScript& s, const Dialog& dialog) {
         const auto names = dialog.Item(IDC_RENAME_NAMES);
         const auto check = dialog.Item(IDC_RENAME_ADD_NAME);
@@ -352,11 +364,15 @@ TEST_F(RenameDialog, OffersPredefinedNamesAndAddsNewOnes)
         EXPECT_FALSE(check.IsEnabled());
         Type(dialog, "Phase");
         EXPECT_TRUE(check.IsEnabled());
-        check.Click();
+        if (wanted)
+            check.Click();
         AskAndAnswer(s, dialog, IDYES);
         if (fake.failing == FakeNames::add)
             s.AnswerBox("The list of predefined timepoint names could not be used.\n\nOut of order", IDOK);
     };
+    Run(&m_patient, 0, 0, script);
+    EXPECT_EQ(fake.names.size(), 3U);
+    wanted = true;
     Outcome outcome = Run(&m_patient, 0, 0, script);
     EXPECT_EQ(outcome.texts.back(), "Phase");
     EXPECT_THAT(fake.names, ElementsAre("Phase 1", "Recall", "Recall 2", "Phase"));
@@ -372,9 +388,10 @@ TEST_F(RenameDialog, WorksWithoutThePredefinedNames)
 {
     FakeNames fake({"Phase 1"});
     for (const auto failing :
-         {FakeNames::create, FakeNames::listAvailable, FakeNames::count, FakeNames::item})
+         {FakeNames::none, FakeNames::create, FakeNames::listAvailable, FakeNames::count, FakeNames::item})
     {
         fake.failing = failing;
+        fake.available = failing != FakeNames::none;
         Outcome outcome;
         // The box comes before the dialog is shown.
         veltest::RunModal(
@@ -384,7 +401,7 @@ TEST_F(RenameDialog, WorksWithoutThePredefinedNames)
                                  outcome.date);
             },
             [&](DialogScript& script) {
-                if (failing != FakeNames::create)
+                if (failing != FakeNames::none && failing != FakeNames::create)
                     script.AnswerBox(
                         "The list of predefined timepoint names could not be used.\n\nOut of order", IDOK);
                 const Dialog dialog = script.WaitForDialog("Rename");
