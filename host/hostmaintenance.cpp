@@ -142,7 +142,11 @@ void hostCFrame::RunRename()
         else
         {
             patCTimepoint& changed = patient.GetTimepoints()[timepoint];
-            changed.SetName(name);
+            // A new treatment alone is taken with any name: one that was emptied stays what it was.
+            if (!name.IsEmpty())
+            {
+                changed.SetName(name);
+            }
             changed.SetDate(velCDate(date));
         }
         patient.Save();

@@ -83,8 +83,7 @@ BOOL CDlgNewTimepoint::OnInitDialog()
         },
         IDS_NAMES_FAILED);
     UpdateControls();
-    GotoDlgCtrl(&m_comboNames);
-    return FALSE;
+    return TRUE;
 }
 
 void CDlgNewTimepoint::ShowTreatments()

@@ -60,8 +60,10 @@ TEST_F(DoctorTypes, AreAddedRenamedAndDeletedAtOnce)
         for (const char* type : {"Zahn & \"%1\"", "Arzt", "arzt"}) // the last is refused
         {
             name.Replace(type);
-            dialog.Press(IDC_DOCTYPE_ADD);
+            dialog.Item(IDC_DOCTYPE_ADD).Click();
+            script.Settle(dialog.Handle());
             EXPECT_EQ(name.Text(), "");
+            EXPECT_TRUE(name.HasFocus()); // for the next one
             EXPECT_FALSE(dialog.Item(IDC_DOCTYPE_ADD).IsEnabled());
         }
         EXPECT_EQ(Stored().size(), before.size() + 2);

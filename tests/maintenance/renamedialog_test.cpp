@@ -326,6 +326,10 @@ TEST_F(RenameDialog, ANewTreatmentIsChosenAndKeptEvenAfterNo)
     EXPECT_EQ(outcome.result, IDOK);
     // The name is the host's to change.
     EXPECT_THAT(History(), ElementsAre("Z Aligner -1", "Z Aligner -1", "Start:Aligner", "Recall:"));
+    dbCPatientTreatmentStatusHistoryTable history;
+    history.LoadByPatID(m_patient.GetGUID());
+    const COleDateTimeSpan age = COleDateTime::GetCurrentTime() - history[1].GetDateTime();
+    EXPECT_LT(age.GetTotalSeconds(), 60);
 }
 
 TEST_F(RenameDialog, NothingIsOverwrittenThatAnotherSeatHasChanged)
