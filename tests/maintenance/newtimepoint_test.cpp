@@ -103,7 +103,7 @@ TEST_F(NewTimepointDialog, AddsATimepointAndRemembersItsDate)
 TEST_F(NewTimepointDialog, OKFollowsNameAndDate)
 {
     m_patient.GetTimepoints()[0].SetDate(velCDate(COleDateTime(2026, 1, 15, 10, 30, 0)));
-    Run(&m_patient, 0, [](DialogScript&, const Dialog& dialog) {
+    const auto result = Run(&m_patient, 0, [](DialogScript& script, const Dialog& dialog) {
         dialog.Item(IDC_NEWTP_DATE).SetDate(2026, 1, 15);
         const struct
         {
@@ -126,8 +126,17 @@ TEST_F(NewTimepointDialog, OKFollowsNameAndDate)
         EXPECT_TRUE(dialog.Item(IDOK).IsEnabled());
         Type(dialog, std::string(10000, 'n'));
         EXPECT_EQ(dialog.Item(IDC_NEWTP_NAMES).Text(), std::string(50, 'n'));
-        dialog.Press(IDCANCEL);
+        // An OK quicker than the button was disabled adds neither what cannot be a name nor a second one.
+        Type(dialog, "a\tb");
+        PostMessageA(dialog.Handle(), WM_COMMAND, IDOK, reinterpret_cast<LPARAM>(dialog.Item(IDOK).Handle()));
+        script.Settle(dialog.Handle());
+        EXPECT_TRUE(dialog.IsOpen());
+        dialog.Item(IDC_NEWTP_DATE).SetDate(2026, 1, 15);
+        Type(dialog, "Start");
+        PostMessageA(dialog.Handle(), WM_COMMAND, IDOK, reinterpret_cast<LPARAM>(dialog.Item(IDOK).Handle()));
     });
+    EXPECT_EQ(result, IDOK);
+    EXPECT_EQ(m_patient.GetTimepoints().GetCount(), 2);
 }
 
 TEST_F(NewTimepointDialog, TheHundredthIsTheLast)

@@ -188,13 +188,17 @@ TEST_F(RenameDialog, ChangesNameAndDateOfTheTimepoint)
 
 TEST_F(RenameDialog, TypingIsCutToItsLimit)
 {
-    Run(&m_patient, 0, 0, [](DialogScript&, const Dialog& dialog) {
+    Run(&m_patient, 0, 0, [](DialogScript& script, const Dialog& dialog) {
         const auto names = dialog.Item(IDC_RENAME_NAMES);
         Type(dialog, std::string(10000, 'n'));
         EXPECT_EQ(names.Text(), std::string(50, 'n'));
         EXPECT_TRUE(IsOKEnabled(dialog));
         Type(dialog, "a\x01z");
         EXPECT_FALSE(IsOKEnabled(dialog));
+        // Quicker than the button was disabled.
+        PostMessageA(dialog.Handle(), WM_COMMAND, IDOK, reinterpret_cast<LPARAM>(dialog.Item(IDOK).Handle()));
+        script.Settle(dialog.Handle());
+        EXPECT_FALSE(script.FindBox());
         dialog.Press(IDC_RENAME_PATIENT);
         for (const int id : {IDC_RENAME_NAME, IDC_RENAME_FIRSTNAME})
         {
@@ -303,6 +307,8 @@ TEST_F(RenameDialog, ANewTreatmentIsChosenAndKeptEvenAfterNo)
         dialog.Press(IDOK);
         Dialog chooser = script.WaitForDialog("Choose a Treatment");
         EXPECT_FALSE(chooser.Item(IDOK).IsEnabled());
+        chooser.Item(IDC_TREATMENT_LIST).Notify(LBN_DBLCLK); // beside the entries
+        EXPECT_TRUE(chooser.IsOpen());
         EXPECT_EQ(veltest::DialogFindings(chooser.Handle()), "");
         EXPECT_TRUE(veltest::SavePicture(chooser.Handle(), "choose-treatment"));
         chooser.Press(IDCANCEL);
