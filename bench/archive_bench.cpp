@@ -43,7 +43,7 @@ double Seconds(const std::function<bool()>& step)
     const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
     if (!done)
     {
-        std::fprintf(stderr, "a step failed\n");
+        std::fprintf(stderr, "a step failed after %.3f s\n", time.count());
         std::exit(1);
     }
     return time.count();
@@ -252,6 +252,7 @@ int main(int count, char** arguments)
     const std::string plain = arc::JoinPath(root, "zip\\plain.zip");
     const arc::Parallel all = arc::WorkersOfThisMachine(0);
     const auto saveAs = [&](const Patient& saved, const std::string& path, const arc::Parallel& parallel) {
+        files.RemoveFile(path); // archives are written over nothing
         CZipper zipper(files);
         zipper.SetParallel(parallel);
         const bool added = zipper.OpenZip(path) && zipper.AddFiles(saved.folder, saved.files);
@@ -296,7 +297,7 @@ int main(int count, char** arguments)
         {"minizip_unzip", [&] { return PlainUnzip(plain, arc::JoinPath(root, "plain")); }, "plain"},
         {"load", load, "out"},
         {"windows_copy", [&] { return Copy(patient, arc::JoinPath(root, "copy")); }, "copy"},
-        {"volume_write", writeVolumes, nullptr},
+        {"volume_write", writeVolumes, "vol"},
         {"volume_read", readVolumes, "back"},
     };
     // In rounds, so that what else runs on the machine meets all steps alike; the fastest of each counts.
