@@ -36,12 +36,6 @@ bool LabelFits(const std::string& label, const std::string& wanted)
     return label == wanted || (wanted.find('&') == std::string::npos && WithoutAccessKeys(label) == wanted);
 }
 
-bool AcceptsFocus(HWND control)
-{
-    const auto style = static_cast<DWORD>(GetWindowLongPtrA(control, GWL_STYLE));
-    return (style & WS_TABSTOP) != 0 && Lower(WindowClass(control)) != "static";
-}
-
 DWORD ButtonType(HWND button)
 {
     return static_cast<DWORD>(GetWindowLongPtrA(button, GWL_STYLE)) & BS_TYPEMASK;
@@ -395,20 +389,6 @@ Control Dialog::ByText(const std::string& text) const
         }
     }
     throw ScriptFailure("no control with the text \"" + text + "\" in " + DescribeWindow(m_window));
-}
-
-Control Dialog::ByLabel(const std::string& label) const
-{
-    HWND next = GetWindow(ByText(label).Handle(), GW_HWNDNEXT);
-    while (next != nullptr && (!AcceptsFocus(next) || !IsWindowVisible(next)))
-    {
-        next = GetWindow(next, GW_HWNDNEXT);
-    }
-    if (next == nullptr)
-    {
-        throw ScriptFailure("no control after the label \"" + label + "\" in " + DescribeWindow(m_window));
-    }
-    return {*m_script, next};
 }
 
 Control Dialog::Focused() const

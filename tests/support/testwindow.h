@@ -117,12 +117,11 @@ public:
         return IsWindowEnabled(m_window) != FALSE;
     }
 
-    // Controls by id, by their own text or by the label in front of them; "&" of access keys is ignored when
-    // the text searched for holds none. In a property sheet the visible page is searched first.
+    // Controls by id or by their own text; "&" of access keys is ignored when the text searched for holds
+    // none. In a property sheet the visible page is searched first.
     bool Has(int id) const;
     Control Item(int id) const;
     Control ByText(const std::string& text) const;
-    Control ByLabel(const std::string& label) const;
     Control Focused() const;
 
     void Press(int id) const

@@ -1,11 +1,8 @@
 #include "tests/support/childprocess.h"
-#include "tests/support/temporarypractice.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <array>
-#include <filesystem>
 
 namespace
 {
@@ -49,24 +46,6 @@ TEST(ProgramsTest, StartsAndEndsSecondProcesses)
 
     veltest::ChildProcess crashing("crash", {});
     EXPECT_EQ(crashing.Wait(), 5);
-}
-
-TEST(ProgramsTest, PracticeIsSetUpAndRemoved)
-{
-    std::filesystem::path folder;
-    {
-        const veltest::TemporaryPractice practice;
-        folder = practice.Folder();
-        EXPECT_EQ(std::getenv("VELTRIX_INI"), practice.IniFile());
-        practice.Set("Defaults", "Country", "USA");
-        EXPECT_EQ(practice.Get("Defaults", "Country"), "USA");
-        practice.WriteFile("working\\A1.PF", std::string("a\0b\r\n", 5));
-        EXPECT_EQ(practice.ReadFile("working\\A1.PF"), std::string("a\0b\r\n", 5));
-        SetFileAttributesA(practice.Path("working\\A1.PF").c_str(),
-                           FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN);
-    }
-    EXPECT_FALSE(std::filesystem::exists(folder));
-    EXPECT_EQ(std::getenv("VELTRIX_INI"), nullptr);
 }
 
 } // namespace

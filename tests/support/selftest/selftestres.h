@@ -2,14 +2,11 @@
 
 #define IDD_ASKING 101
 #define IDD_UGLY 102
-#define IDD_PAGE_ONE 103
-#define IDD_PAGE_TWO 104
 
 #define IDC_NAME 201
 #define IDC_ADD 202
 #define IDC_KIND 203
 #define IDC_DATE 204
-#define IDC_LIST 205
 #define IDC_MENU 206
 #define IDC_CUT 207
 #define IDC_OVERLAP 208
