@@ -7,7 +7,6 @@
 #include "archive/res/archivedlgres.h"
 #include "archive/operations/archiverecord.h"
 #include "archive/files/filenames.h"
-#include "archive/files/progress.h"
 #include "archive/operations/otherformats.h"
 #include "archive/work/filecopies.h"
 #include "archive/work/resultcodes.h"
@@ -85,9 +84,7 @@ bool arcCArchiveManager::Carry(dbCFilePlacement& placement)
 {
     CException* pThrown = nullptr;
     const auto carry = [&](const arcProgress& progress) {
-        return placement.Carry([&](size_t nDone, const std::string& name) {
-            return progress(arc::ProgressPercent(nDone, placement.GetCount()), name);
-        });
+        return placement.Carry(progress);
     };
     arcSStatusWork work;
     work.bSave = FALSE;
@@ -121,6 +118,8 @@ bool arcCArchiveManager::Place(dbCFilePlacement& placement)
 {
     try
     {
+        dbCFilePlacement::RemoveAbandoned();
+        placement.Check();
         placement.Note();
         return Carry(placement);
     }
@@ -220,7 +219,7 @@ bool arcCArchiveManager::AddPatient(dbCPatient& archived, const std::vector<std:
         const bool bStays =
             identity && identity->kind == pat::FileKind::Morph && !files.Query(target).IsAbsent();
         if (identity && !bStays)
-            placement.Add(source.c_str(), name.c_str());
+            placement.Add(source.c_str(), name.c_str(), true);
         else if (!identity || !arc::SameContents(files, source, target))
             left.push_back(name);
     }
@@ -295,7 +294,7 @@ bool arcCArchiveManager::MergeInto(const dbCPatient& archived, const std::vector
             continue; // of no timepoint
         const std::string target = pat::MovedFileName(name, archived.GetID().GetString(),
                                                       patient.GetID().GetString(), number->second);
-        placement.Add(arc::JoinPath(m_pScratch->Path(), name).c_str(), target.c_str());
+        placement.Add(arc::JoinPath(m_pScratch->Path(), name).c_str(), target.c_str(), true);
     }
     if (!Place(placement))
         return false;

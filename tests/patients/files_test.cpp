@@ -4,7 +4,11 @@
 #include "suite/patients/store/dbsteps.h"
 #include "tests/patients/testdatabase.h"
 
+#include <aclapi.h>
+#include <sddl.h>
+
 #include <filesystem>
+#include <optional>
 #include <set>
 
 namespace
@@ -141,8 +145,8 @@ TEST(PatientFiles, ChangingOnlyTheLetterCaseOfAnID)
                         "AB1\x01"),
               0U);
 }
-// More files than are open at once.
-constexpr size_t PLACED = 70;
+// More files than are open at once; the last is copied in several pieces.
+constexpr size_t PLACED = 66;
 
 std::string PlacedName(size_t n)
 {
@@ -151,83 +155,159 @@ std::string PlacedName(size_t n)
     return sz;
 }
 
-// Carries all files; progress is asked before each. What Carry answers is in bCarried.
-dbError PlaceAll(TestDatabase& database, const dbCFilePlacement::Progress& progress, bool& bCarried,
-                 bool bKeep = false)
+std::string PlacedContents(size_t n)
 {
-    dbCFilePlacement placement;
-    for (size_t n = 0; n < PLACED; ++n)
-        placement.Add(database.practice.Path("temp\\" + std::to_string(n)).c_str(), PlacedName(n).c_str());
-    return ErrorOf([&] {
-        placement.Note();
-        EXPECT_EQ(ErrorOf([&] { // whoever else begins meanwhile neither takes the names nor removes the files
-                      dbCFilePlacement other;
-                      other.Add(database.practice.Path("temp\\0").c_str(), PlacedName(PLACED - 1).c_str());
-                      other.Note();
-                  }),
-                  dbErrExists);
-        bCarried = placement.Carry(progress);
-        if (!bKeep)
-            return;
-        dbCTransaction transaction;
-        placement.Keep();
-        transaction.Commit();
-    });
+    return std::string(n + 1 < PLACED ? n * 10 : 1'000'000, static_cast<char>('A' + n % 26));
 }
 
-TEST(PatientFiles, APlacementThatFailsOrIsStoppedAnywhereLeavesNothingAndTouchesNothing)
+constexpr const char* EVERYBODY = ";WD)"; // the end of an entry that concerns all users
+
+std::string AccessRights(const std::string& path)
 {
-    TestDatabase database;
-    for (size_t n = 0; n < PLACED; ++n)
-        database.practice.WriteFile("temp/" + std::to_string(n),
-                                    std::string(n * 1000, static_cast<char>('A' + n % 26)));
-    const auto sources = FilesIn(database.practice.Path("temp"));
-    static int s_nLeft;
-    for (const size_t nAt : {size_t{0}, size_t{1}, size_t{63}, size_t{64}, PLACED - 1})
+    PSECURITY_DESCRIPTOR pRights = nullptr;
+    char* pszText = nullptr;
+    EXPECT_EQ(GetNamedSecurityInfoA(path.c_str(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr,
+                                    nullptr, nullptr, &pRights),
+              DWORD{ERROR_SUCCESS});
+    EXPECT_TRUE(ConvertSecurityDescriptorToStringSecurityDescriptorA(
+        pRights, SDDL_REVISION_1, DACL_SECURITY_INFORMATION, &pszText, nullptr));
+    const std::string text = pszText;
+    LocalFree(pszText);
+    LocalFree(pRights);
+    return text;
+}
+
+class Placement : public testing::Test
+{
+protected:
+    // Carries all files, which may be taken or are to be copied. What Carry answers is in m_bCarried.
+    dbError PlaceAll(bool bTake, const dbCFilePlacement::Progress& progress, bool bKeep = false)
     {
-        const auto isAt = [&](const std::string& name) { return name == PlacedName(nAt); };
-        bool bCarried = true;
-        EXPECT_EQ(PlaceAll(
-                      database, [&](size_t n, const std::string& name) { return n != nAt || !isAt(name); },
-                      bCarried),
-                  dbErrNone);
-        EXPECT_FALSE(bCarried) << nAt;
-        EXPECT_TRUE(FilesIn(database.practice.Working()).empty()) << nAt;
-
-        const auto getInTheWay = [&](size_t, const std::string& name) {
-            if (isAt(name))
-                database.practice.WriteFile("working/" + name, "foreign");
-            return true;
-        };
-        EXPECT_EQ(PlaceAll(database, getInTheWay, bCarried), dbErrExists);
-        EXPECT_EQ(FilesIn(database.practice.Working()), std::set<std::string>{PlacedName(nAt)});
-        EXPECT_EQ(database.practice.ReadFile("working/" + PlacedName(nAt)), "foreign");
-        std::filesystem::remove(database.practice.Path("working/" + PlacedName(nAt)));
-
-        // A copy that is open and written in part.
-        s_nLeft = static_cast<int>(nAt) + 1;
-        dbObserveSteps([](const char* pszStep) {
-            if (std::string(pszStep) == "place.made" && --s_nLeft == 0)
-                dbCException::Throw(dbErrDiskFull, "copy");
+        for (size_t n = 0; n < PLACED; ++n)
+            if (!std::filesystem::exists(Source(n)))
+                m_database.practice.WriteFile("temp/" + std::to_string(n), PlacedContents(n));
+        dbCFilePlacement placement;
+        for (size_t n = 0; n < PLACED; ++n)
+            placement.Add(Source(n).c_str(), PlacedName(n).c_str(), bTake);
+        return ErrorOf([&] {
+            placement.Check();
+            placement.Note();
+            EXPECT_EQ(ErrorOf([&] { // whoever else begins neither takes the names nor removes the files
+                          dbCFilePlacement other;
+                          other.Add(Source(0).c_str(), PlacedName(PLACED - 1).c_str());
+                          other.Place();
+                      }),
+                      dbErrExists);
+            m_bCarried = placement.Carry(progress);
+            if (!bKeep)
+                return;
+            dbCTransaction transaction;
+            placement.Keep();
+            transaction.Commit();
         });
-        EXPECT_EQ(PlaceAll(
-                      database, [](size_t, const std::string&) { return true; }, bCarried),
-                  dbErrDiskFull);
-        dbObserveSteps(nullptr);
-        EXPECT_TRUE(FilesIn(database.practice.Working()).empty()) << nAt;
     }
-    EXPECT_EQ(FilesIn(database.practice.Path("temp")), sources);
 
-    // The names are free again.
-    bool bCarried = false;
-    EXPECT_EQ(PlaceAll(
-                  database, [](size_t, const std::string&) { return true; }, bCarried, true),
+    std::string Source(size_t n) const
+    {
+        return m_database.practice.Path("temp\\" + std::to_string(n));
+    }
+
+    static bool GoOn(int, const std::string&)
+    {
+        return true;
+    }
+
+    TestDatabase m_database;
+    bool m_bCarried = true;
+};
+
+TEST_F(Placement, ThatFailsOrIsStoppedAnywhereLeavesNothingAndTouchesNothing)
+{
+    const std::string working = m_database.practice.Working();
+    static int s_nLeft;
+    for (const bool bTake : {false, true})
+    {
+        for (const size_t nAt : {size_t{0}, size_t{64}, PLACED - 1})
+        {
+            const auto isAt = [&](const std::string& name) { return name == PlacedName(nAt); };
+            EXPECT_EQ(PlaceAll(bTake, [&](int, const std::string& name) { return !isAt(name); }), dbErrNone);
+            EXPECT_FALSE(m_bCarried) << nAt;
+            EXPECT_TRUE(FilesIn(working).empty()) << nAt;
+
+            const auto getInTheWay = [&](int, const std::string& name) {
+                if (isAt(name))
+                    m_database.practice.WriteFile("working/" + name, "foreign");
+                return true;
+            };
+            EXPECT_EQ(PlaceAll(bTake, getInTheWay), dbErrExists);
+            EXPECT_EQ(FilesIn(working), std::set<std::string>{PlacedName(nAt)});
+            EXPECT_EQ(m_database.practice.ReadFile("working/" + PlacedName(nAt)), "foreign");
+            EXPECT_EQ(PlaceAll(bTake, GoOn), dbErrExists);
+            std::filesystem::remove(working + PlacedName(nAt));
+
+            // A file that is open and written in part.
+            s_nLeft = static_cast<int>(nAt) + 1;
+            dbObserveSteps([](const char* pszStep) {
+                if (std::string(pszStep) == "place.made" && --s_nLeft == 0)
+                    dbCException::Throw(dbErrDiskFull, "copy");
+            });
+            EXPECT_EQ(PlaceAll(bTake, GoOn), dbErrDiskFull);
+            dbObserveSteps(nullptr);
+            EXPECT_TRUE(FilesIn(working).empty()) << nAt;
+        }
+    }
+    // In the middle of a file.
+    int nBefore = 0, nTold = 0;
+    EXPECT_EQ(PlaceAll(false,
+                       [&](int nPercent, const std::string& name) {
+                           EXPECT_GE(nPercent, nBefore);
+                           nBefore = nPercent;
+                           return name != PlacedName(PLACED - 1) || ++nTold < 4;
+                       }),
               dbErrNone);
-    EXPECT_TRUE(bCarried);
-    for (size_t n = 0; n < PLACED; ++n)
-        EXPECT_EQ(database.practice.ReadFile("working/" + PlacedName(n)),
-                  database.practice.ReadFile("temp/" + std::to_string(n)));
-    EXPECT_EQ(FilesIn(database.practice.Working()).size(), PLACED);
+    EXPECT_FALSE(m_bCarried);
+    EXPECT_EQ(nBefore, (65 * 64 / 2 * 10 + 3 * 128 * 1024) * 100 / (65 * 64 / 2 * 10 + 1'000'000));
+    EXPECT_TRUE(FilesIn(working).empty());
+}
+
+TEST_F(Placement, MovesWhatItMayTakeAndCopiesTheRest)
+{
+    const std::string working = m_database.practice.Working();
+    // Only whom the folder lets in gets at its files.
+    std::string rights = AccessRights(working);
+    const size_t nEverybody = rights.rfind('(', rights.find(EVERYBODY));
+    ASSERT_NE(nEverybody, std::string::npos);
+    rights.erase(nEverybody, rights.find(')', nEverybody) + 1 - nEverybody);
+    PSECURITY_DESCRIPTOR pRights = nullptr;
+    ASSERT_TRUE(ConvertStringSecurityDescriptorToSecurityDescriptorA(rights.c_str(), SDDL_REVISION_1,
+                                                                     &pRights, nullptr));
+    ASSERT_TRUE(SetFileSecurityA(working.c_str(), DACL_SECURITY_INFORMATION, pRights));
+    LocalFree(pRights);
+    for (const bool bTake : {false, true})
+    {
+        std::optional<OpenFile> viewer;
+        EXPECT_EQ(PlaceAll(
+                      bTake,
+                      [&](int, const std::string& name) {
+                          if (name == PlacedName(0))
+                              viewer.emplace(Source(5)); // is not to be had
+                          return true;
+                      },
+                      true),
+                  dbErrNone);
+        EXPECT_TRUE(m_bCarried);
+        EXPECT_EQ(FilesIn(m_database.practice.Path("temp")).size(), bTake ? 1U : PLACED);
+        for (size_t n = 0; n < PLACED; ++n)
+        {
+            EXPECT_EQ(m_database.practice.ReadFile("working/" + PlacedName(n)), PlacedContents(n)) << n;
+            if (bTake && n != 5)
+            {
+                EXPECT_EQ(AccessRights(working + PlacedName(n)).find(EVERYBODY), std::string::npos) << n;
+            }
+            std::filesystem::remove(working + PlacedName(n));
+        }
+        EXPECT_TRUE(FilesIn(working).empty());
+    }
 }
 
 } // namespace

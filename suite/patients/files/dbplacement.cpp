@@ -9,30 +9,67 @@
 #include "suite/patients/store/dbtransaction.h"
 #include "suite/util/velpath.h"
 
+#include <aclapi.h>
+
+#include <algorithm>
 #include <array>
 #include <optional>
 
 namespace
 {
-constexpr DWORD COPY_BUFFER = 256 * 1024;
-constexpr size_t OPEN_AT_ONCE = 64; // copies that wait for being flushed
+constexpr DWORD COPY_BUFFER = 128 * 1024; // on the stack: copying asks for no memory
+constexpr size_t OPEN_AT_ONCE = 64;       // files that wait for being flushed
 
-/// Copies into a file that was just made. The error code, 0 when everything was taken.
-DWORD CopyContents(HANDLE hFrom, HANDLE hTo)
+/// Copies into a file that was just made. The error code, 0 when everything was taken, ERROR_CANCELLED when
+/// it was stopped.
+DWORD CopyContents(HANDLE hFrom, HANDLE hTo, const std::function<bool(DWORD dwBytes)>& copied)
 {
-    std::vector<char> buffer(COPY_BUFFER);
+    char buffer[COPY_BUFFER];
     for (;;)
     {
         DWORD dwRead = 0, dwWritten = 0;
-        if (!ReadFile(hFrom, buffer.data(), COPY_BUFFER, &dwRead, nullptr))
+        if (!ReadFile(hFrom, buffer, COPY_BUFFER, &dwRead, nullptr))
             return GetLastError();
         if (dwRead == 0)
             return 0;
-        if (!WriteFile(hTo, buffer.data(), dwRead, &dwWritten, nullptr))
+        if (!WriteFile(hTo, buffer, dwRead, &dwWritten, nullptr))
             return GetLastError();
         if (dwWritten != dwRead)
             return ERROR_DISK_FULL;
+        if (!copied(dwRead))
+            return ERROR_CANCELLED;
     }
+}
+
+/// Gives an open file another path on its volume where nothing is.
+bool Rename(HANDLE hFile, const std::string& path)
+{
+    union {
+        FILE_RENAME_INFO info;
+        char bytes[sizeof(FILE_RENAME_INFO) + MAX_PATH * sizeof(WCHAR)];
+    } rename{};
+    const int nLength = MultiByteToWideChar(CP_ACP, 0, path.c_str(), -1, rename.info.FileName, MAX_PATH);
+    if (nLength == 0)
+        return false;
+    rename.info.FileNameLength = static_cast<DWORD>(static_cast<size_t>(nLength - 1) * sizeof(WCHAR));
+    return SetFileInformationByHandle(hFile, FileRenameInfo, &rename, sizeof(rename)) != FALSE;
+}
+
+/// Gives a file the access rights that its folder hands down, and no others.
+bool InheritRights(std::string path)
+{
+    ACL none;
+    return InitializeAcl(&none, sizeof(none), ACL_REVISION) &&
+           SetNamedSecurityInfoA(path.data(), SE_FILE_OBJECT,
+                                 DACL_SECURITY_INFORMATION | UNPROTECTED_DACL_SECURITY_INFORMATION, nullptr,
+                                 nullptr, &none, nullptr) == ERROR_SUCCESS;
+}
+
+/// Whether only who encrypted the file can read it, wherever it is moved.
+bool IsEncrypted(const std::string& path)
+{
+    const DWORD dwAttributes = GetFileAttributesA(path.c_str());
+    return dwAttributes != INVALID_FILE_ATTRIBUTES && (dwAttributes & FILE_ATTRIBUTE_ENCRYPTED) != 0;
 }
 
 /// The timepoint that a stored patient has under the file's ID and number, with its image words.
@@ -71,7 +108,8 @@ bool IsRecorded(const std::string& name)
     if (!timepoint)
         return false;
     const pat::FileKind kind = timepoint->file.kind;
-    if (kind != pat::FileKind::Image && kind != pat::FileKind::Companion && kind != pat::FileKind::FurtherImage)
+    if (kind != pat::FileKind::Image && kind != pat::FileKind::Companion &&
+        kind != pat::FileKind::FurtherImage)
         return true;
     // "tt.Igt": group and type of the image.
     const int nGroup = timepoint->rest[4] - '0';
@@ -87,7 +125,8 @@ bool RemovePlaced(const CString& strFolder, const CString& strName)
 }
 } // namespace
 
-dbCFilePlacement::dbCFilePlacement() : m_strFolder(velGetDataPath()), m_pToken(std::make_unique<patCLifeToken>())
+dbCFilePlacement::dbCFilePlacement()
+    : m_strFolder(velGetDataPath()), m_pToken(std::make_unique<patCLifeToken>())
 {
 }
 
@@ -97,27 +136,37 @@ dbCFilePlacement::~dbCFilePlacement()
         Undo();
 }
 
-void dbCFilePlacement::Add(LPCTSTR pszSource, LPCTSTR pszName)
+void dbCFilePlacement::Add(LPCTSTR pszSource, LPCTSTR pszName, bool bTake)
 {
-    m_files.push_back({pszSource, pszName});
+    m_files.push_back({pszSource, pszName, bTake});
 }
 
 void dbCFilePlacement::Place()
 {
+    // What somebody began and never finished must neither stand in the way nor be taken for ours later.
+    RemoveAbandoned();
+    Check();
     Note();
-    Carry([](size_t, const std::string&) { return true; });
+    Carry([](int, const std::string&) { return true; });
+}
+
+void dbCFilePlacement::Check()
+{
+    if (m_strFolder.IsEmpty())
+        dbCException::Throw(dbErrIO, m_strFolder);
+    for (File& file : m_files)
+    {
+        if (!patIsGone(m_strFolder + file.name.c_str()))
+            dbCException::Throw(dbErrExists, file.name.c_str());
+        WIN32_FILE_ATTRIBUTE_DATA data{};
+        if (!GetFileAttributesExA(file.source.c_str(), GetFileExInfoStandard, &data))
+            patThrowFileError(GetLastError(), file.source.c_str());
+        file.nBytes = static_cast<__int64>(data.nFileSizeHigh) << 32 | data.nFileSizeLow;
+    }
 }
 
 void dbCFilePlacement::Note()
 {
-    if (m_strFolder.IsEmpty())
-        dbCException::Throw(dbErrIO, m_strFolder);
-    // What somebody began and never finished must neither stand in the way nor be taken for ours later.
-    RemoveAbandoned();
-    for (const File& file : m_files)
-        if (!patIsGone(m_strFolder + file.name.c_str()))
-            dbCException::Throw(dbErrExists, file.name.c_str());
-
     m_pToken->Create(m_strFolder);
     // Noted for good before the first file is made.
     dbCTransaction transaction;
@@ -143,37 +192,66 @@ void dbCFilePlacement::Note()
 
 bool dbCFilePlacement::Carry(const Progress& progress)
 {
+    __int64 nTotal = 0, nDone = 0;
+    for (const File& file : m_files)
+        nTotal += file.nBytes;
     m_placed.reserve(m_files.size()); // what was made is remembered without fail
-    Unflushed copies;
-    copies.reserve(OPEN_AT_ONCE);
-    for (size_t i = 0; i < m_files.size(); ++i)
+    Unflushed placed;
+    placed.reserve(OPEN_AT_ONCE);
+    for (const File& file : m_files)
     {
-        if (!progress(i, m_files[i].name))
+        __int64 nOfFile = 0;
+        const auto report = [&] {
+            const __int64 nNow = nDone + std::min(nOfFile, file.nBytes); // it may grow under our hands
+            return progress(nTotal != 0 ? static_cast<int>(nNow * 100 / nTotal) : 0, file.name);
+        };
+        const auto copied = [&](DWORD dwBytes) {
+            nOfFile += dwBytes;
+            return report();
+        };
+        if (!report())
             return false;
-        copies.push_back(CarryOne(m_files[i]));
-        if (copies.size() == OPEN_AT_ONCE || i + 1 == m_files.size())
+        Handle hPlaced = CarryOne(file, copied);
+        if (!hPlaced)
+            return false;
+        placed.push_back(std::move(hPlaced));
+        nDone += file.nBytes;
+        if (placed.size() == OPEN_AT_ONCE || &file == &m_files.back())
         {
             dbStep("place.copied");
-            Flush(copies);
+            Flush(placed);
         }
     }
     return true;
 }
 
-/// Answers the copy, still open, so that nobody comes between writing and flushing.
-patCHandle dbCFilePlacement::CarryOne(const File& file)
+/// Answers the file in its place, still open, so that nobody comes between writing and flushing; null when it
+/// was stopped.
+patCHandle dbCFilePlacement::CarryOne(const File& file, const Copied& copied)
 {
     std::string path = m_strFolder.GetString() + file.name;
+    if (file.bTake)
+    {
+        if (patCHandle taken = Take(file, path))
+            return taken;
+    }
     const patCHandle from = patOpenFile(file.source.c_str(), GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING,
                                         FILE_FLAG_SEQUENTIAL_SCAN);
     if (!from)
         patThrowFileError(GetLastError(), file.source.c_str());
     patCHandle to = patOpenFile(path.c_str(), GENERIC_WRITE, 0, CREATE_NEW);
     if (!to)
-        patThrowFileError(GetLastError(), path.c_str());
+    {
+        const DWORD dwError = GetLastError();
+        const bool bExists = dwError == ERROR_FILE_EXISTS;
+        patThrowFileError(dwError, bExists ? file.name.c_str() : path.c_str());
+    }
     m_placed.push_back(std::move(path));
     dbStep("place.made");
-    if (const DWORD dwError = CopyContents(from.get(), to.get()))
+    const DWORD dwError = CopyContents(from.get(), to.get(), copied);
+    if (dwError == ERROR_CANCELLED)
+        return nullptr;
+    if (dwError != 0)
         patThrowFileError(dwError, m_placed.back().c_str());
     FILETIME written;
     if (GetFileTime(from.get(), nullptr, nullptr, &written))
@@ -181,16 +259,34 @@ patCHandle dbCFilePlacement::CarryOne(const File& file)
     return to;
 }
 
-/// Has the copies made last on the disk, which has written most of them by itself, and closes them.
-void dbCFilePlacement::Flush(Unflushed& copies)
+/// Moves the source to its place; null, with nothing moved, when it has to be copied.
+patCHandle dbCFilePlacement::Take(const File& file, const std::string& path)
 {
-    const size_t nFirst = m_placed.size() - copies.size();
-    for (size_t i = 0; i < copies.size(); ++i)
+    patCHandle taken =
+        patOpenFile(file.source.c_str(), GENERIC_READ | GENERIC_WRITE | DELETE, 0, OPEN_EXISTING);
+    if (!taken || IsEncrypted(file.source) || !Rename(taken.get(), path))
+        return nullptr;
+    m_placed.push_back(path);
+    dbStep("place.made");
+    if (InheritRights(path))
+        return taken;
+    if (!Rename(taken.get(), file.source))
+        patThrowFileError(ERROR_ACCESS_DENIED, path.c_str());
+    m_placed.pop_back();
+    return nullptr;
+}
+
+/// Has the files placed last on the disk, which has written most of them by itself, and closes them. One
+/// after another: only an administrator may have a whole volume written at once.
+void dbCFilePlacement::Flush(Unflushed& placed)
+{
+    const size_t nFirst = m_placed.size() - placed.size();
+    for (size_t i = 0; i < placed.size(); ++i)
     {
-        if (!FlushFileBuffers(copies[i].get()))
+        if (!FlushFileBuffers(placed[i].get()))
             patThrowFileError(GetLastError(), m_placed[nFirst + i].c_str());
     }
-    copies.clear();
+    placed.clear();
 }
 
 void dbCFilePlacement::Keep()

@@ -9,9 +9,10 @@
 
 /// Puts files into the working folder together with the records that speak of them: the files stay exactly
 /// when the transaction in which Keep was called is committed. Otherwise they are removed again, by the
-/// destructor, or when the database is next opened should the process end before. Order of use: Add, Note,
-/// Carry, then a dbCTransaction with the records and Keep. A file that is there already is never touched.
-/// Carry may be called on another thread than the rest, which waits for it.
+/// destructor, or when the database is next opened should the process end before. Order of use: Add, Check,
+/// Note, Carry, then a dbCTransaction with the records and Keep. A file that is there already is never
+/// touched. Check and Carry ask the database nothing and may be called on another thread than the rest, which
+/// waits.
 class VELPAT_API dbCFilePlacement
 {
 public:
@@ -20,26 +21,28 @@ public:
     dbCFilePlacement(const dbCFilePlacement&) = delete;
     dbCFilePlacement& operator=(const dbCFilePlacement&) = delete;
 
-    /// A file to copy into the working folder under a plain name. Copied also where it could be moved: a moved
-    /// file would keep the access rights of the folder that it came from.
-    void Add(LPCTSTR pszSource, LPCTSTR pszName);
-    size_t GetCount() const
-    {
-        return m_files.size();
-    }
+    /// A file for the working folder, under a plain name. With bTake the source is this object's from Carry
+    /// on: on the folder's own volume it is moved, with the access rights that the folder hands down, and
+    /// goes with the placement when that is undone. Otherwise, and from another volume, it is copied.
+    void Add(LPCTSTR pszSource, LPCTSTR pszName, bool bTake = false);
 
-    /// Notes the files' names in the database. Outside of any transaction. Throws dbErrExists with the name
-    /// when one is there already or is being renamed, removed or placed by somebody; dbErrIO, and the
+    /// Looks at the folder: throws dbErrExists with the name of a file that is there already; dbErrIO. What a
+    /// dead process has left must have been removed before (RemoveAbandoned).
+    void Check();
+
+    /// Notes the files' names in the database, once they have been checked. Outside of any transaction.
+    /// Throws dbErrExists with a name that is being renamed, removed or placed by somebody; dbErrIO, and the
     /// database's own.
     void Note();
 
-    /// Told how many files are in their places, and the name of the next. False stops.
-    using Progress = std::function<bool(size_t nDone, const std::string& name)>;
-    /// Copies all files into the folder and has them on the disk. Asks the database nothing. False when it
-    /// was stopped. Throws dbErrExists, dbErrDiskFull and dbErrIO. What was placed goes with this object.
+    /// Told how much is in its place, in percent, and the name of the file under way, before each file and
+    /// several times while a large one is copied. False stops.
+    using Progress = std::function<bool(int nPercent, const std::string& name)>;
+    /// Brings all files into the folder and has them on the disk. False when it was stopped. Throws
+    /// dbErrExists, dbErrDiskFull and dbErrIO. What was placed goes with this object.
     bool Carry(const Progress& progress);
 
-    /// Note and Carry.
+    /// All three, with RemoveAbandoned before them.
     void Place();
 
     /// The files belong to the open transaction from now on.
@@ -52,13 +55,17 @@ private:
     struct File
     {
         std::string source, name;
+        bool bTake = false;
+        __int64 nBytes = 0;
     };
 
     void Undo() noexcept;
     using Handle = std::unique_ptr<void, struct patCHandleCloser>;
     using Unflushed = std::vector<Handle>;
-    Handle CarryOne(const File& file);
-    void Flush(Unflushed& copies);
+    using Copied = std::function<bool(DWORD dwBytes)>; ///< false stops
+    Handle CarryOne(const File& file, const Copied& copied);
+    Handle Take(const File& file, const std::string& path);
+    void Flush(Unflushed& placed);
 
     std::vector<File> m_files;
     std::vector<std::string> m_placed; ///< paths that this object made
