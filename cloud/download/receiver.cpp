@@ -3,8 +3,8 @@
 #include "app/modalrun.h"
 #include "cloud/protocol/servicetime.h"
 #include "cloud/res/cloudres.h"
-#include "cloud/xml/filesignature.h"
 #include "patient/idconflict.h"
+#include "suite/patients/files/filehash.h"
 #include "suite/util/velpath.h"
 #include "suite/util/velstring.h"
 
@@ -260,7 +260,7 @@ cloud::LocalFile velCReceiver::Compare(const std::string& name, const std::strin
     constexpr std::size_t sha512Digits = 128;
     CString strOwn;
     if (!signature.empty() &&
-        SUCCEEDED(velFileSigner(signature.size() == sha512Digits).Sign(strPath, strOwn)) &&
+        SUCCEEDED(patCFileHasher(signature.size() == sha512Digits).GetHash(strPath, strOwn)) &&
         strOwn == signature.c_str())
         return cloud::LocalFile::Same;
     SYSTEMTIME written;
@@ -336,10 +336,18 @@ int velCReceiver::Store(CVelXML& xml)
     if (m_bNew && dbCPatientEmailsContainer::TableExists())
         xml.ReadPatientEmails().Save(m_patient.GetGUID());
 
-    dbSServicePatient row;
-    if (!dbCServicePatients::FindByGUID(m_patient.GetGUID(), row))
-        dbCServicePatients::Store(
-            {m_patient.GetGUID(), m_record.serviceId.c_str(), m_record.serviceGuid.c_str()});
+    // Whoever is shared from here as well keeps that number.
+    dbSServicePatient row{m_patient.GetGUID(), m_record.serviceId.c_str(), m_record.serviceGuid.c_str()};
+    dbCServicePatients::FindByGUID(m_patient.GetGUID(), row);
+    if (row.strServiceID == m_record.serviceId.c_str())
+        row.strOwnerGUID = m_record.ownerGuid.c_str();
+    dbCServicePatients::Store(row);
+    for (const cloud::ManifestFile& file : m_plan.files)
+    {
+        if (!file.catalogGuid.empty())
+            dbCCatalogFiles::Store(m_patient.GetGUID(), {file.finalName.c_str(), file.catalogGuid.c_str(),
+                                                         file.signature.c_str()});
+    }
 
     const std::string name = m_record.lastName + ", " + m_record.firstName;
     CString strManifest;

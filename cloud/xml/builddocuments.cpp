@@ -51,7 +51,7 @@ private:
         m_writer.SetText(m_root, L"last", m_patient.GetLastname());
         m_writer.SetText(m_root, L"first", m_patient.GetFirstname());
         m_writer.SetDate(m_root, L"birthdate", m_patient.GetBirthdate(), true);
-        m_writer.SetText(m_root, L"dob", m_patient.GetBirthdate().FormatDate());
+        m_writer.SetText(m_root, L"dob", m_patient.FormatBirthdate());
         m_writer.SetText(m_root, L"gender", std::to_string(m_patient.GetGender()).c_str());
         m_writer.SetInteger(m_root, L"norm", m_patient.GetNorm());
         m_writer.SetText(m_root, L"title", m_patient.GetTitle());

@@ -92,6 +92,13 @@ BOOL CVelXML::ReadPatientDetails(dbCPatient& patient)
         strNotes.Replace("\n", "\r\n");
         patient.SetNotes(strNotes);
     }
+    for (const dbSPatientEmail& row : ReadPatientEmails())
+    {
+        // The patient's own record has the first of them.
+        if (patient.GetEmail().IsEmpty() && !row.strPersonID.IsEmpty() &&
+            row.strPersonID == Attribute(pPatient, L"id"))
+            patient.SetEmail(row.strAddress);
+    }
     patient.GetPhones().RemoveAll();
     for (const Node& phone : Select(pPatient, L"phones/phone"))
         patient.GetPhones().Add(dbCPhone(Attribute(phone.Get(), L"number"), Attribute(phone.Get(), L"type")));

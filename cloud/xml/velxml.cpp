@@ -21,7 +21,7 @@ void SetProperty(IXMLDOMDocument2* pDocument, const wchar_t* pszName, const VARI
 
 CVelXML::CVelXML()
     : m_bComInitialised(SUCCEEDED(::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))),
-      m_signer(cloud::IsFipsOn(velGetIniString("defaults", "FIPS").GetString()))
+      m_hasher(cloud::IsFipsOn(velGetIniString("defaults", "FIPS").GetString()))
 {
     m_pDocument = NewDocument();
 }
@@ -101,7 +101,7 @@ CString CVelXML::GetText(int nIndex)
 
 HRESULT CVelXML::GetFileSignature(LPCTSTR pszPath, CString& strSignature) const
 {
-    return m_signer.Sign(pszPath, strSignature);
+    return m_hasher.GetHash(pszPath, strSignature);
 }
 
 std::vector<CVelXML::Node> CVelXML::Select(IXMLDOMNode* pFrom, const wchar_t* pszXPath) const

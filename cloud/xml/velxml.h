@@ -4,8 +4,8 @@
 #include "cloud/exchange/filechoice.h"
 #include "cloud/exchange/record.h"
 #include "cloud/xml/comptr.h"
-#include "cloud/xml/filesignature.h"
 
+#include "suite/patients/files/filehash.h"
 #include "suite/patients/records/dbemails.h"
 #include "suite/patients/records/dbperson.h"
 
@@ -71,7 +71,7 @@ public:
     /// The e-mail addresses around the patient, from the same element.
     dbCPatientEmailsContainer ReadPatientEmails() const;
 
-    /// As velFileSigner::Sign, by the algorithm that the setting FIPS names.
+    /// As patCFileHasher::GetHash, by the algorithm that the setting FIPS names.
     HRESULT GetFileSignature(LPCTSTR pszPath, CString& strSignature) const;
 
     /// Shows the service's messages (message/servermessage.cpp). -1 when one of them forbids to go on,
@@ -95,5 +95,5 @@ private:
     std::vector<Node> m_selected;
     mutable bool m_bLossy = false;
     __int64 m_nFileBytes = 0;
-    const velFileSigner m_signer;
+    const patCFileHasher m_hasher;
 };

@@ -79,7 +79,8 @@ TEST_F(Exchange, TakesANewPatientInOneStep)
     EXPECT_THAT(std::string(tasks[0].strData), testing::Not(HasSubstr("V2A"))); // was not chosen
     dbSServicePatient row;
     ASSERT_TRUE(dbCServicePatients::FindByServiceID("41", row));
-    EXPECT_STREQ(row.strPatientGUID, "{0A000000-0000-0000-0000-000000000001}");
+    EXPECT_STREQ(row.strPatientGUID + row.strServiceGUID + row.strOwnerGUID,
+                 "{0A000000-0000-0000-0000-000000000001}{F}{O}");
 
     // Once more while its files are on their way: nothing changes.
     EXPECT_EQ(

@@ -78,6 +78,7 @@ protected:
         for (const char* name :
              {"A107.I2A", "A107.V2A", "A107.I2A.AVI", "A107.D0.I2A", "A1$07$x.stl", "A107.M"})
             m_practice.WriteFile("working\\" + std::string(name), "abc");
+        patient.SetEmail("eva@lee.example");
         patient.Save();
         dbCPersonEmails doctorEmails;
         doctorEmails.Add("z@hara.example");
@@ -125,37 +126,40 @@ TEST_F(VelXml, WritesTheSharedRecord)
     patient.GetPersonInfo(dbPersonTreatingDoctor, doctor);
     const std::string guid = doctor.GetPersonGUID().GetString();
     const std::string signature = " signature=\"" + Abc + "\"";
-    EXPECT_EQ(
-        std::string(text),
-        Begin +
-            "<!--Patient Information-->\r\n<patient patientid=\"A1\" "
-            "id=\"{0A000000-0000-0000-0000-000000000001}\" "
-            "last=\"M&#252;ller\" first=\"&#8364;va\" birthdate=\"2012-03-04\" dob=\"" +
-            patient.GetBirthdate().FormatDate().GetString() +
-            "\" gender=\"1\" norm=\"3\" title=\"Ms\" nickname=\"E\"><treatingDoctor id=\"" + guid +
-            "\" last=\"O'Hara &amp; &quot;Sons&quot;\" first=\"Zo&#235;\" title=\"Dr.\"><emails><email "
-            "address=\"z@hara.example\"/><email "
-            "address=\"office@hara.example\"/></emails><addresses><address type=\"O\" "
-            "company=\"&lt;Hara&gt;\"/></addresses>"
-            "</treatingDoctor><emailAddresses><emailAddress personId=\"{E}\" category=\"parent\" type=\"H\" "
-            "salutation=\"Ms\" firstName=\"Eve\" lastName=\"Lee\" address=\"eve@lee.example\"/>"
-            "</emailAddresses><ReferringDoctors><ReferringDoctor id=\"" +
-            guid +
-            "\" refname=\"Zo&#235; O'Hara &amp; &quot;Sons&quot;\" "
-            "refemail=\"z@hara.example\"/></ReferringDoctors>"
-            "<note>one&#10;&#9;two &lt;b&gt;</note><phones><phone number=\"1 2\" "
-            "type=\"Home\"/></phones><addresses>"
-            "<address type=\"H\" street=\"Quay 1\" city=\"Ulm\" state=\"BW\" zip=\"89073\" "
-            "country=\"DE\"/></addresses>"
-            "<timepoints><timepoint name=\"Start\" tpGUID=\"{7}\" date=\"03/05/2009\" "
-            "file=\"A107\"><Files><file "
-            "name=\"A1$07$x.stl\"" +
-            signature + " category=\"3D\"/><file name=\"A107.M\"" + signature +
-            " category=\"McLaughlin\"/></Files><images><image title=\"lateral\" note=\"a note\" "
-            "file=\"A107.I2A\"" +
-            signature + " vfile=\"A107.V2A\" vsignature=\"" + Abc + "\"><file name=\"A107.D0.I2A\"" +
-            signature + " category=\"3D\"/><file name=\"A107.I2A.AVI\"" + signature +
-            " category=\"other\"/></image></images></timepoint></timepoints></patient>");
+    EXPECT_EQ(std::string(text),
+              Begin +
+                  "<!--Patient Information-->\r\n<patient patientid=\"A1\" "
+                  "id=\"{0A000000-0000-0000-0000-000000000001}\" "
+                  "last=\"M&#252;ller\" first=\"&#8364;va\" birthdate=\"2012-03-04\" dob=\"2012-03-04\" "
+                  "gender=\"1\" norm=\"3\" title=\"Ms\" nickname=\"E\"><treatingDoctor id=\"" +
+                  guid +
+                  "\" last=\"O'Hara &amp; &quot;Sons&quot;\" first=\"Zo&#235;\" title=\"Dr.\"><emails><email "
+                  "address=\"z@hara.example\"/><email "
+                  "address=\"office@hara.example\"/></emails><addresses><address type=\"O\" "
+                  "company=\"&lt;Hara&gt;\"/></addresses>"
+                  "</treatingDoctor><emailAddresses><emailAddress "
+                  "personId=\"{0A000000-0000-0000-0000-000000000001}\" category=\"patient\" "
+                  "firstName=\"&#8364;va\" "
+                  "lastName=\"M&#252;ller\" address=\"eva@lee.example\"/><emailAddress personId=\"{E}\" "
+                  "category=\"parent\" type=\"H\" "
+                  "salutation=\"Ms\" firstName=\"Eve\" lastName=\"Lee\" address=\"eve@lee.example\"/>"
+                  "</emailAddresses><ReferringDoctors><ReferringDoctor id=\"" +
+                  guid +
+                  "\" refname=\"Zo&#235; O'Hara &amp; &quot;Sons&quot;\" "
+                  "refemail=\"z@hara.example\"/></ReferringDoctors>"
+                  "<note>one&#10;&#9;two &lt;b&gt;</note><phones><phone number=\"1 2\" "
+                  "type=\"Home\"/></phones><addresses>"
+                  "<address type=\"H\" street=\"Quay 1\" city=\"Ulm\" state=\"BW\" zip=\"89073\" "
+                  "country=\"DE\"/></addresses>"
+                  "<timepoints><timepoint name=\"Start\" tpGUID=\"{7}\" date=\"03/05/2009\" "
+                  "file=\"A107\"><Files><file "
+                  "name=\"A1$07$x.stl\"" +
+                  signature + " category=\"3D\"/><file name=\"A107.M\"" + signature +
+                  " category=\"McLaughlin\"/></Files><images><image title=\"lateral\" note=\"a note\" "
+                  "file=\"A107.I2A\"" +
+                  signature + " vfile=\"A107.V2A\" vsignature=\"" + Abc + "\"><file name=\"A107.D0.I2A\"" +
+                  signature + " category=\"3D\"/><file name=\"A107.I2A.AVI\"" + signature +
+                  " category=\"other\"/></image></images></timepoint></timepoints></patient>");
 
     // Only what is chosen.
     ASSERT_TRUE(xml.BuildPatientXml(patient, text, {}));
@@ -315,9 +319,10 @@ TEST_F(VelXml, ReadsBackWhatItWrote)
                  expected.GetPersonGUID() + "O'Hara & \"Sons\"Zo\xeb" + "Dr.z@hara.example");
     EXPECT_STREQ(doctor.GetAddress().GetCompany(), "<Hara>");
     const dbCPatientEmailsContainer emails = xml.ReadPatientEmails();
-    ASSERT_EQ(emails.GetCount(), 1);
-    EXPECT_STREQ(emails[0].strPersonID + emails[0].strCategory + emails[0].strType + emails[0].strSalutation +
-                     emails[0].strFirstname + emails[0].strLastname + emails[0].strAddress,
+    ASSERT_EQ(emails.GetCount(), 2);
+    EXPECT_STREQ(read.GetEmail(), "eva@lee.example");
+    EXPECT_STREQ(emails[1].strPersonID + emails[1].strCategory + emails[1].strType + emails[1].strSalutation +
+                     emails[1].strFirstname + emails[1].strLastname + emails[1].strAddress,
                  "{E}parentHMsEveLeeeve@lee.example");
     ASSERT_EQ(read.GetReferrals().GetCount(), 1);
     EXPECT_STREQ(read.GetReferrals()[0].Get_docFirstname() + "|" + read.GetReferrals()[0].Get_docLastname() +

@@ -33,9 +33,27 @@ bool Read(dbCPatient& patient, std::string bytes, int nFormat)
     }
 }
 
+/// All e-mail addresses of and around a stored patient, and those of its doctor.
+std::vector<std::string> Addresses(const dbCPatient& patient)
+{
+    std::vector<std::string> texts;
+    dbCPatientEmailsContainer rows;
+    rows.LoadByPatID(patient.GetGUID());
+    for (const dbSPatientEmail& row : rows)
+        texts.emplace_back((row.strCategory + row.strFirstname + row.strAddress).GetString());
+    dbCPerson doctor;
+    dbCPersonEmails emails;
+    EXPECT_TRUE(patient.GetPersonInfo(dbPersonTreatingDoctor, doctor));
+    emails.LoadByPersonGUID(doctor.GetPersonGUID());
+    for (const CString& strAddress : emails)
+        texts.emplace_back(strAddress.GetString());
+    return texts;
+}
+
 TEST(PatientArchive, LoadedIntoAnEmptyPracticeEveryFieldIsEqual)
 {
     std::string bytes, before;
+    std::vector<std::string> addresses;
     {
         TestDatabase home;
         dbCPatient patient = FullPatient("A1", HardText());
@@ -67,7 +85,21 @@ TEST(PatientArchive, LoadedIntoAnEmptyPracticeEveryFieldIsEqual)
         dbCPatientDiagnostics(patient.GetGUID(), 0, "Clinical")
             .AddDiagnosticRecord(dbCDiagnosticGroup::DefineItem("Bite", "Clinical", "OB1", "Open"), 1, info,
                                  1, velCDate(2024, 1, 5));
+        dbCPerson guardian;
+        patient.GetPersonInfo(dbPersonGuardian, guardian);
+        for (const CString& strPerson : {guardian.GetPersonGUID(), doctor.GetPersonGUID(), patient.GetGUID()})
+        {
+            dbCPersonEmails emails;
+            emails.LoadByPersonGUID(strPerson);
+            emails.Add("b@x.org");
+            emails.Add("c@x.org");
+            emails.Save(strPerson);
+        }
+        dbCPatientEmailsContainer rows;
+        rows.Add({"{P}", "Family", "Home", "Ms", HardText(), "Lee", "m@x.org"});
+        rows.Save(patient.GetGUID());
         patient.Load("A1");
+        addresses = Addresses(patient);
         before = Image(patient);
         bytes = Store(patient, 1);
     }
@@ -101,6 +133,8 @@ TEST(PatientArchive, LoadedIntoAnEmptyPracticeEveryFieldIsEqual)
     dbCPerson doctor;
     ASSERT_TRUE(loaded.GetPersonInfo(dbPersonTreatingDoctor, doctor));
     EXPECT_EQ(doctor.GetLastname(), "Frost");
+    EXPECT_EQ(Addresses(loaded), addresses);
+    EXPECT_EQ(addresses.size(), 3U + 3U + 1U + 2U);
 }
 
 TEST(PatientArchive, TheEarlierFormatCarriesItsFields)

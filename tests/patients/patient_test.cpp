@@ -11,6 +11,8 @@ TEST(Patient, EveryFieldComesBackFromTheFile)
     TestDatabase database;
     const CString strText = HardText();
     dbCPatient saved = FullPatient("A1", strText);
+    saved.SetGenderIdentity(47);
+    saved.SetRace(8'001);
     dbCOfficeLocations offices;
     dbCPatientStatusList statuses;
     saved.SetOfficeID(offices.AddOffice(strText));
@@ -35,7 +37,9 @@ TEST(Patient, EveryFieldComesBackFromTheFile)
     EXPECT_EQ(Image(byID), Image(byGUID));
     EXPECT_EQ(byID.GetLastname(), strText);
     EXPECT_EQ(byID.GetNotes(), strText + "\r\nsecond line");
-    EXPECT_EQ(byID.GetGenderIdentity(), 3);
+    EXPECT_EQ(byID.GetGenderIdentity(), 47) << "a code of another system";
+    EXPECT_EQ(byID.GetRace(), 8'001);
+    EXPECT_EQ(byID.FormatBirthdate(), "2010-02-28");
     EXPECT_EQ(byID.GetAddresses().GetCount(), 2);
     EXPECT_EQ(byID.GetAddress(1).GetCompany(), strText);
     EXPECT_EQ(byID.GetPhones()[1].GetType(), strText);
@@ -66,6 +70,7 @@ TEST(Patient, AnUnsetBirthDateStaysUnset)
     dbCPatient loaded;
     ASSERT_TRUE(loaded.Load("A1"));
     EXPECT_TRUE(loaded.GetBirthdate().IsNull());
+    EXPECT_EQ(loaded.FormatBirthdate(), "");
 }
 
 TEST(Patient, SavingAgainReplacesWhatWasRemoved)

@@ -1,7 +1,6 @@
 // The practice's lists: keywords, doctors, offices, statuses, insurances, options, treatments, diagnostics,
 // tasks, and the audit log.
 
-#include "suite/patients/records/dbemails.h"
 #include "tests/patients/testdatabase.h"
 
 namespace
@@ -155,6 +154,34 @@ TEST(Doctors, OneThatIsReferredToStays)
     patient.GetReferrals().AddReferralDoc(strDoctor, velCDate());
     EXPECT_EQ(ErrorOf([&] { patient.Save(); }), dbErrNotFound);
 
+    // What a transaction around it takes back is as if it had not been, for copies too.
+    dbCDoctor edited, added;
+    edited.Load(AddDoctor("Reed"));
+    added.GetPerson().SetLastname("New");
+    for (int i = 0; i < 2; ++i)
+    {
+        dbCDoctor copy, removed = edited;
+        {
+            dbCTransaction outer;
+            edited.SetType("Dentist");
+            edited.Save();
+            added.Save();
+            added.Save();
+            copy = added;
+            removed = edited;
+            removed.Delete();
+        }
+        EXPECT_FALSE(doctor.Load(added.GetGUID()));
+        removed.Save();
+        EXPECT_EQ(ErrorOf([&] { edited.Save(); }), dbErrChangedElsewhere)
+            << "changed through the other object";
+        edited.Load(edited.GetGUID());
+        EXPECT_EQ(edited.GetType(), "Dentist");
+        copy.Save();
+        copy.Delete();
+    }
+    added.Save();
+
     // A doctor of the same identity who comes back is not the one that was loaded before.
     dbCDoctor stale, again;
     stale.GetPerson().SetLastname("Stale");
@@ -163,6 +190,19 @@ TEST(Doctors, OneThatIsReferredToStays)
     dbCDoctor(stale).Delete();
     again.Save();
     EXPECT_EQ(ErrorOf([&] { stale.Save(); }), dbErrChangedElsewhere);
+}
+
+/// A guardian of this address for a patient; returns the GUID.
+CString SetGuardian(dbCPatient& patient, LPCTSTR pszEmail)
+{
+    dbCPerson guardian;
+    guardian.SetFirstname("Eve");
+    guardian.SetLastname("Hill");
+    guardian.SetSalutation("Ms");
+    guardian.SetEmail(pszEmail);
+    patient.SetPersonInfo(dbPersonGuardian, guardian);
+    patient.GetPersonInfo(dbPersonGuardian, guardian);
+    return guardian.GetPersonGUID();
 }
 
 TEST(Emails, OfADoctorAndAroundAPatient)
@@ -208,6 +248,80 @@ TEST(Emails, OfADoctorAndAroundAPatient)
                   row.strLastname + row.strAddress,
               "Q234567");
     EXPECT_EQ(rows.LoadByPatID("none"), 0);
+
+    // What the records of patient and guardian say comes first and is not stored twice.
+    const CString strMother = SetGuardian(patient, "mother@x.org");
+    patient.SetEmail("own@x.org");
+    patient.Save();
+    emails.RemoveAll();
+    emails.Add("mother@x.org");
+    emails.Add("work@x.org");
+    emails.Save(strMother);
+    const std::vector<std::string> expected{"patient own@x.org", "guardian mother@x.org",
+                                            "guardian work@x.org", "Family m@x.org", "2 7"};
+    for (int i = 0; i < 2; ++i)
+    {
+        ASSERT_EQ(rows.LoadByPatID(patient.GetGUID()), 5);
+        std::vector<std::string> found;
+        for (const dbSPatientEmail& email : rows)
+            found.emplace_back((email.strCategory + " " + email.strAddress).GetString());
+        EXPECT_EQ(found, expected);
+        EXPECT_EQ(rows[0].strPersonID + rows[1].strPersonID, patient.GetGUID() + strMother);
+        EXPECT_EQ(rows[1].strSalutation + rows[1].strFirstname + rows[1].strLastname, "MsEveHill");
+        rows.Save(patient.GetGUID());
+    }
+    EXPECT_EQ(rows.LoadOthersByPatID(patient.GetGUID()), 2);
+
+    // A database without the tables has one address a person.
+    database.Execute("DROP TABLE emails; DROP TABLE patientEmails");
+    EXPECT_FALSE(dbCPersonEmails::TableExists() || dbCPatientEmailsContainer::TableExists());
+    emails.LoadByPersonGUID(strMother);
+    ASSERT_EQ(emails.GetCount(), 1);
+    EXPECT_EQ(emails[0], "mother@x.org");
+    EXPECT_EQ(rows.LoadByPatID(patient.GetGUID()) + rows.LoadOthersByPatID(patient.GetGUID()), 0);
+    EXPECT_EQ(ErrorOf([&] { rows.Save(patient.GetGUID()); }), dbErrNotFound);
+}
+
+TEST(CatalogFiles, AnEntryStaysAsLongAsItsFile)
+{
+    TestDatabase database;
+    dbCPatient patient = FullPatient("A1");
+    const auto store = [&](const char* pszName, const char* pszGUID) {
+        return ErrorOf([&] { dbCCatalogFiles::Store(patient.GetGUID(), {pszName, pszGUID, "hash"}); });
+    };
+    const auto stored = [&] {
+        dbCCatalogFiles files;
+        files.LoadByPatID(patient.GetGUID());
+        std::string text;
+        for (const dbSCatalogFile& file : files)
+            text += (file.strName + "=" + file.strCatalogGUID + "," + file.strHash + " ").GetString();
+        return text;
+    };
+    EXPECT_EQ(store("A100.M", "{M}"), dbErrNotFound);
+    patient.Save();
+    for (const char* pszName : {"A100.M", "A101.I0B.AVI", "A1$01$x"})
+    {
+        database.practice.WriteFile(std::string("working/") + pszName, "x");
+        EXPECT_EQ(store(pszName, "{old}"), dbErrNone);
+    }
+    EXPECT_EQ(store("a100.m", "{M}"), dbErrNone);
+    EXPECT_EQ(store("A1$01$x", "{X}"), dbErrNone);
+    EXPECT_EQ(store("A1200.M", "{other}"), dbErrInvalid);
+    EXPECT_EQ(store("..\\A100.M", "{other}"), dbErrInvalid);
+    EXPECT_EQ(stored(), "A1$01$x={X},hash A100.M={M},hash A101.I0B.AVI={old},hash ");
+    patient.SetID("ZULU");
+    patient.Save();
+    patient.DeleteTimepointImages(1);
+    EXPECT_EQ(stored(), "ZULU$01$x={X},hash ZULU00.M={M},hash ");
+    {
+        dbCTransaction transaction;
+        patient.DeleteTimepoint(1);
+    }
+    EXPECT_EQ(stored(), "ZULU$01$x={X},hash ZULU00.M={M},hash ");
+    patient.DeleteTimepoint(1);
+    EXPECT_EQ(stored(), "ZULU00.M={M},hash ");
+    dbCPatients().DeletePatient("ZULU");
+    EXPECT_EQ(stored(), "");
 }
 
 TEST(Offices, DeletingOneLeavesItsPatientsWithout)
@@ -396,9 +510,19 @@ TEST(TransferTasks, OnlyPendingOnesAreRead)
     dbSServicePatient row{"G", "1", "2"};
     dbCServicePatients::Store(row);
     row.strServiceID = "3";
+    row.strOwnerGUID = "{O}";
     dbCServicePatients::Store(row);
-    EXPECT_TRUE(dbCServicePatients::FindByGUID("G", row));
-    EXPECT_EQ(row.strServiceID, "3");
+    row.strOwnerGUID = "";
+    dbCServicePatients::Store(row);
     EXPECT_FALSE(dbCServicePatients::FindByGUID("H", row));
+    EXPECT_FALSE(dbCServicePatients::FindByServiceID("", row));
+    const auto text = [&] {
+        return row.strPatientGUID + row.strServiceID + row.strServiceGUID + row.strOwnerGUID;
+    };
+    EXPECT_TRUE(dbCServicePatients::FindByGUID("G", row));
+    EXPECT_EQ(text(), "G32{O}") << "the owner that is known stays";
+    row = {};
+    EXPECT_TRUE(dbCServicePatients::FindByServiceID("3", row));
+    EXPECT_EQ(text(), "G32{O}");
 }
 } // namespace

@@ -4,6 +4,7 @@
 #include "tests/support/temporarypractice.h"
 
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 
 #include <string>
 
@@ -20,6 +21,15 @@ struct TestDatabase
     ~TestDatabase()
     {
         dbCPatients::Close();
+    }
+
+    /// Runs SQL past the library, for what it never does itself.
+    void Execute(const char* pszSql) const
+    {
+        sqlite3* pDb = nullptr;
+        EXPECT_EQ(sqlite3_open(Path().c_str(), &pDb), SQLITE_OK);
+        EXPECT_EQ(sqlite3_exec(pDb, pszSql, nullptr, nullptr, nullptr), SQLITE_OK) << sqlite3_errmsg(pDb);
+        sqlite3_close(pDb);
     }
 
     std::string Path() const

@@ -108,7 +108,7 @@ CString dbCArchiveReader::Text()
 
 void dbCArchiveReader::RequireEnd() const
 {
-    if (m_nPos != m_payload.size())
+    if (!IsAtEnd())
         AfxThrowArchiveException(CArchiveException::badSchema);
 }
 

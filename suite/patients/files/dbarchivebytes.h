@@ -54,6 +54,10 @@ public:
 
     __int64 Number(__int64 nMin, __int64 nMax);
     CString Text();
+    bool IsAtEnd() const
+    {
+        return m_nPos == m_payload.size();
+    }
     void RequireEnd() const;
 
 private:

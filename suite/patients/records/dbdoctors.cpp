@@ -33,7 +33,7 @@ BOOL dbCDoctor::Load(LPCTSTR pszGUID)
     const dbCPerson person = dbLoadPerson(query.Int64(0));
     m_strType = query.Text(3);
     m_bTreating = query.Int(1) != 0;
-    m_nRowVersion = query.Int64(2);
+    m_version.SetRead(query.Int64(2));
     m_person = person;
     return TRUE;
 }
@@ -42,7 +42,7 @@ void dbCDoctor::Save()
 {
     if (dbFold(m_person.GetLastname().GetString()).empty())
         dbCException::Throw(dbErrInvalid);
-    const bool bNew = m_nRowVersion == 0;
+    const bool bNew = m_version.Get() == 0;
     dbCPerson person = m_person;
     if (person.GetPersonGUID().IsEmpty())
         person.SetPersonGUID(dbNewGUID());
@@ -53,7 +53,7 @@ void dbCDoctor::Save()
     {
         dbCStatement query("SELECT d.person FROM persons p JOIN doctors d ON d.person = p.id"
                            " WHERE p.guid = ? AND d.rowVersion = ?");
-        query.Bind(person.GetPersonGUID()).Bind(m_nRowVersion);
+        query.Bind(person.GetPersonGUID()).Bind(m_version.Get());
         if (!query.Step())
             dbCException::Throw(dbErrChangedElsewhere, person.GetLastname());
         nRow = query.Int64(0);
@@ -69,9 +69,9 @@ void dbCDoctor::Save()
         .Bind(m_bTreating ? 1 : 0)
         .BindUtf8(dbFold(person.GetLastname().GetString()));
     write.BindUtf8(dbFold(person.GetFirstname().GetString())).Bind(nVersion).Bind(nRow).Run();
+    m_version.SetWritten(nVersion);
     transaction.Commit();
     m_person = person;
-    m_nRowVersion = nVersion;
 }
 
 void dbCDoctor::Delete()
@@ -80,8 +80,8 @@ void dbCDoctor::Delete()
     // Referrals and patients refer to the doctor and so refuse; nothing is taken along silently.
     if (const __int64 nRow = dbFindPerson(GetGUID()))
         dbDeletePerson(nRow);
+    m_version.SetWritten(0);
     transaction.Commit();
-    m_nRowVersion = 0;
 }
 
 namespace

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "suite/patients/records/dbperson.h"
+#include "suite/patients/store/dbrowversion.h"
 
 #include <deque>
 #include <string>
@@ -15,7 +16,8 @@ public:
     BOOL Load(LPCTSTR pszGUID);
 
     /// Writes person, type, addresses and phones in one transaction; a new doctor gets a GUID. dbErrInvalid
-    /// without a family name, dbErrChangedElsewhere when the record changed since it was loaded.
+    /// without a family name, dbErrChangedElsewhere when the record changed since it was loaded. A rollback
+    /// of a transaction around it counts as if it had not been called; a new doctor keeps the GUID.
     void Save();
 
     /// Removes the stored doctor; dbErrInUse while a patient refers to it.
@@ -58,7 +60,7 @@ private:
     dbCPerson m_person;
     CString m_strType;
     BOOL m_bTreating = FALSE;
-    __int64 m_nRowVersion = 0;
+    dbCRowVersion m_version;
 };
 
 /// One doctor in an enumeration. The texts stay where they are until the enumerating object enumerates again

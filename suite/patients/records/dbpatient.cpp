@@ -1,5 +1,6 @@
 #include "suite/patients/records/dbpatient.h"
 
+#include "suite/patients/records/dbcatalog.h"
 #include "suite/patients/records/dbpatientstore.h"
 #include "suite/patients/files/filework.h"
 #include "suite/patients/files/patientfiles.h"
@@ -34,6 +35,8 @@ dbCPatient& dbCPatient::operator=(const dbCPatient& other)
     m_archiveTreatments = other.m_archiveTreatments;
     m_strArchiveOffice = other.m_strArchiveOffice;
     m_strArchiveStatus = other.m_strArchiveStatus;
+    m_archiveEmails = other.m_archiveEmails;
+    m_archivePatientEmails = other.m_archivePatientEmails;
     m_strLoadedID = other.m_strLoadedID;
     m_bRenameFiles = other.m_bRenameFiles;
     m_nRowVersion = other.m_nRowVersion;
@@ -215,10 +218,7 @@ void dbCPatient::WritePatientFile(LPCTSTR pszFolder) const
 void dbCPatient::DeleteTimepointImages(int nIndex)
 {
     patCTimepoint& timepoint = m_timepoints.GetAt(nIndex);
-    const auto work = patCFileWork::BeginRemoval(
-        patCFileWork::RemoveFiles, m_strLoadedID,
-        patListFiles(m_strLoadedID, patFileSet::TimepointImages, timepoint.GetNumber()));
-    ChangeTimepoints(*work, [&] {
+    ChangeTimepoints(patListFiles(m_strLoadedID, patFileSet::TimepointImages, timepoint.GetNumber()), [&] {
         for (int nGroup = 0; nGroup < patCImageTypes::GROUP_COUNT; ++nGroup)
             timepoint.SetImageBits(nGroup, 0);
         timepoint.RemoveImageInfos();
@@ -228,20 +228,21 @@ void dbCPatient::DeleteTimepointImages(int nIndex)
 void dbCPatient::DeleteTimepoint(int nIndex)
 {
     const int nNumber = m_timepoints.GetAt(nIndex).GetNumber();
-    const auto work = patCFileWork::BeginRemoval(patCFileWork::RemoveFiles, m_strLoadedID,
-                                                 patListFiles(m_strLoadedID, patFileSet::Timepoint, nNumber));
-    ChangeTimepoints(*work, [&] { m_timepoints.RemoveAt(nIndex); });
+    ChangeTimepoints(patListFiles(m_strLoadedID, patFileSet::Timepoint, nNumber),
+                     [&] { m_timepoints.RemoveAt(nIndex); });
 }
 
-void dbCPatient::ChangeTimepoints(patCFileWork& work, const std::function<void()>& change)
+void dbCPatient::ChangeTimepoints(const patFileStates& files, const std::function<void()>& change)
 {
+    const auto work = patCFileWork::BeginRemoval(patCFileWork::RemoveFiles, m_strLoadedID, files);
     dbCTransaction transaction;
     dbCTransaction::AtEnd([pSelf = std::weak_ptr(m_pSelf), timepoints = m_timepoints] {
         if (const auto pAlive = pSelf.lock())
             (*pAlive)->m_timepoints = timepoints;
     });
+    dbCCatalogFiles::Forget(m_f.strGUID, files);
     change();
     Save();
-    work.Note();
+    work->Note();
     transaction.Commit();
 }

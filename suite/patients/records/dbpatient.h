@@ -1,6 +1,8 @@
 #pragma once
 
+#include "suite/patients/files/filestate.h"
 #include "suite/patients/records/dbdiagnostics.h"
+#include "suite/patients/records/dbemails.h"
 #include "suite/patients/records/dbinsurance.h"
 #include "suite/patients/records/dbreferrals.h"
 #include "suite/patients/records/dbtreatment.h"
@@ -118,7 +120,8 @@ public:
     /// of the suite still write. Throws CArchiveException* when what is read is no patient of that format, is
     /// cut short or exceeds the limits, dbCException* (dbErrText) for text that the code page does not have,
     /// and leaves the object unchanged. Touches no database when reading; writing a stored patient adds its
-    /// diagnostic records, its treatment history and the names of office and status from the open database.
+    /// diagnostic records, its treatment history, the further e-mail addresses of and around it and the names
+    /// of office and status from the open database.
     void Serialize(CArchive& ar, int nFormat = 1);
 
     /// What Serialize read: diagnostic entries, treatment history, and the names that office, status and
@@ -178,8 +181,8 @@ public:
     void WritePatientFile(LPCTSTR pszFolder = nullptr) const;
 
 private:
-    /// Changes the timepoints, stores the patient and notes the work on files in one transaction.
-    void ChangeTimepoints(class patCFileWork& work, const std::function<void()>& change);
+    /// Changes the timepoints, stores the patient and notes the removal of the files in one transaction.
+    void ChangeTimepoints(const patFileStates& files, const std::function<void()>& change);
 
     struct Archive;
     friend struct Archive;
@@ -194,6 +197,8 @@ private:
     dbCDiagnosticInfos m_archiveDiagnostics;
     dbTList<dbCPatientTreatmentStatusHistoryRow> m_archiveTreatments;
     CString m_strArchiveOffice, m_strArchiveStatus;
+    std::map<CString, dbCPersonEmails> m_archiveEmails; ///< by person's GUID, behind the record's own address
+    dbCPatientEmailsContainer m_archivePatientEmails;   ///< of others than patient and guardian
     CString m_strLoadedID; ///< the ID in the database, empty for a new patient
     BOOL m_bRenameFiles = TRUE;
     __int64 m_nRowVersion = 0;            ///< version of the stored record that this object is based on

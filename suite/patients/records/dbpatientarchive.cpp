@@ -282,6 +282,51 @@ struct dbCPatient::Archive
         Rows(ar, patient.m_insurances, MAX_ROWS, [&](dbCInsurance& row) { Insurance(ar, row); });
         Rows(ar, patient.m_archiveTreatments, MAX_ROWS,
              [&](dbCPatientTreatmentStatusHistoryRow& row) { Treatment(ar, row); });
+        Emails(ar, patient);
+    }
+
+    /// Only where there are any, so that earlier versions read all other patients.
+    template <typename Ar> static void Emails(Ar& ar, dbCPatient& patient)
+    {
+        if constexpr (Ar::READING)
+        {
+            patient.m_archiveEmails.clear();
+            patient.m_archivePatientEmails.RemoveAll();
+            if (ar.IsAtEnd())
+                return;
+            for (__int64 n = ar.Number(0, MAX_ROWS); n > 0; --n)
+            {
+                dbCPersonEmails& emails = patient.m_archiveEmails[ar.Text()];
+                Rows(ar, emails, MAX_ROWS, [&](CString& strAddress) { Exchange(ar, strAddress); });
+            }
+        }
+        else
+        {
+            if (patient.m_archiveEmails.empty() && patient.m_archivePatientEmails.IsEmpty())
+                return;
+            ar.Number(static_cast<__int64>(patient.m_archiveEmails.size()));
+            for (auto& [strGUID, emails] : patient.m_archiveEmails)
+            {
+                ar.Text(strGUID);
+                Rows(ar, emails, MAX_ROWS, [&](CString& strAddress) { Exchange(ar, strAddress); });
+            }
+        }
+        Rows(ar, patient.m_archivePatientEmails, MAX_ROWS, [&](dbSPatientEmail& row) {
+            for (CString* pText : {&row.strPersonID, &row.strCategory, &row.strType, &row.strSalutation,
+                                   &row.strFirstname, &row.strLastname, &row.strAddress})
+                Exchange(ar, *pText);
+        });
+    }
+
+    /// The addresses that a person's record has no place for.
+    static void AddFurtherEmails(dbCPatient& patient, const CString& strPersonGUID, const CString& strFirst)
+    {
+        dbCPersonEmails emails;
+        emails.LoadByPersonGUID(strPersonGUID);
+        if (!emails.IsEmpty() && emails[0] == strFirst)
+            emails.RemoveAt(0);
+        if (!emails.IsEmpty())
+            patient.m_archiveEmails[strPersonGUID] = emails;
     }
 
     /// What only the database knows of a stored patient.
@@ -293,6 +338,13 @@ struct dbCPatient::Archive
         dbCPatientTreatmentStatusHistoryTable history;
         history.LoadByPatID(patient.GetGUID());
         patient.m_archiveTreatments = history;
+        patient.m_archiveEmails.clear();
+        AddFurtherEmails(patient, patient.GetGUID(), patient.GetEmail());
+        for (const auto& [nKind, person] : patient.m_persons)
+            AddFurtherEmails(patient, person.GetPersonGUID(), person.GetEmail());
+        for (const dbCPatientReferralsRow& row : patient.m_referrals)
+            AddFurtherEmails(patient, row.Get_docID(), row.Get_docEmail());
+        patient.m_archivePatientEmails.LoadOthersByPatID(patient.GetGUID());
 
         patient.m_archiveDiagnostics.RemoveAll();
         dbCStatement query("SELECT g.title, i.code, t.number, d.value, d.note FROM persons p"

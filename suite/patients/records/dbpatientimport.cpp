@@ -21,8 +21,23 @@ CString Match(std::string_view byGuid, std::string_view byName, const CString& s
     return named.Step() ? named.Text(0) : CString();
 }
 
+using Emails = std::map<CString, dbCPersonEmails>;
+
+/// Gives a person that was just stored the addresses that came with it.
+void StoreEmails(const Emails& emails, const CString& strArchivedGUID, const CString& strGUID)
+{
+    const auto found = emails.find(strArchivedGUID);
+    if (found == emails.end())
+        return;
+    dbCPersonEmails all;
+    all.LoadByPersonGUID(strGUID);
+    for (const CString& strAddress : found->second)
+        all.Add(strAddress);
+    all.Save(strGUID);
+}
+
 /// The GUID of the doctor with this GUID or name; one that this practice does not have is added.
-CString RequireDoctor(const dbCPerson& person)
+CString RequireDoctor(const dbCPerson& person, const Emails& emails)
 {
     dbCDoctor doctor;
     if (dbCPatients::IsGUID(person.GetPersonGUID()) && doctor.Load(person.GetPersonGUID()))
@@ -41,6 +56,7 @@ CString RequireDoctor(const dbCPerson& person)
     if (!dbCPatients::IsGUID(person.GetPersonGUID()) || taken.Step())
         doctor.GetPerson().SetPersonGUID("");
     doctor.Save();
+    StoreEmails(emails, person.GetPersonGUID(), doctor.GetGUID());
     return doctor.GetGUID();
 }
 
@@ -106,7 +122,7 @@ BOOL dbCPatients::AddFromArchive(dbCPatient& patient)
             ++person;
             continue;
         }
-        const CString strGUID = RequireDoctor(person->second);
+        const CString strGUID = RequireDoctor(person->second, added.m_archiveEmails);
         person->second.SetPersonGUID(strGUID);
         person = strGUID.IsEmpty() ? added.m_persons.erase(person) : std::next(person);
     }
@@ -118,7 +134,7 @@ BOOL dbCPatients::AddFromArchive(dbCPatient& patient)
         doctor.SetFirstname(row.Get_docFirstname());
         doctor.SetLastname(row.Get_docLastname());
         doctor.SetEmail(row.Get_docEmail());
-        row.Set_docID(RequireDoctor(doctor));
+        row.Set_docID(RequireDoctor(doctor, added.m_archiveEmails));
         row.Set_refID(dbNewGUID());
         if (row.Get_docID().IsEmpty())
             added.m_referrals.RemoveAt(i);
@@ -148,6 +164,12 @@ BOOL dbCPatients::AddFromArchive(dbCPatient& patient)
     StoreTreatments(added);
     added.Save();
     StoreDiagnostics(added);
+    StoreEmails(added.m_archiveEmails, added.GetGUID(), added.GetGUID());
+    dbCPerson archived, guardian;
+    if (patient.GetPersonInfo(dbPersonGuardian, archived) && added.GetPersonInfo(dbPersonGuardian, guardian))
+        StoreEmails(added.m_archiveEmails, archived.GetPersonGUID(), guardian.GetPersonGUID());
+    if (!added.m_archivePatientEmails.IsEmpty())
+        added.m_archivePatientEmails.Save(added.GetGUID());
     transaction.Commit();
     patient = added;
     return TRUE;

@@ -94,28 +94,33 @@ void dbCRaskoTasksContainer::InsertRow(dbSRaskoTask& task)
 
 BOOL dbCServicePatients::FindByGUID(LPCTSTR pszPatientGUID, dbSServicePatient& row)
 {
-    dbCStatement query("SELECT serviceID, serviceGuid FROM servicePatients WHERE patientGuid = ?");
+    dbCStatement query("SELECT serviceID, serviceGuid, ownerGuid FROM servicePatients WHERE patientGuid = ?");
     query.Bind(pszPatientGUID);
     if (!query.Step())
         return FALSE;
-    row = {pszPatientGUID, query.Text(0), query.Text(1)};
+    row = {pszPatientGUID, query.Text(0), query.Text(1), query.Text(2)};
     return TRUE;
 }
 
 BOOL dbCServicePatients::FindByServiceID(LPCTSTR pszServiceID, dbSServicePatient& row)
 {
-    dbCStatement query("SELECT patientGuid, serviceGuid FROM servicePatients WHERE serviceID = ?");
+    dbCStatement query("SELECT patientGuid, serviceGuid, ownerGuid FROM servicePatients WHERE serviceID = ?");
     query.Bind(pszServiceID);
     if (*pszServiceID == 0 || !query.Step())
         return FALSE;
-    row = {query.Text(0), pszServiceID, query.Text(1)};
+    row = {query.Text(0), pszServiceID, query.Text(1), query.Text(2)};
     return TRUE;
 }
 
 void dbCServicePatients::Store(const dbSServicePatient& row)
 {
     dbCStatement write(
-        "INSERT INTO servicePatients (patientGuid, serviceID, serviceGuid) VALUES (?, ?, ?)"
-        " ON CONFLICT DO UPDATE SET serviceID = excluded.serviceID, serviceGuid = excluded.serviceGuid");
-    write.Bind(row.strPatientGUID).Bind(row.strServiceID).Bind(row.strServiceGUID).Run();
+        "INSERT INTO servicePatients (patientGuid, serviceID, serviceGuid, ownerGuid) VALUES (?, ?, ?, ?)"
+        " ON CONFLICT DO UPDATE SET serviceID = excluded.serviceID, serviceGuid = excluded.serviceGuid,"
+        " ownerGuid = CASE excluded.ownerGuid WHEN '' THEN ownerGuid ELSE excluded.ownerGuid END");
+    write.Bind(row.strPatientGUID)
+        .Bind(row.strServiceID)
+        .Bind(row.strServiceGUID)
+        .Bind(row.strOwnerGUID)
+        .Run();
 }

@@ -53,6 +53,7 @@ private:
 struct dbSServicePatient
 {
     CString strPatientGUID, strServiceID, strServiceGUID;
+    CString strOwnerGUID{}; ///< the account that owns the record; empty while it is not known
 };
 
 class VELPAT_API dbCServicePatients
@@ -62,5 +63,6 @@ public:
     static BOOL FindByGUID(LPCTSTR pszPatientGUID, dbSServicePatient& row);
     /// The patient that the service knows by this ID.
     static BOOL FindByServiceID(LPCTSTR pszServiceID, dbSServicePatient& row);
+    /// Inserts or updates the patient's row. An empty owner leaves the one that is known.
     static void Store(const dbSServicePatient& row);
 };

@@ -1,5 +1,7 @@
 #include "suite/patients/records/patpatient.h"
 
+#include "suite/patients/store/dbcore.h"
+
 namespace
 {
 CString NameInForm(const CString& strName, int nForm)
@@ -38,6 +40,11 @@ CString patCPatient::GetLastname(int nForm) const
 CString patCPatient::GetFirstname(int nForm) const
 {
     return NameInForm(m_f.strFirstname, nForm);
+}
+
+CString patCPatient::FormatBirthdate() const
+{
+    return dbDateText(m_f.dateBirth, false).c_str();
 }
 
 patCTimepoint patCPatient::GetTimepoint(int nIndex) const

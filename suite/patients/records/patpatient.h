@@ -34,6 +34,9 @@ public:
     {
         return m_f.dateBirth;
     }
+    /// The birth date as the database writes it, "YYYY-MM-DD" whatever the user's locale; empty when there is
+    /// none.
+    CString FormatBirthdate() const;
     /// 1 female, 2 male, 0 not known.
     int GetGender() const
     {

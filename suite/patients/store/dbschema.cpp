@@ -200,7 +200,17 @@ CREATE TABLE patientEmails (
     PRIMARY KEY (patient, position)) WITHOUT ROWID;
 )sql";
 
-constexpr dbSMigration STEPS[] = {{VERSION_1}, {VERSION_2}, {TIMEPOINT_NAMES}, {TRANSFER_REASONS}, {JOURNAL}, {EMAILS}};
+// Who owns a shared record, and what the service's catalogue calls its files. A file's name is what stands
+// behind the patient's ID.
+constexpr const char* CATALOG = R"sql(
+ALTER TABLE servicePatients ADD COLUMN ownerGuid TEXT NOT NULL DEFAULT '';
+CREATE TABLE catalogFiles (
+    patient INTEGER NOT NULL REFERENCES patients ON DELETE CASCADE, name TEXT NOT NULL COLLATE NOCASE,
+    guid TEXT NOT NULL, hash TEXT NOT NULL, PRIMARY KEY (patient, name)) WITHOUT ROWID;
+)sql";
+
+constexpr dbSMigration STEPS[] = {{VERSION_1}, {VERSION_2}, {TIMEPOINT_NAMES}, {TRANSFER_REASONS},
+                                  {JOURNAL},   {EMAILS},    {CATALOG}};
 
 void RunSteps(dbCSqliteSession& connection, std::span<const dbSMigration> steps, size_t nFrom)
 {

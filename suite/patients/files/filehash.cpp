@@ -1,4 +1,4 @@
-#include "cloud/xml/filesignature.h"
+#include "suite/patients/files/filehash.h"
 
 #include <wincrypt.h>
 
@@ -52,7 +52,7 @@ HRESULT LastError()
 }
 } // namespace
 
-struct velFileSigner::Provider
+struct patCFileHasher::Provider
 {
     Provider()
     {
@@ -69,15 +69,15 @@ struct velFileSigner::Provider
     HCRYPTPROV handle = 0;
 };
 
-velFileSigner::velFileSigner(bool bFIPS) : m_pProvider(std::make_unique<Provider>()), m_bFIPS(bFIPS)
+patCFileHasher::patCFileHasher(bool bFIPS) : m_pProvider(std::make_unique<Provider>()), m_bFIPS(bFIPS)
 {
 }
 
-velFileSigner::~velFileSigner() = default;
+patCFileHasher::~patCFileHasher() = default;
 
-HRESULT velFileSigner::Sign(LPCTSTR pszPath, CString& strSignature) const
+HRESULT patCFileHasher::GetHash(LPCTSTR pszPath, CString& strHash) const
 {
-    strSignature.Empty();
+    strHash.Empty();
     const int nPathLength = pszPath == nullptr ? 0 : ::lstrlen(pszPath);
     if (nPathLength == 0 || nPathLength >= MAX_PATH)
         return E_INVALIDARG;
@@ -107,6 +107,6 @@ HRESULT velFileSigner::Sign(LPCTSTR pszPath, CString& strSignature) const
     if (!::CryptGetHashParam(hash.handle, HP_HASHVAL, digest.data(), &nSize, 0))
         return LastError();
     for (DWORD i = 0; i < nSize; ++i)
-        strSignature.AppendFormat("%02x", static_cast<unsigned>(digest.at(i)));
+        strHash.AppendFormat("%02x", static_cast<unsigned>(digest.at(i)));
     return S_OK;
 }
