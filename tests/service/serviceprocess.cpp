@@ -127,6 +127,7 @@ struct HttpsChannel::Connection
         client.set_ca_cert_path(service.Authority().c_str());
         client.enable_server_certificate_verification(true);
         client.set_keep_alive(true);
+        client.set_tcp_nodelay(true); // head and body are two writes
         client.set_read_timeout(60);
     }
 

@@ -1,5 +1,6 @@
 #include "suite/rasko/transfer/transfer.h"
 
+#include "suite/rasko/transfer/growingfile.h"
 #include "suite/rasko/transfer/plan.h"
 #include "suite/rasko/transfer/platform.h"
 #include "suite/rasko/transfer/texts.h"
@@ -16,7 +17,6 @@ using namespace rasko;
 namespace fs = std::filesystem;
 
 constexpr std::size_t PieceSize = 4U << 20; // what is sent at once
-constexpr std::size_t HashBlock = 1U << 20;
 constexpr int MostOffsetCorrections = 3;
 constexpr char Unfinished[] = ".part"; // a file that is still arriving
 
@@ -31,26 +31,12 @@ std::int64_t SizeOf(const fs::path& file)
     return none ? -1 : static_cast<std::int64_t>(size);
 }
 
-/// Adds a file to a digest.
-void Add(Digest& digest, const fs::path& file)
-{
-    std::ifstream in(file, std::ios::binary);
-    std::vector<char> buffer(HashBlock);
-    while (in)
-    {
-        in.read(buffer.data(), static_cast<std::streamsize>(buffer.size()));
-        digest.Add(buffer.data(), static_cast<std::size_t>(in.gcount()));
-    }
-    if (in.bad())
-        throw std::system_error(std::make_error_code(std::errc::io_error), file.string());
-}
-
 bool HasSignature(const fs::path& file, const std::string& signature)
 {
     if (SizeOf(file) < 0)
         return false;
     const auto digest = NewDigest(signature.size());
-    Add(*digest, file);
+    AddFile(*digest, file);
     return digest->Finish() == signature;
 }
 
@@ -227,50 +213,19 @@ private:
     /// Fetches what is missing of a file. The signature of the whole.
     std::string Receive(const std::string& number, const PlannedFile& file, const fs::path& part) const
     {
-        const auto digest = NewDigest(file.signature.size());
-        const std::int64_t held = std::max<std::int64_t>(0, SizeOf(part));
-        if (held > 0)
-            Add(*digest, part);
-        std::ofstream out(part, std::ios::binary | std::ios::app);
-        const auto fail = [&part] {
-            throw std::system_error(std::make_error_code(std::errc::no_space_on_device), part.string());
-        };
-        std::string block;
-        const auto flush = [&] {
-            if (!out.write(block.data(), static_cast<std::streamsize>(block.size())).flush())
-                fail();
-            digest->Add(block.data(), block.size());
-            block.clear();
-        };
+        GrowingFile growing(part, file.signature.size()); // keeps what came before a cut
         bool wanted = true;
         const auto take = [&](std::string_view bytes) {
-            block += bytes;
-            if (block.size() >= HashBlock)
-            {
-                flush();
-                wanted = !m_receiver || m_receiver(m_meter);
-            }
+            growing.Add(bytes);
+            wanted = !m_receiver || m_receiver(m_meter);
             return wanted;
         };
-        bool found = false;
-        try
-        {
-            found = m_client.Fetch(number, file.serviceName, file.signature, held, take);
-        }
-        catch (const Interrupted&)
-        {
-            flush(); // the next attempt goes on from here
-            throw;
-        }
+        const bool found = m_client.Fetch(number, file.serviceName, file.signature, growing.Held(), take);
         if (!wanted)
             throw CancelledByUser();
         if (!found)
             throw Refused(text::Replaced);
-        flush();
-        out.close();
-        if (!out)
-            fail();
-        return digest->Finish();
+        return growing.Finish();
     }
 
     // First all files to the practice's volume, out of sight; then, one rename each, to their places. A
