@@ -61,6 +61,7 @@ dbCPatient StorePatient(int nTimepoints, int nTreatments)
 std::vector<std::string> MakeNames(int nNames)
 {
     std::vector<std::string> names;
+    names.reserve(static_cast<std::size_t>(nNames));
     for (int i = 0; i < nNames; ++i)
         names.push_back("Name " + std::to_string(i));
     return names;
@@ -157,6 +158,7 @@ double Import(int nEntries)
 double MedianImport(int nEntries)
 {
     std::vector<double> times;
+    times.reserve(repetitions);
     for (int i = 0; i < repetitions; ++i)
         times.push_back(Import(nEntries));
     std::sort(times.begin(), times.end());

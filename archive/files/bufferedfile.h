@@ -26,7 +26,7 @@ public:
 
 /// One window of the file is held in memory, read or written. Reads grow from small to the window's size
 /// while they go on in order, so that jumping about costs little and reading through is fast.
-class BufferedFile : public File
+class BufferedFile final : public File
 {
 public:
     explicit BufferedFile(std::unique_ptr<RawFile> file);
@@ -41,7 +41,7 @@ public:
     bool SetWritten(const LocalTime& time) override;
     bool Close() override;
 
-    static constexpr std::size_t WindowSize = 256 * 1024;
+    static constexpr std::size_t WindowSize = std::size_t{256} * 1024;
 
 private:
     bool WriteOut();

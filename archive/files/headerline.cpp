@@ -40,7 +40,7 @@ std::optional<HeaderLine> ParseHeaderLine(std::string_view firstBytes)
     for (std::string* field : {&header.lastName, &header.firstName, &header.id})
     {
         const std::size_t end = rest.find_first_of(EndingBytes);
-        if (end == std::string_view::npos || end > HeaderFieldLength || rest[end] != FieldEnd)
+        if (end > HeaderFieldLength || rest[end] != FieldEnd)
         {
             return std::nullopt;
         }

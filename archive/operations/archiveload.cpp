@@ -175,7 +175,7 @@ bool arcCArchiveManager::TakeUnpacked()
 /// False, with the user told, when the practice has this patient, or the patient file of an unknown one.
 bool arcCArchiveManager::CheckNew(const dbCPatient& archived) const
 {
-    const CString strID = archived.GetID();
+    const CString& strID = archived.GetID();
     dbCPatient stored;
     if (stored.Load(strID) || stored.Load(archived.GetGUID(), FALSE, TRUE))
     {

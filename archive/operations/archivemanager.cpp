@@ -1,5 +1,6 @@
 #include "archive/operations/archivemanager.h"
 
+#include "app/hostnotice.h"
 #include "app/velenums.h"
 #include "archive/res/archivedlgres.h"
 #include "archive/files/filenames.h"
@@ -9,7 +10,6 @@
 #include "suite/util/velstring.h"
 
 #include <algorithm>
-#include <cstring>
 
 /// Gives a lock back; false when the database could not be asked.
 static bool TryUnlock(const CString& strID) noexcept
@@ -175,14 +175,5 @@ void arcCArchiveManager::EndOperation(int nResult)
 
 void arcCArchiveManager::Notify(int nEvent, const CString& strGUID) const
 {
-    if (!::IsWindow(m_hHost))
-        return;
-    auto guid = std::make_unique<char[]>(static_cast<std::size_t>(strGUID.GetLength()) + 1);
-    std::strcpy(guid.get(), strGUID);
-    // The host frees it.
-    if (::PostMessage(m_hHost, VELDLGS_PATIENT_CHANGED, static_cast<WPARAM>(nEvent),
-                      reinterpret_cast<LPARAM>(guid.get())))
-    {
-        guid.release();
-    }
+    velNotifyHost(m_hHost, nEvent, strGUID);
 }

@@ -26,7 +26,7 @@ constexpr std::array<BundleFile, 4> BundleFiles{{
     {"LaunchKazReadme.txt", "readme.txt"},
 }};
 
-constexpr std::size_t CopyBuffer = 64 * 1024;
+constexpr std::size_t CopyBuffer = std::size_t{64} * 1024;
 
 bool CopyContents(File& from, File& to)
 {

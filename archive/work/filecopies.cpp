@@ -10,7 +10,7 @@ namespace arc
 {
 namespace
 {
-constexpr std::size_t CopyBuffer = 64 * 1024;
+constexpr std::size_t CopyBuffer = std::size_t{64} * 1024;
 
 bool CopyContents(File& from, OutputFile& to)
 {

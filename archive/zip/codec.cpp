@@ -34,7 +34,7 @@ std::uint16_t AskZlib(ByteSpan contents)
     {
         throw std::bad_alloc();
     }
-    constexpr std::size_t Piece = 64 * 1024;
+    constexpr std::size_t Piece = std::size_t{64} * 1024;
     unsigned char packed[4096];
     while (stream.data_type == Z_UNKNOWN && !contents.empty())
     {

@@ -17,8 +17,8 @@
 
 namespace
 {
-constexpr std::size_t CheckChunk = 64 * 1024;
-constexpr std::uint64_t ReportBytes = 64 * 1024; // progress is told at least this often
+constexpr std::size_t CheckChunk = std::size_t{64} * 1024;
+constexpr std::uint64_t ReportBytes = std::uint64_t{64} * 1024; // progress is told at least this often
 
 // Makes a folder with its parents.
 bool MakeFolderTree(arc::FileSystem& files, const std::string& folder)

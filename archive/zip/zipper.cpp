@@ -18,7 +18,7 @@ namespace
 constexpr int MaxTreeDepth = 128; // a path of 260 characters cannot go deeper
 // From this size on an entry's sizes are written with 64 bits; deflate may make data a little larger.
 constexpr std::uint64_t LargeFile = 0xFFF00000;
-constexpr std::uint64_t ReportBytes = 64 * 1024; // progress is told at least this often
+constexpr std::uint64_t ReportBytes = std::uint64_t{64} * 1024; // progress is told at least this often
 
 zip_fileinfo EntryInfo(const arc::FileInfo& info)
 {

@@ -1,5 +1,6 @@
 #include "cloud/upload/internetoperations.h"
 
+#include "app/hostnotice.h"
 #include "app/modalrun.h"
 #include "app/velapp.h"
 #include "app/velenums.h"
@@ -10,9 +11,6 @@
 #include "cloud/upload/transfersdlg.h"
 #include "cloud/upload/uploaddlg.h"
 #include "suite/util/velstring.h"
-
-#include <cstring>
-#include <memory>
 
 namespace
 {
@@ -27,16 +25,6 @@ CString WhoseRecords(const std::vector<CString>& ids)
     else
         strText.Format(IDS_CLD_UPLOAD_SEVERAL, static_cast<int>(ids.size()));
     return strText;
-}
-
-void Notify(HWND hHost, int nEvent, const CString& strGUID)
-{
-    auto guid = std::make_unique<char[]>(static_cast<std::size_t>(strGUID.GetLength()) + 1);
-    std::strcpy(guid.get(), strGUID);
-    // The host frees it.
-    if (::IsWindow(hHost) && ::PostMessage(hHost, VELDLGS_PATIENT_CHANGED, static_cast<WPARAM>(nEvent),
-                                           reinterpret_cast<LPARAM>(guid.get())))
-        guid.release();
 }
 } // namespace
 
@@ -75,6 +63,6 @@ bool velGetPatientFromInternet(CWnd* pParent, HWND hHost)
     if (velRunModal(dialog) != IDOK || !dialog.GetReceived())
         return false;
     const velSReceived& received = *dialog.GetReceived();
-    Notify(hHost, received.bNewPatient ? ARCHIVE_NOTIFY_LOADED : ARCHIVE_NOTIFY_MERGED, received.strGUID);
+    velNotifyHost(hHost, received.bNewPatient ? ARCHIVE_NOTIFY_LOADED : ARCHIVE_NOTIFY_MERGED, received.strGUID);
     return true;
 }

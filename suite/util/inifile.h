@@ -9,8 +9,8 @@
 #include <vector>
 
 // Bytes. What is longer counts as damaged.
-constexpr std::size_t inimaxFile = 1024 * 1024;
-constexpr std::size_t inimaxLine = 8 * 1024;
+constexpr std::size_t inimaxFile = std::size_t{1024} * 1024;
+constexpr std::size_t inimaxLine = std::size_t{8} * 1024;
 constexpr std::size_t inimaxValue = 4096;
 
 // The lines of a file in memory. A line is a section "[name]", a setting "key=value" or anything else, which

@@ -15,7 +15,7 @@ constexpr WORD bigObjectTag = 0x7FFF;   // the index follows in 32 bits
 constexpr DWORD bigClassTag = 0x80000000;
 
 constexpr std::size_t smallestBuffer = 128;
-constexpr std::size_t textPiece = 64 * 1024;
+constexpr std::size_t textPiece = std::size_t{64} * 1024;
 // Objects inside objects: deeper than any record is, and far from the end of the stack.
 constexpr int deepestObject = 256;
 } // namespace

@@ -7,7 +7,7 @@ IMPLEMENT_DYNAMIC(CStdioFile, CFile)
 
 namespace
 {
-constexpr std::size_t bufferSize = 16 * 1024;
+constexpr std::size_t bufferSize = std::size_t{16} * 1024;
 }
 
 CStdioFile::CStdioFile() = default;

@@ -8,8 +8,8 @@
 namespace
 {
 constexpr DWORD MAX_PAYLOAD = 64 * 1024 * 1024;
-constexpr size_t MAX_TEXT = 4 * 1024 * 1024;
-constexpr size_t READ_BLOCK = 64 * 1024;
+constexpr size_t MAX_TEXT = std::size_t{4} * 1024 * 1024;
+constexpr size_t READ_BLOCK = std::size_t{64} * 1024;
 
 DWORD Crc32(const std::string& bytes)
 {
