@@ -76,12 +76,7 @@ BOOL CDlgNewTimepoint::OnInitDialog()
     if (!m_picker.SetTime(m_date))
         m_picker.GetTime(m_date);
     ShowTreatments();
-    Attempt(
-        [this] {
-            if (m_names.IsCreated())
-                FillNames(m_names.Load());
-        },
-        IDS_NAMES_FAILED);
+    Attempt([this] { m_comboNames.Fill(); }, IDS_NAMES_FAILED);
     UpdateControls();
     return TRUE;
 }
@@ -101,40 +96,16 @@ void CDlgNewTimepoint::ShowTreatments()
     }
 }
 
-void CDlgNewTimepoint::FillNames(const std::vector<CString>& names)
-{
-    m_comboNames.SetRedraw(FALSE);
-    m_comboNames.ResetContent();
-    for (const CString& strName : names)
-        m_comboNames.AddString(strName);
-    m_comboNames.SetRedraw(TRUE);
-    m_comboNames.Invalidate();
-}
-
-// The text of the field; while an entry is being chosen the control shows it only afterwards.
 void CDlgNewTimepoint::OnChooseName()
 {
-    if (const int nChosen = m_comboNames.GetCurSel(); nChosen != CB_ERR)
-        m_comboNames.GetLBText(nChosen, m_strName);
+    m_comboNames.GetChosen(m_strName);
     UpdateControls();
 }
 
 void CDlgNewTimepoint::OnRefresh()
 {
-    ReadName();
+    m_strName = m_comboNames.GetTyped();
     UpdateControls();
-}
-
-void CDlgNewTimepoint::ReadName()
-{
-    CString strTyped;
-    m_comboNames.GetWindowText(strTyped);
-    m_strName = maint::CutName(strTyped.GetString(), maint::maxTimepointName, velSystemChars()).c_str();
-    if (m_strName != strTyped)
-    {
-        m_comboNames.SetWindowText(m_strName);
-        m_comboNames.SetEditSel(m_strName.GetLength(), -1);
-    }
 }
 
 void CDlgNewTimepoint::OnAddToList()
@@ -171,7 +142,7 @@ void CDlgNewTimepoint::OnUpdateOK(CCmdUI* pCmdUI)
 
 void CDlgNewTimepoint::OnUpdateAddToList(CCmdUI* pCmdUI)
 {
-    pCmdUI->Enable(IsNameValid() && m_comboNames.FindStringExact(-1, GetName()) == CB_ERR);
+    pCmdUI->Enable(IsNameValid() && !m_comboNames.IsListed(GetName()));
 }
 
 void CDlgNewTimepoint::OnUpdateDelete(CCmdUI* pCmdUI)
@@ -196,7 +167,8 @@ void CDlgNewTimepoint::OnOK()
         if (!Attempt([&] { AddTimepoint(strName, *strPtshID); }))
             return;
         lastDate = m_date;
-        Attempt([&] { AddPredefinedName(strName); }, IDS_NAMES_FAILED);
+        if (m_bAddToList)
+            Attempt([&] { m_comboNames.AddToNames(strName); }, IDS_NAMES_FAILED);
     }
     CRecordDialog::OnOK();
 }
@@ -231,12 +203,6 @@ void CDlgNewTimepoint::AddTimepoint(const CString& strName, const CString& strPt
     }
 }
 
-void CDlgNewTimepoint::AddPredefinedName(const CString& strName)
-{
-    if (m_bAddToList && m_names.IsCreated() && m_comboNames.FindStringExact(-1, strName) == CB_ERR)
-        m_names.Add(strName);
-}
-
 void CDlgNewTimepoint::OnMoveUp()
 {
     Move(-1, IDS_NEWTP_SELECT_UP);
@@ -249,7 +215,8 @@ void CDlgNewTimepoint::OnMoveDown()
 
 void CDlgNewTimepoint::Move(int nStep, UINT nSelectFirst)
 {
-    if (!m_names.IsCreated())
+    CPredefinedNames& names = m_comboNames.GetNames();
+    if (!names.IsCreated())
         return;
     const int nIndex = m_comboNames.GetCurSel();
     if (nIndex == CB_ERR)
@@ -263,10 +230,10 @@ void CDlgNewTimepoint::Move(int nStep, UINT nSelectFirst)
     Attempt(
         [&] {
             if (nStep < 0)
-                m_names.MoveUp(nIndex);
+                names.MoveUp(nIndex);
             else
-                m_names.MoveDown(nIndex);
-            FillNames(m_names.Load());
+                names.MoveDown(nIndex);
+            m_comboNames.Fill();
             m_comboNames.SetCurSel(nMoved);
             OnChooseName();
         },
@@ -276,7 +243,7 @@ void CDlgNewTimepoint::Move(int nStep, UINT nSelectFirst)
 void CDlgNewTimepoint::OnDelete()
 {
     const int nIndex = m_comboNames.GetCurSel();
-    if (nIndex == CB_ERR || !m_names.IsCreated())
+    if (nIndex == CB_ERR)
         return;
     CString strName;
     CString strFormat;
@@ -289,7 +256,7 @@ void CDlgNewTimepoint::OnDelete()
         return;
     Attempt(
         [&] {
-            m_names.Remove(nIndex);
+            m_comboNames.GetNames().Remove(nIndex);
             m_comboNames.DeleteString(static_cast<UINT>(nIndex));
             OnRefresh();
         },

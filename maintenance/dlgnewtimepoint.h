@@ -1,15 +1,15 @@
 #pragma once
 
-#include "maintenance/predefinednames.h"
 #include "maintenance/recorddialog.h"
+#include "maintenance/timepointnamelist.h"
 #include "maintenance/treatmentlist.h"
 #include "suite/dialogs/unicodebutton.h"
 
 #include <afxdtctl.h>
 
 /// Adds a timepoint to a patient, and keeps the list of predefined timepoint names. The date starts on the
-/// one that was confirmed last in this process. Owns its controls and its reference to the predefined names;
-/// the patient stays the caller's. Belongs to its caller's stack, on the user interface thread.
+/// one that was confirmed last in this process. Owns its controls; the patient stays the caller's. Belongs
+/// to its caller's stack, on the user interface thread.
 class CDlgNewTimepoint : public CRecordDialog
 {
 public:
@@ -35,22 +35,18 @@ protected:
 
 private:
     void ShowTreatments();
-    void FillNames(const std::vector<CString>& names);
     void Move(int nStep, UINT nSelectFirst);
-    void ReadName();
     CString GetName() const;
     bool IsNameValid() const;
     bool Exists(const CString& strName) const;
     void AddTimepoint(const CString& strName, const CString& strPtshID);
-    void AddPredefinedName(const CString& strName);
 
     dbCPatient* m_pPatient;
     CString m_strName; // as typed
     velCDate m_date;
     BOOL m_bAddToList = FALSE;
 
-    CPredefinedNames m_names;
-    CComboBox m_comboNames;
+    CTimepointNameList m_comboNames;
     CDateTimeCtrl m_picker;
     CTreatmentList m_treatments;
     CUnicodeButton m_btnDelete;

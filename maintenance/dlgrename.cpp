@@ -84,7 +84,7 @@ BOOL CRenameDlg::OnInitDialog()
 {
     CRecordDialog::OnInitDialog();
     LoadPatient();
-    Attempt([this] { FillNames(); }, IDS_NAMES_FAILED);
+    Attempt([this] { m_comboNames.Fill(); }, IDS_NAMES_FAILED);
     GetDlgItemText(IDC_RENAME_DESCRIPTION, m_strIdleDescription);
     if (UsesTreatments())
     {
@@ -120,17 +120,6 @@ void CRenameDlg::LoadPatient()
     m_result.strTimepointName = row.GetDescription();
     m_result.dateTimepoint = row.GetDateTime();
     m_strCurrentPtshID = row.GetptshID();
-}
-
-void CRenameDlg::FillNames()
-{
-    if (!m_names.IsCreated())
-        return;
-    const std::vector<CString> names = m_names.Load();
-    m_comboNames.SetRedraw(FALSE);
-    for (const CString& strName : names)
-        m_comboNames.AddString(strName);
-    m_comboNames.SetRedraw(TRUE);
 }
 
 // Shows the controls of the operation and hides those of the other one.
@@ -230,24 +219,13 @@ void CRenameDlg::OnEditTimepointName()
 {
     if (!m_bInitialised)
         return;
-    CString strTyped;
-    m_comboNames.GetWindowText(strTyped);
-    m_result.strTimepointName =
-        maint::CutName(strTyped.GetString(), maint::maxTimepointName, velSystemChars()).c_str();
-    if (m_result.strTimepointName != strTyped)
-    {
-        m_comboNames.SetWindowText(m_result.strTimepointName);
-        m_comboNames.SetEditSel(m_result.strTimepointName.GetLength(), -1);
-    }
+    m_result.strTimepointName = m_comboNames.GetTyped();
     UpdateControls();
 }
 
 void CRenameDlg::OnChooseTimepointName()
 {
-    const int nChosen = m_comboNames.GetCurSel();
-    if (nChosen == CB_ERR)
-        return;
-    m_comboNames.GetLBText(nChosen, m_result.strTimepointName);
+    m_comboNames.GetChosen(m_result.strTimepointName);
     UpdateControls();
 }
 
@@ -282,8 +260,7 @@ void CRenameDlg::OnUpdateRadio(CCmdUI* pCmdUI)
 void CRenameDlg::OnUpdateAddName(CCmdUI* pCmdUI)
 {
     if (m_bInitialised)
-        pCmdUI->Enable(m_nOperation == RENAME_TIMEPOINT &&
-                       m_comboNames.FindStringExact(-1, m_result.strTimepointName) == CB_ERR);
+        pCmdUI->Enable(m_nOperation == RENAME_TIMEPOINT && !m_comboNames.IsListed(m_result.strTimepointName));
 }
 
 void CRenameDlg::OnUpdateOK(CCmdUI* pCmdUI)
@@ -324,10 +301,9 @@ void CRenameDlg::OnOK()
 
 void CRenameDlg::AddPredefinedName()
 {
-    if (IsDlgButtonChecked(IDC_RENAME_ADD_NAME) != 0 && m_names.IsCreated() &&
-        maint::IsTimepointName(m_result.strTimepointName.GetString()) &&
-        m_comboNames.FindStringExact(-1, m_result.strTimepointName) == CB_ERR)
-        m_names.Add(m_result.strTimepointName);
+    if (IsDlgButtonChecked(IDC_RENAME_ADD_NAME) != 0 &&
+        maint::IsTimepointName(m_result.strTimepointName.GetString()))
+        m_comboNames.AddToNames(m_result.strTimepointName);
 }
 
 // What the caller's patient holds changes only together with the database.

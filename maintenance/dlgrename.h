@@ -1,9 +1,9 @@
 #pragma once
 
 #include "app/velenums.h"
-#include "maintenance/predefinednames.h"
 #include "maintenance/recorddialog.h"
 #include "maintenance/renamerules.h"
+#include "maintenance/timepointnamelist.h"
 #include "maintenance/treatmentlist.h"
 #include "suite/dialogs/unicodebutton.h"
 
@@ -21,8 +21,8 @@ struct velRenameResult
 
 /// Asks for the new names of a patient, or for a timepoint's new name, date and treatment. Of these it writes
 /// the treatment itself, and with it a new row of the patient's treatment history and a new predefined
-/// timepoint name; the rest is the host's. Owns its controls and its reference to the predefined names; the
-/// patient stays the caller's. Belongs to its caller's stack, on the user interface thread.
+/// timepoint name; the rest is the host's. Owns its controls; the patient stays the caller's. Belongs to its
+/// caller's stack, on the user interface thread.
 class CRenameDlg : public CRecordDialog
 {
 public:
@@ -55,7 +55,6 @@ protected:
 
 private:
     void LoadPatient();
-    void FillNames();
     void ShowOperation();
     void ShowControl(int nID, bool bShow);
     bool HasTimepoint() const;
@@ -75,12 +74,11 @@ private:
     CString m_strIdleDescription;
     bool m_bInitialised = false;
 
-    CPredefinedNames m_names;
     CUnicodeButton m_radioPatient;
     CUnicodeButton m_radioTimepoint;
     CEdit m_editName;
     CEdit m_editFirstname;
-    CComboBox m_comboNames;
+    CTimepointNameList m_comboNames;
     CDateTimeCtrl m_date;
     CTreatmentList m_treatments;
 };

@@ -1,12 +1,9 @@
-#include "maintenance/maintenanceres.h"
 #include "tests/maintenance/patientpractice.h"
 
 namespace
 {
 
-using testing::ElementsAre;
-using veltest::Dialog;
-using veltest::DialogScript;
+const std::string operations = "ITP"; // images, timepoint, patient
 
 class DeleteDialog : public PatientPractice
 {
@@ -18,17 +15,21 @@ protected:
         bool operator==(const Answer&) const = default;
     };
 
-    static Answer Run(dbCPatient* pPatient, int timepoint, int practiceManagement,
-                      const std::function<void(DialogScript&, const Dialog&)>& script)
+    DeleteDialog()
+    {
+        m_caption = "Patient Delete Warning!";
+        m_defaultAnswer = "No";
+    }
+
+    static Answer Run(dbCPatient* pPatient, int timepoint, int practiceManagement, const Script& script)
     {
         Answer answer = {-1, 99};
-        veltest::RunModal(
+        veltest::RunDialog(
             [&] {
                 DeleteDlg(nullptr, practiceManagement, pPatient, timepoint, 0, 0, "", answer.result,
                           answer.operation);
-                return 0;
             },
-            [&](DialogScript& s) { script(s, s.WaitForDialog("Delete")); });
+            "Delete", script);
         return answer;
     }
 
@@ -41,81 +42,60 @@ protected:
     static std::string Radios(const Dialog& dialog)
     {
         std::string text;
-        for (int id = IDC_DELETE_IMAGES; id <= IDC_DELETE_PATIENT; ++id)
+        for (int i = 0; i < 3; ++i)
         {
-            const auto radio = dialog.Item(id);
-            const std::string name = radio.IsEnabled() ? std::string(1, "ITP"[id - IDC_DELETE_IMAGES]) : "-";
+            const auto radio = dialog.Item(IDC_DELETE_IMAGES + i);
+            const std::string name = radio.IsEnabled() ? operations.substr(i, 1) : "-";
             text += radio.IsChecked() ? "[" + name + "]" : name;
         }
         return text;
-    }
-
-    // Presses OK, answers the question and returns it.
-    static std::string AskAndAnswer(DialogScript& script, const Dialog& dialog, int answer)
-    {
-        dialog.Press(IDOK);
-        const Dialog box = script.WaitForBox();
-        EXPECT_EQ(box.Title(), "Patient Delete Warning!");
-        EXPECT_THAT(box.Buttons(), ElementsAre("Yes", "No"));
-        EXPECT_EQ(box.DefaultButton(), "No");
-        const std::string question = box.BoxText();
-        box.Press(answer);
-        box.WaitForClosed();
-        return question;
     }
 };
 
 TEST_F(DeleteDialog, EachOperationIsDescribedAskedAndHandedBack)
 {
     m_patient = Store("X1", " Ann  %2 ", "O'Hara & <1>", {{"100% \"%2\" &x", velCDate(2024, 1, 2)}});
-    const struct
+    const std::vector<std::string> before = Stored("X1");
+    const std::string timepoint = "timepoint \"100% \"%2\" &x";
+    const std::string patient = "Ann %2 O'Hara & <1>, ID=X1";
+    const std::string leave = "to proceed, or Cancel to leave this operation.";
+    const std::string descriptions[] = {
+        "You are about to delete the images for " + timepoint + ".\"  Select Ok " + leave,
+        "You are about to delete " + timepoint + ".\"  Select Ok now " + leave,
+        "You are about to delete " + patient + " from the patient list.  Select Ok now " + leave};
+    const std::string sure = "Are you sure you want to delete ";
+    const std::string questions[] = {
+        sure + "the images for " + timepoint + "?\"  All images will be deleted.",
+        sure + timepoint +
+            "?\"  All images and questionnaire/diagnostic data in this timepoint will be deleted.",
+        sure + "patient " + patient + "?  All data will be deleted."};
+    for (unsigned i = 0; i < 3; ++i)
     {
-        int radio;
-        const char* description;
-        const char* question;
-    } cases[] = {
-        {IDC_DELETE_IMAGES,
-         "You are about to delete the images for timepoint \"100% \"%2\" &x.\"  Select Ok to proceed, or "
-         "Cancel to "
-         "leave this operation.",
-         "Are you sure you want to delete the images for timepoint \"100% \"%2\" &x?\"  All images will be "
-         "deleted."},
-        {IDC_DELETE_TIMEPOINT,
-         "You are about to delete timepoint \"100% \"%2\" &x.\"  Select Ok now to proceed, or Cancel to "
-         "leave this "
-         "operation.",
-         "Are you sure you want to delete timepoint \"100% \"%2\" &x?\"  All images and "
-         "questionnaire/diagnostic "
-         "data in this timepoint will be deleted."},
-        {IDC_DELETE_PATIENT,
-         "You are about to delete Ann %2 O'Hara & <1>, ID=X1 from the patient list.  Select Ok now to "
-         "proceed, or "
-         "Cancel to leave this operation.",
-         "Are you sure you want to delete patient Ann %2 O'Hara & <1>, ID=X1?  All data will be deleted."},
-    };
-    for (const auto& c : cases)
-    {
-        const Answer answer = Run(&m_patient, 0, 0, [&](DialogScript& script, const Dialog& dialog) {
+        const int radio = IDC_DELETE_IMAGES + static_cast<int>(i);
+        const auto cancel = [&](DialogScript&, const Dialog& dialog) {
+            dialog.Press(radio);
+            dialog.Close();
+        };
+        EXPECT_EQ(Run(&m_patient, 0, 0, cancel), (Answer{IDCANCEL, i}));
+        const auto confirm = [&](DialogScript& script, const Dialog& dialog) {
             EXPECT_EQ(Radios(dialog), "I[T]P");
-            dialog.Press(c.radio);
-            EXPECT_EQ(Description(dialog), c.description);
-            EXPECT_EQ(AskAndAnswer(script, dialog, IDNO), c.question);
+            dialog.Press(radio);
+            EXPECT_EQ(Description(dialog), descriptions[i]);
+            EXPECT_EQ(Ask(script, dialog, IDNO), questions[i]);
             EXPECT_TRUE(dialog.IsOpen());
-            EXPECT_EQ(AskAndAnswer(script, dialog, IDYES), c.question);
-        });
-        EXPECT_EQ(answer, (Answer{IDOK, static_cast<unsigned>(c.radio - IDC_DELETE_IMAGES)}));
+            EXPECT_EQ(Ask(script, dialog, IDYES), questions[i]);
+        };
+        EXPECT_EQ(Run(&m_patient, 0, 0, confirm), (Answer{IDOK, i}));
     }
-    // The dialog has deleted nothing.
-    dbCPatient stored;
-    ASSERT_TRUE(stored.Load("X1"));
-    EXPECT_EQ(stored.GetTimepoints().GetCount(), 1);
+    EXPECT_EQ(Stored("X1"), before) << "deleting is the host's";
 }
 
 TEST_F(DeleteDialog, StartsOnWhatThereIs)
 {
     dbCPatient unsaved;
-    unsaved.SetID("N1");
-    const char* const nothing = "\n\nSelect \"Delete\" operation.";
+    dbCPatient unsavedWithTimepoint;
+    dbCTimepoint timepoint;
+    unsavedWithTimepoint.GetTimepoints().Add(&unsavedWithTimepoint, timepoint, TRUE, TRUE);
     const struct
     {
         dbCPatient* patient;
@@ -127,33 +107,29 @@ TEST_F(DeleteDialog, StartsOnWhatThereIs)
     } cases[] = {
         {&m_patient, -1, 1, "--[P]", true, DELETE_PATIENT},
         {&m_patient, -1, 0, "--[-]", false, DELETE_PATIENT},
-        {&m_patient, 1, 1, "I[T]P", true, DELETE_TIMEPOINT},
+        {&m_patient, 0, 1, "I[T]P", true, DELETE_TIMEPOINT},
         {&m_patient, 1, 2, "I[T]-", true, DELETE_TIMEPOINT},
         {&m_patient, 2, 1, "-[-]P", false, DELETE_TIMEPOINT},
         {&unsaved, -5, 1, "--[-]", false, DELETE_PATIENT},
+        {&unsavedWithTimepoint, 0, 1, "I[T]-", true, DELETE_TIMEPOINT},
         {nullptr, 0, 1, "-[-]-", false, DELETE_TIMEPOINT},
     };
     for (const auto& c : cases)
     {
         const PatientChanges changes(c.patientChanges);
-        const Answer answer = Run(c.patient, c.timepoint, 1, [&](DialogScript&, const Dialog& dialog) {
+        const auto look = [&](DialogScript& script, const Dialog& dialog) {
             EXPECT_EQ(Radios(dialog), c.radios);
             EXPECT_EQ(dialog.Item(IDOK).IsEnabled(), c.ok);
-            EXPECT_EQ(Description(dialog) == nothing, !c.ok) << Description(dialog);
+            EXPECT_EQ(Description(dialog) == "\n\nSelect \"Delete\" operation.", !c.ok);
+            if (!c.ok)
+            {
+                PostOK(script, dialog);
+                EXPECT_FALSE(script.FindBox());
+            }
             dialog.Press(IDCANCEL);
-        });
-        EXPECT_EQ(answer, (Answer{IDCANCEL, c.operation}));
+        };
+        EXPECT_EQ(Run(c.patient, c.timepoint, 1, look), (Answer{IDCANCEL, c.operation})) << c.radios;
     }
-}
-
-TEST_F(DeleteDialog, CancelHandsTheSelectionBack)
-{
-    EXPECT_EQ(Run(&m_patient, 0, 0,
-                  [](DialogScript&, const Dialog& dialog) {
-                      dialog.Press(IDC_DELETE_IMAGES);
-                      dialog.Close();
-                  }),
-              (Answer{IDCANCEL, DELETE_TIMEPOINT_IMAGES}));
 }
 
 TEST_F(DeleteDialog, WarnsOfDiagnosticsOfThisTimepointOnly)
@@ -163,17 +139,15 @@ TEST_F(DeleteDialog, WarnsOfDiagnosticsOfThisTimepointOnly)
     info.SetTP(1);
     dbCPatientDiagnostics(m_patient.GetGUID(), 0, "Clinical")
         .AddDiagnosticRecord(dtID, 1, info, 0, COleDateTime::GetCurrentTime());
-    for (const bool diagnosed : {false, true})
-        Run(&m_patient, diagnosed ? 1 : 0, 0, [&](DialogScript& script, const Dialog& dialog) {
-            const std::string warning = "WARNING! There is questionnaire/diagnostic information in the "
-                                        "database for this timepoint!\n ";
-            const std::string question =
-                std::string("Are you sure you want to delete timepoint \"") +
-                (diagnosed ? "Recall" : "Start") +
-                "?\"  All images and questionnaire/diagnostic data in this timepoint will be deleted.";
-            EXPECT_EQ(AskAndAnswer(script, dialog, IDNO), diagnosed ? warning + question : question);
+    for (const int diagnosed : {0, 1})
+        Run(&m_patient, diagnosed, 0, [&](DialogScript& script, const Dialog& dialog) {
+            const std::string begin = diagnosed != 0
+                                          ? "WARNING! There is questionnaire/diagnostic information in the "
+                                            "database for this timepoint!\n Are you sure"
+                                          : "Are you sure";
+            EXPECT_THAT(Ask(script, dialog, IDNO), testing::StartsWith(begin));
             dialog.Press(IDC_DELETE_IMAGES);
-            EXPECT_EQ(AskAndAnswer(script, dialog, IDNO).find("WARNING"), std::string::npos);
+            EXPECT_THAT(Ask(script, dialog, IDNO), testing::StartsWith("Are you sure"));
             dialog.Press(IDCANCEL);
         });
 }
@@ -181,20 +155,15 @@ TEST_F(DeleteDialog, WarnsOfDiagnosticsOfThisTimepointOnly)
 TEST_F(DeleteDialog, AnOpenBalanceKeepsThePatientUnderPracticeManagementOnly)
 {
     m_patient.SetBalance(-1);
-    const Answer refused = Run(&m_patient, -1, 1, [](DialogScript& script, const Dialog& dialog) {
+    const auto refused = [](DialogScript& script, const Dialog& dialog) {
         dialog.Press(IDOK);
-        const Dialog box = script.WaitForBox("You cannot delete this patient until their balance is zero.");
-        EXPECT_EQ(box.Title(), "Veltrix");
-        EXPECT_THAT(box.Buttons(), ElementsAre("OK"));
-        box.Press(IDOK);
-        box.WaitForClosed();
+        script.AnswerBox("You cannot delete this patient until their balance is zero.", IDOK);
         EXPECT_TRUE(dialog.IsOpen());
         dialog.Press(IDCANCEL);
-    });
-    EXPECT_EQ(refused, (Answer{IDCANCEL, DELETE_PATIENT}));
-    const auto agree = [](DialogScript& script, const Dialog& dialog) {
-        AskAndAnswer(script, dialog, IDYES);
     };
+    EXPECT_EQ(Run(&m_patient, -1, 1, refused), (Answer{IDCANCEL, DELETE_PATIENT}));
+    const auto agree = [&](DialogScript& script, const Dialog& dialog) { Ask(script, dialog, IDYES); };
+    EXPECT_EQ(Run(&m_patient, 1, 1, agree), (Answer{IDOK, DELETE_TIMEPOINT}));
     EXPECT_EQ(Run(&m_patient, -1, 0, agree), (Answer{IDOK, DELETE_PATIENT}));
     m_patient.SetBalance(0);
     EXPECT_EQ(Run(&m_patient, -1, 1, agree), (Answer{IDOK, DELETE_PATIENT}));
@@ -202,29 +171,24 @@ TEST_F(DeleteDialog, AnOpenBalanceKeepsThePatientUnderPracticeManagementOnly)
 
 TEST_F(DeleteDialog, AVanishedDatabaseIsToldAndNothingIsAgreedTo)
 {
-    const Answer answer = Run(&m_patient, 0, 1, [](DialogScript& script, const Dialog& dialog) {
+    const auto vanish = [&](DialogScript& script, const Dialog& dialog) {
         dbCPatients::Close();
         // A timepoint that cannot be looked up is asked for without a warning.
-        EXPECT_THAT(AskAndAnswer(script, dialog, IDNO), testing::StartsWith("Are you sure"));
+        EXPECT_THAT(Ask(script, dialog, IDNO), testing::StartsWith("Are you sure"));
         dialog.Press(IDC_DELETE_PATIENT);
         dialog.Press(IDOK);
-        const Dialog box = script.WaitForBox();
-        EXPECT_THAT(box.BoxText(), testing::StartsWith("The patient's records could not be read"));
-        box.Press(IDOK);
-        box.WaitForClosed();
-        EXPECT_TRUE(dialog.IsOpen());
+        ExpectRecordFailure(script, dialog);
         dialog.Press(IDCANCEL);
-    });
-    EXPECT_EQ(answer, (Answer{IDCANCEL, DELETE_PATIENT}));
+    };
+    EXPECT_EQ(Run(&m_patient, 0, 1, vanish), (Answer{IDCANCEL, DELETE_PATIENT}));
 }
 
 TEST_F(DeleteDialog, IsUsedByKeyboardAndLooksAsItShould)
 {
-    const Answer answer = Run(&m_patient, 1, 0, [](DialogScript& script, const Dialog& dialog) {
+    const auto keys = [](DialogScript& script, const Dialog& dialog) {
         EXPECT_TRUE(dialog.Item(IDC_DELETE_TIMEPOINT).HasFocus());
         EXPECT_EQ(dialog.DefaultButton(), "OK");
-        EXPECT_EQ(veltest::DialogFindings(dialog.Handle()), "");
-        EXPECT_TRUE(veltest::SavePicture(dialog.Handle(), "delete"));
+        veltest::ExpectWellMade(dialog, "delete");
         dialog.PressAccessKey('P');
         EXPECT_TRUE(dialog.Item(IDC_DELETE_PATIENT).IsChecked());
         dialog.PressKey(VK_UP);
@@ -232,8 +196,8 @@ TEST_F(DeleteDialog, IsUsedByKeyboardAndLooksAsItShould)
         dialog.PressKey(VK_RETURN);
         script.AnswerBox("", IDNO);
         dialog.PressKey(VK_ESCAPE);
-    });
-    EXPECT_EQ(answer, (Answer{IDCANCEL, DELETE_TIMEPOINT}));
+    };
+    EXPECT_EQ(Run(&m_patient, 1, 0, keys), (Answer{IDCANCEL, DELETE_TIMEPOINT}));
 }
 
 } // namespace

@@ -2,21 +2,15 @@
 
 #include "app/exports/veldlgs.h"
 #include "suite/patients/velpat.h"
+#include "tests/support/sql.h"
 #include "tests/support/temporarypractice.h"
-
-#include <gtest/gtest.h>
-
-#include <sqlite3.h>
-
-#include <string>
-#include <vector>
 
 namespace
 {
 class DiagnosticsImport : public testing::Test
 {
 protected:
-    void SetUp() override
+    DiagnosticsImport()
     {
         m_practice.Set("Environment", "DatabaseTimeout", "50");
         dbCPatients::Create(m_practice.Path("patients.db").c_str());
@@ -31,11 +25,11 @@ protected:
         patient.GetTimepoints().Add(timepoint);
         patient.Save();
         m_strGUID = patient.GetGUID();
-        for (const char* code : {"c0", "C1", "C3", "C4"})
+        for (const char* code : {"c0", "C1", "C3", "C4", "C0"}) // the last, not the first of its code
             m_items.emplace_back(dbCDiagnosticGroup::DefineItem("Airway", "Clinical", code, "title"));
         dbCDiagnosticGroup::DefineItem("Airway", "Other", "C2", "of another category");
     }
-    void TearDown() override
+    ~DiagnosticsImport() override
     {
         dbCPatients::Close();
     }
@@ -84,10 +78,7 @@ protected:
 
     void Sql(const char* pszSql) const
     {
-        sqlite3* pDb = nullptr;
-        ASSERT_EQ(sqlite3_open(m_practice.Path("patients.db").c_str(), &pDb), SQLITE_OK);
-        EXPECT_EQ(sqlite3_exec(pDb, pszSql, nullptr, nullptr, nullptr), SQLITE_OK) << sqlite3_errmsg(pDb);
-        sqlite3_close(pDb);
+        veltest::RunSql(m_practice.Path("patients.db"), pszSql);
     }
 
     veltest::TemporaryPractice m_practice;

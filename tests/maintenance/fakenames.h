@@ -17,20 +17,24 @@
 /// The component of predefined timepoint names, answered by the test: a list in memory whose methods fail on
 /// request. It is registered for this process and stands before a component that is installed. The object
 /// lives on the test's stack, so references are not counted.
-class FakeNames final : public ITimepointNames, public ISupportErrorInfo, public IClassFactory
+class FakeNames final : public ITimepointNames,
+                        public ISupportErrorInfo,
+                        public IClassFactory,
+                        public IRunnableObject
 {
 public:
     enum Method
     {
         none,
         create,
+        run,
         listAvailable,
         count,
         item,
         removeAt,
         add,
         moveUp,
-        moveDown,
+        moveDown
     };
 
     explicit FakeNames(std::vector<std::string> list) : names(std::move(list))
@@ -60,71 +64,47 @@ public:
             *ppObject = static_cast<ISupportErrorInfo*>(this);
         else if (iid == IID_IClassFactory)
             *ppObject = static_cast<IClassFactory*>(this);
+        else if (iid == IID_IRunnableObject)
+            *ppObject = static_cast<IRunnableObject*>(this);
         return *ppObject != nullptr ? S_OK : E_NOINTERFACE;
     }
-    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown*, REFIID iid, void** ppObject) override
+    HRESULT STDMETHODCALLTYPE get_Item(long nIndex, BSTR* pName) override
     {
-        return failing == create ? E_FAIL : QueryInterface(iid, ppObject);
-    }
-    HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID iid) override
-    {
-        return iid == IID_ITimepointNames ? S_OK : S_FALSE;
+        *pName = failing == item ? nullptr : CString(names.begin()[nIndex].c_str()).AllocSysString();
+        return Answer(item);
     }
     // clang-format off
+    HRESULT STDMETHODCALLTYPE get_ListAvailable(VARIANT_BOOL* pAvailable) override { return *pAvailable = available ? VARIANT_TRUE : VARIANT_FALSE, Answer(listAvailable); }
+    HRESULT STDMETHODCALLTYPE get_Count(long* pCount) override { return *pCount = static_cast<long>(names.size()), Answer(count); }
+    HRESULT STDMETHODCALLTYPE Remove(long nIndex) override { return Do(removeAt, [&] { names.erase(names.begin() + nIndex); }); }
+    HRESULT STDMETHODCALLTYPE Add(BSTR name) override { return Do(add, [&] { names.emplace_back(CString(name).GetString()); }); }
+    HRESULT STDMETHODCALLTYPE MoveUp(long nIndex) override { return Do(moveUp, [&] { std::iter_swap(names.begin() + nIndex, names.begin() + nIndex - 1); }); }
+    HRESULT STDMETHODCALLTYPE MoveDown(long nIndex) override { return Do(moveDown, [&] { std::iter_swap(names.begin() + nIndex, names.begin() + nIndex + 1); }); }
+
     ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
     ULONG STDMETHODCALLTYPE Release() override { return 1; }
+    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown*, REFIID iid, void** ppObject) override { return failing == create ? E_FAIL : QueryInterface(iid, ppObject); }
     HRESULT STDMETHODCALLTYPE LockServer(BOOL) override { return S_OK; }
+    HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID iid) override { return iid == IID_ITimepointNames ? S_OK : S_FALSE; }
+    HRESULT STDMETHODCALLTYPE GetRunningClass(LPCLSID) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Run(IBindCtx*) override { return failing == run ? E_FAIL : S_OK; }
+    BOOL STDMETHODCALLTYPE IsRunning() override { return TRUE; }
+    HRESULT STDMETHODCALLTYPE LockRunning(BOOL, BOOL) override { return S_OK; }
+    HRESULT STDMETHODCALLTYPE SetContainedObject(BOOL) override { return S_OK; }
     HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) override { return E_NOTIMPL; }
     // clang-format on
 
-    HRESULT STDMETHODCALLTYPE get_ListAvailable(VARIANT_BOOL* pAvailable) override
+private:
+    template <class Change> HRESULT Do(Method method, const Change& change)
     {
-        *pAvailable = available ? VARIANT_TRUE : VARIANT_FALSE;
-        return Answer(listAvailable);
-    }
-    HRESULT STDMETHODCALLTYPE get_Count(long* pCount) override
-    {
-        *pCount = static_cast<long>(names.size());
-        return Answer(count);
-    }
-    HRESULT STDMETHODCALLTYPE get_Item(long nIndex, BSTR* pName) override
-    {
-        if (const HRESULT nResult = Answer(item); nResult != S_OK)
-            return nResult;
-        *pName = CString(names.at(static_cast<std::size_t>(nIndex)).c_str()).AllocSysString();
-        return S_OK;
-    }
-    HRESULT STDMETHODCALLTYPE Remove(long nIndex) override
-    {
-        if (failing != removeAt)
-            names.erase(names.begin() + nIndex);
-        return Answer(removeAt);
-    }
-    HRESULT STDMETHODCALLTYPE Add(BSTR name) override
-    {
-        if (failing != add)
-            names.emplace_back(CString(name).GetString());
-        return Answer(add);
-    }
-    HRESULT STDMETHODCALLTYPE MoveUp(long nIndex) override
-    {
-        if (failing != moveUp)
-            std::swap(names.at(static_cast<std::size_t>(nIndex)),
-                      names.at(static_cast<std::size_t>(nIndex) - 1));
-        return Answer(moveUp);
-    }
-    HRESULT STDMETHODCALLTYPE MoveDown(long nIndex) override
-    {
-        if (failing != moveDown)
-            std::swap(names.at(static_cast<std::size_t>(nIndex)),
-                      names.at(static_cast<std::size_t>(nIndex) + 1));
-        return Answer(moveDown);
+        if (failing != method)
+            change();
+        return Answer(method);
     }
 
-private:
     /// The result of a method; a failing one says "Out of order".
     HRESULT Answer(Method method) const
     {

@@ -44,23 +44,4 @@ TEST(KeywordMenu, AmpersandsSurviveTheWay)
     EXPECT_EQ(FromMenuText("&Edit"), "&Edit") << "a single mark is text";
 }
 
-TEST(KeywordField, TakesTheKeywordOrAppendsIt)
-{
-    EXPECT_EQ(AppendKeyword("", "Recall"), "Recall");
-    EXPECT_EQ(AppendKeyword("Braces", "Recall"), "Braces, Recall");
-    EXPECT_EQ(AppendKeyword(" ", "%s"), " , %s");
-}
-
-TEST(KeywordCheck, NamesTheFirstReason)
-{
-    const std::tuple<std::string, bool, KeywordCheck> cases[] = {
-        {"Braces", false, KeywordCheck::Accepted}, {std::string(500, 'k'), false, KeywordCheck::Accepted},
-        {"", true, KeywordCheck::Empty},           {" \t", false, KeywordCheck::Empty},
-        {"x", false, KeywordCheck::Accepted},
-        {"Braces", true, KeywordCheck::Duplicate}, {std::string(501, 'k'), true, KeywordCheck::TooLong},
-    };
-    for (const auto& [text, listed, expected] : cases)
-        EXPECT_EQ(CheckKeyword(text, listed), expected) << "\"" << text << "\"";
-}
-
 } // namespace

@@ -1,4 +1,3 @@
-#include "maintenance/maintenanceres.h"
 #include "tests/maintenance/fakenames.h"
 #include "tests/maintenance/patientpractice.h"
 
@@ -6,9 +5,8 @@ namespace
 {
 
 using testing::ElementsAre;
-using testing::StartsWith;
-using veltest::Dialog;
-using veltest::DialogScript;
+
+constexpr char outOfOrder[] = "The list of predefined timepoint names could not be used.\n\nOut of order";
 
 class RenameDialog : public PatientPractice
 {
@@ -17,39 +15,39 @@ protected:
     {
         __int64 result = 0;
         RENAME_OP operation = static_cast<RENAME_OP>(7);
-        std::vector<std::string> texts; // last name, first name, pass-through, timepoint
-        COleDateTime date;
-    };
-
-    using Script = std::function<void(DialogScript&, const Dialog&)>;
-
-    static Outcome Run(dbCPatient* pPatient, int timepoint, int practiceManagement, const Script& script)
-    {
-        Outcome outcome;
         CString last = "1";
         CString first = "2";
         CString passed = "3";
         CString name = "4";
-        outcome.result = veltest::RunModal(
+        COleDateTime date;
+
+        std::vector<std::string> Texts() const
+        {
+            return {last.GetString(), first.GetString(), passed.GetString(), name.GetString()};
+        }
+    };
+
+    static Outcome Run(dbCPatient* pPatient, int timepoint, int practiceManagement, const Script& script,
+                       const std::string& boxBefore = "")
+    {
+        Outcome out;
+        out.result = veltest::RunModal(
             [&] {
-                return RenameDlg(nullptr, practiceManagement, pPatient, timepoint, "passed",
-                                 &outcome.operation, last, first, passed, name, outcome.date);
+                return RenameDlg(nullptr, practiceManagement, pPatient, timepoint, "passed", &out.operation,
+                                 out.last, out.first, out.passed, out.name, out.date);
             },
-            [&](DialogScript& s) { script(s, s.WaitForDialog("Rename")); });
-        outcome.texts = {last.GetString(), first.GetString(), passed.GetString(), name.GetString()};
-        return outcome;
+            [&](DialogScript& s) {
+                if (!boxBefore.empty())
+                    s.AnswerBox(boxBefore, IDOK);
+                script(s, s.WaitForDialog("Rename"));
+            });
+        return out;
     }
 
     static std::string Description(const Dialog& dialog)
     {
         dialog.SettleIdle();
         return dialog.Item(IDC_RENAME_DESCRIPTION).Text();
-    }
-
-    static bool IsOKEnabled(const Dialog& dialog)
-    {
-        dialog.SettleIdle();
-        return dialog.Item(IDOK).IsEnabled();
     }
 
     static std::string Visible(const Dialog& dialog)
@@ -59,25 +57,6 @@ protected:
             if (dialog.Item(id).IsVisible())
                 text += std::to_string(id - IDC_RENAME_NAME_CAPTION);
         return text;
-    }
-
-    static void Type(const Dialog& dialog, const std::string& name)
-    {
-        dialog.Item(IDC_RENAME_NAMES).SetText(name);
-        dialog.Item(IDC_RENAME_NAMES).Notify(CBN_EDITCHANGE);
-        dialog.SettleIdle();
-    }
-
-    static std::string AskAndAnswer(DialogScript& script, const Dialog& dialog, int answer)
-    {
-        dialog.SettleIdle();
-        dialog.Press(IDOK);
-        const Dialog box = script.WaitForBox();
-        EXPECT_THAT(box.Buttons(), ElementsAre("Yes", "No"));
-        const std::string question = box.BoxText();
-        box.Press(answer);
-        box.WaitForClosed();
-        return question;
     }
 
     // Adds a treatment to the patient's history and links a timepoint to it.
@@ -95,44 +74,37 @@ protected:
         m_patient.Save();
     }
 
-    // "code description active" of the history, and the description that each stored timepoint is linked to.
-    std::vector<std::string> History() const
+    // The stored state of the timepoints when only the first one's treatment differs.
+    static std::vector<std::string> StoredWith(std::vector<std::string> history, const char* treatment)
     {
-        dbCPatientTreatmentStatusHistoryTable history;
-        history.LoadByPatID(m_patient.GetGUID());
-        dbCTimepointsContainer timepoints;
-        timepoints.LoadByPatID(m_patient.GetGUID(), 0);
-        std::vector<std::string> lines;
-        for (const auto& row : history)
-            lines.push_back((row.GetNewCode() + " " + row.GetDescription()).GetString() +
-                            (" " + std::to_string(row.GetActive())));
-        for (const auto& timepoint : timepoints)
-        {
-            std::string line = timepoint.GetDescription().GetString() + std::string(":");
-            for (const auto& row : history)
-                if (!timepoint.GetptshID().IsEmpty() && row.GetptshID() == timepoint.GetptshID())
-                    line += row.GetDescription().GetString();
-            lines.push_back(line);
-        }
-        return lines;
+        history.push_back("0 Start|2024-03-04|" + std::string(treatment));
+        history.emplace_back("1 Recall|2025-05-06|");
+        return history;
     }
 };
 
 TEST_F(RenameDialog, RenamesThePatient)
 {
-    const Outcome outcome = Run(&m_patient, 0, 0, [](DialogScript& script, const Dialog& dialog) {
+    const Outcome outcome = Run(&m_patient, 0, 0, [&](DialogScript& script, const Dialog& dialog) {
         const std::string idle = Description(dialog);
-        EXPECT_EQ(dialog.Item(IDC_RENAME_NAMES).Text(), "Start");
+        EXPECT_EQ(NamesOf(dialog).Text(), "Start");
         EXPECT_TRUE(dialog.Item(IDC_RENAME_TIMEPOINT).IsChecked());
         EXPECT_EQ(Visible(dialog), "02567");
-        dialog.Press(IDC_RENAME_PATIENT);
+        dialog.PressAccessKey('P');
         EXPECT_EQ(Visible(dialog), "0134");
         EXPECT_TRUE(dialog.Item(IDC_RENAME_NAME).HasFocus());
         EXPECT_EQ(dialog.Item(IDC_RENAME_NAME_CAPTION).Text(), "Last &Name:");
         EXPECT_EQ(dialog.Item(IDC_RENAME_NAME).Text(), "Lee");
-        EXPECT_EQ(dialog.Item(IDC_RENAME_FIRSTNAME).Text(), "Ann");
-        EXPECT_FALSE(IsOKEnabled(dialog));
         const auto first = dialog.Item(IDC_RENAME_FIRSTNAME);
+        EXPECT_EQ(first.Text(), "Ann");
+        EXPECT_FALSE(IsEnabled(dialog, IDOK));
+        for (const int id : {IDC_RENAME_NAME, IDC_RENAME_FIRSTNAME})
+        {
+            const std::string before = dialog.Item(id).Text();
+            dialog.Item(id).SetText(std::string(10000, 'n'));
+            EXPECT_EQ(dialog.Item(id).Text(), "N" + std::string(258, 'n'));
+            dialog.Item(id).SetText(before);
+        }
         first.Replace(" zo\xEB");
         EXPECT_EQ(first.Text(), "Zo\xEB");
         // A capital appears where the caret is, and the caret stays behind it.
@@ -144,31 +116,39 @@ TEST_F(RenameDialog, RenamesThePatient)
         EXPECT_EQ(Description(dialog),
                   "You are about to rename patient from Ann Lee to Zo\xEB Lee.  Select Ok now to "
                   "proceed, or Cancel to leave this operation.");
+        veltest::ExpectWellMade(dialog, "rename-patient");
         dialog.Item(IDC_RENAME_NAME).Replace("Lee & Co");
         EXPECT_EQ(Description(dialog), idle);
-        EXPECT_FALSE(IsOKEnabled(dialog));
+        EXPECT_FALSE(IsEnabled(dialog, IDOK));
         dialog.Item(IDC_RENAME_NAME).Replace("O'Hara-Lo");
         const char* const question =
             "Are you sure you want to rename patient from Ann Lee to Zo\xEB O'Hara-Lo?";
-        EXPECT_EQ(AskAndAnswer(script, dialog, IDNO), question);
+        EXPECT_EQ(Ask(script, dialog, IDNO), question);
         EXPECT_TRUE(dialog.IsOpen());
-        EXPECT_EQ(AskAndAnswer(script, dialog, IDYES), question);
+        EXPECT_EQ(Ask(script, dialog, IDYES), question);
     });
     EXPECT_EQ(outcome.result, IDOK);
     EXPECT_EQ(outcome.operation, RENAME_PATIENT);
-    EXPECT_THAT(outcome.texts, ElementsAre("O'Hara-Lo", "Zo\xEB", "passed", "Start"));
+    EXPECT_THAT(outcome.Texts(), ElementsAre("O'Hara-Lo", "Zo\xEB", "passed", "Start"));
     dbCPatient stored;
     ASSERT_TRUE(stored.Load("A1"));
-    EXPECT_EQ(stored.GetFirstname(), "Ann"); // renaming is the host's
+    EXPECT_EQ(stored.GetFirstname(), "Ann") << "renaming is the host's";
+    EXPECT_EQ(Stored(), StoredWith({}, ""));
 }
 
 TEST_F(RenameDialog, ChangesNameAndDateOfTheTimepoint)
 {
     m_patient.GetTimepoints()[1].SetDate(velCDate(COleDateTime(2025, 5, 6, 10, 30, 0)));
-    const Outcome outcome = Run(&m_patient, 1, 0, [](DialogScript& script, const Dialog& dialog) {
+    const Outcome outcome = Run(&m_patient, 1, 0, [&](DialogScript& script, const Dialog& dialog) {
         const std::string idle = Description(dialog);
         dialog.Item(IDC_RENAME_DATE).SetDate(2025, 5, 6);
-        EXPECT_FALSE(IsOKEnabled(dialog)); // the time of day is no change
+        EXPECT_FALSE(IsEnabled(dialog, IDOK)) << "the time of day is no change";
+        Type(dialog, std::string(10000, 'n'));
+        EXPECT_EQ(NamesOf(dialog).Text(), std::string(50, 'n'));
+        EXPECT_TRUE(IsEnabled(dialog, IDOK));
+        Type(dialog, "a\x01z");
+        PostOK(script, dialog);
+        EXPECT_FALSE(script.FindBox());
         Type(dialog, "100% %2 &x \"<1>\"");
         EXPECT_EQ(Description(dialog), "You are about to change timepoint from \"Recall\" (5/6/2025) to "
                                        "\"100% %2 &x \"<1>\"\" (5/6/2025).  "
@@ -176,42 +156,20 @@ TEST_F(RenameDialog, ChangesNameAndDateOfTheTimepoint)
         Type(dialog, "Recall");
         EXPECT_EQ(Description(dialog), idle);
         dialog.Item(IDC_RENAME_DATE).SetDate(2025, 5, 7);
-        EXPECT_EQ(AskAndAnswer(script, dialog, IDYES),
-                  "Are you sure you want to change timepoint from \"Recall\" "
-                  "(5/6/2025) to \"Recall\" (5/7/2025)?");
+        EXPECT_EQ(Ask(script, dialog, IDYES), "Are you sure you want to change timepoint from \"Recall\" "
+                                              "(5/6/2025) to \"Recall\" (5/7/2025)?");
     });
     EXPECT_EQ(outcome.result, IDOK);
     EXPECT_EQ(outcome.operation, RENAME_TIMEPOINT);
-    EXPECT_THAT(outcome.texts, ElementsAre("Lee", "Ann", "passed", "Recall"));
+    EXPECT_THAT(outcome.Texts(), ElementsAre("Lee", "Ann", "passed", "Recall"));
     EXPECT_EQ(outcome.date.Format("%Y-%m-%d"), "2025-05-07");
-}
-
-TEST_F(RenameDialog, TypingIsCutToItsLimit)
-{
-    Run(&m_patient, 0, 0, [](DialogScript& script, const Dialog& dialog) {
-        const auto names = dialog.Item(IDC_RENAME_NAMES);
-        Type(dialog, std::string(10000, 'n'));
-        EXPECT_EQ(names.Text(), std::string(50, 'n'));
-        EXPECT_TRUE(IsOKEnabled(dialog));
-        Type(dialog, "a\x01z");
-        EXPECT_FALSE(IsOKEnabled(dialog));
-        // Quicker than the button was disabled.
-        PostMessageA(dialog.Handle(), WM_COMMAND, IDOK, reinterpret_cast<LPARAM>(dialog.Item(IDOK).Handle()));
-        script.Settle(dialog.Handle());
-        EXPECT_FALSE(script.FindBox());
-        dialog.Press(IDC_RENAME_PATIENT);
-        for (const int id : {IDC_RENAME_NAME, IDC_RENAME_FIRSTNAME})
-        {
-            dialog.Item(id).SetText(std::string(10000, 'n'));
-            EXPECT_EQ(dialog.Item(id).Text(), "N" + std::string(258, 'n'));
-        }
-        dialog.Press(IDCANCEL);
-    });
 }
 
 TEST_F(RenameDialog, StartsOnWhatThereIs)
 {
     dbCPatient none = Store("N1", "Bo", "Lo", {});
+    constexpr int P = IDC_RENAME_PATIENT;
+    constexpr int T = IDC_RENAME_TIMEPOINT;
     const struct
     {
         dbCPatient* patient;
@@ -222,65 +180,55 @@ TEST_F(RenameDialog, StartsOnWhatThereIs)
         bool timepointEnabled;
         int checked;
     } cases[] = {
-        {&m_patient, 1, 0, 1, true, true, IDC_RENAME_TIMEPOINT},
-        {&m_patient, 1, 0, 0, false, true, IDC_RENAME_TIMEPOINT},
-        {&m_patient, 1, 1, 1, false, true, IDC_RENAME_TIMEPOINT},
-        {&m_patient, -1, 0, 1, true, false, IDC_RENAME_PATIENT},
-        {&m_patient, -1, 0, 2, false, false, IDC_RENAME_TIMEPOINT},
-        {&m_patient, 2, 0, 1, true, false, IDC_RENAME_PATIENT},
-        {&none, 0, 1, 1, false, false, IDC_RENAME_TIMEPOINT},
-        {nullptr, 0, 0, 1, false, false, IDC_RENAME_TIMEPOINT},
+        {&m_patient, 1, 0, 1, true, true, T},    {&m_patient, 1, 0, 0, false, true, T},
+        {&m_patient, 1, 1, 1, false, true, T},   {&m_patient, -1, 0, 1, true, false, P},
+        {&m_patient, -1, 0, 2, false, false, T}, {&m_patient, 2, 0, 1, true, false, P},
+        {&none, 0, 1, 1, false, false, T},       {nullptr, 0, 0, 1, false, false, T},
     };
     for (const auto& c : cases)
     {
         const PatientChanges changes(c.patientChanges);
-        const Outcome outcome =
-            Run(c.patient, c.timepoint, c.practiceManagement, [&](DialogScript&, const Dialog& dialog) {
-                dialog.SettleIdle();
-                EXPECT_EQ(dialog.Item(IDC_RENAME_PATIENT).IsEnabled(), c.patientEnabled);
-                EXPECT_EQ(dialog.Item(IDC_RENAME_TIMEPOINT).IsEnabled(), c.timepointEnabled);
-                EXPECT_TRUE(dialog.Item(c.checked).IsChecked());
-                EXPECT_FALSE(IsOKEnabled(dialog));
-                dialog.Press(IDCANCEL);
-            });
+        const auto look = [&](DialogScript&, const Dialog& dialog) {
+            EXPECT_EQ(IsEnabled(dialog, P), c.patientEnabled);
+            EXPECT_EQ(IsEnabled(dialog, T), c.timepointEnabled);
+            EXPECT_TRUE(dialog.Item(c.checked).IsChecked());
+            EXPECT_FALSE(IsEnabled(dialog, IDOK));
+            dialog.Press(IDCANCEL);
+        };
+        const Outcome outcome = Run(c.patient, c.timepoint, c.practiceManagement, look);
         EXPECT_EQ(outcome.result, IDCANCEL);
         EXPECT_EQ(outcome.operation, 7);
-        EXPECT_THAT(outcome.texts, ElementsAre("", "", "", ""));
+        EXPECT_THAT(outcome.Texts(), ElementsAre("", "", "", ""));
         EXPECT_EQ(outcome.date.GetStatus(), COleDateTime::invalid);
     }
 }
 
-TEST_F(RenameDialog, ATimepointWithoutADateStartsOnToday)
+TEST_F(RenameDialog, StartsOnTodayWithoutADateAndPassesNothingThroughWithoutATimepoint)
 {
     dbCPatient undated = Store("U1", "Una", "Dated", {{"Start", velCDate()}});
-    const Outcome outcome = Run(&undated, 0, 0, [](DialogScript& script, const Dialog& dialog) {
-        EXPECT_THAT(AskAndAnswer(script, dialog, IDYES),
-                    testing::HasSubstr("from \"Start\" () to \"Start\" ("));
+    const Outcome dated = Run(&undated, 0, 0, [&](DialogScript& script, const Dialog& dialog) {
+        EXPECT_THAT(Ask(script, dialog, IDYES), testing::HasSubstr("from \"Start\" () to \"Start\" ("));
     });
-    EXPECT_TRUE(velCDate(outcome.date).IsSameDate(velCDate::Today()));
-}
-
-TEST_F(RenameDialog, WithoutATimepointNothingIsPassedThrough)
-{
-    const Outcome outcome = Run(&m_patient, 5, 0, [](DialogScript& script, const Dialog& dialog) {
+    EXPECT_TRUE(velCDate(dated.date).IsSameDate(velCDate::Today()));
+    const Outcome outcome = Run(&m_patient, 5, 0, [&](DialogScript& script, const Dialog& dialog) {
         dialog.Item(IDC_RENAME_NAME).Replace("Lo");
-        AskAndAnswer(script, dialog, IDYES);
+        Ask(script, dialog, IDYES);
     });
-    EXPECT_THAT(outcome.texts, ElementsAre("Lo", "Ann", "", ""));
+    EXPECT_THAT(outcome.Texts(), ElementsAre("Lo", "Ann", "", ""));
 }
 
 TEST_F(RenameDialog, AssignsATreatmentOfTheHistory)
 {
     Treat("Braces", 0);
     Treat("Aligner", -1);
-    const Outcome outcome = Run(&m_patient, 0, 1, [](DialogScript& script, const Dialog& dialog) {
+    const Outcome outcome = Run(&m_patient, 0, 1, [&](DialogScript& script, const Dialog& dialog) {
         const auto list = dialog.Item(IDC_RENAME_TREATMENT);
         EXPECT_EQ(list.Items().size(), 3U);
         EXPECT_EQ(list.Selection(), 0);
         list.Choose(1);
         // Enough by itself, whatever the name.
         Type(dialog, "");
-        EXPECT_TRUE(IsOKEnabled(dialog));
+        EXPECT_TRUE(IsEnabled(dialog, IDOK));
         list.Send(CB_SETCURSEL, static_cast<WPARAM>(-1));
         dialog.Press(IDOK);
         script.Settle(dialog.Handle());
@@ -291,10 +239,16 @@ TEST_F(RenameDialog, AssignsATreatmentOfTheHistory)
         EXPECT_EQ(Description(dialog),
                   "You are about to assign a new treatment.  Select Ok now to proceed, or Cancel "
                   "to leave this operation.");
-        EXPECT_EQ(AskAndAnswer(script, dialog, IDYES), "Are you sure you want to assign a new treatment?");
+        Type(dialog, "Begin");
+        EXPECT_EQ(Description(dialog),
+                  "Change timepoint from \"Start\" (3/4/2024) to \"Begin\" (3/4/2024) and assign new "
+                  "treatment?  Select Ok now to proceed, or Cancel to leave this operation.");
+        veltest::ExpectWellMade(dialog, "rename-timepoint");
+        Type(dialog, "Start");
+        EXPECT_EQ(Ask(script, dialog, IDYES), "Are you sure you want to assign a new treatment?");
     });
     EXPECT_EQ(outcome.result, IDOK);
-    EXPECT_THAT(History(), ElementsAre("X Braces -1", "X Aligner -1", "Start:Aligner", "Recall:"));
+    EXPECT_EQ(Stored(), StoredWith({"X Braces -1", "X Aligner -1"}, "Aligner"));
 }
 
 TEST_F(RenameDialog, ANewTreatmentIsChosenAndKeptEvenAfterNo)
@@ -303,35 +257,33 @@ TEST_F(RenameDialog, ANewTreatmentIsChosenAndKeptEvenAfterNo)
     dbCTreatmentStatusContainer::AddTreatment("Z", "Aligner");
     const Outcome outcome = Run(&m_patient, 0, 1, [&](DialogScript& script, const Dialog& dialog) {
         Type(dialog, "Begin");
+        const auto choose = [&] {
+            dialog.Press(IDOK);
+            return script.WaitForDialog("Choose a Treatment");
+        };
         // Nothing chosen: the dialog stays, and nothing is stored.
-        dialog.Press(IDOK);
-        Dialog chooser = script.WaitForDialog("Choose a Treatment");
+        Dialog chooser = choose();
         EXPECT_FALSE(chooser.Item(IDOK).IsEnabled());
         chooser.Item(IDC_TREATMENT_LIST).Notify(LBN_DBLCLK); // beside the entries
         EXPECT_TRUE(chooser.IsOpen());
-        EXPECT_EQ(veltest::DialogFindings(chooser.Handle()), "");
-        EXPECT_TRUE(veltest::SavePicture(chooser.Handle(), "choose-treatment"));
+        veltest::ExpectWellMade(chooser, "choose-treatment");
         chooser.Press(IDCANCEL);
         chooser.WaitForClosed();
         EXPECT_TRUE(dialog.IsOpen());
-        EXPECT_THAT(History(), ElementsAre("Start:", "Recall:"));
+        EXPECT_EQ(Stored(), StoredWith({}, ""));
 
         for (const int answer : {IDNO, IDYES})
         {
-            dialog.Press(IDOK);
-            chooser = script.WaitForDialog("Choose a Treatment");
+            chooser = choose();
             chooser.Item(IDC_TREATMENT_LIST).Choose("Aligner");
-            chooser.Press(IDOK);
-            const Dialog box =
-                script.WaitForBox("Are you sure you want to change timepoint from \"Start\" (3/4/2024) "
-                                  "to \"Begin\" (3/4/2024) and assign a new treatment?");
-            box.Press(answer);
-            box.WaitForClosed();
+            answer == IDNO ? chooser.Press(IDOK) : chooser.Item(IDC_TREATMENT_LIST).Notify(LBN_DBLCLK);
+            script.AnswerBox("Are you sure you want to change timepoint from \"Start\" (3/4/2024) "
+                             "to \"Begin\" (3/4/2024) and assign a new treatment?",
+                             answer);
         }
     });
     EXPECT_EQ(outcome.result, IDOK);
-    // The name is the host's to change.
-    EXPECT_THAT(History(), ElementsAre("Z Aligner -1", "Z Aligner -1", "Start:Aligner", "Recall:"));
+    EXPECT_EQ(Stored(), StoredWith({"Z Aligner -1", "Z Aligner -1"}, "Aligner")) << "the name is the host's";
     dbCPatientTreatmentStatusHistoryTable history;
     history.LoadByPatID(m_patient.GetGUID());
     const COleDateTimeSpan age = COleDateTime::GetCurrentTime() - history[1].GetDateTime();
@@ -347,99 +299,62 @@ TEST_F(RenameDialog, NothingIsOverwrittenThatAnotherSeatHasChanged)
     Run(&m_patient, 0, 1, [&](DialogScript& script, const Dialog& dialog) {
         other.Save();
         dialog.Item(IDC_RENAME_TREATMENT).Choose(0);
-        AskAndAnswer(script, dialog, IDYES);
-        const Dialog box = script.WaitForBox();
-        EXPECT_THAT(box.BoxText(), StartsWith("The patient's records could not be read or written."));
-        box.Press(IDOK);
-        box.WaitForClosed();
-        EXPECT_TRUE(dialog.IsOpen());
+        Ask(script, dialog, IDYES);
+        ExpectRecordFailure(script, dialog);
         dialog.Press(IDCANCEL);
     });
     EXPECT_TRUE(m_patient.GetTimepoints()[0].GetptshID().IsEmpty());
-    EXPECT_THAT(History(), ElementsAre("X Braces -1", "Start:", "Theirs:"));
+    EXPECT_THAT(Stored(), ElementsAre("X Braces -1", "0 Start|2024-03-04|", "1 Theirs|2025-05-06|"));
 }
 
 TEST_F(RenameDialog, OffersPredefinedNamesAndAddsNewOnes)
 {
     FakeNames fake({"Phase 1", "Recall", "Recall 2"});
-    bool wanted = false;
-    const auto script = [&](DialogScript& s, const Dialog& dialog) {
-        const auto names = dialog.Item(IDC_RENAME_NAMES);
-        const auto check = dialog.Item(IDC_RENAME_ADD_NAME);
-        EXPECT_THAT(names.Items(), ElementsAre("Phase 1", "Recall", "Recall 2"));
-        names.Choose("Phase 1");
-        dialog.SettleIdle();
-        EXPECT_FALSE(check.IsEnabled());
-        Type(dialog, "pHASE 1");
-        EXPECT_FALSE(check.IsEnabled());
-        Type(dialog, "Phase");
-        EXPECT_TRUE(check.IsEnabled());
-        if (wanted)
-            check.Click();
-        AskAndAnswer(s, dialog, IDYES);
-        if (fake.failing == FakeNames::add)
-            s.AnswerBox("The list of predefined timepoint names could not be used.\n\nOut of order", IDOK);
+    const auto rename = [&](bool wanted) {
+        const Outcome outcome = Run(&m_patient, 0, 0, [&](DialogScript& s, const Dialog& dialog) {
+            EXPECT_THAT(NamesOf(dialog).Items(), ElementsAre("Phase 1", "Recall", "Recall 2"));
+            NamesOf(dialog).Choose("Phase 1");
+            EXPECT_FALSE(IsEnabled(dialog, IDC_RENAME_ADD_NAME));
+            Type(dialog, "pHASE 1");
+            EXPECT_FALSE(IsEnabled(dialog, IDC_RENAME_ADD_NAME));
+            Type(dialog, "Phase");
+            EXPECT_TRUE(IsEnabled(dialog, IDC_RENAME_ADD_NAME));
+            if (wanted)
+                dialog.Press(IDC_RENAME_ADD_NAME);
+            Ask(s, dialog, IDYES);
+            if (fake.failing == FakeNames::add)
+                s.AnswerBox(outOfOrder, IDOK);
+        });
+        EXPECT_EQ(outcome.result, IDOK);
+        EXPECT_EQ(outcome.Texts().back(), "Phase");
     };
-    Run(&m_patient, 0, 0, script);
+    rename(false);
     EXPECT_EQ(fake.names.size(), 3U);
-    wanted = true;
-    Outcome outcome = Run(&m_patient, 0, 0, script);
-    EXPECT_EQ(outcome.texts.back(), "Phase");
-    EXPECT_THAT(fake.names, ElementsAre("Phase 1", "Recall", "Recall 2", "Phase"));
-
-    fake.names.pop_back();
     fake.failing = FakeNames::add;
-    outcome = Run(&m_patient, 0, 0, script);
-    EXPECT_EQ(outcome.result, IDOK);
-    EXPECT_EQ(outcome.texts.back(), "Phase");
+    rename(true);
+    fake.failing = FakeNames::none;
+    rename(true);
+    EXPECT_THAT(fake.names, ElementsAre("Phase 1", "Recall", "Recall 2", "Phase"));
 }
 
 TEST_F(RenameDialog, WorksWithoutThePredefinedNames)
 {
     FakeNames fake({"Phase 1"});
-    for (const auto failing :
-         {FakeNames::none, FakeNames::create, FakeNames::listAvailable, FakeNames::count, FakeNames::item})
+    const std::pair<FakeNames::Method, const char*> cases[] = {
+        {FakeNames::none, ""},          {FakeNames::create, ""},       {FakeNames::run, ""},
+        {FakeNames::count, outOfOrder}, {FakeNames::item, outOfOrder}, {FakeNames::listAvailable, outOfOrder},
+    };
+    for (const auto& [failing, told] : cases)
     {
         fake.failing = failing;
         fake.available = failing != FakeNames::none;
-        Outcome outcome;
-        // The box comes before the dialog is shown.
-        veltest::RunModal(
-            [&] {
-                CString text;
-                return RenameDlg(nullptr, 0, &m_patient, 0, "", &outcome.operation, text, text, text, text,
-                                 outcome.date);
-            },
-            [&](DialogScript& script) {
-                if (failing != FakeNames::none && failing != FakeNames::create)
-                    script.AnswerBox(
-                        "The list of predefined timepoint names could not be used.\n\nOut of order", IDOK);
-                const Dialog dialog = script.WaitForDialog("Rename");
-                EXPECT_TRUE(dialog.Item(IDC_RENAME_NAMES).Items().empty());
-                Type(dialog, "Phase");
-                AskAndAnswer(script, dialog, IDYES);
-            });
-        EXPECT_EQ(outcome.operation, RENAME_TIMEPOINT);
+        const auto script = [&](DialogScript& s, const Dialog& dialog) {
+            EXPECT_TRUE(NamesOf(dialog).Items().empty());
+            Type(dialog, "Phase");
+            Ask(s, dialog, IDYES);
+        };
+        EXPECT_EQ(Run(&m_patient, 0, 0, script, told).operation, RENAME_TIMEPOINT) << failing;
     }
-}
-
-TEST_F(RenameDialog, LooksAsItShould)
-{
-    Treat("Braces", 0);
-    Run(&m_patient, 0, 1, [](DialogScript&, const Dialog& dialog) {
-        Type(dialog, "Phase 1");
-        EXPECT_EQ(veltest::DialogFindings(dialog.Handle()), "");
-        EXPECT_TRUE(veltest::SavePicture(dialog.Handle(), "rename-timepoint"));
-        dialog.Press(IDCANCEL);
-    });
-    Run(&m_patient, 0, 0, [](DialogScript&, const Dialog& dialog) {
-        dialog.PressAccessKey('P');
-        dialog.Item(IDC_RENAME_NAME).Replace("Miller");
-        dialog.SettleIdle();
-        EXPECT_EQ(veltest::DialogFindings(dialog.Handle()), "");
-        EXPECT_TRUE(veltest::SavePicture(dialog.Handle(), "rename-patient"));
-        dialog.Press(IDCANCEL);
-    });
 }
 
 } // namespace

@@ -1,6 +1,8 @@
 #include "tests/support/dialogquality.h"
 
-#include "tests/support/testwindow.h"
+#include "tests/support/picture.h"
+
+#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cctype>
@@ -470,6 +472,12 @@ std::string DialogFindings(HWND dialog, const QualityOptions& options)
         text += finding + "\n";
     }
     return text;
+}
+
+void ExpectWellMade(const Dialog& dialog, const char* picture, const QualityOptions& options)
+{
+    EXPECT_EQ(DialogFindings(dialog.Handle(), options), "");
+    EXPECT_TRUE(SavePicture(dialog.Handle(), picture));
 }
 
 } // namespace veltest

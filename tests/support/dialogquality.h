@@ -1,6 +1,6 @@
 #pragma once
 
-#include <windows.h>
+#include "tests/support/testwindow.h"
 
 #include <string>
 #include <vector>
@@ -28,5 +28,8 @@ std::vector<std::string> CheckDialogQuality(HWND dialog, const QualityOptions& o
 
 // The findings of one dialog as a text for a test's message, empty when there are none.
 std::string DialogFindings(HWND dialog, const QualityOptions& options = {});
+
+// Expects nothing to mend, and leaves a picture of this name.
+void ExpectWellMade(const Dialog& dialog, const char* picture, const QualityOptions& options = {});
 
 } // namespace veltest

@@ -246,11 +246,13 @@ std::optional<Dialog> DialogScript::FindBox()
     return window != nullptr ? std::optional<Dialog>(Dialog(*this, window)) : std::nullopt;
 }
 
-void DialogScript::AnswerBox(const std::string& text, int button)
+std::string DialogScript::AnswerBox(const std::string& text, int button)
 {
     const Dialog box = WaitForBox(text);
+    std::string whole = box.BoxText();
     box.Press(button);
     box.WaitForClosed();
+    return whole;
 }
 
 std::vector<std::string> DialogScript::WaitForMenu()

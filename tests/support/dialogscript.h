@@ -52,8 +52,8 @@ public:
     HWND WaitForWindowOfClass(const std::string& windowClass);
     std::optional<Dialog> FindBox();
 
-    // Answers the message box with this text (empty: any) by its button, IDYES for example.
-    void AnswerBox(const std::string& text, int button);
+    // Answers the message box with this text (empty: any) by its button, IDYES for example; its whole text.
+    std::string AnswerBox(const std::string& text, int button);
 
     // Chooses an item of the popup menu that is open; its items by their texts (separators as "-").
     std::vector<std::string> WaitForMenu();
@@ -103,6 +103,15 @@ template <typename Call> std::invoke_result_t<Call> RunModal(Call call, DialogSc
 {
     const DialogScript running(std::move(script));
     return call();
+}
+
+// The same with a script that begins on the dialog with this title.
+template <typename Call>
+std::invoke_result_t<Call> RunDialog(Call call, const std::string& title,
+                                     const std::function<void(DialogScript&, const Dialog&)>& play)
+{
+    return RunModal(std::move(call),
+                    [&](DialogScript& script) { play(script, script.WaitForDialog(title)); });
 }
 
 } // namespace veltest
