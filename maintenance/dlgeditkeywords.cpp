@@ -85,21 +85,14 @@ void CDlgEditKeywords::FillList()
 
 BOOL CDlgEditKeywords::PreTranslateMessage(MSG* pMsg)
 {
-    if (pMsg->message == WM_KEYDOWN)
-    {
-        if (pMsg->wParam == VK_RETURN && pMsg->hwnd == m_editText.m_hWnd &&
-            m_editText.GetWindowTextLength() > 0)
-        {
-            OnAdd();
-            return TRUE;
-        }
-        if (pMsg->wParam == VK_DELETE && pMsg->hwnd == m_list.m_hWnd)
-        {
-            OnRemove();
-            return TRUE;
-        }
-    }
-    return mfcCDialog::PreTranslateMessage(pMsg);
+    const HWND hPressed = pMsg->message == WM_KEYDOWN ? pMsg->hwnd : nullptr;
+    if (hPressed == m_editText.m_hWnd && pMsg->wParam == VK_RETURN && m_editText.GetWindowTextLength() > 0)
+        OnAdd();
+    else if (hPressed == m_list.m_hWnd && pMsg->wParam == VK_DELETE)
+        OnRemove();
+    else
+        return mfcCDialog::PreTranslateMessage(pMsg);
+    return TRUE;
 }
 
 BOOL CDlgEditKeywords::OnHelpKey(UINT nHelpID)

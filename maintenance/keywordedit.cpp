@@ -22,16 +22,15 @@ ON_COMMAND(maint::keywordCommandEdit, &cedCKeywords::OnEditKeywords)
 ON_COMMAND_RANGE(maint::keywordCommandBase + 1, maint::keywordCommandLast, &cedCKeywords::OnKeyword)
 END_MESSAGE_MAP()
 
-BOOL cedCKeywords::RegisterControlClass(HINSTANCE hInstance)
+void cedCKeywords::RegisterControlClass(HINSTANCE hInstance)
 {
     WNDCLASS wc = {};
-    if (!::GetClassInfo(nullptr, "EDIT", &wc))
-        return FALSE;
+    ::GetClassInfo(nullptr, "EDIT", &wc); // a class of the system's, which is always there
     pfnEdit = wc.lpfnWndProc;
     wc.lpfnWndProc = FirstWindowProc;
     wc.hInstance = hInstance;
     wc.lpszClassName = className;
-    return ::RegisterClass(&wc) != 0;
+    ::RegisterClass(&wc);
 }
 
 void cedCKeywords::UnregisterControlClass(HINSTANCE hInstance)
@@ -69,13 +68,12 @@ void cedCKeywords::PostNcDestroy()
 
 int cedCKeywords::OnCreate(LPCREATESTRUCT pCreate)
 {
-    if (CEdit::OnCreate(pCreate) == -1)
-        return -1;
+    const int nResult = CEdit::OnCreate(pCreate);
     CString strList;
     GetWindowText(strList);
     m_nList = maint::KeywordListFromText(strList.GetString());
     SetWindowText("");
-    return 0;
+    return nResult;
 }
 
 void cedCKeywords::OnContextMenu(CWnd* /*pWnd*/, CPoint point)

@@ -11,8 +11,8 @@
 class cedCKeywords : public CEdit
 {
 public:
-    /// Registers the window class for a module instance; FALSE when Windows refuses.
-    static BOOL RegisterControlClass(HINSTANCE hInstance);
+    /// Registers the window class for a module instance.
+    static void RegisterControlClass(HINSTANCE hInstance);
     static void UnregisterControlClass(HINSTANCE hInstance);
 
 protected:
