@@ -31,16 +31,6 @@ std::string DayOf(const RecordTimepoint& timepoint)
     return day ? DateText(*day) : std::string();
 }
 
-bool IsPatientId(const std::string& id)
-{
-    const auto allowed = [](char c) {
-        return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_' ||
-               c == '-';
-    };
-    return !id.empty() && id.size() <= 25 && std::all_of(id.begin(), id.end(), allowed) &&
-           arc::SafeFileName(id);
-}
-
 class Planner
 {
 public:
@@ -78,32 +68,37 @@ private:
     void PlaceTimepoints(const std::vector<LocalTimepoint>& locals)
     {
         std::map<std::string, int> byGuid;
-        std::map<std::pair<std::string, std::string>, int> byName;
+        std::multimap<std::pair<std::string, std::string>, int> byName;
         std::array<bool, TimepointNumbers> used{};
         for (std::size_t i = 0; i < locals.size(); ++i)
         {
             const int index = static_cast<int>(i);
-            byGuid.emplace(arc::FoldCase(locals[i].guid), index);
+            if (!locals[i].guid.empty())
+                byGuid.emplace(arc::FoldCase(locals[i].guid), index);
             byName.emplace(std::pair(arc::FoldCase(locals[i].name), locals[i].date), index);
             used.at(static_cast<std::size_t>(locals[i].number)) = true;
         }
-        std::set<int> seen, taken;
+        std::set<int> seen, taken; // two of the record's timepoints never end in one
         for (const RecordTimepoint& timepoint : m_record.timepoints)
         {
             TimepointTarget target;
             target.recordNumber = NumberOf(timepoint.number);
             if (target.recordNumber < 0 || !seen.insert(target.recordNumber).second)
                 return Fail(PlanFault::TimepointNumber, timepoint.number);
-            const auto guid = byGuid.find(arc::FoldCase(timepoint.guid));
-            const auto name = byName.find({arc::FoldCase(timepoint.name), DayOf(timepoint)});
-            if (guid != byGuid.end() && !timepoint.guid.empty())
-                target.localIndex = guid->second;
-            else if (name != byName.end())
-                target.localIndex = name->second;
-            // Two of the record's timepoints never end in one.
-            if (target.localIndex >= 0 && !taken.insert(target.localIndex).second)
-                target.localIndex = -1;
+            const auto found = byGuid.find(arc::FoldCase(timepoint.guid));
+            if (found != byGuid.end() && taken.insert(found->second).second)
+                target.localIndex = found->second;
             m_plan.targets.push_back(target);
+        }
+        for (std::size_t i = 0; i < m_plan.targets.size(); ++i)
+        {
+            const RecordTimepoint& timepoint = m_record.timepoints[i];
+            auto [next, end] = byName.equal_range({arc::FoldCase(timepoint.name), DayOf(timepoint)});
+            for (; next != end && m_plan.targets[i].localIndex < 0; ++next)
+            {
+                if (taken.insert(next->second).second)
+                    m_plan.targets[i].localIndex = next->second;
+            }
         }
         for (TimepointTarget& target : m_plan.targets)
         {
@@ -254,6 +249,16 @@ ReceivePlan PlanReceive(const Record& record, const std::string& localPatientId,
                         const LocalFileQuery& localFile)
 {
     return Planner(record, localPatientId, choice, localFile).Run(locals);
+}
+
+bool IsPatientId(const std::string& id)
+{
+    const auto allowed = [](char c) {
+        return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_' ||
+               c == '-';
+    };
+    return !id.empty() && id.size() <= 25 && std::all_of(id.begin(), id.end(), allowed) &&
+           arc::SafeFileName(id);
 }
 
 std::string NormalSignature(const std::string& text)

@@ -82,6 +82,9 @@ ReceivePlan PlanReceive(const Record& record, const std::string& localPatientId,
                         const std::vector<LocalTimepoint>& locals, const FileChoice& choice,
                         const LocalFileQuery& localFile);
 
+/// Whether a patient can have the ID, and files be named by it.
+bool IsPatientId(const std::string& id);
+
 /// A signature in its one form, lower-case: 32 digits (MD5) or 128 (SHA-512); empty for anything else.
 std::string NormalSignature(const std::string& text);
 

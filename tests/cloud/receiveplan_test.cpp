@@ -91,6 +91,14 @@ TEST(CloudReceive, FindsTimepointsByGuidThenByNameAndDay)
         {"{T1}", "First", "2020-01-02", 4}, {"{X}", "start", "2019-05-06", 9}, {"{Y}", "z", "", 5}};
     EXPECT_THAT(Targets(Plan(record, "B2", locals)),
                 ElementsAre("0>0 new", "1>4 at 0", "2>9 at 1", "3>3 new", "4>1 new", "5>2 new"));
+
+    // A name takes no timepoint that another's GUID names, and of several with a name each once.
+    record.timepoints = {Timepoint("1", "", "Start", "2019-05-06"), Timepoint("2", "{X}", "End", ""),
+                         Timepoint("3", "", "Start", "2019-05-06")};
+    const std::vector<LocalTimepoint> alike = {{"{X}", "Start", "2019-05-06", 9},
+                                               {"{Y}", "Start", "2019-05-06", 4},
+                                               {"{Z}", "Start", "2019-05-06", 5}};
+    EXPECT_THAT(Targets(Plan(record, "B2", alike)), ElementsAre("1>4 at 1", "2>9 at 0", "3>5 at 2"));
 }
 
 TEST(CloudReceive, KeepsWithinAHundredTimepoints)
