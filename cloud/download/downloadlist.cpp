@@ -40,10 +40,11 @@ ON_NOTIFY(NM_DBLCLK, IDC_CLD_LIST, &CDownLoadPatientList::OnDoubleClick)
 END_MESSAGE_MAP()
 
 CDownLoadPatientList::CDownLoadPatientList(CWnd* pParent, velCTransferProgram& program,
-                                           velCCredentials& credentials)
-    : mfcCDialog(IDD_CLD_DOWNLOAD_LIST, pParent), m_program(program), m_credentials(credentials),
+                                           velCCredentials& remembered)
+    : mfcCDialog(IDD_CLD_DOWNLOAD_LIST, pParent), m_program(program), m_remembered(remembered),
       m_queue(program)
 {
+    m_credentials.Set(remembered.GetUser(), remembered.GetPassword());
     SetAnchors(Anchors);
     RememberSize("DownloadList");
 }
@@ -89,27 +90,29 @@ std::optional<int> CDownLoadPatientList::Open()
             return IDCANCEL;
         if (OpenSession() == -2)
             return NO_SESSION;
-        const CFRVLogin notice(this);
         switch (TryLogin())
         {
         case cloud::LoginReply::LoggedIn:
+            m_remembered.Set(m_credentials.GetUser(), m_credentials.GetPassword());
+            FillList();
+            return std::nullopt;
         case cloud::LoginReply::LoggedInOnce:
             FillList();
             return std::nullopt;
         case cloud::LoginReply::Message: // the user has to act first
-            m_pSession->Logout();
-            CloseSession();
+            EndSession();
             break;
         case cloud::LoginReply::Refused:
-            CloseSession();
             break;
         }
-        // Signing in again is the user's to ask for: what is stored was refused, or would be stopped once
+        // Signing in again is the user's to ask for: what is remembered was refused, or would be stopped once
         // more.
+        m_remembered.Clear();
         CSignInDlg dialog(this, m_credentials);
         if (velRunModal(dialog) == IDOK)
             continue;
         m_credentials.Clear();
+        EndSession();
         return std::nullopt;
     }
 }
@@ -171,7 +174,11 @@ std::unique_ptr<CVelInet> CDownLoadPatientList::MakeSession(LPCTSTR pszAgent)
 /// Signs in once. Message: the service's messages forbid to go on.
 cloud::LoginReply CDownLoadPatientList::TryLogin()
 {
-    const int nResult = m_pSession->Login(m_credentials.GetUser(), m_credentials.GetPassword());
+    int nResult = 0;
+    {
+        const CFRVLogin notice(this);
+        nResult = m_pSession->Login(m_credentials.GetUser(), m_credentials.GetPassword());
+    }
     cloud::LoginReply reply = cloud::JudgeLogin(nResult == 0, m_pSession->GetResponse().GetString());
     if (reply == cloud::LoginReply::Refused)
         AfxMessageBox(IDS_CLD_INVALID_LOGIN, MB_OK | MB_ICONEXCLAMATION);
@@ -180,8 +187,11 @@ cloud::LoginReply CDownLoadPatientList::TryLogin()
     return reply;
 }
 
-void CDownLoadPatientList::CloseSession()
+/// Signs out and closes the session, if there is one.
+void CDownLoadPatientList::EndSession()
 {
+    if (m_pSession)
+        m_pSession->Logout();
     m_pSession.reset();
 }
 
@@ -201,8 +211,13 @@ void CDownLoadPatientList::MakeColumns()
 
 void CDownLoadPatientList::FillList()
 {
+    CString strHint;
     if (m_pSession->GetDownloadable() != 0)
+    {
+        strHint.LoadString(IDS_CLD_NO_LIST);
+        SetDlgItemText(IDC_CLD_HINT, strHint);
         return;
+    }
     const CWaitCursor wait;
     m_xml.LoadXml(m_pSession->GetResponse());
     CString strUser, strOwner;
@@ -219,22 +234,22 @@ void CDownLoadPatientList::FillList()
             m_xml.GetAttribute(i, pszName, strValue);
             return strValue;
         };
-        const CString strOwnerGUID = attribute("patOwnerGUID");
-        const bool bOwn = !strOwnerGUID.IsEmpty() && strOwnerGUID == strUser;
-        m_ids.push_back(attribute("patVeltrixID"));
-        const int nItem = m_list.InsertItem(i, m_ids.back());
+        const auto time = [&](LPCTSTR pszName) {
+            return CString(cloud::ShownTime(attribute(pszName).GetString()).c_str());
+        };
+        const bool bOwn = attribute("patOwnerGUID") == strUser;
+        // Sharing a record does not make its files newer.
+        m_records.push_back({attribute("patVeltrixID"), velCDate::FromISO(time("lastUpdate"))});
+        const int nItem = m_list.InsertItem(i, m_records.back().strID);
         m_list.SetItemData(nItem, static_cast<DWORD_PTR>(i));
         m_list.SetItemText(nItem, ColumnName, attribute("patlastName") + ",  " + attribute("patfirstName"));
         m_list.SetItemText(nItem, ColumnOwner,
                            bOwn ? strOwner : attribute("patOwnerLast") + ",  " + attribute("patOwnerFirst"));
-        m_list.SetItemText(
-            nItem, ColumnTime,
-            cloud::ShownTime(attribute(bOwn ? "lastUpdate" : "LastShared").GetString()).c_str());
+        m_list.SetItemText(nItem, ColumnTime, time(bOwn ? "lastUpdate" : "LastShared"));
         m_list.SetItemText(nItem, ColumnID, attribute("patID"));
         m_list.SetItemText(nItem, ColumnGUID, attribute("patGUID"));
     }
     m_list.SetRedraw(TRUE);
-    CString strHint;
     if (nCount == 0)
         strHint.LoadString(IDS_CLD_NO_RECORDS);
     else
@@ -278,16 +293,14 @@ void CDownLoadPatientList::OnOK()
         AfxMessageBox(IDS_CLD_NO_ITEM, MB_OK | MB_ICONINFORMATION);
         return;
     }
-    const CString strID = m_ids.at(m_list.GetItemData(nItem));
-    if (m_pSession->GetDownloadPatient(strID) == 0)
+    const Record& record = m_records.at(m_list.GetItemData(nItem));
+    if (m_pSession->GetDownloadPatient(record.strID) == 0)
     {
         m_xml.LoadXml(m_pSession->GetResponse());
-        // An unreadable time ("-") is none.
-        const velCDate updated = velCDate::FromISO(m_list.GetItemText(nItem, ColumnTime));
         const cloud::FileChoice choice{m_bUncropped != FALSE, m_bOther != FALSE, m_b3D != FALSE};
         // What fails leaves the list as it was.
         velGuard(0, IDS_CLD_UNEXPECTED, [&]() -> INT_PTR {
-            m_received = velCReceiver(m_queue, choice, updated).Receive(m_xml);
+            m_received = velCReceiver(m_queue, choice, record.updated).Receive(m_xml);
             return 0;
         });
     }
@@ -295,15 +308,14 @@ void CDownLoadPatientList::OnOK()
         AfxMessageBox(IDS_CLD_RECORD_UNUSABLE, MB_OK | MB_ICONEXCLAMATION);
     if (!m_received)
         return;
-    m_pSession->Logout();
-    CloseSession();
+    EndSession();
     mfcCDialog::OnOK();
 }
 
 void CDownLoadPatientList::OnCancel()
 {
     if (m_pSession && m_pSession->IsLoggedIn())
-        m_pSession->Logout();
-    CloseSession();
+        EndSession();
+    m_pSession.reset();
     mfcCDialog::OnCancel();
 }

@@ -23,7 +23,8 @@ public:
         NO_SESSION = 16 ///< result when no session could be opened
     };
 
-    CDownLoadPatientList(CWnd* pParent, velCTransferProgram& program, velCCredentials& credentials);
+    /// remembered: taken when it is known, and set by a sign-in that the service lets be remembered.
+    CDownLoadPatientList(CWnd* pParent, velCTransferProgram& program, velCCredentials& remembered);
     ~CDownLoadPatientList() override;
 
     /// After IDOK.
@@ -54,19 +55,26 @@ private:
     bool CheckQueue();
     bool RequireCredentials();
     cloud::LoginReply TryLogin();
-    void CloseSession();
+    void EndSession();
     void MakeColumns();
     void FillList();
     void OfferToSaveChoice();
 
+    struct Record
+    {
+        CString strID;    ///< the service's
+        velCDate updated; ///< local time; invalid when the service's cannot be read
+    };
+
     velCTransferProgram& m_program;
-    velCCredentials& m_credentials;
+    velCCredentials& m_remembered; ///< for the rest of the program's run
+    velCCredentials m_credentials; ///< of this session
     CFarreachVeltrix m_queue;
     CVelXML m_xml;
     CString m_strCommandPath;
     std::unique_ptr<CVelInet> m_pSession;
     CListCtrl m_list;
-    std::vector<CString> m_ids; ///< the service's ID of each row's record
+    std::vector<Record> m_records; ///< those of the rows
     BOOL m_bUncropped = FALSE;
     BOOL m_bOther = FALSE;
     BOOL m_b3D = FALSE;

@@ -63,6 +63,12 @@ CString UsableGUID(const std::string& guid)
     const bool bUsable = dbCPatients::IsGUID(guid.c_str()) && !stored.Load(guid.c_str(), FALSE, TRUE);
     return bUsable ? CString(guid.c_str()) : dbNewGUID();
 }
+CString Quote(UINT nText, LPCTSTR pszLastname, LPCTSTR pszFirstname, LPCTSTR pszID)
+{
+    CString strText;
+    strText.Format(nText, pszLastname, pszFirstname, pszID);
+    return strText;
+}
 } // namespace
 
 velCReceiver::velCReceiver(CFarreachVeltrix& queue, const cloud::FileChoice& choice, const velCDate& updated)
@@ -72,7 +78,7 @@ velCReceiver::velCReceiver(CFarreachVeltrix& queue, const cloud::FileChoice& cho
 
 std::optional<velSReceived> velCReceiver::Receive(CVelXML& xml)
 {
-    if (!xml.ReadRecord(m_record))
+    if (!xml.ReadRecord(m_record) || !cloud::IsPatientId(m_record.patientId))
     {
         AfxMessageBox(IDS_CLD_RECORD_UNUSABLE, MB_OK | MB_ICONEXCLAMATION);
         return std::nullopt;
@@ -134,8 +140,11 @@ bool velCReceiver::FindPatient()
             return false;
         break;
     case cloud::LocalMatch::WithoutBirthDate:
+        // The one that is to be completed is the practice's own, whatever the record's ID.
         m_patient.Load(strGUID, FALSE, TRUE);
-        AfxMessageBox(Quote(IDS_CLD_NO_LOCAL_BIRTHDATE), MB_OK | MB_ICONEXCLAMATION);
+        AfxMessageBox(Quote(IDS_CLD_NO_LOCAL_BIRTHDATE, m_patient.GetLastname(), m_patient.GetFirstname(),
+                            m_patient.GetID()),
+                      MB_OK | MB_ICONEXCLAMATION);
         return false;
     case cloud::LocalMatch::None:
         m_bNew = true;
@@ -144,8 +153,6 @@ bool velCReceiver::FindPatient()
             return false;
         break;
     }
-    if (!m_bNew && m_patient.GetID().CompareNoCase(m_record.patientId.c_str()) != 0)
-        AfxMessageBox(IDS_CLD_MERGED, MB_OK | MB_ICONINFORMATION);
     return true;
 }
 
@@ -274,7 +281,11 @@ void velCReceiver::Apply()
 {
     patCTimepoints& timepoints = m_patient.GetTimepoints();
     if (!m_bNew)
+    {
         ReactivateTimepoints();
+        if (m_patient.GetID().CompareNoCase(m_record.patientId.c_str()) != 0)
+            AfxMessageBox(IDS_CLD_MERGED, MB_OK | MB_ICONINFORMATION);
+    }
     std::vector<int> positions;
     for (std::size_t i = 0; i < m_plan.targets.size(); ++i)
     {
@@ -318,7 +329,9 @@ void velCReceiver::ReactivateTimepoints()
         bAny = true;
     }
     if (bAny)
-        AfxMessageBox(Quote(IDS_CLD_INACTIVE), MB_OK | MB_ICONINFORMATION);
+        AfxMessageBox(Quote(IDS_CLD_INACTIVE, m_record.lastName.c_str(), m_record.firstName.c_str(),
+                            m_record.patientId.c_str()),
+                      MB_OK | MB_ICONINFORMATION);
 }
 
 /// Patient, task and audit event in one transaction; a velQueueResult.
@@ -365,11 +378,4 @@ int velCReceiver::Store(CVelXML& xml)
         audit.AddPatientModifiedEvent(m_patient.GetGUID(), strEvent);
     transaction.Commit();
     return velQueued;
-}
-
-CString velCReceiver::Quote(UINT nText) const
-{
-    CString strText;
-    strText.Format(nText, m_record.lastName.c_str(), m_record.firstName.c_str(), m_record.patientId.c_str());
-    return strText;
 }

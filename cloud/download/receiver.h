@@ -41,7 +41,6 @@ private:
     void ReactivateTimepoints();
     int Store(CVelXML& xml);
     cloud::LocalFile Compare(const std::string& name, const std::string& signature) const;
-    CString Quote(UINT nText) const;
 
     CFarreachVeltrix& m_queue;
     const cloud::FileChoice m_choice;

@@ -16,11 +16,19 @@ using veltest::DialogScript;
 
 namespace
 {
+const std::string Merged =
+    "Patient ID of the downloaded patient does not match with existing Veltrix patient.\n"
+    "Downloaded patient will be merged to the existing patient.";
 const std::string NewPatient =
     "A1 {0A000000-0000-0000-0000-000000000001} Lee Zo\xeb 1999-05-17 41 hello\n"
     "  Start 2009-03-05 A107 1 lateral n\n"
     "  task Lee, Zo\xeb - A1 of A1\n"
     "The patient (A1) Lee, Zo\xeb data have been downloaded from FarreachVeltrix\n";
+
+std::string Without(std::string text, const std::string& part)
+{
+    return text.erase(text.find(part), part.size());
+}
 
 /// The texts of a list's row, without the last column.
 std::string Row(const Dialog& list, std::size_t nRow)
@@ -62,7 +70,37 @@ TEST_F(Exchange, ListsRecordsWithOwnerAndTime)
               IDCANCEL);
     EXPECT_EQ(m_practice.Get("Defaults", "DownloadOther") + m_practice.Get("Defaults", "Download3D"), "10");
     EXPECT_THAT(Commands(), ElementsAre("login", "getdownloadable", "logout"));
-    EXPECT_STREQ(m_credentials.GetUser(), "anna");
+}
+
+TEST_F(Exchange, RemembersTheUserUnlessTheServiceSaysMore)
+{
+    const struct
+    {
+        const char* login;
+        const char* remembered;
+    } cases[] = {{"welcome", ""}, {"<response><message>Hello</message></response>", "anna"}, {"", "anna"}};
+    for (const auto& c : cases)
+    {
+        m_credentials.Clear();
+        m_replies["login"] = c.login;
+        m_replies["getdownloadable"] =
+            "<record><patinfo patVeltrixID='5' lastUpdate='2020-01-02T03:04'/></record>";
+        RunList([&](DialogScript& script) {
+            if (std::string(c.login).starts_with("<"))
+                script.AnswerBox("The dialog could not be created.", IDOK);
+            const Dialog list = script.WaitForDialog("Get Patient From Internet");
+            EXPECT_EQ(Row(list, 0), "5|,  |Owner|2020-01-02 03:04:00||"); // nobody's, as the user is nobody
+            list.Press(IDCANCEL);
+        });
+        EXPECT_STREQ(m_credentials.GetUser(), c.remembered) << c.login;
+    }
+    m_replies.erase("getdownloadable");
+    RunList([&](DialogScript& script) {
+        const Dialog list = script.WaitForDialog("Get Patient From Internet");
+        EXPECT_EQ(list.Item(IDC_CLD_HINT).Text(),
+                  "FarreachVeltrix did not send the list of records.  Please try again later.");
+        list.Press(IDCANCEL);
+    });
 }
 
 TEST_F(Exchange, TakesANewPatientInOneStep)
@@ -99,6 +137,7 @@ TEST_F(Exchange, StopsWithoutATraceOfWhatCannotBeTaken)
         {"", unusable},
         {"<html>", unusable},
         {ServiceRecord().substr(0, 400), unusable},
+        {Without(ServiceRecord(), "patientID='A1'"), unusable},
         {ServiceRecord("<Timepoint tpNumber='100'/>"),
          "The record's timepoints do not fit this patient (\"100\").  A patient has at most 100 timepoints "
          "with numbers "
@@ -122,12 +161,14 @@ TEST_F(Exchange, StopsWithoutATraceOfWhatCannotBeTaken)
     undated.SetBirthdate(velCDate());
     undated.Save();
     const std::string before = State();
-    m_replies["getdownloadpatient"] = ServiceRecord();
-    EXPECT_EQ(Download({"A patient \"Lee,  Zo\xeb (A1) exists in VELTRIX with no date of birth. Please "
-                        "provide the DOB for "
-                        "this patient and try again."}),
-              IDCANCEL);
-    EXPECT_EQ(State(), before);
+    for (const std::string& record : {ServiceRecord(), Without(ServiceRecord(), "patBirthdate='1999-05-17'")})
+    {
+        m_replies["getdownloadpatient"] = record;
+        EXPECT_EQ(Download({"A patient \"Lee,  Zo\xeb (B1) exists in VELTRIX with no date of birth. Please "
+                            "provide the DOB for this patient and try again."}),
+                  IDCANCEL);
+        EXPECT_EQ(State(), before);
+    }
     EXPECT_TRUE(m_program.m_calls.empty());
 }
 
@@ -145,12 +186,10 @@ TEST_F(Exchange, MergesIntoThePatientThatItIs)
         "signature='900150983cd24fb0d6963f7d28e17f72'/><image file='A100.I2B'/></Images></Timepoint>");
     EXPECT_EQ(
         Download(
-            {"Patient ID of the downloaded patient does not match with existing Veltrix patient.\nDownloaded "
-             "patient will be merged to the existing patient.",
-             "You are downloading records for patient \"Lee,  Zo\xeb (A1) \".\nNOTE This record has been "
+            {"You are downloading records for patient \"Lee,  Zo\xeb (A1) \".\nNOTE This record has been "
              "marked as inactive and will not appear in the patient lookup. To view this record, click the "
              "option to \"include patients in the status to not show in lookup\" on the lookup screen.",
-             "1 of the record's files cannot be checked and will not be downloaded:\n\n  A100.I2B"}),
+             Merged, "1 of the record's files cannot be checked and will not be downloaded:\n\n  A100.I2B"}),
         IDOK);
     EXPECT_EQ(State(),
               "B1 " + std::string(local.GetGUID()) +
@@ -161,6 +200,31 @@ TEST_F(Exchange, MergesIntoThePatientThatItIs)
     tasks.LoadPending(local.GetGUID());
     EXPECT_THAT(std::string(tasks[0].strData), HasSubstr("finalfilename=\"B100.I2A\" imageExists=\"1\""));
     EXPECT_THAT(std::string(tasks[0].strData), HasSubstr("finalfilename=\"B101.I2A\" imageExists=\"0\""));
+}
+
+TEST_F(Exchange, ReplacesOnlyWhatIsOlderThanTheRecord)
+{
+    const dbCPatient local = StorePatient("B1");
+    dbCServicePatients::Store({local.GetGUID(), "41", "{F}"}); // it was uploaded from here
+    // The record was updated in January 2020, and shared a year later.
+    for (const auto& [year, exists] : {std::pair(2019, "0"), std::pair(2020, "1")})
+    {
+        m_practice.WriteFile("working\\B100.I2A", "changed");
+        const SYSTEMTIME june{static_cast<WORD>(year), 6, 0, 1, 0, 0, 0, 0};
+        FILETIME written;
+        ::SystemTimeToFileTime(&june, &written);
+        const HANDLE file = ::CreateFile(m_practice.Path("working\\B100.I2A").c_str(), FILE_WRITE_ATTRIBUTES,
+                                         0, nullptr, OPEN_EXISTING, 0, nullptr);
+        EXPECT_TRUE(::SetFileTime(file, nullptr, nullptr, &written));
+        ::CloseHandle(file);
+        EXPECT_EQ(Download({Merged}), IDOK);
+        dbCRaskoTasksContainer tasks;
+        ASSERT_EQ(tasks.LoadPending(local.GetGUID()), 1);
+        EXPECT_THAT(std::string(tasks[0].strData),
+                    HasSubstr(std::string("finalfilename=\"B100.I2A\" imageExists=\"") + exists));
+        tasks[0].nStatus = dbSRaskoTask::STATUS_FINISHED;
+        dbCRaskoTasksContainer::UpdateRow(tasks[0]);
+    }
 }
 
 TEST_F(Exchange, LetsTheUserSettleWhoItIs)
@@ -235,6 +299,7 @@ TEST_F(Exchange, SignsInUntilTheServiceAgreesOrTheUserGivesUp)
                   m_program.m_bCredentials = true; // they have been entered there
                   script.AnswerBox("Invalid Username/Password.", IDOK);
                   const Dialog signIn = script.WaitForDialog("Sign In to FarreachVeltrix");
+                  EXPECT_THAT(DialogScript::ListWindows(), testing::Not(HasSubstr("Signing in")));
                   EXPECT_EQ(signIn.Item(IDC_CLD_USER).Text(), "anna");
                   EXPECT_EQ(signIn.Item(IDC_CLD_PASSWORD).Text(), "");
                   EXPECT_EQ(veltest::DialogFindings(signIn.Handle()), "");
@@ -244,6 +309,11 @@ TEST_F(Exchange, SignsInUntilTheServiceAgreesOrTheUserGivesUp)
                   m_replies["login"] = "<response><message action='stop'>Act</message></response>";
                   signIn.Press(IDOK);
                   script.AnswerBox("The dialog could not be created.", IDOK);
+                  m_replies.erase("login");
+                  const Dialog again = script.WaitForDialog("Sign In to FarreachVeltrix");
+                  again.Press(IDOK);
+                  script.AnswerBox("Invalid Username/Password.", IDOK);
+                  again.WaitForClosed();
                   script.WaitForDialog("Sign In to FarreachVeltrix").Press(IDCANCEL);
                   const Dialog list = script.WaitForDialog("Get Patient From Internet");
                   EXPECT_TRUE(list.Item(IDC_CLD_LIST).Rows().empty());
@@ -251,7 +321,7 @@ TEST_F(Exchange, SignsInUntilTheServiceAgreesOrTheUserGivesUp)
                   list.Press(IDCANCEL);
               }),
               IDCANCEL);
-    EXPECT_THAT(Commands(), ElementsAre("login", "login", "logout"));
+    EXPECT_THAT(Commands(), ElementsAre("login", "login", "logout", "login", "logout"));
     EXPECT_FALSE(m_credentials.IsKnown());
     m_program.m_bInstalled = false;
     EXPECT_EQ(RunList([&](DialogScript& script) {
