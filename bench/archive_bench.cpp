@@ -1,6 +1,8 @@
-// Measures the archive code on a generated patient: archive_bench folder megabytes
-// Prints one line a step: name, seconds, bytes. bench/archive.sh puts them beside other programs.
-#include "archive/files/foldertree.h"
+// Measures the archive code on a generated patient: archive_bench folder megabytes round [step]
+// Prints one line a step: name, seconds, bytes. bench/archive.sh puts them beside other programs. A round
+// after the first works on the patient of the first, and with a step it takes that one alone, on what the
+// round has done so far. Every round writes to folders of its own and nothing is removed: some file systems
+// are slow to use again what has just been freed, which would be measured.
 #include "archive/files/filenames.h"
 #include "archive/files/fileset.h"
 #include "archive/zip/unzipper.h"
@@ -21,7 +23,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
-#include <iterator>
 #include <random>
 
 namespace
@@ -87,6 +88,11 @@ bool Generate(Patient& patient, std::uint64_t bytes)
     std::mt19937_64 random(20261121);
     std::vector<std::uint64_t> noise(static_cast<std::size_t>(perPair * 2 / 3 / sizeof(std::uint64_t)));
     std::string text;
+    patient.files = arc::PresentFiles(files, patient.folder, names).value();
+    if (patient.files.size() == names.size())
+    {
+        return true; // a round before has made them
+    }
     for (const std::string& name : names)
     {
         const char kind = arc::ExtensionOf(name)[1];
@@ -166,12 +172,12 @@ bool GenerateSmall(Patient& patient)
         {
             text += std::to_string(random() % 4096) + "\n";
         }
-        const auto file = files.Open(arc::JoinPath(patient.folder, name), arc::Access::Replace);
-        if (!file || !file->Write(text.data(), text.size()) || !file->Close())
+        patient.files.push_back({name, text.size()});
+        const auto file = files.Open(arc::JoinPath(patient.folder, name), arc::Access::CreateNew);
+        if (file && (!file->Write(text.data(), text.size()) || !file->Close()))
         {
             return false;
         }
-        patient.files.push_back({name, text.size()});
     }
     return true;
 }
@@ -232,97 +238,87 @@ void MeasureListing()
 
 int main(int count, char** arguments)
 {
-    if (count != 3)
+    if (count < 4)
     {
-        std::fprintf(stderr, "usage: archive_bench folder megabytes\n");
+        std::fprintf(stderr, "usage: archive_bench folder megabytes round [step]\n");
         return 2;
     }
     arc::FileSystem& files = arc::WindowsFileSystem();
     const std::string root = files.Absolute(arguments[1]);
     const std::uint64_t bytes = std::strtoull(arguments[2], nullptr, 10) << 20;
-    for (const char* folder : {"", "work", "zip", "out", "plain", "copy", "vol", "back", "small"})
+    const std::string only = count > 4 ? arguments[4] : "";
+    // What the round writes.
+    const auto path = [&](const char* name) {
+        return arc::JoinPath(arc::JoinPath(root, arguments[3]), name);
+    };
+    for (const std::string& folder :
+         {root, arc::JoinPath(root, "work"), arc::JoinPath(root, "small"), arc::JoinPath(root, arguments[3])})
     {
-        files.CreateFolder(arc::JoinPath(root, folder));
+        files.CreateFolder(folder);
+    }
+    for (const char* folder : {"out", "plain", "copy", "vol", "back"})
+    {
+        files.CreateFolder(path(folder));
     }
     Patient patient = MakePatient(arc::JoinPath(root, "work"), 20, 24);
-    const double generated = Seconds([&] { return Generate(patient, bytes); });
+    Patient small;
+    small.folder = arc::JoinPath(root, "small");
+    const double generated = Seconds([&] { return Generate(patient, bytes) && GenerateSmall(small); });
     Print("generate", generated, arc::StreamLength(patient.files));
 
-    const std::string archive = arc::ZippedArchiveName(arc::JoinPath(root, "zip"), Id);
-    const std::string plain = arc::JoinPath(root, "zip\\plain.zip");
+    const std::string archive = path("BENCH01.KAZ");
     const arc::Parallel all = arc::WorkersOfThisMachine(0);
-    const auto saveAs = [&](const Patient& saved, const std::string& path, const arc::Parallel& parallel) {
-        files.RemoveFile(path); // archives are written over nothing
+    const auto save = [&](const Patient& saved, const char* name, const arc::Parallel& parallel) {
         CZipper zipper(files);
         zipper.SetParallel(parallel);
-        const bool added = zipper.OpenZip(path) && zipper.AddFiles(saved.folder, saved.files);
+        const bool added =
+            zipper.OpenZip(path(name), {}, false, true) && zipper.AddFiles(saved.folder, saved.files);
         return zipper.CloseZip() && added;
     };
-    const auto save = [&] { return saveAs(patient, archive, all); };
-    const auto saveOne = [&] { return saveAs(patient, arc::JoinPath(root, "zip\\one.kaz"), {}); };
     const auto load = [&] {
         CUnzipper unzipper(files);
         unzipper.SetParallel(all);
-        return unzipper.OpenZip(archive) && unzipper.UnzipAll(arc::JoinPath(root, "out"));
+        return unzipper.OpenZip(archive) && unzipper.UnzipAll(path("out"));
     };
-    Patient small;
-    small.folder = arc::JoinPath(root, "small");
-    if (!GenerateSmall(small))
-    {
-        return 1;
-    }
-    const std::string smallArchive = arc::JoinPath(root, "zip\\small.kaz");
-    arc::FolderVolumes volumes(files, arc::JoinPath(root, "vol"), Id);
+    arc::FolderVolumes volumes(files, path("vol"), Id);
     const auto writeVolumes = [&] {
         return arc::WriteVolumeStream(files, patient.folder, patient.files, {}, volumes) ==
                arc::VolumeStatus::Done;
     };
     const auto readVolumes = [&] {
         std::vector<arc::PresentFile> read;
-        return arc::ReadVolumeStream(files, arc::JoinPath(root, "back"), volumes, read) ==
-               arc::VolumeStatus::Done;
+        return arc::ReadVolumeStream(files, path("back"), volumes, read) == arc::VolumeStatus::Done;
     };
     const struct
     {
         const char* name;
         std::function<bool()> step;
-        const char* emptied; // folder that is empty when the step begins
     } steps[] = {
-        {"minizip_program", [&] { return PlainMinizip(patient, plain); }, nullptr},
-        {"save", save, nullptr},
-        {"save_one", saveOne, nullptr},
-        {"verify", [&] { return arc::VerifyZip(files, archive, patient.files, {}, all); }, nullptr},
-        {"small", [&] { return saveAs(small, smallArchive, all); }, nullptr},
-        {"small_one", [&] { return saveAs(small, smallArchive, {}); }, nullptr},
-        {"minizip_unzip", [&] { return PlainUnzip(plain, arc::JoinPath(root, "plain")); }, "plain"},
-        {"load", load, "out"},
-        {"windows_copy", [&] { return Copy(patient, arc::JoinPath(root, "copy")); }, "copy"},
-        {"volume_write", writeVolumes, "vol"},
-        {"volume_read", readVolumes, "back"},
+        {"minizip_program", [&] { return PlainMinizip(patient, path("plain.zip")); }},
+        {"save", [&] { return save(patient, "BENCH01.KAZ", all); }},
+        {"save_one", [&] { return save(patient, "one.kaz", {}); }},
+        {"verify", [&] { return arc::VerifyZip(files, archive, patient.files, {}, all); }},
+        {"small", [&] { return save(small, "small.kaz", all); }},
+        {"small_one", [&] { return save(small, "small_one.kaz", {}); }},
+        {"minizip_unzip", [&] { return PlainUnzip(path("plain.zip"), path("plain")); }},
+        {"load", load},
+        {"windows_copy", [&] { return Copy(patient, path("copy")); }},
+        {"volume_write", writeVolumes},
+        {"volume_read", readVolumes},
     };
-    // In rounds, so that what else runs on the machine meets all steps alike; the fastest of each counts.
-    constexpr int rounds = 3;
-    double best[std::size(steps)];
-    for (int round = 0; round < rounds; ++round)
+    for (const auto& step : steps)
     {
-        for (std::size_t index = 0; index < std::size(steps); ++index)
+        if (only.empty() || only == step.name)
         {
-            if (steps[index].emptied)
-            {
-                const std::string folder = arc::JoinPath(root, steps[index].emptied);
-                arc::RemoveTree(files, folder);
-                files.CreateFolder(folder);
-            }
-            const double time = Seconds(steps[index].step);
-            best[index] = round == 0 ? time : std::min(best[index], time);
+            Print(step.name, Seconds(step.step), 0);
         }
     }
-    for (std::size_t index = 0; index < std::size(steps); ++index)
+    if (!only.empty())
     {
-        Print(steps[index].name, best[index], 0);
+        return 0;
     }
     Print("packed", 0, files.Query(archive)->size);
-    Print("packed_one", 0, files.Query(arc::JoinPath(root, "zip\\one.kaz"))->size);
+    Print("packed_one", 0, files.Query(path("one.kaz"))->size);
     Print("workers", 0, all.workers);
     MeasureListing();
     PROCESS_MEMORY_COUNTERS memory{};

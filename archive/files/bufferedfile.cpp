@@ -8,6 +8,8 @@ namespace arc
 namespace
 {
 constexpr std::size_t SmallestRead = 4096;
+constexpr std::size_t LargeCall = 32 * 1024;              // from here on the window only costs a copy
+constexpr std::size_t LargestCall = std::size_t{1} << 30; // what every system takes at once
 } // namespace
 
 BufferedFile::BufferedFile(std::unique_ptr<RawFile> file)
@@ -37,6 +39,23 @@ std::optional<std::size_t> BufferedFile::Read(void* buffer, std::size_t bytes)
             std::memcpy(to + done, m_window.get() + offset, part);
             m_position += part;
             done += part;
+            continue;
+        }
+        if (bytes - done >= LargeCall)
+        {
+            const auto got = WriteOut()
+                                 ? m_file->ReadAt(m_position, to + done, std::min(bytes - done, LargestCall))
+                                 : std::nullopt;
+            if (!got)
+            {
+                return std::nullopt;
+            }
+            m_position += *got;
+            done += *got;
+            if (*got == 0)
+            {
+                break;
+            }
             continue;
         }
         if (!Fill())
@@ -77,13 +96,28 @@ bool BufferedFile::Write(const void* data, std::size_t bytes)
     {
         return false;
     }
-    if (!m_window)
-    {
-        m_window = std::make_unique_for_overwrite<unsigned char[]>(WindowSize);
-    }
     const auto* from = static_cast<const unsigned char*>(data);
     while (bytes > 0)
     {
+        // What is held is worth filling up first.
+        if (bytes >= (m_bDirty ? WindowSize : LargeCall))
+        {
+            const std::size_t part = std::min(bytes, LargestCall);
+            m_bFailed = !WriteOut() || !m_file->WriteAt(m_position, from, part);
+            if (m_bFailed)
+            {
+                return false;
+            }
+            m_held = 0; // it may have been written over
+            m_position += part;
+            from += part;
+            bytes -= part;
+            continue;
+        }
+        if (!m_window)
+        {
+            m_window = std::make_unique_for_overwrite<unsigned char[]>(WindowSize);
+        }
         if (m_position < m_start || m_position - m_start > m_held || m_position - m_start == WindowSize)
         {
             if (!WriteOut())

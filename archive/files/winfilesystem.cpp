@@ -105,22 +105,27 @@ public:
 
     std::optional<std::size_t> ReadAt(std::uint64_t position, void* buffer, std::size_t bytes) override
     {
-        OVERLAPPED at = At(position);
         DWORD got = 0;
-        if (!ReadFile(m_handle.Get(), buffer, static_cast<DWORD>(bytes), &got, &at) &&
-            GetLastError() != ERROR_HANDLE_EOF)
+        if (!GoTo(position) || !ReadFile(m_handle.Get(), buffer, static_cast<DWORD>(bytes), &got, nullptr))
         {
             return std::nullopt;
         }
+        m_position = position + got;
         return got;
     }
 
     bool WriteAt(std::uint64_t position, const void* data, std::size_t bytes) override
     {
         // A full disk may take a part and still succeed.
-        OVERLAPPED at = At(position);
         DWORD written = 0;
-        return WriteFile(m_handle.Get(), data, static_cast<DWORD>(bytes), &written, &at) && written == bytes;
+        if (!GoTo(position) ||
+            !WriteFile(m_handle.Get(), data, static_cast<DWORD>(bytes), &written, nullptr) ||
+            written != bytes)
+        {
+            return false;
+        }
+        m_position = position + bytes;
+        return true;
     }
 
     std::optional<std::uint64_t> Size() override
@@ -150,15 +155,22 @@ public:
     }
 
 private:
-    static OVERLAPPED At(std::uint64_t position)
+    // Most calls follow each other, and need no call of the system to go where it is already.
+    bool GoTo(std::uint64_t position)
     {
-        OVERLAPPED at{};
-        at.Offset = static_cast<DWORD>(position);
-        at.OffsetHigh = static_cast<DWORD>(position >> 32);
-        return at;
+        if (position == std::exchange(m_position, Nowhere))
+        {
+            return true;
+        }
+        LARGE_INTEGER to{};
+        to.QuadPart = static_cast<LONGLONG>(position);
+        return SetFilePointerEx(m_handle.Get(), to, nullptr, FILE_BEGIN);
     }
 
+    static constexpr std::uint64_t Nowhere = std::numeric_limits<std::uint64_t>::max();
+
     Handle m_handle;
+    std::uint64_t m_position = 0; // of the handle; Nowhere after an error
 };
 
 // Reads past the cache, for which position, length and memory have to be whole sectors.
@@ -169,25 +181,34 @@ public:
 
     std::optional<std::size_t> ReadAt(std::uint64_t position, void* buffer, std::size_t bytes) override
     {
-        const std::size_t before = position % Sector;
-        const std::size_t whole = (before + bytes + Sector - 1) / Sector * Sector;
-        if (whole > m_size)
+        if (!m_sectors)
         {
-            m_sectors.reset(static_cast<unsigned char*>(::operator new(whole, std::align_val_t(Sector))));
-            m_size = whole;
+            m_sectors.reset(static_cast<unsigned char*>(::operator new(Piece, std::align_val_t(Sector))));
         }
-        const auto got = WindowsFile::ReadAt(position - before, m_sectors.get(), whole);
-        if (!got)
+        std::size_t done = 0;
+        while (done < bytes)
         {
-            return std::nullopt;
+            const std::size_t before = (position + done) % Sector;
+            const std::size_t whole = std::min((before + bytes - done + Sector - 1) / Sector * Sector, Piece);
+            const auto got = WindowsFile::ReadAt(position + done - before, m_sectors.get(), whole);
+            if (!got)
+            {
+                return std::nullopt;
+            }
+            const std::size_t there = *got > before ? std::min(*got - before, bytes - done) : 0;
+            std::memcpy(static_cast<unsigned char*>(buffer) + done, m_sectors.get() + before, there);
+            done += there;
+            if (*got < whole)
+            {
+                break;
+            }
         }
-        const std::size_t there = *got > before ? std::min(*got - before, bytes) : 0;
-        std::memcpy(buffer, m_sectors.get() + before, there);
-        return there;
+        return done;
     }
 
 private:
     static constexpr std::size_t Sector = 4096; // or a part of it
+    static constexpr std::size_t Piece = BufferedFile::WindowSize + Sector;
 
     struct Free
     {
@@ -197,7 +218,6 @@ private:
         }
     };
     std::unique_ptr<unsigned char, Free> m_sectors;
-    std::size_t m_size = 0;
 };
 
 // Both WIN32_FIND_DATA and WIN32_FILE_ATTRIBUTE_DATA name these fields alike.

@@ -49,17 +49,26 @@ void EntryUnpacker::Run() noexcept
             {
                 m_failed = true;
             }
-            ++m_done;
+            // Between, the caller wakes up by itself often enough.
+            if (++m_done == m_indexes.size() || m_failed)
             {
-                const std::lock_guard lock(m_mutex);
+                TellCaller();
             }
-            m_changed.notify_one();
         }
     }
     catch (...)
     {
         m_failed = true;
+        TellCaller();
     }
+}
+
+void EntryUnpacker::TellCaller()
+{
+    {
+        const std::lock_guard lock(m_mutex); // who is about to wait has looked or will look again
+    }
+    m_changed.notify_one();
 }
 
 bool EntryUnpacker::Unpack(std::size_t index, Tools& tools)

@@ -59,6 +59,7 @@ private:
 
     void Run() noexcept;
     bool Unpack(std::size_t index, Tools& tools);
+    void TellCaller();
 
     FileSystem& m_files;
     const std::string m_zipPath;
