@@ -6,8 +6,8 @@
 // GDI+ of the mingw headers counts on min and max.
 namespace Gdiplus
 {
-using std::max;
-using std::min;
+using std::max; // NOLINT(misc-unused-using-decls): used by the header
+using std::min; // NOLINT(misc-unused-using-decls)
 } // namespace Gdiplus
 #include <gdiplus.h>
 

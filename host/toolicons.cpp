@@ -5,8 +5,8 @@
 #include <algorithm>
 namespace Gdiplus
 {
-using std::max;
-using std::min;
+using std::max; // NOLINT(misc-unused-using-decls): used by the header
+using std::min; // NOLINT(misc-unused-using-decls)
 } // namespace Gdiplus
 #include <gdiplus.h>
 

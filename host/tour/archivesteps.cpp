@@ -343,6 +343,7 @@ void tourPlayArchiveLoad(tourCGuide& guide)
     guide.ExpectResult("ArchiveDlg: " + std::to_string(archives.size()) +
                        " events recorded in the audit log");
     std::vector<tourCGuide::Event> events;
+    events.reserve(archives.size());
     for (const auto& path : archives)
     {
         events.push_back(tourLoadedEvent(guide.m_saved.at(path.stem().string())));

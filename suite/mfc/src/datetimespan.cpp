@@ -42,12 +42,14 @@ double COleDateTimeSpan::GetTotalDays() const
 
 double COleDateTimeSpan::GetTotalHours() const
 {
-    return static_cast<double>(SpanSeconds(*this) / 3600);
+    const auto hours = SpanSeconds(*this) / 3600; // whole ones
+    return static_cast<double>(hours);
 }
 
 double COleDateTimeSpan::GetTotalMinutes() const
 {
-    return static_cast<double>(SpanSeconds(*this) / 60);
+    const auto minutes = SpanSeconds(*this) / 60;
+    return static_cast<double>(minutes);
 }
 
 double COleDateTimeSpan::GetTotalSeconds() const
