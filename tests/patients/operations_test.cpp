@@ -3,14 +3,11 @@
 
 #include "tests/patients/practicestate.h"
 #include "tests/support/childprocess.h"
-#include "tests/support/steps.h"
 
 #include <span>
 
 namespace
 {
-constexpr int DONE = 0, REFUSED = 1;
-
 /// The operations under test, on a practice with the patients A1 and A12.
 const std::map<std::string, void (*)()> OPERATIONS = {
     {"create", [] { FullPatient("B2").Save(); }},
@@ -62,17 +59,43 @@ void Fill(const veltest::TemporaryPractice& practice, size_t nOwnFiles = std::si
     SetFileAttributesA((practice.Working() + "A100.I0A").c_str(), FILE_ATTRIBUTE_READONLY);
 }
 
-/// Runs one operation: arguments are the database, the operation, the step to end at (0 for none).
-VEL_CHILD_PROCESS(operate)
+/// Copies a practice as it is on the disk at every step: what a process that ends there leaves behind. The
+/// hidden files by which a process shows that it lives go with it, and cannot be copied.
+class Snapshots
 {
-    dbCPatients::Open(arguments[0].c_str());
-    if (const int nStep = atoi(arguments[2].c_str()))
-        veltest::EndAtStep(nStep);
-    const dbError nError = ErrorOf(OPERATIONS.at(arguments[1]));
-    dbObserveSteps(nullptr);
-    dbCPatients::Close();
-    return nError == dbErrNone ? DONE : REFUSED;
-}
+public:
+    explicit Snapshots(const veltest::TemporaryPractice& practice) : m_practice(practice)
+    {
+        s_pCurrent = this;
+        dbObserveSteps([](const char* pszStep) { s_pCurrent->Take(pszStep); });
+    }
+    ~Snapshots()
+    {
+        dbObserveSteps(nullptr);
+    }
+    Snapshots(const Snapshots&) = delete;
+    Snapshots& operator=(const Snapshots&) = delete;
+
+    /// The step's name and the folder of the copy.
+    std::vector<std::pair<std::string, std::string>> steps;
+
+private:
+    void Take(const char* pszStep)
+    {
+        const std::string folder = m_practice.Path("step" + std::to_string(steps.size())) + "\\";
+        std::filesystem::create_directories(folder + "working");
+        for (const auto& entry : std::filesystem::directory_iterator(m_practice.Working()))
+            CopyFileA(entry.path().string().c_str(),
+                      (folder + "working\\" + entry.path().filename().string()).c_str(), TRUE);
+        for (const char* pszName : {"patients.db", "patients.db-wal"})
+            EXPECT_TRUE(CopyFileA(m_practice.Path(pszName).c_str(), (folder + pszName).c_str(), TRUE))
+                << pszName;
+        steps.emplace_back(pszStep, folder);
+    }
+
+    static inline Snapshots* s_pCurrent = nullptr;
+    const veltest::TemporaryPractice& m_practice;
+};
 
 class Operation : public testing::TestWithParam<std::string>
 {
@@ -80,52 +103,26 @@ class Operation : public testing::TestWithParam<std::string>
 
 TEST_P(Operation, EndedAtAnyStepLeavesBeforeOrAfter)
 {
-    PracticeState before, after;
-    std::string bytes;
-    {
-        TestDatabase database;
-        Fill(database.practice, 4);
-        before = StateOf(database.practice);
-        dbCPatients::Close();
-        bytes = database.practice.ReadFile("patients.db");
-    }
+    TestDatabase database;
+    Fill(database.practice, 4);
+    const PracticeState before = StateOf(database.practice.Working());
+    Snapshots snapshots(database.practice);
+    OPERATIONS.at(GetParam())();
+    dbObserveSteps(nullptr);
+    const PracticeState after = StateOf(database.practice.Working());
+    ASSERT_NE(after, before);
     int nBefore = 0, nAfter = 0;
-    for (int nStep = 0;; ++nStep)
+    for (const auto& [step, folder] : snapshots.steps)
     {
-        const veltest::TemporaryPractice practice;
-        for (const auto& [name, content] : before.files)
-            practice.WriteFile("working/" + name, content);
-        SetFileAttributesA((practice.Working() + "A100.I0A").c_str(), FILE_ATTRIBUTE_READONLY);
-        practice.WriteFile("patients.db", bytes);
-        const std::string path = practice.Path("patients.db");
-        veltest::ChildProcess child("operate", {path, GetParam(), std::to_string(nStep)});
-        const int nEnd = child.Wait();
-        dbCPatients::Open(path.c_str());
-        const PracticeState state = StateOf(practice);
-        dbCPatients::Close();
-        if (nStep == 0)
-        {
-            ASSERT_EQ(nEnd, DONE);
-            after = state;
-            ASSERT_NE(after, before);
-            // A new record's GUIDs are made up: compare what does not depend on them.
-            if (GetParam() == "create")
-                after.patients["B2"].clear();
-            continue;
-        }
-        if (nEnd == DONE)
-            break; // there is no such step
-        ASSERT_EQ(nEnd, veltest::ENDED_AT_STEP) << "step " << nStep;
-        PracticeState comparable = state;
-        if (GetParam() == "create" && comparable.patients.count("B2"))
-            comparable.patients["B2"].clear();
-        nBefore += comparable == before;
-        nAfter += comparable == after;
-        EXPECT_TRUE(comparable == before || comparable == after)
-            << "step " << nStep << ":\n"
-            << testing::PrintToString(comparable) << "before:\n"
-            << testing::PrintToString(before) << "after:\n"
-            << testing::PrintToString(after);
+        database.practice.Set("Environment", "WORKING", folder + "working\\");
+        dbCPatients::Open((folder + "patients.db").c_str());
+        const PracticeState state = StateOf(folder + "working");
+        nBefore += state == before;
+        nAfter += state == after;
+        EXPECT_TRUE(state == before || state == after) << step << ":\n"
+                                                       << testing::PrintToString(state) << "before:\n"
+                                                       << testing::PrintToString(before) << "after:\n"
+                                                       << testing::PrintToString(after);
     }
     EXPECT_GT(nBefore, 0);
     EXPECT_GT(nAfter, 1);
@@ -197,7 +194,7 @@ TEST(Operations, ARefusedOneChangesNeitherObjectNorPractice)
     other.Load("A1");
     other.SetNotes("by another seat");
     other.Save();
-    const PracticeState before = StateOf(database.practice);
+    const PracticeState before = StateOf(database.practice.Working());
     const std::string image = Image(stale);
     EXPECT_EQ(ErrorOf([&] { stale.DeleteTimepoint(1); }), dbErrChangedElsewhere);
     EXPECT_EQ(ErrorOf([&] { stale.DeleteTimepointImages(1); }), dbErrChangedElsewhere);
@@ -211,7 +208,7 @@ TEST(Operations, ARefusedOneChangesNeitherObjectNorPractice)
         other.DeleteTimepoint(0);
     }
     EXPECT_EQ(other.GetTimepoints().GetCount(), 3);
-    EXPECT_EQ(StateOf(database.practice), before);
+    EXPECT_EQ(StateOf(database.practice.Working()), before);
 }
 
 TEST(Operations, ARemovalByListTakesOnlyWhatIsAsItWasListed)
@@ -283,6 +280,25 @@ TEST(Operations, AnotherSeatLeavesAloneWhatALivingOneIsAt)
     FullPatient("A1").Save();
     EXPECT_EQ(FilesOf(database.practice.Working()).count("Z900.I0A"), 1U);
     EXPECT_EQ(FilesOf(database.practice.Working()).count("A100.I0A"), 0U);
+}
+
+TEST(Operations, WhatAKilledOneWasAtIsDoneByTheNextToOpen)
+{
+    TestDatabase database;
+    Fill(database.practice);
+    const std::string signal = database.practice.Path("signal");
+    veltest::ChildProcess child("pause", {database.Path(), "rename", signal});
+    ASSERT_TRUE(WaitFor(signal + ".reached"));
+    child.Kill();
+    dbCPatients::Open(database.Path().c_str());
+    std::set<std::string> names, expected(std::begin(OTHER_FILES), std::end(OTHER_FILES));
+    for (const std::string name : OWN_FILES)
+        expected.insert("Z9" + name.substr(2));
+    expected.insert({"Z9.PF", "A12.PF"});
+    for (const auto& [name, content] : FilesOf(database.practice.Working()))
+        names.insert(name);
+    EXPECT_EQ(names, expected);
+    EXPECT_TRUE(dbCPatients().IsIDFree("A1"));
 }
 
 TEST(Operations, APatientFileWrittenLateIsNotTheOlderOne)

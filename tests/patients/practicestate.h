@@ -29,8 +29,8 @@ inline std::map<std::string, std::string> FilesOf(const std::string& folder)
     return files;
 }
 
-/// The state of the open database's practice.
-inline PracticeState StateOf(const veltest::TemporaryPractice& practice)
+/// The state of the open database and of its working folder.
+inline PracticeState StateOf(const std::string& folder)
 {
     PracticeState state;
     dbTList<dbSPatientListRow> rows;
@@ -41,7 +41,7 @@ inline PracticeState StateOf(const veltest::TemporaryPractice& practice)
         EXPECT_TRUE(patient.Load(row.strGUID));
         state.patients[row.strID.GetString()] = Image(patient);
     }
-    state.files = FilesOf(practice.Working());
+    state.files = FilesOf(folder);
     return state;
 }
 
