@@ -53,6 +53,7 @@ std::vector<std::string> Addresses(const dbCPatient& patient)
 TEST(PatientArchive, LoadedIntoAnEmptyPracticeEveryFieldIsEqual)
 {
     std::string bytes, before;
+    std::vector<std::string> fields;
     std::vector<std::string> addresses;
     {
         TestDatabase home;
@@ -79,6 +80,7 @@ TEST(PatientArchive, LoadedIntoAnEmptyPracticeEveryFieldIsEqual)
         const CString strItem = dbCDiagnosticGroup::DefineItem("Airway", "Clinical", "AW1", "Tonsils");
         dbCDiagnosticInfo info;
         info.SetValue("enlarged");
+        info.SetNote("a note");
         dbCPatientDiagnostics(patient.GetGUID(), 0, "Clinical")
             .AddDiagnosticRecord(strItem, 2, info, 0, velCDate(2024, 1, 4));
         // An item that the other practice does not have.
@@ -102,6 +104,18 @@ TEST(PatientArchive, LoadedIntoAnEmptyPracticeEveryFieldIsEqual)
         addresses = Addresses(patient);
         before = Image(patient);
         bytes = Store(patient, 1);
+        dbCPatient own;
+        EXPECT_TRUE(Read(own, bytes, 1));
+        fields = Fields(own);
+        EXPECT_EQ(own.GetOfficeID(), patient.GetOfficeID());
+        EXPECT_EQ(own.GetArchiveOffice(), "Main Street");
+        ASSERT_EQ(own.GetArchiveDiagnostics().GetCount(), 2);
+        EXPECT_EQ((FieldLines() << own.GetArchiveDiagnostics()[0]).TakeLines(),
+                  (std::vector<std::string>{"Airway", "AW1", "2", "enlarged", "a note"}));
+        ASSERT_EQ(own.GetArchiveTreatments().GetCount(), 1);
+        EXPECT_EQ((FieldLines() << own.GetArchiveTreatments()[0]).TakeLines(),
+                  (std::vector<std::string>{treatment.GetptshID().GetString(), "Phase 1", "P1", "-1",
+                                            "2024-01-03 00:00:00"}));
     }
     TestDatabase away;
     const CString strOffice = dbCOfficeLocations().AddOffice("MAIN street");
@@ -109,13 +123,14 @@ TEST(PatientArchive, LoadedIntoAnEmptyPracticeEveryFieldIsEqual)
     dbCPatient archived;
     ASSERT_TRUE(Read(archived, bytes, 1));
     EXPECT_EQ(Image(archived), before);
+    EXPECT_EQ(Difference(Fields(archived), fields), "");
     dbCPatients patients;
     ASSERT_TRUE(patients.AddFromArchive(archived));
     EXPECT_FALSE(patients.AddFromArchive(archived)) << "it is there already";
 
     dbCPatient loaded;
     ASSERT_TRUE(loaded.Load("A1"));
-    EXPECT_EQ(loaded.GetLastname(), HardText());
+    EXPECT_EQ(loaded.GetLastname(), archived.GetLastname());
     EXPECT_EQ(loaded.GetOfficeID(), strOffice) << "matched by name";
     EXPECT_EQ(loaded.GetReferrals()[0].Get_docLastname(), "Reed");
     EXPECT_EQ(loaded.GetInsurances()[0].GetCompanyName(), "Sound Cover");
@@ -151,10 +166,17 @@ TEST(PatientArchive, TheEarlierFormatCarriesItsFields)
     EXPECT_FALSE(Read(read, bytes, 1)) << "told from the present format";
     read.Initialize();
     ASSERT_TRUE(Read(read, bytes, 2));
-    EXPECT_EQ(read.GetLastname(), HardText());
+    EXPECT_EQ(read.GetLastname(), HardText() + "0");
     EXPECT_EQ(read.GetTimepoints()[2].GetImageBits(0), 4U);
     ASSERT_EQ(read.GetArchiveDiagnostics().GetCount(), 1);
     EXPECT_EQ(read.GetArchiveDiagnostics()[0].GetTP(), 1);
+
+    // What has no sum is looked at the more closely.
+    EXPECT_FALSE(Read(read, bytes + '\0', 2)) << "something behind the end";
+    patient.SetNickname("NUL INSIDE");
+    std::string zero = Store(patient, 2);
+    zero[zero.find("NUL INSIDE") + 3] = '\0';
+    EXPECT_FALSE(Read(read, zero, 2));
 }
 
 TEST(PatientArchive, CutShortAnywhereItIsRefusedAndChangesNothing)

@@ -153,6 +153,25 @@ TEST(Database, OverTheNetworkItHasARollbackJournal)
     EXPECT_EQ(database.practice.ReadFile("remote.db")[19], 1);
 }
 
+TEST(Database, ACommitThatAReaderHoldsUpIsRefusedAndCanBeRepeated)
+{
+    TestDatabase database;
+    dbCPatients::Close();
+    database.practice.Set("Environment", "DatabaseOnNetwork", "1");
+    dbCPatients::Open(database.Path().c_str());
+    sqlite3* pReader = nullptr;
+    ASSERT_EQ(sqlite3_open(database.Path().c_str(), &pReader), SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(pReader, "BEGIN; SELECT count(*) FROM patients", nullptr, nullptr, nullptr),
+              SQLITE_OK);
+    dbCPatient patient = NewPatient("A1");
+    EXPECT_EQ(ErrorOf([&] { patient.Save(); }), dbErrLocked);
+    EXPECT_FALSE(patient.IsValid());
+    EXPECT_FALSE(dbCTransaction::IsActive());
+    sqlite3_close(pReader);
+    patient.Save();
+    EXPECT_TRUE(dbCPatient().Load("A1"));
+}
+
 TEST(Database, AFailedOpenKeepsTheOneThatIsOpen)
 {
     TestDatabase database;

@@ -1,6 +1,7 @@
 // The live patient files: the ".PF" file, renaming with the ID, removal with the patient.
 
 #include "suite/patients/files/dbplacement.h"
+#include "suite/patients/records/patientfile.h"
 #include "suite/patients/store/dbsteps.h"
 #include "tests/patients/testdatabase.h"
 
@@ -53,6 +54,100 @@ TEST(PatientFiles, HeaderLineAndTimepoints)
               "2024-02-29 00:00:00\x01"
               "Initial\x01\n");
     EXPECT_EQ(FilesIn(database.practice.Working()).size(), 1U) << "no scratch file stays behind";
+}
+
+TEST(PatientFiles, OnlyAWholeTextIsRead)
+{
+    const veltest::TemporaryPractice practice;
+    const std::string head = "Lee\x01"
+                             "Ann\x01"
+                             "A1\x01";
+    const auto row = [](const std::string& number, const std::string& date) {
+        return number + " 00000000 00000000 00000000 00000000 00000000 00000000 00000000 ffffffff\x01" +
+               date + "\x01Initial\x01";
+    };
+    const std::string good = row("99", "2024-02-29 00:00:00");
+    std::string many;
+    for (int i = 0; i < 100; ++i)
+        many += row(std::to_string(i), "") + "\n";
+    const struct
+    {
+        std::string text;
+        int nTimepoints; ///< -1: none that is a patient's
+    } CASES[] = {{head + "\n", 0},
+                 {head + "\r\n" + good + "\r\n", 1},
+                 {head + "\n" + many, 100},
+                 {head + "\n" + many + good + "\n", -1},
+                 {"", -1},
+                 {head, -1},
+                 {"Lee\x01"
+                  "Ann\x01\n",
+                  -1},
+                 {"Lee\x01" + head + "\n", -1},
+                 {head + "x\n", -1},
+                 {std::string(23, 'L') + head + "\n", -1},
+                 {std::string(22, 'L') + head + "\n", 0},
+                 {head + "\n" + good, -1},
+                 {head + "\n\n", -1},
+                 {head + "\n" + good + "more\x01\n", -1},
+                 {head + "\n" + row("100", "") + "\n", -1},
+                 {head + "\n" + row("-1", "") + "\n", -1},
+                 {head + "\n" + row("x", "") + "\n", -1},
+                 {head + "\n" + row("1 00000000", "") + "\n", -1},
+                 {head + "\n" + row("1", "2024-02-30 00:00:00") + "\n", -1},
+                 {head + "\n" + std::string(1 << 20, '\n'), -1}};
+    for (const auto& test : CASES)
+    {
+        SCOPED_TRACE(test.text.substr(0, 200));
+        practice.WriteFile("A1.PF", test.text);
+        dbCPatient patient = NewPatient("KEPT");
+        EXPECT_EQ(patReadPatientFile(practice.Path("A1.PF").c_str(), patient), test.nTimepoints >= 0);
+        EXPECT_EQ(patient.GetID(), test.nTimepoints >= 0 ? "A1" : "KEPT");
+        EXPECT_EQ(patient.GetTimepoints().GetCount(), std::max(test.nTimepoints, 0));
+        if (test.nTimepoints != 1)
+            continue;
+        const patCTimepoint& timepoint = patient.GetTimepoints()[0];
+        EXPECT_EQ(timepoint.GetBaseFilename() + timepoint.GetName() + timepoint.GetDate().ToISO(),
+                  "A199Initial2024-02-29");
+        EXPECT_EQ(timepoint.GetImageBits(6), 0U);
+        EXPECT_EQ(timepoint.GetImageBits(7), 0xFFFFFFFF);
+    }
+    dbCPatient patient;
+    EXPECT_FALSE(patReadPatientFile(practice.Path("none.PF").c_str(), patient));
+}
+
+TEST(PatientFiles, OneOfTheEarlierFormatHasThePlaceForATime)
+{
+    TestDatabase database;
+    const auto names = [&] { return FilesIn(database.practice.Working()); };
+    dbCPatient patient = NewPatient("A1");
+    patient.Save();
+    database.practice.WriteFile("working/A1.PF", "its own");
+    for (const bool bOwn : {true, false})
+    {
+        if (!bOwn)
+            std::filesystem::remove(database.practice.Path("working/A1.PF"));
+        const auto before = names();
+        {
+            const patCEarlierFile earlier(patient);
+            EXPECT_EQ(database.practice.ReadFile("working/A1.PF").find("Lee\x01"), 0U);
+            patCEarlierFile::RestoreAbandoned();
+            EXPECT_EQ(database.practice.ReadFile("working/A1.PF").find("Lee\x01"), 0U) << "it is wanted";
+            EXPECT_EQ(names().count("A1.ORIGINALPF"), bOwn ? 1U : 0U);
+        }
+        EXPECT_EQ(names(), before);
+        EXPECT_TRUE(!bOwn || database.practice.ReadFile("working/A1.PF") == "its own");
+    }
+    database.practice.WriteFile("working/A1.PF", "of the earlier format");
+    database.practice.WriteFile("working/A1.ORIGINALPF", "left by a process that ended");
+    dbCPatients::Open(database.Path().c_str());
+    EXPECT_EQ(names(), std::set<std::string>{"A1.PF"});
+    EXPECT_EQ(database.practice.ReadFile("working/A1.PF"), "left by a process that ended");
+    {
+        const OpenFile viewer(database.practice.Working() + "A1.PF");
+        EXPECT_EQ(ErrorOf([&] { const patCEarlierFile earlier(patient); }), dbErrIO);
+    }
+    EXPECT_EQ(database.practice.ReadFile("working/A1.PF"), "left by a process that ended");
 }
 
 TEST(PatientFiles, WithoutOptionNoFileIsWritten)

@@ -476,6 +476,7 @@ TEST(Diagnostics, RecordsByItemAndTimepoint)
     dbCPatientDiagnostics writer(patient.GetGUID(), 0, "Clinical");
     dbCDiagnosticInfo info;
     info.SetValue(HardText());
+    info.SetNote("note");
     writer.AddDiagnosticRecord(strItem, 1, info, 0, velCDate(2024, 1, 1));
     EXPECT_EQ(ErrorOf([&] { writer.AddDiagnosticRecord("none", 1, info, 0, velCDate(2024, 1, 1)); }),
               dbErrNotFound);
@@ -486,7 +487,12 @@ TEST(Diagnostics, RecordsByItemAndTimepoint)
     const dbCPatientDiagnostics stored(patient.GetGUID(), 0, "Clinical");
     ASSERT_EQ(stored.GetCount(), 1) << "saving the patient keeps what refers to its timepoints";
     EXPECT_EQ(stored[0].strValue, HardText());
+    EXPECT_EQ(stored[0].strNote, "note");
+    EXPECT_EQ(stored[0].strDtID, group.GetItem(0).GetdtID());
+    EXPECT_EQ(stored[0].strTpID, patient.GetTimepoints()[1].GettpID());
     EXPECT_EQ(stored[0].nTP, 1);
+    EXPECT_EQ(dbCPatientDiagnostics(patient.GetGUID(), 2, "Clinical").GetCount(), 1) << "number one and one";
+    EXPECT_EQ(dbCPatientDiagnostics(patient.GetGUID(), 1, "Clinical").GetCount(), 0);
     EXPECT_TRUE(dbCAcPatientsContainer::IsPatientGUIDInUse(patient.GetGUID()));
     EXPECT_FALSE(dbCAcPatientsContainer::IsPatientGUIDInUse(dbNewGUID()));
 }
