@@ -142,7 +142,7 @@ struct AfxThreadAccess
             }
             return false;
         }
-        startup.release(); // the thread's
+        static_cast<void>(startup.release()); // the thread's
         thread.m_hThread = handle;
         thread.m_nThreadID = id;
         ::SetThreadPriority(handle, priority);
@@ -173,7 +173,7 @@ CWinThread* AfxStartThread(std::unique_ptr<CWinThread> owner, int priority, UINT
     {
         return nullptr;
     }
-    owner.release();
+    static_cast<void>(owner.release()); // the thread deletes it when it ends
     return thread;
 }
 } // namespace
