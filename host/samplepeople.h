@@ -17,7 +17,7 @@ struct Date
     int month = 1;
     int day = 1;
 
-    auto operator<=>(const Date&) const = default;
+    auto operator<=>(const Date&) const = default; // NOLINT(modernize-use-nullptr): a comparison with 0
 };
 
 struct Address

@@ -12,7 +12,7 @@ CString velWithBackslash(LPCTSTR lpszFolder)
 
 CString velGetTempPath()
 {
-    const CString configured = velWithBackslash(velenv("TEMP"));
+    CString configured = velWithBackslash(velenv("TEMP"));
     if (velFolderExists(configured))
     {
         return configured;

@@ -42,8 +42,9 @@ protected:
     // As the module does; the block is the window's.
     void Tell(WPARAM what, const CString& guid)
     {
-        char* const copy = new char[static_cast<std::size_t>(guid.GetLength()) + 1];
-        std::strcpy(copy, guid);
+        const auto size = static_cast<std::size_t>(guid.GetLength()) + 1;
+        char* const copy = new char[size];
+        std::memcpy(copy, guid.GetString(), size);
         m_frame->SendMessage(VELDLGS_PATIENT_CHANGED, what, reinterpret_cast<LPARAM>(copy));
         TakeMessages();
     }
