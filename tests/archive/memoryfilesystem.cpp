@@ -20,7 +20,7 @@ public:
     MemoryFile(MemoryFileSystem& files, std::string key, std::shared_ptr<Node> node, bool alone)
         : m_files(files), m_key(std::move(key)), m_node(std::move(node)), m_alone(alone)
     {
-        ++m_node->readers;
+        ++m_node->readers; // under the lock of Open
         m_node->alone |= alone;
     }
     ~MemoryFile() override
@@ -30,6 +30,7 @@ public:
 
     std::optional<std::size_t> ReadAt(std::uint64_t position, void* buffer, std::size_t bytes) override
     {
+        const std::lock_guard lock(m_files.m_mutex);
         if (m_files.Fails())
         {
             return std::nullopt;
@@ -43,6 +44,7 @@ public:
 
     bool WriteAt(std::uint64_t position, const void* data, std::size_t bytes) override
     {
+        const std::lock_guard lock(m_files.m_mutex);
         std::string& to = m_node->bytes;
         const std::size_t end = position + bytes;
         if (m_files.Fails() || (end > to.size() && !m_files.HasRoom(m_key, to.size(), end)))
@@ -65,23 +67,30 @@ public:
 
     std::optional<std::uint64_t> Size() override
     {
-        return m_files.Fails() ? std::nullopt : std::optional<std::uint64_t>(m_node->bytes.size());
+        const std::lock_guard lock(m_files.m_mutex);
+        const std::uint64_t size = m_node->bytes.size();
+        if (m_files.m_sized)
+            m_files.m_sized(m_key);
+        return m_files.Fails() ? std::nullopt : std::optional(size);
     }
 
     bool FlushToDisk() override
     {
+        const std::lock_guard lock(m_files.m_mutex);
         m_node->onMedium = !m_files.Fails();
         return m_node->onMedium;
     }
 
     bool SetWritten(const arc::LocalTime& time) override
     {
+        const std::lock_guard lock(m_files.m_mutex);
         m_node->written = time;
         return !m_files.Fails();
     }
 
     bool Close() override
     {
+        const std::lock_guard lock(m_files.m_mutex);
         Release();
         return !m_files.Fails();
     }
@@ -89,6 +98,7 @@ public:
 private:
     void Release()
     {
+        const std::lock_guard lock(m_files.m_mutex);
         if (m_node)
         {
             --m_node->readers;
@@ -224,6 +234,7 @@ bool MemoryFileSystem::HasRoom(const std::string& key, std::uint64_t oldSize, st
 
 std::unique_ptr<arc::File> MemoryFileSystem::Open(const std::string& path, arc::Access access)
 {
+    const std::lock_guard lock(m_mutex);
     const std::string key = Key(path);
     if (Fails() || key.empty())
     {
@@ -267,6 +278,7 @@ std::unique_ptr<arc::File> MemoryFileSystem::Open(const std::string& path, arc::
 
 arc::FileQuery MemoryFileSystem::Query(const std::string& path)
 {
+    const std::lock_guard lock(m_mutex);
     if (Fails())
     {
         return arc::FileQuery::Unknown();
@@ -278,6 +290,7 @@ arc::FileQuery MemoryFileSystem::Query(const std::string& path)
 bool MemoryFileSystem::List(const std::string& folder, const std::string& wildcard,
                             std::vector<arc::FolderEntry>& entries)
 {
+    const std::lock_guard lock(m_mutex);
     const std::string begin = Key(folder) + "\\";
     if (Fails() || !m_nodes.contains(Key(folder)))
     {
@@ -297,6 +310,7 @@ bool MemoryFileSystem::List(const std::string& folder, const std::string& wildca
 
 bool MemoryFileSystem::CreateFolder(const std::string& path)
 {
+    const std::lock_guard lock(m_mutex);
     const std::string full = Full(path);
     if (Fails() || Exists(full) || !Exists(std::string(arc::FolderOf(full))))
     {
@@ -312,6 +326,7 @@ bool MemoryFileSystem::CreateFolder(const std::string& path)
 
 bool MemoryFileSystem::RemoveFolder(const std::string& path)
 {
+    const std::lock_guard lock(m_mutex);
     const std::string key = Key(path);
     const bool holds = std::any_of(m_nodes.begin(), m_nodes.end(),
                                    [&](const auto& node) { return node.first.starts_with(key + "\\"); });
@@ -323,6 +338,7 @@ bool MemoryFileSystem::RemoveFolder(const std::string& path)
 
 bool MemoryFileSystem::RemoveFile(const std::string& path)
 {
+    const std::lock_guard lock(m_mutex);
     const Node* node = Find(path);
     return !Fails() && node && !node->folder && node->readers == 0 &&
            (node->attributes & arc::attribute::ReadOnly) == 0 && m_nodes.erase(Key(path)) > 0;
@@ -330,6 +346,7 @@ bool MemoryFileSystem::RemoveFile(const std::string& path)
 
 bool MemoryFileSystem::Move(const std::string& from, const std::string& to)
 {
+    const std::lock_guard lock(m_mutex);
     if (Fails() || !Exists(from) || Exists(to))
     {
         return false;
@@ -343,6 +360,7 @@ bool MemoryFileSystem::Move(const std::string& from, const std::string& to)
 
 bool MemoryFileSystem::SetAttributes(const std::string& path, std::uint32_t attributes)
 {
+    const std::lock_guard lock(m_mutex);
     Node* node = Find(path);
     if (Fails() || !node)
     {
@@ -354,11 +372,13 @@ bool MemoryFileSystem::SetAttributes(const std::string& path, std::uint32_t attr
 
 std::string MemoryFileSystem::Absolute(const std::string& path)
 {
+    const std::lock_guard lock(m_mutex);
     return Fails() ? std::string() : Full(path);
 }
 
 std::string MemoryFileSystem::Identity(const std::string& path)
 {
+    const std::lock_guard lock(m_mutex);
     return Fails() || !Exists(path) ? std::string() : Key(path);
 }
 
@@ -398,6 +418,7 @@ std::string MemoryFileSystem::Full(const std::string& path)
 
 std::optional<arc::DiskSpace> MemoryFileSystem::Space(const std::string& folder)
 {
+    const std::lock_guard lock(m_mutex);
     const char letter = Full(folder)[0];
     const auto drive = m_drives.find(letter);
     if (Fails() || drive == m_drives.end())

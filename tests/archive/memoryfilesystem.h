@@ -4,13 +4,16 @@
 #include "archive/files/filesystem.h"
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
 // Names are kept with their case and found without it. "C:\\" is there from the start and is the current
-// folder. For one thread.
+// folder. The calls of the file system and of its files come from any thread, one at a time; what a test sets
+// and looks at is for a moment in which none comes.
 class MemoryFileSystem : public arc::FileSystem
 {
 public:
@@ -44,6 +47,8 @@ public:
     void FailFrom(int call, int times = 0);
     int Calls() const;
     bool m_bGarbles = false; // what is written reads back otherwise, as on a bad medium
+    // Called whenever the size of an open file has been asked for.
+    std::function<void(const std::string& path)> m_sized;
 
     // --- arc::FileSystem ---
     std::unique_ptr<arc::File> Open(const std::string& path, arc::Access access) override;
@@ -58,6 +63,9 @@ public:
     std::string Absolute(const std::string& path) override;
     std::string Identity(const std::string& path) override;
     std::optional<arc::DiskSpace> Space(const std::string& folder) override;
+
+protected:
+    std::recursive_mutex m_mutex; // held in every call
 
 private:
     class MemoryFile;

@@ -1,40 +1,12 @@
-#include "archive/files/filenames.h"
-#include "archive/zip/unzipper.h"
-#include "archive/work/verify.h"
+// Writing zips, file by file and folder by folder.
 #include "archive/zip/zipdirectory.h"
-#include "archive/zip/zipper.h"
-#include "tests/archive/memoryfilesystem.h"
-#include "tests/archive/rawzip.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <algorithm>
+#include "tests/archive/zipfixture.h"
 
 using testing::ElementsAre;
 namespace attribute = arc::attribute;
 
-// The zip library keeps 80 bytes when it cannot write an entry's header; a save that fails so is over anyway.
-extern "C" const char* __lsan_default_suppressions();
-extern "C" const char* __lsan_default_suppressions()
-{
-    return "leak:zipOpenNewFileInZip4_64";
-}
-
 namespace
 {
-std::string Noise(std::size_t size)
-{
-    std::string bytes(size, '\0');
-    std::uint32_t state = 12345;
-    for (char& byte : bytes)
-    {
-        state = state * 1664525 + 1013904223;
-        byte = static_cast<char>(state >> 24);
-    }
-    return bytes;
-}
-
 class ArchiveZipper : public testing::Test
 {
 protected:
@@ -183,30 +155,6 @@ TEST_F(ArchiveZipper, OpenFailsWhereNothingCanBeWritten)
     EXPECT_FALSE(zipper.AddPatternList("\"*\""));
 }
 
-TEST_F(ArchiveZipper, PatternListTakesStrictMatchesOnce)
-{
-    for (const char* name : {"A1.PF", "A100.I40", "A100.V40", "A1200.I40", "A1$00$x", "A1$y.2dmorph", "B.PF"})
-    {
-        files.Put(std::string("C:\\work\\") + name, name);
-    }
-    files.CreateFolder("C:\\out");
-    ASSERT_TRUE(zipper.OpenZip("C:\\out\\A1.KAZ"));
-    EXPECT_TRUE(zipper.AddPatternList(arc::ArchivePatternArgument("A1"), "C:\\work", true));
-    ASSERT_TRUE(zipper.CloseZip());
-    EXPECT_THAT(Names("C:\\out\\A1.KAZ"),
-                ElementsAre("A1.PF", "A100.I40", "A100.V40", "A1$00$x", "A1$y.2dmorph"));
-
-    ASSERT_TRUE(zipper.OpenZip("C:\\out\\B.KAZ", "C:\\work"));
-    EXPECT_TRUE(zipper.AddPatternList("\"C:\\work\\B*\" C:\\work\\none.*"));
-    ASSERT_TRUE(zipper.CloseZip());
-    EXPECT_THAT(Names("C:\\out\\B.KAZ"), ElementsAre("B.PF"));
-
-    // A file that is held by another process is a failed save, not one file less.
-    const auto held = files.Open("C:\\work\\A100.I40", arc::Access::ReadShared);
-    ASSERT_TRUE(zipper.OpenZip("C:\\out\\A1.KAZ"));
-    EXPECT_FALSE(zipper.AddPatternList(arc::ArchivePatternArgument("A1"), "C:\\work", true));
-}
-
 TEST_F(ArchiveZipper, ZipsOneFileBesideIt)
 {
     files.Put("C:\\w\\a.pf", "abc");
@@ -218,106 +166,4 @@ TEST_F(ArchiveZipper, ZipsOneFileBesideIt)
     const std::string before = files.Bytes("C:\\w\\a.zip");
     EXPECT_FALSE(CZipper::ZipFile(files, "C:\\w\\A.ZIP"));
     EXPECT_EQ(files.Bytes("C:\\w\\a.zip"), before);
-}
-
-TEST_F(ArchiveZipper, ProgressMovesWithinALargeFile)
-{
-    files.Put("C:\\w\\large.i40", Noise(3'000'000));
-    files.Put("C:\\w\\small.i40", "x");
-    std::vector<int> seen;
-    zipper.SetProgress([&](int percent, const std::string&) {
-        seen.push_back(percent);
-        return true;
-    });
-    ASSERT_TRUE(zipper.OpenZip("C:\\w\\x.zip"));
-    EXPECT_TRUE(zipper.AddPatternList("\"*.i40\"", "C:\\w", true));
-    EXPECT_TRUE(std::is_sorted(seen.begin(), seen.end()));
-    EXPECT_GT(
-        std::count_if(seen.begin(), seen.end(), [](int percent) { return percent > 0 && percent < 100; }),
-        30);
-    EXPECT_EQ(seen.back(), 100);
-}
-
-TEST_F(ArchiveZipper, LargeFilesRoundTripThroughEveryBuffer)
-{
-    std::vector<arc::PresentFile> set;
-    for (const std::size_t size : {0u, 1u, 2047u, 2048u, 2049u, 65536u, 262144u, 262145u, 700'001u})
-    {
-        set.push_back({"f" + std::to_string(size) + ".bin", size});
-        files.Put("C:\\w\\" + set.back().name, Noise(size));
-    }
-    ASSERT_TRUE(zipper.OpenZip("C:\\x.kaz"));
-    EXPECT_TRUE(zipper.AddFiles("C:\\w", set));
-    ASSERT_TRUE(zipper.CloseZip());
-    EXPECT_TRUE(arc::VerifyZip(files, "C:\\x.kaz", set));
-    CUnzipper unzipper(files);
-    ASSERT_TRUE(unzipper.OpenZip("C:\\x.kaz"));
-    EXPECT_TRUE(unzipper.UnzipAll("C:\\out\\deep"));
-    for (const auto& file : set)
-    {
-        EXPECT_EQ(files.Bytes("C:\\out\\deep\\" + file.name), files.Bytes("C:\\w\\" + file.name))
-            << file.name;
-    }
-    set.back().size++;
-    EXPECT_FALSE(arc::VerifyZip(files, "C:\\x.kaz", set));
-    set.pop_back();
-    EXPECT_FALSE(arc::VerifyZip(files, "C:\\x.kaz", set));
-}
-
-// Whatever call fails first, all after it fail too, as on a disk that is full or gone: the save says so.
-TEST_F(ArchiveZipper, NoFaultGoesUnnoticed)
-{
-    std::vector<arc::PresentFile> set;
-    for (const std::size_t size : {600'000u, 3u})
-    {
-        set.push_back({"f" + std::to_string(size), size});
-        files.Put("C:\\w\\" + set.back().name, Noise(size));
-    }
-    const auto save = [&] {
-        CZipper saver(files);
-        const bool added = saver.OpenZip("C:\\x.kaz") && saver.AddFiles("C:\\w", set);
-        return saver.CloseZip() && added;
-    };
-    files.FailFrom(0);
-    ASSERT_TRUE(save());
-    const int calls = files.Calls();
-    ASSERT_GT(calls, 10);
-    for (int call = 1; call <= calls; ++call)
-    {
-        files.FailFrom(call);
-        EXPECT_FALSE(save()) << call;
-    }
-    files.FailFrom(0);
-    EXPECT_TRUE(save());
-}
-
-TEST_F(ArchiveZipper, AFullDiskIsAFailedSave)
-{
-    files.AddDrive('D', 20, 512);
-    files.Put("C:\\w\\a.pf", Noise(20'000));
-    ASSERT_TRUE(zipper.OpenZip("D:\\x.kaz"));
-    const bool added = zipper.AddFileToZip("C:\\w\\a.pf", true);
-    EXPECT_FALSE(zipper.CloseZip() && added);
-}
-
-TEST_F(ArchiveZipper, VerificationSeesEveryChangedByte)
-{
-    files.Put("C:\\w\\a.pf", "some bytes of a record");
-    files.Put("C:\\w\\b.pf", Noise(50));
-    const std::vector<arc::PresentFile> set = {{"a.pf", 22}, {"b.pf", 50}};
-    ASSERT_TRUE(zipper.OpenZip("C:\\x.kaz"));
-    ASSERT_TRUE(zipper.AddFiles("C:\\w", set));
-    ASSERT_TRUE(zipper.CloseZip());
-    const std::string whole = files.Bytes("C:\\x.kaz");
-    int unnoticed = 0;
-    for (std::size_t at = 0; at < whole.size(); ++at)
-    {
-        std::string changed = whole;
-        changed[at] ^= 0x10;
-        files.Put("C:\\x.kaz", changed);
-        unnoticed += arc::VerifyZip(files, "C:\\x.kaz", set) ? 1 : 0;
-    }
-    // Versions, times and attributes of two entries in two headers, and the bits that fill up the last byte
-    // of packed contents; nothing of names, sizes, places or contents.
-    EXPECT_LE(unnoticed, 2 * (6 + 14 + 1));
 }

@@ -1,28 +1,18 @@
 #include "archive/files/filenames.h"
 #include "archive/work/resultcodes.h"
 #include "archive/work/zipwork.h"
-#include "tests/archive/memoryfilesystem.h"
-#include "tests/archive/sharedfiles.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include "tests/archive/zipfixture.h"
 
 #include <algorithm>
 
 using testing::ElementsAre;
 namespace attribute = arc::attribute;
 
-extern "C" const char* __lsan_default_suppressions();
-extern "C" const char* __lsan_default_suppressions()
-{
-    return "leak:zipOpenNewFileInZip4_64"; // see zipper_test.cpp
-}
-
 namespace
 {
 const std::string Archive = "C:\\arc\\S1.KAZ";
 
-class ArchiveZipWork : public testing::TestWithParam<unsigned> // workers
+class ArchiveZipWork : public ZipTest
 {
 protected:
     ArchiveZipWork()
@@ -37,11 +27,14 @@ protected:
         save.patterns = arc::ArchivePatternArgument("S1");
         save.folder = "C:\\w";
         save.moreFiles = {"C:\\tmp\\S1.ACV", "C:\\w\\S100.DF0", "C:\\w\\S1.PF"};
-        save.parallel.workers = GetParam();
+        save.parallel = parallel;
     }
 
-    MemoryFileSystem files;
-    SharedFiles shared{files};
+    int Load(const arc::WorkProgress& progress = {}, const std::string& path = Archive)
+    {
+        return arc::LoadZip(files, path, "C:\\out", progress, save.parallel);
+    }
+
     arc::ZipSave save;
 };
 INSTANTIATE_TEST_SUITE_P(Workers, ArchiveZipWork, testing::Values(1U, 2U, 7U));
@@ -52,7 +45,7 @@ TEST_P(ArchiveZipWork, WhatIsSavedLoadsEqual)
     std::vector<int> percents;
     save.checking = "checking";
     std::string last;
-    ASSERT_EQ(arc::SaveZip(shared, save,
+    ASSERT_EQ(arc::SaveZip(files, save,
                            [&](int percent, const std::string& name) {
                                percents.push_back(percent);
                                last = name;
@@ -61,7 +54,7 @@ TEST_P(ArchiveZipWork, WhatIsSavedLoadsEqual)
               arc::ResultDone);
     EXPECT_TRUE(std::is_sorted(percents.begin(), percents.end()));
     EXPECT_EQ(last, "checking");
-    ASSERT_EQ(arc::LoadZip(shared, Archive, "C:\\out", {}, save.parallel), arc::ResultDone);
+    ASSERT_EQ(Load(), arc::ResultDone);
     EXPECT_THAT(files.Tree("C:\\out"),
                 ElementsAre("C:\\OUT\\S1.ACV", "C:\\OUT\\S1.PF", "C:\\OUT\\S100.DF0", "C:\\OUT\\S100.I40"));
     EXPECT_EQ(files.Bytes("C:\\out\\S100.DF0"), files.Bytes("C:\\w\\S100.DF0"));
@@ -72,13 +65,13 @@ TEST_P(ArchiveZipWork, TheOldArchiveGoesOnlyWhenTheNewOneIsGood)
 {
     files.Put(Archive, "old", attribute::Archive | attribute::Hidden);
     files.Put(Archive + ".previous", "older");
-    ASSERT_EQ(arc::SaveZip(shared, save), arc::ResultDone);
+    ASSERT_EQ(arc::SaveZip(files, save), arc::ResultDone);
     EXPECT_THAT(files.Tree("C:\\arc"), ElementsAre("C:\\ARC\\S1.KAZ", "C:\\ARC\\S1.KAZ.PREVIOUS"));
     EXPECT_EQ(files.Bytes(Archive + ".previous"), "older");
 
     files.Put(Archive, "old");
     const auto held = files.Open("C:\\w\\S100.I40", arc::Access::ReadShared);
-    EXPECT_EQ(arc::SaveZip(shared, save), arc::ResultSaveFailed);
+    EXPECT_EQ(arc::SaveZip(files, save), arc::ResultSaveFailed);
     EXPECT_FALSE(files.Exists(Archive));
     EXPECT_EQ(files.Bytes(Archive + ".previous2"), "old");
     EXPECT_EQ(files.Bytes(Archive + ".previous"), "older");
@@ -95,7 +88,7 @@ TEST_P(ArchiveZipWork, TheZipTakesTheArchivesNameWhenItIsProven)
     save.trial = [&](const std::string& path) { return path == save.workingPath && files.Exists(path); };
     std::vector<arc::PresentFile> stored;
     files.Find("C:\\w\\S1.PF")->stamp = 77;
-    ASSERT_EQ(arc::SaveZip(shared, save, {}, &stored), arc::ResultDone);
+    ASSERT_EQ(arc::SaveZip(files, save, {}, &stored), arc::ResultDone);
     EXPECT_THAT(seen, ElementsAre("save.aside", "save.written", "save.proven", "save.placed!", "save.done!"));
     EXPECT_THAT(files.Tree("C:\\arc"), ElementsAre("C:\\ARC\\S1.KAZ"));
     EXPECT_THAT(stored,
@@ -105,12 +98,12 @@ TEST_P(ArchiveZipWork, TheZipTakesTheArchivesNameWhenItIsProven)
     // What fails the trial is no archive, and the one that was there is kept.
     files.Put(Archive, "old");
     save.trial = [](const std::string&) { return false; };
-    EXPECT_EQ(arc::SaveZip(shared, save, {}, &stored), arc::ResultSaveFailed);
+    EXPECT_EQ(arc::SaveZip(files, save, {}, &stored), arc::ResultSaveFailed);
     EXPECT_THAT(files.Tree("C:\\arc"), ElementsAre("C:\\ARC\\S1.KAZ.PREVIOUS"));
     // Somebody else's file of the working name stays.
     save.trial = {};
     files.Put(save.workingPath, "mine");
-    EXPECT_EQ(arc::SaveZip(shared, save), arc::ResultSaveFailed);
+    EXPECT_EQ(arc::SaveZip(files, save), arc::ResultSaveFailed);
     EXPECT_EQ(files.Bytes(save.workingPath), "mine");
     // So does one that takes the archive's name meanwhile.
     files.Remove(save.workingPath);
@@ -118,7 +111,7 @@ TEST_P(ArchiveZipWork, TheZipTakesTheArchivesNameWhenItIsProven)
         files.Put(Archive, "mine");
         return true;
     };
-    EXPECT_EQ(arc::SaveZip(shared, save), arc::ResultSaveFailed);
+    EXPECT_EQ(arc::SaveZip(files, save), arc::ResultSaveFailed);
     EXPECT_THAT(files.Tree("C:\\arc"), ElementsAre("C:\\ARC\\S1.KAZ", "C:\\ARC\\S1.KAZ.PREVIOUS"));
     EXPECT_EQ(files.Bytes(Archive), "mine");
 }
@@ -126,10 +119,10 @@ TEST_P(ArchiveZipWork, TheZipTakesTheArchivesNameWhenItIsProven)
 TEST_P(ArchiveZipWork, AReadOnlyArchiveStays)
 {
     files.Put(Archive, "old", attribute::Archive | attribute::ReadOnly);
-    EXPECT_EQ(arc::SaveZip(shared, save), arc::ResultSaveFailed);
+    EXPECT_EQ(arc::SaveZip(files, save), arc::ResultSaveFailed);
     EXPECT_EQ(files.Bytes(Archive), "old");
     save.diskette = true;
-    EXPECT_EQ(arc::SaveZip(shared, save), arc::ResultSaveFailed);
+    EXPECT_EQ(arc::SaveZip(files, save), arc::ResultSaveFailed);
     EXPECT_EQ(files.Bytes(Archive), "old");
 }
 
@@ -139,7 +132,7 @@ TEST_P(ArchiveZipWork, OnADisketteTheArchiveIsWrittenOver)
     save.diskette = true;
     save.workingPath = "C:\\arc\\S1.ZIP"; // the diskette need not have room for both
     save.trial = [](const std::string& path) { return path == Archive; };
-    EXPECT_EQ(arc::SaveZip(shared, save), arc::ResultDone);
+    EXPECT_EQ(arc::SaveZip(files, save), arc::ResultDone);
     EXPECT_TRUE(files.Find(Archive)->onMedium);
     EXPECT_THAT(files.Tree("C:\\arc"), ElementsAre("C:\\ARC\\S1.KAZ"));
 }
@@ -147,33 +140,31 @@ TEST_P(ArchiveZipWork, OnADisketteTheArchiveIsWrittenOver)
 TEST_P(ArchiveZipWork, FailuresHaveTheirCodes)
 {
     save.moreFiles.push_back("C:\\tmp\\none");
-    EXPECT_EQ(arc::SaveZip(shared, save), arc::ResultSaveFailed);
+    EXPECT_EQ(arc::SaveZip(files, save), arc::ResultSaveFailed);
     EXPECT_FALSE(files.Exists(Archive));
     save.moreFiles.pop_back();
     save.archivePath = "C:\\nowhere\\S1.KAZ";
-    EXPECT_EQ(arc::SaveZip(shared, save), arc::ResultSaveFailed);
+    EXPECT_EQ(arc::SaveZip(files, save), arc::ResultSaveFailed);
     // Two files of one bare name could not both be loaded.
     save.archivePath = Archive;
     files.Put("C:\\tmp\\S100.I40", "other");
     save.moreFiles.push_back("C:\\tmp\\S100.I40");
-    EXPECT_EQ(arc::SaveZip(shared, save), arc::ResultSaveFailed);
+    EXPECT_EQ(arc::SaveZip(files, save), arc::ResultSaveFailed);
     EXPECT_FALSE(files.Exists(Archive));
 
     files.Put(Archive, "no zip");
-    EXPECT_EQ(arc::LoadZip(shared, Archive, "C:\\out", {}, save.parallel), arc::ResultLoadFailed);
-    EXPECT_EQ(arc::LoadZip(shared, "C:\\none.kaz", "C:\\out"), arc::ResultLoadFailed);
+    EXPECT_EQ(Load(), arc::ResultLoadFailed);
+    EXPECT_EQ(Load({}, "C:\\none.kaz"), arc::ResultLoadFailed);
 }
 
 TEST_P(ArchiveZipWork, StoppingLeavesNoArchive)
 {
     files.Put(Archive, "old");
-    EXPECT_EQ(arc::SaveZip(shared, save, [](int, const std::string&) { return false; }),
-              arc::ResultCancelled);
+    EXPECT_EQ(arc::SaveZip(files, save, [](int, const std::string&) { return false; }), arc::ResultCancelled);
     EXPECT_FALSE(files.Exists(Archive));
     EXPECT_EQ(files.Bytes(Archive + ".previous"), "old");
-    ASSERT_EQ(arc::SaveZip(shared, save), arc::ResultDone);
-    EXPECT_EQ(arc::LoadZip(shared, Archive, "C:\\out", [](int, const std::string&) { return false; }),
-              arc::ResultCancelled);
+    ASSERT_EQ(arc::SaveZip(files, save), arc::ResultDone);
+    EXPECT_EQ(Load([](int, const std::string&) { return false; }), arc::ResultCancelled);
 }
 
 // Whichever call is the last that works, as when the process is killed there: the old archive is whole, under
@@ -191,7 +182,7 @@ TEST_P(ArchiveZipWork, NoMomentLosesBothArchives)
     };
     reset();
     files.FailFrom(0);
-    ASSERT_EQ(arc::SaveZip(shared, save), arc::ResultDone);
+    ASSERT_EQ(arc::SaveZip(files, save), arc::ResultDone);
     const int calls = files.Calls();
     const std::string good = files.Bytes(Archive);
     ASSERT_GT(calls, 20);
@@ -201,7 +192,7 @@ TEST_P(ArchiveZipWork, NoMomentLosesBothArchives)
         {
             reset();
             files.FailFrom(call, times);
-            const int result = arc::SaveZip(shared, save);
+            const int result = arc::SaveZip(files, save);
             files.FailFrom(0);
             const bool whole = files.Bytes(Archive) == good;
             const bool kept = files.Bytes(Archive) == "old" || files.Bytes(Archive + ".previous") == "old";
