@@ -4,7 +4,6 @@
 #include <chrono>
 #include <cstring>
 #include <new>
-#include <utility>
 
 namespace arc
 {
@@ -47,7 +46,6 @@ void EntryPacker::Run() noexcept
         }
         catch (const std::bad_alloc&)
         {
-            m_budget.GiveBack(entry.held);
             entry = {};
             entry.state = PackedEntry::State::Stream;
         }
@@ -87,17 +85,16 @@ void EntryPacker::Pack(std::size_t index, Tools& tools, PackedEntry& entry)
     }
     const auto bytes = static_cast<std::size_t>(*size);
     const std::size_t bound = tools.deflater->Bound(bytes);
-    if (!m_budget.Take(bytes + bound, [&] { return m_turn == index; }))
+    entry.memory = m_budget.Take(bytes + bound, [&] { return m_turn == index; });
+    if (!entry.memory)
     {
         return; // stopped
     }
-    entry.held = bytes + bound;
     {
         Buffer large;
         const auto contents = (bytes <= KeptBuffer ? tools.small : large).Take(bytes);
         if (!Read(*source, contents))
         {
-            m_budget.GiveBack(std::exchange(entry.held, 0));
             return;
         }
         entry.bytes = std::make_unique_for_overwrite<unsigned char[]>(bound);
@@ -113,8 +110,7 @@ void EntryPacker::Pack(std::size_t index, Tools& tools, PackedEntry& entry)
         std::memcpy(exact.get(), entry.bytes.get(), kept);
         entry.bytes = std::move(exact);
     }
-    m_budget.GiveBack(entry.held - kept);
-    entry.held = kept;
+    entry.memory.ShrinkTo(kept);
     entry.state = PackedEntry::State::Packed;
 }
 
@@ -137,7 +133,6 @@ bool EntryPacker::Read(File& source, std::span<unsigned char> contents)
 
 std::optional<PackedEntry> EntryPacker::Next(const std::function<bool()>& wait)
 {
-    m_budget.GiveBack(std::exchange(m_heldByCaller, 0));
     const std::size_t index = m_next++;
     m_turn = index;
     m_budget.Poke();
@@ -152,8 +147,6 @@ std::optional<PackedEntry> EntryPacker::Next(const std::function<bool()>& wait)
         }
         lock.lock();
     }
-    PackedEntry entry = std::move(m_entries[index]);
-    m_heldByCaller = entry.held;
-    return entry;
+    return std::move(m_entries[index]);
 }
 } // namespace arc

@@ -31,9 +31,9 @@ struct PackedEntry
     FileInfo info; ///< with the size that was packed
     std::uint32_t crc = 0;
     std::uint16_t internalAttributes = 0;
+    MemoryShare memory; ///< that the bytes take
     std::unique_ptr<unsigned char[]> bytes;
     std::size_t packedSize = 0;
-    std::uint64_t held = 0; ///< of the memory budget
 };
 
 /// Reads, checks and packs each file on one of its threads, ahead of the calling thread as far as the memory
@@ -51,8 +51,8 @@ public:
     {
         return m_hasWorkers;
     }
-    /// Waits for the next entry; the memory of the one before is given back. wait is called at least every 50
-    /// ms meanwhile; nothing comes when it answers false.
+    /// Waits for the next entry, which must not outlive this object; the others wait for its memory. wait is
+    /// called at least every 50 ms meanwhile; nothing comes when it answers false.
     std::optional<PackedEntry> Next(const std::function<bool()>& wait);
     /// Bytes of all files that have been read so far.
     std::uint64_t BytesRead() const
@@ -76,7 +76,6 @@ private:
     std::atomic<std::size_t> m_begun = 0; ///< index of the first file that no thread has begun
     std::atomic<std::size_t> m_turn = 0;  ///< index of the entry that the caller waits for
     std::size_t m_next = 0;               ///< the caller's
-    std::uint64_t m_heldByCaller = 0;
     std::mutex m_mutex;
     std::condition_variable m_packed;
     std::vector<PackedEntry> m_entries; ///< under the mutex

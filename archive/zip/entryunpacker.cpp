@@ -76,20 +76,11 @@ bool EntryUnpacker::Unpack(std::size_t index, Tools& tools)
     const ZipEntry& entry = m_entries[index];
     const auto packedSize = static_cast<std::size_t>(entry.packedSize);
     const auto size = static_cast<std::size_t>(entry.size);
-    if (!m_budget.Take(packedSize + size))
+    const MemoryShare memory = m_budget.Take(packedSize + size);
+    if (!memory)
     {
         return false;
     }
-    struct GivesBack
-    {
-        MemoryBudget& budget;
-        std::uint64_t bytes;
-        ~GivesBack()
-        {
-            budget.GiveBack(bytes);
-        }
-    };
-    const GivesBack givesBack{m_budget, packedSize + size};
     Buffer largePacked;
     Buffer largeContents;
     const auto packed = (packedSize <= KeptBuffer ? tools.packed : largePacked).Take(packedSize);

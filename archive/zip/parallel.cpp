@@ -34,7 +34,7 @@ void Workers::Join()
     m_threads.clear();
 }
 
-bool MemoryBudget::Take(std::uint64_t bytes, const std::function<bool()>& urgent)
+MemoryShare MemoryBudget::Take(std::uint64_t bytes, const std::function<bool()>& urgent)
 {
     std::unique_lock lock(m_mutex);
     m_changed.wait(lock, [&] {
@@ -43,10 +43,19 @@ bool MemoryBudget::Take(std::uint64_t bytes, const std::function<bool()>& urgent
     });
     if (m_stopped)
     {
-        return false;
+        return {};
     }
     m_used += bytes;
-    return true;
+    return {*this, bytes};
+}
+
+void MemoryShare::ShrinkTo(std::uint64_t bytes)
+{
+    if (m_budget && bytes < m_bytes)
+    {
+        m_budget->GiveBack(m_bytes - bytes);
+        m_bytes = bytes;
+    }
 }
 
 void MemoryBudget::GiveBack(std::uint64_t bytes)

@@ -7,6 +7,7 @@
 #include <functional>
 #include <mutex>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace arc
@@ -50,6 +51,42 @@ private:
     std::vector<std::thread> m_threads;
 };
 
+class MemoryBudget;
+
+/// A part of a budget, given back when it is destroyed. The budget must outlive it.
+class MemoryShare
+{
+public:
+    MemoryShare() = default; ///< of nothing
+    MemoryShare(MemoryBudget& budget, std::uint64_t bytes) : m_budget(&budget), m_bytes(bytes)
+    {
+    }
+    MemoryShare(MemoryShare&& other) noexcept
+        : m_budget(std::exchange(other.m_budget, nullptr)), m_bytes(std::exchange(other.m_bytes, 0))
+    {
+    }
+    MemoryShare& operator=(MemoryShare&& other) noexcept
+    {
+        std::swap(m_budget, other.m_budget);
+        std::swap(m_bytes, other.m_bytes);
+        return *this;
+    }
+    ~MemoryShare()
+    {
+        ShrinkTo(0);
+    }
+    explicit operator bool() const
+    {
+        return m_budget != nullptr;
+    }
+    /// bytes: no more than it has.
+    void ShrinkTo(std::uint64_t bytes);
+
+private:
+    MemoryBudget* m_budget = nullptr;
+    std::uint64_t m_bytes = 0;
+};
+
 /// Memory shared by the entries that are on their way. For any number of threads.
 class MemoryBudget
 {
@@ -59,13 +96,15 @@ public:
     }
 
     /// Waits until there is room for so many bytes, or nobody holds any, or urgent answers true (looked at
-    /// again whenever Poke is called). False, with nothing taken, after Stop.
-    bool Take(std::uint64_t bytes, const std::function<bool()>& urgent = {});
-    void GiveBack(std::uint64_t bytes);
+    /// again whenever Poke is called). Nothing after Stop.
+    MemoryShare Take(std::uint64_t bytes, const std::function<bool()>& urgent = {});
     void Poke();
     void Stop();
 
 private:
+    friend class MemoryShare;
+    void GiveBack(std::uint64_t bytes);
+
     const std::uint64_t m_limit;
     std::mutex m_mutex;
     std::condition_variable m_changed;

@@ -1,11 +1,14 @@
 // Archives of many files, packed, read back and unpacked by one thread or several.
 #include "archive/files/filenames.h"
 #include "archive/work/verify.h"
+#include "archive/zip/entrypacker.h"
 #include "archive/zip/zipfunctions.h"
 #include "tests/archive/zipfixture.h"
 
 #include <algorithm>
+#include <chrono>
 #include <set>
+#include <thread>
 
 #include <minizip/zip.h>
 
@@ -288,6 +291,37 @@ TEST_P(ArchiveParallel, NoFaultGoesUnnoticed)
             files.FailFrom(0);
         }
     }
+}
+
+// What is packed ahead is bounded by what it takes once it is packed, and an entry that was taken counts no
+// more.
+TEST_P(ArchiveParallel, PacksAheadAsFarAsTheMemoryReaches)
+{
+    constexpr std::size_t size = 40'000;
+    const auto begin = [&](const std::string& contents) {
+        std::vector<std::string> paths;
+        for (int i = 0; i < 20; ++i)
+        {
+            paths.push_back("C:\\w\\" + std::to_string(i));
+            files.Put(paths.back(), contents);
+        }
+        return paths;
+    };
+    const auto readsAhead = [&](const arc::EntryPacker& packer, std::size_t files) {
+        for (int i = 0; i < 2000 && packer.BytesRead() < files * size; ++i)
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        return packer.BytesRead() / size;
+    };
+    const auto small = begin(std::string(size, 'a'));
+    arc::EntryPacker all(files, small, parallel);
+    EXPECT_EQ(readsAhead(all, 20), 20u);
+
+    const auto large = begin(Noise(size));
+    arc::EntryPacker some(files, large, parallel);
+    for (int i = 0; i < 10; ++i)
+        EXPECT_TRUE(some.Next([] { return true; }));
+    EXPECT_GE(readsAhead(some, 13), 13u);
+    EXPECT_LT(some.BytesRead() / size, 18u);
 }
 
 // A patient's file may well be of one value; what we save we load.
