@@ -7,9 +7,19 @@
 #include "suite/dialogs/ctlregister.h"
 #include "suite/patients/store/patdefs.h"
 
+namespace
+{
+
+// Tells others on this computer that the module is loaded. The system closes it with the process if nobody
+// does.
+HANDLE hLoaded = nullptr;
+
+} // namespace
+
 BOOL CVelDlgsApp::InitInstance()
 {
     CWinApp::InitInstance();
+    hLoaded = ::CreateMutex(nullptr, FALSE, "VelMultiThreadMutex");
     InitVelPatDLL(1);
     HINSTANCE hInstance = AfxGetInstanceHandle();
     cttRegisterClass(hInstance);
@@ -26,5 +36,7 @@ int CVelDlgsApp::ExitInstance()
     cedCKeywords::UnregisterControlClass(hInstance);
     cedCEdit::UnregisterControlClass(hInstance);
     cttUnregisterClass(hInstance);
+    if (hLoaded != nullptr)
+        ::CloseHandle(hLoaded);
     return CWinApp::ExitInstance();
 }

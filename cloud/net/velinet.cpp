@@ -164,9 +164,10 @@ int CVelInet::SendCommand(const std::string& line)
         if (!Post(*request, cloud::RequestHeaders(m_bUseFIPS), line))
         {
             // Callers know the text as it stands, placeholder and style included.
+            const DWORD nError = ::GetLastError();
             CString strText;
             strText.LoadString(IDS_CLD_SEND_FAILED);
-            AfxMessageBox(strText, ::GetLastError());
+            AfxMessageBox(strText, nError);
         }
         request->SetReadBufferSize(ReadBufferSize);
         request->QueryInfoStatusCode(nStatus);

@@ -98,6 +98,9 @@ TEST(Loading, WorksAgainAndAgainAndLeavesNoWindowClassBehind)
             ASSERT_NE(handle, nullptr) << "round " << round << ", error " << GetLastError();
             for (const char* name : {"VELEDKEYW", "VELEDIT", "VELTEETH"})
                 EXPECT_TRUE(IsClassKnown(name, handle)) << name << ", round " << round;
+            const HANDLE mutex = OpenMutexA(SYNCHRONIZE, FALSE, "VelMultiThreadMutex");
+            EXPECT_NE(mutex, nullptr) << "error " << GetLastError();
+            CloseHandle(mutex);
 
             // A fresh module: archiving is forbidden until it is allowed.
             const auto setArchivingAllowed = module.Get<bool (*)(bool)>("_Z19SetArchivingAllowedb");

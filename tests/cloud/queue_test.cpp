@@ -1,7 +1,10 @@
 // Queuing uploads for the transfer program.
 #include "cloud/queue/farreachveltrix.h"
-#include "cloud/queue/queuereport.h"
+#include "cloud/res/cloudres.h"
+#include "cloud/upload/internetoperations.h"
 #include "tests/cloud/exchangefixture.h"
+
+#include <sqlite3.h>
 
 using testing::ElementsAre;
 using veltest::DialogScript;
@@ -96,6 +99,69 @@ TEST_F(Queue, RefusesWhatCannotBeUploaded)
     EXPECT_EQ(CFarreachVeltrix(m_program).CheckRasko(FALSE), velQueueNoProgram);
     EXPECT_EQ(Pending(patient), 0);
     EXPECT_THAT(m_program.m_calls, ElementsAre("register 3"));
+
+    sqlite3* database = nullptr;
+    sqlite3_open(m_practice.Path("patients.db").c_str(), &database);
+    EXPECT_EQ(sqlite3_exec(database, "DROP TABLE raskoTasks", nullptr, nullptr, nullptr), SQLITE_OK);
+    sqlite3_close(database);
+    const std::string missing =
+        "A required database table, raskoTasks, does not exist. Please contact Veltrix "
+        "support for assistance.";
+    EXPECT_EQ(UploadWithBox(patient, missing), velQueueNoTable);
+    EXPECT_EQ(RunList([&](DialogScript& script) { script.AnswerBox(missing, IDOK); }), IDCANCEL);
+}
+
+TEST_F(Queue, ReportsEachPatientOfSeveral)
+{
+    // A program that is not registered and cannot be run: nothing of it comes up.
+    m_practice.Set("Environment", "velrasko", "32");
+    m_practice.WriteFile("sys\\velrasko.exe", "");
+    EXPECT_STREQ(velCTransferProgram::GetPath(), m_practice.Path("sys\\velrasko.exe").c_str());
+    StorePatient("A1", 2);
+    ::DeleteFile(m_practice.Path("working\\A101.I2A").c_str());
+    StorePatient("B1", 0);
+    dbCPatient patient = StorePatient("C1");
+    patient.SetBirthdate(velCDate());
+    patient.Save();
+    dbSRaskoTask pending;
+    for (const auto& [id, computer] : {std::pair("D1", CFarreachVeltrix::GetComputer()), {"E1", "FRONTDESK"}})
+    {
+        pending.strPatientGUID = StorePatient(id).GetGUID();
+        pending.strQueueComputer = computer;
+        dbCRaskoTasksContainer::InsertRow(pending);
+    }
+    EXPECT_FALSE(veltest::RunModal(
+        [] {
+            return velSavePatientsToInternet(nullptr, {"A1", "B1", "C1", "D1", "E1", "NONE"});
+        },
+        [](DialogScript& script) {
+            const veltest::Dialog dialog = script.WaitForDialog("Save Patient To Internet");
+            EXPECT_EQ(dialog.Item(IDC_CLD_PATIENTS).Text(), "The records of 6 patients will be uploaded.");
+            dialog.Press(IDOK);
+            script.AnswerBox(
+                "The patient C1 does not have a valid birth date assigned.  Please edit the patient "
+                "information and enter the patient birth date first.",
+                IDOK);
+            script.AnswerBox("Patient sID: A1 has some or all images missing. It can not be uploaded.\n"
+                             "Patient sID: B1 has no images. It can not be uploaded.\n"
+                             "Patient ID: C1 was not queued.\n"
+                             "Patient ID: D1 already exists in rasko queue.\n"
+                             "Patient ID: E1 has already been queued on computer, \"FRONTDESK\".\n"
+                             "Error loading patient sID: NONE",
+                             IDOK);
+        }));
+
+    velCTransferProgram program;
+    EXPECT_FALSE(veltest::RunModal([&] { return program.Wake(); },
+                                   [](DialogScript& script) {
+                                       script.AnswerBox(
+                                           "The Veltrix Rasko has not be registered and I was unable "
+                                           "to manually run Rasko.\nConfirm that VelRasko.exe is in "
+                                           "the correct location and try again.",
+                                           IDOK);
+                                   }));
+    m_practice.Set("Environment", "velrasko", "64");
+    EXPECT_STREQ(velCTransferProgram::GetPath(), m_practice.Path("sys\\velrasko64.exe").c_str());
 }
 
 TEST_F(Queue, ChecksTheSettingUpInItsOrder)

@@ -73,7 +73,11 @@ TEST_F(VelInet, SendsEveryCommandByteForByte)
     const HttpServer server(
         [](const std::string&, const veltest::Reply& reply) { reply.Send(Ok("one\r\ntwo\nthree")); });
     PlainInet inet(server.Address());
+    _putenv("TZ=WST5"); // five hours west of Greenwich
+    _tzset();
     EXPECT_EQ(inet.Login("u ser", "a b&c"), 0);
+    _putenv("TZ=");
+    _tzset();
     EXPECT_TRUE(inet.IsLoggedIn());
     EXPECT_STREQ(inet.GetResponse(), "onetwothree");
     EXPECT_EQ(inet.Logout(), 0);
@@ -97,7 +101,7 @@ TEST_F(VelInet, SendsEveryCommandByteForByte)
         bodies.push_back(BodyOf(request));
     EXPECT_THAT(
         bodies,
-        ElementsAre(testing::StartsWith("cmd=login&Login=u+ser&password=a+b%26c&tz="), "cmd=logout",
+        ElementsAre("cmd=login&Login=u+ser&password=a+b%26c&tz=300", "cmd=logout",
                     testing::StartsWith("cmd=login&Login=&password=p&tz="), "cmd=displaymessage",
                     "cmd=getlist", "cmd=getdownloadable", "cmd=getdownloadpatient&PatientID=F%2f1",
                     "cmd=updatedpatients&lastQueryTime=2020%2d01%2d01T00%3a00",
