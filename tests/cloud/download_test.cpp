@@ -249,7 +249,15 @@ TEST_F(Exchange, LetsTheUserSettleWhoItIs)
         dialog.Item(IDC_IDCONFLICT_ID).SetText(id);
         dialog.Press(IDOK);
     };
-    EXPECT_EQ(run([&](DialogScript& script) { script.WaitForDialogWith(IDC_IDCONFLICT_ID).Press(IDCANCEL); }),
+    EXPECT_EQ(run([&](DialogScript& script) {
+                  const Dialog dialog = script.WaitForDialogWith(IDC_IDCONFLICT_ID);
+                  EXPECT_EQ(
+                      dialog.Item(IDC_IDCONFLICT_MESSAGE).Text(),
+                      "An existing patient (Lee, Zo\xeb ID:B1) in veltrix has same name and birth date. "
+                      "Please select the following action.");
+                  EXPECT_EQ(dialog.Item(IDC_IDCONFLICT_ID).Text(), "A1");
+                  dialog.Press(IDCANCEL);
+              }),
               IDCANCEL);
     EXPECT_EQ(State(), "");
     EXPECT_EQ(run([&](DialogScript& script) {
@@ -272,6 +280,10 @@ TEST_F(Exchange, LetsTheUserSettleWhoItIs)
     m_known = {"D1"};
     const std::string before = State();
     EXPECT_EQ(run([&](DialogScript& script) {
+                  EXPECT_EQ(
+                      script.WaitForDialogWith(IDC_IDCONFLICT_ID).Item(IDC_IDCONFLICT_MESSAGE).Text(),
+                      "Patient ID: A1 for patient \"Roe, Zo\xeb\" already exists in Veltrix. Please select "
+                      "another patient ID.");
                   answer(script, "A1");
                   script.AnswerBox("This Patient ID already used by another patient. Try another.", IDOK);
                   answer(script, "D1");
@@ -281,6 +293,25 @@ TEST_F(Exchange, LetsTheUserSettleWhoItIs)
     ASSERT_TRUE(created.Load("D1"));
     EXPECT_STRNE(created.GetGUID(), other.GetGUID());
     EXPECT_STREQ(created.GetLastname() + created.GetTimepoint(0).GetBaseFilename(), "RoeD107");
+
+    // The same person after all: the patient who is here gets what is new, under the ID that is here.
+    record.replace(record.find("patlastName='Roe'"), 17, "patlastName='LEE'");
+    record.replace(record.find("patVeltrixID='77'"), 17, "patVeltrixID='78'");
+    created.SetLastname("Roe-Lee"); // nobody else of the name
+    created.Save();
+    other.SetFirstname("Zoe");
+    other.Save();
+    EXPECT_EQ(run([&](DialogScript& script) {
+                  const Dialog dialog = script.WaitForDialogWith(IDC_IDCONFLICT_ID);
+                  dialog.Press(IDC_IDCONFLICT_MERGE);
+                  dialog.Press(IDOK);
+                  script.AnswerBox(Merged, IDOK);
+              }),
+              IDOK);
+    dbCPatient merged;
+    ASSERT_TRUE(merged.Load("B1"));
+    EXPECT_STREQ(merged.GetLastname() + merged.GetVeltrixID(), "Lee78");
+    EXPECT_EQ(merged.GetTimepoints().GetCount(), 1);
 }
 
 TEST_F(Exchange, SignsInUntilTheServiceAgreesOrTheUserGivesUp)
@@ -294,6 +325,25 @@ TEST_F(Exchange, SignsInUntilTheServiceAgreesOrTheUserGivesUp)
                   wait.Press(IDCANCEL);
               }),
               IDCANCEL);
+    m_replies["login"] = "welcome"; // nobody is remembered
+    EXPECT_EQ(RunList([&](DialogScript& script) {
+                  const Dialog wait = script.WaitForDialog("Waiting for Rasko");
+                  wait.Press(IDC_CLD_SIGN_IN_HERE);
+                  script.WaitForDialog("Sign In to FarreachVeltrix").Press(IDCANCEL);
+                  script.WaitUntil("the wait goes on", [&] { return wait.IsEnabled(); });
+                  wait.Press(IDC_CLD_SIGN_IN_HERE);
+                  const Dialog signIn = script.WaitForDialog("Sign In to FarreachVeltrix");
+                  script.SettleIdle(signIn.Handle());
+                  EXPECT_FALSE(signIn.Item(IDOK).IsEnabled());
+                  signIn.Item(IDC_CLD_USER).Type("carl");
+                  signIn.Item(IDC_CLD_PASSWORD).Type("x y");
+                  script.WaitUntil("OK can be pressed", [&] { return signIn.Item(IDOK).IsEnabled(); });
+                  signIn.Press(IDOK);
+                  script.WaitForDialog("Get Patient From Internet").Press(IDCANCEL);
+              }),
+              IDCANCEL);
+    EXPECT_THAT(m_server.Requests().front(), HasSubstr("cmd=login&Login=carl&password=x+y&tz="));
+    m_replies.erase("login");
     EXPECT_EQ(RunList([&](DialogScript& script) {
                   script.WaitForDialog("Waiting for Rasko");
                   m_program.m_bCredentials = true; // they have been entered there
@@ -321,7 +371,8 @@ TEST_F(Exchange, SignsInUntilTheServiceAgreesOrTheUserGivesUp)
                   list.Press(IDCANCEL);
               }),
               IDCANCEL);
-    EXPECT_THAT(Commands(), ElementsAre("login", "login", "logout", "login", "logout"));
+    EXPECT_THAT(Commands(), ElementsAre("login", "getdownloadable", "logout", "login", "login", "logout",
+                                        "login", "logout"));
     EXPECT_FALSE(m_credentials.IsKnown());
     m_program.m_bInstalled = false;
     EXPECT_EQ(RunList([&](DialogScript& script) {
