@@ -120,8 +120,10 @@ void velCDlgEditEmails::OnMakeFirst()
     const int nEntry = m_list.GetCurSel();
     if (nEntry <= 0)
         return;
+    const std::string entry = GetEntry();
     std::rotate(m_emails.begin(), m_emails.begin() + nEntry, m_emails.begin() + nEntry + 1);
     Show(0);
+    m_editAddress.SetWindowText(entry.c_str()); // it may have been changed and not added yet
 }
 
 void velCDlgEditEmails::OnUpdateAdd(CCmdUI* pCmdUI)

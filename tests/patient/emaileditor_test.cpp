@@ -68,15 +68,17 @@ TEST(EmailEditor, AddsChangesRemovesAndLosesNothing)
             press(IDC_EMAIL_ADD);
             EXPECT_THAT(list.Items(), ElementsAre("ida@example.org", "s@example.org", "new@example.org"));
             list.Choose(2);
+            field.Replace("newer@example.org");
             press(IDC_EMAIL_FIRST);
             EXPECT_EQ(list.Selection(), 0);
+            press(IDC_EMAIL_CHANGE);
             list.Choose(1);
             press(IDC_EMAIL_REMOVE);
             EXPECT_EQ(field.Text(), "");
             dialog.Press(IDOK);
         });
     EXPECT_EQ(result, IDOK);
-    EXPECT_THAT(editor.GetEmails(), ElementsAre("new@example.org", "s@example.org"));
+    EXPECT_THAT(editor.GetEmails(), ElementsAre("newer@example.org", "s@example.org"));
 }
 
 } // namespace
