@@ -210,6 +210,8 @@ void velCReceiver::MakeNew(CVelXML& xml)
     m_patient.SetBirthdate(m_dateBirth);
     m_patient.SetGender(GenderOf(m_record.gender));
     xml.ReadPatientDetails(m_patient);
+    // Stored last; read now, so that characters which would be lost are known before anything is stored.
+    xml.ReadPatientEmails();
 }
 
 bool velCReceiver::Plan()

@@ -133,6 +133,8 @@ TEST_F(Exchange, StopsWithoutATraceOfWhatCannotBeTaken)
     m_known = {"A1"};
     const std::string unusable =
         "The record that FarreachVeltrix sent is not complete or not readable.  Nothing was downloaded.";
+    const std::string lossy = "The record holds characters that this computer's language setting does not "
+                              "have.  Nothing was downloaded.";
     const std::pair<std::string, std::string> cases[] = {
         {"", unusable},
         {"<html>", unusable},
@@ -145,9 +147,10 @@ TEST_F(Exchange, StopsWithoutATraceOfWhatCannotBeTaken)
         {ServiceRecord("<Timepoint tpNumber='7'><Images><image file='..\\x.I2A'/></Images></Timepoint>"),
          "The record holds the name \"..\\x.I2A\", which cannot belong to this patient.  Nothing was "
          "downloaded."},
-        {ServiceRecord("<Timepoint tpNumber='7' name='&#20013;'/>"),
-         "The record holds characters that this computer's language setting does not have.  Nothing was "
-         "downloaded."},
+        {ServiceRecord("<Timepoint tpNumber='7' name='&#20013;'/>"), lossy},
+        {Without(ServiceRecord(), "<note>hello</note></patient></record>") +
+             "<emailAddresses><emailAddress firstName='&#20013;'/></emailAddresses></patient></record>",
+         lossy},
     };
     for (const auto& [record, text] : cases)
     {

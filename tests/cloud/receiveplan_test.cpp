@@ -220,11 +220,11 @@ TEST(CloudReceive, JudgesTheSearchesInTheirOrder)
 
 TEST(CloudReceive, SortsAFoldersFilesIntoTimepointsAndImages)
 {
-    const auto timepoints =
-        GroupPatientFiles({"A100.PF", "A1.PF", "a101.i2a", "A101.V2A", "A101.I2A.DIC", "A101.I2A.AVI",
-                           "A101.D1.I2A", "A101.M", "A101.DF0", "A1$01$b.stl", "A1$01$A.stl", "A1$free",
-                           "A100.C01", "A100.I40", "A102.C01", "A102.V3B", "A1001.I2A", "B101.I2B"},
-                          "A1");
+    const auto timepoints = GroupPatientFiles(
+        {"A100.PF",  "A1.PF",    "a101.i2a",    "A101.V2A",    "A101.I2A.DIC", "A101.I2A.AVI", "A101.D1.I2A",
+         "A101.M",   "A101.DF0", "A1$01$b.stl", "A1$01$A.stl", "A1$free",      "A100.C01",     "A100.I40",
+         "A102.C01", "A102.V3B", "A103.I40",    "A103.C01",    "A1001.I2A",    "B101.I2B"},
+        "A1");
     std::vector<std::string> lines;
     for (const auto& [number, timepoint] : timepoints)
     {
@@ -244,5 +244,5 @@ TEST(CloudReceive, SortsAFoldersFilesIntoTimepointsAndImages)
     EXPECT_THAT(lines, ElementsAre("0 [40 A100.I40,]",
                                    "1 A1$01$A.stl=3D A1$01$b.stl=3D A101.M=McLaughlin [2A a101.i2a,A101.V2A "
                                    "A101.D1.I2A=3D A101.I2A.AVI=other A101.I2A.DIC=other]",
-                                   "2 [3B ,A102.V3B] [40 A102.C01,]"));
+                                   "2 [3B ,A102.V3B] [40 A102.C01,]", "3 [40 A103.I40,]"));
 }
