@@ -1,4 +1,5 @@
 // Documents of the exchange: what is written, byte by byte, and what is read of what comes.
+#include "cloud/xml/codepage.h"
 #include "cloud/xml/velxml.h"
 #include "suite/patients/velpat.h"
 #include "tests/support/dialogscript.h"
@@ -6,6 +7,7 @@
 #include "tests/support/temporarypractice.h"
 
 #include <gmock/gmock.h>
+#include <mshtmhst.h>
 
 using veltest::DialogScript;
 
@@ -352,4 +354,66 @@ TEST_F(VelXml, AnswersMessagesWithoutAViewer)
                 [&](DialogScript& script) { script.AnswerBox("The dialog could not be created.", IDOK); }),
             c.result);
     }
+}
+
+namespace
+{
+/// What the HTML dialog was last asked for, and what it answers.
+struct
+{
+    CString strAddress, strPage, strOptions;
+    HRESULT nResult = S_OK;
+} shown;
+
+HRESULT WINAPI Show(HWND, IMoniker* pPage, VARIANT* pArgument, WCHAR* pszOptions, VARIANT*)
+{
+    LPOLESTR pszAddress = nullptr;
+    velComPtr<IBindCtx> context;
+    ::CreateBindCtx(0, context.Receive());
+    EXPECT_EQ(pPage->GetDisplayName(context.Get(), nullptr, &pszAddress), S_OK);
+    shown.strAddress = velNarrow(pszAddress);
+    ::CoTaskMemFree(pszAddress);
+    EXPECT_EQ(pArgument->vt, VT_BSTR);
+    shown.strPage = velNarrow(pArgument->bstrVal);
+    shown.strOptions = velNarrow(pszOptions);
+    return shown.nResult;
+}
+} // namespace
+
+TEST_F(VelXml, ShowsMessagesInTheSystemsDialog)
+{
+    char program[MAX_PATH] = "";
+    ::GetModuleFileName(nullptr, program, MAX_PATH);
+    const CString strProgram = program;
+    // The module that is loaded under this name is the one that is found.
+    const HMODULE viewer =
+        ::LoadLibrary(strProgram.Left(strProgram.ReverseFind('\\')) + "\\viewer\\MSHTML.DLL");
+    ASSERT_NE(viewer, nullptr);
+    *reinterpret_cast<SHOWHTMLDIALOGFN**>(reinterpret_cast<void*>(::GetProcAddress(viewer, "showInTest"))) =
+        &Show;
+    CVelXML xml;
+    EXPECT_EQ(xml.ShowServerMessage("<response><message action='stop' link='l' linkname='n'>Pay</message>"
+                                    "<message link='m' linkname='o'>Hi</message></response>"),
+              -1);
+    EXPECT_STREQ(shown.strAddress, "res://" + strProgram + "/MESSAGE_TEMPLATE");
+    EXPECT_NE(::FindResource(nullptr, "MESSAGE_TEMPLATE", RT_HTML), nullptr);
+    EXPECT_STREQ(
+        shown.strOptions,
+        "dialogHeight: 380px; dialogWidth: 550px; edge: Raised; center: Yes; help: No; resizable: Yes");
+    EXPECT_THAT(std::string(shown.strPage),
+                testing::HasSubstr("<li class=\"stop\">Pay<br><a href=\"http://l\">n</a></li>\r\n"
+                                   "<li class=\"cont\">Hi<br><a href=\"http://m\">o</a></li>\r\n</ol><p"));
+    EXPECT_EQ(xml.ShowServerMessage("<response><message"), 0);
+    EXPECT_STREQ(shown.strPage,
+                 "<p>Veltrix has received a malformed message from the Server.<br>You may need to "
+                 "contact Veltrix support.</p>");
+    shown.nResult = E_FAIL;
+    EXPECT_EQ(veltest::RunModal([&] { return xml.ShowServerMessage("<response/>"); },
+                                [](DialogScript& script) {
+                                    const veltest::Dialog box = script.WaitForBox("ShowHTMLDialog Failed.");
+                                    EXPECT_EQ(box.Title(), "Veltrix Rasko");
+                                    box.Press(IDOK);
+                                }),
+              0);
+    ::FreeLibrary(viewer);
 }
