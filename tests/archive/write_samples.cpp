@@ -1,15 +1,47 @@
-// Writes a zip as the module would, to the path given, so that other programs can be asked about it.
+// Writes zips as the module would into the folder given, so that other programs can be asked about them, and
+// reads them with nothing but the zip library, as its own program does.
 #include "archive/zip/zipper.h"
 #include "tests/archive/memoryfilesystem.h"
 
 #include <fstream>
 #include <iostream>
 
+#include <minizip/unzip.h>
+
+namespace
+{
+bool ReadsWithTheLibrary(const std::string& path, unsigned entries)
+{
+    const unzFile zip = unzOpen64(path.c_str());
+    bool whole = zip != nullptr;
+    for (int result = unzGoToFirstFile(zip); whole && result == UNZ_OK; result = unzGoToNextFile(zip))
+    {
+        char piece[16384];
+        whole = unzOpenCurrentFile(zip) == UNZ_OK;
+        int got = 0;
+        while (whole && (got = unzReadCurrentFile(zip, piece, sizeof piece)) > 0)
+        {
+        }
+        whole = whole && got == 0 && unzCloseCurrentFile(zip) == UNZ_OK; // compares the checksum
+        --entries;
+    }
+    unzClose(zip);
+    return whole && entries == 0;
+}
+
+bool Write(MemoryFileSystem& files, const std::string& to, unsigned entries)
+{
+    const std::string bytes = files.Bytes("C:\\x.kaz");
+    std::ofstream(to, std::ios::binary) << bytes;
+    return ReadsWithTheLibrary(to, entries);
+}
+} // namespace
+
 int main(int count, char** arguments)
 {
     if (count != 2)
     {
-        std::cerr << "usage: write_samples file.zip\n";
+        std::cerr << "usage: write_samples folder\n";
         return 2;
     }
     MemoryFileSystem files;
@@ -18,15 +50,21 @@ int main(int count, char** arguments)
     files.Put("C:\\w\\S100.M", "");
     files.Put("C:\\w\\sub\\deep\\x.bin", std::string(70'000, '\0'));
     files.CreateFolder("C:\\w\\empty");
+    const std::string folder = arguments[1];
     CZipper zipper(files);
-    const bool added = zipper.OpenZip("C:\\x.kaz", "C:\\w") && zipper.AddFolderToZip("C:\\w");
-    if (!zipper.CloseZip() || !added)
+    bool good = zipper.OpenZip("C:\\x.kaz", "C:\\w") && zipper.AddFolderToZip("C:\\w") && zipper.CloseZip() &&
+                Write(files, folder + "/tree.kaz", 7);
+    for (const unsigned workers : {2U, 7U})
     {
-        std::cerr << "the sample could not be zipped\n";
-        return 1;
+        // Of the files one passes as a stream.
+        zipper.SetParallel({.workers = workers, .memory = 200'000, .largest = 100'000, .start = {}});
+        good = good && zipper.OpenZip("C:\\x.kaz") &&
+               zipper.AddPatternList("\"S1*\"", "C:\\w", true, {"C:\\w\\sub\\deep\\x.bin"}) &&
+               zipper.CloseZip() && Write(files, folder + "/" + std::to_string(workers) + ".kaz", 4);
     }
-    const std::string bytes = files.Bytes("C:\\x.kaz");
-    std::ofstream file(arguments[1], std::ios::binary);
-    file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    return file.good() ? 0 : 1;
+    if (!good)
+    {
+        std::cerr << "a sample could not be zipped and read back\n";
+    }
+    return good ? 0 : 1;
 }
