@@ -34,6 +34,7 @@ ArchiveDialogTest::ArchiveDialogTest()
     m_practice.Set("Environment", "DatabaseTimeout", "2000"); // milliseconds
     m_practice.Set("Environment", "TEMP", m_practice.Path("temp"));
     m_practice.Set("Defaults", "ArchiveFilePath", m_practice.Path("archive"));
+    ChangeWorkers();
     UseFirstPractice();
     EXPECT_TRUE(m_host.Open());
     SetArchivingAllowed(true);
@@ -45,6 +46,13 @@ ArchiveDialogTest::~ArchiveDialogTest()
     m_host.DestroyWindow();
     dbCPatients::Close();
     ::SetCurrentDirectory("C:\\");
+}
+
+void ArchiveDialogTest::ChangeWorkers()
+{
+    static int s_nTurn = 0;
+    const char* const workers[] = {"1", "2", "7"};
+    m_practice.Set("Defaults", "ArchiveThreads", workers[s_nTurn++ % 3]);
 }
 
 void ArchiveDialogTest::Use(const std::string& working, const std::string& database)

@@ -42,6 +42,8 @@ protected:
     ArchiveDialogTest();
     ~ArchiveDialogTest() override;
 
+    // The next archives are packed and unpacked by one, two or seven threads, in turn.
+    void ChangeWorkers();
     // Changes to an empty practice on the same computer; the archives' folder stays.
     void UseSecondPractice();
     void UseFirstPractice();

@@ -60,6 +60,7 @@ protected:
         for (int nCode = veltest::ENDED_AT_STEP; nCode == veltest::ENDED_AT_STEP && nStep < 60; ++nStep)
         {
             dbCPatients::Close();
+            ChangeWorkers();
             veltest::ChildProcess child("dieAtStep",
                                         {m_practice.Path(database), std::to_string(nOperation), id, archive,
                                          std::to_string(nFilter), removal, std::to_string(nStep)});

@@ -307,8 +307,8 @@ TEST_P(ArchiveParallel, PacksAheadAsFarAsTheMemoryReaches)
         }
         return paths;
     };
-    const auto readsAhead = [&](const arc::EntryPacker& packer, std::size_t files) {
-        for (int i = 0; i < 2000 && packer.BytesRead() < files * size; ++i)
+    const auto readsAhead = [&](const arc::EntryPacker& packer, std::size_t expected) {
+        for (int i = 0; i < 2000 && packer.BytesRead() < expected * size; ++i)
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
         return packer.BytesRead() / size;
     };
@@ -342,10 +342,10 @@ TEST_P(ArchiveParallel, PatternListTakesStrictMatchesOnce)
         files.Put(std::string("C:\\work\\") + name, name);
     }
     const auto names = [this](const std::string& path) {
-        std::vector<std::string> stored;
+        std::vector<std::string> found;
         for (const std::string& record : Records(files.Bytes(path)))
-            stored.push_back(record.substr(46));
-        return stored;
+            found.push_back(record.substr(46));
+        return found;
     };
     CZipper zipper(files);
     zipper.SetParallel(parallel);

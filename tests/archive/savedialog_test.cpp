@@ -262,6 +262,7 @@ TEST_F(ArchiveDialogTest, GoesOnAfterAFailureAsTheUserWants)
     {
         for (const char* pszID : {"A1", "C1"})
             std::filesystem::remove(Archive(pszID));
+        ChangeWorkers();
         m_practice.WriteFile("archive\\B1.kaz", "somebody's");
         ::SetFileAttributes(Archive("B1").c_str(), FILE_ATTRIBUTE_READONLY);
         EXPECT_EQ(Run(ARCHIVE_OP_SAVE, {"A1", "B1", "C1"}, {},

@@ -145,15 +145,6 @@ TEST_F(ArchiveVolumes, LongFormStraddlesVolumesByteExact)
         EXPECT_EQ(files.Bytes(std::string("C:\\arc\\") + name), Golden(name)) << name;
     }
     EXPECT_FALSE(files.Exists("C:\\arc\\LONG_ID.004"));
-}
-
-TEST_F(ArchiveVolumes, ReadsTheGoldenFiles)
-{
-    PutLong();
-    for (const char* name : {"LONG_ID.001", "LONG_ID.002", "LONG_ID.003"})
-    {
-        files.Put(std::string("C:\\arc\\") + name, Golden(name));
-    }
     ASSERT_EQ(Read("LONG_ID"), VolumeStatus::Done);
     ExpectAllRead();
 }
