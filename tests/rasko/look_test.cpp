@@ -1,8 +1,10 @@
 // The transfer program's windows as they show.
 #include "suite/rasko/program/credentials.h"
+#include "suite/rasko/program/optionsdialog.h"
 #include "suite/rasko/program/raskowindow.h"
 #include "tests/support/dialogquality.h"
 #include "tests/support/mfctestprogram.h"
+#include "tests/support/dialogscript.h"
 #include "tests/support/picture.h"
 #include "tests/support/temporarypractice.h"
 
@@ -64,6 +66,20 @@ TEST_F(LookTest, TheWindowShowsEveryTaskWithItsState)
     EXPECT_TRUE(window.GetDlgItem(IDC_RETRY)->IsWindowEnabled());
     EXPECT_EQ(veltest::DialogFindings(window.m_hWnd), "");
     EXPECT_TRUE(veltest::SavePicture(window.m_hWnd, "rasko-window"));
+    // The options open over the window, hidden or not, once; wake-ups are taken meanwhile.
+    window.ShowWindow(SW_HIDE);
+    veltest::RunModal(
+        [&] { return window.SendMessage(RaskoMessageOptions); },
+        [&](veltest::DialogScript& script) {
+            const veltest::Dialog options = script.WaitForDialog("Veltrix Rasko Options");
+            EXPECT_EQ(GetWindow(options.Handle(), GW_OWNER), window.m_hWnd);
+            EXPECT_TRUE(IsWindowVisible(window.m_hWnd));
+            EXPECT_FALSE(IsWindowEnabled(window.m_hWnd));
+            for (const UINT message : {RaskoMessageOptions, RegisterWindowMessageA("WmVeltrixRasko3741")})
+                EXPECT_TRUE(SendMessageTimeoutA(window.m_hWnd, message, 0, 0, SMTO_NORMAL, 5'000, nullptr));
+            options.Press(IDCANCEL);
+        });
+    EXPECT_TRUE(window.IsWindowEnabled());
     // A row that somebody takes out of the table is gone here too.
     dbSRaskoTask row;
     dbCRaskoTasksContainer pending;
@@ -75,5 +91,92 @@ TEST_F(LookTest, TheWindowShowsEveryTaskWithItsState)
     EXPECT_EQ(ListView_GetItemCount(list), 1);
     window.DestroyWindow();
     Pump();
+}
+
+TEST_F(LookTest, TheOptionsAreCheckedStoredAndReadBack)
+{
+    const auto run = [](const veltest::DialogScript::Script& script) {
+        return veltest::RunModal([] { return CRaskoOptions(nullptr).DoModal(); }, script);
+    };
+    const std::string folder = practice.Path("temp");
+    CRaskoWindow::RegisterWindowClass();
+    const INT_PTR stored = run([&](veltest::DialogScript& script) {
+        const veltest::Dialog dialog = script.WaitForDialog("Veltrix Rasko Options");
+        EXPECT_EQ(veltest::DialogFindings(dialog.Handle()), "");
+        EXPECT_EQ(dialog.Item(IDC_SERVICE).Text(), "records.example.org");
+        EXPECT_EQ(dialog.Item(IDC_FOLDER).Text(), folder);
+        const struct
+        {
+            const char *user, *password, *service;
+            std::string folder;
+            const char* refusal;
+            int focus;
+        } refused[] = {
+            {"", "secret", "h", folder, "Please enter your user name and password for the service.",
+             IDC_USER},
+            {"ann", "", "h", folder, "Please enter your user name and password for the service.",
+             IDC_PASSWORD},
+            {"ann", "x", "https://h", folder,
+             "Please enter the service's name, or its name and port such as records.example.org:8443.",
+             IDC_SERVICE},
+            {"ann", "x", "h:65536", folder,
+             "Please enter the service's name, or its name and port such as records.example.org:8443.",
+             IDC_SERVICE},
+            {"ann", "x", "h", folder + "\\none", "Please enter a folder that exists and can be written to.",
+             IDC_FOLDER},
+        };
+        for (const auto& one : refused)
+        {
+            dialog.Item(IDC_USER).SetText(one.user);
+            dialog.Item(IDC_PASSWORD).SetText(one.password);
+            dialog.Item(IDC_SERVICE).SetText(one.service);
+            dialog.Item(IDC_FOLDER).SetText(one.folder);
+            dialog.Press(IDOK);
+            script.AnswerBox(one.refusal, IDOK);
+            script.Settle(dialog.Handle());
+            EXPECT_TRUE(dialog.Item(one.focus).HasFocus()) << one.refusal << one.service;
+        }
+        dialog.Item(IDC_USER).Replace("J\xFCrgen");
+        dialog.Item(IDC_PASSWORD).Replace("p\xE4ss word&");
+        dialog.Item(IDC_SERVICE).Replace("localhost:8443 ");
+        dialog.Item(IDC_FOLDER).Replace(folder);
+        dialog.Press(IDC_HIDDEN);
+        EXPECT_TRUE(veltest::SavePicture(dialog.Handle(), "rasko-options"));
+        dialog.Press(IDOK);
+    });
+    EXPECT_EQ(stored, IDOK);
+    const auto state = [] {
+        const rasko::Settings settings = rasko::Settings::Load();
+        const auto kept = rasko::LoadCredentials("localhost:8443");
+        return std::vector<std::string>{settings.target.GetString(), settings.folder.GetString(),
+                                        settings.hidden ? "hidden" : "shown", kept ? kept->user : "",
+                                        kept ? kept->password : ""};
+    };
+    const std::vector<std::string> expected = {"localhost:8443", folder, "hidden", "J\xC3\xBCrgen",
+                                               "p\xC3\xA4ss word&"};
+    EXPECT_EQ(state(), expected);
+
+    // What is kept is shown, but not the password; OK without one keeps it, Cancel keeps everything.
+    for (const int end : {IDOK, IDCANCEL})
+    {
+        const INT_PTR result = run([&](veltest::DialogScript& script) {
+            const veltest::Dialog dialog = script.WaitForDialog("Veltrix Rasko Options");
+            EXPECT_EQ(dialog.Item(IDC_USER).Text(), "J\xFCrgen");
+            EXPECT_EQ(dialog.Item(IDC_PASSWORD).Text(), "");
+            EXPECT_TRUE(dialog.Item(IDC_HIDDEN).IsChecked());
+            if (end == IDCANCEL)
+            {
+                dialog.Item(IDC_USER).SetText("bert");
+                dialog.Item(IDC_PASSWORD).SetText("other");
+                dialog.Item(IDC_FOLDER).SetText("C:\\");
+                dialog.Press(IDC_HIDDEN);
+            }
+            dialog.Press(end);
+        });
+        EXPECT_EQ(result, end);
+        EXPECT_EQ(state(), expected);
+    }
+    rasko::StoreCredentials("localhost:8443", {});
+    EXPECT_EQ(rasko::LoadCredentials("localhost:8443"), std::nullopt);
 }
 } // namespace
