@@ -3,14 +3,18 @@
 #include <windows.h>
 #include <wininet.h>
 
+#include <algorithm>
+#include <chrono>
 #include <cstdlib>
+#include <future>
+#include <thread>
 #include <vector>
 
 namespace
 {
-constexpr DWORD TimeoutMilliseconds = 30000;
 constexpr char Agent[] = "VeltrixRasko/12.0.9.58";
-constexpr std::size_t ReadBlock = 256U << 10;
+constexpr DWORD ReadBlock = 64U << 10;
+constexpr std::size_t SlowestSending = 8;       // bytes a millisecond
 constexpr std::size_t LargestReply = 64U << 20; // of one that is kept whole
 constexpr DWORD Flags = INTERNET_FLAG_SECURE | INTERNET_FLAG_RELOAD | INTERNET_FLAG_NO_CACHE_WRITE |
                         INTERNET_FLAG_KEEP_CONNECTION | INTERNET_FLAG_NO_UI | INTERNET_FLAG_NO_AUTO_REDIRECT;
@@ -24,9 +28,8 @@ struct CloseInternet
 };
 using Internet = std::unique_ptr<void, CloseInternet>;
 
-[[noreturn]] void Cut()
+[[noreturn]] void Cut(DWORD error = GetLastError())
 {
-    const DWORD error = GetLastError();
     wchar_t text[512] = L"";
     DWORD length = FormatMessageW(FORMAT_MESSAGE_FROM_HMODULE | FORMAT_MESSAGE_FROM_SYSTEM |
                                       FORMAT_MESSAGE_IGNORE_INSERTS,
@@ -41,9 +44,8 @@ using Internet = std::unique_ptr<void, CloseInternet>;
         size > 0 ? std::string(utf8, static_cast<std::size_t>(size)) + " (" + number + ")" : number);
 }
 
-void SetTimeouts(HINTERNET handle)
+void SetTimeouts(HINTERNET handle, DWORD time)
 {
-    DWORD time = TimeoutMilliseconds;
     for (const DWORD option :
          {INTERNET_OPTION_CONNECT_TIMEOUT, INTERNET_OPTION_SEND_TIMEOUT, INTERNET_OPTION_RECEIVE_TIMEOUT})
         InternetSetOptionA(handle, option, &time, sizeof time);
@@ -70,24 +72,46 @@ namespace rasko
 struct WinInetChannel::Handles
 {
     Internet session, connection;
+    DWORD timeout;
 
-    Internet Send(const char* verb, const std::string& target, const char* headers,
-                  std::string_view body) const
+    /// On a thread of its own: the system's client waits for the TLS handshake of a server that is stuck as
+    /// long as that pleases. A thread that is given up keeps what it uses and ends with the connection.
+    static Internet Send(const std::shared_ptr<Handles>& handles, const char* verb, const std::string& target,
+                         const std::string& headers, std::string_view body)
     {
-        Internet request(
-            HttpOpenRequestA(connection.get(), verb, target.c_str(), nullptr, nullptr, nullptr, Flags, 0));
-        if (!request)
+        struct Sending
+        {
+            std::shared_ptr<Handles> handles;
+            Internet request;
+            std::string headers, body;
+        };
+        const auto sending = std::make_shared<Sending>(
+            handles,
+            Internet(HttpOpenRequestA(handles->connection.get(), verb, target.c_str(), nullptr, nullptr,
+                                      nullptr, Flags, 0)),
+            headers, std::string(body));
+        if (!sending->request)
             Cut();
-        SetTimeouts(request.get());
-        // The system does not change what it sends.
-        if (!HttpSendRequestA(request.get(), headers, static_cast<DWORD>(-1), const_cast<char*>(body.data()),
-                              static_cast<DWORD>(body.size())))
-            Cut();
-        return request;
+        SetTimeouts(sending->request.get(), handles->timeout);
+        std::packaged_task<DWORD()> send([sending] {
+            return HttpSendRequestA(sending->request.get(), sending->headers.c_str(),
+                                    static_cast<DWORD>(sending->headers.size()), sending->body.data(),
+                                    static_cast<DWORD>(sending->body.size()))
+                       ? ERROR_SUCCESS
+                       : GetLastError();
+        });
+        std::future<DWORD> sent = send.get_future();
+        std::thread(std::move(send)).detach();
+        const std::chrono::milliseconds limit(2ULL * handles->timeout + body.size() / SlowestSending);
+        if (sent.wait_for(limit) != std::future_status::ready)
+            Cut(ERROR_INTERNET_TIMEOUT);
+        if (const DWORD error = sent.get())
+            Cut(error);
+        return std::move(sending->request);
     }
 
     /// Everything that was announced, or Interrupted.
-    static Reply Receive(HINTERNET request, const Receiver& receiver)
+    Reply Receive(HINTERNET request, const Receiver& receiver) const
     {
         bool present = false;
         Reply reply;
@@ -97,15 +121,22 @@ struct WinInetChannel::Handles
         const long long announced = AnnouncedLength(request);
         const bool given = receiver && reply.status == HTTP_STATUS_OK;
         std::vector<char> buffer(ReadBlock);
+        const ULONGLONG start = GetTickCount64();
         long long received = 0;
         for (;;)
         {
-            DWORD count = 0;
-            if (!InternetReadFile(request, buffer.data(), static_cast<DWORD>(buffer.size()), &count))
+            // A file is read in whole blocks, which takes half the time. Somebody may wait for a reply that
+            // is kept: it is taken as it comes, and given up below 1000 bytes a second.
+            DWORD ready = ReadBlock, count = 0;
+            if ((!given && !InternetQueryDataAvailable(request, &ready, 0, 0)) ||
+                !InternetReadFile(request, buffer.data(), std::min(ready, ReadBlock), &count))
                 Cut();
             if (count == 0)
                 break;
             received += count;
+            const auto elapsed = static_cast<long long>(GetTickCount64() - start);
+            if (!given && elapsed > 2LL * timeout && received < elapsed)
+                throw Interrupted("the reply comes too slowly");
             if (!given && received > static_cast<long long>(LargestReply))
                 throw Interrupted("the reply is too large");
             if (!given)
@@ -119,12 +150,14 @@ struct WinInetChannel::Handles
     }
 };
 
-WinInetChannel::WinInetChannel(const std::string& target) : m_handles(std::make_unique<Handles>())
+WinInetChannel::WinInetChannel(const std::string& target, unsigned timeoutMilliseconds)
+    : m_handles(std::make_shared<Handles>())
 {
     m_handles->session.reset(InternetOpenA(Agent, INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr, 0));
     if (!m_handles->session)
         Cut();
-    SetTimeouts(m_handles->session.get());
+    m_handles->timeout = timeoutMilliseconds;
+    SetTimeouts(m_handles->session.get(), timeoutMilliseconds);
     const std::size_t colon = target.rfind(':');
     const bool hasPort = colon != std::string::npos;
     const int port = hasPort ? std::atoi(target.c_str() + colon + 1) : INTERNET_DEFAULT_HTTPS_PORT;
@@ -140,13 +173,13 @@ WinInetChannel::~WinInetChannel() = default;
 Reply WinInetChannel::Post(const std::string& target, const char* contentType, std::string_view body)
 {
     const std::string headers = std::string("Content-Type: ") + contentType + "\r\n";
-    const Internet request = m_handles->Send("POST", target, headers.c_str(), body);
-    return Handles::Receive(request.get(), nullptr);
+    const Internet request = Handles::Send(m_handles, "POST", target, headers, body);
+    return m_handles->Receive(request.get(), nullptr);
 }
 
 Reply WinInetChannel::Get(const std::string& target, const Receiver& receiver)
 {
-    const Internet request = m_handles->Send("GET", target, nullptr, {});
-    return Handles::Receive(request.get(), receiver);
+    const Internet request = Handles::Send(m_handles, "GET", target, {}, {});
+    return m_handles->Receive(request.get(), receiver);
 }
 } // namespace rasko

@@ -9,11 +9,15 @@
 namespace rasko
 {
 /// Owns the session and its connection. `target` is "host" or "host:port". TLS errors are refused by the
-/// system and come as Interrupted with its text. Used by the thread that made it.
+/// system and come as Interrupted with its text; so does every failure of the connection. Whatever the other
+/// side does, sending ends after twice the timeout and a second for each 8000 bytes, and a reply that is kept
+/// whole after twice the timeout and a second for each 1000 bytes. Redirections are not followed. Used by the
+/// thread that made it.
 class WinInetChannel : public Channel
 {
 public:
-    explicit WinInetChannel(const std::string& target);
+    /// The timeout is the longest wait for connecting, for sending and for each part of a reply.
+    explicit WinInetChannel(const std::string& target, unsigned timeoutMilliseconds = 30'000);
     ~WinInetChannel() override;
 
     Reply Post(const std::string& target, const char* contentType, std::string_view body) override;
@@ -21,6 +25,6 @@ public:
 
 private:
     struct Handles;
-    std::unique_ptr<Handles> m_handles;
+    std::shared_ptr<Handles> m_handles;
 };
 } // namespace rasko
