@@ -67,4 +67,20 @@ for way in up down; do
   awk -v way="$way" -v a="$(least <"$work/rasko_$way")" -v b="$(least <"$work/curl_$way")" -v c="$(least <"$work/bare_$way")" -v m="$megabytes" 'BEGIN {
     printf "%sload of %d MB: %s s; curl: %s s; ratio %.2f; WinINet alone: %s s; ratio to it %.2f\n", way, m, a, b, a / b, c, a / c }'
 done
+
+# A record of many images, and the signatures of a file against the system's programs.
+mkdir "$work/record"
+for number in $(seq -w 0 99); do
+  for group in 0 1 2 3 4 5 6 7 8 9; do
+    for type in 0 A B C; do echo "$number$group$type" >"$work/record/A1$number.I$group$type"; done
+  done
+done
+tools/wine-run build/windows-release/bin/document_bench.exe "$(tools/windows-path "$work/record")\\" \
+  "$(tools/windows-path "$work/working/A107.I0A")" >"$work/documents"
+grep timepoints "$work/documents"
+for program in md5sum sha512sum; do
+  native=$(elapsed "$program" "$work/working/A107.I0A")
+  grep "^$program $("$program" <"$work/working/A107.I0A" | cut -d' ' -f1) " "$work/documents" |
+    awk -v b="$native" -v m="$megabytes" '{ printf "signature of %d MB: %s s; %s: %s s; ratio %.2f\n", m, $3, $1, b, $3 / b }'
+done
 build/native-release/bin/service_bench "${VEL_SERVICE_HOST#*:}" "$VEL_SERVICE_PID" "$VEL_SERVICE_CA" "$VEL_SERVICE_DATA/server.pem" "$VEL_SERVICE_DATA/server.key"

@@ -12,8 +12,18 @@ namespace
 constexpr std::size_t LargestDocument = 16U << 20;
 constexpr int DeepestNesting = 16;
 constexpr std::size_t MostNodes = 500000;
+constexpr int MostAttributes = 64; // of one element, as who downloads it takes
 constexpr std::size_t MostFiles = 100000;
 constexpr std::size_t LongestFileName = 255, LongestName = 200, LongestNote = 64U << 10;
+
+// The parser lets an attribute be there twice, which others take for no XML.
+void RefuseOddAttributes(const pugi::xml_node& node)
+{
+    int count = 0;
+    for (const pugi::xml_attribute& attribute : node.attributes())
+        if (++count > MostAttributes || node.attribute(attribute.name()) != attribute)
+            throw svc::Failure(400, "An element has too many attributes, or one twice.");
+}
 
 void RefuseDeepOrLarge(const pugi::xml_document& document)
 {
@@ -22,6 +32,7 @@ void RefuseDeepOrLarge(const pugi::xml_document& document)
     pugi::xml_node node = document.first_child();
     while (node)
     {
+        RefuseOddAttributes(node);
         if (++nodes > MostNodes || node.type() == pugi::node_doctype)
             throw svc::Failure(400, "The document holds too much, or a document type.");
         if (node.first_child())

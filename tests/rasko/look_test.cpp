@@ -150,11 +150,18 @@ TEST_F(LookTest, TheOptionsAreCheckedStoredAndReadBack)
         const auto kept = rasko::LoadCredentials("localhost:8443");
         return std::vector<std::string>{settings.target.GetString(), settings.folder.GetString(),
                                         settings.hidden ? "hidden" : "shown", kept ? kept->user : "",
-                                        kept ? kept->password : ""};
+                                        kept ? std::string(kept->password.View()) : ""};
     };
     const std::vector<std::string> expected = {"localhost:8443", folder, "hidden", "J\xC3\xBCrgen",
                                                "p\xC3\xA4ss word&"};
     EXPECT_EQ(state(), expected);
+
+    BYTE raw[2000];
+    DWORD size = sizeof raw;
+    ASSERT_EQ(RegGetValueA(HKEY_CURRENT_USER, "Software\\Veltrix\\Rasko\\Credentials", "localhost:8443",
+                           RRF_RT_REG_BINARY, nullptr, raw, &size),
+              ERROR_SUCCESS);
+    EXPECT_EQ(std::string(raw, raw + size).find("ss word"), std::string::npos) << "kept as it is";
 
     // What is kept is shown, but not the password; OK without one keeps it, Cancel keeps everything.
     for (const int end : {IDOK, IDCANCEL})

@@ -12,9 +12,12 @@
 #include <objbase.h>
 #include <oleauto.h>
 
+#include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <map>
+#include <sstream>
 
 VEL_MFC_TEST_PROGRAM();
 
@@ -36,6 +39,24 @@ bool WaitFor(const std::function<bool()>& condition)
         if (condition())
             return true;
     return false;
+}
+
+/// The files below a folder that hold a text, in the code page or in UTF-16.
+std::vector<std::string> FilesWith(const std::string& text, const std::filesystem::path& folder)
+{
+    std::string wide;
+    for (const char c : text)
+        wide.append({c, '\0'});
+    std::vector<std::string> found;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder))
+    {
+        std::ostringstream bytes;
+        if (entry.is_regular_file())
+            bytes << std::ifstream(entry.path(), std::ios::binary).rdbuf();
+        if (bytes.str().find(text) != std::string::npos || bytes.str().find(wide) != std::string::npos)
+            found.push_back(entry.path().string());
+    }
+    return found;
 }
 
 bool HasFiles(const std::string& folder)
@@ -269,8 +290,14 @@ TEST_F(ProgramTest, SaysWhyAndGoesOnWhenItIsWoken)
         return (options = FindWindowA("#32770", "Veltrix Rasko Options")) && IsWindowVisible(options);
     }));
     PostMessageA(options, WM_COMMAND, IDCANCEL, 0);
-    // The password is in no file of the practice.
-    EXPECT_EQ(practice.files.ReadFile("patients.db").find("first secret"), std::string::npos);
+    // The user's name is where it belongs, the password in no file of practice and service.
+    const std::filesystem::path atService = "Z:" + std::string(std::getenv("VEL_SERVICE_DATA"));
+    EXPECT_THAT(FilesWith("anna@one.example", atService), testing::Not(testing::IsEmpty()));
+    for (const std::string secret : {"first secret", "first+secret"})
+    {
+        EXPECT_THAT(FilesWith(secret, practice.files.Folder()), testing::IsEmpty());
+        EXPECT_THAT(FilesWith(secret, atService), testing::IsEmpty());
+    }
 }
 // Last: COM keeps a killed server's registration for a while.
 TEST_F(ProgramTest, CarriesAPatientAcrossKillsOfItself)

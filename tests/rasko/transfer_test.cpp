@@ -8,7 +8,12 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
 #include <map>
+#include <utility>
 
 namespace
 {
@@ -33,6 +38,12 @@ std::map<std::string, std::string> Contents(const fs::path& folder)
     return contents;
 }
 
+std::uintmax_t SizeOf(const fs::path& file)
+{
+    std::error_code none;
+    return fs::exists(file, none) ? fs::file_size(file, none) : 0;
+}
+
 std::string Manifest(const std::string& extra = {})
 {
     std::string manifest = "<patient patID='B9' frvPatId='1'><images>";
@@ -42,8 +53,8 @@ std::string Manifest(const std::string& extra = {})
     return manifest + extra + "</images></patient>";
 }
 
-/// Two practices and the service between them.
-class TransferTest : public testing::Test
+/// Two practices, one of which has what the other wants.
+class Practices : public testing::Test
 {
 protected:
     struct Practice
@@ -57,7 +68,7 @@ protected:
         }
     };
 
-    TransferTest()
+    Practices()
     {
         for (const SampleFile& file : Files)
             WriteBytes(sender.folders.working / file.name, file.bytes);
@@ -78,6 +89,14 @@ protected:
     {
         return {2, false, Manifest()};
     }
+    Practice sender, receiver;
+    std::map<std::string, std::string> expected;
+};
+
+/// The same with the service between them.
+class TransferTest : public Practices
+{
+protected:
     Outcome Run(const rasko::Task& task, const Practice& practice,
                 const rasko::ProgressReceiver& progress = nullptr,
                 const std::function<void(HttpsChannel&)>& prepare = nullptr)
@@ -109,8 +128,6 @@ protected:
     }
 
     veltest::ServiceProcess service;
-    Practice sender, receiver;
-    std::map<std::string, std::string> expected;
 };
 
 TEST_F(TransferTest, GoesOnAfterACutAtEveryCall)
@@ -198,21 +215,196 @@ TEST_F(TransferTest, GoesOnAfterItsProcessIsKilledAtEveryStep)
 
 TEST_F(TransferTest, GoesOnAfterTheServiceIsKilled)
 {
-    for (int nth = 1; nth <= 6; ++nth)
-    {
+    const auto killedAt = [&](int nth, const rasko::Task& task, const Practice& practice) {
         int calls = 0;
-        const Outcome outcome = Run(UploadTask(nth), sender, nullptr, [&](HttpsChannel& channel) {
+        const Outcome outcome = Run(task, practice, nullptr, [&](HttpsChannel& channel) {
             channel.atCall = [&](bool isBefore) {
                 if (isBefore && ++calls == nth)
                     service.KillAndRestart();
             };
         });
         if (outcome.kind == Outcome::Waiting)
-            EXPECT_EQ(Run(UploadTask(nth), sender).kind, Outcome::Complete);
+            EXPECT_EQ(Run(task, practice).kind, Outcome::Complete) << nth;
         else
             EXPECT_EQ(outcome.kind, Outcome::Complete) << outcome.reason;
+    };
+    for (const int nth : {2, 3, 5})
+        killedAt(nth, UploadTask(nth), sender);
+    for (const int nth : {1, 3})
+    {
+        killedAt(nth, DownloadTask(), receiver);
+        EXPECT_EQ(Contents(receiver.folders.working), expected);
+        for (const SampleFile& file : Files)
+            fs::remove(receiver.folders.working / ("B903" + file.name.substr(4)));
     }
+    // While a file is on its way: what has arrived by then stays.
+    bool killed = false;
+    Run(DownloadTask(), receiver, [&](const rasko::Progress&) {
+        if (SizeOf(receiver.folders.rasko / "~rasko2" / "B903.I0A.part") > 0 && !std::exchange(killed, true))
+            service.KillAndRestart();
+        return true;
+    });
+    EXPECT_TRUE(killed);
     ExpectToArrive(UploadTask());
+}
+
+TEST_F(TransferTest, WaitsForRoomOnEitherDisk)
+{
+    const auto before = Contents(receiver.folders.working);
+    const fs::path atService = service.Files() / "1",
+                   here = receiver.folders.rasko / "~rasko2" / "B903.I0A.part";
+    fs::create_symlink("/dev/full", atService);
+    const Outcome up = Run(UploadTask(), sender);
+    EXPECT_EQ(up.kind, Outcome::Waiting) << up.reason;
+    fs::remove(atService);
+    ASSERT_EQ(Run(UploadTask(), sender).kind, Outcome::Complete);
+
+    fs::create_directories(here.parent_path());
+    fs::create_symlink("/dev/full", here);
+    const Outcome down = Run(DownloadTask(), receiver);
+    EXPECT_EQ(down.kind, Outcome::Waiting);
+    EXPECT_THAT(down.reason, testing::HasSubstr(here.filename().string()));
+    fs::remove_all(receiver.folders.rasko);
+    WriteBytes(receiver.folders.rasko, "no folder");
+    EXPECT_EQ(Run(DownloadTask(), receiver).kind, Outcome::Waiting);
+    EXPECT_EQ(Contents(receiver.folders.working), before);
+    fs::remove(receiver.folders.rasko);
+    ExpectToArrive(UploadTask());
+}
+
+/// Answers with the given replies in turn, the last one again and again.
+class ScriptedChannel : public rasko::Channel
+{
+public:
+    explicit ScriptedChannel(std::vector<rasko::Reply> replies) : m_replies(std::move(replies))
+    {
+    }
+    rasko::Reply Post(const std::string&, const char*, std::string_view) override
+    {
+        return m_replies[std::min(calls++, m_replies.size() - 1)];
+    }
+    rasko::Reply Get(const std::string& target, const rasko::Receiver& receiver) override
+    {
+        rasko::Reply reply = Post(target, "", {});
+        if (reply.status == 200)
+            receiver(reply.body);
+        return reply;
+    }
+    std::size_t calls = 0;
+
+private:
+    std::vector<rasko::Reply> m_replies;
+};
+
+TEST_F(Practices, JudgeEveryAnswer)
+{
+    using namespace rasko::text;
+    const auto begun = [](const std::string& name, const std::string& received) {
+        return rasko::Reply{200, "<response upload='7'><file name='" + name + "' signature='x' received='" +
+                                     received + "'/></response>"};
+    };
+    const rasko::Reply file = begun("A107.I0A", "0"), html{200, "<html><p>Welcome!</html>"};
+    const std::string refused401 = Fill(ServiceSays, "Not signed in.");
+    const struct
+    {
+        bool upload;
+        std::vector<rasko::Reply> replies;
+        Outcome::Kind kind;
+        std::string reason;
+        std::size_t calls;
+    } cases[] = {
+        {true, {html}, Outcome::Hopeless, NotUnderstood, 1},
+        {true, {{200, "<html/>"}}, Outcome::Hopeless, NotUnderstood, 1},
+        {true, {{200, ""}}, Outcome::Hopeless, NotUnderstood, 1},
+        {true, {{200, "<!DOCTYPE a><response upload='7'/>"}}, Outcome::Hopeless, NotUnderstood, 1},
+        {true, {begun("A107.I0A", "-1")}, Outcome::Hopeless, NotUnderstood, 1},
+        {true, {begun("A107.I9A", "0")}, Outcome::Hopeless, NotUnderstood, 1},
+        {true, {begun("../A107.I0A", "0")}, Outcome::Hopeless, NotUnderstood, 1},
+        {true, {begun("A107.I0A", "9000000000")}, Outcome::Hopeless, Fill(LocalChanged, "A107.I0A"), 1},
+        {true, {{302, "<html>"}}, Outcome::Hopeless, Fill(ServiceSays, "HTTP 302"), 1},
+        {true, {{403, "Two\nlines"}}, Outcome::Hopeless, Fill(ServiceSays, "HTTP 403"), 1},
+        {true, {{507, "There is no room."}}, Outcome::Hopeless, Fill(ServiceSays, "There is no room."), 1},
+        {true, {{500, "x"}}, Outcome::Waiting, Fill(NoAnswer, "HTTP 500"), 1},
+        {true, {{429, "x"}}, Outcome::Waiting, Fill(NoAnswer, "HTTP 429"), 1},
+        {true, {{401, ""}, {401, ""}}, Outcome::Hopeless, NotSignedIn, 2},
+        {true, {{401, ""}, {503, ""}}, Outcome::Waiting, Fill(NoAnswer, "HTTP 503"), 2},
+        {true, {{401, ""}, {200, ""}, {401, "Not signed in."}}, Outcome::Hopeless, refused401, 3},
+        {true, {file, {200, "<file/>"}}, Outcome::Hopeless, NotUnderstood, 2},
+        {true, {file, {422, ""}}, Outcome::Hopeless, Fill(LocalChanged, "A107.I0A"), 2},
+        {true, {file, {409, "<file received='1'/>"}}, Outcome::Waiting, Fill(NoAnswer, NotUnderstood), 5},
+        {true, {file, {200, "<file received='0'/>"}}, Outcome::Waiting, Fill(NoAnswer, NotUnderstood), 5},
+        {false, {{404, "Gone."}}, Outcome::Hopeless, Replaced, 1},
+        {false, {{302, ""}}, Outcome::Hopeless, Fill(ServiceSays, "HTTP 302"), 1},
+        {false, {{503, ""}}, Outcome::Waiting, Fill(NoAnswer, "HTTP 503"), 1},
+        {false, {html}, Outcome::Hopeless, Fill(ArrivedWrong, "B903.I0A"), 2},
+    };
+    const auto before = Contents(receiver.folders.working);
+    for (const auto& one : cases)
+    {
+        ScriptedChannel channel(one.replies);
+        rasko::ServiceClient client(channel, {}, {"anna", "pw-anna"}, 0);
+        const Outcome outcome = one.upload
+                                    ? rasko::RunTask(UploadTask(), client, sender.folders, nullptr)
+                                    : rasko::RunTask(DownloadTask(), client, receiver.folders, nullptr);
+        const std::string what = std::to_string(one.replies.back().status) + one.replies.back().body;
+        EXPECT_EQ(outcome.kind, one.kind) << what;
+        EXPECT_EQ(outcome.reason, one.reason) << what;
+        EXPECT_EQ(channel.calls, one.calls) << what;
+    }
+    EXPECT_EQ(Contents(receiver.folders.working), before);
+}
+
+/// How often a text, of which only its bytes plus one are given, is in this process's own memory.
+int CountInMemory(const std::string& shifted)
+{
+    int found = 0;
+    std::ifstream maps("/proc/self/maps"), memory("/proc/self/mem", std::ios::binary);
+    std::vector<char> page(1U << 16);
+    for (std::string line; std::getline(maps, line);)
+    {
+        unsigned long begin = 0, end = 0;
+        // The sanitizer's shadow is large and holds no text.
+        if (std::sscanf(line.c_str(), "%lx-%lx rw", &begin, &end) != 2 || end - begin > (256UL << 20) ||
+            line.find(" rw") == std::string::npos)
+            continue;
+        for (unsigned long at = begin; at < end; at += page.size() - shifted.size())
+        {
+            memory.clear();
+            memory.seekg(static_cast<std::streamoff>(at));
+            memory.read(page.data(),
+                        static_cast<std::streamsize>(std::min<unsigned long>(page.size(), end - at)));
+            const char *place = page.data(), *const last = place + memory.gcount() - shifted.size();
+            const auto same = [](char one, char present) { return present + 1 == one; };
+            while (place < last &&
+                   (place = static_cast<const char*>(std::memchr(place, shifted[0] - 1, last - place))))
+                found += std::equal(shifted.begin(), shifted.end(), place++, same) ? 1 : 0;
+            std::fill(page.begin(), page.end(), '\0');
+        }
+    }
+    return found;
+}
+
+TEST(Credentials, LeaveNothingInMemory)
+{
+    const std::string shifted = "Tfdsfu5812pgBoob"; // never as it is
+    const auto password = [&shifted] {
+        std::vector<char> plain(shifted.begin(), shifted.end());
+        std::for_each(plain.begin(), plain.end(), [](char& c) { --c; });
+        rasko::Secret secret(std::string_view(plain.data(), plain.size()));
+        rasko::Overwrite(plain.data(), plain.size());
+        return secret;
+    };
+    {
+        rasko::Credentials credentials{"anna", password()};
+        EXPECT_EQ(CountInMemory(shifted), 1);
+        ScriptedChannel channel({{401, ""}, {200, ""}, {404, "x"}});
+        rasko::ServiceClient client(channel, {}, credentials, 0);
+        credentials = {};
+        EXPECT_THROW(client.Commit("1"), rasko::Refused);
+        EXPECT_EQ(channel.calls, 3U);
+        EXPECT_EQ(CountInMemory(shifted), 1) << "the client's own";
+    }
+    EXPECT_EQ(CountInMemory(shifted), 0);
 }
 
 TEST_F(TransferTest, FinishesPlacingThatWasCutShort)

@@ -1,4 +1,5 @@
 // The service as its clients see it: a process of its own, over TLS.
+#include "service/database.h"
 #include "service/text.h"
 #include "suite/rasko/transfer/serviceclient.h"
 #include "tests/service/serviceprocess.h"
@@ -36,6 +37,11 @@ protected:
                           .status,
                       200);
         EXPECT_EQ(user.Upload("?upload=" + upload + "&commit=1", {}).status, 200);
+    }
+    /// The service's own tables, which it has open as well.
+    void Change(const char* sql) const
+    {
+        svc::Database((service.Files().parent_path() / "service.db").string()).Execute(sql);
     }
     std::size_t FilesOnDisk() const
     {
@@ -90,6 +96,21 @@ TEST_F(ServiceTest, KeepsEveryoneAwayFromRecordsThatAreNotShared)
         {"commit", 401, 404, 404, 200, [](User& user) { return user.Upload("?upload=1&commit=1", {}); }},
         {"delete", 401, 404, 403, 404, command("cmd=deletefromfrv&pid=%7bother%7d&id=1")},
         {"stop", 401, 404, 403, 404, command("cmd=stopsharingwith&id=1&recipientid=nobody")},
+        {"share with nobody", 401, 404, 404, 404,
+         command("cmd=getadhocshareinfo" + Pid + "&id=1&emailorusername=dora&recipienttype=0")},
+        {"share by e-mail only", 401, 404, 404, 404,
+         command("cmd=getadhocshareinfo" + Pid + "&id=1&emailorusername=bert&recipienttype=2")},
+        {"recipient by e-mail only", 401, 404, 404, 404,
+         command("cmd=getrecordinfoex" + Pid + "&id=1&referralinfo=" +
+                 FormEncode("<referralinfo><recipient address='bert' type='2'/></referralinfo>"))},
+        {"own records", 401, 200, 200, 200, command("cmd=getlist")},
+        {"all records", 401, 200, 200, 200, command("cmd=getdownloadable")},
+        {"newer records", 401, 200, 200, 200,
+         command("cmd=updatedpatients&lastQueryTime=2020-01-01T00%3a00")},
+        {"messages", 401, 200, 200, 200, command("cmd=displaymessage")},
+        // A patient of the same GUID in another practice is another record.
+        {"queue", 401, 200, 200, 200,
+         [&](User& user) { return Queue(user, SampleDocument(Guid, "A1", images)); }},
         {"unknown", 401, 404, 404, 404, command("cmd=getdownloadpatient&PatientID=2")},
         {"no number", 401, 404, 404, 404, command("cmd=getdownloadpatient&PatientID=1%27+OR+1=1")},
         {"no command", 401, 404, 404, 404, command("cmd=shutdown")},
@@ -98,12 +119,16 @@ TEST_F(ServiceTest, KeepsEveryoneAwayFromRecordsThatAreNotShared)
     nobody.Command("cmd=logout");
     for (const Case& one : cases)
     {
-        EXPECT_EQ(one.run(nobody).status, one.nobody) << one.what;
-        EXPECT_EQ(one.run(carl).status, one.stranger) << one.what;
+        for (User* user : {&nobody, &carl})
+        {
+            const rasko::Reply reply = one.run(*user);
+            EXPECT_EQ(reply.status, user == &carl ? one.stranger : one.nobody) << one.what;
+            EXPECT_THAT(reply.body, testing::AllOf(Not(HasSubstr("ller")), Not(HasSubstr("VeltrixID=\"1\""))))
+                << one.what;
+        }
         EXPECT_EQ(one.run(bert).status, one.recipient) << one.what;
         EXPECT_EQ(one.run(anna).status, one.owner) << one.what;
     }
-    EXPECT_THAT(carl.Command("cmd=getdownloadable").body, Not(HasSubstr("patinfo")));
     EXPECT_THAT(bert.Command("cmd=getlist").body, Not(HasSubstr("patinfo")));
     EXPECT_THAT(bert.Command("cmd=getdownloadable").body, HasSubstr("patVeltrixID=\"1\""));
     EXPECT_EQ(anna.Command("cmd=getdownloadpatient&PatientID=1").body, before);
@@ -113,13 +138,15 @@ TEST_F(ServiceTest, KeepsEveryoneAwayFromRecordsThatAreNotShared)
     ASSERT_EQ(anna.Command("cmd=deletefromfrv" + Pid + "&id=1").status, 200);
     EXPECT_EQ(FilesOnDisk(), 0U);
     // A number is never given again.
-    EXPECT_THAT(Queue(anna, SampleDocument(Guid, "A1", images)).body, HasSubstr("patVeltrixID=\"2\""));
+    EXPECT_THAT(Queue(anna, SampleDocument(Guid, "A1", images)).body, HasSubstr("patVeltrixID=\"4\""));
 }
 
 TEST_F(ServiceTest, GivesARecordBackWithEverythingItsOwnerWrote)
 {
     User anna(service, "anna"), bert(service, "bert");
-    const std::string document = SampleDocument(Guid, "A1", images);
+    std::string document = SampleDocument(Guid, "A1", images);
+    // Without a signature: it was missing already when the record was written.
+    document.insert(document.find("<images>"), "<Files><file name='A1$07$jaw.stl' category='3D'/></Files>");
     Queue(anna, document);
     Publish(anna, "1", images);
     ASSERT_EQ(
@@ -140,6 +167,9 @@ TEST_F(ServiceTest, GivesARecordBackWithEverythingItsOwnerWrote)
     const pugi::xml_node timepoint = record.select_node("//Timepoints/Timepoint").node();
     EXPECT_STREQ(timepoint.attribute("tpDate").value(), "2009-03-05");
     EXPECT_STREQ(timepoint.attribute("tpNumber").value(), "7");
+    std::ostringstream further;
+    timepoint.child("file").print(further, "", pugi::format_raw);
+    EXPECT_EQ(further.str(), "<file name=\"A1$07$jaw.stl\" category=\"3D\"/>");
     const pugi::xml_node image = timepoint.select_node("Images/image[@file=\"A107.V0A\"]").node();
     EXPECT_EQ(image.attribute("signature").value(), veltest::Md5(images[1].bytes));
     EXPECT_EQ(image.attribute("size").as_int(), 300000);
@@ -166,6 +196,11 @@ TEST_F(ServiceTest, RefusesDocumentsThatCannotBeTrusted)
         deep = "<a>" + deep + "</a>";
     for (int i = 0; i < 600000; ++i)
         wide += "<a/>";
+    std::string many, attributes;
+    for (int i = 0; i < 64; ++i)
+        attributes += " a" + std::to_string(i) + "=''";
+    for (int i = 0; i < 100001; ++i)
+        many += "<file name='A" + std::to_string(i) + "' signature='" + signature + "'/>";
     const std::pair<std::string, int> documents[] = {
         {"", 400},
         {"<html>", 400},
@@ -173,7 +208,10 @@ TEST_F(ServiceTest, RefusesDocumentsThatCannotBeTrusted)
         {"<record id='{1}'/>", 400},
         {"<!DOCTYPE patient [<!ENTITY a 'aaaa'>]><patient id='{1}'>&a;</patient>", 400},
         {deep, 400},
+        {"<patient id='{1}' last='a' last='b'/>", 400},
+        {"<patient id='{1}'" + attributes + "/>", 400},
         {wide + "</patient>", 400},
+        {withFiles(many), 413},
         {"<patient id='{1}' last='\xFF'/>", 400},
         {"<patient id='{1}' last='" + std::string(1 << 20, 'x') + "'/>", 413},
         {"<patient id='{1}'>" + std::string(17 << 20, 'x') + "</patient>", 413},
@@ -217,6 +255,8 @@ TEST_F(ServiceTest, TakesFilesInPiecesAcrossKills)
     EXPECT_EQ(piece(300000, 0, "&last=1").status, 200);
     EXPECT_EQ(anna.Upload("?upload=1&name=A107.I0A&offset=0&last=1", "first imagE").status, 422);
     EXPECT_EQ(anna.Upload("?upload=1&name=A107.I0A&offset=0&last=1", "first image").status, 200);
+    // Again, as after a lost reply: it is there already.
+    EXPECT_EQ(anna.Upload("?upload=1&name=A107.I0A&offset=0&last=1", "first image").status, 200);
     EXPECT_EQ(anna.Command("cmd=getdownloadpatient&PatientID=1").status, 404); // not before it is complete
     EXPECT_EQ(anna.Upload("?upload=1&commit=1", {}).status, 200);
     service.KillAndRestart();
@@ -243,6 +283,22 @@ TEST_F(ServiceTest, TakesFilesInPiecesAcrossKills)
     EXPECT_EQ(FilesOnDisk(), 2U);
 }
 
+TEST_F(ServiceTest, SaysWhenThereIsNoRoomOrNoDatabase)
+{
+    service.Administer("add-account --name dora --email dora@example.org --quota 0", "pw-dora");
+    User dora(service, "dora");
+    EXPECT_EQ(dora.Command("cmd=getrecordinfo" + Pid + "&id=&space=0").status, 200);
+    EXPECT_EQ(dora.Command("cmd=getrecordinfo" + Pid + "&id=&space=1").status, 507);
+    ASSERT_EQ(Queue(dora, SampleDocument(Guid, "A1", images)).status, 200);
+    EXPECT_EQ(dora.Upload("?upload=1&name=A107.I0A&offset=0&last=1", "first image").status, 507);
+    EXPECT_EQ(FilesOnDisk(), 0U);
+    Change("DROP TABLE messages");
+    const rasko::Reply broken = dora.Command("cmd=displaymessage");
+    EXPECT_EQ(broken.status, 500);
+    EXPECT_EQ(broken.body, "The service has failed; nothing was changed.");
+    EXPECT_EQ(dora.Command("cmd=getlist").status, 200);
+}
+
 TEST_F(ServiceTest, ListsByTheUsersClock)
 {
     User anna(service, "anna");
@@ -261,6 +317,15 @@ TEST_F(ServiceTest, ListsByTheUsersClock)
     EXPECT_THAT(anna.Command("cmd=updatedpatients&lastQueryTime=2020-01-01T00%3a00").body,
                 HasSubstr("patinfo"));
     EXPECT_EQ(anna.Command("cmd=updatedpatients&lastQueryTime=yesterday").status, 400);
+
+    // Many more, in the order of their names.
+    Change("WITH RECURSIVE n(i) AS (VALUES (10000) UNION ALL SELECT i + 1 FROM n WHERE i < 19999)"
+           " INSERT INTO records SELECT NULL, owner, i, i, i, i, '', '', '', updated, 0 FROM n, records "
+           "WHERE id = 1");
+    list.load_string(anna.Command("cmd=getdownloadable").body.c_str());
+    const auto lines = list.select_nodes("//patinfo[@patlastName<20000]");
+    ASSERT_EQ(lines.size(), 10000U);
+    EXPECT_STREQ(lines[9999].node().attribute("patlastName").value(), "19999");
 
     // Ten hours east at two in the morning tells 840: a day too much.
     User bert(service, "bert");
@@ -286,6 +351,8 @@ TEST_F(ServiceTest, TellsMessagesAndSlowsGuessers)
     EXPECT_STREQ(first.attribute("linkname").value(), "More");
     EXPECT_EQ(document.select_nodes("//message").size(), 2U);
     EXPECT_THAT(User(service, "bert").Command("cmd=displaymessage").body, Not(HasSubstr("Renew")));
+    EXPECT_EQ(service.Administer("messages"),
+              "1\tanna\tstop\tRenew <soon> & pay\n2\t(all)\tcontinue\tWelcome\n");
     service.Administer("withdraw-message --id 1");
     EXPECT_THAT(anna.Command("cmd=displaymessage").body, Not(HasSubstr("Renew")));
 

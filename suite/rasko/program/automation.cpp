@@ -21,7 +21,7 @@ CLSID ClassIdentifier()
     return id;
 }
 
-BSTR ToBstr(const std::string& utf8)
+BSTR ToBstr(std::string_view utf8)
 {
     const int wide = MultiByteToWideChar(CP_UTF8, 0, utf8.data(), static_cast<int>(utf8.size()), nullptr, 0);
     BSTR text = SysAllocStringLen(nullptr, static_cast<UINT>(wide));
@@ -130,7 +130,7 @@ private:
         case rasko::HasCredentials:
         case rasko::UserName:
         case rasko::Password: {
-            auto credentials = rasko::LoadCredentials(rasko::ToUtf8(rasko::Settings::Load().target));
+            const auto credentials = rasko::LoadCredentials(rasko::ToUtf8(rasko::Settings::Load().target));
             if (member == rasko::HasCredentials)
             {
                 answer.vt = VT_BOOL;
@@ -139,12 +139,10 @@ private:
             else
             {
                 answer.vt = VT_BSTR;
-                answer.bstrVal = ToBstr(!credentials                ? std::string()
-                                        : member == rasko::UserName ? credentials->user
-                                                                    : credentials->password);
+                answer.bstrVal = ToBstr(!credentials                ? std::string_view()
+                                        : member == rasko::UserName ? std::string_view(credentials->user)
+                                                                    : credentials->password.View());
             }
-            if (credentials)
-                rasko::Wipe(credentials->password);
             return S_OK;
         }
         case rasko::EnterCredentials:

@@ -48,7 +48,7 @@ std::optional<Credentials> LoadCredentials(const std::string& service)
     const std::size_t end = text.find('\0');
     if (end == std::string_view::npos)
         return std::nullopt;
-    return Credentials{std::string(text.substr(0, end)), std::string(text.substr(end + 1))};
+    return Credentials{std::string(text.substr(0, end)), text.substr(end + 1)};
 }
 
 bool StoreCredentials(const std::string& service, const Credentials& credentials)
@@ -62,8 +62,10 @@ bool StoreCredentials(const std::string& service, const Credentials& credentials
         result = RegDeleteValueA(key, service.c_str());
     else
     {
-        std::string text = credentials.user + '\0' + credentials.password;
+        std::string text;
         const WipeAtEnd wipe(text);
+        text.reserve(credentials.user.size() + 1 + credentials.password.View().size());
+        text.append(credentials.user).append(1, '\0').append(credentials.password.View());
         DATA_BLOB in = Blob(text.data(), text.size()), entropy = Blob(service.data(), service.size());
         ProtectedData hidden;
         result =
@@ -74,11 +76,5 @@ bool StoreCredentials(const std::string& service, const Credentials& credentials
     }
     RegCloseKey(key);
     return result == ERROR_SUCCESS || (credentials.user.empty() && result == ERROR_FILE_NOT_FOUND);
-}
-
-void Wipe(std::string& text)
-{
-    SecureZeroMemory(text.data(), text.size());
-    text.clear();
 }
 } // namespace rasko

@@ -13,25 +13,4 @@ namespace rasko
 std::optional<Credentials> LoadCredentials(const std::string& service);
 /// FALSE when the system could not protect or store them. Empty ones are forgotten.
 bool StoreCredentials(const std::string& service, const Credentials& credentials);
-
-/// Overwrites a text's memory and empties it.
-void Wipe(std::string& text);
-
-/// Wipes what it is given when its scope ends.
-class WipeAtEnd
-{
-public:
-    explicit WipeAtEnd(std::string& text) : m_text(text)
-    {
-    }
-    ~WipeAtEnd()
-    {
-        Wipe(m_text);
-    }
-    WipeAtEnd(const WipeAtEnd&) = delete;
-    WipeAtEnd& operator=(const WipeAtEnd&) = delete;
-
-private:
-    std::string& m_text;
-};
 } // namespace rasko

@@ -7,14 +7,14 @@ namespace
 {
 constexpr int LongestName = 200, LongestPassword = 500;
 
-std::string WindowText(CWnd& dialog, int control)
+rasko::Secret WindowText(CWnd& dialog, int control)
 {
     // As UTF-16 from the control: a password may hold what the code page does not.
     wchar_t text[LongestPassword + 1] = L"";
     const int length = GetDlgItemTextW(dialog.m_hWnd, control, text, LongestPassword + 1);
     char utf8[4 * LongestPassword];
     const int size = WideCharToMultiByte(CP_UTF8, 0, text, length, utf8, sizeof utf8, nullptr, nullptr);
-    const std::string result(utf8, static_cast<std::size_t>(size));
+    rasko::Secret result(std::string_view(utf8, static_cast<std::size_t>(size)));
     SecureZeroMemory(text, sizeof text);
     SecureZeroMemory(utf8, sizeof utf8);
     return result;
@@ -39,11 +39,8 @@ BOOL CRaskoOptions::OnInitDialog()
     SetDlgItemText(IDC_SERVICE, m_settings.target);
     SetDlgItemText(IDC_FOLDER, m_settings.folder);
     CheckDlgButton(IDC_HIDDEN, m_settings.hidden ? BST_CHECKED : BST_UNCHECKED);
-    if (auto credentials = rasko::LoadCredentials(rasko::ToUtf8(m_settings.target)))
-    {
+    if (const auto credentials = rasko::LoadCredentials(rasko::ToUtf8(m_settings.target)))
         SetDlgItemText(IDC_USER, rasko::FromUtf8(credentials->user));
-        rasko::Wipe(credentials->password);
-    }
     return TRUE;
 }
 
@@ -64,10 +61,10 @@ void CRaskoOptions::OnOK()
     settings.hidden = IsDlgButtonChecked(IDC_HIDDEN) == BST_CHECKED;
     const std::string service = rasko::ToUtf8(settings.target);
     const auto stored = rasko::LoadCredentials(service);
-    rasko::Credentials credentials{WindowText(*this, IDC_USER), WindowText(*this, IDC_PASSWORD)};
-    const rasko::WipeAtEnd wipe(credentials.password);
-    const bool kept = credentials.password.empty() && stored && stored->user == credentials.user;
-    if (credentials.user.empty() || (credentials.password.empty() && !kept))
+    const rasko::Credentials credentials{std::string(WindowText(*this, IDC_USER).View()),
+                                         WindowText(*this, IDC_PASSWORD)};
+    const bool kept = credentials.password.IsEmpty() && stored && stored->user == credentials.user;
+    if (credentials.user.empty() || (credentials.password.IsEmpty() && !kept))
         return Refuse(IDS_NO_CREDENTIALS, credentials.user.empty() ? IDC_USER : IDC_PASSWORD);
     if (!rasko::IsServiceName(settings.target))
         return Refuse(IDS_SERVICE_WRONG, IDC_SERVICE);

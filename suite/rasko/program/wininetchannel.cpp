@@ -83,7 +83,11 @@ struct WinInetChannel::Handles
         {
             std::shared_ptr<Handles> handles;
             Internet request;
-            std::string headers, body;
+            std::string headers, body; // the body may hold a password
+            ~Sending()
+            {
+                SecureZeroMemory(body.data(), body.size());
+            }
         };
         const auto sending = std::make_shared<Sending>(
             handles,

@@ -1,6 +1,5 @@
 #include "suite/rasko/program/worker.h"
 
-#include "suite/rasko/program/credentials.h"
 #include "suite/rasko/program/wininetchannel.h"
 #include "suite/rasko/transfer/texts.h"
 
@@ -45,7 +44,6 @@ void Worker::Start(Task task, Connection connection, Folders folders)
                 m_told = PostMessage(m_window, MessageProgress, 0, 0) != FALSE;
             return !m_stop;
         });
-        Wipe(connection.credentials.password);
         {
             const std::lock_guard lock(m_mutex);
             m_outcome = outcome;

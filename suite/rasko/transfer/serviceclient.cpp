@@ -38,12 +38,20 @@ std::string Attribute(const pugi::xml_node& node, const char* name)
     return value;
 }
 
-// The compiler must not take it for useless.
-void Overwrite(std::string& text)
+// Letters and digits stay, a blank becomes "+", all else "%xx".
+void AppendEncoded(std::string& form, std::string_view text)
 {
-    volatile char* bytes = text.data();
-    for (std::size_t i = 0; i < text.size(); ++i)
-        bytes[i] = 0;
+    static constexpr char Digits[] = "0123456789abcdef";
+    for (const char c : text)
+    {
+        const auto byte = static_cast<unsigned char>(c);
+        if ((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9'))
+            form += c;
+        else if (c == ' ')
+            form += '+';
+        else
+            form.append({'%', Digits[byte >> 4], Digits[byte & 15]});
+    }
 }
 
 pugi::xml_document Parse(const std::string& body)
@@ -59,18 +67,8 @@ namespace rasko
 {
 std::string FormEncode(std::string_view text)
 {
-    static constexpr char Digits[] = "0123456789abcdef";
     std::string encoded;
-    for (const char c : text)
-    {
-        const auto byte = static_cast<unsigned char>(c);
-        if ((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9'))
-            encoded += c;
-        else if (c == ' ')
-            encoded += '+';
-        else
-            encoded.append({'%', Digits[byte >> 4], Digits[byte & 15]});
-    }
+    AppendEncoded(encoded, text);
     return encoded;
 }
 
@@ -79,17 +77,17 @@ ServiceClient::ServiceClient(Channel& channel, Scripts scripts, Credentials cred
 {
 }
 
-ServiceClient::~ServiceClient()
-{
-    Overwrite(m_credentials.password);
-}
-
 void ServiceClient::SignIn()
 {
-    std::string form = "cmd=login&Login=" + FormEncode(m_credentials.user) +
-                       "&password=" + FormEncode(m_credentials.password) + "&tz=" + std::to_string(m_west);
+    std::string form;
+    const WipeAtEnd wipe(form);
+    form.reserve(100 + 3 * (m_credentials.user.size() + m_credentials.password.View().size()));
+    form += "cmd=login&Login=";
+    AppendEncoded(form, m_credentials.user);
+    form += "&password=";
+    AppendEncoded(form, m_credentials.password.View());
+    form += "&tz=" + std::to_string(m_west);
     const Reply reply = m_channel.Post(m_scripts.command, FormType, form);
-    Overwrite(form);
     if (reply.status == NotSignedIn)
         throw Refused(text::NotSignedIn);
     RequireDone(reply);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "suite/rasko/transfer/channel.h"
+#include "suite/rasko/transfer/secret.h"
 
 #include <cstdint>
 #include <string>
@@ -18,7 +19,8 @@ struct Scripts
 
 struct Credentials
 {
-    std::string user, password; ///< UTF-8
+    std::string user; ///< UTF-8, as the password
+    Secret password;
 };
 
 struct ServiceRecord
@@ -54,7 +56,6 @@ class ServiceClient
 public:
     /// `west`: minutes that local time lies behind UTC.
     ServiceClient(Channel& channel, Scripts scripts, Credentials credentials, int west);
-    ~ServiceClient(); ///< wipes its copy of the credentials
     ServiceClient(const ServiceClient&) = delete;
     ServiceClient& operator=(const ServiceClient&) = delete;
 

@@ -132,7 +132,8 @@ private:
                 upload, file.name, offset, {buffer.data(), static_cast<std::size_t>(count)}, last);
             if (reply.wrong)
                 throw Refused(text::Fill(text::LocalChanged, file.name));
-            if (!reply.accepted && ++corrections > MostOffsetCorrections)
+            // Whatever the service says it holds, this ends.
+            if (reply.received != offset + count && ++corrections > MostOffsetCorrections)
                 throw Interrupted(text::NotUnderstood);
             last = last && reply.accepted;
             meter.Add(reply.received - offset);
