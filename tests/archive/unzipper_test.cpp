@@ -235,9 +235,9 @@ TEST_P(ArchiveUnzipper, HostileAndDamagedZipsAreRefused)
         // Only whole entries may stand; with one thread only such as came before.
         for (const std::string& path : Tree())
         {
-            EXPECT_EQ(files.Bytes(path), path == "C:\\OUT\\A.PF"   ? first
-                                         : path == "C:\\OUT\\B.PF" ? "stored"
-                                                                   : "last")
+            EXPECT_EQ(files.Bytes(path), path.ends_with("\\A.PF")   ? first
+                                         : path.ends_with("\\C.PF") ? "last"
+                                                                    : "stored")
                 << c.what;
             EXPECT_TRUE(!IsSerial() || path == "C:\\OUT\\A.PF") << c.what;
         }
