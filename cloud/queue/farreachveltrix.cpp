@@ -31,10 +31,8 @@ void ShowText(BOOL bShow, UINT nText, LPCTSTR pszArgument, UINT nStyle)
 bool IsWritable(const CString& strFolder)
 {
     std::array<char, MAX_PATH> name{};
-    if (::GetTempFileName(strFolder, "vel", 0, name.data()) == 0)
-        return false;
-    ::DeleteFile(name.data());
-    return true;
+    // Not every system says of a name that its file could not be made; one that was made can be deleted.
+    return ::GetTempFileName(strFolder, "vel", 0, name.data()) != 0 && ::DeleteFile(name.data());
 }
 
 CString FullName(const dbCPatient& patient)

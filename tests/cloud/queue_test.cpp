@@ -180,6 +180,11 @@ TEST_F(Queue, ChecksTheSettingUpInItsOrder)
                       "There is no Rasko folder. When Rasko starts please go\nto 'Options' and configure "
                       "your settings."),
         velQueueRefused);
+    folder("Z:\\proc"); // where not even an administrator makes a file
+    EXPECT_EQ(
+        UploadWithBox(patient,
+                      "You do not have write access to:\n  Z:\\proc\nPlease correct this and try again."),
+        velQueueRefused);
     folder("");
     const std::string ask =
         "Veltrix Rasko, the module that handles uploading records to FarreachVeltrix needs to be set "
