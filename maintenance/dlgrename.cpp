@@ -243,8 +243,6 @@ void CRenameDlg::OnChangeDate(NMHDR* /*pHeader*/, LRESULT* pResult)
 
 void CRenameDlg::OnUpdateRadio(CCmdUI* pCmdUI)
 {
-    if (!m_bInitialised)
-        return;
     const bool bAllowed = m_pPatient != nullptr && g_VelIniSettingContainer.GetAllowPatientChanges() == 1;
     const maint::RenameRadios radios =
         maint::RadiosOf(m_nOperation, bAllowed, VelApp()->GetPracticeManagement() != 0, HasTimepoint());
@@ -259,14 +257,11 @@ void CRenameDlg::OnUpdateRadio(CCmdUI* pCmdUI)
 
 void CRenameDlg::OnUpdateAddName(CCmdUI* pCmdUI)
 {
-    if (m_bInitialised)
-        pCmdUI->Enable(m_nOperation == RENAME_TIMEPOINT && !m_comboNames.IsListed(m_result.strTimepointName));
+    pCmdUI->Enable(m_nOperation == RENAME_TIMEPOINT && !m_comboNames.IsListed(m_result.strTimepointName));
 }
 
 void CRenameDlg::OnUpdateOK(CCmdUI* pCmdUI)
 {
-    if (!m_bInitialised)
-        return;
     const maint::RenameState state = GetState();
     const bool bCanApply = maint::CanApply(state, velSystemChars());
     pCmdUI->Enable(bCanApply);

@@ -1,100 +1,46 @@
-#include "app/eventtext.h"
 #include "app/nameformat.h"
 #include "app/settingsrules.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <limits>
-#include <map>
+#include <optional>
 #include <string>
-#include <vector>
+#include <tuple>
 
 namespace
 {
 
 using namespace app;
-using testing::ElementsAre;
 
-// --- Full names
-
-struct NameCase
+TEST(FullName, FollowsOrderAndSettings)
 {
-    const char* what;
-    int familyFirst;
-    int order;
-    std::optional<std::string> separator;
-    const char* given;
-    const char* family;
-    const char* expected;
-};
-
-class FullName : public testing::TestWithParam<NameCase>
-{
-};
-
-TEST_P(FullName, FollowsOrderAndSettings)
-{
-    const NameCase& c = GetParam();
-    NameFormatter formatter({[&] { return c.familyFirst; }, [&] { return c.separator; }});
-    EXPECT_EQ(formatter.Format(c.given, c.family, static_cast<NAMEORDER>(c.order)), c.expected) << c.what;
+    const struct
+    {
+        const char* what;
+        int familyFirst;
+        int order;
+        std::optional<std::string> separator;
+        const char* given;
+        const char* family;
+        const char* expected;
+    } cases[] = {
+        {"any nonzero setting counts", -7, 1, {}, "Ann", "Lee", "Lee, Ann"},
+        {"other orders give the given name first", 1, 3, {}, "Ann", "Lee", "Ann Lee"},
+        {"negative orders too", 1, -1, {}, "Ann", "Lee", "Ann Lee"},
+        {"empty given name keeps its blank", 0, 1, {}, "", "Lee", " Lee"},
+        {"empty family name keeps its blank", 0, 0, {}, "Ann", "", "Ann "},
+        {"empty family name keeps its separator", 0, 2, {}, "Ann", "", ", Ann"},
+        {"nothing is trimmed", 0, 2, {}, " Ann ", " Lee ", " Lee ,  Ann "},
+        {"a separator of high bytes is a separator", 0, 2, "\xAC", "Ann", "Lee", "Lee\xAC Ann"},
+    };
+    for (const auto& c : cases)
+    {
+        NameFormatter formatter({[&] { return c.familyFirst; }, [&] { return c.separator; }});
+        EXPECT_EQ(formatter.Format(c.given, c.family, static_cast<NAMEORDER>(c.order)), c.expected) << c.what;
+    }
 }
-
-const NameCase nameCases[] = {
-    {"no settings, default order", 0, 0, {}, "Ann", "Lee", "Ann Lee"},
-    {"no settings, family first", 0, 2, {}, "Ann", "Lee", "Lee, Ann"},
-    {"setting decides for order 0", 1, 0, {}, "Ann", "Lee", "Lee, Ann"},
-    {"setting decides for order 1 too", 1, 1, {}, "Ann", "Lee", "Lee, Ann"},
-    {"any nonzero setting counts", -7, 1, {}, "Ann", "Lee", "Lee, Ann"},
-    {"other orders give the given name first", 1, 3, {}, "Ann", "Lee", "Ann Lee"},
-    {"negative orders too", 1, -1, {}, "Ann", "Lee", "Ann Lee"},
-    {"configured separator gets a blank", 0, 2, "/", "Ann", "Lee", "Lee/ Ann"},
-    {"empty separator is a single blank", 0, 2, "", "Ann", "Lee", "Lee Ann"},
-    {"empty given name keeps its blank", 0, 1, {}, "", "Lee", " Lee"},
-    {"empty family name keeps its blank", 0, 0, {}, "Ann", "", "Ann "},
-    {"empty family name keeps its separator", 0, 2, {}, "Ann", "", ", Ann"},
-    {"nothing is trimmed", 0, 2, {}, " Ann ", " Lee ", " Lee ,  Ann "},
-    {"a separator of high bytes is a separator", 0, 2, "\xAC", "Ann", "Lee", "Lee\xAC Ann"},
-};
-INSTANTIATE_TEST_SUITE_P(Table, FullName, testing::ValuesIn(nameCases));
-
-TEST(FullNameCache, SettingsAreReadOnceAndOnlyWhenNeeded)
-{
-    int flagReads = 0;
-    int separatorReads = 0;
-    int flag = 1;
-    std::string separator = "-";
-    NameFormatter formatter({[&] { return ++flagReads, flag; },
-                             [&] { return ++separatorReads, std::optional<std::string>(separator); }});
-
-    EXPECT_EQ(formatter.Format("Ann", "Lee", static_cast<NAMEORDER>(3)), "Ann Lee");
-    EXPECT_EQ(flagReads, 0);
-    EXPECT_EQ(formatter.Format("Ann", "Lee", NAMEORDER_LAST_FIRST), "Lee- Ann");
-    EXPECT_EQ(flagReads, 0) << "a fixed order does not need the flag";
-
-    EXPECT_EQ(formatter.Format("Ann", "Lee", NAMEORDER_DEFAULT), "Lee- Ann");
-    flag = 0;
-    separator = "+";
-    EXPECT_EQ(formatter.Format("Ann", "Lee", NAMEORDER_DEFAULT), "Lee- Ann");
-    EXPECT_EQ(flagReads, 1);
-    EXPECT_EQ(separatorReads, 1);
-}
-
-// --- Audit sentences
-
-TEST(EventText, SentencesOfTheThreeChanges)
-{
-    EXPECT_EQ(PatientEventText(PatientChange::Created, "A1", "Lee", "Ann"),
-              "The patient (A1) Lee, Ann has been created");
-    EXPECT_EQ(PatientEventText(PatientChange::CreatedFromDicom, "A1", "Lee", "Ann"),
-              "The patient from DICOM (A1) Lee, Ann has been created");
-    EXPECT_EQ(PatientEventText(PatientChange::Modified, "A1", "Lee", "Ann"),
-              "The patient (A1) Lee, Ann data, has been modified");
-    EXPECT_EQ(PatientEventText(PatientChange::Modified, "%s", "<1>", ""),
-              "The patient (%s) <1>,  data, has been modified");
-}
-
-// --- Parsing of settings
 
 TEST(ParseDecimal, ReadsTheNumberAtTheStart)
 {
@@ -126,54 +72,6 @@ TEST(ParseColour, ReadsThreeNumbersAsTheCFormatDoes)
     };
     for (const auto& [text, expected] : cases)
         EXPECT_EQ(ParseColour(text, fallback), expected) << "\"" << text << "\"";
-}
-
-/// A settings file in memory that keeps the order of the questions.
-struct MemorySettings
-{
-    std::map<std::string, std::string> values; // "Section/Key"
-    std::vector<std::string> asked;
-
-    SettingsSource Source()
-    {
-        SettingsSource source;
-        source.defaultsSection = "Defaults";
-        source.environmentSection = "Environment";
-        source.workingKey = "WORKING";
-        source.windowColour = 0x123456;
-        source.readInt = [this](const std::string& section, const char* key, int fallback) {
-            const std::string* text = Find(section, key);
-            return text ? std::stoi(*text) : fallback;
-        };
-        source.readString = [this](const std::string& section, const char* key, const char* fallback) {
-            const std::string* text = Find(section, key);
-            return text ? *text : std::string(fallback);
-        };
-        return source;
-    }
-
-private:
-    const std::string* Find(const std::string& section, const std::string& key)
-    {
-        asked.push_back(section + "/" + key);
-        const auto it = values.find(asked.back());
-        return it == values.end() ? nullptr : &it->second;
-    }
-};
-
-TEST(ReadSettings, ReadsInTheFixedOrder)
-{
-    MemorySettings settings;
-    ReadSettings(settings.Source());
-    EXPECT_THAT(settings.asked,
-                ElementsAre("Defaults/MeasWndNumDisplayPrec", "Defaults/MeasInTracingNumDisplayPrec",
-                            "Defaults/TracingPrintTextScale", "Defaults/TurnOnTextGuides",
-                            "Defaults/UseUniformTeethSize", "Defaults/UseTracingAntiAlias",
-                            "Defaults/DisplayQuality", "Defaults/DisplayPhotoCornerRoundedness",
-                            "Defaults/Recycle", "Defaults/BackgroundColor", "Environment/Implants",
-                            "Environment/WORKING", "Defaults/AllowPatientChanges",
-                            "Environment/LimitCapturedImagesToMegaPixel64",
-                            "Defaults/LimitCapturedImagesSize64", "Defaults/TracingLineThickness"));
 }
 
 TEST(ReadSettings, BringsValuesIntoTheirLimits)
@@ -224,11 +122,24 @@ TEST(ReadSettings, BringsValuesIntoTheirLimits)
     };
     for (const auto& [key, value, change] : cases)
     {
-        MemorySettings settings;
-        settings.values[key] = value;
+        const auto find = [&, one = std::string(key)](const std::string& section, const char* asked) {
+            return section + "/" + asked == one;
+        };
+        SettingsSource source;
+        source.defaultsSection = "Defaults";
+        source.environmentSection = "Environment";
+        source.workingKey = "WORKING";
+        source.windowColour = 0x123456;
+        source.readInt = [&, text = value](const std::string& section, const char* asked, int fallback) {
+            return find(section, asked) ? std::stoi(text) : fallback;
+        };
+        source.readString = [&, text = value](const std::string& section, const char* asked,
+                                              const char* fallback) {
+            return std::string(find(section, asked) ? text : fallback);
+        };
         SharedSettings expected = defaults;
         change(expected);
-        EXPECT_EQ(ReadSettings(settings.Source()), expected) << key << "=" << value;
+        EXPECT_EQ(ReadSettings(source), expected) << key << "=" << value;
     }
 }
 

@@ -5,12 +5,12 @@
 #include "suite/patients/records/dbpatient.h"
 #include "suite/patients/records/veltrixlogin.h"
 #include "tests/support/dialogscript.h"
+#include "tests/support/sql.h"
 #include "tests/support/temporarypractice.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <functional>
-#include <utility>
 
 namespace
 {
@@ -21,20 +21,27 @@ using veltest::DialogScript;
 class EntryPoints : public testing::Test
 {
 protected:
-    void SetUp() override
+    EntryPoints()
     {
         dbCPatients::Create(m_practice.Path("patients.db").c_str());
     }
-    void TearDown() override
+    ~EntryPoints() override
     {
         dbCPatients::Close();
     }
 
-    static void FillChart(const Dialog& sheet, const char* id, const char* given, const char* family)
+    /// The script begins on a new patient's sheet.
+    static __int64 Run(const std::function<__int64()>& call,
+                       const std::function<void(DialogScript&, const Dialog&)>& script)
     {
-        sheet.Item(IDC_CHART_ID).Replace(id);
-        sheet.Item(IDC_CHART_FIRSTNAME).Replace(given);
-        sheet.Item(IDC_CHART_LASTNAME).Replace(family);
+        return veltest::RunDialog(call, "Patient Information", script);
+    }
+
+    static void FillChart(const Dialog& sheet)
+    {
+        sheet.Item(IDC_CHART_ID).Replace("A1");
+        sheet.Item(IDC_CHART_FIRSTNAME).Replace("Ann");
+        sheet.Item(IDC_CHART_LASTNAME).Replace("Lee");
     }
 
     static dbCPatient Store(const char* id, const char* given, const char* family)
@@ -69,13 +76,7 @@ TEST_F(EntryPoints, NewPatientsAreSavedRecordedAndNamedToTheCaller)
     data.SetID("D7");
     data.SetFirstname("Bo");
     data.SetLastname("Lee");
-    struct Case
-    {
-        std::function<__int64(CString&)> call;
-        const char* shownID;
-        std::string event; // for the ID A1
-    };
-    const Case cases[] = {
+    const std::tuple<std::function<__int64(CString&)>, const char*, std::string> cases[] = {
         {[&](CString& guid) { return NewPatientDlg(nullptr, &m_patients, guid); }, "", "The patient (A1)"},
         {[&](CString& guid) { return NewPatientDlgWithData(nullptr, &m_patients, guid, nullptr); }, "",
          "The patient from DICOM (A1)"},
@@ -88,18 +89,16 @@ TEST_F(EntryPoints, NewPatientsAreSavedRecordedAndNamedToTheCaller)
         {
             CString guid = "before";
             const auto before = Events();
-            const auto result = veltest::RunModal([&] { return call(guid); },
-                                                  [&, shown = shownID](DialogScript& script) {
-                                                      const Dialog sheet =
-                                                          script.WaitForDialog("Patient Information");
-                                                      EXPECT_EQ(sheet.PageCount(), 5);
-                                                      EXPECT_EQ(sheet.PageIndex(), 0);
-                                                      EXPECT_FALSE(sheet.Item(IDHELP).IsVisible());
-                                                      EXPECT_EQ(CVeltrixLogin::m_bNewPatFromDI, 1);
-                                                      EXPECT_EQ(sheet.Item(IDC_CHART_ID).Text(), shown);
-                                                      FillChart(sheet, "A1", "Ann", "Lee");
-                                                      sheet.Press(end);
-                                                  });
+            const auto play = [&, shown = shownID](DialogScript&, const Dialog& sheet) {
+                EXPECT_EQ(sheet.PageCount(), 5);
+                EXPECT_EQ(sheet.PageIndex(), 0);
+                EXPECT_FALSE(sheet.Item(IDHELP).IsVisible());
+                EXPECT_EQ(CVeltrixLogin::m_bNewPatFromDI, 1);
+                EXPECT_EQ(sheet.Item(IDC_CHART_ID).Text(), shown);
+                FillChart(sheet);
+                sheet.Press(end);
+            };
+            const auto result = Run([&, open = call] { return open(guid); }, play);
             EXPECT_EQ(result, end);
             EXPECT_EQ(CVeltrixLogin::m_bNewPatFromDI, 0);
             dbCPatient patient;
@@ -118,16 +117,14 @@ TEST_F(EntryPoints, NewPatientsAreSavedRecordedAndNamedToTheCaller)
 TEST_F(EntryPoints, ChangePatientShowsNameAndIDAndRecordsTheChange)
 {
     dbCPatient patient = Store("B2", "Bo  ", "O'Hara & <1>");
-    const auto result = veltest::RunModal([&] { return ChangePatientDlg(nullptr, &m_patients, &patient); },
-                                          [](DialogScript& script) {
-                                              // The caption has the names as they were entered, the event
-                                              // tidied.
-                                              const Dialog sheet = script.WaitForDialog(
-                                                  "Patient Information - Bo   O'Hara & <1> ID: B2");
-                                              EXPECT_EQ(CVeltrixLogin::m_bNewPatFromDI, 0);
-                                              sheet.Item(IDC_CHART_NICKNAME).Replace("Bobo");
-                                              sheet.Press(IDOK);
-                                          });
+    const auto play = [](DialogScript&, const Dialog& sheet) {
+        EXPECT_EQ(CVeltrixLogin::m_bNewPatFromDI, 0);
+        sheet.Item(IDC_CHART_NICKNAME).Replace("Bobo");
+        sheet.Press(IDOK);
+    };
+    // The caption has the names as they were entered, the event tidied.
+    const auto result = veltest::RunDialog([&] { return ChangePatientDlg(nullptr, &m_patients, &patient); },
+                                           "Patient Information - Bo   O'Hara & <1> ID: B2", play);
     EXPECT_EQ(result, IDOK);
     dbCPatient changed;
     ASSERT_TRUE(changed.Load("B2"));
@@ -162,80 +159,35 @@ TEST_F(EntryPoints, NothingComesUpWithoutAPatientListOrPatient)
     EXPECT_TRUE(Events().empty());
 }
 
-TEST_F(EntryPoints, APatientThatIsGoneIsReportedAndNothingRecorded)
-{
-    dbCPatient patient = Store("B2", "Bo", "Lee");
-    m_patients.DeletePatient("B2");
-    const auto result =
-        veltest::RunModal([&] { return ChangePatientDlg(nullptr, &m_patients, &patient); },
-                          [](DialogScript& script) {
-                              script.AnswerBox("Error occurs when loading patient info", IDOK);
-                              script.WaitForDialog("Patient Information - Bo Lee ID: B2").Press(IDCANCEL);
-                          });
-    EXPECT_EQ(result, IDCANCEL);
-    EXPECT_TRUE(Events().empty());
-}
-
-/// Calls action once, on the user interface thread, when a window with this title is being destroyed.
-class AtDestruction
-{
-public:
-    AtDestruction(std::string title, std::function<void()> action)
-        : m_title(std::move(title)), m_action(std::move(action)),
-          m_hook(SetWindowsHookExA(WH_CALLWNDPROC, OnMessage, nullptr, GetCurrentThreadId()))
-    {
-        s_current = this;
-    }
-    ~AtDestruction()
-    {
-        UnhookWindowsHookEx(m_hook);
-        s_current = nullptr;
-        EXPECT_FALSE(m_action) << "no window \"" << m_title << "\" was destroyed";
-    }
-    AtDestruction(const AtDestruction&) = delete;
-    AtDestruction& operator=(const AtDestruction&) = delete;
-
-private:
-    static LRESULT CALLBACK OnMessage(int code, WPARAM sender, LPARAM data)
-    {
-        const auto* const message = reinterpret_cast<const CWPSTRUCT*>(data);
-        char title[100] = "";
-        if (code == HC_ACTION && message->message == WM_DESTROY && s_current->m_action &&
-            GetWindowTextA(message->hwnd, title, sizeof title) > 0 && s_current->m_title == title)
-            std::exchange(s_current->m_action, nullptr)();
-        return CallNextHookEx(nullptr, code, sender, data);
-    }
-
-    std::string m_title;
-    std::function<void()> m_action;
-    HHOOK m_hook;
-    inline static AtDestruction* s_current = nullptr;
-};
-
 /// The patient is stored when the sheet closes: what fails after it is told and takes nothing back.
 TEST_F(EntryPoints, AnEventThatCannotBeRecordedIsToldAndTheResultStaysOK)
 {
     const std::string text =
         "The patient was saved, but the change could not be recorded in the audit log.\n\n";
-    const std::pair<std::function<void()>, std::string> failures[] = {
-        {[&] { m_patients.DeletePatient("A1"); }, "The patient with the ID A1 could not be read again."},
-        {[] { dbCPatients::Close(); }, "No patient database is open."},
+    const std::tuple<const char*, const char*, bool> failures[] = {
+        {"CREATE TRIGGER fault BEFORE INSERT ON auditEvents BEGIN SELECT RAISE(FAIL, 'the disk is full'); "
+         "END",
+         "the disk is full", true},
+        {"CREATE TRIGGER fault AFTER INSERT ON patients BEGIN DELETE FROM patients; END",
+         "The patient with the ID A1 could not be read again.", false},
     };
-    for (const auto& [failure, reason] : failures)
+    for (const auto& [fault, reason, known] : failures)
     {
-        const AtDestruction meanwhile("Patient Information", failure);
+        veltest::RunSql(m_practice.Path("patients.db"), fault);
         CString guid;
-        const auto result = veltest::RunModal([&] { return NewPatientDlg(nullptr, &m_patients, guid); },
-                                              [&, why = reason](DialogScript& script) {
-                                                  const Dialog sheet =
-                                                      script.WaitForDialog("Patient Information");
-                                                  FillChart(sheet, "A1", "Ann", "Lee");
-                                                  sheet.Press(IDOK);
-                                                  script.AnswerBox(text + why, IDOK);
-                                              });
+        const auto result = Run([&] { return NewPatientDlg(nullptr, &m_patients, guid); },
+                                [&, why = reason](DialogScript& script, const Dialog& sheet) {
+                                    FillChart(sheet);
+                                    sheet.Press(IDOK);
+                                    const std::string told = script.AnswerBox("", IDOK);
+                                    EXPECT_THAT(told, testing::StartsWith(text));
+                                    EXPECT_THAT(told, testing::HasSubstr(why));
+                                });
         EXPECT_EQ(result, IDOK);
-        EXPECT_TRUE(guid.IsEmpty());
+        EXPECT_EQ(!guid.IsEmpty(), known);
+        veltest::RunSql(m_practice.Path("patients.db"), "DROP TRIGGER fault; DELETE FROM patients");
     }
+    EXPECT_TRUE(Events().empty());
 }
 
 } // namespace

@@ -16,6 +16,9 @@
 namespace
 {
 
+using veltest::Dialog;
+using veltest::DialogScript;
+
 constexpr UINT helpContext = 15;
 constexpr UINT getWindow = 6;
 constexpr DWORD_PTR editKeywordsHelp = 140455;
@@ -55,172 +58,139 @@ CVelDlgsApp& ModuleApp()
 class Help : public testing::Test
 {
 protected:
-    void SetUp() override
+    Help()
     {
         ModuleApp().SetHelpViewer(&m_viewer);
         dbCPatients::Create(m_practice.Path("patients.db").c_str());
     }
-    void TearDown() override
+    ~Help() override
     {
         dbCPatients::Close();
         ModuleApp().SetHelpViewer(nullptr);
     }
 
     /// Opens the keyword editor, presses F1 there and closes it; answers the editor's window.
-    HWND PressF1InKeywordEditor(const std::function<void(veltest::DialogScript&)>& meanwhile = {})
+    static HWND PressF1InKeywordEditor(const std::function<void(DialogScript&)>& meanwhile = {})
     {
         HWND window = nullptr;
-        const auto result = veltest::RunModal([] { return EditKeywords(nullptr, INI_LIST_PATIENT); },
-                                              [&](veltest::DialogScript& script) {
-                                                  veltest::Dialog dialog =
-                                                      script.WaitForDialog("Edit Keywords");
-                                                  window = dialog.Handle();
-                                                  dialog.PressF1();
-                                                  if (meanwhile)
-                                                      meanwhile(script);
-                                                  script.Settle(window);
-                                                  dialog.Press(IDCANCEL);
-                                              });
-        EXPECT_EQ(result, IDCANCEL);
+        const auto play = [&](DialogScript& script, const Dialog& dialog) {
+            window = dialog.Handle();
+            dialog.PressF1();
+            if (meanwhile)
+                meanwhile(script);
+            script.Settle(window);
+            dialog.Press(IDCANCEL);
+        };
+        EXPECT_EQ(
+            veltest::RunDialog([] { return EditKeywords(nullptr, INI_LIST_PATIENT); }, "Edit Keywords", play),
+            IDCANCEL);
         return window;
+    }
+
+    /// Expects F1 and a button to show a topic.
+    void ExpectTopic(DialogScript& script, const Dialog& dialog, DWORD_PTR topic, int button = IDHELP)
+    {
+        for (const bool key : {true, false})
+        {
+            m_viewer.calls.clear();
+            key ? dialog.PressF1() : dialog.Press(button);
+            script.Settle(dialog.Handle());
+            ASSERT_EQ(m_viewer.calls.size(), 2u) << topic << (key ? " F1" : " button");
+            EXPECT_EQ(m_viewer.calls[0].data, topic + offset);
+            EXPECT_EQ(m_viewer.calls[0].owner, dialog.Handle());
+        }
     }
 
     veltest::TemporaryPractice m_practice;
     RecordingViewer m_viewer;
 };
 
-TEST_F(Help, StopsWhenTheShiftedTopicOpensTheHelpWindow)
+TEST_F(Help, TheUnshiftedTopicIsTriedOnceWhenNoWindowCameUp)
 {
-    m_viewer.window = GetDesktopWindow();
-    HWND editor = PressF1InKeywordEditor();
-    ASSERT_NE(editor, nullptr);
-    ASSERT_EQ(m_viewer.calls.size(), 2u);
-    EXPECT_EQ(m_viewer.calls[0].command, helpContext);
-    EXPECT_EQ(m_viewer.calls[0].data, editKeywordsHelp + offset);
-    EXPECT_EQ(m_viewer.calls[0].owner, editor);
-    EXPECT_STRCASEEQ(m_viewer.calls[0].file.c_str(), m_practice.Path("sys\\Veltrix.chm").c_str());
-    EXPECT_EQ(m_viewer.calls[1].command, getWindow);
-    EXPECT_EQ(m_viewer.calls[1].name, "Veltrix Imaging Help");
-}
-
-TEST_F(Help, TriesTheUnshiftedTopicOnceWhenNoWindowCameUp)
-{
-    PressF1InKeywordEditor();
-    ASSERT_EQ(m_viewer.calls.size(), 3u);
-    EXPECT_EQ(m_viewer.calls[0].data, editKeywordsHelp + offset);
-    EXPECT_EQ(m_viewer.calls[1].command, getWindow);
-    EXPECT_EQ(m_viewer.calls[2].command, helpContext);
-    EXPECT_EQ(m_viewer.calls[2].data, editKeywordsHelp);
-    EXPECT_EQ(m_viewer.calls[2].file, m_viewer.calls[0].file);
-}
-
-TEST_F(Help, AHandleOfNoWindowIsNoHelpWindow)
-{
-    m_viewer.window = reinterpret_cast<HWND>(0x7FFF1234);
-    PressF1InKeywordEditor();
-    EXPECT_EQ(m_viewer.calls.size(), 3u);
+    const std::pair<HWND, UINT> windows[] = {
+        {GetDesktopWindow(), 2}, {nullptr, 3}, {reinterpret_cast<HWND>(0x7FFF1234), 3}}; // no window
+    for (const auto& [window, count] : windows)
+    {
+        m_viewer.window = window;
+        m_viewer.calls.clear();
+        const HWND editor = PressF1InKeywordEditor();
+        const auto& calls = m_viewer.calls;
+        ASSERT_EQ(calls.size(), count);
+        EXPECT_EQ(calls[0].command, helpContext);
+        EXPECT_EQ(calls[0].data, editKeywordsHelp + offset);
+        EXPECT_EQ(calls[0].owner, editor);
+        EXPECT_STRCASEEQ(calls[0].file.c_str(), m_practice.Path("sys\\Veltrix.chm").c_str());
+        EXPECT_EQ(calls[1].command, getWindow);
+        EXPECT_EQ(calls[1].name, "Veltrix Imaging Help");
+        EXPECT_EQ(calls.back().data == editKeywordsHelp, count == 3);
+        EXPECT_EQ(calls.back().command, count == 3 ? helpContext : getWindow);
+        EXPECT_EQ(calls.back().file, calls[0].file);
+    }
 }
 
 TEST_F(Help, DebugBoxShowsTheNumbersFirst)
 {
     m_practice.Set("defaults", "DebugHelp", "1");
     m_viewer.window = GetDesktopWindow();
-    PressF1InKeywordEditor([&](veltest::DialogScript& script) {
-        const veltest::Dialog box = script.WaitForBox();
-        EXPECT_EQ(box.BoxText(), "Calling new help.\n"
-                                 "dwData = 0x000224a7 (140455 ).\n"
-                                 "clipped dwData = 0x24a7 (9383).\n"
-                                 "nCmd = 1 (HELP_CONTEXT)");
+    PressF1InKeywordEditor([&](DialogScript& script) {
+        script.WaitForBox();
         EXPECT_EQ(m_viewer.calls.size(), 0u) << "the box comes before the help";
-        script.AnswerBox("", IDOK);
+        EXPECT_EQ(script.AnswerBox("", IDOK), "Calling new help.\n"
+                                              "dwData = 0x000224a7 (140455 ).\n"
+                                              "clipped dwData = 0x24a7 (9383).\n"
+                                              "nCmd = 1 (HELP_CONTEXT)");
     });
     EXPECT_EQ(m_viewer.calls.size(), 2u);
 }
 
-TEST_F(Help, EveryWindowOfThePatientSheetHasItsTopic)
+TEST_F(Help, EveryPageAndDialogHasItsTopic)
 {
     m_viewer.window = GetDesktopWindow();
     dbCPatients patients;
-    CString guid;
-    const auto result =
-        veltest::RunModal([&] { return NewPatientDlg(nullptr, &patients, guid); },
-                          [&](veltest::DialogScript& script) {
-                              const veltest::Dialog sheet = script.WaitForDialog("Patient Information");
-                              sheet.Item(IDC_CHART_ID).Replace("A1");
-                              sheet.Item(IDC_CHART_FIRSTNAME).Replace("Ann");
-                              sheet.Item(IDC_CHART_LASTNAME).Replace("Lee");
-                              const std::pair<int, DWORD_PTR> topics[] = {{IDC_CHART_ID, 140433},
-                                                                          {IDC_DETAIL_TITLE, 140434},
-                                                                          {IDC_GUARD_TITLE, 140438},
-                                                                          {IDC_REFER_NOTE, 140439},
-                                                                          {IDC_INSURE_NUMBER, 140440}};
-                              for (int page = 0; page < 5; ++page)
-                              {
-                                  sheet.SelectPage(page);
-                                  sheet.Item(topics[page].first).Focus();
-                                  m_viewer.calls.clear();
-                                  sheet.PressF1();
-                                  script.Settle(sheet.Handle());
-                                  ASSERT_EQ(m_viewer.calls.size(), 2u) << "page " << page;
-                                  EXPECT_EQ(m_viewer.calls[0].data, topics[page].second + offset);
-                              }
+    CString text;
+    const auto play = [&](DialogScript& script, const Dialog& sheet) {
+        sheet.Item(IDC_CHART_ID).SetText("A1");
+        sheet.Item(IDC_CHART_FIRSTNAME).SetText("Ann");
+        sheet.Item(IDC_CHART_LASTNAME).SetText("Lee");
+        const std::pair<int, DWORD_PTR> topics[] = {{IDC_CHART_STREET, 140433},
+                                                    {IDC_DETAIL_TITLE, 140434},
+                                                    {IDC_GUARD_NOTES, 140438},
+                                                    {IDC_ROWS_LIST, 140439},
+                                                    {IDC_INSURE_COMPANY, 140440}};
+        for (int page = 0; page < 5; ++page)
+        {
+            sheet.SelectPage(page);
+            for (const int field : {topics[page].first, IDCANCEL}) // on the frame it is the page's topic too
+            {
+                sheet.Item(field).Focus();
+                ExpectTopic(script, sheet, topics[page].second, IDC_SHEET_HELP);
+            }
+        }
+        sheet.SelectPage(1);
+        sheet.Press(IDC_DETAIL_EDIT_TREATING);
+        const Dialog editor = script.WaitForDialog("Doctor");
+        ExpectTopic(script, editor, 140441);
+        editor.Press(IDCANCEL);
+        editor.WaitForClosed();
+        sheet.Press(IDCANCEL);
+    };
+    veltest::RunDialog([&] { return NewPatientDlg(nullptr, &patients, text); }, "Patient Information", play);
 
-                              sheet.SelectPage(1);
-                              sheet.Press(IDC_DETAIL_EDIT_TREATING);
-                              const veltest::Dialog editor = script.WaitForDialog("Doctor");
-                              for (const int way : {0, 1})
-                              {
-                                  m_viewer.calls.clear();
-                                  way == 0 ? editor.PressF1() : editor.Press(IDHELP);
-                                  script.Settle(editor.Handle());
-                                  ASSERT_EQ(m_viewer.calls.size(), 2u) << (way == 0 ? "F1" : "the button");
-                                  EXPECT_EQ(m_viewer.calls[0].data, 140441 + offset);
-                                  EXPECT_EQ(m_viewer.calls[0].owner, editor.Handle());
-                              }
-                              editor.Press(IDCANCEL);
-                              editor.WaitForClosed();
-                              sheet.Press(IDCANCEL);
-                          });
-    EXPECT_EQ(result, IDCANCEL);
-}
-
-TEST_F(Help, EveryRecordDialogHasItsTopic)
-{
-    m_viewer.window = GetDesktopWindow();
     __int64 result = 0;
     unsigned operation = 0;
     RENAME_OP renamed = RENAME_PATIENT;
-    CString text;
     COleDateTime date;
-    const struct
-    {
-        const char* title;
-        DWORD_PTR topic;
-        std::function<void()> run;
-    } dialogs[] = {
+    const std::tuple<const char*, DWORD_PTR, std::function<void()>> dialogs[] = {
         {"Rename", 140453,
          [&] { RenameDlg(nullptr, 0, nullptr, 0, "", &renamed, text, text, text, text, date); }},
         {"Delete", 140380, [&] { DeleteDlg(nullptr, 0, nullptr, 0, 0, 0, "", result, operation); }},
         {"New Timepoint", 140374, [&] { NewTimepointDlg(nullptr, 0, nullptr, result); }},
     };
-    for (const auto& shown : dialogs)
-        veltest::RunModal(
-            [&] {
-                shown.run();
-                return 0;
-            },
-            [&](veltest::DialogScript& script) {
-                const veltest::Dialog dialog = script.WaitForDialog(shown.title);
-                for (const int way : {0, 1})
-                {
-                    m_viewer.calls.clear();
-                    way == 0 ? dialog.PressF1() : dialog.Press(IDHELP);
-                    script.Settle(dialog.Handle());
-                    ASSERT_EQ(m_viewer.calls.size(), 2u) << shown.title << (way == 0 ? " F1" : " button");
-                    EXPECT_EQ(m_viewer.calls[0].data, shown.topic + offset);
-                }
-                dialog.Press(IDCANCEL);
-            });
+    for (const auto& [title, topic, run] : dialogs)
+        veltest::RunDialog(run, title, [&, shown = topic](DialogScript& script, const Dialog& dialog) {
+            ExpectTopic(script, dialog, shown);
+            dialog.Press(IDCANCEL);
+        });
 }
 
 /// A library of that name in another folder of the search path could be anybody's.

@@ -9,8 +9,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <functional>
-#include <map>
 
 namespace
 {
@@ -18,177 +16,109 @@ namespace
 template <typename Symbol> Symbol Find(const char* name)
 {
     const HMODULE module = LoadLibraryA("VelDlgs.dll");
-    return module == nullptr
-               ? nullptr
-               : reinterpret_cast<Symbol>(reinterpret_cast<void*>(GetProcAddress(module, name)));
+    return reinterpret_cast<Symbol>(reinterpret_cast<void*>(GetProcAddress(module, name)));
 }
 
-int Report(const std::string& what, const std::string& expected, const std::string& found)
+/// The result of a process that expects this.
+int Expect(const std::string& expected, const char* found)
 {
     if (expected == found)
         return 0;
-    std::printf("%s is \"%s\", expected \"%s\"\n", what.c_str(), found.c_str(), expected.c_str());
+    std::printf("\"%s\", expected \"%s\"\n", found, expected.c_str());
     return 1;
 }
 
-std::string Number(double value)
-{
-    char text[64];
-    std::snprintf(text, sizeof text, "%.9g", value);
-    return text;
-}
-
-// --- The container, read by its layout as a host does
-
-const std::map<std::string, std::function<std::string(const CVelIniSettingsContainer&)>> fields = {
-    {"size", [](auto& c) { return Number(c.m_nSize == sizeof c); }},
-    {"filled", [](auto& c) { return Number(c.m_bFilled); }},
-    {"measure", [](auto& c) { return Number(c.m_nMeasWndNumDisplayPrec); }},
-    {"tracing", [](auto& c) { return Number(c.m_nMeasInTracingNumDisplayPrec); }},
-    {"scale", [](auto& c) { return Number(c.m_fTracingPrintTextScale); }},
-    {"teeth", [](auto& c) { return Number(c.m_nUseUniformTeethSize); }},
-    {"antialias", [](auto& c) { return Number(c.m_nUseTracingAntiAlias); }},
-    {"guides", [](auto& c) { return Number(c.m_nTurnOnTextGuides); }},
-    {"quality", [](auto& c) { return Number(c.m_nDisplayQuality); }},
-    {"corner", [](auto& c) { return Number(c.m_nDisplayPhotoCornerRoundedness); }},
-    {"recycle", [](auto& c) { return Number(c.m_bRecycle); }},
-    {"colour", [](auto& c) { return Number(c.m_crBackgroundColor); }},
-    {"iswindowcolour", [](auto& c) { return Number(c.m_crBackgroundColor == GetSysColor(COLOR_WINDOW)); }},
-    {"implants", [](auto& c) { return std::string(c.m_strImplants.GetString()); }},
-    {"changes", [](auto& c) { return Number(c.m_nAllowPatientChanges); }},
-    {"limit", [](auto& c) { return Number(c.m_bLimitCapturedImagesSize); }},
-    {"megapixels", [](auto& c) { return Number(c.m_dLimitCapturedImagesToMegaPixel); }},
-    {"line", [](auto& c) { return Number(c.m_fTracingLineThickness); }},
-};
-
-/// Arguments: field and expected text in turn.
+/// The container, read by its layout as a host does. Argument: its expected fields.
 VEL_CHILD_PROCESS(readContainer)
 {
-    const auto* const container = Find<const CVelIniSettingsContainer*>("g_VelIniSettingContainer");
-    if (container == nullptr)
-        return 100;
-    int failures = 0;
-    for (std::size_t i = 0; i + 1 < arguments.size(); i += 2)
-        failures += Report(arguments[i], arguments[i + 1], fields.at(arguments[i])(*container));
-    return failures;
+    const auto& c = *Find<const CVelIniSettingsContainer*>("g_VelIniSettingContainer");
+    CString colour = "window";
+    if (c.m_crBackgroundColor != GetSysColor(COLOR_WINDOW))
+        colour.Format("%06lx", c.m_crBackgroundColor);
+    CString text;
+    text.Format("%d %d|%d %d %.9g %d %d %d %d %d %d %s %s|%d %d %.9g %.9g", c.m_nSize == sizeof c,
+                c.m_bFilled, c.m_nMeasWndNumDisplayPrec, c.m_nMeasInTracingNumDisplayPrec,
+                c.m_fTracingPrintTextScale, c.m_nUseUniformTeethSize, c.m_nUseTracingAntiAlias,
+                c.m_nTurnOnTextGuides, c.m_nDisplayQuality, c.m_nDisplayPhotoCornerRoundedness, c.m_bRecycle,
+                colour.GetString(), c.m_strImplants.GetString(), c.m_nAllowPatientChanges,
+                c.m_bLimitCapturedImagesSize, c.m_dLimitCapturedImagesToMegaPixel, c.m_fTracingLineThickness);
+    return Expect(arguments[0], text);
 }
 
-int ReadContainer(const std::vector<std::string>& expected)
-{
-    return veltest::ChildProcess("readContainer", expected).Wait();
-}
-
-TEST(Container, HoldsTheDefaultsWhenNothingIsSet)
-{
-    const veltest::TemporaryPractice practice;
-    const std::string working = practice.Get("Environment", "WORKING");
-    EXPECT_EQ(ReadContainer({"size",           "1",
-                             "filled",         "1",
-                             "measure",        "1",
-                             "tracing",        "0",
-                             "scale",          "0.699999988",
-                             "teeth",          "0",
-                             "antialias",      "1",
-                             "guides",         "0",
-                             "quality",        "2",
-                             "corner",         "20",
-                             "recycle",        "0",
-                             "changes",        "1",
-                             "iswindowcolour", "1",
-                             "limit",          "0",
-                             "megapixels",     "8.3",
-                             "line",           "1",
-                             "implants",       working + "Implants"}),
-              0);
-}
-
-TEST(Container, HoldsWhatIsSetWithinItsLimits)
+TEST(Container, HoldsTheDefaultsAndWhatIsSetWithinItsLimits)
 {
     const veltest::TemporaryPractice practice;
-    practice.Set("Defaults", "MeasWndNumDisplayPrec", "7");
-    practice.Set("Defaults", "MeasInTracingNumDisplayPrec", "-1");
-    practice.Set("Defaults", "TracingPrintTextScale", "-2");
-    practice.Set("Defaults", "UseUniformTeethSize", "3");
-    practice.Set("Defaults", "UseTracingAntiAlias", "0");
-    practice.Set("Defaults", "TurnOnTextGuides", "1");
-    practice.Set("Defaults", "DisplayQuality", "5");
-    practice.Set("Defaults", "DisplayPhotoCornerRoundedness", "-4");
-    practice.Set("Defaults", "Recycle", "2");
-    practice.Set("Defaults", "BackgroundColor", "0xff,010,1");
-    practice.Set("Environment", "Implants", "D:\\Screws");
-    practice.Set("Defaults", "AllowPatientChanges", "3");
-    practice.Set("Defaults", "LimitCapturedImagesSize64", "9");
-    practice.Set("Environment", "LimitCapturedImagesToMegaPixel64", "12.25");
-    practice.Set("Defaults", "TracingLineThickness", "4");
-    EXPECT_EQ(
-        ReadContainer({"measure",   "2",          "tracing", "0",     "scale",      "1",    "teeth",  "3",
-                       "antialias", "0",          "guides",  "1",     "quality",    "5",    "corner", "-4",
-                       "recycle",   "1",          "colour",  "67839", "changes",    "3",    "limit",  "1",
-                       "implants",  "D:\\Screws", "line",    "3",     "megapixels", "12.25"}),
-        0);
+    const auto expect = [](const std::string& fields) {
+        EXPECT_EQ(veltest::ChildProcess("readContainer", {fields}).Wait(), 0);
+    };
+    expect("1 1|1 0 0.699999988 0 1 0 2 20 0 window " + practice.Get("Environment", "WORKING") +
+           "Implants|1 0 8.3 1");
+    const char* const settings[][3] = {
+        {"Defaults", "MeasWndNumDisplayPrec", "7"},
+        {"Defaults", "MeasInTracingNumDisplayPrec", "2"},
+        {"Defaults", "TracingPrintTextScale", "-2"},
+        {"Defaults", "UseUniformTeethSize", "3"},
+        {"Defaults", "UseTracingAntiAlias", "4"},
+        {"Defaults", "TurnOnTextGuides", "5"},
+        {"Defaults", "DisplayQuality", "6"},
+        {"Defaults", "DisplayPhotoCornerRoundedness", "-4"},
+        {"Defaults", "Recycle", "2"},
+        {"Defaults", "BackgroundColor", "0xff,010,1"},
+        {"Environment", "Implants", "D:\\Screws"},
+        {"Defaults", "AllowPatientChanges", "3"},
+        {"Defaults", "LimitCapturedImagesSize64", "9"},
+        {"Environment", "LimitCapturedImagesToMegaPixel64", "12.25"},
+        {"Defaults", "TracingLineThickness", "4"},
+    };
+    for (const auto& [section, key, value] : settings)
+        practice.Set(section, key, value);
+    expect("1 1|2 2 1 3 4 5 6 -4 1 0108ff D:\\Screws|3 1 12.25 3");
 }
-
-// --- Full names
 
 using MakeFullname = void (*)(const char*, const char*, CString*, NAMEORDER);
 constexpr const char* makeFullnameName = "_Z16nameMakeFullnamePKcS0_P7CString9NAMEORDER";
 
-/// Arguments: order and expected name of Ann Lee in turn.
+/// Argument: the expected names of Ann Lee in the orders 0 to 3. What is set meanwhile counts only for the
+/// next process.
 VEL_CHILD_PROCESS(makeNames)
 {
     const auto makeFullname = Find<MakeFullname>(makeFullnameName);
-    if (makeFullname == nullptr)
-        return 100;
-    int failures = 0;
-    for (std::size_t i = 0; i + 1 < arguments.size(); i += 2)
+    CString names;
+    for (const int round : {0, 1})
     {
-        CString name = "before";
-        makeFullname("Ann", "Lee", &name, static_cast<NAMEORDER>(std::stoi(arguments[i])));
-        failures += Report("order " + arguments[i], arguments[i + 1], name.GetString());
+        names.Empty();
+        for (int order = 0; order < 4; ++order)
+        {
+            CString name = "before";
+            makeFullname("Ann", "Lee", &name, static_cast<NAMEORDER>(order));
+            names += name + "|";
+        }
+        if (round == 0 && arguments.size() > 1)
+        {
+            WritePrivateProfileStringA("Intl", "NameSep", "+", arguments[1].c_str());
+            WritePrivateProfileStringA("Intl", "FamilyNameFirst", "0", arguments[1].c_str());
+        }
     }
     makeFullname("Ann", "Lee", nullptr, NAMEORDER_DEFAULT);
-    CString name;
-    makeFullname(nullptr, nullptr, &name, static_cast<NAMEORDER>(3));
-    failures += Report("the name of nobody", " ", name.GetString());
-    return failures;
+    CString nobody;
+    makeFullname(nullptr, nullptr, &nobody, static_cast<NAMEORDER>(3));
+    return Expect(arguments[0], names) + Expect(" ", nobody);
 }
 
-int MakeNames(const std::vector<std::string>& expected)
-{
-    return veltest::ChildProcess("makeNames", expected).Wait();
-}
-
-TEST(FullName, FollowsTheSettingsOfItsProcess)
+TEST(FullName, FollowsTheSettingsThatItsProcessBeganWith)
 {
     const veltest::TemporaryPractice practice;
-    EXPECT_EQ(MakeNames({"0", "Ann Lee", "1", "Ann Lee", "2", "Lee, Ann", "3", "Ann Lee"}), 0);
+    const auto expect = [](const std::vector<std::string>& arguments) {
+        EXPECT_EQ(veltest::ChildProcess("makeNames", arguments).Wait(), 0);
+    };
+    expect({"Ann Lee|Ann Lee|Lee, Ann|Ann Lee|"});
     practice.Set("Intl", "FamilyNameFirst", "1");
-    EXPECT_EQ(MakeNames({"0", "Lee, Ann", "1", "Lee, Ann", "3", "Ann Lee"}), 0);
-    practice.Set("Intl", "NameSep", "/");
-    EXPECT_EQ(MakeNames({"2", "Lee/ Ann"}), 0);
+    expect({"Lee, Ann|Lee, Ann|Lee, Ann|Ann Lee|"});
     practice.Set("Intl", "NameSep", "");
-    EXPECT_EQ(MakeNames({"2", "Lee Ann"}), 0);
-}
-
-VEL_CHILD_PROCESS(keepFirstSettings)
-{
-    const auto makeFullname = Find<MakeFullname>(makeFullnameName);
-    CString name;
-    makeFullname("Ann", "Lee", &name, NAMEORDER_LAST_FIRST);
-    makeFullname("Ann", "Lee", &name, NAMEORDER_DEFAULT);
-    WritePrivateProfileStringA("Intl", "NameSep", "+", arguments[0].c_str());
-    WritePrivateProfileStringA("Intl", "FamilyNameFirst", "0", arguments[0].c_str());
-    makeFullname("Ann", "Lee", &name, NAMEORDER_DEFAULT);
-    return Report("a later name", "Lee- Ann", name.GetString());
-}
-
-TEST(FullName, KeepsItsSettingsUntilTheModuleIsLoadedAgain)
-{
-    const veltest::TemporaryPractice practice;
-    practice.Set("Intl", "FamilyNameFirst", "1");
+    expect({"Lee Ann|Lee Ann|Lee Ann|Ann Lee|"});
     practice.Set("Intl", "NameSep", "-");
-    EXPECT_EQ(veltest::ChildProcess("keepFirstSettings", {practice.IniFile()}).Wait(), 0);
-    EXPECT_EQ(MakeNames({"2", "Lee+ Ann", "0", "Ann Lee"}), 0);
+    expect({"Lee- Ann|Lee- Ann|Lee- Ann|Ann Lee|", practice.IniFile()});
+    expect({"Ann Lee|Ann Lee|Lee+ Ann|Ann Lee|"});
 }
 
 } // namespace

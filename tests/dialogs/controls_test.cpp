@@ -12,6 +12,10 @@
 namespace
 {
 
+using veltest::Control;
+using veltest::Dialog;
+using veltest::DialogScript;
+
 class ControlsDialog : public mfcCDialog
 {
 public:
@@ -48,6 +52,13 @@ protected:
         EXPECT_TRUE(cttUnregisterClass(AfxGetInstanceHandle()));
         EXPECT_TRUE(cedCEdit::UnregisterControlClass(AfxGetInstanceHandle()));
     }
+
+    INT_PTR Run(const std::function<void(DialogScript&, const Dialog&)>& script)
+    {
+        return veltest::RunDialog([&] { return m_dialog.DoModal(); }, "Controls", script);
+    }
+
+    ControlsDialog m_dialog;
 };
 
 // Number of pixels inside the control that are not its background: text or label.
@@ -72,93 +83,68 @@ int InkOf(HWND window)
 
 TEST_F(ControlsTest, LabelShowsOnlyInAnEmptyFieldWithoutFocus)
 {
-    ControlsDialog dialog;
-    const INT_PTR result =
-        veltest::RunModal([&] { return dialog.DoModal(); },
-                          [&](veltest::DialogScript& script) {
-                              const veltest::Dialog shown = script.WaitForDialog("Controls");
-                              EXPECT_EQ(veltest::DialogFindings(shown.Handle()), "");
-                              const veltest::Control name = shown.Item(IDC_FAMILY_NAME);
-                              const veltest::Control notes = shown.Item(IDC_NOTES);
-                              const veltest::Control id = shown.Item(IDC_PATIENT_ID);
-                              id.Focus();
-                              EXPECT_EQ(name.Text(), "");
-                              EXPECT_EQ(notes.Text(), "");
-                              EXPECT_STREQ(cedCEdit::GetLabel(name.Handle()), "Family name");
-                              EXPECT_STREQ(cedCEdit::GetLabel(notes.Handle()), "Notes for everybody");
-                              EXPECT_STREQ(cedCEdit::GetLabel(id.Handle()), "");
-                              const int labelInk = InkOf(name.Handle());
-                              EXPECT_GT(labelInk, 50);
-                              EXPECT_GT(InkOf(notes.Handle()), 50);
-                              veltest::SavePicture(shown.Handle(), "controls-empty");
+    const INT_PTR result = Run([&](DialogScript&, const Dialog& shown) {
+        const Control name = shown.Item(IDC_FAMILY_NAME);
+        const Control notes = shown.Item(IDC_NOTES);
+        const Control id = shown.Item(IDC_PATIENT_ID);
+        id.Focus();
+        EXPECT_EQ(name.Text(), "");
+        EXPECT_EQ(notes.Text(), "");
+        EXPECT_STREQ(cedCEdit::GetLabel(name.Handle()), "Family name");
+        EXPECT_STREQ(cedCEdit::GetLabel(notes.Handle()), "Notes for everybody");
+        EXPECT_STREQ(cedCEdit::GetLabel(id.Handle()), "");
+        const int labelInk = InkOf(name.Handle());
+        EXPECT_GT(labelInk, 50);
+        EXPECT_GT(InkOf(notes.Handle()), 50);
+        veltest::ExpectWellMade(shown, "controls-empty");
 
-                              name.Focus();
-                              EXPECT_LT(InkOf(name.Handle()), 50) << "only the caret may show";
-                              name.Type("M\xFCller & S\xF6hne");
-                              id.Focus();
-                              EXPECT_EQ(name.Text(), "M\xFCller & S\xF6hne");
-                              EXPECT_NE(InkOf(name.Handle()), labelInk);
-                              veltest::SavePicture(shown.Handle(), "controls-filled");
-
-                              name.SetText("");
-                              EXPECT_EQ(InkOf(name.Handle()), labelInk)
-                                  << "the label is back once the text is gone";
-                              name.SetText("Weber");
-                              shown.Press(IDOK);
-                          });
+        name.Focus();
+        EXPECT_LT(InkOf(name.Handle()), 50) << "only the caret may show";
+        name.Type("M\xFCller & S\xF6hne");
+        id.Focus();
+        EXPECT_EQ(name.Text(), "M\xFCller & S\xF6hne");
+        EXPECT_NE(InkOf(name.Handle()), labelInk);
+        name.SetText("");
+        EXPECT_EQ(InkOf(name.Handle()), labelInk) << "the label is back once the text is gone";
+        name.SetText("Weber");
+        shown.Press(IDOK);
+    });
     EXPECT_EQ(result, IDOK);
-    EXPECT_STREQ(dialog.m_strName, "Weber");
+    EXPECT_STREQ(m_dialog.m_strName, "Weber");
 }
 
-TEST_F(ControlsTest, IdFieldTakesWhatIsTypedUpToItsLimit)
+TEST_F(ControlsTest, FieldsTakeTheirKeys)
 {
-    ControlsDialog dialog;
-    veltest::RunModal([&] { return dialog.DoModal(); },
-                      [&](veltest::DialogScript& script) {
-                          const veltest::Dialog shown = script.WaitForDialog("Controls");
-                          const veltest::Control id = shown.Item(IDC_PATIENT_ID);
-                          id.Type("ab 12-");
-                          EXPECT_EQ(id.Text(), "ab 12-");
-                          id.Replace("12345678901234567890123456");
-                          EXPECT_EQ(id.Text(), "1234567890123456789012345");
-                          shown.Press(IDCANCEL);
-                      });
-}
-
-TEST_F(ControlsTest, EscLeavesTheDialogFromAFieldOfSeveralLines)
-{
-    ControlsDialog dialog;
-    const INT_PTR result = veltest::RunModal([&] { return dialog.DoModal(); },
-                                             [&](veltest::DialogScript& script) {
-                                                 const veltest::Dialog shown =
-                                                     script.WaitForDialog("Controls");
-                                                 shown.Item(IDC_NOTES).PressKey(VK_RETURN);
-                                                 EXPECT_EQ(shown.Item(IDC_NOTES).Text(), "\r\n");
-                                                 shown.Item(IDC_NOTES).PressKey(VK_ESCAPE);
-                                                 shown.WaitForClosed();
-                                             });
+    const INT_PTR result = Run([&](DialogScript&, const Dialog& shown) {
+        const Control id = shown.Item(IDC_PATIENT_ID);
+        id.Type("ab 12-");
+        EXPECT_EQ(id.Text(), "ab 12-");
+        id.Replace("12345678901234567890123456");
+        EXPECT_EQ(id.Text(), "1234567890123456789012345");
+        shown.Item(IDC_NOTES).PressKey(VK_RETURN);
+        EXPECT_EQ(shown.Item(IDC_NOTES).Text(), "\r\n");
+        shown.Item(IDC_NOTES).PressKey(VK_ESCAPE); // leaves the dialog
+        shown.WaitForClosed();
+    });
     EXPECT_EQ(result, IDCANCEL);
 }
 
 TEST_F(ControlsTest, UnicodeButtonKeepsCharactersOutsideTheCodePage)
 {
-    ControlsDialog dialog;
-    veltest::RunModal([&] { return dialog.DoModal(); },
-                      [&](veltest::DialogScript& script) {
-                          const veltest::Dialog shown = script.WaitForDialog("Controls");
-                          EXPECT_EQ(dialog.m_button.GetUnicodeText(), L"&Name");
-                          dialog.m_button.SetUnicodeText(L"\x0416\x03A9 &Name");
-                          EXPECT_EQ(dialog.m_button.GetUnicodeText(), L"\x0416\x03A9 &Name");
-                          EXPECT_EQ(shown.Item(IDC_UNICODE).Text(), "?O &Name") << "as narrow callers see it";
-                          veltest::SavePicture(shown.Handle(), "controls-unicode");
-                          const auto inkOfText = [&](LPCWSTR text) {
-                              dialog.m_button.SetUnicodeText(text);
-                              ::UpdateWindow(dialog.m_button.m_hWnd);
-                              return InkOf(dialog.m_button.m_hWnd);
-                          };
-                          EXPECT_NE(inkOfText(L"\x0416"), inkOfText(L"\x0406")) << "drawn as they are";
-                          shown.Press(IDCANCEL);
-                      });
+    Run([&](DialogScript&, const Dialog& shown) {
+        CUnicodeButton& button = m_dialog.m_button;
+        EXPECT_EQ(button.GetUnicodeText(), L"&Name");
+        button.SetUnicodeText(L"\x0416\x03A9 &Name");
+        EXPECT_EQ(button.GetUnicodeText(), L"\x0416\x03A9 &Name");
+        EXPECT_EQ(shown.Item(IDC_UNICODE).Text(), "?O &Name") << "as narrow callers see it";
+        const auto inkOfText = [&](LPCWSTR text) {
+            button.SetUnicodeText(text);
+            ::UpdateWindow(button.m_hWnd);
+            return InkOf(button.m_hWnd);
+        };
+        EXPECT_NE(inkOfText(L"\x0416"), inkOfText(L"\x0406")) << "drawn as they are";
+        shown.Press(IDCANCEL);
+    });
 }
 
 TEST_F(ControlsTest, ClassesCanBeRegisteredTwiceAndAgainAfterUnloading)

@@ -9,8 +9,6 @@
 #define IDC_FIELD 1001
 #define IDC_LIST 1002
 #define IDC_ADD 1003
-#define IDC_CORNER 1004
-#define IDC_WIDE 1005
 #define IDC_FAMILY_NAME 1010
 #define IDC_NOTES 1011
 #define IDC_PATIENT_ID 1012

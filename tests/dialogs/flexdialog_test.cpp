@@ -13,6 +13,10 @@ VEL_MFC_TEST_PROGRAM();
 namespace
 {
 
+using veltest::Control;
+using veltest::Dialog;
+using veltest::DialogScript;
+
 TEST(AnchorTest, PlacesFollowTheirEdges)
 {
     const struct
@@ -73,6 +77,11 @@ BEGIN_MESSAGE_MAP(FlexDialog, mfcCDialog)
 ON_UPDATE_COMMAND_UI(IDC_ADD, &FlexDialog::OnUpdateAdd)
 END_MESSAGE_MAP()
 
+INT_PTR Run(CDialog& dialog, const std::function<void(DialogScript&, const Dialog&)>& script)
+{
+    return veltest::RunDialog([&] { return dialog.DoModal(); }, "", script);
+}
+
 CRect PlaceOf(HWND window)
 {
     CRect place;
@@ -90,85 +99,64 @@ void Resize(veltest::DialogScript& script, HWND window, int width, int height)
 TEST(FlexDialogTest, GrowsWithItsControlsAndNeverShrinksBelowItsTemplate)
 {
     FlexDialog dialog;
-    const INT_PTR result = veltest::RunModal(
-        [&] { return dialog.DoModal(); },
-        [](veltest::DialogScript& script) {
-            const veltest::Dialog shown = script.WaitForDialog("Resizable");
-            const HWND window = shown.Handle();
-            EXPECT_EQ(veltest::DialogFindings(window), "");
-            EXPECT_NE(::GetWindowLongPtr(window, GWL_STYLE) & WS_THICKFRAME, 0);
-            CRect client;
-            ::GetClientRect(window, &client);
-            CRect expected(0, 0, 200, 120);
-            ::MapDialogRect(window, &expected);
-            EXPECT_EQ(client.Size(), expected.Size());
+    const INT_PTR result = Run(dialog, [](DialogScript& script, const Dialog& shown) {
+        const HWND window = shown.Handle();
+        CRect client;
+        ::GetClientRect(window, &client);
+        CRect expected(0, 0, 200, 120);
+        ::MapDialogRect(window, &expected);
+        EXPECT_EQ(client.Size(), expected.Size());
 
-            const CRect start = PlaceOf(window);
-            const CRect list = PlaceOf(shown.Item(IDC_LIST).Handle());
-            const CRect ok = PlaceOf(shown.Item(IDOK).Handle());
-            Resize(script, window, start.Width() + 100, start.Height() + 60);
-            EXPECT_EQ(PlaceOf(shown.Item(IDC_LIST).Handle()).Size(),
-                      CSize(list.Width() + 100, list.Height() + 60));
-            EXPECT_EQ(PlaceOf(shown.Item(IDOK).Handle()), ok + CPoint(100, 60));
-            EXPECT_EQ(veltest::DialogFindings(window), "");
-            veltest::SavePicture(window, "flexdialog");
+        const CRect start = PlaceOf(window);
+        const CRect list = PlaceOf(shown.Item(IDC_LIST).Handle());
+        const CRect ok = PlaceOf(shown.Item(IDOK).Handle());
+        Resize(script, window, start.Width() + 100, start.Height() + 60);
+        EXPECT_EQ(PlaceOf(shown.Item(IDC_LIST).Handle()).Size(), list.Size() + CSize(100, 60));
+        EXPECT_EQ(PlaceOf(shown.Item(IDOK).Handle()), ok + CPoint(100, 60));
+        veltest::SavePicture(window, "flexdialog");
 
-            CRect whole = PlaceOf(window);
-            EXPECT_EQ(::SendMessage(window, WM_NCHITTEST, 0, MAKELPARAM(whole.right - 8, whole.bottom - 8)),
-                      HTBOTTOMRIGHT);
-            MINMAXINFO info = {};
-            ::SendMessage(window, WM_GETMINMAXINFO, 0, reinterpret_cast<LPARAM>(&info));
-            EXPECT_EQ(CSize(info.ptMinTrackSize.x, info.ptMinTrackSize.y), start.Size());
-            Resize(script, window, start.Width(), start.Height());
-            EXPECT_EQ(PlaceOf(shown.Item(IDC_LIST).Handle()), list);
-            shown.Press(IDOK);
-        });
+        const CRect whole = PlaceOf(window);
+        EXPECT_EQ(::SendMessage(window, WM_NCHITTEST, 0, MAKELPARAM(whole.right - 8, whole.bottom - 8)),
+                  HTBOTTOMRIGHT);
+        MINMAXINFO info = {};
+        ::SendMessage(window, WM_GETMINMAXINFO, 0, reinterpret_cast<LPARAM>(&info));
+        EXPECT_EQ(CSize(info.ptMinTrackSize.x, info.ptMinTrackSize.y), start.Size());
+        Resize(script, window, start.Width(), start.Height());
+        EXPECT_EQ(PlaceOf(shown.Item(IDC_LIST).Handle()), list);
+        veltest::ExpectWellMade(shown, "flexdialog-small", {.grows = true});
+        shown.Press(IDOK);
+    });
     EXPECT_EQ(result, IDOK);
 }
 
 TEST(FlexDialogTest, KeepsItsSizeWithoutAnchors)
 {
     mfcCDialog dialog(IDD_FIXED);
-    veltest::RunModal([&] { return dialog.DoModal(); },
-                      [](veltest::DialogScript& script) {
-                          const veltest::Dialog shown = script.WaitForDialog("Fixed");
-                          EXPECT_EQ(::GetWindowLongPtr(shown.Handle(), GWL_STYLE) & WS_THICKFRAME, 0);
-                          EXPECT_EQ(veltest::DialogFindings(shown.Handle()), "");
-                          shown.Item(IDOK).PostKey(VK_F1); // nobody answers: the key goes on and does no harm
-                          shown.Press(IDCANCEL);
-                      });
+    Run(dialog, [](DialogScript&, const Dialog& shown) {
+        EXPECT_EQ(::GetWindowLongPtr(shown.Handle(), GWL_STYLE) & WS_THICKFRAME, 0);
+        shown.Item(IDOK).PostKey(VK_F1); // nobody answers: the key goes on and does no harm
+        shown.Press(IDCANCEL);
+    });
 }
 
-TEST(FlexDialogTest, UpdatesControlsWheneverItIsIdle)
-{
-    FlexDialog dialog;
-    veltest::RunModal([&] { return dialog.DoModal(); },
-                      [](veltest::DialogScript& script) {
-                          const veltest::Dialog shown = script.WaitForDialog("Resizable");
-                          const veltest::Control add = shown.Item(IDC_ADD);
-                          script.WaitUntil("Add to be disabled", [&] { return !add.IsEnabled(); });
-                          shown.Item(IDC_FIELD).Type("x");
-                          script.WaitUntil("Add to be enabled", [&] { return add.IsEnabled(); });
-                          shown.Item(IDC_FIELD).Replace("");
-                          script.WaitUntil("Add to be disabled", [&] { return !add.IsEnabled(); });
-                          shown.Press(IDCANCEL);
-                      });
-}
-
-TEST(FlexDialogTest, AnswersHelpFromKeyAndButton)
+TEST(FlexDialogTest, UpdatesControlsWhenIdleAndAnswersHelpFromKeyAndButton)
 {
     FlexDialog dialog;
     EXPECT_EQ(dialog.GetHelpID(), 0x20000U + IDD_FLEX);
-    veltest::RunModal([&] { return dialog.DoModal(); },
-                      [&](veltest::DialogScript& script) {
-                          const veltest::Dialog shown = script.WaitForDialog("Resizable");
-                          shown.Item(IDC_FIELD).PressKey(VK_F1);
-                          script.SettleIdle(shown.Handle());
-                          EXPECT_EQ(dialog.m_helpIds.size(), 1U);
-                          shown.Press(IDHELP);
-                          EXPECT_EQ(dialog.m_helpIds, std::vector<UINT>(2, 0x20000U + IDD_FLEX));
-                          shown.Press(IDCANCEL);
-                      });
+    Run(dialog, [&](DialogScript& script, const Dialog& shown) {
+        const Control add = shown.Item(IDC_ADD);
+        script.WaitUntil("Add to be disabled", [&] { return !add.IsEnabled(); });
+        shown.Item(IDC_FIELD).Type("x");
+        script.WaitUntil("Add to be enabled", [&] { return add.IsEnabled(); });
+        shown.Item(IDC_FIELD).Replace("");
+        script.WaitUntil("Add to be disabled", [&] { return !add.IsEnabled(); });
+        shown.Item(IDC_FIELD).PressKey(VK_F1);
+        script.SettleIdle(shown.Handle());
+        EXPECT_EQ(dialog.m_helpIds.size(), 1U);
+        shown.Press(IDHELP);
+        EXPECT_EQ(dialog.m_helpIds, std::vector<UINT>(2, 0x20000U + IDD_FLEX));
+        shown.Press(IDCANCEL);
+    });
 }
 
 TEST(FlexDialogTest, RemembersItsSizeOnlyWhenAsked)
@@ -176,35 +164,30 @@ TEST(FlexDialogTest, RemembersItsSizeOnlyWhenAsked)
     const veltest::TemporaryPractice practice;
     for (const bool remembers : {false, true})
     {
-        CSize first;
-        CSize second;
-        for (CSize* size : {&first, &second})
+        CSize sizes[2];
+        for (CSize& size : sizes)
         {
             FlexDialog dialog(remembers);
-            veltest::RunModal([&] { return dialog.DoModal(); },
-                              [&](veltest::DialogScript& script) {
-                                  const veltest::Dialog shown = script.WaitForDialog("Resizable");
-                                  *size = PlaceOf(shown.Handle()).Size();
-                                  Resize(script, shown.Handle(), size->cx + 50, size->cy + 40);
-                                  shown.Press(IDCANCEL);
-                              });
+            Run(dialog, [&](DialogScript& script, const Dialog& shown) {
+                size = PlaceOf(shown.Handle()).Size();
+                Resize(script, shown.Handle(), size.cx + 50, size.cy + 40);
+                shown.Press(IDCANCEL);
+            });
         }
-        EXPECT_EQ(second, remembers ? CSize(first.cx + 50, first.cy + 40) : first);
+        EXPECT_EQ(sizes[1], remembers ? sizes[0] + CSize(50, 40) : sizes[0]);
     }
     for (const char* damaged : {"", "nonsense", "1,1", "999999999,999999999", "-5,7"})
     {
         practice.Set("Dialogs", "Flex", damaged);
         FlexDialog dialog(true);
-        veltest::RunModal([&] { return dialog.DoModal(); },
-                          [&](veltest::DialogScript& script) {
-                              const veltest::Dialog shown = script.WaitForDialog("Resizable");
-                              CRect smallest(0, 0, 200, 120);
-                              ::MapDialogRect(shown.Handle(), &smallest);
-                              const CRect place = PlaceOf(shown.Handle());
-                              EXPECT_GE(place.Width(), smallest.Width()) << damaged;
-                              EXPECT_LE(place.Width(), ::GetSystemMetrics(SM_CXSCREEN)) << damaged;
-                              shown.Press(IDCANCEL);
-                          });
+        Run(dialog, [&](DialogScript&, const Dialog& shown) {
+            CRect smallest(0, 0, 200, 120);
+            ::MapDialogRect(shown.Handle(), &smallest);
+            const CRect place = PlaceOf(shown.Handle());
+            EXPECT_GE(place.Width(), smallest.Width()) << damaged;
+            EXPECT_LE(place.Width(), ::GetSystemMetrics(SM_CXSCREEN)) << damaged;
+            shown.Press(IDCANCEL);
+        });
     }
 }
 

@@ -69,10 +69,9 @@ COLORREF PixelOf(HWND window, int x, int y)
 TEST(ColoredSheetTest, ShowsItsTabsAndServesItsPages)
 {
     ColoredSheet sheet;
-    const INT_PTR result = veltest::RunModal(
-        [&] { return sheet.DoModal(); },
-        [&](veltest::DialogScript& script) {
-            const veltest::Dialog shown = script.WaitForDialog("Coloured");
+    const INT_PTR result = veltest::RunDialog(
+        [&] { return sheet.DoModal(); }, "Coloured",
+        [&](veltest::DialogScript& script, const veltest::Dialog& shown) {
             ASSERT_EQ(shown.PageCount(), 2);
             const HWND tabs = sheet.m_tabs.m_hWnd;
 

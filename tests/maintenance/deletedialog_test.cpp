@@ -188,7 +188,7 @@ TEST_F(DeleteDialog, IsUsedByKeyboardAndLooksAsItShould)
     const auto keys = [](DialogScript& script, const Dialog& dialog) {
         EXPECT_TRUE(dialog.Item(IDC_DELETE_TIMEPOINT).HasFocus());
         EXPECT_EQ(dialog.DefaultButton(), "OK");
-        veltest::ExpectWellMade(dialog, "delete");
+        veltest::ExpectWellMade(dialog, "delete", {.grows = true});
         dialog.PressAccessKey('P');
         EXPECT_TRUE(dialog.Item(IDC_DELETE_PATIENT).IsChecked());
         dialog.PressKey(VK_UP);

@@ -7,6 +7,7 @@
 #include <objbase.h>
 #include <oleauto.h>
 
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -27,6 +28,7 @@ public:
     {
         none,
         create,
+        createAtAll,
         run,
         listAvailable,
         count,
@@ -68,6 +70,12 @@ public:
             *ppObject = static_cast<IRunnableObject*>(this);
         return *ppObject != nullptr ? S_OK : E_NOINTERFACE;
     }
+    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown*, REFIID iid, void** ppObject) override
+    {
+        if (failing == createAtAll)
+            throw std::runtime_error("no memory");
+        return failing == create ? E_FAIL : QueryInterface(iid, ppObject);
+    }
     HRESULT STDMETHODCALLTYPE get_Item(long nIndex, BSTR* pName) override
     {
         *pName = failing == item ? nullptr : CString(names.begin()[nIndex].c_str()).AllocSysString();
@@ -83,7 +91,6 @@ public:
 
     ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
     ULONG STDMETHODCALLTYPE Release() override { return 1; }
-    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown*, REFIID iid, void** ppObject) override { return failing == create ? E_FAIL : QueryInterface(iid, ppObject); }
     HRESULT STDMETHODCALLTYPE LockServer(BOOL) override { return S_OK; }
     HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID iid) override { return iid == IID_ITimepointNames ? S_OK : S_FALSE; }
     HRESULT STDMETHODCALLTYPE GetRunningClass(LPCLSID) override { return E_NOTIMPL; }

@@ -48,10 +48,11 @@ TEST_F(KeywordDialog, AddsAndRemovesOnOK)
     const auto edit = [](int end) {
         return [end](DialogScript& script, const Dialog& dialog) {
             EXPECT_THAT(Items(dialog), ElementsAre("Braces", "Crown", "recall"));
+            EXPECT_TRUE(dialog.Item(IDC_KEYWORD_TEXT).HasFocus());
             ExpectButtons(dialog, false, false);
             dialog.Item(IDC_KEYWORD_TEXT).Type("Crown & \xC4rger <1> %s'");
             ExpectButtons(dialog, true, false);
-            veltest::ExpectWellMade(dialog, "edit-keywords");
+            veltest::ExpectWellMade(dialog, "edit-keywords", {.grows = true});
             Press(script, dialog, IDC_KEYWORD_ADD);
             EXPECT_EQ(dialog.Item(IDC_KEYWORD_TEXT).Text(), "");
             dialog.Item(IDC_KEYWORD_LIST).SelectItems({1, 3});

@@ -152,7 +152,8 @@ TEST_F(NewTimepointDialog, BelongsToATreatment)
         NamesOf(dialog).Choose(1);
         dialog.SettleIdle();
         EXPECT_EQ(dialog.Item(IDC_NEWTP_UP).Text(), "Move &up");
-        veltest::ExpectWellMade(dialog, "new-timepoint", {.ignoredIds = {IDC_NEWTP_UP, IDC_NEWTP_DOWN}});
+        veltest::ExpectWellMade(dialog, "new-timepoint",
+                                {.grows = true, .ignoredIds = {IDC_NEWTP_UP, IDC_NEWTP_DOWN}});
         EXPECT_EQ(list(dialog).Items().size(), 1U);
         EXPECT_EQ(list(dialog).Selection(), 0);
         Confirm(dialog, "Bonding", 4);
@@ -277,6 +278,15 @@ TEST_F(NewTimepointDialog, StaysUsableWhenTheListFails)
     fake.failing = FakeNames::create;
     Run(&m_patient, 0, without);
     EXPECT_EQ(Stored().back(), "3 Five|2026-01-09|");
+
+    fake.failing = FakeNames::createAtAll; // throws out of the dialog's constructor
+    __int64 result = IDOK;
+    veltest::RunModal([&] { NewTimepointDlg(nullptr, 0, &m_patient, result); },
+                      [](DialogScript& script) {
+                          script.AnswerBox(
+                              "An error occurred, and what was asked for was not done.\n\nno memory", IDOK);
+                      });
+    EXPECT_EQ(result, IDCANCEL);
 }
 
 } // namespace

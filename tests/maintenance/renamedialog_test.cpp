@@ -116,7 +116,7 @@ TEST_F(RenameDialog, RenamesThePatient)
         EXPECT_EQ(Description(dialog),
                   "You are about to rename patient from Ann Lee to Zo\xEB Lee.  Select Ok now to "
                   "proceed, or Cancel to leave this operation.");
-        veltest::ExpectWellMade(dialog, "rename-patient");
+        veltest::ExpectWellMade(dialog, "rename-patient", {.grows = true});
         dialog.Item(IDC_RENAME_NAME).Replace("Lee & Co");
         EXPECT_EQ(Description(dialog), idle);
         EXPECT_FALSE(IsEnabled(dialog, IDOK));
@@ -243,7 +243,7 @@ TEST_F(RenameDialog, AssignsATreatmentOfTheHistory)
         EXPECT_EQ(Description(dialog),
                   "Change timepoint from \"Start\" (3/4/2024) to \"Begin\" (3/4/2024) and assign new "
                   "treatment?  Select Ok now to proceed, or Cancel to leave this operation.");
-        veltest::ExpectWellMade(dialog, "rename-timepoint");
+        veltest::ExpectWellMade(dialog, "rename-timepoint", {.grows = true});
         Type(dialog, "Start");
         EXPECT_EQ(Ask(script, dialog, IDYES), "Are you sure you want to assign a new treatment?");
     });
@@ -266,7 +266,7 @@ TEST_F(RenameDialog, ANewTreatmentIsChosenAndKeptEvenAfterNo)
         EXPECT_FALSE(chooser.Item(IDOK).IsEnabled());
         chooser.Item(IDC_TREATMENT_LIST).Notify(LBN_DBLCLK); // beside the entries
         EXPECT_TRUE(chooser.IsOpen());
-        veltest::ExpectWellMade(chooser, "choose-treatment");
+        veltest::ExpectWellMade(chooser, "choose-treatment", {.grows = true});
         chooser.Press(IDCANCEL);
         chooser.WaitForClosed();
         EXPECT_TRUE(dialog.IsOpen());

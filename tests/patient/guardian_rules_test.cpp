@@ -36,13 +36,4 @@ TEST(GuardianRules, AnyOtherFieldNeedsBothNames)
     }
 }
 
-TEST(GuardianRules, TheBillingPartyIsTrimmed)
-{
-    EXPECT_TRUE(pat::IsBillingParty("Lee"));
-    EXPECT_TRUE(pat::IsBillingParty(" \t Lee\r\n"));
-    EXPECT_FALSE(pat::IsBillingParty(""));
-    EXPECT_FALSE(pat::IsBillingParty(" \t\r\n\v\f"));
-    EXPECT_TRUE(pat::IsBillingParty("\xA0")); // a no-break space is no blank in this code page's C locale
-}
-
 } // namespace

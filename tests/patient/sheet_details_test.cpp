@@ -6,11 +6,7 @@
 #include "tests/patient/patientimage.h"
 #include "tests/patient/sheetfixture.h"
 
-#include <sqlite3.h>
-
 using testing::ElementsAre;
-using veltest::Dialog;
-using veltest::DialogScript;
 
 namespace
 {
@@ -22,33 +18,32 @@ class SheetDetailsTest : public SheetTest
 {
 protected:
     // Opens the details page of the stored patient A1 and presses a button in the end.
-    void Change(const std::function<void(DialogScript&, const Dialog&)>& script, int nButton = IDOK)
+    void OnDetails(const Script& script, int nButton = IDOK)
     {
         dbCPatient patient = Stored("A1");
-        EXPECT_EQ(RunChange(patient,
-                            [&](DialogScript& s) {
-                                const Dialog sheet = WaitForSheet(s);
-                                sheet.SelectPage(pat::DetailPage);
-                                script(s, sheet);
-                                sheet.Press(nButton);
-                            }),
-                  nButton);
+        Change(patient, nButton, [&](DialogScript& s, const Dialog& sheet) {
+            sheet.SelectPage(pat::DetailPage);
+            script(s, sheet);
+        });
+    }
+
+    // Opens the editor of the referring doctor, which the script closes.
+    void InDoctorEditor(const Script& script)
+    {
+        const auto edit = [&](DialogScript& s, const Dialog& sheet) {
+            sheet.Press(IDC_DETAIL_EDIT_REFERRING);
+            const Dialog editor = s.WaitForDialog("Doctor");
+            script(s, editor);
+            editor.WaitForClosed();
+            s.Settle(sheet.Handle());
+        };
+        OnDetails(edit, IDCANCEL);
     }
 
     static CString LinkedDoctor(int nKind)
     {
         dbCPerson person;
         return Stored("A1").GetPersonInfo(nKind, person) ? person.GetPersonGUID() : CString();
-    }
-
-    // Runs SQL on the database as another program would.
-    void Sql(const char* pszSql) const
-    {
-        sqlite3* pDatabase = nullptr;
-        sqlite3_open(DatabasePath().c_str(), &pDatabase);
-        EXPECT_EQ(sqlite3_exec(pDatabase, pszSql, nullptr, nullptr, nullptr), SQLITE_OK)
-            << sqlite3_errmsg(pDatabase);
-        sqlite3_close(pDatabase);
     }
 
     // All of a doctor, addresses behind the first included.
@@ -79,20 +74,19 @@ protected:
 TEST_F(SheetDetailsTest, ListsHoldWhatThePracticeHasAndStartWithNone)
 {
     StoreDoctor("Hugo", "Stone");
-    RunNew([](DialogScript& script) {
-        const Dialog sheet = WaitForSheet(script);
+    New(IDCANCEL, [](DialogScript& script, const Dialog& sheet) {
         FillNames(sheet, "N1", "New", "Born");
         sheet.SelectPage(pat::DetailPage);
-        EXPECT_THAT(sheet.Item(IDC_DETAIL_TREATING).Items(),
-                    ElementsAre(noTreating, "Bell, Grace", "Sorel, Ida"));
-        EXPECT_THAT(sheet.Item(IDC_DETAIL_REFERRING).Items(),
-                    ElementsAre(noReferring, "Bell, Grace", "Sorel, Ida", "Stone, Hugo"));
-        EXPECT_THAT(sheet.Item(IDC_DETAIL_OFFICE).Items(), ElementsAre("<none>", "North", "South"));
-        EXPECT_THAT(sheet.Item(IDC_DETAIL_STATUS).Items(),
-                    testing::IsSupersetOf({"<none>", "Urgent", "Waiting"}));
-        for (const int nList :
-             {IDC_DETAIL_TREATING, IDC_DETAIL_REFERRING, IDC_DETAIL_OFFICE, IDC_DETAIL_STATUS})
+        const std::pair<int, testing::Matcher<std::vector<std::string>>> lists[] = {
+            {IDC_DETAIL_TREATING, ElementsAre(noTreating, "Bell, Grace", "Sorel, Ida")},
+            {IDC_DETAIL_REFERRING, ElementsAre(noReferring, "Bell, Grace", "Sorel, Ida", "Stone, Hugo")},
+            {IDC_DETAIL_OFFICE, ElementsAre("<none>", "North", "South")},
+            {IDC_DETAIL_STATUS, testing::IsSupersetOf({"<none>", "Urgent", "Waiting"})}};
+        for (const auto& [nList, expected] : lists)
+        {
+            EXPECT_THAT(sheet.Item(nList).Items(), expected);
             EXPECT_EQ(sheet.Item(nList).Selection(), 0);
+        }
         for (const int nField :
              {IDC_DETAIL_TITLE, IDC_DETAIL_MODEL, IDC_DETAIL_SALUTATION, IDC_DETAIL_KEYWORDS,
               IDC_DETAIL_NOTES, IDC_DETAIL_TREATING_SUMMARY, IDC_DETAIL_REFERRING_SUMMARY})
@@ -101,7 +95,6 @@ TEST_F(SheetDetailsTest, ListsHoldWhatThePracticeHasAndStartWithNone)
         const Dialog editor = script.WaitForDialog("Edit Keywords");
         editor.Press(IDCANCEL);
         editor.WaitForClosed();
-        sheet.Press(IDCANCEL);
     });
 }
 
@@ -112,7 +105,7 @@ TEST_F(SheetDetailsTest, PlaceholdersMeanNoneButTakeNoReferralAway)
     doctor.SetPersonGUID(m_strGrace);
     patient.SetPersonInfo(dbPersonReferringDoctor, doctor);
     patient.Save();
-    Change([&](DialogScript&, const Dialog& sheet) {
+    OnDetails([&](DialogScript&, const Dialog& sheet) {
         const auto onReferralPage = [&] {
             sheet.SelectPage(pat::ReferralPage);
             const auto rows = sheet.Item(IDC_ROWS_LIST).Rows();
@@ -139,11 +132,11 @@ TEST_F(SheetDetailsTest, PlaceholdersMeanNoneButTakeNoReferralAway)
 TEST_F(SheetDetailsTest, BothPagesShowTheSameReferringDoctor)
 {
     StorePatient("A1");
-    Change(
+    OnDetails(
         [](DialogScript&, const Dialog& sheet) { sheet.Item(IDC_DETAIL_REFERRING).Choose("Bell, Grace"); });
     ExpectReferralBy(m_strGrace);
     EXPECT_EQ(LinkedDoctor(dbPersonReferringDoctor), "") << "the row says it";
-    Change([](DialogScript&, const Dialog& sheet) {
+    OnDetails([](DialogScript&, const Dialog& sheet) {
         sheet.SelectPage(pat::ReferralPage);
         sheet.Item(IDC_ROWS_LIST).SelectRow(0);
         sheet.Item(IDC_REFER_DOCTOR).Choose("Sorel, Ida");
@@ -165,31 +158,10 @@ TEST_F(SheetDetailsTest, BothPagesShowTheSameReferringDoctor)
     EXPECT_EQ(LinkedDoctor(dbPersonReferringDoctor), m_strGrace) << "without referrals there is the link";
 }
 
-TEST_F(SheetDetailsTest, ALostDatabaseIsReportedAndTheSheetStays)
-{
-    StorePatient("A1");
-    RunNew([&](DialogScript& script) {
-        const Dialog sheet = WaitForSheet(script);
-        FillNames(sheet, "A2", "Ann", "Lee");
-        m_practice.Set("Environment", "DatabaseTimeout", "1");
-        dbCPatients::Close();
-        for (const int nPage : {pat::DetailPage, pat::ReferralPage, pat::InsurancePage})
-        {
-            sheet.SelectPage(nPage);
-            const Dialog box = script.WaitForBox();
-            EXPECT_THAT(box.BoxText(), testing::HasSubstr("could not be read.\n\n"));
-            box.Press(IDOK);
-            box.WaitForClosed();
-            script.Settle(sheet.Handle());
-        }
-        sheet.Press(IDCANCEL);
-    });
-}
-
 TEST_F(SheetDetailsTest, TheDoctorEditorFeedsBothLists)
 {
     StorePatient("A1");
-    Change([&](DialogScript& script, const Dialog& sheet) {
+    OnDetails([&](DialogScript& script, const Dialog& sheet) {
         const auto edit = [&](int nButton) {
             sheet.Press(nButton);
             return script.WaitForDialog("Doctor");
@@ -248,42 +220,37 @@ TEST_F(SheetDetailsTest, TheDoctorEditorFeedsBothLists)
 TEST_F(SheetDetailsTest, TheDoctorEditorRefusesWhatIsIncompleteOrChangedElsewhere)
 {
     StorePatient("A1");
-    Change(
-        [&](DialogScript& script, const Dialog& sheet) {
-            sheet.Press(IDC_DETAIL_EDIT_REFERRING);
-            const Dialog editor = script.WaitForDialog("Doctor");
-            EXPECT_EQ(veltest::DialogFindings(editor.Handle()), "");
-            EXPECT_TRUE(veltest::SavePicture(editor.Handle(), "edit-doctor"));
-            const auto refuse = [&](const std::string& text, int nFocus) {
-                editor.Press(IDOK);
-                EXPECT_THAT(script.WaitForBox().BoxText(), testing::StartsWith(text));
-                script.AnswerBox("", IDOK);
-                script.WaitUntil("the editor is usable again", [&] { return editor.IsEnabled(); });
-                if (nFocus != 0)
-                {
-                    EXPECT_EQ(editor.Focused().Id(), nFocus);
-                }
-            };
-            editor.Item(IDC_DOCTOR_LASTNAME).Replace("");
-            refuse("Please enter the doctor's family name.", IDC_DOCTOR_LASTNAME);
-            editor.Item(IDC_DOCTOR_LASTNAME).Type("Sorell");
-            editor.Item(IDC_DOCTOR_PHONE2).Type("555 0100");
-            refuse("Please select a type for phone 2", IDC_DOCTOR_PHONETYPE2);
-            editor.Item(IDC_DOCTOR_PHONETYPE2).Choose(1);
-            editor.Item(IDC_DOCTOR_EMAIL).Type("ida");
-            refuse("Please enter the e-mail address in full, for example name@practice.com.",
-                   IDC_DOCTOR_EMAIL);
-            editor.Item(IDC_DOCTOR_EMAIL).Replace("");
-            dbCDoctor other;
-            ASSERT_TRUE(other.Load(m_strIda));
-            other.GetPerson().SetTitle("Prof.");
-            other.Save();
-            refuse("The doctor could not be saved. Nothing was changed.", 0);
-            EXPECT_EQ(editor.Item(IDC_DOCTOR_LASTNAME).Text(), "Sorell");
-            editor.Press(IDCANCEL);
-            editor.WaitForClosed();
-        },
-        IDCANCEL);
+    InDoctorEditor([&](DialogScript& script, const Dialog& editor) {
+        veltest::ExpectWellMade(editor, "edit-doctor");
+        const struct
+        {
+            int nField;
+            const char* pszText;
+            const char* pszTold;
+            int nFocus;
+            const char* pszThen;
+        } cases[] = {
+            {IDC_DOCTOR_LASTNAME, "", "Please enter the doctor's family name.", IDC_DOCTOR_LASTNAME,
+             "Sorell"},
+            {IDC_DOCTOR_PHONE2, "555 0100", "Please select a type for phone 2", IDC_DOCTOR_PHONETYPE2, ""},
+            {IDC_DOCTOR_EMAIL, "ida",
+             "Please enter the e-mail address in full, for example name@practice.com.", IDC_DOCTOR_EMAIL, ""},
+        };
+        for (const auto& c : cases)
+        {
+            editor.Item(c.nField).Replace(c.pszText);
+            ExpectRefused(script, editor, c.pszTold, c.nFocus);
+            editor.Item(c.nField).Replace(c.pszThen);
+        }
+        dbCDoctor other;
+        ASSERT_TRUE(other.Load(m_strIda));
+        other.GetPerson().SetTitle("Prof.");
+        other.Save();
+        ExpectRefused(script, editor,
+                      testing::StartsWith("The doctor could not be saved. Nothing was changed."));
+        EXPECT_EQ(editor.Item(IDC_DOCTOR_LASTNAME).Text(), "Sorell");
+        editor.Press(IDCANCEL);
+    });
 }
 
 TEST_F(SheetDetailsTest, TheDoctorEditorStoresTheEmailAddressesWithTheDoctorOrNotAtAll)
@@ -294,17 +261,6 @@ TEST_F(SheetDetailsTest, TheDoctorEditorStoresTheEmailAddressesWithTheDoctorOrNo
         stored.Add(pszEmail);
     stored.Save(m_strIda);
     const PatientImage before = DoctorImage(m_strIda);
-    const auto run = [&](const std::function<void(DialogScript&, const Dialog&)>& script) {
-        Change(
-            [&](DialogScript& s, const Dialog& sheet) {
-                sheet.Press(IDC_DETAIL_EDIT_REFERRING);
-                const Dialog editor = s.WaitForDialog("Doctor");
-                script(s, editor);
-                editor.WaitForClosed();
-                s.Settle(sheet.Handle());
-            },
-            IDCANCEL);
-    };
     // Expects these addresses, adds another one as the first and presses the button.
     const auto addFirst = [](DialogScript& script, const Dialog& editor,
                              const std::vector<std::string>& listed, const char* pszEmail, int nButton) {
@@ -322,7 +278,7 @@ TEST_F(SheetDetailsTest, TheDoctorEditorStoresTheEmailAddressesWithTheDoctorOrNo
         script.Settle(editor.Handle());
     };
 
-    run([&](DialogScript& script, const Dialog& editor) {
+    InDoctorEditor([&](DialogScript& script, const Dialog& editor) {
         addFirst(script, editor, {"a@x.org", "b@x.org"}, "c@x.org", IDCANCEL);
         EXPECT_EQ(editor.Item(IDC_DOCTOR_EMAIL).Text(), "a@x.org");
         addFirst(script, editor, {"a@x.org", "b@x.org"}, "c@x.org", IDOK);
@@ -332,15 +288,12 @@ TEST_F(SheetDetailsTest, TheDoctorEditorStoresTheEmailAddressesWithTheDoctorOrNo
     EXPECT_THAT(Differences(before, DoctorImage(m_strIda)), testing::IsEmpty());
 
     Sql("CREATE TRIGGER fault BEFORE INSERT ON emails BEGIN SELECT RAISE(ABORT, 'the cable is out'); END");
-    run([&](DialogScript& script, const Dialog& editor) {
+    InDoctorEditor([&](DialogScript& script, const Dialog& editor) {
         editor.Item(IDC_DOCTOR_TITLE).Type("Prof.");
         editor.Item(IDC_DOCTOR_EMAIL).Replace("n@x.org");
         addFirst(script, editor, {"n@x.org", "b@x.org"}, "d@x.org", IDOK);
-        editor.Press(IDOK);
-        EXPECT_THAT(script.WaitForBox().BoxText(),
-                    testing::StartsWith("The doctor could not be saved. Nothing was changed.\n\n"));
-        script.AnswerBox("", IDOK);
-        script.WaitUntil("the editor is usable again", [&] { return editor.IsEnabled(); });
+        ExpectRefused(script, editor,
+                      testing::StartsWith("The doctor could not be saved. Nothing was changed.\n\n"));
         EXPECT_THAT(Differences(before, DoctorImage(m_strIda)), testing::IsEmpty());
         Sql("DROP TRIGGER fault");
         addFirst(script, editor, {"d@x.org", "n@x.org", "b@x.org"}, "e@x.org", IDOK);
@@ -353,7 +306,7 @@ TEST_F(SheetDetailsTest, TheDoctorEditorStoresTheEmailAddressesWithTheDoctorOrNo
     EXPECT_THAT(Differences(expected, DoctorImage(m_strIda)), testing::IsEmpty());
 
     Sql("DROP TABLE emails"); // as a database of one address a person is
-    run([&](DialogScript&, const Dialog& editor) {
+    InDoctorEditor([&](DialogScript&, const Dialog& editor) {
         EXPECT_FALSE(editor.Item(IDC_DOCTOR_EDIT_EMAILS).IsEnabled());
         editor.Item(IDC_DOCTOR_EMAIL).Replace("f@x.org");
         editor.Press(IDOK);

@@ -3,141 +3,97 @@
 #include "tests/patient/patientimage.h"
 #include "tests/patient/sheetfixture.h"
 
-using veltest::Dialog;
-using veltest::DialogScript;
-
 namespace
 {
 
 using SheetFailureTest = SheetTest;
 
-constexpr char takenID[] = "The patient ID already exists. Please enter a unique ID.";
-constexpr char notSaved[] = "The patient could not be saved. Nothing was changed.";
+// Some reason follows.
+const auto notSaved =
+    testing::ContainsRegex("^The patient could not be saved. Nothing was changed.\n\n......");
 
-void ExpectNotSaved(DialogScript& script, const Dialog& sheet)
-{
-    sheet.Press(IDOK);
-    const Dialog box = script.WaitForBox();
-    EXPECT_THAT(box.BoxText(), testing::StartsWith(std::string(notSaved) + "\n\n"));
-    EXPECT_GT(box.BoxText().size(), sizeof notSaved + 5); // the reason is given
-    box.Press(IDOK);
-    script.WaitUntil("the sheet is usable again", [&] { return sheet.IsEnabled(); });
-}
-
-// A patient list whose database goes away at a given moment, or that fails outright.
-class FailingPatients : public dbCPatients
+// A patient list that does something at two moments of OK, once.
+class WatchedPatients : public dbCPatients
 {
 public:
-    enum class Moment
-    {
-        UniqueID,
-        SimilarPatient,
-        AfterTheChecks
-    };
+    using Action = std::function<void(LPCTSTR pszID)>;
 
-    explicit FailingPatients(Moment moment) : m_moment(moment)
-    {
-    }
     BOOL IsIDFree(LPCTSTR pszID) override
     {
-        Fail(Moment::UniqueID);
-        return dbCPatients::IsIDFree(pszID);
+        const BOOL bFree = dbCPatients::IsIDFree(pszID);
+        if (const Action action = std::exchange(m_onUniqueID, nullptr))
+            action(pszID);
+        return bFree;
     }
     BOOL FindSimilar(LPCTSTR pszFirst, LPCTSTR pszLast, const velCDate& dateBirth, CString* pstrGUID) override
     {
-        Fail(Moment::SimilarPatient);
         const BOOL bFound = dbCPatients::FindSimilar(pszFirst, pszLast, dateBirth, pstrGUID);
-        if (m_moment == Moment::AfterTheChecks)
-            dbCPatients::Close();
+        if (const Action action = std::exchange(m_onSimilarPatient, nullptr))
+            action(pszFirst);
         return bFound;
     }
 
-private:
-    void Fail(Moment moment) const
-    {
-        if (m_moment == moment)
-            dbCException::Throw(dbErrIO, "the cable is out");
-    }
-
-    Moment m_moment;
+    Action m_onUniqueID;
+    Action m_onSimilarPatient;
 };
 
 TEST_F(SheetFailureTest, ADatabaseThatFailsDuringOKLeavesTheSheetOpen)
 {
-    for (const auto moment : {FailingPatients::Moment::UniqueID, FailingPatients::Moment::SimilarPatient,
-                              FailingPatients::Moment::AfterTheChecks})
+    const WatchedPatients::Action fail = [](LPCTSTR) { dbCException::Throw(dbErrIO, "the cable is out"); };
+    const WatchedPatients::Action close = [](LPCTSTR) { dbCPatients::Close(); };
+    const std::pair<WatchedPatients::Action, WatchedPatients::Action> moments[] = {
+        {fail, {}}, {{}, fail}, {{}, close}};
+    for (const auto& [onUniqueID, onSimilarPatient] : moments)
     {
-        FailingPatients patients(moment);
+        WatchedPatients patients;
+        patients.m_onUniqueID = onUniqueID;
+        patients.m_onSimilarPatient = onSimilarPatient;
         m_pPatients = &patients;
-        EXPECT_EQ(RunNew([](DialogScript& script) {
-                      const Dialog sheet = WaitForSheet(script);
-                      FillNames(sheet, "A1", "Ann", "Lee");
-                      ExpectNotSaved(script, sheet);
-                      EXPECT_EQ(sheet.Item(IDC_CHART_FIRSTNAME).Text(), "Ann");
-                      sheet.Press(IDCANCEL);
-                  }),
-                  IDCANCEL);
+        New(IDCANCEL, [](DialogScript& script, const Dialog& sheet) {
+            FillNames(sheet, "A1", "Ann", "Lee");
+            ExpectRefused(script, sheet, notSaved);
+            EXPECT_EQ(sheet.Item(IDC_CHART_FIRSTNAME).Text(), "Ann");
+        });
         if (!dbCPatients::IsOpen())
             dbCPatients::Open(DatabasePath().c_str());
         EXPECT_TRUE(m_patients.IsIDFree("A1"));
     }
 }
 
-// Answers that an ID is free, and lets another user take it at once, the first time.
-class RacingPatients : public dbCPatients
-{
-public:
-    BOOL IsIDFree(LPCTSTR pszID) override
-    {
-        const BOOL bFree = dbCPatients::IsIDFree(pszID);
-        if (bFree && !m_bTaken)
-        {
-            dbCPatient other;
-            other.SetID(pszID);
-            other.SetLastname("Other");
-            other.Save();
-            m_bTaken = true;
-        }
-        return bFree;
-    }
-
-private:
-    bool m_bTaken = false;
-};
-
 // The write fails after the pages have added a company and been copied. Nothing of it is left, neither in the
 // database nor in the record, and the second OK writes all of it.
 TEST_F(SheetFailureTest, AnOKThatFailsLeavesNothingAndLosesNothing)
 {
     dbCPatient patient = StorePatient("A1");
-    const PatientImage before = ImageOf(patient);
-    RacingPatients patients;
+    PatientImage expected = ImageOf(patient);
+    WatchedPatients patients;
+    patients.m_onUniqueID = [&](LPCTSTR pszID) { // another user takes the ID at once
+        dbCPatient other;
+        other.SetID(pszID);
+        other.SetLastname("Other");
+        other.Save();
+    };
     m_pPatients = &patients;
-    EXPECT_EQ(RunChange(patient,
-                        [&](DialogScript& script) {
-                            const Dialog sheet = WaitForSheet(script);
-                            sheet.Item(IDC_CHART_ID).SetText("A2");
-                            sheet.Item(IDC_CHART_TEETH).Focus();
-                            sheet.Item(IDC_CHART_TEETH).PostKey(VK_SPACE);
-                            sheet.SelectPage(pat::GuardianPage);
-                            sheet.Item(IDC_GUARD_TITLE).SetText("Dr");
-                            sheet.SelectPage(pat::ReferralPage);
-                            sheet.Item(IDC_REFER_DOCTOR).Choose("Bell, Grace");
-                            sheet.SettleIdle();
-                            sheet.Press(IDC_ROWS_ADD);
-                            sheet.SelectPage(pat::InsurancePage);
-                            sheet.Item(IDC_INSURE_COMPANY).SetText("Northfield");
-                            sheet.SettleIdle();
-                            sheet.Press(IDC_ROWS_ADD);
-                            ExpectRefused(script, sheet, takenID, IDC_CHART_ID);
-                            EXPECT_EQ(SelectedText(sheet.Item(IDC_CHART_ID)), "A2");
-                            sheet.Item(IDC_CHART_ID).SetText("A3");
-                            sheet.Press(IDOK);
-                        }),
-              IDOK);
-    PatientImage expected = before;
-    const dbCPatient changed = Stored("A3");
-    const PatientImage after = ImageOf(changed);
+    Change(patient, IDOK, [&](DialogScript& script, const Dialog& sheet) {
+        sheet.Item(IDC_CHART_ID).SetText("A2");
+        sheet.Item(IDC_CHART_TEETH).Focus();
+        sheet.Item(IDC_CHART_TEETH).PostKey(VK_SPACE);
+        sheet.SelectPage(pat::GuardianPage);
+        sheet.Item(IDC_GUARD_TITLE).SetText("Dr");
+        sheet.SelectPage(pat::ReferralPage);
+        sheet.Item(IDC_REFER_DOCTOR).Choose("Bell, Grace");
+        sheet.SettleIdle();
+        sheet.Press(IDC_ROWS_ADD);
+        sheet.SelectPage(pat::InsurancePage);
+        sheet.Item(IDC_INSURE_COMPANY).SetText("Northfield");
+        sheet.SettleIdle();
+        sheet.Press(IDC_ROWS_ADD);
+        ExpectRefused(script, sheet, "The patient ID already exists. Please enter a unique ID.",
+                      IDC_CHART_ID);
+        EXPECT_EQ(SelectedText(sheet.Item(IDC_CHART_ID)), "A2");
+        sheet.Item(IDC_CHART_ID).SetText("A3");
+    });
+    const PatientImage after = ImageOf(Stored("A3"));
     expected["id"] = "A3";
     expected["person.0.title"] = "Dr";
     for (const auto& [name, value] : after)
@@ -160,16 +116,13 @@ TEST_F(SheetFailureTest, ARecordThatIsHereAlreadySaysSo)
     const dbCPatient patient = StorePatient("A1");
     dbCPatient data;
     data.SetGUID(patient.GetGUID());
-    EXPECT_EQ(RunNewWithData(data,
-                             [](DialogScript& script) {
-                                 const Dialog sheet = WaitForSheet(script);
-                                 FillNames(sheet, "A2", "Bea", "Moor");
-                                 ExpectRefused(script, sheet,
-                                               "This record belongs to a patient who is in the patient list "
-                                               "already, under another ID. Nothing was saved.");
-                                 sheet.Press(IDCANCEL);
-                             }),
-              IDCANCEL);
+    NewWithData(data, IDCANCEL, [](DialogScript& script, const Dialog& sheet) {
+        FillNames(sheet, "A2", "Bea", "Moor");
+        ExpectRefused(
+            script, sheet,
+            "This record belongs to a patient who is in the patient list already, under another ID. "
+            "Nothing was saved.");
+    });
     EXPECT_TRUE(m_patients.IsIDFree("A2"));
 }
 
@@ -179,13 +132,8 @@ TEST_F(SheetFailureTest, TheCallersTransactionCanUndoTheSheet)
     dbCPatient data;
     {
         dbCTransaction outer;
-        EXPECT_EQ(RunNewWithData(data,
-                                 [](DialogScript& script) {
-                                     const Dialog sheet = WaitForSheet(script);
-                                     FillNames(sheet, "A1", "Ann", "Lee");
-                                     sheet.Press(IDOK);
-                                 }),
-                  IDOK);
+        NewWithData(data, IDOK,
+                    [](DialogScript&, const Dialog& sheet) { FillNames(sheet, "A1", "Ann", "Lee"); });
         EXPECT_TRUE(data.IsValid());
         EXPECT_EQ(data.GetID(), "A1");
     }
@@ -199,49 +147,47 @@ TEST_F(SheetFailureTest, ARecordChangedElsewhereIsNotOverwritten)
 {
     dbCPatient patient = StorePatient("A1");
     dbCPatient other = Stored("A1");
-
-    // Changes the record behind the sheet's back, on the user interface thread, while OK is being handled.
-    class : public dbCPatients
-    {
-    public:
-        BOOL IsIDFree(LPCTSTR pszID) override
-        {
-            if (m_pOther != nullptr)
-                m_pOther->Save();
-            m_pOther = nullptr;
-            return dbCPatients::IsIDFree(pszID);
-        }
-        dbCPatient* m_pOther = nullptr;
-    } patients;
     other.SetNickname("other");
-    patients.m_pOther = &other;
+    WatchedPatients patients;
+    patients.m_onUniqueID = [&](LPCTSTR) { other.Save(); };
     m_pPatients = &patients;
-    EXPECT_EQ(RunChange(patient,
-                        [](DialogScript& script) {
-                            const Dialog sheet = WaitForSheet(script);
-                            FillNames(sheet, "A2", "Anna", "Lee");
-                            ExpectNotSaved(script, sheet);
-                            sheet.Press(IDCANCEL);
-                        }),
-              IDCANCEL);
-    EXPECT_EQ(Stored("A1").GetNickname(), "other");
-    EXPECT_EQ(Stored("A1").GetFirstname(0), "Ann");
+    Change(patient, IDCANCEL, [](DialogScript& script, const Dialog& sheet) {
+        FillNames(sheet, "A2", "Anna", "Lee");
+        ExpectRefused(script, sheet, notSaved);
+    });
+    EXPECT_THAT(Differences(ImageOf(other), ImageOf(Stored("A1"))), testing::IsEmpty());
 }
 
 TEST_F(SheetFailureTest, APatientThatIsGoneCanOnlyBeCancelled)
 {
     dbCPatient patient = StorePatient("A1");
     m_patients.DeletePatient("A1");
-    EXPECT_EQ(RunChange(patient,
-                        [](DialogScript& script) {
-                            script.AnswerBox("Error occurs when loading patient info", IDOK);
-                            const Dialog sheet = WaitForSheet(script);
-                            EXPECT_FALSE(sheet.Item(IDOK).IsEnabled());
-                            FillNames(sheet, "A1", "Ann", "Lee");
-                            sheet.Press(IDCANCEL);
-                        }),
-              IDCANCEL);
+    const auto result =
+        veltest::RunModal([&] { return ChangePatientDlg(nullptr, m_pPatients, &patient); },
+                          [](DialogScript& script) {
+                              script.AnswerBox("Error occurs when loading patient info", IDOK);
+                              const Dialog sheet = script.WaitForDialogWith(IDC_CHART_ID);
+                              EXPECT_FALSE(sheet.Item(IDOK).IsEnabled());
+                              FillNames(sheet, "A1", "Ann", "Lee");
+                              sheet.Press(IDCANCEL);
+                          });
+    EXPECT_EQ(result, IDCANCEL);
     EXPECT_TRUE(m_patients.IsIDFree("A1"));
+}
+
+// Pages that need the database say so, and the sheet stays.
+TEST_F(SheetFailureTest, ALostDatabaseIsReportedByThePagesThatNeedIt)
+{
+    m_practice.Set("Environment", "DatabaseTimeout", "1");
+    New(IDCANCEL, [&](DialogScript& script, const Dialog& sheet) {
+        FillNames(sheet, "A2", "Ann", "Lee");
+        dbCPatients::Close();
+        for (const int nPage : {pat::DetailPage, pat::ReferralPage, pat::InsurancePage})
+        {
+            sheet.SelectPage(nPage);
+            ExpectBox(script, sheet, testing::HasSubstr("could not be read.\n\n"));
+        }
+    });
 }
 
 } // namespace

@@ -22,6 +22,38 @@ SheetTest::SheetTest()
     m_strHarbour = company.GetCompanyGUID();
 }
 
+namespace
+{
+
+void Play(const std::function<__int64()>& open, int nButton,
+          const std::function<void(DialogScript&, const Dialog&)>& script)
+{
+    const auto play = [&](DialogScript& s) {
+        const Dialog sheet = s.WaitForDialogWith(IDC_CHART_ID);
+        script(s, sheet);
+        if (nButton != 0)
+            sheet.Press(nButton);
+    };
+    EXPECT_EQ(veltest::RunModal(open, play), nButton != 0 ? nButton : IDOK);
+}
+
+} // namespace
+
+void SheetTest::New(int nButton, const Script& script)
+{
+    Play([&] { return NewPatientDlg(nullptr, m_pPatients, m_strGUID); }, nButton, script);
+}
+
+void SheetTest::NewWithData(dbCPatient& data, int nButton, const Script& script)
+{
+    Play([&] { return NewPatientDlgWithData(nullptr, m_pPatients, m_strGUID, &data); }, nButton, script);
+}
+
+void SheetTest::Change(dbCPatient& patient, int nButton, const Script& script)
+{
+    Play([&] { return ChangePatientDlg(nullptr, m_pPatients, &patient); }, nButton, script);
+}
+
 void SheetTest::FillPatient(dbCPatient& patient, const char* pszFirstname, const char* pszLastname) const
 {
     patient.SetFirstname(pszFirstname);
@@ -114,11 +146,6 @@ CString SheetTest::LatestEvent()
     return CVeltrixLogin::LoadEvents(events, 1) == 1 ? events[0].strText : CString();
 }
 
-Dialog WaitForSheet(DialogScript& script)
-{
-    return script.WaitForDialogWith(IDC_CHART_ID);
-}
-
 void FillNames(const Dialog& sheet, const std::string& id, const std::string& firstname,
                const std::string& lastname)
 {
@@ -127,19 +154,25 @@ void FillNames(const Dialog& sheet, const std::string& id, const std::string& fi
     sheet.Item(IDC_CHART_LASTNAME).SetText(lastname);
 }
 
-void ExpectRefused(DialogScript& script, const Dialog& sheet, const std::string& text, int focusedControl)
+void ExpectBox(DialogScript& script, const Dialog& window, const testing::Matcher<std::string>& text,
+               int nFocus, int nAnswer)
 {
-    sheet.Press(IDOK);
-    EXPECT_EQ(script.WaitForBox().BoxText(), text);
-    script.AnswerBox("", IDOK);
-    script.WaitUntil("the sheet is usable again", [&] { return sheet.IsEnabled(); });
-    if (focusedControl != 0)
-    {
-        const HWND focus = sheet.Focused().Handle();
-        const bool bInside =
-            IsChild(sheet.Item(focusedControl).Handle(), focus); // the edit part of a combo box
-        EXPECT_EQ(GetDlgCtrlID(bInside ? GetParent(focus) : focus), focusedControl) << text;
-    }
+    const std::string told = script.AnswerBox("", nAnswer);
+    EXPECT_THAT(told, text);
+    script.WaitUntil("the window is usable again", [&] { return window.IsEnabled(); });
+    script.Settle(window.Handle());
+    if (nFocus == 0)
+        return;
+    const HWND focus = window.Focused().Handle();
+    const bool bInside = IsChild(window.Item(nFocus).Handle(), focus); // the edit part of a combo box
+    EXPECT_EQ(GetDlgCtrlID(bInside ? GetParent(focus) : focus), nFocus) << told;
+}
+
+void ExpectRefused(DialogScript& script, const Dialog& window, const testing::Matcher<std::string>& text,
+                   int nFocus)
+{
+    window.Press(IDOK);
+    ExpectBox(script, window, text, nFocus);
 }
 
 std::string SelectedText(const Control& field)

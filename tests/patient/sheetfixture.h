@@ -6,10 +6,10 @@
 #include "patient/rules/sheetrules.h"
 #include "suite/patients/records/dboffices.h"
 #include "suite/patients/velpat.h"
-#include "tests/support/childprocess.h"
 #include "tests/support/dialogquality.h"
 #include "tests/support/dialogscript.h"
 #include "tests/support/picture.h"
+#include "tests/support/sql.h"
 #include "tests/support/temporarypractice.h"
 
 #include <gmock/gmock.h>
@@ -21,7 +21,9 @@
 class SheetTest : public testing::Test
 {
 protected:
-    using Script = veltest::DialogScript::Script;
+    using Dialog = veltest::Dialog;
+    using DialogScript = veltest::DialogScript;
+    using Script = std::function<void(DialogScript&, const Dialog&)>;
 
     SheetTest();
     ~SheetTest() override
@@ -34,18 +36,16 @@ protected:
         return m_practice.Path("patients.db");
     }
 
-    __int64 RunNew(const Script& script)
+    // Opens the sheet, plays the script in it, presses the button and expects that to be the result. With 0
+    // the script confirms the sheet itself.
+    void New(int nButton, const Script& script);
+    void NewWithData(dbCPatient& data, int nButton, const Script& script);
+    void Change(dbCPatient& patient, int nButton, const Script& script);
+
+    // Runs SQL on the database as another program would.
+    void Sql(const char* pszSql) const
     {
-        return veltest::RunModal([this] { return NewPatientDlg(nullptr, m_pPatients, m_strGUID); }, script);
-    }
-    __int64 RunNewWithData(dbCPatient& data, const Script& script)
-    {
-        return veltest::RunModal(
-            [&] { return NewPatientDlgWithData(nullptr, m_pPatients, m_strGUID, &data); }, script);
-    }
-    __int64 RunChange(dbCPatient& patient, const Script& script)
-    {
-        return veltest::RunModal([&] { return ChangePatientDlg(nullptr, m_pPatients, &patient); }, script);
+        veltest::RunSql(DatabasePath(), pszSql);
     }
 
     // The patient as the database has it; an empty one when there is none.
@@ -77,17 +77,18 @@ protected:
     CString m_strHarbour;              // Harbour Mutual, an insurance company
 };
 
-// The sheet in a script.
-veltest::Dialog WaitForSheet(veltest::DialogScript& script);
-
 // Types what every patient needs.
 void FillNames(const veltest::Dialog& sheet, const std::string& id, const std::string& firstname,
                const std::string& lastname);
 
-// Presses OK, expects this box (exact text), answers it, and expects the sheet to be open still with the
-// focus on the control (0: wherever).
-void ExpectRefused(veltest::DialogScript& script, const veltest::Dialog& sheet, const std::string& text,
-                   int focusedControl = 0);
+// Expects a message box, answers it and expects the window below to be open, with the focus on the control
+// (0: wherever).
+void ExpectBox(veltest::DialogScript& script, const veltest::Dialog& window,
+               const testing::Matcher<std::string>& text, int nFocus = 0, int nAnswer = IDOK);
+
+// The same after OK.
+void ExpectRefused(veltest::DialogScript& script, const veltest::Dialog& window,
+                   const testing::Matcher<std::string>& text, int nFocus = 0);
 
 // The selected text of an edit field.
 std::string SelectedText(const veltest::Control& field);

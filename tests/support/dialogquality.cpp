@@ -8,6 +8,7 @@
 #include <cctype>
 #include <cstdlib>
 #include <map>
+#include <utility>
 
 namespace veltest
 {
@@ -474,10 +475,44 @@ std::string DialogFindings(HWND dialog, const QualityOptions& options)
     return text;
 }
 
+namespace
+{
+
+// Where Cancel stands, from the lower right corner.
+std::pair<LONG, LONG> PlaceOfCancel(HWND dialog)
+{
+    RECT client = {};
+    RECT button = {};
+    GetClientRect(dialog, &client);
+    GetWindowRect(GetDlgItem(dialog, IDCANCEL), &button);
+    MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&button), 2);
+    return {client.right - button.right, client.bottom - button.bottom};
+}
+
+void ExpectGrowth(HWND dialog, const QualityOptions& options)
+{
+    EXPECT_NE(GetWindowLongPtrA(dialog, GWL_STYLE) & WS_THICKFRAME, 0);
+    const auto before = PlaceOfCancel(dialog);
+    RECT place = {};
+    RECT more = {0, 0, 60, 40}; // dialog units
+    GetWindowRect(dialog, &place);
+    MapDialogRect(dialog, &more);
+    const int width = place.right - place.left;
+    const int height = place.bottom - place.top;
+    SetWindowPos(dialog, nullptr, 0, 0, width + more.right, height + more.bottom, SWP_NOMOVE | SWP_NOZORDER);
+    EXPECT_EQ(PlaceOfCancel(dialog), before);
+    EXPECT_EQ(DialogFindings(dialog, options), "");
+    SetWindowPos(dialog, nullptr, 0, 0, width, height, SWP_NOMOVE | SWP_NOZORDER);
+}
+
+} // namespace
+
 void ExpectWellMade(const Dialog& dialog, const char* picture, const QualityOptions& options)
 {
     EXPECT_EQ(DialogFindings(dialog.Handle(), options), "");
     EXPECT_TRUE(SavePicture(dialog.Handle(), picture));
+    if (options.grows)
+        ExpectGrowth(dialog.Handle(), options);
 }
 
 } // namespace veltest

@@ -10,10 +10,11 @@ namespace veltest
 
 struct QualityOptions
 {
-    bool isPage = false;         // a property page: the sheet has the default button
-    bool checkGrid = true;       // sizes and distances in dialog units
-    bool checkTabOrder = true;   // from top to bottom, in rows from left to right, group by group
-    std::vector<int> ignoredIds; // controls placed on purpose against the rules
+    bool isPage = false;              // a property page: the sheet has the default button
+    bool checkGrid = true;            // sizes and distances in dialog units
+    bool checkTabOrder = true;        // from top to bottom, in rows from left to right, group by group
+    bool grows = false;               // the user can resize it, and it is well made in every size
+    std::vector<int> ignoredIds = {}; // controls placed on purpose against the rules
 };
 
 // Looks at a dialog or property page as it stands on the screen, in the state it is in, and returns what a
