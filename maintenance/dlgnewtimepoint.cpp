@@ -194,7 +194,7 @@ void CDlgNewTimepoint::AddTimepoint(const CString& strName, const CString& strPt
     }
     try
     {
-        m_pPatient->Save(0);
+        m_pPatient->Save();
     }
     catch (CException*)
     {

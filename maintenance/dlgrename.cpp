@@ -310,7 +310,7 @@ void CRenameDlg::StoreTreatment(const CString& strPtshID)
     m_pPatient->SetTimepoint(m_nTimepoint, changed);
     try
     {
-        m_pPatient->Save(0);
+        m_pPatient->Save();
     }
     catch (CException*)
     {

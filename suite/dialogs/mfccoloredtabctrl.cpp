@@ -30,25 +30,6 @@ ON_MESSAGE(WM_MOUSELEAVE, &CMfcColoredTabCtrl::OnMouseLeave)
 ON_MESSAGE(WM_UPDATEUISTATE, &CMfcColoredTabCtrl::OnUIState)
 END_MESSAGE_MAP()
 
-void CMfcColoredTabCtrl::SetTabColor(int nTab, COLORREF color)
-{
-    if (color == CLR_DEFAULT)
-    {
-        m_colors.erase(nTab);
-    }
-    else
-    {
-        m_colors[nTab] = color;
-    }
-    InvalidateTab(nTab);
-}
-
-COLORREF CMfcColoredTabCtrl::GetTabColor(int nTab) const
-{
-    const auto found = m_colors.find(nTab);
-    return found != m_colors.end() ? found->second : ::GetSysColor(COLOR_HIGHLIGHT);
-}
-
 void CMfcColoredTabCtrl::InvalidateTab(int nTab)
 {
     CRect rect;
@@ -118,8 +99,8 @@ void CMfcColoredTabCtrl::DrawTab(CDC& dc, int nTab) const
     }
     else if (!bSelected)
     {
-        colorBack =
-            ctlMixColors(::GetSysColor(COLOR_BTNFACE), GetTabColor(nTab), nTab == m_nHotTab ? 22 : 10);
+        colorBack = ctlMixColors(::GetSysColor(COLOR_BTNFACE), ::GetSysColor(COLOR_HIGHLIGHT),
+                                 nTab == m_nHotTab ? 22 : 10);
         colorText = ::GetSysColor(COLOR_BTNTEXT);
     }
     if (!IsWindowEnabled())
@@ -139,7 +120,8 @@ void CMfcColoredTabCtrl::DrawTab(CDC& dc, int nTab) const
     dc.FillSolidRect(rect.right - 1, rect.top, 1, rect.Height(), nLine);
     if (bSelected && !bContrast)
     {
-        dc.FillSolidRect(rect.left, rect.top, rect.Width(), Scaled(dc, markHeight), GetTabColor(nTab));
+        dc.FillSolidRect(rect.left, rect.top, rect.Width(), Scaled(dc, markHeight),
+                         ::GetSysColor(COLOR_HIGHLIGHT));
     }
 
     const auto nState =

@@ -2,8 +2,6 @@
 
 #include "suite/dialogs/ctlapi.h"
 
-#include <map>
-
 /// A tab strip with a coloured line over the selected tab and tinted other tabs. It replaces the standard
 /// strip of a property sheet by SubclassWindow, or is created like any tab control. All colours come from the
 /// system and follow its changes; with a high-contrast scheme only the scheme's own colours are used. The
@@ -11,12 +9,6 @@
 class VELCTL_API CMfcColoredTabCtrl : public CTabCtrl
 {
     DECLARE_DYNAMIC(CMfcColoredTabCtrl)
-
-public:
-    /// Gives one tab a colour of its own; CLR_DEFAULT takes it back.
-    void SetTabColor(int nTab, COLORREF color);
-    /// The colour that marks a tab: its own, else the system's highlight colour.
-    COLORREF GetTabColor(int nTab) const;
 
 protected:
     afx_msg void OnPaint();
@@ -33,6 +25,5 @@ private:
     void DrawTab(CDC& dc, int nTab) const;
     void InvalidateTab(int nTab);
 
-    std::map<int, COLORREF> m_colors;
     int m_nHotTab = -1;
 };

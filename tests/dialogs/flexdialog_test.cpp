@@ -77,7 +77,7 @@ BEGIN_MESSAGE_MAP(FlexDialog, mfcCDialog)
 ON_UPDATE_COMMAND_UI(IDC_ADD, &FlexDialog::OnUpdateAdd)
 END_MESSAGE_MAP()
 
-INT_PTR Run(CDialog& dialog, const std::function<void(DialogScript&, const Dialog&)>& script)
+INT_PTR Show(CDialog& dialog, const std::function<void(DialogScript&, const Dialog&)>& script)
 {
     return veltest::RunDialog([&] { return dialog.DoModal(); }, "", script);
 }
@@ -99,7 +99,7 @@ void Resize(veltest::DialogScript& script, HWND window, int width, int height)
 TEST(FlexDialogTest, GrowsWithItsControlsAndNeverShrinksBelowItsTemplate)
 {
     FlexDialog dialog;
-    const INT_PTR result = Run(dialog, [](DialogScript& script, const Dialog& shown) {
+    const INT_PTR result = Show(dialog, [](DialogScript& script, const Dialog& shown) {
         const HWND window = shown.Handle();
         CRect client;
         ::GetClientRect(window, &client);
@@ -132,7 +132,7 @@ TEST(FlexDialogTest, GrowsWithItsControlsAndNeverShrinksBelowItsTemplate)
 TEST(FlexDialogTest, KeepsItsSizeWithoutAnchors)
 {
     mfcCDialog dialog(IDD_FIXED);
-    Run(dialog, [](DialogScript&, const Dialog& shown) {
+    Show(dialog, [](DialogScript&, const Dialog& shown) {
         EXPECT_EQ(::GetWindowLongPtr(shown.Handle(), GWL_STYLE) & WS_THICKFRAME, 0);
         shown.Item(IDOK).PostKey(VK_F1); // nobody answers: the key goes on and does no harm
         shown.Press(IDCANCEL);
@@ -143,7 +143,7 @@ TEST(FlexDialogTest, UpdatesControlsWhenIdleAndAnswersHelpFromKeyAndButton)
 {
     FlexDialog dialog;
     EXPECT_EQ(dialog.GetHelpID(), 0x20000U + IDD_FLEX);
-    Run(dialog, [&](DialogScript& script, const Dialog& shown) {
+    Show(dialog, [&](DialogScript& script, const Dialog& shown) {
         const Control add = shown.Item(IDC_ADD);
         script.WaitUntil("Add to be disabled", [&] { return !add.IsEnabled(); });
         shown.Item(IDC_FIELD).Type("x");
@@ -168,7 +168,7 @@ TEST(FlexDialogTest, RemembersItsSizeOnlyWhenAsked)
         for (CSize& size : sizes)
         {
             FlexDialog dialog(remembers);
-            Run(dialog, [&](DialogScript& script, const Dialog& shown) {
+            Show(dialog, [&](DialogScript& script, const Dialog& shown) {
                 size = PlaceOf(shown.Handle()).Size();
                 Resize(script, shown.Handle(), size.cx + 50, size.cy + 40);
                 shown.Press(IDCANCEL);
@@ -180,7 +180,7 @@ TEST(FlexDialogTest, RemembersItsSizeOnlyWhenAsked)
     {
         practice.Set("Dialogs", "Flex", damaged);
         FlexDialog dialog(true);
-        Run(dialog, [&](DialogScript&, const Dialog& shown) {
+        Show(dialog, [&](DialogScript&, const Dialog& shown) {
             CRect smallest(0, 0, 200, 120);
             ::MapDialogRect(shown.Handle(), &smallest);
             const CRect place = PlaceOf(shown.Handle());

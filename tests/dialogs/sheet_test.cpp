@@ -100,11 +100,6 @@ TEST(ColoredSheetTest, ShowsItsTabsAndServesItsPages)
             EXPECT_EQ(PixelOf(tabs, second.left + 5, second.top), highlight);
             EXPECT_EQ(veltest::SavePagePictures(script, shown, "coloredsheet"), 2);
 
-            sheet.m_tabs.SetTabColor(1, RGB(200, 80, 20));
-            EXPECT_EQ(PixelOf(tabs, second.left + 5, second.top), COLORREF{RGB(200, 80, 20)});
-            sheet.m_tabs.SetTabColor(1, CLR_DEFAULT);
-            EXPECT_EQ(PixelOf(tabs, second.left + 5, second.top), highlight);
-
             // By keyboard: the strip takes the focus, shows it and changes pages by cursor keys.
             veltest::Control(script, tabs).Focus();
             script.PressKey(tabs, VK_LEFT);
