@@ -114,6 +114,8 @@ BOOL CVelXML::ReadPatientDetails(dbCPatient& patient)
         const auto emails = Select(element.Get(), L"emails/email");
         if (!emails.empty())
             doctor.SetEmail(Attribute(emails.front().Get(), L"address"));
+        for (std::size_t i = 1; i < emails.size(); ++i)
+            patient.GetArchiveEmails()[doctor.GetPersonGUID()].Add(Attribute(emails[i].Get(), L"address"));
         ReadAddresses(element.Get(), doctor.GetAddresses());
         patient.SetPersonInfo(dbPersonTreatingDoctor, doctor);
     }

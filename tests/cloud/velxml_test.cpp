@@ -320,6 +320,8 @@ TEST_F(VelXml, ReadsBackWhatItWrote)
                      doctor.GetEmail(),
                  expected.GetPersonGUID() + "O'Hara & \"Sons\"Zo\xeb" + "Dr.z@hara.example");
     EXPECT_STREQ(doctor.GetAddress().GetCompany(), "<Hara>");
+    ASSERT_EQ(read.GetArchiveEmails()[doctor.GetPersonGUID()].GetCount(), 1);
+    EXPECT_STREQ(read.GetArchiveEmails()[doctor.GetPersonGUID()][0], "office@hara.example");
     const dbCPatientEmailsContainer emails = xml.ReadPatientEmails();
     ASSERT_EQ(emails.GetCount(), 2);
     EXPECT_STREQ(read.GetEmail(), "eva@lee.example");

@@ -124,8 +124,7 @@ TEST(Database, OverTheNetworkItHasARollbackJournal)
     dbCPatients::Close();
     database.practice.Set("Environment", "DatabaseOnNetwork", "0");
     veltest::ChildProcess local("holdOpen", {database.Path(), database.practice.Path("go")});
-    while (!std::filesystem::exists(database.practice.Path("go")))
-        Sleep(10);
+    ASSERT_TRUE(WaitFor(database.practice.Path("go")));
     database.practice.Set("Environment", "DatabaseOnNetwork", "1");
     EXPECT_EQ(ErrorOf([&] { dbCPatients::Open(database.Path().c_str()); }), dbErrNetwork);
     EXPECT_TRUE(hasLog(database.practice));
@@ -140,8 +139,7 @@ TEST(Database, OverTheNetworkItHasARollbackJournal)
     database.practice.Set("Environment", "DatabaseOnNetwork", "0");
     std::filesystem::remove(database.practice.Path("go"));
     veltest::ChildProcess other("holdOpen", {database.Path(), database.practice.Path("go")});
-    while (!std::filesystem::exists(database.practice.Path("go")))
-        Sleep(10);
+    ASSERT_TRUE(WaitFor(database.practice.Path("go")));
     NewPatient("A2").Save();
     EXPECT_EQ(dbCPatients().GetCount(), 2);
     EXPECT_FALSE(hasLog(database.practice));

@@ -102,6 +102,16 @@ TEST(FileFamily, OnlyMorphingDataFitsSeveralOwners)
     EXPECT_THAT(pat::PossibleOwners(longest + "Y.PF"), ElementsAre());
 }
 
+TEST(FileFamily, ArchivesAreGatheredByEightPatternsInTheirOrder)
+{
+    std::vector<std::string_view> searched;
+    for (const pat::FileRule& rule : pat::FileRules())
+        if (!rule.searched.empty())
+            searched.push_back(rule.searched);
+    EXPECT_THAT(searched, testing::ElementsAre(".PF", "??.i??", "??.v??", "??.m", "??.i??.???", "$*", "??.d?.i??",
+                                               "*.2dmorph"));
+}
+
 TEST(FileFamily, MovesToAnotherIdAndNumber)
 {
     const struct

@@ -48,16 +48,20 @@ const char* const OWN_FILES[] = {"A100.I0A",     "A100.V0A",    "A101.I0B",    "
 const char* const OTHER_FILES[] = {"A101.PF", "A1200.I0A", "A12$00$scan", "A12x.2dmorph",
                                    "A1B.PF",  "A1.TXT",    "B100.I0A",    "A10101.I0A"};
 
-void Fill(const veltest::TemporaryPractice& practice, size_t nOwnFiles = std::size(OWN_FILES))
+/// A practice with A1, A12 and their files, and with others' files.
+struct FilledPractice : TestDatabase
 {
-    FullPatient("A1").Save();
-    FullPatient("A12", "other").Save();
-    for (const char* psz : std::span(OWN_FILES).first(nOwnFiles))
-        practice.WriteFile(std::string("working/") + psz, psz);
-    for (const char* psz : OTHER_FILES)
-        practice.WriteFile(std::string("working/") + psz, psz);
-    SetFileAttributesA((practice.Working() + "A100.I0A").c_str(), FILE_ATTRIBUTE_READONLY);
-}
+    explicit FilledPractice(size_t nOwnFiles = std::size(OWN_FILES))
+    {
+        FullPatient("A1").Save();
+        FullPatient("A12", "other").Save();
+        for (const char* psz : std::span(OWN_FILES).first(nOwnFiles))
+            practice.WriteFile(std::string("working/") + psz, psz);
+        for (const char* psz : OTHER_FILES)
+            practice.WriteFile(std::string("working/") + psz, psz);
+        SetFileAttributesA((practice.Working() + "A100.I0A").c_str(), FILE_ATTRIBUTE_READONLY);
+    }
+};
 
 /// Copies a practice as it is on the disk at every step: what a process that ends there leaves behind. The
 /// hidden files by which a process shows that it lives go with it, and cannot be copied.
@@ -103,8 +107,7 @@ class Operation : public testing::TestWithParam<std::string>
 
 TEST_P(Operation, EndedAtAnyStepLeavesBeforeOrAfter)
 {
-    TestDatabase database;
-    Fill(database.practice, 4);
+    const FilledPractice database(4);
     const PracticeState before = StateOf(database.practice.Working());
     Snapshots snapshots(database.practice);
     OPERATIONS.at(GetParam())();
@@ -149,8 +152,7 @@ TEST(Operations, TakeWhatBelongsToThemAndNothingElse)
     for (const auto& test : CASES)
     {
         SCOPED_TRACE(test.pszOperation);
-        TestDatabase database;
-        Fill(database.practice);
+        const FilledPractice database;
         auto expected = FilesOf(database.practice.Working());
         for (const std::string& name : test.gone)
         {
@@ -187,8 +189,7 @@ TEST(Operations, TakeWhatBelongsToThemAndNothingElse)
 
 TEST(Operations, ARefusedOneChangesNeitherObjectNorPractice)
 {
-    TestDatabase database;
-    Fill(database.practice);
+    const FilledPractice database;
     dbCPatient stale, other;
     stale.Load("A1");
     other.Load("A1");
@@ -213,8 +214,7 @@ TEST(Operations, ARefusedOneChangesNeitherObjectNorPractice)
 
 TEST(Operations, ARemovalByListTakesOnlyWhatIsAsItWasListed)
 {
-    TestDatabase database;
-    Fill(database.practice);
+    const FilledPractice database;
     patFileStates files = patListFiles("A1");
     std::erase_if(files, [](const patSFileState& file) { return file.name == "A101.M"; });
     database.practice.WriteFile("working/A101.DF3", "written since it was archived");
@@ -233,13 +233,6 @@ TEST(Operations, ARemovalByListTakesOnlyWhatIsAsItWasListed)
 
 std::string g_signal;
 
-bool WaitFor(const std::string& path)
-{
-    for (int i = 0; i < 3000 && !std::filesystem::exists(path); ++i)
-        Sleep(10);
-    return std::filesystem::exists(path);
-}
-
 VEL_CHILD_PROCESS(pause)
 {
     dbCPatients::Open(arguments[0].c_str());
@@ -256,13 +249,28 @@ VEL_CHILD_PROCESS(pause)
     return nError;
 }
 
+/// A practice in which another seat stands there.
+struct PausedSeat
+{
+    explicit PausedSeat(const char* pszOperation) : child("pause", {database.Path(), pszOperation, signal})
+    {
+        EXPECT_TRUE(WaitFor(signal + ".reached"));
+    }
+    void Go()
+    {
+        std::ofstream(signal + ".go") << '.';
+        EXPECT_EQ(child.Wait(), dbErrNone);
+    }
+
+    const FilledPractice database;
+    const std::string signal = database.practice.Path("signal");
+    veltest::ChildProcess child;
+};
+
 TEST(Operations, AnotherSeatLeavesAloneWhatALivingOneIsAt)
 {
-    TestDatabase database;
-    Fill(database.practice);
-    const std::string signal = database.practice.Path("signal");
-    veltest::ChildProcess child("pause", {database.Path(), "rename", signal});
-    ASSERT_TRUE(WaitFor(signal + ".reached"));
+    PausedSeat seat("rename");
+    const FilledPractice& database = seat.database;
     dbCPatients::Open(database.Path().c_str());
     EXPECT_EQ(FilesOf(database.practice.Working()).count("A100.I0A"), 1U) << "the other seat's to rename";
     EXPECT_FALSE(dbCPatients().IsIDFree("A1"));
@@ -275,8 +283,7 @@ TEST(Operations, AnotherSeatLeavesAloneWhatALivingOneIsAt)
     other.SetID("A1");
     EXPECT_EQ(ErrorOf([&] { other.Save(); }), dbErrFilesPending);
     EXPECT_EQ(ErrorOf([] { dbCPatients().DeletePatient("Z9"); }), dbErrFilesPending);
-    std::ofstream(signal + ".go") << '.';
-    EXPECT_EQ(child.Wait(), dbErrNone);
+    seat.Go();
     FullPatient("A1").Save();
     EXPECT_EQ(FilesOf(database.practice.Working()).count("Z900.I0A"), 1U);
     EXPECT_EQ(FilesOf(database.practice.Working()).count("A100.I0A"), 0U);
@@ -284,12 +291,9 @@ TEST(Operations, AnotherSeatLeavesAloneWhatALivingOneIsAt)
 
 TEST(Operations, WhatAKilledOneWasAtIsDoneByTheNextToOpen)
 {
-    TestDatabase database;
-    Fill(database.practice);
-    const std::string signal = database.practice.Path("signal");
-    veltest::ChildProcess child("pause", {database.Path(), "rename", signal});
-    ASSERT_TRUE(WaitFor(signal + ".reached"));
-    child.Kill();
+    PausedSeat seat("rename");
+    const FilledPractice& database = seat.database;
+    seat.child.Kill();
     dbCPatients::Open(database.Path().c_str());
     std::set<std::string> names, expected(std::begin(OTHER_FILES), std::end(OTHER_FILES));
     for (const std::string name : OWN_FILES)
@@ -303,17 +307,12 @@ TEST(Operations, WhatAKilledOneWasAtIsDoneByTheNextToOpen)
 
 TEST(Operations, APatientFileWrittenLateIsNotTheOlderOne)
 {
-    TestDatabase database;
-    Fill(database.practice);
-    const std::string signal = database.practice.Path("signal");
-    veltest::ChildProcess child("pause", {database.Path(), "save", signal});
-    ASSERT_TRUE(WaitFor(signal + ".reached"));
+    PausedSeat seat("save");
     dbCPatient patient;
     ASSERT_TRUE(patient.Load("A1"));
     patient.SetLastname("Newest");
     patient.Save();
-    std::ofstream(signal + ".go") << '.';
-    EXPECT_EQ(child.Wait(), dbErrNone);
-    EXPECT_EQ(database.practice.ReadFile("working/A1.PF").find("Newest\x01"), 0U);
+    seat.Go();
+    EXPECT_EQ(seat.database.practice.ReadFile("working/A1.PF").find("Newest\x01"), 0U);
 }
 } // namespace

@@ -336,12 +336,29 @@ TEST(Offices, DeletingOneLeavesItsPatientsWithout)
     patient.Save();
     offices.RenameOffice(strSide, "Zoo");
     offices.Load();
-    EXPECT_EQ(offices[1].GetOffice(), "Zoo");
+    ASSERT_EQ(offices.GetCount(), 2);
+    EXPECT_EQ(offices[1].GetOfficeID() + offices[1].GetOffice(), strSide + "Zoo");
     offices.DeleteOffice(strMain);
     EXPECT_EQ(ErrorOf([&] { offices.DeleteOffice(strMain); }), dbErrNotFound);
     patient.Load("A1");
     EXPECT_EQ(patient.GetOfficeID(), "");
     EXPECT_EQ(dbCOfficeLocations::GetOffice(strMain), "");
+
+    dbCPatientStatusList statuses;
+    const CString strShown = statuses.AddStatus("Waiting"), strHidden = statuses.AddStatus("Alumni", FALSE);
+    EXPECT_EQ(ErrorOf([&] { statuses.RenameStatus(strHidden, "waiting "); }), dbErrInvalid);
+    statuses.RenameStatus(strHidden, "Zeta");
+    statuses.Load();
+    ASSERT_EQ(statuses.GetCount(), 2);
+    EXPECT_EQ(statuses[0].GetStatus() + statuses[1].GetStatus(), "WaitingZeta");
+    EXPECT_EQ(statuses[1].GetStatusID(), strHidden);
+    EXPECT_TRUE(statuses[0].IsShown() && !statuses[1].IsShown());
+    patient.SetStatusID(strShown);
+    patient.Save();
+    statuses.DeleteStatus(strShown);
+    EXPECT_EQ(ErrorOf([&] { statuses.RenameStatus(strShown, "x"); }), dbErrNotFound);
+    patient.Load("A1");
+    EXPECT_EQ(patient.GetStatusID(), "");
 }
 
 TEST(Insurances, ACompanyWithPoliciesStays)

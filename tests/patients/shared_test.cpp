@@ -3,7 +3,6 @@
 #include "tests/patients/testdatabase.h"
 #include "tests/support/childprocess.h"
 
-#include <filesystem>
 #include <fstream>
 
 namespace
@@ -11,13 +10,6 @@ namespace
 void Touch(const std::string& path)
 {
     std::ofstream(path) << '.';
-}
-
-bool WaitFor(const std::string& path)
-{
-    for (int i = 0; i < 3000 && !std::filesystem::exists(path); ++i)
-        Sleep(10);
-    return std::filesystem::exists(path);
 }
 
 constexpr int RACE_IDS = 40;

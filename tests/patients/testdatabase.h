@@ -1,14 +1,15 @@
 #pragma once
 
 #include "suite/patients/velpat.h"
+#include "tests/patient/patientimage.h"
 #include "tests/support/temporarypractice.h"
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <string>
-#include <vector>
 
 /// A practice with a new, open patient database, closed at the end.
 struct TestDatabase
@@ -41,6 +42,14 @@ struct TestDatabase
 
     veltest::TemporaryPractice practice;
 };
+
+/// Waits until another process has made a file.
+inline bool WaitFor(const std::string& path)
+{
+    for (int i = 0; i < 3000 && !std::filesystem::exists(path); ++i)
+        Sleep(10);
+    return std::filesystem::exists(path);
+}
 
 /// The code of the database exception that `action` throws, dbErrNone when it throws none. The exception must
 /// have a text for the user.
@@ -107,14 +116,11 @@ inline dbCPatient FullPatient(LPCTSTR pszID, const CString& strText = "text")
 {
     int nText = 0;
     const auto text = [&] { return strText + std::to_string(nText++).c_str(); };
-    dbCPatient patient = NewPatient(pszID, text());
-    patient.SetFirstname(text());
-    patient.SetNickname(text());
-    patient.SetEmail(text());
-    patient.SetTitle(text());
-    patient.SetSalutation(text());
+    const auto fill = [&](auto& record, auto... setters) { ((record.*setters)(text()), ...); };
+    dbCPatient patient = NewPatient(pszID);
+    fill(patient, &dbCPatient::SetLastname, &dbCPatient::SetFirstname, &dbCPatient::SetNickname,
+         &dbCPatient::SetEmail, &dbCPatient::SetTitle, &dbCPatient::SetSalutation, &dbCPatient::SetKeywords);
     patient.SetModelNumber("M-1234567");
-    patient.SetKeywords(text());
     patient.SetNotes(text() + "\r\nsecond line");
     patient.SetTeeth("PPPPPPPPPPPPPPPPPPPPPPPPPPPPPPMX");
     patient.SetVeltrixID("V" + CString(pszID));
@@ -128,25 +134,16 @@ inline dbCPatient FullPatient(LPCTSTR pszID, const CString& strText = "text")
     {
         dbCAddress address;
         address.SetType(i == 0 ? "H" : "O");
-        address.SetCompany(text());
-        address.SetStreet(text());
-        address.SetCity(text());
-        address.SetState(text());
-        address.SetPostalCode(text());
-        address.SetCountry(text());
+        fill(address, &dbCAddress::SetCompany, &dbCAddress::SetStreet, &dbCAddress::SetCity,
+             &dbCAddress::SetState, &dbCAddress::SetPostalCode, &dbCAddress::SetCountry);
         patient.SetAddress(i, address);
     }
     patient.GetPhones().Add(dbCPhone(text(), "Home"));
     patient.GetPhones().Add(dbCPhone("555-0100", text()));
 
     dbCPerson guardian;
-    guardian.SetFirstname(text());
-    guardian.SetLastname(text());
-    guardian.SetTitle(text());
-    guardian.SetNickname(text());
-    guardian.SetSalutation(text());
-    guardian.SetNotes(text());
-    guardian.SetEmail(text());
+    fill(guardian, &dbCPerson::SetFirstname, &dbCPerson::SetLastname, &dbCPerson::SetTitle,
+         &dbCPerson::SetNickname, &dbCPerson::SetSalutation, &dbCPerson::SetNotes, &dbCPerson::SetEmail);
     guardian.SetBirthdate(velCDate(1975, 12, 31));
     guardian.SetGender(1);
     guardian.SetAddress(0, patient.GetAddress(1));
@@ -154,10 +151,8 @@ inline dbCPatient FullPatient(LPCTSTR pszID, const CString& strText = "text")
     patient.AddPersonInfo(dbPersonGuardian, guardian);
 
     dbCInsurance insurance;
-    insurance.SetHolder(text());
-    insurance.SetNumber(text());
-    insurance.SetGroup(text());
-    insurance.SetNote(text());
+    fill(insurance, &dbCInsurance::SetHolder, &dbCInsurance::SetNumber, &dbCInsurance::SetGroup,
+         &dbCInsurance::SetNote);
     patient.AssignInsurance(insurance);
 
     for (int i = 0; i < 3; ++i)
@@ -174,111 +169,38 @@ inline dbCPatient FullPatient(LPCTSTR pszID, const CString& strText = "text")
     return patient;
 }
 
-/// Collects what a caller can read, a line each.
-class FieldLines
+/// Every field of a patient that a caller can read, with what came along in an archive. Needs
+/// patientimage.cpp.
+inline PatientImage Fields(const dbCPatient& patient)
 {
-public:
-    FieldLines& operator<<(const CString& strText)
+    PatientImage image = ImageOf(patient);
+    const auto put = [&](const std::string& name, int nIndex, std::initializer_list<CString> values) {
+        for (const CString& strValue : values)
+            image[name + std::to_string(nIndex)] += (strValue + "|").GetString();
+    };
+    const auto number = [](int nValue) { return CString(std::to_string(nValue).c_str()); };
+    int n = 0;
+    for (const patCTimepoint& row : patient.GetTimepoints())
     {
-        m_lines.emplace_back(strText.GetString());
-        return *this;
-    }
-    FieldLines& operator<<(int nValue)
-    {
-        m_lines.push_back(std::to_string(nValue));
-        return *this;
-    }
-    FieldLines& operator<<(const velCDate& date)
-    {
-        m_lines.emplace_back(date.IsValid() ? date.Format("%Y-%m-%d %H:%M:%S").GetString() : "no date");
-        return *this;
-    }
-    FieldLines& operator<<(const dbCAddress& a)
-    {
-        return *this << a.GetType() << a.GetCompany() << a.GetStreet() << a.GetCity() << a.GetState()
-                     << a.GetPostalCode() << a.GetCountry();
-    }
-    FieldLines& operator<<(const dbCPhone& phone)
-    {
-        return *this << phone.GetNumber() << phone.GetType();
-    }
-    FieldLines& operator<<(const dbCPerson& p)
-    {
-        return *this << p.GetPersonGUID() << p.GetTitle() << p.GetFirstname() << p.GetLastname()
-                     << p.GetNickname() << p.GetSalutation() << p.GetNotes() << p.GetEmail()
-                     << p.GetBirthdate() << p.GetGender() << p.GetAddresses() << p.GetPhones();
-    }
-    FieldLines& operator<<(const dbCInsurance& i)
-    {
-        return *this << i.GetInsuranceGUID() << i.GetCompanyGUID() << i.GetCompanyName() << i.GetHolder()
-                     << i.GetNumber() << i.GetGroup() << i.GetNote();
-    }
-    FieldLines& operator<<(const dbCPatientReferralsRow& r)
-    {
-        return *this << r.Get_refID() << r.Get_docID() << r.Get_type() << r.Get_note() << r.Get_date()
-                     << r.Get_docFirstname() << r.Get_docLastname() << r.Get_docEmail();
-    }
-    FieldLines& operator<<(const patCTimepoint& t)
-    {
-        *this << t.GettpID() << t.GetName() << t.GetDate() << t.GetptshID() << t.GetNumber()
-              << t.GetBaseFilename() << t.IsActive();
+        put("timepoint", n, {row.GetDate().Format("%H:%M:%S"), row.GetptshID(), row.GetBaseFilename()});
+        put("timepoint", n, {number(row.IsActive())});
         for (int nGroup = 0; nGroup < patCImageTypes::GROUP_COUNT; ++nGroup)
-            *this << static_cast<int>(t.GetImageBits(nGroup));
-        for (const auto& [slot, info] : t.GetImageInfos())
-            *this << slot.first << slot.second << info.strTitle << info.strNote << info.strGUID;
-        return *this;
+            put("timepoint", n, {number(static_cast<int>(row.GetImageBits(nGroup)))});
+        for (const auto& [slot, info] : row.GetImageInfos())
+        {
+            put("timepoint", n, {number(slot.first), number(slot.second), info.strGUID});
+            put("title" + std::to_string(n) + ".", slot.second, {info.strTitle});
+            put("note" + std::to_string(n) + ".", slot.second, {info.strNote});
+        }
+        ++n;
     }
-    FieldLines& operator<<(const dbCDiagnosticInfo& d)
-    {
-        return *this << d.GetGroupTitle() << d.GetItemCode() << d.GetTP() << d.GetValue() << d.GetNote();
-    }
-    FieldLines& operator<<(const dbCPatientTreatmentStatusHistoryRow& t)
-    {
-        return *this << t.GetptshID() << t.GetDescription() << t.GetNewCode() << t.GetActive()
-                     << t.GetDateTime();
-    }
-    template <typename T> FieldLines& operator<<(const dbTList<T>& list)
-    {
-        *this << list.GetCount();
-        for (const T& item : list)
-            *this << item;
-        return *this;
-    }
-
-    std::vector<std::string> TakeLines()
-    {
-        return std::move(m_lines);
-    }
-
-private:
-    std::vector<std::string> m_lines;
-};
-
-/// Every field of a patient, with what came along in an archive.
-inline std::vector<std::string> Fields(const dbCPatient& p)
-{
-    FieldLines lines;
-    lines << p.GetID() << p.GetGUID() << p.GetLastname() << p.GetFirstname() << p.GetNickname()
-          << p.GetEmail() << p.GetTitle() << p.GetSalutation() << p.GetModelNumber() << p.GetKeywords()
-          << p.GetNotes() << p.GetTeeth() << p.GetOfficeID() << p.GetStatusID() << p.GetVeltrixID()
-          << p.GetBirthdate() << p.GetDate() << p.GetGender() << p.GetGenderIdentity() << p.GetRace()
-          << p.GetNorm() << p.GetAddresses() << p.GetPhones() << p.GetInsurances() << p.GetReferrals()
-          << p.GetTimepoints() << p.GetArchiveDiagnostics() << p.GetArchiveTreatments()
-          << p.GetArchiveOffice() << p.GetArchiveStatus();
-    for (const int nKind : {dbPersonGuardian, dbPersonTreatingDoctor, dbPersonReferringDoctor})
-    {
-        dbCPerson person;
-        lines << p.GetPersonInfo(nKind, person) << person;
-    }
-    return lines.TakeLines();
-}
-
-/// Where two patients' fields differ first; empty when they do not.
-inline std::string Difference(const std::vector<std::string>& found, const std::vector<std::string>& expected)
-{
-    for (size_t i = 0; i < std::max(found.size(), expected.size()); ++i)
-        if (i >= found.size() || i >= expected.size() || found[i] != expected[i])
-            return "line " + std::to_string(i) + ": \"" + (i < found.size() ? found[i] : "") +
-                   "\" instead of \"" + (i < expected.size() ? expected[i] : "") + "\"";
-    return {};
+    for (const dbCDiagnosticInfo& row : patient.GetArchiveDiagnostics())
+        put("diagnostic", n++,
+            {row.GetGroupTitle(), row.GetItemCode(), number(row.GetTP()), row.GetValue(), row.GetNote()});
+    for (const dbCPatientTreatmentStatusHistoryRow& row : patient.GetArchiveTreatments())
+        put("treatment", n++,
+            {row.GetptshID(), row.GetDescription(), row.GetNewCode(), number(row.GetActive()),
+             row.GetDateTime().ToISO()});
+    put("office and status", 0, {patient.GetArchiveOffice(), patient.GetArchiveStatus()});
+    return image;
 }

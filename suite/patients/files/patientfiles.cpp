@@ -302,8 +302,8 @@ void patFinishPatientFiles() noexcept
             while (query.Step())
                 noted.emplace_back(query.Int64(0), query.Text(1));
         }
-        for (const auto& [nRow, strID] : noted)
-            Attempt([&] { FollowNoted(nRow, strID); });
+        for (const auto& note : noted)
+            Attempt([&] { FollowNoted(note.first, note.second); });
     });
 }
 

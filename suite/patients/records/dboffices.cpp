@@ -20,11 +20,25 @@ CString NameOf(std::string_view sql, LPCTSTR pszGUID)
     return query.Step() ? query.Text(0) : CString();
 }
 
-/// After a change by GUID: throws when there was no such row.
-void RequireChange(LPCTSTR pszGUID)
+/// Runs a change of one row; throws when there is no such row.
+void Change(dbCStatement& change, LPCTSTR pszGUID)
 {
+    change.Bind(pszGUID).Run();
     if (dbCSession::Current().GetChanges() == 0)
         dbCException::Throw(dbErrNotFound, pszGUID);
+}
+
+void Rename(std::string_view sql, LPCTSTR pszGUID, LPCTSTR pszName)
+{
+    dbCStatement change(sql);
+    change.Bind(pszName).BindUtf8(RequiredKey(pszName));
+    Change(change, pszGUID);
+}
+
+void Delete(std::string_view sql, LPCTSTR pszGUID)
+{
+    dbCStatement change(sql);
+    Change(change, pszGUID);
 }
 } // namespace
 
@@ -61,18 +75,12 @@ CString dbCOfficeLocations::AddOffice(LPCTSTR pszName)
 
 void dbCOfficeLocations::RenameOffice(LPCTSTR pszOfficeID, LPCTSTR pszName)
 {
-    dbCStatement("UPDATE offices SET name = ?, nameKey = ? WHERE guid = ?")
-        .Bind(pszName)
-        .BindUtf8(RequiredKey(pszName))
-        .Bind(pszOfficeID)
-        .Run();
-    RequireChange(pszOfficeID);
+    Rename("UPDATE offices SET name = ?, nameKey = ? WHERE guid = ?", pszOfficeID, pszName);
 }
 
 void dbCOfficeLocations::DeleteOffice(LPCTSTR pszOfficeID)
 {
-    dbCStatement("DELETE FROM offices WHERE guid = ?").Bind(pszOfficeID).Run();
-    RequireChange(pszOfficeID);
+    Delete("DELETE FROM offices WHERE guid = ?", pszOfficeID);
 }
 
 // Statuses
@@ -110,16 +118,10 @@ CString dbCPatientStatusList::AddStatus(LPCTSTR pszName, BOOL bShown)
 
 void dbCPatientStatusList::RenameStatus(LPCTSTR pszStatusID, LPCTSTR pszName)
 {
-    dbCStatement("UPDATE statuses SET name = ?, nameKey = ? WHERE guid = ?")
-        .Bind(pszName)
-        .BindUtf8(RequiredKey(pszName))
-        .Bind(pszStatusID)
-        .Run();
-    RequireChange(pszStatusID);
+    Rename("UPDATE statuses SET name = ?, nameKey = ? WHERE guid = ?", pszStatusID, pszName);
 }
 
 void dbCPatientStatusList::DeleteStatus(LPCTSTR pszStatusID)
 {
-    dbCStatement("DELETE FROM statuses WHERE guid = ?").Bind(pszStatusID).Run();
-    RequireChange(pszStatusID);
+    Delete("DELETE FROM statuses WHERE guid = ?", pszStatusID);
 }

@@ -146,6 +146,12 @@ public:
     {
         return m_strArchiveStatus;
     }
+    /// By a person's GUID the addresses behind the one in the person's record. AddFromArchive gives them to
+    /// the persons that it adds.
+    std::map<CString, dbCPersonEmails>& GetArchiveEmails()
+    {
+        return m_archiveEmails;
+    }
 
     /// Copies the timepoint at a position, with everything recorded about its images. FALSE when there is
     /// none.
@@ -197,7 +203,7 @@ private:
     dbCDiagnosticInfos m_archiveDiagnostics;
     dbTList<dbCPatientTreatmentStatusHistoryRow> m_archiveTreatments;
     CString m_strArchiveOffice, m_strArchiveStatus;
-    std::map<CString, dbCPersonEmails> m_archiveEmails; ///< by person's GUID, behind the record's own address
+    std::map<CString, dbCPersonEmails> m_archiveEmails;
     dbCPatientEmailsContainer m_archivePatientEmails;   ///< of others than patient and guardian
     CString m_strLoadedID; ///< the ID in the database, empty for a new patient
     BOOL m_bRenameFiles = TRUE;

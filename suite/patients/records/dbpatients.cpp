@@ -65,6 +65,15 @@ struct SortKey
     }
 };
 
+/// The GUID that a query finds first; FALSE, with the text unchanged, when it finds none.
+BOOL TakeGUID(dbCStatement& query, CString& strGUID)
+{
+    if (!query.Step())
+        return FALSE;
+    strGUID = query.Text(0);
+    return TRUE;
+}
+
 /// The open database: the patient list owns it, calls go through it.
 std::unique_ptr<dbCSession> g_pSession;
 
@@ -178,11 +187,8 @@ BOOL dbCPatients::FindSimilar(LPCTSTR pszFirst, LPCTSTR pszLast, const velCDate&
     dbCStatement query("SELECT p.guid FROM patients t JOIN persons p ON p.id = t.person WHERE t.lastKey = ?"
                        " AND t.firstKey = ? AND t.birthKey = ? ORDER BY t.person LIMIT 1");
     query.BindUtf8(dbFold(pszLast)).BindUtf8(dbFold(pszFirst)).BindUtf8(dbDateText(dateBirth, false));
-    if (!query.Step())
-        return FALSE;
-    if (pstrGUID)
-        *pstrGUID = query.Text(0);
-    return TRUE;
+    CString strGUID;
+    return TakeGUID(query, pstrGUID ? *pstrGUID : strGUID);
 }
 
 BOOL dbCPatients::FindID(LPCTSTR pszID, CString& strGUID)
@@ -190,23 +196,16 @@ BOOL dbCPatients::FindID(LPCTSTR pszID, CString& strGUID)
     dbCStatement query("SELECT p.guid FROM patients t JOIN persons p ON p.id = t.person"
                        " WHERE t.patientID = ?");
     query.Bind(pszID);
-    if (!query.Step())
-        return FALSE;
-    strGUID = query.Text(0);
-    return TRUE;
+    return TakeGUID(query, strGUID);
 }
 
 BOOL dbCPatients::FindVeltrixID(LPCTSTR pszVeltrixID, CString& strGUID)
 {
-    if (!pszVeltrixID || !*pszVeltrixID)
-        return FALSE;
+    // Those that were never shared have none in common.
     dbCStatement query("SELECT p.guid FROM patients t JOIN persons p ON p.id = t.person"
                        " WHERE t.veltrixID = ? AND t.veltrixID <> ''");
     query.Bind(pszVeltrixID);
-    if (!query.Step())
-        return FALSE;
-    strGUID = query.Text(0);
-    return TRUE;
+    return TakeGUID(query, strGUID);
 }
 
 int dbCPatients::GetPage(dbPatientSearch nBy, LPCTSTR pszSearch, const dbSPatientListRow* pAfter, int nMax,

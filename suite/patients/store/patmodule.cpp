@@ -5,7 +5,7 @@
 
 #include <cstdio>
 
-extern "C" IMAGE_DOS_HEADER __ImageBase;
+extern "C" IMAGE_DOS_HEADER __ImageBase; // NOLINT(bugprone-reserved-identifier): the linker's
 
 namespace
 {

@@ -11,7 +11,7 @@
 #include <vector>
 
 /// Owns the SQLite handle and the prepared statements, which are made once and kept.
-class dbCSqliteSession : public dbCSession
+class dbCSqliteSession final : public dbCSession
 {
 public:
     enum class Mode
