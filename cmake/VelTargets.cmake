@@ -40,6 +40,23 @@ function(vel_rules_test name)
   set_tests_properties(${name} PROPERTIES TIMEOUT 120)
 endfunction()
 
+# The resource compiler reports no dependencies: the module's scripts rebuild whatever includes them.
+file(GLOB_RECURSE VEL_MODULE_RESOURCES CONFIGURE_DEPENDS
+  "${CMAKE_SOURCE_DIR}/app/*.rc" "${CMAKE_SOURCE_DIR}/app/*res.h"
+  "${CMAKE_SOURCE_DIR}/patient/*.rc" "${CMAKE_SOURCE_DIR}/patient/*res.h"
+  "${CMAKE_SOURCE_DIR}/archive/*.rc" "${CMAKE_SOURCE_DIR}/archive/*res.h"
+  "${CMAKE_SOURCE_DIR}/maintenance/*.rc" "${CMAKE_SOURCE_DIR}/maintenance/*res.h"
+  "${CMAKE_SOURCE_DIR}/cloud/*.rc" "${CMAKE_SOURCE_DIR}/cloud/*res.h" "${CMAKE_SOURCE_DIR}/cloud/*.htm"
+  "${CMAKE_SOURCE_DIR}/controls/*.rc" "${CMAKE_SOURCE_DIR}/controls/*res.h")
+list(REMOVE_ITEM VEL_MODULE_RESOURCES "${CMAKE_SOURCE_DIR}/app/exports/veldlgs.rc")
+list(APPEND VEL_MODULE_RESOURCES "${CMAKE_SOURCE_DIR}/suite/mfc/afxres.h")
+function(vel_resource_dependencies target)
+  get_target_property(sources ${target} SOURCES)
+  list(FILTER sources INCLUDE REGEX "\\.rc$")
+  set_source_files_properties(${sources} TARGET_DIRECTORY ${target}
+    PROPERTIES OBJECT_DEPENDS "${VEL_MODULE_RESOURCES};${ARGN}")
+endfunction()
+
 # Tests that need Windows: real windows, databases and files, under Wine.
 # vel_windows_test(sheet_test sheet_test.cpp LIBS velctl [SHARDS 4])
 # SHARDS splits a slow program into that many parallel CTest entries by GoogleTest's own sharding.
@@ -48,6 +65,7 @@ function(vel_windows_test name)
   add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
   target_link_libraries(${name} PRIVATE vel_test_support ${arg_LIBS} GTest::gmock GTest::gtest)
   vel_warnings(${name})
+  vel_resource_dependencies(${name})
   if(NOT arg_SHARDS)
     set(arg_SHARDS 1)
   endif()
@@ -73,6 +91,7 @@ function(vel_service_test name)
   add_executable(${name} ${arg_UNPARSED_ARGUMENTS} "${CMAKE_SOURCE_DIR}/tests/support/recordservice.cpp")
   target_link_libraries(${name} PRIVATE vel_test_support ${arg_LIBS} crypt32 GTest::gmock GTest::gtest)
   vel_warnings(${name})
+  vel_resource_dependencies(${name})
   add_test(NAME ${name} COMMAND "${CMAKE_SOURCE_DIR}/tools/with-service" "${VEL_SERVICE_PROGRAM}"
     "${CMAKE_SOURCE_DIR}/tools/wine-run" $<TARGET_FILE:${name}>)
   set_tests_properties(${name} PROPERTIES TIMEOUT 300 RESOURCE_LOCK transfer_program)

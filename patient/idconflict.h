@@ -24,6 +24,7 @@ public:
     CString m_strResultID;        ///< out, on IDOK: the ID to store the record under; may be empty
     CString m_strExistingPatient; ///< in: names and ID of the patient that matches, for the message
     int m_nMode = CreateNew;      ///< out, on IDOK: a MODE
+    CString m_strSpare;           ///< the caller's own; neither read nor changed here
 
 protected:
     void DoDataExchange(CDataExchange* pDX) override;
@@ -52,6 +53,7 @@ public:
     CString m_strResultID;    ///< out, on IDOK: the ID that the user entered; may be empty
     CString m_strPatientName; ///< in: family name, ", " and given name of the record
     CString m_strTakenID;     ///< in: the ID that is in use
+    CString m_strSpare;       ///< the caller's own; neither read nor changed here
 
 protected:
     void DoDataExchange(CDataExchange* pDX) override;

@@ -189,7 +189,7 @@ bool velCReceiver::RequireFreeID()
     while (m_strNewID.IsEmpty() || !dbCPatients().IsIDFree(m_strNewID))
     {
         CGetUniquePatID dialog;
-        dialog.m_strTakenID = m_record.patientId.c_str();
+        dialog.m_strTakenID = m_strNewID.IsEmpty() ? CString(m_record.patientId.c_str()) : m_strNewID;
         dialog.m_strPatientName = (m_record.lastName + ", " + m_record.firstName).c_str();
         if (velRunModal(dialog) != IDOK)
             return false;

@@ -26,6 +26,19 @@ CString WhoseRecords(const std::vector<CString>& ids)
         strText.Format(IDS_CLD_UPLOAD_SEVERAL, static_cast<int>(ids.size()));
     return strText;
 }
+
+/// The queue's result. A database that fails at one patient costs neither the others nor the report.
+int QueueOne(CFarreachVeltrix& queue, const CString& strID, const velSUpload& upload)
+try
+{
+    dbCPatient patient;
+    return patient.Load(strID) ? queue.QueueUpload(patient, upload, TRUE) : velQueueLoadError;
+}
+catch (CException* e)
+{
+    e->Delete();
+    return velQueueLoadError;
+}
 } // namespace
 
 bool velSavePatientsToInternet(CWnd* pParent, const std::vector<CString>& ids)
@@ -41,9 +54,7 @@ bool velSavePatientsToInternet(CWnd* pParent, const std::vector<CString>& ids)
     CString strReport;
     for (const CString& strID : ids)
     {
-        dbCPatient patient;
-        const int nResult =
-            patient.Load(strID) ? queue.QueueUpload(patient, dialog.GetUpload(), TRUE) : velQueueLoadError;
+        const int nResult = QueueOne(queue, strID, dialog.GetUpload());
         if (const UINT nText = cloud::QueueReportText(nResult, !queue.GetOtherComputer().IsEmpty()))
             strReport += velFormatTemplate(nText, strID, queue.GetOtherComputer());
     }
