@@ -495,6 +495,7 @@ TEST(TransferPlan, TakesOnlyFilesOfThePatient)
         rasko::ReadUpload(veltest::SampleDocument("{1}", "A1", {{"A107.I0A", "x"}, {"A107.I0A", "x"}}));
     EXPECT_EQ(files.size(), 1U);
     EXPECT_THROW(rasko::ReadUpload(veltest::SampleDocument("{1}", "A1", {{"A1.PF", "x"}})), rasko::Refused);
+    EXPECT_EQ(rasko::FormEncode("aZ9 &\xC3-"), "aZ9+%26%c3%2d");
     EXPECT_EQ(rasko::ProgressStatus(1, 3), 29);
     EXPECT_EQ(rasko::ProgressStatus(9, 3), 89);
     EXPECT_EQ(rasko::ProgressStatus(0, 0), 0);

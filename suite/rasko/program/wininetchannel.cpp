@@ -89,11 +89,12 @@ struct WinInetChannel::Handles
                 SecureZeroMemory(body.data(), body.size());
             }
         };
-        const auto sending = std::make_shared<Sending>(
-            handles,
-            Internet(HttpOpenRequestA(handles->connection.get(), verb, target.c_str(), nullptr, nullptr,
-                                      nullptr, Flags, 0)),
-            headers, std::string(body));
+        const auto sending = std::make_shared<Sending>();
+        sending->handles = handles;
+        sending->headers = headers;
+        sending->body = body;
+        sending->request.reset(HttpOpenRequestA(handles->connection.get(), verb, target.c_str(), nullptr,
+                                                nullptr, nullptr, Flags, 0));
         if (!sending->request)
             Cut();
         SetTimeouts(sending->request.get(), handles->timeout);
