@@ -5,6 +5,7 @@
 
 #include "app/exports/veldlgs.h"
 #include "patient/patientres.h"
+#include "patient/detailsres.h"
 #include "patient/rules/sheetrules.h"
 #include "suite/patients/velpat.h"
 #include "tests/support/temporarypractice.h"
@@ -68,7 +69,7 @@ HWND FindControl(DWORD nThread, int nControl)
 }
 
 // Nothing is waited for longer than this.
-constexpr UINT patience = 120'000; // milliseconds
+constexpr UINT patience = 30'000; // milliseconds
 
 LRESULT Ask(HWND hWnd, UINT message, WPARAM wParam = 0, LPARAM lParam = 0)
 {
@@ -87,6 +88,17 @@ HWND WaitForControl(DWORD nThread, int nControl)
         if (!hFound)
             ::Sleep(1);
     }
+    if (!hFound)
+        ::EnumThreadWindows(
+            nThread,
+            [](HWND hTop, LPARAM) {
+                char title[200] = "", text[500] = "";
+                ::GetWindowText(hTop, title, sizeof title);
+                ::GetDlgItemText(hTop, 0xFFFF, text, sizeof text);
+                std::printf("in the way: \"%s\" %s\n", title, text);
+                return TRUE;
+            },
+            0);
     return hFound;
 }
 
@@ -129,8 +141,10 @@ Times Measure(int nDoctors)
                 Ask(FindControl(nThread, nControl), WM_SETTEXT, 0, reinterpret_cast<LPARAM>("A"));
             const HWND hSheet = ::GetAncestor(hID, GA_ROOT);
             const auto turned = Clock::now();
-            Ask(hSheet, PSM_SETCURSEL, pat::DetailPage);
-            Ask(hSheet, PSM_SETCURSEL, pat::ReferralPage);
+            // Posted, since leaving the first page may ask something first.
+            ::PostMessage(hSheet, PSM_SETCURSEL, pat::DetailPage, 0);
+            EXPECT_TRUE(WaitForControl(nThread, IDC_DETAIL_TREATING));
+            ::PostMessage(hSheet, PSM_SETCURSEL, pat::ReferralPage, 0);
             const HWND hDoctors = WaitForControl(nThread, IDC_REFER_DOCTOR);
             EXPECT_EQ(Ask(hDoctors, CB_GETCOUNT), nDoctors + 1);
             doctors.push_back(Milliseconds(turned));
