@@ -60,7 +60,6 @@ protected:
         for (int nCode = veltest::ENDED_AT_STEP; nCode == veltest::ENDED_AT_STEP && nStep < 60; ++nStep)
         {
             dbCPatients::Close();
-            ChangeWorkers();
             veltest::ChildProcess child("dieAtStep",
                                         {m_practice.Path(database), std::to_string(nOperation), id, archive,
                                          std::to_string(nFilter), removal, std::to_string(nStep)});
@@ -160,6 +159,7 @@ TEST_P(CrashInFormatTest, ALoadLeavesThePracticeAsBeforeOrAsAfter)
             m_patients.DeletePatient("A1");
         }
         EXPECT_TRUE(WorkingFiles().empty()) << nStep << " " << WorkingFiles().begin()->first;
+        ChangeWorkers();
     });
     EXPECT_EQ(Load(ArchiveOf(nFilter)), IDOK);
     EXPECT_EQ(WorkingFiles(), files);
@@ -214,5 +214,6 @@ TEST_F(CrashTest, ARemovalAfterASaveTakesAllOrNothing)
             EXPECT_EQ(WorkingFiles(), files) << nStep;
         }
         SetArchiveFolder({});
+        ChangeWorkers();
     });
 }
