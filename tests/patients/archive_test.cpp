@@ -147,6 +147,45 @@ TEST(PatientArchive, LoadedIntoAnEmptyPracticeEveryFieldIsEqual)
     EXPECT_EQ(addresses.size(), 3U + 3U + 1U + 2U);
 }
 
+TEST(PatientArchive, LoadedAgainWhereItWasItsListsAreKnownWhateverTheyAreCalledNow)
+{
+    TestDatabase database;
+    dbCPatient patient = FullPatient("A1");
+    patient.SetOfficeID(dbCOfficeLocations().AddOffice("Main"));
+    patient.SetStatusID(dbCPatientStatusList().AddStatus("Active"));
+    dbCInsuranceCompany company;
+    company.SetName("Sound Cover");
+    company.Save();
+    patient.GetInsurances()[0].SetCompanyGUID(company.GetCompanyGUID());
+    dbCPerson doctor;
+    doctor.SetPersonGUID(AddDoctor("Frost"));
+    patient.AddPersonInfo(dbPersonTreatingDoctor, doctor);
+    patient.Save();
+    patient.Load("A1");
+    const std::string bytes = Store(patient, 1);
+    dbCPatients().DeletePatient("A1");
+    dbCOfficeLocations().RenameOffice(patient.GetOfficeID(), "Other");
+    dbCPatientStatusList().RenameStatus(patient.GetStatusID(), "Other");
+    company.SetName("Other");
+    company.Save();
+    dbCDoctor renamed;
+    renamed.Load(doctor.GetPersonGUID());
+    renamed.GetPerson().SetLastname("Other");
+    renamed.Save();
+    dbCPatient archived, loaded;
+    ASSERT_TRUE(Read(archived, bytes, 1));
+    ASSERT_TRUE(dbCPatients().AddFromArchive(archived));
+    ASSERT_TRUE(loaded.Load("A1"));
+    EXPECT_EQ(loaded.GetOfficeID() + loaded.GetStatusID(), patient.GetOfficeID() + patient.GetStatusID());
+    EXPECT_EQ(loaded.GetInsurances()[0].GetCompanyGUID(), company.GetCompanyGUID());
+    dbCInsuranceCompanies companies;
+    companies.Load();
+    EXPECT_EQ(companies.GetCount(), 1);
+    ASSERT_TRUE(loaded.GetPersonInfo(dbPersonTreatingDoctor, doctor));
+    EXPECT_EQ(doctor.GetLastname(), "Other");
+    EXPECT_EQ(dbCDoctors().Enum(), 1);
+}
+
 TEST(PatientArchive, TheEarlierFormatCarriesItsFields)
 {
     dbCPatient patient = FullPatient("A1", HardText());

@@ -41,7 +41,7 @@ struct SortKey
     std::string last, first, birth;
     __int64 nRow = 0;
 
-    auto operator<=>(const SortKey&) const = default;
+    auto operator<=>(const SortKey&) const = default; // NOLINT(modernize-use-nullptr): there is no pointer
 
     /// The lengths of the parts stand in front: names may hold any character.
     CString ToText() const
