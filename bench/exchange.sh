@@ -83,4 +83,4 @@ for program in md5sum sha512sum; do
   grep "^$program $("$program" <"$work/working/A107.I0A" | cut -d' ' -f1) " "$work/documents" |
     awk -v b="$native" -v m="$megabytes" '{ printf "signature of %d MB: %s s; %s: %s s; ratio %.2f\n", m, $3, $1, b, $3 / b }'
 done
-build/native-release/bin/service_bench "${VEL_SERVICE_HOST#*:}" "$VEL_SERVICE_PID" "$VEL_SERVICE_CA" "$VEL_SERVICE_DATA/server.pem" "$VEL_SERVICE_DATA/server.key"
+build/native-release/bin/service_bench "${VEL_SERVICE_HOST#*:}" "$(cat "$VEL_SERVICE_DATA/pid")" "$VEL_SERVICE_CA" "$VEL_SERVICE_DATA/server.pem" "$VEL_SERVICE_DATA/server.key"

@@ -2,6 +2,7 @@
 
 #include "host/hostres.h"
 #include "host/samplepractice.h"
+#include "host/transferprogram.h"
 #include "suite/patients/store/dbexception.h"
 #include "suite/patients/records/dbpatients.h"
 #include "suite/util/velini.h"
@@ -62,6 +63,14 @@ CString TakeMessage(CException* thrown)
     thrown->GetErrorMessage(text, sizeof text);
     thrown->Delete();
     return text;
+}
+
+CString ProgramFolder()
+{
+    char path[MAX_PATH] = {};
+    ::GetModuleFileName(nullptr, path, MAX_PATH);
+    const CString program(path);
+    return program.Left(program.ReverseFind('\\'));
 }
 
 BOOL MakeFolder(LPCTSTR folder, CString& error)
@@ -189,6 +198,7 @@ void hostCPractice::Close()
     if (IsOpen())
     {
         dbCPatients::Close();
+        hostTellPractice(nullptr);
         m_folder.Empty();
     }
 }
@@ -230,6 +240,12 @@ BOOL hostCPractice::Open(LPCTSTR requested, const hostAsk& ask, CString& error)
         velSetIniFile(nullptr);
         return FALSE;
     }
+    // The suite's other programs are beside this one.
+    if (velenv("SYS").IsEmpty())
+    {
+        velSetIniString("Environment", "SYS", ProgramFolder());
+    }
+    hostTellPractice(GetSettingsPath(folder));
     m_folder = folder;
     return TRUE;
 }

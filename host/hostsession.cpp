@@ -1,5 +1,6 @@
 #include "host/hostsession.h"
 
+#include "host/transferprogram.h"
 #include "suite/util/velini.h"
 
 namespace
@@ -10,6 +11,10 @@ constexpr const char* kPracticeManagement = "PracticeManagement";
 
 BOOL hostCSession::Open(LPCTSTR folder, const hostAsk& ask, CString& error)
 {
+    if (m_practice.IsOpen())
+    {
+        hostEndTransferProgram();
+    }
     Close();
     if (!m_practice.Open(folder, ask, error) || !m_module.Load(nullptr, error))
     {

@@ -2,6 +2,7 @@
 
 #include "service/failure.h"
 #include "service/secrets.h"
+#include "service/shareddocument.h"
 #include "service/text.h"
 
 #include <pugixml.hpp>
@@ -236,8 +237,6 @@ std::string Accounts::MessageDocument(const Account& account)
     }
     if (!response.first_child())
         return {};
-    std::ostringstream text;
-    document.save(text, "", pugi::format_raw | pugi::format_no_declaration);
-    return text.str();
+    return ToText(document);
 }
 } // namespace svc

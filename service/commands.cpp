@@ -68,11 +68,18 @@ svc::Account RequireRecipient(svc::Accounts& accounts, const std::string& nameOr
 
 namespace svc
 {
-CommandReply Commands::Run(const Form& form, const std::string& token)
+CommandReply Commands::Run(const Form& received, const std::string& token)
 {
-    for (const auto& [key, value] : form)
+    Form form = received;
+    for (auto& [key, value] : form)
+    {
+        // The suite's dialogs send what the user types as the user's computer has it.
+        const bool typed = key == "Login" || key == "password" || key == "emailorusername";
+        if (typed && !IsCleanText(value))
+            value = FromCodePage1252(value);
         if (!IsCleanText(value))
-            throw Failure(400, "A field is not valid UTF-8 text.");
+            throw Failure(400, "A field is not valid text.");
+    }
     const std::string command = Field(form, "cmd");
     if (command == "login")
         return SignIn(form);

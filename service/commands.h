@@ -25,7 +25,7 @@ public:
     }
 
     /// `token`: the session that the request came with, or empty. Throws Failure.
-    CommandReply Run(const Form& form, const std::string& token);
+    CommandReply Run(const Form& received, const std::string& token);
 
 private:
     CommandReply SignIn(const Form& form);

@@ -270,6 +270,10 @@ std::string ToText(const pugi::xml_document& document)
 {
     std::ostringstream text;
     document.save(text, "", pugi::format_raw | pugi::format_no_declaration);
-    return text.str();
+    // Clients join the lines of a reply: what ends a line inside a text goes out as a reference.
+    std::string line;
+    for (const char c : text.str())
+        line += c == '\n' ? "&#10;" : std::string(1, c);
+    return line;
 }
 } // namespace svc

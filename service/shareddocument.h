@@ -47,6 +47,6 @@ struct RecordIdentity
 std::string BuildDownload(const std::string& sharedDocument, const RecordIdentity& identity,
                           const std::map<std::string, StoredFile>& files);
 
-/// The document's text without declaration and indentation.
+/// The document's text without declaration and indentation, in one line.
 std::string ToText(const pugi::xml_document& document);
 } // namespace svc

@@ -1,6 +1,7 @@
 #include "service/text.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <chrono>
 #include <cstdio>
@@ -102,6 +103,30 @@ bool IsCleanText(std::string_view text)
             return false;
     }
     return true;
+}
+
+std::string FromCodePage1252(std::string_view text)
+{
+    static constexpr std::array<char16_t, 32> From80 = {
+        0x20AC, 0,      0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+        0x2039, 0x0152, 0,      0x017D, 0,      0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+        0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178};
+    std::string utf8;
+    for (const char c : text)
+    {
+        const auto byte = static_cast<unsigned char>(c);
+        const unsigned code = byte >= 0x80 && byte < 0xA0 ? From80.at(byte - 0x80U) : byte;
+        if (code == 0 && byte != 0)
+            return std::string(text);
+        if (code < 0x80)
+            utf8 += c;
+        else if (code < 0x800)
+            utf8.append({static_cast<char>(0xC0 | code >> 6), static_cast<char>(0x80 | (code & 0x3F))});
+        else
+            utf8.append({static_cast<char>(0xE0 | code >> 12), static_cast<char>(0x80 | (code >> 6 & 0x3F)),
+                         static_cast<char>(0x80 | (code & 0x3F))});
+    }
+    return utf8;
 }
 
 std::int64_t Now()

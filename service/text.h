@@ -23,6 +23,9 @@ std::optional<std::int64_t> ParseNumber(std::string_view text);
 /// Well-formed UTF-8 without control characters other than tab, line feed and carriage return.
 bool IsCleanText(std::string_view text);
 
+/// Text in code page 1252 as UTF-8; as it is when it holds a byte that the code page has not.
+std::string FromCodePage1252(std::string_view text);
+
 /// Present time in milliseconds since 1970, UTC.
 std::int64_t Now();
 /// "2026-03-05T14:07:09.000" in the local time that lies `west` minutes behind UTC.

@@ -48,8 +48,6 @@ public:
             PlaceTimepoints(locals);
         for (std::size_t i = 0; i < m_record.timepoints.size() && Going(); ++i)
             TakeTimepoint(i);
-        if (m_record.withArchiveRecord && Going())
-            TakeArchiveRecord();
         return std::move(m_plan);
     }
 
@@ -183,7 +181,7 @@ private:
             Fail(PlanFault::FileName, entry.name);
             return false;
         }
-        if (!m_choice.Takes(kind) || !m_taken.insert(arc::SameFileKey(*safeLocal)).second)
+        if (!Wants(kind, *safeLocal) || !m_taken.insert(arc::SameFileKey(*safeLocal)).second)
             return false;
         entry.signature = NormalSignature(entry.signature);
         if (entry.signature.empty())
@@ -194,6 +192,12 @@ private:
         entry.finalName = *safeLocal;
         Add(std::move(entry));
         return true;
+    }
+
+    bool Wants(FileKind kind, const std::string& name) const
+    {
+        return m_choice.Takes(kind) ||
+               (m_record.withAcvFiles && pat::EqualNoCase(arc::ExtensionOf(name), ".ACV"));
     }
 
     bool HasNumber(const std::string& local) const
@@ -211,17 +215,6 @@ private:
         const LocalFile local = m_localFile(entry.finalName, entry.signature);
         entry.exists = local == LocalFile::Same || local == LocalFile::Newer;
         m_plan.files.push_back(std::move(entry));
-    }
-
-    /// The database record of an archive has no signature in a record: an existing one is left alone.
-    void TakeArchiveRecord()
-    {
-        ManifestFile entry;
-        entry.name = m_record.patientId + ".ACV";
-        entry.finalName = m_localId + ".ACV";
-        m_number = 0;
-        if (m_localFile(entry.finalName, {}) == LocalFile::Absent)
-            Add(std::move(entry));
     }
 
     const Record& m_record;

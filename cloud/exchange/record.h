@@ -41,7 +41,7 @@ struct RecordTimepoint
 struct Record
 {
     std::string userGuid;
-    bool withArchiveRecord = false; ///< the ".ACV" file is to be fetched too
+    bool withAcvFiles = false; ///< its ".ACV" files are to be fetched, whatever else the user leaves out
     std::string serviceId;
     std::string serviceGuid;
     std::string guid;

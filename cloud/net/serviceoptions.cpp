@@ -1,6 +1,7 @@
 #include "cloud/net/serviceoptions.h"
 
 #include "suite/patients/records/dbappoptions.h"
+#include "suite/rasko/raskoapi.h"
 #include "suite/util/velini.h"
 
 CString velServiceOption(LPCTSTR pszKey, LPCTSTR pszDefault)
@@ -14,7 +15,7 @@ CString velServiceOption(LPCTSTR pszKey, LPCTSTR pszDefault)
 
 CString velServiceHost()
 {
-    return velServiceOption("RASKOTARGET", velenv("RASKOTARGET", "localhost"));
+    return velServiceOption(rasko::OptionService, velenv(rasko::OptionService, rasko::DefaultService));
 }
 
 CString velCommandScript()

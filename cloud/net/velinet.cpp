@@ -51,7 +51,7 @@ int CVelInet::Login(LPCTSTR pszUser, LPCTSTR pszPassword)
 {
     std::string line = cloud::LoginLine(pszUser, pszPassword, CurrentTimeZoneOffset());
     const int nStatus = SendCommand(line);
-    ::SecureZeroMemory(line.data(), line.size());
+    cloud::Wipe(line);
     m_bLoggedIn = nStatus == cloud::StatusDone;
     return m_bLoggedIn ? 0 : -1;
 }

@@ -6,7 +6,7 @@ std::string UrlEncode(std::string_view text)
 {
     constexpr char digits[] = "0123456789abcdef";
     std::string encoded;
-    encoded.reserve(text.size() + text.size() / 2);
+    encoded.reserve(text.size() * 3);
     for (const char character : text)
     {
         const auto byte = static_cast<unsigned char>(character);
@@ -20,6 +20,15 @@ std::string UrlEncode(std::string_view text)
             encoded.append({'%', digits[byte >> 4], digits[byte & 15]});
     }
     return encoded;
+}
+
+void Wipe(std::string& text)
+{
+    // The compiler must not take it for useless.
+    volatile char* bytes = text.data();
+    for (std::size_t i = 0; i < text.size(); ++i)
+        bytes[i] = 0;
+    text.clear();
 }
 
 CommandLine::CommandLine(std::string_view name) : m_text("cmd=")
@@ -38,15 +47,21 @@ CommandLine& CommandLine::Add(std::string_view key, int value)
     return Add(key, std::to_string(value));
 }
 
-CommandLine& CommandLine::AddPlain(std::string_view key, int value)
-{
-    m_text.append("&").append(key).append("=").append(std::to_string(value));
-    return *this;
-}
-
 std::string LoginLine(std::string_view user, std::string_view password, int tz)
 {
-    return CommandLine("login").Add("Login", user).Add("password", password).AddPlain("tz", tz).Text();
+    std::string encoded = UrlEncode(password);
+    const std::string name = UrlEncode(user), zone = std::to_string(tz);
+    std::string line;
+    // A text that grows leaves its beginning behind.
+    line.reserve(64 + name.size() + encoded.size() + zone.size());
+    line.append("cmd=login&Login=")
+        .append(name)
+        .append("&password=")
+        .append(encoded)
+        .append("&tz=")
+        .append(zone);
+    Wipe(encoded);
+    return line;
 }
 
 std::string AgentName()

@@ -13,6 +13,9 @@ inline constexpr int StatusDone = 200;
 /// lower-case hexadecimal digits.
 std::string UrlEncode(std::string_view text);
 
+/// Overwrites a text's memory and empties it; for what held a password.
+void Wipe(std::string& text);
+
 /// One request line: "cmd=NAME" and "&key=value" pairs in the order they are added, values encoded.
 class CommandLine
 {
@@ -21,8 +24,6 @@ public:
 
     CommandLine& Add(std::string_view key, std::string_view value);
     CommandLine& Add(std::string_view key, int value);
-    /// The value as it stands, a number that needs no encoding.
-    CommandLine& AddPlain(std::string_view key, int value);
 
     const std::string& Text() const
     {
@@ -33,7 +34,8 @@ private:
     std::string m_text;
 };
 
-/// tz: minutes, positive west of Greenwich. The line holds the password.
+/// tz: minutes, positive west of Greenwich. The line holds the password, which nothing else in memory does
+/// then: the caller wipes it.
 std::string LoginLine(std::string_view user, std::string_view password, int tz);
 
 /// "VeltrixRasko/12.0.9.58".

@@ -190,7 +190,8 @@ bool CFarreachVeltrix::Register(const dbCPatient& patient, const velSUpload& upl
 {
     dbSServicePatient row;
     CString strReason;
-    if (!dbCServicePatients::FindByGUID(patient.GetGUID(), row))
+    // A record that came from somebody else goes up as one of this practice's own.
+    if (!dbCServicePatients::FindByGUID(patient.GetGUID(), row) || !row.strOwnerGUID.IsEmpty())
         strReason = m_program.RegisterPatient(patient.GetGUID(), m_xml.GetFileBytes());
     if (strReason.IsEmpty() && !(upload.strRecipients.IsEmpty() && upload.strNotes.IsEmpty()))
         strReason = m_program.SetRecipients(patient.GetGUID(), upload.strRecipients, upload.strNotes);

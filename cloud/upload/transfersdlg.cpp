@@ -10,19 +10,20 @@ namespace
 {
 constexpr UINT_PTR RefreshTimer = 1;
 constexpr UINT RefreshInterval = 1000;           // milliseconds
-constexpr std::array<int, 2> Widths = {200, 90}; // dialog units
+constexpr std::array<int, 2> Widths = {212, 88}; // dialog units
 
-CString StateText(int nStatus)
+CString StateText(const dbSRaskoTask& task)
 {
     CString strText;
-    if (nStatus < 0)
+    // One that was tried and is to be tried again says why.
+    if (task.nStatus < 0 || (task.nStatus < dbSRaskoTask::STATUS_FINISHED && !task.strReason.IsEmpty()))
         strText.LoadString(IDS_CLD_TRANSFER_QUEUED);
-    else if (nStatus < dbSRaskoTask::STATUS_FINISHED)
-        strText.Format("%d %%", nStatus);
+    else if (task.nStatus < dbSRaskoTask::STATUS_FINISHED)
+        strText.Format("%d %%", task.nStatus);
     else
-        strText.LoadString(nStatus == 100   ? IDS_CLD_TRANSFER_DONE
-                           : nStatus == 102 ? IDS_CLD_TRANSFER_CANCELLED
-                                            : IDS_CLD_TRANSFER_FAILED);
+        strText.LoadString(task.nStatus == 100   ? IDS_CLD_TRANSFER_DONE
+                           : task.nStatus == 102 ? IDS_CLD_TRANSFER_CANCELLED
+                                                 : IDS_CLD_TRANSFER_FAILED);
     return strText;
 }
 } // namespace
@@ -30,6 +31,7 @@ CString StateText(int nStatus)
 BEGIN_MESSAGE_MAP(upldCTransfersDlg, mfcCDialog)
 ON_WM_TIMER()
 ON_BN_CLICKED(IDC_CLD_SHOW_RASKO, &upldCTransfersDlg::OnShowProgram)
+ON_NOTIFY(LVN_ITEMCHANGED, IDC_CLD_LIST, &upldCTransfersDlg::OnSelection)
 END_MESSAGE_MAP()
 
 upldCTransfersDlg::upldCTransfersDlg(CWnd* pParent, velCTransferProgram& program, __int64 nFirstTask)
@@ -46,6 +48,7 @@ void upldCTransfersDlg::DoDataExchange(CDataExchange* pDX)
 BOOL upldCTransfersDlg::OnInitDialog()
 {
     mfcCDialog::OnInitDialog();
+    m_list.SetExtendedStyle(LVS_EX_FULLROWSELECT | LVS_EX_LABELTIP);
     CString strTitles;
     strTitles.LoadString(IDS_CLD_TRANSFER_COLUMNS);
     int nStart = 0;
@@ -76,12 +79,17 @@ void upldCTransfersDlg::OnShowProgram()
     m_program.Show();
 }
 
+void upldCTransfersDlg::OnSelection(NMHDR*, LRESULT* pResult)
+{
+    *pResult = 0;
+    ShowReason();
+}
+
 void upldCTransfersDlg::Refresh()
 {
-    dbCRaskoTasksContainer tasks;
     try
     {
-        tasks.LoadQueuedBy(CFarreachVeltrix::GetComputer(), m_nFirstTask);
+        m_tasks.LoadQueuedBy(CFarreachVeltrix::GetComputer(), m_nFirstTask);
     }
     catch (dbCException* e)
     {
@@ -89,12 +97,29 @@ void upldCTransfersDlg::Refresh()
         e->Delete();
         return;
     }
-    for (int i = 0; i < tasks.GetCount(); ++i)
+    for (int i = 0; i < m_tasks.GetCount(); ++i)
     {
         if (i >= m_list.GetItemCount())
-            m_list.InsertItem(i, tasks[i].strDescription);
-        const CString strState = StateText(tasks[i].nStatus);
+            m_list.InsertItem(i, m_tasks[i].strDescription);
+        const CString strState = StateText(m_tasks[i]);
         if (m_list.GetItemText(i, 1) != strState)
             m_list.SetItemText(i, 1, strState);
     }
+    ShowReason();
+}
+
+/// That of the selected transfer; with none selected, of the first that has one.
+void upldCTransfersDlg::ShowReason()
+{
+    const int nSelected = m_list.GetNextItem(-1, LVNI_SELECTED);
+    CString strReason;
+    for (int i = 0; i < m_tasks.GetCount() && strReason.IsEmpty(); ++i)
+    {
+        if (nSelected < 0 || i == nSelected)
+            strReason = m_tasks[i].strReason;
+    }
+    CString strShown;
+    GetDlgItemText(IDC_CLD_REASON, strShown);
+    if (strShown != strReason)
+        SetDlgItemText(IDC_CLD_REASON, strReason);
 }

@@ -1,5 +1,6 @@
 // The two documents that the module sends.
 #include "cloud/exchange/patientfiles.h"
+#include "cloud/xml/attributetables.h"
 #include "cloud/xml/documentwriter.h"
 #include "cloud/xml/velxml.h"
 #include "suite/patients/records/dbemails.h"
@@ -89,13 +90,8 @@ private:
         for (const dbSPatientEmail& row : rows)
         {
             const Node element = emails.AddMember();
-            m_writer.SetText(element, L"personId", row.strPersonID);
-            m_writer.SetText(element, L"category", row.strCategory);
-            m_writer.SetText(element, L"type", row.strType);
-            m_writer.SetText(element, L"salutation", row.strSalutation);
-            m_writer.SetText(element, L"firstName", row.strFirstname);
-            m_writer.SetText(element, L"lastName", row.strLastname);
-            m_writer.SetText(element, L"address", row.strAddress);
+            for (const auto& attribute : velEmailAttributes)
+                m_writer.SetText(element, attribute.pszName, row.*attribute.member);
         }
     }
 
@@ -120,13 +116,8 @@ private:
             if (address.IsEmpty())
                 continue;
             const Node element = addresses.AddMember();
-            m_writer.SetText(element, L"type", address.GetType());
-            m_writer.SetText(element, L"company", address.GetCompany());
-            m_writer.SetText(element, L"street", address.GetStreet());
-            m_writer.SetText(element, L"city", address.GetCity());
-            m_writer.SetText(element, L"state", address.GetState());
-            m_writer.SetText(element, L"zip", address.GetPostalCode());
-            m_writer.SetText(element, L"country", address.GetCountry());
+            for (const auto& attribute : velAddressAttributes)
+                m_writer.SetText(element, attribute.pszName, (address.*attribute.get)());
         }
     }
 

@@ -1,52 +1,102 @@
 // Reading a record that the service delivered.
+#include "cloud/xml/attributetables.h"
 #include "cloud/xml/codepage.h"
 #include "cloud/xml/velxml.h"
 #include "suite/patients/velpat.h"
 
-std::vector<cloud::RecordFile> CVelXML::ReadFiles(IXMLDOMNode* pParent, const wchar_t* pszXPath) const
+#include <type_traits>
+
+namespace
 {
-    std::vector<cloud::RecordFile> files;
-    for (const Node& node : Select(pParent, pszXPath))
+constexpr const wchar_t* OwnForm = L"//record/patient[not(@patVeltrixID)]";
+
+using cloud::Record;
+using cloud::RecordFile;
+using cloud::RecordImage;
+using cloud::RecordTimepoint;
+
+constexpr velTAttribute<std::string RecordFile::*> FileAttributes[] = {
+    {L"name", &RecordFile::name},
+    {L"signature", &RecordFile::signature},
+    {L"hash", &RecordFile::signature}, // in a delivered record; goes before the other form's
+    {L"catalogGUID", &RecordFile::catalogGuid},
+    {L"category", &RecordFile::category},
+};
+
+constexpr velTAttribute<std::string RecordImage::*> ImageAttributes[] = {
+    {L"file", &RecordImage::file},      {L"signature", &RecordImage::signature},
+    {L"title", &RecordImage::title},    {L"note", &RecordImage::note},
+    {L"imageType", &RecordImage::type}, {L"imageGUID", &RecordImage::guid},
+    {L"vfile", &RecordImage::viewFile}, {L"vsignature", &RecordImage::viewSignature},
+};
+
+constexpr velTAttribute<std::string RecordTimepoint::*> TimepointAttributes[] = {
+    {L"name", &RecordTimepoint::name},
+    {L"tpDate", &RecordTimepoint::date},
+    {L"tpNumber", &RecordTimepoint::number},
+    {L"tpGUID", &RecordTimepoint::guid},
+};
+
+constexpr velTAttribute<std::string Record::*> PatientAttributes[] = {
+    {L"patVeltrixID", &Record::serviceId}, {L"frvPatGUID", &Record::serviceGuid},
+    {L"patGUID", &Record::guid},           {L"patientID", &Record::patientId},
+    {L"patOwnerGUID", &Record::ownerGuid}, {L"patfirstName", &Record::firstName},
+    {L"patlastName", &Record::lastName},   {L"patBirthdate", &Record::birthDate},
+    {L"patGender", &Record::gender},
+};
+
+constexpr velTAttribute<void (dbCPerson::*)(LPCTSTR)> DoctorAttributes[] = {
+    {L"id", &dbCPerson::SetPersonGUID},
+    {L"last", &dbCPerson::SetLastname},
+    {L"first", &dbCPerson::SetFirstname},
+    {L"title", &dbCPerson::SetTitle},
+};
+
+constexpr velTAttribute<void (patCPatient::*)(LPCTSTR)> DetailAttributes[] = {
+    {L"title", &patCPatient::SetTitle},
+    {L"nickname", &patCPatient::SetNickname},
+};
+} // namespace
+
+/// Fills an object by its table. A text member whose attribute is missing or empty keeps what it has; a
+/// setter is given the empty text.
+template <typename Table, typename Object>
+void CVelXML::ReadAttributes(IXMLDOMNode* pNode, const Table& table, Object& object) const
+{
+    for (const auto& attribute : table)
     {
-        cloud::RecordFile file;
-        file.name = AttributeText(node.Get(), L"name");
-        file.signature = AttributeText(node.Get(), L"hash");
-        if (file.signature.empty())
-            file.signature = AttributeText(node.Get(), L"signature");
-        file.catalogGuid = AttributeText(node.Get(), L"catalogGUID");
-        file.category = AttributeText(node.Get(), L"category");
-        files.push_back(std::move(file));
+        const CString strValue = Attribute(pNode, attribute.pszName);
+        if constexpr (std::is_member_function_pointer_v<decltype(attribute.member)>)
+            (object.*attribute.member)(strValue);
+        else if (!strValue.IsEmpty())
+            object.*attribute.member = strValue.GetString();
     }
-    return files;
 }
 
-cloud::RecordImage CVelXML::ReadImage(IXMLDOMNode* pImage) const
+/// The objects of the elements that match.
+template <typename Object, typename Table>
+std::vector<Object> CVelXML::ReadElements(IXMLDOMNode* pParent, const wchar_t* pszXPath,
+                                          const Table& table) const
 {
-    cloud::RecordImage image;
-    image.file = AttributeText(pImage, L"file");
-    image.signature = AttributeText(pImage, L"signature");
-    image.title = AttributeText(pImage, L"title");
-    image.note = AttributeText(pImage, L"note");
-    image.type = AttributeText(pImage, L"imageType");
-    image.guid = AttributeText(pImage, L"imageGUID");
-    image.viewFile = AttributeText(pImage, L"vfile");
-    image.viewSignature = AttributeText(pImage, L"vsignature");
-    image.files = ReadFiles(pImage, L"file");
-    return image;
+    std::vector<Object> objects;
+    for (const Node& node : Select(pParent, pszXPath))
+        ReadAttributes(node.Get(), table, objects.emplace_back());
+    return objects;
 }
 
 cloud::RecordTimepoint CVelXML::ReadTimepoint(IXMLDOMNode* pTimepoint) const
 {
     cloud::RecordTimepoint timepoint;
-    timepoint.name = AttributeText(pTimepoint, L"name");
-    timepoint.date = AttributeText(pTimepoint, L"tpDate");
-    timepoint.number = AttributeText(pTimepoint, L"tpNumber");
-    timepoint.guid = AttributeText(pTimepoint, L"tpGUID");
-    timepoint.files = ReadFiles(pTimepoint, L"file");
+    ReadAttributes(pTimepoint, TimepointAttributes, timepoint);
+    timepoint.files = ReadElements<RecordFile>(pTimepoint, L"file", FileAttributes);
     // Below the timepoint itself: a search by its GUID would trust the GUID, and go through the document each
     // time.
-    for (const Node& image : Select(pTimepoint, L"Images/image"))
-        timepoint.images.push_back(ReadImage(image.Get()));
+    for (const Node& node : Select(pTimepoint, L"Images/image"))
+    {
+        RecordImage& image = timepoint.images.emplace_back();
+        ReadAttributes(node.Get(), ImageAttributes, image);
+        image.files = ReadElements<RecordFile>(node.Get(), L"file", FileAttributes);
+    }
     return timepoint;
 }
 
@@ -57,18 +107,9 @@ BOOL CVelXML::ReadRecord(cloud::Record& record)
     const auto patients = Select(m_pDocument.Get(), L"//record/patient[@patVeltrixID]");
     if (records.size() != 1 || patients.size() != 1)
         return FALSE;
-    IXMLDOMNode* const pPatient = patients.front().Get();
-    record.userGuid = AttributeText(records.front().Get(), L"userGUID");
-    record.withArchiveRecord = AttributeText(records.front().Get(), L"downloadACV") == "1";
-    record.serviceId = AttributeText(pPatient, L"patVeltrixID");
-    record.serviceGuid = AttributeText(pPatient, L"frvPatGUID");
-    record.guid = AttributeText(pPatient, L"patGUID");
-    record.patientId = AttributeText(pPatient, L"patientID");
-    record.ownerGuid = AttributeText(pPatient, L"patOwnerGUID");
-    record.firstName = AttributeText(pPatient, L"patfirstName");
-    record.lastName = AttributeText(pPatient, L"patlastName");
-    record.birthDate = AttributeText(pPatient, L"patBirthdate");
-    record.gender = AttributeText(pPatient, L"patGender");
+    record.userGuid = Attribute(records.front().Get(), L"userGUID");
+    record.withAcvFiles = Attribute(records.front().Get(), L"downloadACV") == "1";
+    ReadAttributes(patients.front().Get(), PatientAttributes, record);
     for (const Node& timepoint : Select(m_pDocument.Get(), L"//Timepoints/Timepoint"))
         record.timepoints.push_back(ReadTimepoint(timepoint.Get()));
     return !record.serviceId.empty();
@@ -76,12 +117,11 @@ BOOL CVelXML::ReadRecord(cloud::Record& record)
 
 BOOL CVelXML::ReadPatientDetails(dbCPatient& patient)
 {
-    const auto found = Select(m_pDocument.Get(), L"//record/patient[not(@patVeltrixID)]");
+    const auto found = Select(m_pDocument.Get(), OwnForm);
     if (found.empty())
         return FALSE;
     IXMLDOMNode* const pPatient = found.front().Get();
-    patient.SetTitle(Attribute(pPatient, L"title"));
-    patient.SetNickname(Attribute(pPatient, L"nickname"));
+    ReadAttributes(pPatient, DetailAttributes, patient);
     patient.SetNorm(atoi(Attribute(pPatient, L"norm")));
     for (const Node& note : Select(pPatient, L"note"))
     {
@@ -94,10 +134,12 @@ BOOL CVelXML::ReadPatientDetails(dbCPatient& patient)
     }
     for (const dbSPatientEmail& row : ReadPatientEmails())
     {
-        // The patient's own record has the first of them.
-        if (patient.GetEmail().IsEmpty() && !row.strPersonID.IsEmpty() &&
-            row.strPersonID == Attribute(pPatient, L"id"))
-            patient.SetEmail(row.strAddress);
+        // The patient's own record has the first of them, and the salutation, which nothing else carries.
+        if (!patient.GetEmail().IsEmpty() || row.strPersonID.IsEmpty() ||
+            row.strPersonID != Attribute(pPatient, L"id"))
+            continue;
+        patient.SetEmail(row.strAddress);
+        patient.SetSalutation(row.strSalutation);
     }
     patient.GetPhones().RemoveAll();
     for (const Node& phone : Select(pPatient, L"phones/phone"))
@@ -107,10 +149,7 @@ BOOL CVelXML::ReadPatientDetails(dbCPatient& patient)
     for (const Node& element : Select(pPatient, L"treatingDoctor"))
     {
         dbCPerson doctor;
-        doctor.SetPersonGUID(Attribute(element.Get(), L"id"));
-        doctor.SetLastname(Attribute(element.Get(), L"last"));
-        doctor.SetFirstname(Attribute(element.Get(), L"first"));
-        doctor.SetTitle(Attribute(element.Get(), L"title"));
+        ReadAttributes(element.Get(), DoctorAttributes, doctor);
         const auto emails = Select(element.Get(), L"emails/email");
         if (!emails.empty())
             doctor.SetEmail(Attribute(emails.front().Get(), L"address"));
@@ -139,30 +178,17 @@ BOOL CVelXML::ReadPatientDetails(dbCPatient& patient)
 dbCPatientEmailsContainer CVelXML::ReadPatientEmails() const
 {
     dbCPatientEmailsContainer rows;
-    for (const Node& node :
-         Select(m_pDocument.Get(), L"//record/patient[not(@patVeltrixID)]/emailAddresses/emailAddress"))
-    {
-        IXMLDOMNode* const pRow = node.Get();
-        rows.Add({Attribute(pRow, L"personId"), Attribute(pRow, L"category"), Attribute(pRow, L"type"),
-                  Attribute(pRow, L"salutation"), Attribute(pRow, L"firstName"), Attribute(pRow, L"lastName"),
-                  Attribute(pRow, L"address")});
-    }
+    for (const dbSPatientEmail& row : ReadElements<dbSPatientEmail>(
+             m_pDocument.Get(), (std::wstring(OwnForm) + L"/emailAddresses/emailAddress").c_str(),
+             velEmailAttributes))
+        rows.Add(row);
     return rows;
 }
 
 void CVelXML::ReadAddresses(IXMLDOMNode* pParent, dbCAddresses& addresses) const
 {
     addresses.RemoveAll();
-    for (const Node& node : Select(pParent, L"addresses/address"))
-    {
-        dbCAddress address;
-        address.SetType(Attribute(node.Get(), L"type"));
-        address.SetCompany(Attribute(node.Get(), L"company"));
-        address.SetStreet(Attribute(node.Get(), L"street"));
-        address.SetCity(Attribute(node.Get(), L"city"));
-        address.SetState(Attribute(node.Get(), L"state"));
-        address.SetPostalCode(Attribute(node.Get(), L"zip"));
-        address.SetCountry(Attribute(node.Get(), L"country"));
+    for (const dbCAddress& address :
+         ReadElements<dbCAddress>(pParent, L"addresses/address", velAddressAttributes))
         addresses.Add(address);
-    }
 }

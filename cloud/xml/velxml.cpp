@@ -129,8 +129,3 @@ CString CVelXML::Attribute(IXMLDOMNode* pNode, const wchar_t* pszName, BOOL* pbF
         return {};
     return velNarrow({value.bstrVal, ::SysStringLen(value.bstrVal)}, &m_bLossy);
 }
-
-std::string CVelXML::AttributeText(IXMLDOMNode* pNode, const wchar_t* pszName) const
-{
-    return Attribute(pNode, pszName).GetString();
-}

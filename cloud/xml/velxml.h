@@ -84,10 +84,11 @@ private:
     static velComPtr<IXMLDOMDocument2> NewDocument();
     std::vector<Node> Select(IXMLDOMNode* pFrom, const wchar_t* pszXPath) const;
     CString Attribute(IXMLDOMNode* pNode, const wchar_t* pszName, BOOL* pbFound = nullptr) const;
-    std::string AttributeText(IXMLDOMNode* pNode, const wchar_t* pszName) const;
-    std::vector<cloud::RecordFile> ReadFiles(IXMLDOMNode* pParent, const wchar_t* pszXPath) const;
+    template <typename Table, typename Object>
+    void ReadAttributes(IXMLDOMNode* pNode, const Table& table, Object& object) const;
+    template <typename Object, typename Table>
+    std::vector<Object> ReadElements(IXMLDOMNode* pParent, const wchar_t* pszXPath, const Table& table) const;
     void ReadAddresses(IXMLDOMNode* pParent, dbTList<dbCAddress>& addresses) const;
-    cloud::RecordImage ReadImage(IXMLDOMNode* pImage) const;
     cloud::RecordTimepoint ReadTimepoint(IXMLDOMNode* pTimepoint) const;
 
     const bool m_bComInitialised;

@@ -186,33 +186,6 @@ void tourPlayArchiveForbidden(tourCGuide& guide)
     guide.Choose(ID_ARCHIVE_ALLOW);
 }
 
-void tourPlayArchiveInternet(tourCGuide& guide)
-{
-    const Dialog dialog = tourOpenArchiveDialog(guide, ID_ARCHIVE_DOWNLOAD);
-    int checked = 0;
-    for (int radio = IDC_ARC_GET_ARCHIVE; radio <= IDC_ARC_SAVE_INTERNET; ++radio)
-    {
-        checked += dialog.Item(radio).IsChecked();
-    }
-    guide.Expect(checked == 0, "nothing is preselected");
-    // The sample practice has no transfer program.
-    const std::pair<int, const char*> refusals[] = {
-        {IDC_ARC_GET_INTERNET, "Rasko Upload/Download program not available."},
-        {IDC_ARC_SAVE_INTERNET, "There is no Rasko program installed on your computer."}};
-    for (const auto& [radio, text] : refusals)
-    {
-        dialog.Press(radio);
-        dialog.SettleIdle();
-        dialog.Press(IDOK);
-        tourAnswerBox(guide, text, IDOK, "internet");
-        guide.Expect(dialog.IsOpen(), "the dialog stays open");
-    }
-    dialog.Press(IDCANCEL);
-    dialog.WaitForClosed();
-    guide.ExpectResult("ArchiveDlg: cancelled");
-    guide.ExpectNoEvent();
-}
-
 void tourPlayArchiveSeveral(tourCGuide& guide)
 {
     std::string folder;

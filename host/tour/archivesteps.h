@@ -5,7 +5,6 @@
 #include "host/tour/tour.h"
 
 void tourPlayArchiveForbidden(tourCGuide& guide);
-void tourPlayArchiveInternet(tourCGuide& guide);
 /// Saves the patients that are selected in the list.
 void tourPlayArchiveSeveral(tourCGuide& guide);
 /// Saves the tour's own patient.

@@ -4,6 +4,7 @@
 #include "host/hostpractice.h"
 #include "host/hostres.h"
 #include "host/tour/archivesteps.h"
+#include "host/tour/exchangesteps.h"
 #include "host/tour/maintenancesteps.h"
 #include "maintenance/maintenanceres.h"
 #include "patient/detailsres.h"
@@ -395,7 +396,7 @@ void PlayAuditLog(tourCGuide& guide)
     guide.Picture(guide.GetFrame(), "audit-log");
 }
 
-constexpr std::array<tourSStep, 37> kSteps = {{
+constexpr std::array<tourSStep, 40> kSteps = {{
     {"The practice opens", PlayOpen},
     {"Every command is offered for one patient", PlayGreyed},
     {"The search finds patients while it is typed", PlaySearch},
@@ -421,7 +422,7 @@ constexpr std::array<tourSStep, 37> kSteps = {{
     {"Several patients are selected", PlaySeveral},
     {"The audit log", PlayAuditLog},
     {"Saving to archives is forbidden and allowed again", tourPlayArchiveForbidden},
-    {"The internet archive is not connected", tourPlayArchiveInternet},
+    {"Without the transfer program nothing goes to the internet", tourPlayExchangeUnavailable},
     {"The selected patients are saved to archives", tourPlayArchiveSeveral},
     {"One patient is saved to an archive", tourPlayArchiveOne},
     {"A self-starting disc", tourPlayArchiveDisc},
@@ -433,6 +434,9 @@ constexpr std::array<tourSStep, 37> kSteps = {{
     {"A patient that is there is not loaded over", tourPlayLoadExisting},
     {"Timepoints are merged from another patient's archive", tourPlayArchiveMerge},
     {"A patient is removed after archiving and loaded again", tourPlayArchiveRemove},
+    {"A patient is sent to the record-sharing service", tourPlayExchangeSend},
+    {"Another practice takes the patient from there", tourPlayExchangeReceive},
+    {"The record has grown, is sent again and merged", tourPlayExchangeAgain},
 }};
 
 } // namespace

@@ -8,9 +8,17 @@ inline constexpr char ProgramFile[] = "velrasko64.exe";
 inline constexpr char ProgId[] = "VelRasko64.Application";
 inline constexpr char ClassId[] = "{6E0B1C52-93D4-4C6B-8B1D-2F0B6A7C51E3}";
 
+/// Application options that the program and the module share; whoever misses one writes it with its default.
+/// That of the service is the setting of this name in the section "Environment", else the service of this
+/// computer.
+inline constexpr char OptionService[] = "RASKOTARGET"; ///< "host" or "host:port"
+inline constexpr char DefaultService[] = "localhost:8443";
+
 /// The program's window: hidden or not, it exists as long as the program runs. FindWindow(WindowClass,
 /// nullptr).
 inline constexpr char WindowClass[] = "VelRaskoWindow";
+inline constexpr unsigned QuitCommand =
+    0xE141; ///< its WM_COMMAND that ends the program, as the member Quit does
 /// Registered message, both parameters 0: look into the task table now.
 inline constexpr char WakeMessage[] = "WmVeltrixRasko3741";
 

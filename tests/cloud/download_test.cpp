@@ -1,6 +1,7 @@
 // Downloading a shared record, from signing in to the patient in the practice.
 #include "cloud/download/waitdialogs.h"
 #include "cloud/res/cloudres.h"
+#include "cloud/upload/transfersdlg.h"
 #include "cloud/upload/uploaddlg.h"
 #include "patient/patientres.h"
 #include "tests/cloud/exchangefixture.h"
@@ -384,6 +385,73 @@ TEST_F(Exchange, SignsInUntilTheServiceAgreesOrTheUserGivesUp)
               IDCANCEL);
 }
 
+TEST_F(Exchange, ACutAtEveryRequestEndsInAMessage)
+{
+    m_known = {"A1"};
+    const std::string unusable =
+        "The record that FarreachVeltrix sent is not complete or not readable.  Nothing was downloaded.";
+    // What comes up, the system's own texts as "system".
+    const struct
+    {
+        int nCut;
+        bool bHalf;
+        std::vector<std::string> seen;
+        INT_PTR nResult;
+    } cases[] = {
+        {1, true, {"system", "3 record(s)"}, IDCANCEL},
+        {1, false, {"Invalid Username/Password.", "sign in", ""}, IDCANCEL},
+        {2, true, {"system", "There are no records that you could download."}, IDCANCEL},
+        {2, false, {"FarreachVeltrix did not send the list of records.  Please try again later."}, IDCANCEL},
+        {3, true, {"3 record(s)", "system", unusable, "3 record(s)"}, IDCANCEL},
+        {3, false, {"3 record(s)", unusable, "3 record(s)"}, IDCANCEL},
+        {4, true, {"3 record(s)", "system"}, IDOK}};
+    for (const auto& c : cases)
+    {
+        std::vector<std::string> seen;
+        m_credentials.Clear();
+        m_nCut = c.nCut;
+        m_bCutHalf = c.bHalf;
+        bool bChoose = c.nCut > 2;
+        const auto answer = [&](DialogScript& script) {
+            if (const auto box = script.FindBox())
+            {
+                const std::string text = box->BoxText();
+                const bool bOwn = text == unusable || text.starts_with("Invalid");
+                // Whether a broken connection has a text is the system's to say.
+                if (bOwn || c.bHalf)
+                    seen.push_back(bOwn ? text : "system");
+                box->Press(IDOK);
+                box->WaitForClosed();
+                return c.nCut == 4; // the record is here by then
+            }
+            else if (const auto signIn = script.FindDialog("Sign In to FarreachVeltrix"))
+            {
+                seen.emplace_back("sign in");
+                signIn->Press(IDCANCEL);
+                signIn->WaitForClosed();
+            }
+            else if (const auto list = script.FindDialog("Get Patient From Internet"))
+            {
+                seen.push_back(list->Item(IDC_CLD_HINT).Text());
+                if (bChoose)
+                    list->Item(IDC_CLD_LIST).SelectRow(0);
+                list->SettleIdle();
+                list->Press(std::exchange(bChoose, false) ? IDOK : IDCANCEL);
+                script.WaitUntil("what comes of it", [&] { return !list->IsOpen() || !list->IsEnabled(); });
+                return !list->IsOpen();
+            }
+            return false;
+        };
+        EXPECT_EQ(RunList([&](DialogScript& script) {
+                      script.WaitUntil("the end of the list", [&] { return answer(script); });
+                  }),
+                  c.nResult)
+            << c.nCut;
+        EXPECT_EQ(seen, c.seen) << c.nCut;
+        EXPECT_EQ(State(), c.nResult == IDOK ? NewPatient : "") << c.nCut;
+    }
+}
+
 TEST_F(Exchange, OpensOneSession)
 {
     PlainList list(nullptr, m_program, m_credentials);
@@ -417,4 +485,45 @@ TEST_F(Exchange, AsksWhatGoesUpAndToWhom)
     EXPECT_EQ(m_practice.Get("Defaults", "UploadUncropped") + m_practice.Get("Defaults", "UploadOther") +
                   m_practice.Get("Defaults", "Upload3D"),
               "101");
+}
+
+TEST_F(Exchange, FollowsTransfersAndTheirReasons)
+{
+    const std::pair<int, const char*> rows[] = {{-2, ""},
+                                                {41, ""},
+                                                {57, "The service does not answer."},
+                                                {100, ""},
+                                                {101, "The record was replaced."},
+                                                {102, ""}};
+    for (const auto& [nStatus, pszReason] : rows)
+    {
+        dbSRaskoTask task;
+        task.strDescription = ("Lee, Zo\xeb - A" + std::to_string(nStatus)).c_str();
+        task.strQueueComputer = CFarreachVeltrix::GetComputer();
+        dbCRaskoTasksContainer::InsertRow(task);
+        task.nStatus = nStatus;
+        task.strReason = pszReason;
+        dbCRaskoTasksContainer::UpdateRow(task);
+    }
+    veltest::RunModal(
+        [&] {
+            upldCTransfersDlg dialog(nullptr, m_program, 2);
+            return velRunModal(dialog);
+        },
+        [&](DialogScript& script) {
+            const Dialog dialog = script.WaitForDialog("Transfers");
+            std::string states;
+            for (const auto& row : dialog.Item(IDC_CLD_LIST).Rows())
+                states += row.at(1) + "|";
+            EXPECT_EQ(states, "41 %|Waiting|Done|Failed|Cancelled|");
+            EXPECT_EQ(dialog.Item(IDC_CLD_REASON).Text(), "The service does not answer.");
+            dialog.Item(IDC_CLD_LIST).SelectRow(3);
+            script.Settle(dialog.Handle());
+            EXPECT_EQ(dialog.Item(IDC_CLD_REASON).Text(), "The record was replaced.");
+            EXPECT_EQ(veltest::DialogFindings(dialog.Handle()), "");
+            veltest::SavePicture(dialog.Handle(), "transfers");
+            dialog.Press(IDC_CLD_SHOW_RASKO);
+            dialog.Press(IDOK);
+        });
+    EXPECT_THAT(m_program.m_calls, ElementsAre("show"));
 }

@@ -30,6 +30,14 @@ static std::string CommandOf(const std::string& request)
 
 Exchange::Exchange()
     : m_server([this](const std::string& request, const veltest::Reply& reply) {
+          if (m_nCut > 0 && --m_nCut == 0)
+          {
+              if (m_bCutHalf)
+                  reply.Send("HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\n<record");
+              else
+                  reply.Reset();
+              return;
+          }
           const auto found = m_replies.find(CommandOf(request));
           reply.Send(found == m_replies.end() ? "HTTP/1.1 500 No\r\nContent-Length: 0\r\n\r\n"
                                               : veltest::Ok(found->second));

@@ -27,6 +27,10 @@ public:
         m_calls.push_back("wake");
         return TRUE;
     }
+    void Show() override
+    {
+        m_calls.push_back("show");
+    }
     void ShowOptions() override
     {
         m_calls.push_back("options");
@@ -113,6 +117,9 @@ protected:
     std::map<std::string, std::string> m_replies; ///< body by command; an answer of 500 where there is none
     veltest::HttpServer m_server;
     std::vector<std::string> m_known; ///< IDs that State looks at
+    /// The request, from 1, that gets no whole answer: half of one, or a broken connection. Counted down.
+    std::atomic<int> m_nCut = 0;
+    std::atomic<bool> m_bCutHalf = false;
 };
 
 /// The record "41" of patient A1, born 1999-05-17, with one image of timepoint 7.

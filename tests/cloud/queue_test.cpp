@@ -59,6 +59,13 @@ TEST_F(Queue, WritesOneWholeTaskAndWakesTheProgram)
     xml.BuildPatientXml(patient, expected, {true, false, false});
     EXPECT_STREQ(task.strData, expected);
 
+    // A patient who came from another practice is registered as this one's.
+    const dbCPatient received = StorePatient("C1");
+    dbCServicePatients::Store({received.GetGUID(), "12", "{G}", "{O}"});
+    m_program.m_calls.clear();
+    EXPECT_EQ(Upload(received), velQueued);
+    EXPECT_THAT(m_program.m_calls, ElementsAre("register 3", "wake"));
+
     // While it is pending there is no second one, of whichever computer it is.
     m_program.m_calls.clear();
     CFarreachVeltrix again(m_program);

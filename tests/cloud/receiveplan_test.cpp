@@ -127,20 +127,22 @@ TEST(CloudReceive, KeepsWithinAHundredTimepoints)
 TEST(CloudReceive, NamesFilesForTheLocalPatientAndTakesWhatIsChosen)
 {
     Record record = OneTimepoint();
-    record.withArchiveRecord = true;
+    record.withAcvFiles = true;
     RecordTimepoint& timepoint = record.timepoints[0];
     timepoint.files = {{"A1$07$x.stl", Md5, "{C}", "3D"}, {"A107.M", Md5, "", "McLaughlin"}};
     RecordImage image = Image("a107.i0a", std::string(128, 'A'));
     image.viewFile = "A107.V0A";
     image.viewSignature = Md5;
-    image.files = {{"A107.D1.I0A", Md5, "", "3D"}, {"A107.I0A.AVI", Md5, "", "strange"}};
+    image.files = {{"A107.D1.I0A", Md5, "", "3D"},
+                   {"A107.I0A.AVI", Md5, "", "strange"},
+                   {"A107.I0A.acv", Md5, "", "other"}};
     timepoint.images = {image, Image("A107.C01"), Image("A107.I0A")}; // the last is the first again
 
     const ReceivePlan all = Plan(record, "B2", {{"{T7}", "", "", 3}});
     EXPECT_THAT(Transfers(all),
                 ElementsAre("A1$07$x.stl>B2$03$x.stl 3", "A107.M>B203.M 3", "a107.i0a>B203.i0a 3",
                             "A107.V0A>B203.V0A 3", "A107.D1.I0A>B203.D1.I0A 3", "A107.I0A.AVI>B203.I0A.AVI 3",
-                            "A107.C01>B203.C01 3", "A1.ACV>B2.ACV 0"));
+                            "A107.I0A.acv>B203.I0A.acv 3", "A107.C01>B203.C01 3"));
     EXPECT_EQ(all.files[0].catalogGuid, "{C}");
     EXPECT_EQ(all.files[2].signature, std::string(128, 'a'));
     EXPECT_EQ(all.files[2].ownerGuid + all.files[2].fileGuid + all.files[2].title + all.files[2].note,
@@ -157,18 +159,17 @@ TEST(CloudReceive, NamesFilesForTheLocalPatientAndTakesWhatIsChosen)
     } choices[] = {{{}, 4}, {{true, false, false}, 5}, {{false, true, false}, 5}, {{false, false, true}, 6}};
     for (const auto& c : choices)
         EXPECT_EQ(Plan(record, "B2", {}, c.choice).files.size(), c.files);
+    record.withAcvFiles = false;
+    EXPECT_EQ(Plan(record, "B2", {}, {}).files.size(), 3U);
 }
 
 TEST(CloudReceive, FetchesWhatIsMissingOrOlder)
 {
     Record record = OneTimepoint();
-    record.withArchiveRecord = true;
     record.timepoints[0].images = {Image("A107.I0A"), Image("A107.I0B"), Image("A107.I0C"),
                                    Image("A107.I0D")};
-    const Files files = {{"A107.I0B", LocalFile::Same},
-                         {"A107.I0C", LocalFile::Older},
-                         {"A107.I0D", LocalFile::Newer},
-                         {"A1.ACV", LocalFile::Older}}; // it cannot be checked
+    const Files files = {
+        {"A107.I0B", LocalFile::Same}, {"A107.I0C", LocalFile::Older}, {"A107.I0D", LocalFile::Newer}};
     EXPECT_THAT(Transfers(Plan(record, "A1", {}, {}, files)),
                 ElementsAre("A107.I0A>A107.I0A 7", "A107.I0B>A107.I0B here 7", "A107.I0C>A107.I0C 7",
                             "A107.I0D>A107.I0D here 7"));
@@ -176,9 +177,9 @@ TEST(CloudReceive, FetchesWhatIsMissingOrOlder)
 
 TEST(CloudReceive, RefusesNamesThatAreNotTheTimepointsOwn)
 {
-    for (const char* name :
-         {"", "A107", "A108.I0A", "A2.I0A", "B207.I0A", "A1007.I0A", "..\\A107.I0A", "A107.I0A/../x.I0A",
-          "C:A107.I0A", "A107.I0A:s", "A107.PF", "A107.I0A.", "A107.I0A ", "A107.I8A", "A107.J0A", "AUX.I0A"})
+    for (const char* name : {"", "A107", "A108.I0A", "A2.I0A", "B207.I0A", "A1007.I0A", "..\\A107.I0A",
+                             "A107.I0A/../x.I0A", "C:A107.I0A", "A107.I0A:s", "A107.PF", "A107.I0A.",
+                             "A107.I0A ", "A107.I8A", "A107.J0A", "AUX.I0A", "A1.ACV"})
     {
         Record record = OneTimepoint();
         record.timepoints.push_back(Timepoint("8", "{T8}"));

@@ -261,7 +261,7 @@ TEST_F(VelXml, ReadsARecord)
     EXPECT_EQ(record.userGuid + record.serviceId + record.guid + record.patientId + record.ownerGuid +
                   record.serviceGuid + record.firstName + record.lastName + record.birthDate + record.gender,
               "{U}41{P}A1{O}{F}Zo\xebLee1999-05-172");
-    EXPECT_TRUE(record.withArchiveRecord);
+    EXPECT_TRUE(record.withAcvFiles);
     ASSERT_EQ(record.timepoints.size(), 1U);
     const cloud::RecordTimepoint& timepoint = record.timepoints[0];
     EXPECT_EQ(timepoint.name + timepoint.date + timepoint.number + timepoint.guid,
@@ -290,49 +290,6 @@ TEST_F(VelXml, ReadsARecord)
     xml.LoadXml("<record><patient patVeltrixID='1' patlastName='&#20013;'/></record>");
     EXPECT_TRUE(xml.ReadRecord(record));
     EXPECT_TRUE(xml.IsLossy());
-}
-
-TEST_F(VelXml, ReadsBackWhatItWrote)
-{
-    const dbCPatient patient = StoreRich();
-    CVelXML xml;
-    CString text;
-    ASSERT_TRUE(xml.BuildPatientXml(patient, text));
-    std::string element(text);
-    element.erase(0, element.find("<patient "));
-    ASSERT_TRUE(xml.LoadXml(ServiceRecord(element).c_str()));
-    dbCPatient read;
-    ASSERT_TRUE(xml.ReadPatientDetails(read));
-    EXPECT_STREQ(read.GetNotes(), patient.GetNotes());
-    EXPECT_STREQ(read.GetTitle() + read.GetNickname(), "MsE");
-    EXPECT_EQ(read.GetNorm(), 3);
-    ASSERT_EQ(read.GetPhones().GetCount(), 1);
-    EXPECT_STREQ(read.GetPhones()[0].GetNumber() + read.GetPhones()[0].GetType(), "1 2Home");
-    ASSERT_EQ(read.GetAddresses().GetCount(), 1);
-    const dbCAddress home = read.GetAddress();
-    EXPECT_STREQ(home.GetType() + home.GetStreet() + home.GetCity() + home.GetState() + home.GetPostalCode() +
-                     home.GetCountry(),
-                 "HQuay 1UlmBW89073DE");
-    dbCPerson doctor, expected;
-    ASSERT_TRUE(read.GetPersonInfo(dbPersonTreatingDoctor, doctor));
-    patient.GetPersonInfo(dbPersonTreatingDoctor, expected);
-    EXPECT_STREQ(doctor.GetPersonGUID() + doctor.GetLastname() + doctor.GetFirstname() + doctor.GetTitle() +
-                     doctor.GetEmail(),
-                 expected.GetPersonGUID() + "O'Hara & \"Sons\"Zo\xeb" + "Dr.z@hara.example");
-    EXPECT_STREQ(doctor.GetAddress().GetCompany(), "<Hara>");
-    ASSERT_EQ(read.GetArchiveEmails()[doctor.GetPersonGUID()].GetCount(), 1);
-    EXPECT_STREQ(read.GetArchiveEmails()[doctor.GetPersonGUID()][0], "office@hara.example");
-    const dbCPatientEmailsContainer emails = xml.ReadPatientEmails();
-    ASSERT_EQ(emails.GetCount(), 2);
-    EXPECT_STREQ(read.GetEmail(), "eva@lee.example");
-    EXPECT_STREQ(emails[1].strPersonID + emails[1].strCategory + emails[1].strType + emails[1].strSalutation +
-                     emails[1].strFirstname + emails[1].strLastname + emails[1].strAddress,
-                 "{E}parentHMsEveLeeeve@lee.example");
-    ASSERT_EQ(read.GetReferrals().GetCount(), 1);
-    EXPECT_STREQ(read.GetReferrals()[0].Get_docFirstname() + "|" + read.GetReferrals()[0].Get_docLastname() +
-                     "|" + read.GetReferrals()[0].Get_docEmail(),
-                 "Zo\xeb|O'Hara & \"Sons\"|z@hara.example");
-    EXPECT_STREQ(read.GetReferrals()[0].Get_docID(), expected.GetPersonGUID());
 }
 
 // The HTML viewer is missing where tests run: the messages' answer does not depend on it.

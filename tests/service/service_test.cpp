@@ -225,6 +225,12 @@ TEST_F(ServiceTest, RefusesDocumentsThatCannotBeTrusted)
     for (const auto& [document, status] : documents)
         EXPECT_EQ(Queue(anna, document).status, status) << document.substr(0, 80);
     EXPECT_EQ(anna.Command("cmd=addtoqueue&xmlData=%zz").status, 400);
+    EXPECT_EQ(
+        anna.Command("cmd=getadhocshareinfo" + Pid + "&id=1&emailorusername=%81&recipienttype=0").status,
+        400);
+    EXPECT_THAT(
+        anna.Command("cmd=getadhocshareinfo" + Pid + "&id=1&emailorusername=Zo%eb&recipienttype=0").body,
+        Not(HasSubstr("not valid")));
     EXPECT_EQ(anna.Command("cmd=getlist&cmd=logout").status, 400);
     User stranger(service, "bert");
     stranger.Command("cmd=logout");
@@ -392,6 +398,8 @@ TEST(ServiceText, ReadsFormsAndTextStrictly)
         EXPECT_TRUE(svc::IsCleanText(clean)) << clean;
     for (const char* dirty : {"\x01", "\x80", "\xC0\xAF", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\xE2\x82"})
         EXPECT_FALSE(svc::IsCleanText(dirty)) << dirty;
+    EXPECT_EQ(svc::FromCodePage1252("Zo\xEB\x80\x9F"), "Zo\xC3\xAB\xE2\x82\xAC\xC5\xB8");
+    EXPECT_EQ(svc::FromCodePage1252("\xEB\x81"), "\xEB\x81");
     for (const auto& [told, meant] :
          {std::pair{300, 300}, {-840, -840}, {720, 720}, {840, -600}, {-900, 0}, {9999, 0}})
         EXPECT_EQ(svc::NormalizeOffset(told), meant) << told;

@@ -240,6 +240,13 @@ HWND DialogScript::WaitForWindowOfClass(const std::string& windowClass)
                         [&](HWND window) { return WindowClass(window) == windowClass; });
 }
 
+std::optional<Dialog> DialogScript::FindDialog(const std::string& title)
+{
+    const HWND window =
+        FindMatch([&](HWND candidate) { return IsDialog(candidate) && WindowText(candidate) == title; });
+    return window != nullptr ? std::optional<Dialog>(Dialog(*this, window)) : std::nullopt;
+}
+
 std::optional<Dialog> DialogScript::FindBox()
 {
     const HWND window = FindMatch([](HWND candidate) { return IsBox(candidate); });

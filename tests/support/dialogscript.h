@@ -50,6 +50,7 @@ public:
     Dialog WaitForDialogWith(int controlId);         // the dialog that has this control
     Dialog WaitForBox(const std::string& text = {}); // a message box; empty fits every text
     HWND WaitForWindowOfClass(const std::string& windowClass);
+    std::optional<Dialog> FindDialog(const std::string& title);
     std::optional<Dialog> FindBox();
 
     // Answers the message box with this text (empty: any) by its button, IDYES for example; its whole text.

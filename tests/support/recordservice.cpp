@@ -25,6 +25,19 @@ std::string WindowsPath(std::string path)
     return "Z:" + path;
 }
 
+// Of this machine's own programs.
+void RunToEnd(std::string line)
+{
+    STARTUPINFOA start{};
+    start.cb = sizeof start;
+    PROCESS_INFORMATION process{};
+    if (!CreateProcessA(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start, &process))
+        throw std::runtime_error("cannot run " + line);
+    WaitForSingleObject(process.hProcess, 30'000);
+    CloseHandle(process.hProcess);
+    CloseHandle(process.hThread);
+}
+
 } // namespace
 
 namespace veltest
@@ -57,16 +70,13 @@ RecordService::~RecordService()
 
 void RecordService::Administer(const std::string& arguments) const
 {
-    std::string line = "\"" + WindowsPath(Variable("VEL_SERVICE_PROGRAM")) + "\" " + arguments + " --data " +
-                       Variable("VEL_SERVICE_DATA");
-    STARTUPINFOA start{};
-    start.cb = sizeof start;
-    PROCESS_INFORMATION process{};
-    if (!CreateProcessA(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start, &process))
-        throw std::runtime_error("cannot run " + line);
-    WaitForSingleObject(process.hProcess, 30'000);
-    CloseHandle(process.hProcess);
-    CloseHandle(process.hThread);
+    RunToEnd("\"" + WindowsPath(Variable("VEL_SERVICE_PROGRAM")) + "\" " + arguments + " --data " +
+             Variable("VEL_SERVICE_DATA"));
+}
+
+void RecordService::Kill() const
+{
+    RunToEnd("Z:\\bin\\sh -c \"kill -9 `cat $VEL_SERVICE_DATA/pid`\"");
 }
 
 } // namespace veltest

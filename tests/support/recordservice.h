@@ -30,6 +30,9 @@ public:
     // quotation marks. Returns when it has ended.
     void Administer(const std::string& arguments) const;
 
+    // Ends the service as a crash would; tools/with-service starts it again at once.
+    void Kill() const;
+
 private:
     std::string m_host;
     HCERTSTORE m_store = nullptr;

@@ -1,12 +1,12 @@
 #include "suite/rasko/program/settings.h"
 
 #include "suite/patients/velpat.h"
+#include "suite/rasko/raskoapi.h"
+#include "suite/util/velini.h"
 #include "suite/util/velpath.h"
 
 namespace
 {
-constexpr char DefaultTarget[] = "localhost:8443";
-
 CString Option(LPCTSTR key, LPCTSTR fallback)
 {
     CString value;
@@ -45,7 +45,7 @@ Settings Settings::Load()
 {
     Settings settings;
     const Scripts defaults;
-    settings.target = Option("RASKOTARGET", DefaultTarget);
+    settings.target = Option(OptionService, velenv(OptionService, DefaultService));
     settings.scripts.command = Option("RASKOCOMMAND", defaults.command.c_str());
     settings.scripts.upload = Option("RASKOUPLOAD", defaults.upload.c_str());
     dbCApplicationOptionsContainer::GetApplicationOption("RASKOPATH", settings.folder);
@@ -58,7 +58,7 @@ Settings Settings::Load()
 void Settings::Store() const
 {
     dbCTransaction transaction;
-    dbCApplicationOptionsContainer::SetApplicationOption("RASKOTARGET", target);
+    dbCApplicationOptionsContainer::SetApplicationOption(OptionService, target);
     dbCApplicationOptionsContainer::SetApplicationOption("RASKOPATH", folder);
     dbCApplicationOptionsContainer::SetApplicationOption("RASKOSHOWHIDDEN", hidden ? "1" : "0");
     transaction.Commit();
