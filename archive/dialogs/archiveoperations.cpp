@@ -7,6 +7,7 @@
 #include "archive/res/archivedlgres.h"
 #include "archive/operations/archiveheader.h"
 #include "archive/res/archiveres.h"
+#include "archive/status/archiveworker.h"
 #include "archive/dialogs/choosefile.h"
 #include "archive/work/discbundle.h"
 #include "archive/files/filenames.h"
@@ -96,9 +97,10 @@ void CDlgArchive::MakeDisc(const arcSSave& save)
     if (!m_bIncludeViewer || save.nFormat != arcFormatZipped)
         return;
     const CWaitCursor wait;
-    arc::MakeDiscBundle(arc::WindowsFileSystem(),
-                        velGetIniString(IDS_SECTION_ENVIRONMENT, "SYS", "c:\\veltrix").GetString(),
-                        strFilename(save.strArchivePath).GetPath().GetString(), save.strID.GetString());
+    const std::string programs = velGetIniString(IDS_SECTION_ENVIRONMENT, "SYS", "c:\\veltrix").GetString();
+    const std::string folder = strFilename(save.strArchivePath).GetPath().GetString();
+    arcMeanwhile(
+        [&] { arc::MakeDiscBundle(arc::WindowsFileSystem(), programs, folder, save.strID.GetString()); });
 }
 
 bool CDlgArchive::RunLoad()
@@ -162,8 +164,8 @@ bool CDlgArchive::LoadOne(const CString& strPath, bool bSeveral, bool& bStop)
     }
     if (m_nResultCode == arc::ResultDone)
         return true;
-    if (m_manager.IsHostClosing())
-        return false;
+    if (m_manager.IsHostClosing() || (!bSeveral && m_nResultCode == arc::ResultCancelled))
+        return false; // there is nobody to be told, or who ended it knows
     if (!bSeveral)
         AfxMessageBox(IDS_ARC_LOAD_FAILED, MB_OK | MB_ICONEXCLAMATION);
     else
@@ -203,7 +205,8 @@ bool CDlgArchive::RunMerge()
 /// Whether the archive's patient is the selected one, or the user wants to merge all the same.
 bool CDlgArchive::ConfirmMerge(const CString& strPath)
 {
-    const auto header = arcReadArchiveHeader(strPath);
+    std::optional<arc::HeaderLine> header;
+    arcMeanwhile([&] { header = arcReadArchiveHeader(strPath); });
     if (!header)
     {
         AfxMessageBox(IDS_ARC_NO_HEADER, MB_OK | MB_ICONEXCLAMATION);

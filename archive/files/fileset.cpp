@@ -78,6 +78,17 @@ std::optional<std::vector<PresentFile>> PresentFiles(FileSystem& files, const st
     return present;
 }
 
+std::optional<std::vector<PresentFile>> FilesToSave(FileSystem& files, const std::string& folder,
+                                                    const std::vector<std::string>& listed)
+{
+    auto set = PresentFiles(files, folder, listed);
+    if (set && (set->empty() || set->front().name != listed.front()))
+    {
+        set.reset();
+    }
+    return set;
+}
+
 bool FilesToArchive(FileSystem& files, const std::string& folder, const std::string& id,
                     const std::vector<std::string>& listed, std::vector<PresentFile>& found)
 {

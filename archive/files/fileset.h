@@ -48,6 +48,10 @@ struct PresentFile
 std::optional<std::vector<PresentFile>> PresentFiles(FileSystem& files, const std::string& folder,
                                                      const std::vector<std::string>& names);
 
+/// The same for a save that lists its files: nothing also when the first one, the patient file, is missing.
+std::optional<std::vector<PresentFile>> FilesToSave(FileSystem& files, const std::string& folder,
+                                                    const std::vector<std::string>& listed);
+
 /// Everything a zipped archive of the patient holds from the working folder: what the eight patterns match,
 /// then what the list names and no pattern matches; no file twice. Only files of exactly the wildcard's form
 /// are taken. False when the folder cannot be read.

@@ -1,9 +1,11 @@
 #include "archive/operations/archivemanager.h"
 
 #include "app/hostnotice.h"
+#include "app/modalrun.h"
 #include "app/velenums.h"
 #include "archive/res/archivedlgres.h"
-#include "archive/files/filenames.h"
+#include "archive/operations/loading.h"
+#include "archive/status/archiveworker.h"
 #include "archive/status/messagewait.h"
 #include "archive/work/resultcodes.h"
 #include "suite/util/velini.h"
@@ -126,24 +128,10 @@ void arcCArchiveManager::WaitUntilIdle()
         ::PostQuitMessage(nExitCode);
 }
 
-/// The same for a thread whose message nobody waits for.
-void arcCArchiveManager::PumpUntilEnded(const arcCStatusThread& thread)
+/// Work that asks nobody anything, the database least of all.
+void arcCArchiveManager::Meanwhile(const std::function<void()>& work)
 {
-    bool bQuits = false;
-    int nExitCode = 0;
-    for (;;)
-    {
-        const arcWoken woken = arcPumpOrWait(thread.m_hThread);
-        if (woken == arcWoken::Object)
-            break;
-        if (woken == arcWoken::Quit)
-        {
-            bQuits = true;
-            nExitCode = static_cast<int>(AfxGetCurrentMessage()->wParam);
-        }
-    }
-    if (bQuits)
-        ::PostQuitMessage(nExitCode);
+    m_bHostCloses = arcMeanwhile(work) || m_bHostCloses;
 }
 
 /// The thread has ended and its message has nowhere to go.
@@ -168,7 +156,14 @@ bool arcCArchiveManager::TakeThread(Work nWork)
 void arcCArchiveManager::EndOperation(int nResult)
 {
     UnlockPatient();
-    m_pScratch.reset();
+    if (m_pLoading)
+    {
+        velGuard(0, IDS_ARC_UNEXPECTED, [this]() -> INT_PTR {
+            Meanwhile([this] { m_pLoading->Clear(); });
+            return 0;
+        });
+        m_pLoading.reset();
+    }
     m_nResult = nResult;
     m_nWork = Work::None;
 }

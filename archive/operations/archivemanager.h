@@ -1,15 +1,14 @@
 // One archive operation for one patient from start to end.
 #pragma once
 
-#include "archive/files/asidefile.h"
 #include "archive/files/fileset.h"
-#include "archive/files/scratchfolder.h"
 #include "archive/status/statusthread.h"
 #include "archive/work/recordfile.h"
 #include "suite/patients/records/dbpatients.h"
 
 #include <afxwin.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -49,8 +48,9 @@ void arcUnlockPatient(const CString& strID) noexcept;
 /// Saves, loads and merges. Starting an operation leaves its copying to the status thread; when the thread
 /// reports to the owner window, that hands the result to FinishSave or FinishLoad, and the manager is idle
 /// again. Locks the patient for the length of the operation and never gives back a lock of somebody else. All
-/// calls belong to the user interface thread and show their messages themselves; none throws. Owns the status
-/// thread, which has ended when the operation has, and the scratch files of the operation.
+/// calls belong to the user interface thread and show their messages themselves; none throws. The database is
+/// asked on that thread only; what else may take its time is done on others while it answers its messages.
+/// Owns the status thread, which has ended when the operation has, and the scratch files of the operation.
 class arcCArchiveManager
 {
 public:
@@ -106,26 +106,24 @@ private:
     void UnlockPatient();
     int StartThread(const arcSStatusWork& work, Work nWork);
     void FinishUnreported();
-    void PumpUntilEnded(const arcCStatusThread& thread);
-    bool Carry(class dbCFilePlacement& placement);
-    bool Place(dbCFilePlacement& placement);
+    void Meanwhile(const std::function<void()>& work);
     bool TakeThread(Work nWork);
     void EndOperation(int nResult);
 
-    bool CheckSave() const;
+    bool CheckSave();
     int PrepareSave();
+    CString PrepareFiles(const dbCPatient& patient, arcSStatusWork& work);
     std::string WorkingPath(const std::string& id) const;
-    bool MoveOldArchiveAside(const dbCPatient& patient);
     void RecordSave();
     void OfferRemoval(dbCPatient& patient);
     std::vector<std::string> RemovePatient(const dbCPatient& patient) const;
     bool MayBeRemoved(const dbCPatient& patient) const;
 
     int PrepareLoad();
+    arcSStatusWork LoadingWork() const;
     bool TakeUnpacked();
-    bool CheckNew(const dbCPatient& archived) const;
-    bool AddPatient(dbCPatient& archived, const std::vector<std::string>& unpacked);
-    bool MergeInto(const dbCPatient& archived, const std::vector<std::string>& unpacked);
+    bool Place();
+    bool Carry();
     void Notify(int nEvent, const CString& strGUID) const;
 
     CWnd* const m_pOwner;
@@ -138,12 +136,11 @@ private:
     bool m_bPassable = false; ///< the patient is in use, but may be archived; nothing is recorded then
 
     arcSSave m_save;
-    arc::RecordFile m_recordFile;        ///< ".ACV" of the save under way
-    std::string m_record;                ///< what it holds
-    std::vector<arc::AsideFile> m_aside; ///< what the save under way replaces
+    arc::RecordFile m_recordFile; ///< ".ACV" of the save under way
+    std::string m_record;         ///< what it holds
     std::shared_ptr<std::vector<arc::PresentFile>>
         m_pStored; ///< what the zip of that save holds, as it went in
     arcSLoad m_load;
     bool m_bLeftBehind = false;
-    std::unique_ptr<arc::ScratchFolder> m_pScratch;
+    std::unique_ptr<class arcCLoading> m_pLoading; ///< the load or merge under way
 };

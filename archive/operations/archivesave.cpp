@@ -6,6 +6,7 @@
 #include "app/velenums.h"
 #include "archive/res/archivedlgres.h"
 #include "archive/operations/archiverecord.h"
+#include "archive/operations/loading.h"
 #include "archive/files/filenames.h"
 #include "archive/operations/otherformats.h"
 #include "archive/files/pathsafety.h"
@@ -18,6 +19,7 @@
 #include "suite/util/velpath.h"
 #include "suite/util/velstring.h"
 
+#include <objbase.h>
 #include <shellapi.h>
 
 #include <algorithm>
@@ -25,16 +27,27 @@
 namespace
 {
 /// Sets or clears a file's hidden attribute by the system's own command, which goes on by itself. Only the
-/// system's folder is looked into for it.
+/// system's folder is looked into for it. For a thread that ends soon.
 void SetHidden(const CString& strPath, bool bHidden)
 {
     char szSystem[MAX_PATH];
     const UINT nLength = ::GetSystemDirectory(szSystem, sizeof(szSystem));
     if (nLength == 0 || nLength >= sizeof(szSystem))
         return;
+    const CString strCommand = velWithBackslash(szSystem) + "attrib.exe";
     const CString strArguments = CString(bHidden ? "+h " : "-h ") + "\"" + strPath + "\"";
-    ::ShellExecute(nullptr, "open", velWithBackslash(szSystem) + "attrib.exe", strArguments, szSystem,
-                   SW_HIDE);
+    SHELLEXECUTEINFO info{};
+    info.cbSize = sizeof(info);
+    info.fMask = SEE_MASK_NOASYNC | SEE_MASK_FLAG_NO_UI;
+    info.lpVerb = "open";
+    info.lpFile = strCommand;
+    info.lpParameters = strArguments;
+    info.lpDirectory = szSystem;
+    info.nShow = SW_HIDE;
+    const HRESULT hrCOM = ::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE);
+    ::ShellExecuteEx(&info);
+    if (SUCCEEDED(hrCOM))
+        ::CoUninitialize();
 }
 
 /// Whether this is the folder of the live patient files, by whatever path.
@@ -47,18 +60,14 @@ bool IsWorkingFolder(std::string_view folder)
            (!identity.empty() && identity == files.Identity(working));
 }
 
-/// Writes the patient file anew where there is none that a load would take; false, with the user told, when
-/// that cannot be done.
-bool EnsurePatientFile(const dbCPatient& patient)
+/// Writes the patient file anew where there is none that a load would take; false when that cannot be done.
+/// Throws dbCException*.
+bool EnsurePatientFile(const dbCPatient& patient, const std::string& path)
 {
     const std::string id = patient.GetID().GetString();
-    const std::string path = arc::JoinPath(velGetDataPath().GetString(), arc::PatientFileName(id));
     if (!arcIsPatientFileOf(path, id))
         patient.WritePatientFile();
-    if (arcIsPatientFileOf(path, id))
-        return true;
-    AfxMessageBox(velFormatTemplate(IDS_ARC_NO_PATIENT_FILE, path.c_str()), MB_OK | MB_ICONSTOP);
-    return false;
+    return arcIsPatientFileOf(path, id);
 }
 
 /// An exclusive lock of a patient for the length of a scope.
@@ -103,7 +112,6 @@ bool DriveHoldsFiles(const CString& strPath)
 int arcCArchiveManager::StartSave(const arcSSave& save)
 {
     m_save = save;
-    m_aside.clear();
     m_pStored = std::make_shared<std::vector<arc::PresentFile>>();
     const INT_PTR nResult = velGuard(arc::ResultNotArchived, IDS_ARC_UNEXPECTED, [this]() -> INT_PTR {
         return CheckSave() ? PrepareSave() : arc::ResultNotArchived;
@@ -111,15 +119,12 @@ int arcCArchiveManager::StartSave(const arcSSave& save)
     if (nResult == arc::ResultDone)
         return arc::ResultDone;
     m_recordFile.Remove();
-    for (arc::AsideFile& old : m_aside)
-        old.PutBack();
-    m_aside.clear();
     EndOperation(static_cast<int>(nResult));
     return static_cast<int>(nResult);
 }
 
 /// What can be said before anything is done. False, with the user told, when the patient cannot be saved so.
-bool arcCArchiveManager::CheckSave() const
+bool arcCArchiveManager::CheckSave()
 {
     const std::string path = m_save.strArchivePath.GetString();
     if (m_save.bSeveralPatients && arc::IsDisketteDrive(path))
@@ -133,40 +138,32 @@ bool arcCArchiveManager::CheckSave() const
         return false;
     }
     // The live files would be taken for an archive that is to be replaced.
-    if (m_save.nFormat != arcFormatZipped && IsWorkingFolder(arc::FolderOf(path)))
-    {
+    bool bWorking = false;
+    if (m_save.nFormat != arcFormatZipped)
+        Meanwhile([&] { bWorking = IsWorkingFolder(arc::FolderOf(path)); });
+    if (bWorking)
         AfxMessageBox(IDS_ARC_WORKING_FOLDER, MB_OK | MB_ICONEXCLAMATION);
-        return false;
-    }
-    return true;
+    return !bWorking;
 }
 
 /// Up to the running thread.
 int arcCArchiveManager::PrepareSave()
 {
-    arc::FileSystem& files = arc::WindowsFileSystem();
-    const std::string id = m_save.strID.GetString();
-    const std::string temporary = velGetTempPath().GetString();
-    arc::RecordFile::ClearAbandoned(files, temporary);
     if (!LockPatient(m_save.strID, m_save.bKeepOthersOut ? patLockExclusive : patLockShared))
         return arc::ResultNotArchived;
     dbStep("save.locked");
     const bool bDiskette = arc::IsDisketteDrive(m_save.strArchivePath.GetString());
-    if (bDiskette && DriveHoldsFiles(m_save.strArchivePath) &&
-        AfxMessageBox(IDS_ARC_DISK_OTHER_PATIENT, MB_YESNO | MB_ICONQUESTION) != IDYES)
-    {
+    bool bHoldsFiles = false;
+    if (bDiskette)
+        Meanwhile([&] { bHoldsFiles = DriveHoldsFiles(m_save.strArchivePath); });
+    if (bHoldsFiles && AfxMessageBox(IDS_ARC_DISK_OTHER_PATIENT, MB_YESNO | MB_ICONQUESTION) != IDYES)
         return arc::ResultNotArchived;
-    }
 
     dbCPatient patient;
     if (!patient.Load(m_save.strID))
         dbCException::Throw(dbErrNotFound, m_save.strID);
-    if (!EnsurePatientFile(patient))
-        return arc::ResultNotArchived;
-    const bool bKeepsOld = !bDiskette && m_save.nFormat != arcFormatZipped;
-    if (bKeepsOld && !MoveOldArchiveAside(patient))
-        return arc::ResultNotArchived;
-    dbStep("save.prepared");
+    if (m_save.nFormat == arcFormatZipped)
+        m_record = arcRecordBytes(patient);
 
     arcSStatusWork work;
     work.bSave = TRUE;
@@ -175,38 +172,50 @@ int arcCArchiveManager::PrepareSave()
     work.strArchivePath = m_save.strArchivePath;
     work.strFolder = velGetDataPath();
     work.bAlternativeEngine = velGetIniInt("Defaults", "UseDynaZip", 0) != 0;
-    if (m_save.nFormat == arcFormatZipped)
+    CString strRefusal;
+    Meanwhile([&] { strRefusal = PrepareFiles(patient, work); });
+    if (!strRefusal.IsEmpty())
     {
-        m_record = arcRecordBytes(patient);
-        if (!m_recordFile.Write(temporary, id, m_record))
-        {
-            AfxMessageBox(
-                velFormatTemplate(IDS_ARC_RECORD_BUSY, arc::DatabaseRecordName(temporary, id).c_str()),
-                MB_OK | MB_ICONSTOP);
-            return arc::ResultNotArchived;
-        }
-        dbStep("save.record");
-        const auto more = arcFilesBesidePatterns(patient);
-        if (!more)
-        {
-            AfxMessageBox(arc::SaveResultText(arc::ResultSaveFailed), MB_OK | MB_ICONSTOP);
-            return arc::ResultNotArchived;
-        }
-        work.strFileList = arc::ArchivePatternArgument(id).c_str();
-        work.moreFiles = *more;
-        work.moreFiles.push_back(m_recordFile.Path());
-        work.strWorkingPath = WorkingPath(id).c_str();
-        work.pStored = m_pStored;
-        work.trial = [id, guid = std::string(patient.GetGUID().GetString())](const std::string& path) {
-            return arcTrialReading(path, id, guid);
-        };
-        work.step = dbStep;
-    }
-    else
-    {
-        work.otherWork = arcOtherSave(patient, m_save.nFormat, m_save.strArchivePath, bDiskette);
+        AfxMessageBox(strRefusal, MB_OK | MB_ICONSTOP);
+        return arc::ResultNotArchived;
     }
     return StartThread(work, Work::Save);
+}
+
+/// What a save needs of files: the patient file, the record's scratch file, the names. Answers what the user
+/// is to be told when it cannot begin. Any thread.
+CString arcCArchiveManager::PrepareFiles(const dbCPatient& patient, arcSStatusWork& work)
+{
+    arc::FileSystem& files = arc::WindowsFileSystem();
+    const std::string id = m_save.strID.GetString();
+    const std::string temporary = velGetTempPath().GetString();
+    arc::RecordFile::ClearAbandoned(files, temporary);
+    const std::string patientFile = arc::JoinPath(velGetDataPath().GetString(), arc::PatientFileName(id));
+    if (!EnsurePatientFile(patient, patientFile))
+        return velFormatTemplate(IDS_ARC_NO_PATIENT_FILE, patientFile.c_str());
+    dbStep("save.prepared");
+    if (m_save.nFormat != arcFormatZipped)
+    {
+        work.otherWork =
+            arcOtherSave(patient, m_save.nFormat, m_save.strArchivePath, work.bDiskette != FALSE);
+        return {};
+    }
+    if (!m_recordFile.Write(temporary, id, m_record))
+        return velFormatTemplate(IDS_ARC_RECORD_BUSY, arc::DatabaseRecordName(temporary, id).c_str());
+    dbStep("save.record");
+    const auto more = arcFilesBesidePatterns(patient);
+    if (!more)
+        return CString(MAKEINTRESOURCE(arc::SaveResultText(arc::ResultSaveFailed)));
+    work.strFileList = arc::ArchivePatternArgument(id).c_str();
+    work.moreFiles = *more;
+    work.moreFiles.push_back(m_recordFile.Path());
+    work.strWorkingPath = WorkingPath(id).c_str();
+    work.pStored = m_pStored;
+    work.trial = [id, guid = std::string(patient.GetGUID().GetString())](const std::string& path) {
+        return arcTrialReading(path, id, guid);
+    };
+    work.step = dbStep;
+    return {};
 }
 
 /// The name that the zip has while it is written: one that nothing has.
@@ -219,23 +228,6 @@ std::string arcCArchiveManager::WorkingPath(const std::string& id) const
     return path;
 }
 
-/// Keeps the files of an archive that the save replaces until the new one is known to be good. (Zipped
-/// archives are kept by the thread's work itself.) False, with the user told, when one can neither be moved
-/// nor be replaced.
-bool arcCArchiveManager::MoveOldArchiveAside(const dbCPatient& patient)
-{
-    for (const std::string& path : arcFilesOfArchive(patient, m_save.nFormat, m_save.strArchivePath))
-    {
-        m_aside.emplace_back(arc::WindowsFileSystem());
-        if (!m_aside.back().MoveAway(path))
-        {
-            AfxMessageBox(arc::SaveResultText(arc::ResultSaveFailed), MB_OK | MB_ICONSTOP);
-            return false;
-        }
-    }
-    return true;
-}
-
 void arcCArchiveManager::FinishSave(int nResult)
 {
     if (!TakeThread(Work::Save))
@@ -243,21 +235,20 @@ void arcCArchiveManager::FinishSave(int nResult)
     m_recordFile.Remove();
     dbStep("save.worked");
     velGuard(0, IDS_ARC_UNEXPECTED, [&]() -> INT_PTR {
-        if (velFileExists(m_save.strArchivePath))
-            SetHidden(m_save.strArchivePath, false);
+        Meanwhile([this] {
+            if (velFileExists(m_save.strArchivePath))
+                SetHidden(m_save.strArchivePath, false);
+        });
         if (nResult == arc::ResultDone)
             RecordSave();
         return 0;
     });
-    m_aside.clear();
     EndOperation(nResult);
 }
 
-/// The archive is good: the one it replaces goes, the save is recorded, and the patient may be removed.
+/// The archive is good: the save is recorded, and the patient may be removed.
 void arcCArchiveManager::RecordSave()
 {
-    for (arc::AsideFile& old : m_aside)
-        old.Discard();
     dbCPatient patient;
     if (!patient.Load(m_save.strID))
         dbCException::Throw(dbErrNotFound, m_save.strID);

@@ -2,20 +2,20 @@
 
 #include "archive/res/archivedlgres.h"
 #include "archive/operations/archiverecord.h"
-#include "archive/volumes/diskettevolumes.h"
 #include "archive/files/fileset.h"
 #include "archive/files/foldertree.h"
-#include "archive/files/outputfile.h"
 #include "archive/files/pathsafety.h"
+#include "archive/status/archiveworker.h"
+#include "archive/work/earliersaving.h"
 #include "archive/work/filecopies.h"
 #include "archive/work/resultcodes.h"
-#include "archive/volumes/volumestream.h"
+#include "archive/work/volumesaving.h"
 #include "suite/patients/records/patientfile.h"
 #include "suite/patients/store/dbsteps.h"
 #include "suite/util/velpath.h"
 #include "suite/util/velstring.h"
 
-#include <algorithm>
+#include <memory>
 
 namespace
 {
@@ -28,7 +28,7 @@ CString Text(UINT nID)
     return strText;
 }
 
-// Asks over the progress dialog.
+/// Asks over the progress dialog.
 class CDiskettePrompts : public arc::DiskettePrompts
 {
 public:
@@ -75,10 +75,13 @@ public:
                                             std::to_string(m_nVolumes).c_str())
                               .GetString());
     }
-    /// How many diskettes the save is expected to take; 0 where that is not known.
-    void SetVolumes(std::uint64_t nVolumes)
+    void Expect(std::uint64_t volumes) override
     {
-        m_nVolumes = nVolumes;
+        m_nVolumes = volumes;
+    }
+    void FirstAgain() override
+    {
+        m_ask(Text(IDS_ARC_DISK_FIRST_AGAIN), MB_OK | MB_ICONINFORMATION);
     }
 
 private:
@@ -87,7 +90,7 @@ private:
     std::uint64_t m_nVolumes = 0;
 };
 
-// The thread's result for a stream; what the result code has no message for is told here.
+/// The thread's result for a stream; what the result code has no message for is told here.
 int ResultOf(const arcAsk& ask, VolumeStatus status, int nFailure)
 {
     UINT nText = 0;
@@ -129,111 +132,17 @@ arc::LocalTime Now()
     return {now.wYear, now.wMonth - 1, now.wDay, now.wHour, now.wMinute, now.wSecond};
 }
 
-bool WriteLabelFile(arc::FileSystem& files, const std::string& path, const arc::HeaderLine& header)
-{
-    arc::OutputFile label(files);
-    const std::string line = arc::WriteHeaderLine(header);
-    return label.CreateNew(path) && label.Write(line.data(), line.size()) && label.Keep(nullptr, true) &&
-           arc::ReadHeaderLine(files, path) == arc::ParseHeaderLine(line);
-}
-
-// The listed files that are there, the patient file first; nothing when that is missing or one cannot be
-// asked.
-std::optional<std::vector<arc::PresentFile>> FilesToSave(const std::string& folder,
-                                                         const std::vector<std::string>& listed)
-{
-    auto set = arc::PresentFiles(arc::WindowsFileSystem(), folder, listed);
-    if (set && (set->empty() || set->front().name != listed.front()))
-        set.reset();
-    return set;
-}
-
-// A patient on the way into a volume stream: what the thread needs of it.
-struct VolumeSave
-{
-    arc::HeaderLine header;
-    std::string workingFolder;
-    std::string archivePath;
-    std::vector<std::string> listed;
-    bool confirmed = false;
-
-    int ToFolder(const arcAsk& ask, const arc::VolumeProgress& progress) const
-    {
-        arc::FileSystem& files = arc::WindowsFileSystem();
-        const auto set = FilesToSave(workingFolder, listed);
-        if (!set)
-            return arc::ResultSaveFailed;
-        arc::FolderVolumes volumes(files, std::string(arc::FolderOf(archivePath)), header.id);
-        VolumeStatus status = arc::WriteVolumeStream(files, workingFolder, *set, Now(), volumes, progress);
-        dbStep("save.written");
-        if (status == VolumeStatus::Done)
-            status = Prove(*set, volumes);
-        dbStep("save.proven");
-        if (status == VolumeStatus::Done && !WriteLabelFile(files, archivePath, header))
-            status = VolumeStatus::WriteFailed;
-        if (status != VolumeStatus::Done)
-            volumes.RemoveWritten();
-        dbStep("save.placed");
-        return ResultOf(ask, status, arc::ResultSaveFailed);
-    }
-
-    int ToDiskettes(const arcAsk& ask, const arcProgress& show, const arc::VolumeProgress& progress) const
-    {
-        arc::FileSystem& files = arc::WindowsFileSystem();
-        CDiskettePrompts prompts(ask, show);
-        const auto set = FilesToSave(workingFolder, listed);
-        if (!set)
-            return arc::ResultSaveFailed;
-        const auto space = files.Space(std::string(1, archivePath.front()) + ":\\");
-        if (space)
-            prompts.SetVolumes(arc::EstimateVolumes(arc::StreamLength(*set), header, space->bytesPerCluster,
-                                                    space->totalClusters));
-        arc::DisketteVolumes volumes(files, prompts, archivePath.front(), header, confirmed);
-        VolumeStatus status = arc::WriteVolumeStream(files, workingFolder, *set, Now(), volumes, progress);
-        if (status == VolumeStatus::Done && volumes.VolumesWritten() > 1)
-            ask(Text(IDS_ARC_DISK_FIRST_AGAIN), MB_OK | MB_ICONINFORMATION);
-        if (status == VolumeStatus::Done)
-            status = Prove(*set, volumes);
-        return ResultOf(ask, status, arc::ResultSaveFailed);
-    }
-
-    // The volumes hold the very bytes of the files, and the patient file is one that a load takes.
-    VolumeStatus Prove(const std::vector<arc::PresentFile>& set, arc::VolumeSource& volumes) const
-    {
-        const VolumeStatus status =
-            arc::VerifyVolumeStream(arc::WindowsFileSystem(), workingFolder, set, volumes);
-        if (status != VolumeStatus::Done)
-            return status;
-        return arcIsPatientFileOf(arc::JoinPath(workingFolder, set.front().name), header.id)
-                   ? status
-                   : VolumeStatus::Corrupt;
-    }
-};
-
-// The live ".PF" makes way for one of the earlier format for the length of a save.
-int SaveEarlierFormat(const dbCPatient& patient, const std::vector<std::string>& listed,
-                      const std::string& folder, const arcProgress& progress)
+int SaveVolumes(const arc::VolumeSave& save, bool bConfirmed, const arcAsk& ask, const arcProgress& progress)
 {
     arc::FileSystem& files = arc::WindowsFileSystem();
-    try
-    {
-        const patCEarlierFile earlier(patient);
-        const std::string working = velGetDataPath().GetString();
-        const auto set = FilesToSave(working, listed);
-        dbStep("save.patientFile");
-        if (!set || !arc::CopyAllNew(files, working, *set, folder, progress))
-            return arc::ResultSaveFailed;
-        dbStep("save.written");
-        if (arcIsPatientFileOf(arc::JoinPath(folder, set->front().name), patient.GetID().GetString()))
-            return arc::ResultDone;
-        for (const arc::PresentFile& file : *set)
-            files.RemoveFile(arc::JoinPath(folder, file.name));
-    }
-    catch (CException* e)
-    {
-        e->Delete();
-    }
-    return arc::ResultSaveFailed;
+    CDiskettePrompts prompts(ask, progress);
+    std::unique_ptr<arc::VolumeSaving> pSaving;
+    if (arc::IsDisketteDrive(save.archivePath))
+        pSaving = std::make_unique<arc::DisketteSaving>(files, save, prompts, bConfirmed, progress);
+    else
+        pSaving = std::make_unique<arc::FolderVolumeSaving>(files, save, progress);
+    const int nResult = arc::Run(*pSaving);
+    return nResult == arc::ResultSaveFailed ? ResultOf(ask, pSaving->Status(), nResult) : nResult;
 }
 
 int LoadEarlierFormat(const std::string& archivePath, const std::string& scratchFolder,
@@ -270,7 +179,7 @@ int LoadVolumes(const arcAsk& ask, bool bDiskettes, const std::string& archivePa
     // The ID becomes part of the volumes' names.
     if (!header || !arc::SafeFileName(header->id))
         return arc::ResultLoadFailed;
-    const arc::VolumeProgress progress = [&show](int nPercent) { show(nPercent, {}); };
+    const arc::VolumeProgress progress = [&show](int nPercent) { return show(nPercent, {}); };
     std::vector<arc::PresentFile> read;
     if (!bDiskettes)
     {
@@ -285,71 +194,61 @@ int LoadVolumes(const arcAsk& ask, bool bDiskettes, const std::string& archivePa
 }
 } // namespace
 
-std::vector<std::string> arcFilesOfArchive(const dbCPatient& patient, arcFormat nFormat,
-                                           LPCTSTR pszArchivePath)
-{
-    arc::FileSystem& files = arc::WindowsFileSystem();
-    const std::string folder(arc::FolderOf(pszArchivePath));
-    std::vector<std::string> paths;
-    if (!files.Query(pszArchivePath).IsAbsent())
-        paths.emplace_back(pszArchivePath);
-    if (nFormat == arcFormatVolumes)
-    {
-        for (int nVolume = 1; nVolume <= arc::MaxVolumes; ++nVolume)
-        {
-            const std::string path = arc::VolumeFileName(folder, patient.GetID().GetString(), nVolume);
-            if (files.Query(path).IsAbsent())
-                break;
-            paths.push_back(path);
-        }
-    }
-    else if (nFormat == arcFormatEarlier)
-    {
-        for (const std::string& name : arcListedFiles(patient))
-        {
-            for (const std::string& candidate : {name, arc::AlternateImageName(name)})
-            {
-                const std::string path = arc::JoinPath(folder, candidate);
-                if (!candidate.empty() && !arc::EqualNoCase(path, pszArchivePath) &&
-                    !files.Query(path).IsAbsent())
-                    paths.push_back(path);
-            }
-        }
-    }
-    return paths;
-}
-
 CString arcExistingArchive(LPCTSTR pszID, arcFormat nFormat, LPCTSTR pszArchivePath)
 {
     if (arc::IsDeviceName(arc::FileNameOf(pszArchivePath)))
         return {}; // always seems to be there, and is refused soon
     dbCPatient patient;
-    if (nFormat == arcFormatZipped || arc::IsDisketteDrive(pszArchivePath) || !patient.Load(pszID))
-        return velFileExists(pszArchivePath) ? CString(pszArchivePath) : CString();
-    const std::vector<std::string> paths = arcFilesOfArchive(patient, nFormat, pszArchivePath);
-    return paths.empty() ? CString() : CString(paths.front().c_str());
+    if (nFormat == arcFormatEarlier && !patient.Load(pszID))
+        return {};
+    CString strExisting;
+    arcMeanwhile([&] {
+        arc::FileSystem& files = arc::WindowsFileSystem();
+        std::vector<std::string> paths;
+        if (nFormat == arcFormatZipped || arc::IsDisketteDrive(pszArchivePath))
+        {
+            if (const auto info = files.Query(pszArchivePath); info && !info->IsFolder())
+                paths.emplace_back(pszArchivePath);
+        }
+        else if (nFormat == arcFormatVolumes)
+            paths = arc::VolumeArchiveFiles(files, pszArchivePath, pszID);
+        else
+            paths = arc::EarlierArchiveFiles(files, pszArchivePath, arcListedFiles(patient));
+        if (!paths.empty())
+            strExisting = paths.front().c_str();
+    });
+    return strExisting;
 }
 
 arcWork arcOtherSave(const dbCPatient& patient, arcFormat nFormat, LPCTSTR pszArchivePath, bool bConfirmed)
 {
-    const std::string archivePath = pszArchivePath;
+    const std::string id = patient.GetID().GetString();
+    const auto trial = [id](const std::string& path) { return arcIsPatientFileOf(path, id); };
     if (nFormat == arcFormatEarlier)
     {
-        return [patient, listed = arcListedFiles(patient), archivePath](const arcAsk&,
-                                                                        const arcProgress& progress) {
-            return SaveEarlierFormat(patient, listed, std::string(arc::FolderOf(archivePath)), progress);
+        arc::EarlierSave save;
+        save.archivePath = pszArchivePath;
+        save.folder = velGetDataPath().GetString();
+        save.listed = arcListedFiles(patient);
+        save.patientFile = [patient] { return std::make_shared<patCEarlierFile>(patient); };
+        save.trial = trial;
+        save.step = dbStep;
+        return [save](const arcAsk&, const arcProgress& progress) {
+            arc::EarlierSaving saving(arc::WindowsFileSystem(), save, progress);
+            return arc::Run(saving);
         };
     }
-    VolumeSave save;
+    arc::VolumeSave save;
     save.header = HeaderOf(patient);
-    save.workingFolder = velGetDataPath().GetString();
-    save.archivePath = archivePath;
+    save.archivePath = pszArchivePath;
+    save.folder = velGetDataPath().GetString();
     save.listed = arcListedFiles(patient);
-    save.confirmed = bConfirmed;
-    return [save](const arcAsk& ask, const arcProgress& show) {
-        const arc::VolumeProgress progress = [&show](int nPercent) { show(nPercent, {}); };
-        return arc::IsDisketteDrive(save.archivePath) ? save.ToDiskettes(ask, show, progress)
-                                                      : save.ToFolder(ask, progress);
+    save.saved = Now();
+    save.checking = Text(IDS_ARC_STATUS_CHECKING).GetString();
+    save.trial = trial;
+    save.step = dbStep;
+    return [save, bConfirmed](const arcAsk& ask, const arcProgress& progress) {
+        return SaveVolumes(save, bConfirmed, ask, progress);
     };
 }
 

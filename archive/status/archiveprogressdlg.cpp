@@ -115,14 +115,6 @@ void arcCDlgArchiveProgress::FinishWork()
 {
     m_nResult = m_pWorker->GetResult();
     m_bFinished = TRUE;
-    try
-    {
-        ReportResult();
-    }
-    catch (CException* e)
-    {
-        e->Delete(); // the result stands, told or not
-    }
 }
 
 void arcCDlgArchiveProgress::StopWork()

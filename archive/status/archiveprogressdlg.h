@@ -34,8 +34,10 @@ public:
     {
         return m_pWorker ? m_pWorker->GetHandle() : nullptr;
     }
-    /// Once that is signalled: takes the result and shows its message.
+    /// Once that is signalled: takes the result.
     void FinishWork();
+    /// Shows the message of the result.
+    void ReportResult();
     /// Work that has not begun is finished then, as cancelled.
     void StopWork();
     /// The result code (archive/work/resultcodes.h), once it is finished.
@@ -58,7 +60,6 @@ protected:
 
 private:
     arcWork MakeWork() const;
-    void ReportResult();
 
     const arcSStatusWork& m_work;
     std::unique_ptr<arcCWorker> m_pWorker;

@@ -2,6 +2,8 @@
 
 #include "archive/status/messagewait.h"
 
+#include <exception>
+
 arcCWorker::arcCWorker(arcWork work, int nFailure) : m_work(std::move(work)), m_nResult(nFailure)
 {
 }
@@ -85,4 +87,29 @@ int arcCWorker::Ask(const CString& strText, UINT nType) const
 {
     const arcSQuestion question{strText, nType};
     return static_cast<int>(::SendMessage(m_hWindow, arcMsgAsk, 0, reinterpret_cast<LPARAM>(&question)));
+}
+
+bool arcMeanwhile(const std::function<void()>& work)
+{
+    std::exception_ptr pThrown;
+    const auto guarded = [&](const arcAsk&, const arcProgress&) {
+        try
+        {
+            work();
+        }
+        catch (...)
+        {
+            pThrown = std::current_exception();
+        }
+        return 0;
+    };
+    arcCWorker worker(guarded, 0);
+    bool bQuits = false;
+    if (worker.Start(nullptr))
+        bQuits = arcPumpUntil(worker.GetHandle());
+    else
+        work();
+    if (pThrown)
+        std::rethrow_exception(pThrown);
+    return bQuits;
 }

@@ -33,7 +33,7 @@ public:
     arcCWorker(const arcCWorker&) = delete;
     arcCWorker& operator=(const arcCWorker&) = delete;
 
-    /// False when the thread cannot be made.
+    /// False when the thread cannot be made. Without a window nobody is asked and told.
     bool Start(HWND hWindow);
     /// The work hears it from its next report of progress.
     void Stop();
@@ -68,3 +68,8 @@ private:
     Progress m_progress;    // under the mutex
     bool m_bPosted = false; // under the mutex
 };
+
+/// Has work without progress done on a thread of its own while the calling one goes on answering its
+/// messages; in line where there can be no thread. What the work throws goes on here. True when WM_QUIT came
+/// meanwhile; the caller's own loop finds it again.
+bool arcMeanwhile(const std::function<void()>& work);

@@ -6,17 +6,12 @@ arcWoken arcPumpOrWait(HANDLE hObject)
 {
     // Not GetMessage: it would go on waiting when the message it was called for is a sent one.
     MSG* const pMessage = AfxGetCurrentMessage();
+    const DWORD nObjects = hObject != nullptr ? 1 : 0;
+    const DWORD nWoken =
+        ::MsgWaitForMultipleObjectsEx(nObjects, &hObject, INFINITE, QS_ALLINPUT, MWMO_INPUTAVAILABLE);
+    // The wait prefers the object.
     if (!::PeekMessage(pMessage, nullptr, 0, 0, PM_REMOVE))
-    {
-        const DWORD nObjects = hObject != nullptr ? 1 : 0;
-        const DWORD nWoken =
-            ::MsgWaitForMultipleObjectsEx(nObjects, &hObject, INFINITE, QS_ALLINPUT, MWMO_INPUTAVAILABLE);
-        if (nWoken == WAIT_OBJECT_0 + nObjects)
-            return arcWoken::Message;
-        // A message may have come between the look and the wait, which prefers the object.
-        if (!::PeekMessage(pMessage, nullptr, 0, 0, PM_REMOVE))
-            return arcWoken::Object;
-    }
+        return nObjects != 0 && nWoken == WAIT_OBJECT_0 ? arcWoken::Object : arcWoken::Message;
     if (pMessage->message == WM_QUIT)
         return arcWoken::Quit;
     BOOL bTranslated = TRUE;
@@ -34,6 +29,26 @@ arcWoken arcPumpOrWait(HANDLE hObject)
         ::DispatchMessage(pMessage);
     }
     return arcWoken::Message;
+}
+
+bool arcPumpUntil(HANDLE hObject)
+{
+    bool bQuits = false;
+    int nExitCode = 0;
+    for (;;)
+    {
+        const arcWoken woken = arcPumpOrWait(hObject);
+        if (woken == arcWoken::Object)
+            break;
+        if (woken == arcWoken::Quit)
+        {
+            bQuits = true;
+            nExitCode = static_cast<int>(AfxGetCurrentMessage()->wParam);
+        }
+    }
+    if (bQuits)
+        ::PostQuitMessage(nExitCode);
+    return bQuits;
 }
 
 void arcWaitAnswering(HANDLE hObject)

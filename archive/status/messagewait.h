@@ -15,6 +15,10 @@ enum class arcWoken
 /// comes first.
 arcWoken arcPumpOrWait(HANDLE hObject);
 
+/// Dispatches the calling thread's messages until the object is signalled and none is left. True when WM_QUIT
+/// was among them; it is posted again at the end.
+bool arcPumpUntil(HANDLE hObject);
+
 /// Waits until the object is signalled. What other threads send to this thread's windows is answered
 /// meanwhile, what they post stays.
 void arcWaitAnswering(HANDLE hObject);

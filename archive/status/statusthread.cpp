@@ -6,7 +6,7 @@
 
 namespace
 {
-// Disables a window for as long as it lives; leaves one alone that was disabled before.
+/// Disables a window for as long as it lives; leaves one alone that was disabled before.
 class WindowDisabled
 {
 public:
@@ -32,14 +32,14 @@ private:
     HWND m_hWnd = nullptr;
 };
 
-// The application's main window: the one that in the end owns the window that asked.
+/// The application's main window: the one that in the end owns the window that asked.
 HWND MainWindowOf(HWND hOwner)
 {
     const HWND hRoot = hOwner != nullptr ? ::GetAncestor(hOwner, GA_ROOTOWNER) : nullptr;
     return hRoot != nullptr ? hRoot : hOwner;
 }
 
-// The window that the user works in: the progress dialog lies over it, and it is active again afterwards.
+/// The window that the user works in: the progress dialog lies over it, and it is active again afterwards.
 HWND ActiveWindowOf(HWND hOwner)
 {
     const HWND hMain = MainWindowOf(hOwner);
@@ -83,14 +83,14 @@ int arcCStatusThread::Join()
     return m_nResult;
 }
 
-/// Shows the progress dialog and has the work done; answers the result code. The other windows are enabled
-/// again before the dialog goes.
-int arcCStatusThread::RunWork(HWND hActive) const
+/// Shows the progress dialog, has the work done and keeps its result. The other windows are enabled again
+/// before the dialog goes.
+void arcCStatusThread::RunWork(HWND hActive)
 {
     arcCDlgArchiveProgress dialog(m_work);
     if (!dialog.Create(CWnd::FromHandle(hActive)))
     {
-        return arc::ResultNoDialog;
+        return;
     }
     {
         const WindowDisabled mainWindow(MainWindowOf(m_work.hOwner));
@@ -105,6 +105,8 @@ int arcCStatusThread::RunWork(HWND hActive) const
             else if (woken == arcWoken::Quit || (dialog.GetSafeHwnd() == nullptr && !dialog.HasStarted()))
                 dialog.StopWork();
         }
+        m_nResult = dialog.GetResult(); // it stands, told or not
+        dialog.ReportResult();
     }
     // Left to itself the system may take another program's window for the next one.
     const bool bInFront = dialog.GetSafeHwnd() != nullptr && ::GetForegroundWindow() == dialog.GetSafeHwnd();
@@ -113,7 +115,6 @@ int arcCStatusThread::RunWork(HWND hActive) const
     {
         ::SetForegroundWindow(hActive);
     }
-    return dialog.GetResult();
 }
 
 BOOL arcCStatusThread::InitInstance()
@@ -123,7 +124,7 @@ BOOL arcCStatusThread::InitInstance()
     try
     {
         const HWND hActive = ActiveWindowOf(m_work.hOwner);
-        m_nResult = RunWork(hActive);
+        RunWork(hActive);
         ShowThreadResult(::IsWindow(hActive) ? hActive : MainWindowOf(m_work.hOwner), m_nResult);
     }
     catch (CException* e)

@@ -79,7 +79,7 @@ public:
     int ExitInstance() override;
 
 private:
-    int RunWork(HWND hActive) const;
+    void RunWork(HWND hActive);
 
     arcSStatusWork m_work;
     int m_nResult = 0; // the thread's own until that has ended

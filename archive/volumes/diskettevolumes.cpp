@@ -94,12 +94,10 @@ VolumeStatus DisketteVolumes::OpenForReading(int number, std::unique_ptr<File>& 
     return volume ? VolumeStatus::Done : VolumeStatus::OpenFailed;
 }
 
-bool DisketteVolumes::TryAgain(int number, VolumeStatus problem)
+VolumeStatus DisketteVolumes::Settle(int number, VolumeStatus problem)
 {
-    if (problem == VolumeStatus::Cancelled)
-        return false;
     if (problem == VolumeStatus::OpenFailed && m_files.Query(VolumePath(number)))
         m_prompts.Unreadable(m_drive);
-    return m_prompts.InsertRight(number, m_drive);
+    return m_prompts.InsertRight(number, m_drive) ? VolumeStatus::Done : VolumeStatus::Cancelled;
 }
 } // namespace arc

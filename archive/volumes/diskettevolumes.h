@@ -4,7 +4,7 @@
 #include "archive/volumes/diskette.h"
 #include "archive/volumes/volumestream.h"
 
-#include <functional>
+#include <cstdint>
 #include <string>
 
 namespace arc
@@ -18,15 +18,19 @@ public:
     virtual bool Insert(int number, char drive) = 0;
     /// A question of the string table (DisketteQuestion) about the diskette in the drive; false aborts.
     virtual bool UseAnyway(unsigned text) = 0;
-    /// The diskette read is not the one wanted; false aborts.
+    /// The diskette read is not the one wanted; false: the user wants no more.
     virtual bool InsertRight(int number, char drive) = 0;
     /// Tells that the diskette could not be erased, or not be read.
     virtual void WriteFault(char drive) = 0;
     virtual void Unreadable(char drive) = 0;
     /// Shown while a diskette is erased.
     virtual void Erasing() = 0;
+    /// How many diskettes the save is expected to take; 0 where that is not known.
+    virtual void Expect(std::uint64_t volumes) = 0;
     /// A diskette is about to be written.
     virtual void Writing(int number) = 0;
+    /// All of several are written: the first one is wanted again.
+    virtual void FirstAgain() = 0;
 };
 
 /// For one save or load of one patient, on one thread; files and prompts must outlive it. A diskette is
@@ -41,7 +45,7 @@ public:
     std::uint64_t ExpectedCapacity() override;
     VolumeStatus OpenForWriting(int number, std::unique_ptr<File>& volume, std::uint64_t& capacity) override;
     VolumeStatus OpenForReading(int number, std::unique_ptr<File>& volume) override;
-    bool TryAgain(int number, VolumeStatus problem) override;
+    VolumeStatus Settle(int number, VolumeStatus problem) override;
 
     int VolumesWritten() const
     {

@@ -147,9 +147,9 @@ public:
             {
                 return VolumeStatus::WriteFailed;
             }
-            if (m_progress)
+            if (m_progress && !m_progress(ProgressPercent(m_running, m_total)))
             {
-                m_progress(ProgressPercent(m_running, m_total));
+                return VolumeStatus::Cancelled;
             }
         }
         return VolumeStatus::Done;
@@ -267,18 +267,24 @@ private:
         {
             return VolumeStatus::Corrupt;
         }
-        VolumeStatus status = VolumeStatus::Done;
-        do
+        for (;;)
         {
-            status = m_source.OpenForReading(m_number, m_volume);
+            VolumeStatus status = m_source.OpenForReading(m_number, m_volume);
             if (status == VolumeStatus::Done)
             {
                 status = ReadHeader();
             }
-        } while ((status == VolumeStatus::OpenFailed || status == VolumeStatus::Corrupt ||
-                  status == VolumeStatus::OutOfOrder) &&
-                 m_source.TryAgain(m_number, status));
-        return status;
+            const bool isWrong = status == VolumeStatus::OpenFailed || status == VolumeStatus::Corrupt ||
+                                 status == VolumeStatus::OutOfOrder;
+            if (isWrong)
+            {
+                status = m_source.Settle(m_number, status);
+            }
+            if (!isWrong || status != VolumeStatus::Done)
+            {
+                return status;
+            }
+        }
     }
 
     VolumeStatus ReadHeader()
@@ -341,9 +347,9 @@ VolumeStatus TakeFile(VolumeJoiner& stream, const DirectoryRecord& record, Strea
             status = taker.Take(buffer.bytes.get(), part);
         }
         left -= static_cast<std::uint32_t>(part);
-        if (progress)
+        if (progress && !progress(stream.Percent()))
         {
-            progress(stream.Percent());
+            return VolumeStatus::Cancelled;
         }
     }
     return status == VolumeStatus::Done ? taker.End(record) : status;
@@ -648,9 +654,9 @@ VolumeStatus ReadVolumeStream(FileSystem& files, const std::string& folder, Volu
 
 VolumeStatus VerifyVolumeStream(FileSystem& files, const std::string& folder,
                                 const std::vector<PresentFile>& set, VolumeSource& source,
-                                TransferBuffer buffer)
+                                const VolumeProgress& progress, TransferBuffer buffer)
 {
     Comparer comparer(files, folder, set);
-    return ReadStream(source, comparer, std::move(buffer), {});
+    return ReadStream(source, comparer, std::move(buffer), progress);
 }
 } // namespace arc

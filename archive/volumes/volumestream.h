@@ -17,7 +17,7 @@ namespace arc
 enum class VolumeStatus
 {
     Done = 0,
-    Cancelled,      ///< the user refused a volume
+    Cancelled,      ///< the user refused a volume or ended the work
     TooManyBytes,   ///< a file or the whole stream needs more than 32 bits
     TooManyFiles,   ///< more than a header can count, or none
     NameTooLong,    ///< a name does not fit the record
@@ -33,8 +33,8 @@ enum class VolumeStatus
     DuplicateName, ///< two records name the same file
 };
 
-/// The percentage of the stream that is done, 0 to 100; the empty stream is done.
-using VolumeProgress = std::function<void(int percent)>;
+/// The percentage of the stream that is done, 0 to 100; the empty stream is done. False ends the work.
+using VolumeProgress = std::function<bool(int percent)>;
 
 inline constexpr std::size_t TransferBufferSize = 32767;
 
@@ -69,12 +69,12 @@ class VolumeSource
 public:
     virtual ~VolumeSource() = default;
     virtual VolumeStatus OpenForReading(int number, std::unique_ptr<File>& volume) = 0;
-    /// Asked when the volume opened is not the right one; true when another was put in and is to be opened.
-    virtual bool TryAgain(int number, VolumeStatus problem)
+    /// Asked when the volume is not the right one: Done when another was put in and is to be opened, else why
+    /// the reading ends.
+    virtual VolumeStatus Settle(int number, VolumeStatus problem)
     {
         static_cast<void>(number);
-        static_cast<void>(problem);
-        return false;
+        return problem;
     }
 };
 
@@ -125,5 +125,6 @@ VolumeStatus ReadVolumeStream(FileSystem& files, const std::string& folder, Volu
 /// byte with the folder's files: what was written can be read back.
 VolumeStatus VerifyVolumeStream(FileSystem& files, const std::string& folder,
                                 const std::vector<PresentFile>& set, VolumeSource& source,
+                                const VolumeProgress& progress = {},
                                 TransferBuffer buffer = TransferBuffer::Allocate());
 } // namespace arc

@@ -8,79 +8,46 @@
 namespace arc
 {
 ZipSaving::ZipSaving(FileSystem& files, const ZipSave& save, const WorkProgress& progress)
-    : m_files(files), m_save(save), m_progress(progress), m_previous(files)
+    : Saving(files, progress, save.step), m_save(save)
 {
 }
 
 ZipSaving::~ZipSaving()
 {
-    if (m_bOpened && !m_bCommitted)
+    if (m_bOpened && !IsCommitted())
     {
-        m_files.RemoveFile(WrittenPath());
+        Files().RemoveFile(WrittenPath());
     }
 }
 
-bool ZipSaving::Begin()
+std::vector<std::string> ZipSaving::Replaced()
 {
-    const bool begun = m_save.diskette || m_previous.MoveAway(m_save.archivePath);
-    Step("save.aside");
-    return begun;
+    return m_save.diskette ? std::vector<std::string>() : std::vector{m_save.archivePath};
 }
 
-bool ZipSaving::Write()
+bool ZipSaving::WriteArchive()
 {
-    CZipper zipper(m_files);
+    CZipper zipper(Files());
     zipper.SetParallel(m_save.parallel);
     zipper.SetProgress([this](int percent, const std::string& name) { return Report(percent, name); });
     m_bOpened = zipper.OpenZip(WrittenPath(), {}, false, !m_save.diskette);
     const bool added =
         m_bOpened && zipper.AddPatternList(m_save.patterns, m_save.folder, true, m_save.moreFiles);
     m_stored = zipper.Stored();
-    const bool written = zipper.CloseZip() && added;
-    Step("save.written");
-    return written;
+    return zipper.CloseZip() && added;
 }
 
-bool ZipSaving::Prove()
+bool ZipSaving::ProveArchive()
 {
-    const bool proven = VerifyZip(
-                            m_files, WrittenPath(), m_stored, [this] { return Report(100, m_save.checking); },
-                            m_save.parallel) &&
-                        (!m_save.trial || m_save.trial(WrittenPath()));
-    Step("save.proven");
-    return proven;
+    return VerifyZip(
+               Files(), WrittenPath(), m_stored, [this] { return Report(100, m_save.checking); },
+               m_save.parallel) &&
+           (!m_save.trial || m_save.trial(WrittenPath()));
 }
 
-bool ZipSaving::Commit()
+bool ZipSaving::PlaceArchive()
 {
-    if (WrittenPath() != m_save.archivePath && !m_files.Move(WrittenPath(), m_save.archivePath))
-    {
-        return false;
-    }
-    m_bCommitted = true;
-    Step("save.placed");
-    m_previous.Discard();
-    Step("save.done");
-    return true;
-}
-
-int ZipSaving::Result() const
-{
-    return m_bCommitted ? ResultDone : m_bCancelled ? ResultCancelled : ResultSaveFailed;
-}
-
-bool ZipSaving::Report(int percent, const std::string& name)
-{
-    m_bCancelled = m_bCancelled || (m_progress && !m_progress(percent, name));
-    return !m_bCancelled;
-}
-
-void ZipSaving::Step(const char* step) const
-{
-    if (m_save.step)
-    {
-        m_save.step(step);
-    }
+    return WrittenPath() == m_save.archivePath || Files().Move(WrittenPath(), m_save.archivePath);
 }
 
 const std::string& ZipSaving::WrittenPath() const
@@ -92,12 +59,12 @@ int SaveZip(FileSystem& files, const ZipSave& save, const WorkProgress& progress
             std::vector<PresentFile>* stored)
 {
     ZipSaving saving(files, save, progress);
-    const bool done = saving.Begin() && saving.Write() && saving.Prove() && saving.Commit();
-    if (done && stored)
+    const int result = Run(saving);
+    if (result == ResultDone && stored)
     {
         *stored = saving.Stored();
     }
-    return saving.Result();
+    return result;
 }
 
 int LoadZip(FileSystem& files, const std::string& archivePath, const std::string& folder,

@@ -120,7 +120,7 @@ TEST_P(CrashInFormatTest, ASaveLeavesThePatientAndAWholeArchive)
     const auto files = WorkingFiles();
     SaveAs(nFilter);
     const auto old = ArchiveFolder();
-    DieAtEachStep(ARCHIVE_OP_SAVE, "A1", ArchiveOf(nFilter), nFilter, "keep", 6, [&](int nStep) {
+    DieAtEachStep(ARCHIVE_OP_SAVE, "A1", ArchiveOf(nFilter), nFilter, "keep", 9, [&](int nStep) {
         EXPECT_TRUE(IsStored("A1")) << nStep;
         EXPECT_EQ(WorkingFiles(), files) << nStep;
         const auto now = ArchiveFolder();
@@ -152,7 +152,7 @@ TEST_P(CrashInFormatTest, ALoadLeavesThePracticeAsBeforeOrAsAfter)
     const auto files = WorkingFiles();
     m_patients.DeletePatient("A1");
     ASSERT_TRUE(WorkingFiles().empty());
-    DieAtEachStep(ARCHIVE_OP_LOAD, "", ArchiveOf(nFilter), nFilter, "", 5, [&](int nStep) {
+    DieAtEachStep(ARCHIVE_OP_LOAD, "", ArchiveOf(nFilter), nFilter, "", 10, [&](int nStep) {
         if (IsStored("A1"))
         {
             EXPECT_EQ(WorkingFiles(), files) << nStep;
@@ -174,7 +174,7 @@ TEST_F(CrashTest, AMergeLeavesThePracticeAsBeforeOrAsAfter)
     SaveAndChange("A1");
     StorePatient("A1", 1, 10);
     const auto before = WorkingFiles();
-    DieAtEachStep(ARCHIVE_OP_MERGE, "A1", Archive("A1"), 0, "", 5, [&](int nStep) {
+    DieAtEachStep(ARCHIVE_OP_MERGE, "A1", Archive("A1"), 0, "", 10, [&](int nStep) {
         dbCPatient patient;
         ASSERT_TRUE(patient.Load("A1")) << nStep;
         auto files = WorkingFiles();

@@ -204,6 +204,43 @@ TEST_F(ArchiveDialogTest, RefusesADamagedArchiveAFullDiskAndAFileInTheWay)
     EXPECT_FALSE(IsStored("A1"));
 }
 
+TEST_F(ArchiveDialogTest, AStopWhileTheFilesArePlacedEndsTheLoadAndLeavesNothing)
+{
+    StorePatient("A1");
+    SaveAndChange("A1");
+    // The worker waits at its first file until the status thread has been told to quit.
+    static HANDLE s_hReached, s_hTold;
+    s_hReached = ::CreateEvent(nullptr, TRUE, FALSE, nullptr);
+    s_hTold = ::CreateEvent(nullptr, TRUE, FALSE, nullptr);
+    dbObserveSteps([](const char* pszStep) {
+        if (std::string(pszStep) != "place.made")
+            return;
+        ::SetEvent(s_hReached);
+        ::WaitForSingleObject(s_hTold, 20'000);
+    });
+    EXPECT_EQ(Run(ARCHIVE_OP_LOAD, {}, {Archive("A1")},
+                  [&](DialogScript& script) {
+                      WaitForChoice(script).Press(IDOK);
+                      script.WaitUntil("a file in its place",
+                                       [] { return ::WaitForSingleObject(s_hReached, 0) == WAIT_OBJECT_0; });
+                      const Dialog progress = script.WaitForDialogWith(IDC_ARC_PROGRESS_BAR);
+                      const DWORD nThread = ::GetWindowThreadProcessId(progress.Handle(), nullptr);
+                      ::PostThreadMessage(nThread, WM_QUIT, 0, 0);
+                      script.Settle(progress.Handle());
+                      ::SetEvent(s_hTold);
+                      script.AnswerBox("The archive process was cancelled", IDOK);
+                      script.AnswerBox(LoadFailed, IDOK);
+                  }),
+              IDOK);
+    dbObserveSteps(nullptr);
+    ::CloseHandle(s_hReached);
+    ::CloseHandle(s_hTold);
+    EXPECT_THAT(WorkingFiles(), IsEmpty());
+    EXPECT_FALSE(IsStored("A1"));
+    EXPECT_TRUE(std::filesystem::is_empty(m_practice.Path("temp")));
+    EXPECT_EQ(Load(Archive("A1")), IDOK);
+}
+
 TEST_F(ArchiveDialogTest, RefusesWhileTheScratchFolderOrTheIDIsTaken)
 {
     StorePatient("A1");

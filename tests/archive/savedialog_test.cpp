@@ -44,6 +44,15 @@ VEL_CHILD_PROCESS(changeNotes) // database, ID
     return 0;
 }
 
+VEL_CHILD_PROCESS(holdDatabase) // database, file to make when nobody else can write
+{
+    dbCPatients::Open(arguments[0].c_str());
+    const dbCTransaction transaction;
+    ::CloseHandle(::CreateFile(arguments[1].c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
+    ::Sleep(60'000);
+    return 0;
+}
+
 // Answers the question after a save; before it `meanwhile` happens.
 void SaveAndRemove(DialogScript& script, const std::function<void()>& meanwhile)
 {
@@ -378,6 +387,64 @@ TEST_F(ArchiveDialogTest, LeavesALockedPatientAlone)
     EXPECT_TRUE(std::filesystem::exists(Archive("A1")));
     EXPECT_TRUE(IsStored("A1"));
     EXPECT_THAT(NewEvents(), IsEmpty());
+}
+
+TEST_F(ArchiveDialogTest, TellsOfALockThatItCannotGiveBackAndGivesItBackWithTheNextOperation)
+{
+    StorePatient("A1");
+    StorePatient("B1");
+    std::unique_ptr<veltest::ChildProcess> pHolder;
+    const auto save = [&](const std::string& id, const Script& asked) {
+        dbCPatient patient;
+        ASSERT_TRUE(patient.Load(id.c_str()));
+        CStringArray selected, none, more2, more3, more4;
+        selected.Add(id.c_str());
+        EXPECT_EQ(veltest::RunModal(
+                      [&] {
+                          return ArchiveDlg(&m_host, 0, &patient, ARCHIVE_OP_SAVE, selected, &m_patients,
+                                            none, more2, more3, more4, 0, 0);
+                      },
+                      [&](DialogScript& script) {
+                          WaitForChoice(script).Press(IDOK);
+                          TakeOfferedName(script);
+                          asked(script);
+                      }),
+                  IDOK);
+    };
+    save("A1", [&](DialogScript& script) {
+        const Dialog box = script.WaitForBox();
+        const std::string ready = m_practice.Path("ready");
+        pHolder = std::make_unique<veltest::ChildProcess>(
+            "holdDatabase", std::vector<std::string>{m_practice.Path("patients.db"), ready});
+        WaitForFile(ready);
+        box.Press(IDNO);
+        script.AnswerBox("The patient \"A1\" could not be unlocked.  Others can open it again after the next "
+                         "archive operation, or when this program has ended.",
+                         IDOK);
+    });
+    pHolder.reset();
+    EXPECT_EQ(m_patients.IsLocked("A1"), patLockInUse);
+    save("B1", [](DialogScript& script) { script.AnswerBox("", IDNO); });
+    EXPECT_EQ(m_patients.IsLocked("A1"), patLockFree);
+}
+
+TEST_F(ArchiveDialogTest, RefusesAnIDThatIsADevice)
+{
+    StorePatient("A1");
+    EXPECT_EQ(Run(ARCHIVE_OP_SAVE, {"A1", "AUX"}, {},
+                  [&](DialogScript& script) {
+                      WaitForChoice(script).Press(IDOK);
+                      script.AnswerBox(RunText, IDNO);
+                      TakeOfferedName(script);
+                      script.AnswerBox("The patient ID \"AUX\" is a name that Windows keeps for a device.  "
+                                       "Files of this patient cannot be archived.  Please change the patient "
+                                       "ID first.",
+                                       IDOK);
+                      script.AnswerBox(RetryText, IDIGNORE);
+                  }),
+              IDOK);
+    EXPECT_TRUE(std::filesystem::exists(Archive("A1")));
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(m_practice.Path("archive")), {}), 1);
 }
 
 TEST_F(ArchiveDialogTest, LaysOutASelfStartingDisc)

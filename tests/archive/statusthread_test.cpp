@@ -335,6 +335,33 @@ TEST_F(StatusThreadTest, TheUsersWindowComesBackToTheFront)
     hidden.DestroyWindow();
 }
 
+TEST_F(StatusThreadTest, WhatWasPostedBeforeTheObjectComesFirst)
+{
+    const HANDLE hEvent = ::CreateEvent(nullptr, TRUE, TRUE, nullptr);
+    ::PostMessage(owner, arcMsgSaveEnded, 0, 7);
+    EXPECT_EQ(arcPumpOrWait(hEvent), arcWoken::Message);
+    EXPECT_EQ(owner.m_nResult, 7);
+    EXPECT_EQ(arcPumpOrWait(hEvent), arcWoken::Object);
+    ::PostQuitMessage(3);
+    EXPECT_TRUE(arcPumpUntil(hEvent));
+    EXPECT_EQ(arcPumpOrWait(nullptr), arcWoken::Quit);
+    EXPECT_EQ(AfxGetCurrentMessage()->wParam, 3u);
+    ::CloseHandle(hEvent);
+}
+
+TEST_F(StatusThreadTest, MessagesAreAnsweredWhileWorkIsDoneMeanwhile)
+{
+    EXPECT_FALSE(arcMeanwhile([&] {
+        ::SendMessage(work.hOwner, arcMsgLoadEnded, 0, static_cast<LPARAM>(::GetCurrentThreadId()));
+    }));
+    EXPECT_NE(owner.m_nResult, static_cast<LPARAM>(::GetCurrentThreadId()));
+    EXPECT_EQ(owner.m_nEnded, arcMsgLoadEnded);
+    EXPECT_THROW(arcMeanwhile([] { throw std::runtime_error("broken"); }), std::runtime_error);
+    EXPECT_TRUE(
+        arcMeanwhile([nThread = ::GetCurrentThreadId()] { ::PostThreadMessage(nThread, WM_QUIT, 0, 0); }));
+    EXPECT_EQ(arcPumpOrWait(nullptr), arcWoken::Quit);
+}
+
 TEST_F(StatusThreadTest, FailuresAreToldAndReported)
 {
     work.strArchivePath = practice.Path("nowhere\\S1.KAZ").c_str();

@@ -180,7 +180,11 @@ TEST_F(ArchiveVolumes, ProgressRisesTo100AndNoFurther)
     Volumes volumes(files, "AB", 60);
     std::vector<int> seen;
     ASSERT_EQ(arc::WriteVolumeStream(
-                  files, "C:\\w", set, Saved, volumes, [&](int percent) { seen.push_back(percent); },
+                  files, "C:\\w", set, Saved, volumes,
+                  [&](int percent) {
+                      seen.push_back(percent);
+                      return true;
+                  },
                   SmallBuffer(16)),
               VolumeStatus::Done);
     EXPECT_TRUE(std::is_sorted(seen.begin(), seen.end()));
@@ -351,11 +355,11 @@ TEST_F(ArchiveVolumes, TheRightDiskPutInLaterIsTaken)
         {
             return FolderVolumes::OpenForReading(number == 2 && asked == 0 ? 1 : number, volume);
         }
-        bool TryAgain(int number, VolumeStatus problem) override
+        VolumeStatus Settle(int number, VolumeStatus problem) override
         {
             EXPECT_EQ(number, 2);
             EXPECT_EQ(problem, VolumeStatus::OutOfOrder);
-            return ++asked == 1;
+            return ++asked == 1 ? VolumeStatus::Done : problem;
         }
         int asked = 0;
     };

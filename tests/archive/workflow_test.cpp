@@ -6,6 +6,8 @@
 #include "archive/work/discbundle.h"
 #include "archive/work/filecopies.h"
 #include "archive/work/recordfile.h"
+#include "archive/work/resultcodes.h"
+#include "archive/work/volumesaving.h"
 #include "tests/archive/memoryfilesystem.h"
 
 #include <gtest/gtest.h>
@@ -203,6 +205,7 @@ public:
     std::deque<bool> answers;
     std::vector<unsigned> questions;
     int faults = 0;
+    std::uint64_t expected = 0;
 
     bool Insert(int number, char) override
     {
@@ -231,8 +234,16 @@ public:
     void Erasing() override
     {
     }
+    void Expect(std::uint64_t volumes) override
+    {
+        expected = volumes;
+    }
     void Writing(int) override
     {
+    }
+    void FirstAgain() override
+    {
+        insert(1);
     }
 };
 
@@ -279,10 +290,14 @@ TEST_F(DisketteVolumesTest, ASetOfTwoDisksIsWrittenAndReadBack)
         Change(number);
         return true;
     };
-    arc::DisketteVolumes volumes(files, prompts, 'A', patient, false);
-    ASSERT_EQ(arc::VolumeStatus::Done, arc::WriteVolumeStream(files, "C:\\work", set, {}, volumes));
-    EXPECT_EQ(2, volumes.VolumesWritten());
-    EXPECT_EQ(arc::VolumeStatus::Done, arc::VerifyVolumeStream(files, "C:\\work", set, volumes));
+    arc::VolumeSave save{patient, "A:\\CURRENT.DAT", "C:\\work", {}, {}, "", {}, {}};
+    for (const arc::PresentFile& file : set)
+        save.listed.push_back(file.name);
+    save.trial = [](const std::string& path) { return path == "C:\\work\\S1.PF"; };
+    arc::DisketteSaving saving(files, save, prompts, false, {});
+    EXPECT_EQ(arc::Run(saving), arc::ResultDone);
+    EXPECT_EQ(2u, prompts.expected);
+    EXPECT_EQ(1, inDrive); // asked for again
     EXPECT_EQ(arc::WriteHeaderLine(patient), files.Bytes("A:\\CURRENT.DAT") + disks[1].front().second);
 }
 
@@ -337,7 +352,7 @@ TEST_F(DisketteVolumesTest, AWrongDiskIsAskedAboutWhileReading)
     Change(9);
     prompts.insert = [&](int) { return ++asked < 6; };
     arc::DisketteVolumes refused(files, prompts, 'A', patient, false);
-    EXPECT_NE(arc::VolumeStatus::Done, arc::VerifyVolumeStream(files, "C:\\work", set, refused));
+    EXPECT_EQ(arc::VolumeStatus::Cancelled, arc::VerifyVolumeStream(files, "C:\\work", set, refused));
     EXPECT_EQ(6, asked);
 }
 

@@ -118,7 +118,7 @@ bool IsRecorded(const std::string& name)
 }
 
 /// Removes a file that no record speaks of; false when it is still there.
-bool RemovePlaced(const CString& strFolder, const CString& strName)
+bool RemoveUnrecorded(const CString& strFolder, const CString& strName)
 {
     const CString strPath = strFolder + strName;
     return !velFileExists(strPath) || IsRecorded(strName.GetString()) || DeleteFileA(strPath);
@@ -191,6 +191,20 @@ void dbCFilePlacement::Note()
 }
 
 bool dbCFilePlacement::Carry(const Progress& progress)
+try
+{
+    const bool bCarried = CarryAll(progress);
+    if (!bCarried)
+        RemovePlaced();
+    return bCarried;
+}
+catch (...)
+{
+    RemovePlaced();
+    throw;
+}
+
+bool dbCFilePlacement::CarryAll(const Progress& progress)
 {
     __int64 nTotal = 0, nDone = 0;
     for (const File& file : m_files)
@@ -295,13 +309,17 @@ void dbCFilePlacement::Keep()
     dbCTransaction::AtEnd(nullptr, [this] { m_bCommitted = true; });
 }
 
+/// Leaves in the list what cannot be removed.
+void dbCFilePlacement::RemovePlaced() noexcept
+{
+    std::erase_if(m_placed, [](const std::string& path) { return DeleteFileA(path.c_str()) != FALSE; });
+}
+
 void dbCFilePlacement::Undo() noexcept
 {
-    bool bAll = true;
-    for (const std::string& path : m_placed)
-        bAll = DeleteFileA(path.c_str()) && bAll;
+    RemovePlaced();
     // What cannot be removed now is removed when the database is next opened.
-    if (!bAll || !m_pToken->IsCreated())
+    if (!m_placed.empty() || !m_pToken->IsCreated())
         return;
     try
     {
@@ -339,7 +357,7 @@ try
         // Once the rows are gone the files are the practice's own: remove them first.
         bool bAll = true;
         for (const CString& strName : names)
-            bAll = RemovePlaced(strFolder, strName) && bAll;
+            bAll = RemoveUnrecorded(strFolder, strName) && bAll;
         if (!bAll)
             continue;
         dbCStatement("DELETE FROM placedFiles WHERE token = ?").Bind(strToken).Run();

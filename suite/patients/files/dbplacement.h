@@ -39,7 +39,7 @@ public:
     /// several times while a large one is copied. False stops.
     using Progress = std::function<bool(int nPercent, const std::string& name)>;
     /// Brings all files into the folder and has them on the disk. False when it was stopped. Throws
-    /// dbErrExists, dbErrDiskFull and dbErrIO. What was placed goes with this object.
+    /// dbErrExists, dbErrDiskFull and dbErrIO. Unless it answers true nothing stays in the folder.
     bool Carry(const Progress& progress);
 
     /// All three, with RemoveAbandoned before them.
@@ -59,6 +59,8 @@ private:
         __int64 nBytes = 0;
     };
 
+    bool CarryAll(const Progress& progress);
+    void RemovePlaced() noexcept;
     void Undo() noexcept;
     using Handle = std::unique_ptr<void, struct patCHandleCloser>;
     using Unflushed = std::vector<Handle>;

@@ -1,0 +1,96 @@
+#include "archive/work/saving.h"
+
+#include "archive/work/resultcodes.h"
+
+#include <utility>
+
+namespace arc
+{
+Saving::Saving(FileSystem& files, const WorkProgress& progress, WorkStep step)
+    : m_files(files), m_progress(progress), m_step(std::move(step))
+{
+}
+
+bool Saving::Begin()
+{
+    bool moved = true;
+    for (const std::string& path : Replaced())
+    {
+        m_previous.emplace_back(m_files);
+        moved = m_previous.back().MoveAway(path);
+        if (!moved)
+        {
+            break;
+        }
+    }
+    if (!moved)
+    {
+        for (AsideFile& file : m_previous)
+        {
+            file.PutBack();
+        }
+    }
+    Step("save.aside");
+    return moved;
+}
+
+bool Saving::Write()
+{
+    const bool written = WriteArchive();
+    Step("save.written");
+    return written;
+}
+
+bool Saving::Prove()
+{
+    const bool proven = ProveArchive();
+    Step("save.proven");
+    return proven;
+}
+
+bool Saving::Commit()
+{
+    if (!PlaceArchive())
+    {
+        return false;
+    }
+    m_bCommitted = true;
+    Step("save.placed");
+    for (AsideFile& file : m_previous)
+    {
+        file.Discard();
+    }
+    Step("save.done");
+    return true;
+}
+
+int Saving::Result() const
+{
+    return m_bCommitted ? ResultDone : m_bCancelled ? ResultCancelled : ResultSaveFailed;
+}
+
+bool Saving::Report(int percent, const std::string& name)
+{
+    m_bCancelled = m_bCancelled || (m_progress && !m_progress(percent, name));
+    return !m_bCancelled;
+}
+
+void Saving::Cancel()
+{
+    m_bCancelled = true;
+}
+
+void Saving::Step(const char* step) const
+{
+    if (m_step)
+    {
+        m_step(step);
+    }
+}
+
+int Run(Saving& saving)
+{
+    static_cast<void>(saving.Begin() && saving.Write() && saving.Prove() && saving.Commit());
+    return saving.Result();
+}
+} // namespace arc
