@@ -6,7 +6,7 @@
 cd "$root"
 megabytes=${1:-200}
 cmake --preset windows-release >/dev/null
-cmake --build --preset windows-release --target archive_bench -- --quiet
+cmake --build --preset windows-release --target archive_bench silence_bench -- --quiet
 folder=$(mktemp -d "$root/build/bench.XXXXXX")
 trap 'rm -rf "$folder"' EXIT
 
@@ -26,6 +26,7 @@ for round in 1 2 3; do
   time_of unzip unzip_it $round
   time_of zip_6 zip_6 $round
   time_of cp copy_it $round
+  BENCH_MEGABYTES=$megabytes tools/wine-run build/windows-release/bin/silence_bench.exe | grep '^silence_'
 done >"$folder/times"
 awk '
   !($1 in time) || $2 < time[$1] { time[$1] = $2 }
@@ -49,6 +50,8 @@ awk '
     ratio("volumes read / copying under Wine", "volume_read", "windows_copy", "2")
     ratio("volumes written / cp", "volume_write", "cp", "2")
     ratio("volumes read / cp", "volume_read", "cp", "-")
+    printf "longest silence of the user interface thread: save %.0f ms, load %.0f ms, merge %.0f ms (aim: at most 50)\n",
+      time["silence_save"] * 1000, time["silence_load"] * 1000, time["silence_merge"] * 1000
     for (n = 25; n <= 100; n *= 2) {
       name = "listing_" n "x40"
       printf "listing %3d timepoints of 40 images: %.3f ms, %.0f ns a name\n", n, time[name] * 1000,

@@ -2,6 +2,8 @@
 
 #include <chrono>
 #include <memory>
+#include <new>
+#include <optional>
 
 namespace arc
 {
@@ -26,6 +28,7 @@ EntryUnpacker::EntryUnpacker(FileSystem& files, const std::string& zipPath, Acce
     : m_files(files), m_zipPath(zipPath), m_access(access), m_entries(entries), m_indexes(std::move(indexes)),
       m_take(std::move(take)), m_budget(parallel.memory)
 {
+    m_left.reserve(m_indexes.size());
     m_hasWorkers = m_workers.Start(parallel, [this] { Run(); });
 }
 
@@ -38,28 +41,37 @@ EntryUnpacker::~EntryUnpacker()
 
 void EntryUnpacker::Run() noexcept
 {
-    try
+    std::optional<Tools> tools;
+    for (std::size_t begun = m_begun++; begun < m_indexes.size() && !m_stop && !m_failed; begun = m_begun++)
     {
-        Tools tools;
-        tools.zip = m_files.Open(m_zipPath, m_access);
-        for (std::size_t index = m_begun++; index < m_indexes.size() && !m_stop && !m_failed;
-             index = m_begun++)
+        const std::size_t index = m_indexes[begun];
+        try
         {
-            if (!tools.zip || !Unpack(m_indexes[index], tools))
+            if (!tools)
+            {
+                tools.emplace();
+                tools->zip = m_files.Open(m_zipPath, m_access);
+            }
+            if (!tools->zip || !Unpack(index, *tools))
             {
                 m_failed = true;
             }
-            // Between, the caller wakes up by itself often enough.
-            if (++m_done == m_indexes.size() || m_failed)
-            {
-                TellCaller();
-            }
         }
-    }
-    catch (...)
-    {
-        m_failed = true;
-        TellCaller();
+        catch (const std::bad_alloc&)
+        {
+            tools.reset();
+            const std::lock_guard lock(m_mutex);
+            m_left.push_back(index);
+        }
+        catch (...)
+        {
+            m_failed = true;
+        }
+        // Between, the caller wakes up by itself often enough.
+        if (++m_done == m_indexes.size() || m_failed)
+        {
+            TellCaller();
+        }
     }
 }
 

@@ -53,6 +53,11 @@ public:
     /// Waits for all entries. wait is called at least every 50 ms meanwhile and behind the last; false
     /// when it answers false or an entry failed.
     bool Wait(const std::function<bool()>& wait);
+    /// After that: the entries for which a thread got no memory; they are the caller's.
+    const std::vector<std::size_t>& Left() const
+    {
+        return m_left;
+    }
 
 private:
     struct Tools; // of one thread
@@ -71,9 +76,10 @@ private:
     std::atomic<bool> m_stop = false;
     std::atomic<bool> m_failed = false;
     std::atomic<std::size_t> m_begun = 0; ///< entries that a thread has begun
-    std::atomic<std::size_t> m_done = 0;  ///< entries that are unpacked
+    std::atomic<std::size_t> m_done = 0;  ///< entries that no thread has to do with any more
     std::mutex m_mutex;
     std::condition_variable m_changed;
+    std::vector<std::size_t> m_left; ///< under the mutex while threads run; has room for all
     bool m_hasWorkers = false;
     Workers m_workers;
 };

@@ -355,7 +355,14 @@ std::optional<bool> CUnzipper::UnpackParallel(
         }
     }
     m_nCurrent = entries.size() - 1;
-    return unpacker.Wait([&] { return Report(streamed + unpacker.Done()); });
+    if (!unpacker.Wait([&] { return Report(streamed + unpacker.Done()); }))
+    {
+        return false;
+    }
+    return std::all_of(unpacker.Left().begin(), unpacker.Left().end(), [&](std::size_t index) {
+        m_nCurrent = index;
+        return stream();
+    });
 }
 
 bool CUnzipper::CheckAll()

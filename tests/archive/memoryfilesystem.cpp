@@ -235,6 +235,10 @@ bool MemoryFileSystem::HasRoom(const std::string& key, std::uint64_t oldSize, st
 std::unique_ptr<arc::File> MemoryFileSystem::Open(const std::string& path, arc::Access access)
 {
     const std::lock_guard lock(m_mutex);
+    if (m_opening)
+    {
+        m_opening();
+    }
     const std::string key = Key(path);
     if (Fails() || key.empty())
     {

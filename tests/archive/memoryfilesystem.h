@@ -47,6 +47,8 @@ public:
     void FailFrom(int call, int times = 0);
     int Calls() const;
     bool m_bGarbles = false; // what is written reads back otherwise, as on a bad medium
+    // Called before a file is opened; may throw.
+    std::function<void()> m_opening;
     // Called whenever the size of an open file has been asked for.
     std::function<void(const std::string& path)> m_sized;
 

@@ -196,6 +196,35 @@ TEST_P(ArchiveParallel, GoesOnWithAsManyWorkersAsThereAre)
     }
 }
 
+// A worker's first, a later and all of its requests for memory: what it cannot do the caller does.
+TEST_P(ArchiveParallel, GoesOnWithoutTheMemoryThatWorkersDoNotGet)
+{
+    PutAllKinds();
+    int asked = 0, first = 0, last = 0;
+    files.m_opening = [&, caller = std::this_thread::get_id()] {
+        if (std::this_thread::get_id() != caller && ++asked >= first && asked <= last)
+        {
+            throw std::bad_alloc();
+        }
+    };
+    for (const auto& [from, to] : {std::pair{1, 1}, {9, 12}, {1, 1'000'000}})
+    {
+        first = from;
+        last = to;
+        asked = 0;
+        ASSERT_TRUE(Save()) << from;
+        asked = 0;
+        EXPECT_TRUE(arc::VerifyZip(files, Zip, set, {}, parallel)) << from;
+        asked = 0;
+        ASSERT_TRUE(Load()) << from;
+        for (const arc::PresentFile& file : set)
+        {
+            EXPECT_EQ(files.Bytes("C:\\back\\" + file.name), files.Bytes("C:\\w\\" + file.name)) << file.name;
+            files.Remove("C:\\back\\" + file.name);
+        }
+    }
+}
+
 TEST_P(ArchiveParallel, ASourceThatFailsOrChangesFailsTheSave)
 {
     PutAllKinds();
