@@ -108,7 +108,7 @@ bool arcCArchiveManager::Carry()
     const auto pThread = arcCStatusThread::Start(work);
     if (!pThread)
         return m_pLoading->Carry([](int, const std::string&) { return true; });
-    m_bHostCloses = arcPumpUntil(pThread->m_hThread) || m_bHostCloses;
+    NoteQuit(arcPumpUntil(pThread->m_hThread));
     const int nResult = pThread->Join();
     if (pThrown)
         std::rethrow_exception(pThrown);

@@ -118,11 +118,7 @@ void arcCArchiveManager::WaitUntilIdle()
             bQuits = true;
             nExitCode = static_cast<int>(AfxGetCurrentMessage()->wParam);
         }
-        if (bQuits || m_pOwner->GetSafeHwnd() == nullptr)
-        {
-            m_bHostCloses = true;
-            m_save.bAskToRemove = FALSE; // there is nobody to be asked
-        }
+        NoteQuit(bQuits || m_pOwner->GetSafeHwnd() == nullptr);
     }
     if (bQuits)
         ::PostQuitMessage(nExitCode);
@@ -131,7 +127,15 @@ void arcCArchiveManager::WaitUntilIdle()
 /// Work that asks nobody anything, the database least of all.
 void arcCArchiveManager::Meanwhile(const std::function<void()>& work)
 {
-    m_bHostCloses = arcMeanwhile(work) || m_bHostCloses;
+    NoteQuit(arcMeanwhile(work));
+}
+
+void arcCArchiveManager::NoteQuit(bool bQuits)
+{
+    if (!bQuits)
+        return;
+    m_bHostCloses = true;
+    m_save.bAskToRemove = FALSE; // there is nobody to be asked
 }
 
 /// The thread has ended and its message has nowhere to go.

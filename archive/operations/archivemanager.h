@@ -107,6 +107,7 @@ private:
     int StartThread(const arcSStatusWork& work, Work nWork);
     void FinishUnreported();
     void Meanwhile(const std::function<void()>& work);
+    void NoteQuit(bool bQuits);
     bool TakeThread(Work nWork);
     void EndOperation(int nResult);
 
