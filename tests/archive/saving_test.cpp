@@ -207,16 +207,27 @@ TEST_P(ArchiveSaving, EndsWhereItIsStoppedOrNotProvenAndKeepsTheOldArchive)
     files.Find(IsEarlier() ? "C:\\arc\\S100.V0A" : "C:\\arc\\S1.002")->attributes = arc::attribute::ReadOnly;
     EXPECT_EQ(Save(), arc::ResultSaveFailed);
     EXPECT_EQ(Archives(), old);
-    // So does what has the archive's name by the time it is placed.
+    // Without the patient file there is nothing to save.
     PutOld();
-    volumes.trial = [&](const std::string&) {
-        files.Put(volumes.archivePath, "mine");
-        return true;
-    };
-    if (!IsEarlier())
+    files.Remove("C:\\w\\S1.PF");
+    EXPECT_EQ(Save(), arc::ResultSaveFailed);
+    files.Put("C:\\w\\S1.PF", "patient");
+    if (IsEarlier())
+        return;
+    // What has the archive's name by the time it is placed stays; a label that reads back otherwise goes.
+    for (const bool isTaken : {true, false})
     {
+        PutOld();
+        volumes.step = [&](const std::string& step) {
+            if (step != "save.proven")
+                return;
+            if (isTaken)
+                files.Put(volumes.archivePath, "mine");
+            files.m_bGarbles = !isTaken;
+        };
         EXPECT_EQ(Save(), arc::ResultSaveFailed);
-        EXPECT_EQ(files.Bytes(volumes.archivePath), "mine");
+        EXPECT_EQ(files.Bytes(volumes.archivePath), isTaken ? "mine" : "");
+        EXPECT_EQ(files.Exists(volumes.archivePath), isTaken);
         EXPECT_FALSE(files.Exists("C:\\arc\\S1.001"));
     }
 }

@@ -294,6 +294,7 @@ protected:
                       }),
                       dbErrExists);
             m_bCarried = placement.Carry(progress);
+            EXPECT_NE(m_bCarried, FilesIn(m_database.practice.Working()).size() <= 1); // the token
             if (!bKeep)
                 return;
             dbCTransaction transaction;
