@@ -6,8 +6,8 @@
 
 namespace arc
 {
-Saving::Saving(FileSystem& files, const WorkProgress& progress, WorkStep step)
-    : m_files(files), m_progress(progress), m_step(std::move(step))
+Saving::Saving(FileSystem& files, WorkProgress progress, WorkStep step)
+    : m_files(files), m_progress(std::move(progress)), m_step(std::move(step))
 {
 }
 

@@ -39,7 +39,7 @@ public:
     int Result() const;
 
 protected:
-    Saving(FileSystem& files, const WorkProgress& progress, WorkStep step);
+    Saving(FileSystem& files, WorkProgress progress, WorkStep step);
 
     /// The files of the archive that is replaced, as far as they are to be kept until then.
     virtual std::vector<std::string> Replaced() = 0;
@@ -63,7 +63,7 @@ protected:
 
 private:
     FileSystem& m_files;
-    const WorkProgress& m_progress;
+    const WorkProgress m_progress;
     const WorkStep m_step;
     std::vector<AsideFile> m_previous;
     bool m_bCancelled = false;
