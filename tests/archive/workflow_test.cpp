@@ -206,6 +206,7 @@ public:
     std::vector<unsigned> questions;
     int faults = 0;
     std::uint64_t expected = 0;
+    int firstAgain = 0;
 
     bool Insert(int number, char) override
     {
@@ -243,6 +244,7 @@ public:
     }
     void FirstAgain() override
     {
+        ++firstAgain;
         insert(1);
     }
 };
@@ -297,7 +299,7 @@ TEST_F(DisketteVolumesTest, ASetOfTwoDisksIsWrittenAndReadBack)
     arc::DisketteSaving saving(files, save, prompts, false, {});
     EXPECT_EQ(arc::Run(saving), arc::ResultDone);
     EXPECT_EQ(2u, prompts.expected);
-    EXPECT_EQ(1, inDrive); // asked for again
+    EXPECT_EQ(1, prompts.firstAgain);
     EXPECT_EQ(arc::WriteHeaderLine(patient), files.Bytes("A:\\CURRENT.DAT") + disks[1].front().second);
 }
 
