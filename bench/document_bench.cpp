@@ -15,8 +15,8 @@ VEL_MFC_TEST_PROGRAM();
 
 namespace
 {
-constexpr int Groups = 10;
-constexpr char Types[] = "0ABC"; // of each group: 40 images
+constexpr int Groups = 8, TypesOfGroup = 5; // 40 images
+constexpr char Types[] = "0ABCD";
 constexpr char Signature[] = "900150983cd24fb0d6963f7d28e17f72";
 
 double Seconds(const std::function<void()>& work)
@@ -72,7 +72,7 @@ Times Measure(int timepoints)
         timepoint.SetNumber("A1", number);
         timepoint.SetDate(velCDate(2009, 3, 5));
         for (int group = 0; group < Groups; ++group)
-            for (int type = 0; type < 4; ++type)
+            for (int type = 0; type < TypesOfGroup; ++type)
                 timepoint.SetImage(group, type);
         patient.GetTimepoints().Add(&patient, timepoint, FALSE, FALSE);
         locals.push_back({"{T" + std::to_string(number) + "}", "T", "2009-03-05", number});
@@ -92,7 +92,7 @@ Times Measure(int timepoints)
             read, "A1", locals, cloud::FileChoice::Everything(),
             [](const std::string&, const std::string&) { return cloud::LocalFile::Absent; });
     });
-    const auto images = static_cast<std::size_t>(timepoints * Groups * 4);
+    const auto images = static_cast<std::size_t>(timepoints * Groups * TypesOfGroup);
     if (xml.GetFileBytes() < 0 || plan.images.size() != images)
         std::printf("  only %zu of %zu images are planned\n", plan.images.size(), images);
     return times;

@@ -71,8 +71,8 @@ done
 # A record of many images, and the signatures of a file against the system's programs.
 mkdir "$work/record"
 for number in $(seq -w 0 99); do
-  for group in 0 1 2 3 4 5 6 7 8 9; do
-    for type in 0 A B C; do echo "$number$group$type" >"$work/record/A1$number.I$group$type"; done
+  for group in 0 1 2 3 4 5 6 7; do
+    for type in 0 A B C D; do echo "$number$group$type" >"$work/record/A1$number.I$group$type"; done
   done
 done
 tools/wine-run build/windows-release/bin/document_bench.exe "$(tools/windows-path "$work/record")\\" \

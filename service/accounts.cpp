@@ -13,7 +13,7 @@ namespace
 {
 constexpr std::int64_t SessionLife = 12LL * 60 * 60 * 1000;
 constexpr int FreeFailures = 10;
-constexpr std::int64_t FailurePause = 60 * 1000;
+constexpr std::int64_t FailurePause = 60LL * 1000;
 constexpr std::size_t FailuresKept = 10000;
 constexpr std::size_t LongestName = 200, LongestPassword = 1000;
 
@@ -169,7 +169,7 @@ std::string Accounts::SignIn(const std::string& nameOrEmail, const std::string& 
     if (!right)
         throw Failure(401, "Name or password is wrong.");
 
-    const std::string token = RandomHex(32);
+    std::string token = RandomHex(32);
     Transaction transaction(m_database);
     Statement(m_database, "DELETE FROM sessions WHERE expires < ?", Now()).Run();
     // Not when the password was changed since it was read.

@@ -32,7 +32,7 @@ constexpr char Usage[] = R"(velservice COMMAND [--data FOLDER] [option...]
   withdraw-message --id N
 )";
 constexpr int DefaultPort = 8443;
-constexpr std::int64_t DefaultQuotaMegabytes = 50 * 1024;
+constexpr std::int64_t DefaultQuotaMegabytes = 50LL * 1024;
 
 struct UsageError
 {
@@ -80,7 +80,7 @@ public:
     }
     std::string Required(const std::string& key) const
     {
-        const std::string value = Get(key);
+        std::string value = Get(key);
         if (value.empty())
             throw UsageError{"--" + key + " is missing."};
         return value;
@@ -127,7 +127,8 @@ public:
     }
     ~StopOnSignal()
     {
-        pthread_kill(m_thread.native_handle(), SIGTERM);
+        // It waits for the signal, which ends nothing by itself.
+        pthread_kill(m_thread.native_handle(), SIGTERM); // NOLINT(bugprone-bad-signal-to-kill-thread)
         m_thread.join();
     }
     StopOnSignal(const StopOnSignal&) = delete;
