@@ -32,7 +32,7 @@ std::int64_t Number(const pugi::xml_node& node, const char* name)
 
 std::string Attribute(const pugi::xml_node& node, const char* name)
 {
-    const std::string value = node.attribute(name).value();
+    std::string value = node.attribute(name).value();
     if (value.empty())
         throw rasko::Refused(rasko::text::NotUnderstood);
     return value;
