@@ -281,5 +281,13 @@ TEST(PatientArchive, ATakenIDStoresNothing)
     EXPECT_FALSE(dbCPatients().AddFromArchive(patient));
     EXPECT_EQ(dbCDoctors().Enum(), 0);
     EXPECT_EQ(dbCPatients().GetCount(), 1);
+
+    // A doctor without a name cannot be kept; the patient can.
+    patient.SetID("B2");
+    doctor.SetLastname(" ");
+    patient.SetPersonInfo(dbPersonTreatingDoctor, doctor);
+    EXPECT_TRUE(dbCPatients().AddFromArchive(patient));
+    EXPECT_FALSE(patient.GetPersonInfo(dbPersonTreatingDoctor, doctor));
+    EXPECT_EQ(dbCDoctors().Enum(), 0);
 }
 } // namespace
