@@ -8,8 +8,11 @@
 #include <afxwin.h>
 
 #include <array>
+#include <chrono>
 #include <ctime>
+#include <future>
 #include <memory>
+#include <thread>
 
 namespace
 {
@@ -22,6 +25,40 @@ int CurrentTimeZoneOffset()
     const std::tm utc = *std::gmtime(&now);
     return cloud::TimeZoneOffset(local, utc);
 }
+
+struct Sent
+{
+    BOOL bSent;
+    DWORD nError;
+    bool bThrown;
+};
+
+/// One request on its way, with copies of what is sent; a line may hold a password.
+struct Sending
+{
+    std::shared_ptr<CHttpFile> request;
+    std::string headers;
+    std::string line;
+
+    Sent Send()
+    {
+        Sent sent{FALSE, ERROR_SUCCESS, false};
+        try
+        {
+            sent.bSent = request->SendRequest(headers.c_str(), static_cast<DWORD>(headers.size()),
+                                              line.data(), static_cast<DWORD>(line.size()));
+            sent.nError = ::GetLastError();
+        }
+        catch (CInternetException* e)
+        {
+            sent.nError = e->m_dwError;
+            sent.bThrown = true;
+            e->Delete();
+        }
+        cloud::Wipe(line);
+        return sent;
+    }
+};
 } // namespace
 
 CVelInet::CVelInet(LPCTSTR pszAgent, DWORD_PTR dwContext, DWORD dwAccessType, LPCTSTR pszProxy,
@@ -154,14 +191,14 @@ int CVelInet::SendCommand(const std::string& line)
         connection.reset(GetHttpConnection(strServer, nFlags, nPort));
         // A redirection would carry the request to somebody else; nothing of the service's is kept on the
         // disk.
-        const std::unique_ptr<CHttpFile> request(
+        const std::shared_ptr<CHttpFile> request(
             connection->OpenRequest(CHttpConnection::HTTP_VERB_POST, strObject, nullptr, 1, nullptr, nullptr,
                                     nFlags | INTERNET_FLAG_NO_AUTO_REDIRECT | INTERNET_FLAG_NO_CACHE_WRITE |
                                         INTERNET_FLAG_RELOAD | INTERNET_FLAG_NO_UI));
         request->SetOption(INTERNET_OPTION_SEND_TIMEOUT, velReplyTimeout);
         request->SetOption(INTERNET_OPTION_RECEIVE_TIMEOUT, velReplyTimeout);
 
-        if (!Post(*request, cloud::RequestHeaders(m_bUseFIPS), line))
+        if (!Post(request, cloud::RequestHeaders(m_bUseFIPS), line))
         {
             // Callers know the text as it stands, placeholder and style included.
             const DWORD nError = ::GetLastError();
@@ -189,10 +226,30 @@ DWORD CVelInet::ConnectionFlags() const
     return INTERNET_FLAG_SECURE;
 }
 
-BOOL CVelInet::Post(CHttpFile& request, const std::string& headers, const std::string& line)
+BOOL CVelInet::Post(const std::shared_ptr<CHttpFile>& request, const std::string& headers,
+                    const std::string& line)
 {
-    return request.SendRequest(headers.c_str(), static_cast<DWORD>(headers.size()),
-                               const_cast<char*>(line.data()), static_cast<DWORD>(line.size()));
+    const auto sending = std::make_shared<Sending>(Sending{request, headers, line});
+    std::packaged_task<Sent()> send([sending] { return sending->Send(); });
+    std::future<Sent> sent = send.get_future();
+    std::thread thread(std::move(send));
+    const std::chrono::milliseconds limit(m_nSendTimeout + line.size() / velSlowestSending);
+    if (sent.wait_for(limit) != std::future_status::ready)
+    {
+        // What the thread runs stays loaded until it ends.
+        HMODULE hModule = nullptr;
+        ::GetModuleHandleEx(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
+                            reinterpret_cast<LPCTSTR>(&CurrentTimeZoneOffset), &hModule);
+        thread.detach();
+        request->Close();
+        AfxThrowInternetException(GetContext(), ERROR_INTERNET_TIMEOUT);
+    }
+    thread.join();
+    const Sent result = sent.get();
+    if (result.bThrown)
+        AfxThrowInternetException(GetContext(), result.nError);
+    ::SetLastError(result.nError);
+    return result.bSent;
 }
 
 /// The whole body. Throws when it is cut short, longer than any of the service's, or does not come to its

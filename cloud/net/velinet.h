@@ -5,12 +5,17 @@
 
 #include <afxinet.h>
 
+#include <memory>
 #include <string>
 
 /// How long the service may keep the user waiting, in milliseconds. Connecting and the first byte of the
 /// reply together stay below a minute.
 inline constexpr DWORD velConnectTimeout = 20'000;
-inline constexpr DWORD velReplyTimeout = 30'000;       ///< of one read or write
+inline constexpr DWORD velReplyTimeout = 30'000; ///< of one read or write
+/// Connecting, the TLS handshake, sending and the first byte of the reply, besides a millisecond for each
+/// velSlowestSending bytes that are sent.
+inline constexpr DWORD velSendTimeout = 55'000;
+inline constexpr std::size_t velSlowestSending = 8;
 inline constexpr DWORD velWholeReplyTimeout = 180'000; ///< however steadily it drips
 
 /// A session with the service over HTTPS. Every command is one synchronous POST to one script; it shows its
@@ -60,7 +65,13 @@ public:
 protected:
     /// Flags that requests are made with.
     virtual DWORD ConnectionFlags() const;
-    virtual BOOL Post(CHttpFile& request, const std::string& headers, const std::string& line);
+    /// Sends on a thread of its own and waits: the system's client waits for the TLS handshake of a server
+    /// that is stuck as long as that pleases. Throws ERROR_INTERNET_TIMEOUT when the time is over; the thread
+    /// then keeps the request, whose handle is closed, and ends with its connection.
+    virtual BOOL Post(const std::shared_ptr<CHttpFile>& request, const std::string& headers,
+                      const std::string& line);
+
+    DWORD m_nSendTimeout = velSendTimeout;
 
 private:
     int Send(const cloud::CommandLine& line);

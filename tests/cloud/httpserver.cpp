@@ -31,20 +31,43 @@ std::string Ok(const std::string& body)
            "\r\nConnection: close\r\n\r\n" + body;
 }
 
-HttpServer::HttpServer(Answer answer) : m_answer(std::move(answer))
+namespace
+{
+/// A socket of this machine that connections can be made to; its port.
+unsigned long long Listen(int& port)
 {
     WSADATA data;
     ::WSAStartup(MAKEWORD(2, 2), &data);
-    m_listener = ::socket(AF_INET, SOCK_STREAM, 0);
+    const SOCKET listener = ::socket(AF_INET, SOCK_STREAM, 0);
     sockaddr_in address = {};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = ::htonl(INADDR_LOOPBACK);
     int size = sizeof address;
-    if (::bind(m_listener, reinterpret_cast<sockaddr*>(&address), size) != 0 ||
-        ::listen(m_listener, 8) != 0 ||
-        ::getsockname(m_listener, reinterpret_cast<sockaddr*>(&address), &size) != 0)
+    if (::bind(listener, reinterpret_cast<sockaddr*>(&address), size) != 0 || ::listen(listener, 8) != 0 ||
+        ::getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size) != 0)
         throw std::runtime_error("no socket");
-    m_port = ::ntohs(address.sin_port);
+    port = ::ntohs(address.sin_port);
+    return listener;
+}
+} // namespace
+
+SilentServer::SilentServer() : m_listener(Listen(m_port))
+{
+}
+
+SilentServer::~SilentServer()
+{
+    ::closesocket(m_listener);
+    ::WSACleanup();
+}
+
+std::string SilentServer::Address() const
+{
+    return "https://localhost:" + std::to_string(m_port);
+}
+
+HttpServer::HttpServer(Answer answer) : m_answer(std::move(answer)), m_listener(Listen(m_port))
+{
     m_thread = std::thread([this] { Run(); });
 }
 

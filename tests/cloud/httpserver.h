@@ -28,6 +28,22 @@ private:
 
 std::string Ok(const std::string& body);
 
+/// Takes connections and never says a word, until it is destroyed.
+class SilentServer
+{
+public:
+    SilentServer();
+    ~SilentServer();
+    SilentServer(const SilentServer&) = delete;
+    SilentServer& operator=(const SilentServer&) = delete;
+
+    std::string Address() const; ///< "https://localhost:PORT"
+
+private:
+    int m_port = 0; // before the socket, which tells it
+    unsigned long long m_listener;
+};
+
 class HttpServer
 {
 public:
@@ -45,8 +61,8 @@ private:
     void Run();
 
     Answer m_answer;
+    int m_port = 0; // before the socket, which tells it
     unsigned long long m_listener;
-    int m_port = 0;
     mutable std::mutex m_mutex;
     std::vector<std::string> m_requests;
     std::atomic<bool> m_stop = false;

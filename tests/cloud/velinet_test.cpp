@@ -38,7 +38,8 @@ protected:
     {
         return 0;
     }
-    BOOL Post(CHttpFile& request, const std::string& headers, const std::string& line) override
+    BOOL Post(const std::shared_ptr<CHttpFile>& request, const std::string& headers,
+              const std::string& line) override
     {
         if (!m_bRefuse)
             return CVelInet::Post(request, headers, line);
@@ -185,6 +186,32 @@ TEST_F(VelInet, TellsFailuresAndGoesOn)
                                     script.AnswerBox("Error on Login: %d\n", IDYES);
                                 }),
               0);
+}
+
+/// A server that takes the connection and says nothing: the system alone would wait for the handshake for
+/// ever.
+TEST_F(VelInet, AServerThatNeverAnswersIsGivenUp)
+{
+    class Impatient : public CVelInet
+    {
+    public:
+        Impatient() : CVelInet("a", 1, INTERNET_OPEN_TYPE_DIRECT, nullptr, nullptr, 0)
+        {
+            m_nSendTimeout = 500;
+            EnableStatusCallback();
+        }
+    };
+    const veltest::SilentServer server;
+    const DWORD start = ::GetTickCount();
+    EXPECT_EQ(WithBox("The request has timed out.",
+                      [&] {
+                          Impatient inet; // gone before the thread that waits
+                          inet.SetServerUrl(server.Address().c_str());
+                          inet.SetCommandPath("/s.asp");
+                          return inet.GetList();
+                      }),
+              -1);
+    EXPECT_LT(::GetTickCount() - start, 30'000U);
 }
 
 TEST_F(VelInet, RefusesAddressesThatAreNone)

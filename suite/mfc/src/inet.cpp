@@ -1,6 +1,8 @@
 #include "afxinet.h"
 
 #include <algorithm>
+#include <mutex>
+#include <set>
 
 IMPLEMENT_DYNAMIC(CInternetException, CException)
 IMPLEMENT_DYNAMIC(CInternetSession, CObject)
@@ -47,6 +49,19 @@ const WinInet& Inet()
     if (!functions.IsWhole())
         AfxThrowInternetException(0, ERROR_MOD_NOT_FOUND);
     return functions;
+}
+
+/// The sessions that want to be told. A thread that the system still works on may report to one that is gone.
+struct Listeners
+{
+    std::recursive_mutex mutex; // held while one is told, so that it is not destroyed meanwhile
+    std::set<const void*> sessions;
+};
+
+Listeners& GetListeners()
+{
+    static Listeners listeners;
+    return listeners;
 }
 
 void CloseInet(HINTERNET& hInternet) noexcept
@@ -160,6 +175,12 @@ BOOL CInternetSession::EnableStatusCallback(BOOL bEnable)
     if (previous == INTERNET_INVALID_STATUS_CALLBACK)
         return FALSE;
     m_bCallback = bEnable;
+    Listeners& listeners = GetListeners();
+    const std::scoped_lock lock(listeners.mutex);
+    if (bEnable)
+        listeners.sessions.insert(this);
+    else
+        listeners.sessions.erase(this);
     return TRUE;
 }
 
@@ -194,10 +215,12 @@ void CInternetSession::OnStatusCallback(DWORD_PTR, DWORD, LPVOID, DWORD)
 void CALLBACK CInternetSession::StatusCallback(HINTERNET, DWORD_PTR dwContext, DWORD dwStatus, LPVOID pvInfo,
                                                DWORD cbInfo)
 {
-    // Handles made before the callback was enabled have the caller's own small number.
-    if (dwContext < 0x10000)
-        return;
+    // Handles made before the callback was enabled have the caller's own number.
     auto* const pSession = reinterpret_cast<CInternetSession*>(dwContext);
+    Listeners& listeners = GetListeners();
+    const std::scoped_lock lock(listeners.mutex);
+    if (!listeners.sessions.contains(pSession))
+        return;
     try
     {
         pSession->OnStatusCallback(pSession->m_dwContext, dwStatus, pvInfo, cbInfo);
