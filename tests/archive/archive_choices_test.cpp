@@ -1,30 +1,11 @@
-// What the archive dialog offers for each situation.
+// What the archive dialog offers where the settings decide; choicedialog_test.cpp looks at the dialog itself.
 #include "archive/dialogs/archivechoices.h"
 
 #include <gtest/gtest.h>
 
 namespace
 {
-using arc::ArchiveRadio;
 using arc::ArchiveSituation;
-
-TEST(ArchiveRadio, InternetButtonsStandInTheOppositeOrderToTheirCodes)
-{
-    const struct
-    {
-        int radio;
-        int operation;
-    } cases[] = {{0, 0}, {1, 1}, {2, 2}, {3, 4}, {4, 3}};
-    for (const auto& c : cases)
-    {
-        EXPECT_EQ(static_cast<ARCHIVE_OP>(c.operation),
-                  arc::OperationOfRadio(static_cast<ArchiveRadio>(c.radio)));
-        EXPECT_EQ(static_cast<ArchiveRadio>(c.radio),
-                  arc::RadioOfOperation(static_cast<ARCHIVE_OP>(c.operation)));
-    }
-    EXPECT_FALSE(arc::OperationOfRadio(ArchiveRadio::None));
-    EXPECT_EQ(ArchiveRadio::None, arc::RadioOfOperation(static_cast<ARCHIVE_OP>(5)));
-}
 
 TEST(ArchiveOffer, GettingNeedsTheSettingOrPracticeManagementOrTheViewer)
 {
@@ -42,21 +23,9 @@ TEST(ArchiveOffer, GettingNeedsTheSettingOrPracticeManagementOrTheViewer)
                 const bool expected = allow == 1 || allow == 3 || practice || viewer;
                 EXPECT_EQ(expected, offer.getFromArchive) << allow << practice << viewer;
                 EXPECT_EQ(expected, offer.getFromInternet) << allow << practice << viewer;
+                EXPECT_EQ(arc::ArchiveRadio::GetFromArchive, offer.selected); // disabled or not
             }
         }
-    }
-}
-
-TEST(ArchiveOffer, SavingNeedsAStoredPatient)
-{
-    for (const bool valid : {false, true})
-    {
-        ArchiveSituation situation;
-        situation.patientValid = valid;
-        const arc::ArchiveOffer offer = arc::OfferFor(situation);
-        EXPECT_EQ(valid, offer.saveToArchive);
-        EXPECT_EQ(valid, offer.saveToInternet);
-        EXPECT_EQ(valid, offer.includeViewer);
     }
 }
 
@@ -78,28 +47,5 @@ TEST(ArchiveOffer, MergingNeedsOneStoredPatientThatMayBeChanged)
     };
     for (const auto& c : cases)
         EXPECT_EQ(c.merge, arc::OfferFor(c.situation).mergeTimepoints) << c.what;
-}
-
-TEST(ArchiveOffer, PreselectsTheOperationOrGettingFromAnArchive)
-{
-    const struct
-    {
-        const char* what;
-        ArchiveSituation situation;
-        ArchiveRadio selected;
-    } cases[] = {
-        {"load", {ARCHIVE_OP_LOAD, true, 1, 1, false, false}, ArchiveRadio::GetFromArchive},
-        {"save", {ARCHIVE_OP_SAVE, true, 1, 1, false, false}, ArchiveRadio::SaveToArchive},
-        {"merge", {ARCHIVE_OP_MERGE, true, 1, 1, false, false}, ArchiveRadio::MergeTimepoints},
-        {"save without patient", {ARCHIVE_OP_SAVE, false, 0, 1, false, false}, ArchiveRadio::GetFromArchive},
-        {"merge with two", {ARCHIVE_OP_MERGE, true, 2, 1, false, false}, ArchiveRadio::GetFromArchive},
-        {"load while getting is disabled",
-         {ARCHIVE_OP_LOAD, true, 1, 0, false, false},
-         ArchiveRadio::GetFromArchive},
-        {"upload", {ARCHIVE_OP_UPLOAD, true, 1, 1, false, false}, ArchiveRadio::None},
-        {"download", {ARCHIVE_OP_DOWNLOAD, true, 1, 1, false, false}, ArchiveRadio::None},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(c.selected, arc::OfferFor(c.situation).selected) << c.what;
 }
 } // namespace

@@ -109,16 +109,25 @@ __int64 ArchiveDialogTest::Run(ARCHIVE_OP nOperation, const std::vector<std::str
     return nResult;
 }
 
-void ArchiveDialogTest::Save(const std::string& id)
+void ArchiveDialogTest::SaveWith(const std::string& id, const Script& asked, int nFilter,
+                                 int nPracticeManagement)
 {
-    EXPECT_EQ(Run(ARCHIVE_OP_SAVE, {id}, {},
-                  [&](DialogScript& script) {
-                      WaitForChoice(script).Press(IDOK);
-                      TakeOfferedName(script);
-                      script.AnswerBox("", IDNO);
-                  }),
-              IDOK);
-    ASSERT_TRUE(std::filesystem::exists(Archive(id)));
+    const auto play = [&](DialogScript& script) {
+        WaitForChoice(script).Press(IDOK);
+        TakeOfferedName(script, nFilter);
+        asked(script);
+    };
+    EXPECT_EQ(Run(ARCHIVE_OP_SAVE, {id}, {}, play, nPracticeManagement), IDOK);
+}
+
+void ArchiveDialogTest::Save(const std::string& id, int nFilter)
+{
+    const auto answer = [&](DialogScript& script) {
+        if (nFilter != 1)
+            script.AnswerBox("", nFilter == 2 ? IDYES : IDNO);
+    };
+    SaveWith(id, answer, nFilter);
+    ASSERT_TRUE(std::filesystem::exists(Archive(id, nFilter)));
 }
 
 void ArchiveDialogTest::SaveAndChange(const std::string& id)
@@ -138,6 +147,14 @@ __int64 ArchiveDialogTest::Load(const std::string& path, const std::vector<std::
                 script.AnswerBox(text, IDOK);
         },
         nPracticeManagement);
+}
+
+__int64 ArchiveDialogTest::Merge(const std::string& id, const std::string& path, const Script& asked)
+{
+    return Run(ARCHIVE_OP_MERGE, {id}, {path}, [&](DialogScript& script) {
+        WaitForChoice(script).Press(IDOK);
+        asked(script);
+    });
 }
 
 dbCPatient ArchiveDialogTest::StorePatient(const std::string& id, int nTimepoints, std::size_t nImageBytes)

@@ -52,20 +52,26 @@ protected:
     // process left.
     __int64 Run(ARCHIVE_OP nOperation, const std::vector<std::string>& ids,
                 const std::vector<std::string>& given, const Script& script, int nPracticeManagement = 0);
-    // Saves one patient to ID.kaz as a user does, keeping the patient.
-    void Save(const std::string& id);
+    // Saves one patient as a user does who takes the offered name; asked plays what comes then.
+    void SaveWith(const std::string& id, const Script& asked, int nFilter = 0, int nPracticeManagement = 0);
+    // Saves one patient to Archive(id, nFilter), keeping the patient.
+    void Save(const std::string& id, int nFilter = 0);
     // Saves the patient to ID.kaz and changes to the second practice.
     void SaveAndChange(const std::string& id);
     // Loads an archive without questions; expects these boxes, answered with OK.
     __int64 Load(const std::string& path, const std::vector<std::string>& boxes = {},
                  int nPracticeManagement = 0);
 
+    // Merges an archive into the patient; asked plays what comes after the choice.
+    __int64 Merge(const std::string& id, const std::string& path, const Script& asked);
+
     // A stored patient with something of everything and the files of that many timepoints.
     dbCPatient StorePatient(const std::string& id, int nTimepoints = 2, std::size_t nImageBytes = 5000);
     bool IsStored(const std::string& id);
-    std::string Archive(const std::string& id) const
+    std::string Archive(const std::string& id, int nFilter = 0) const
     {
-        return m_practice.Path("archive\\" + id + ".kaz");
+        const char* const extensions[] = {".kaz", ".kar", ".PF"};
+        return m_practice.Path("archive\\" + id + extensions[nFilter]);
     }
     // Names, in upper case, and sums of the files in the working folder.
     std::map<std::string, std::string> WorkingFiles() const;

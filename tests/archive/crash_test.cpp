@@ -72,24 +72,6 @@ protected:
         EXPECT_GE(nStep - 2, nSteps);
     }
 
-    std::string ArchiveOf(int nFilter) const
-    {
-        const char* const extensions[] = {"kaz", "kar", "PF"};
-        return m_practice.Path(std::string("archive\\A1.") + extensions[nFilter]);
-    }
-
-    void SaveAs(int nFilter)
-    {
-        EXPECT_EQ(Run(ARCHIVE_OP_SAVE, {"A1"}, {},
-                      [&](DialogScript& script) {
-                          WaitForChoice(script).Press(IDOK);
-                          TakeOfferedName(script, nFilter);
-                          if (nFilter != 1)
-                              script.AnswerBox("", nFilter == 2 ? IDYES : IDNO);
-                      }),
-                  IDOK);
-    }
-
     std::map<std::string, std::string> ArchiveFolder() const
     {
         std::map<std::string, std::string> files;
@@ -118,9 +100,9 @@ TEST_P(CrashInFormatTest, ASaveLeavesThePatientAndAWholeArchive)
     const int nFilter = GetParam();
     StorePatient("A1");
     const auto files = WorkingFiles();
-    SaveAs(nFilter);
+    Save("A1", nFilter);
     const auto old = ArchiveFolder();
-    DieAtEachStep(ARCHIVE_OP_SAVE, "A1", ArchiveOf(nFilter), nFilter, "keep", 9, [&](int nStep) {
+    DieAtEachStep(ARCHIVE_OP_SAVE, "A1", Archive("A1", nFilter), nFilter, "keep", 9, [&](int nStep) {
         EXPECT_TRUE(IsStored("A1")) << nStep;
         EXPECT_EQ(WorkingFiles(), files) << nStep;
         const auto now = ArchiveFolder();
@@ -136,7 +118,7 @@ TEST_P(CrashInFormatTest, ASaveLeavesThePatientAndAWholeArchive)
         SetArchiveFolder(old);
     });
     UseSecondPractice();
-    EXPECT_EQ(Load(ArchiveOf(nFilter)), IDOK);
+    EXPECT_EQ(Load(Archive("A1", nFilter)), IDOK);
     EXPECT_TRUE(IsStored("A1"));
     EXPECT_TRUE(
         std::filesystem::is_empty(m_practice.Path("temp"))); // and so the dead have left nothing there
@@ -146,13 +128,13 @@ TEST_P(CrashInFormatTest, ALoadLeavesThePracticeAsBeforeOrAsAfter)
 {
     const int nFilter = GetParam();
     StorePatient("A1");
-    SaveAs(nFilter);
+    Save("A1", nFilter);
     UseSecondPractice();
-    ASSERT_EQ(Load(ArchiveOf(nFilter)), IDOK);
+    ASSERT_EQ(Load(Archive("A1", nFilter)), IDOK);
     const auto files = WorkingFiles();
     m_patients.DeletePatient("A1");
     ASSERT_TRUE(WorkingFiles().empty());
-    DieAtEachStep(ARCHIVE_OP_LOAD, "", ArchiveOf(nFilter), nFilter, "", 10, [&](int nStep) {
+    DieAtEachStep(ARCHIVE_OP_LOAD, "", Archive("A1", nFilter), nFilter, "", 10, [&](int nStep) {
         if (IsStored("A1"))
         {
             EXPECT_EQ(WorkingFiles(), files) << nStep;
@@ -161,7 +143,7 @@ TEST_P(CrashInFormatTest, ALoadLeavesThePracticeAsBeforeOrAsAfter)
         EXPECT_TRUE(WorkingFiles().empty()) << nStep << " " << WorkingFiles().begin()->first;
         ChangeWorkers();
     });
-    EXPECT_EQ(Load(ArchiveOf(nFilter)), IDOK);
+    EXPECT_EQ(Load(Archive("A1", nFilter)), IDOK);
     EXPECT_EQ(WorkingFiles(), files);
     EXPECT_TRUE(std::filesystem::is_empty(m_practice.Path("temp")));
 }

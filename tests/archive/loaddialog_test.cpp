@@ -73,28 +73,21 @@ TEST_F(ArchiveDialogTest, LoadsAndSavesInTheOtherFormats)
     for (const int nFilter : {1, 2})
     {
         const bool bEarlier = nFilter == 2;
-        EXPECT_EQ(Run(ARCHIVE_OP_SAVE, {"A1"}, {},
-                      [&](DialogScript& script) {
-                          WaitForChoice(script).Press(IDOK);
-                          TakeOfferedName(script, nFilter);
-                          if (!bEarlier)
-                              return;
-                          const Dialog box = script.WaitForBox(
-                              "Saving records to an earlier format: \"Veltrix Version 7 or earlier\".\nThe "
-                              "saved files "
-                              "may not contain all data or images.\nDo you still want to continue?");
-                          EXPECT_EQ(box.DefaultButton(), "No");
-                          box.Press(IDYES);
-                      }),
-                  IDOK)
-            << nFilter;
+        const auto answer = [&](DialogScript& script) {
+            if (!bEarlier)
+                return;
+            const Dialog box = script.WaitForBox(
+                "Saving records to an earlier format: \"Veltrix Version 7 or earlier\".\nThe saved files may "
+                "not contain all data or images.\nDo you still want to continue?");
+            EXPECT_EQ(box.DefaultButton(), "No");
+            box.Press(IDYES);
+        };
+        SaveWith("A1", answer, nFilter);
         EXPECT_EQ(WorkingFiles(), files);
         EXPECT_EQ(NewEvents().size(), 1u);
         // These formats hold names, ID, timepoints and the files that the list names.
-        const std::string archive = m_practice.Path(bEarlier ? "archive\\A1.PF" : "archive\\A1.kar");
         UseSecondPractice();
-        ASSERT_TRUE(std::filesystem::exists(archive));
-        EXPECT_EQ(Load(archive), IDOK);
+        EXPECT_EQ(Load(Archive("A1", nFilter)), IDOK);
         dbCPatient loaded;
         ASSERT_TRUE(loaded.Load("A1")) << nFilter;
         EXPECT_EQ(loaded.GetLastname(), patient.GetLastname());
@@ -108,6 +101,21 @@ TEST_F(ArchiveDialogTest, LoadsAndSavesInTheOtherFormats)
         }
         m_patients.DeletePatient("A1");
         UseFirstPractice();
+
+        // A save that fails keeps what it was to replace, and is not recorded.
+        const HANDLE hHeld = ::CreateFile(m_practice.Path("working\\A101.I2A").c_str(), GENERIC_READ, 0,
+                                          nullptr, OPEN_EXISTING, 0, nullptr);
+        ASSERT_NE(hHeld, INVALID_HANDLE_VALUE);
+        const auto replace = [&](DialogScript& script) {
+            answer(script);
+            script.WaitForDialogWith(IDC_ARC_OVERWRITE_TEXT).Press(IDYES);
+            script.AnswerBox("", IDOK);
+        };
+        SaveWith("A1", replace, nFilter);
+        ::CloseHandle(hHeld);
+        EXPECT_FALSE(std::filesystem::exists(Archive("A1", nFilter)));
+        EXPECT_TRUE(std::filesystem::exists(Archive("A1", nFilter) + ".previous"));
+        EXPECT_THAT(NewEvents(), IsEmpty());
     }
 }
 
@@ -319,13 +327,7 @@ TEST_F(ArchiveDialogTest, MergesUnderNewNumbers)
     const auto before = WorkingFiles();
 
     // The same patient: nothing is asked.
-    const auto merge = [&](const std::string& id, const Script& asked) {
-        return Run(ARCHIVE_OP_MERGE, {id}, {Archive("A1")}, [&](DialogScript& script) {
-            WaitForChoice(script).Press(IDOK);
-            asked(script);
-        });
-    };
-    EXPECT_EQ(merge("A1", [](DialogScript&) {}), IDOK);
+    EXPECT_EQ(Merge("A1", Archive("A1"), [](DialogScript&) {}), IDOK);
     dbCPatient merged;
     ASSERT_TRUE(merged.Load("A1"));
     ASSERT_EQ(merged.GetTimepoints().GetCount(), 5);
@@ -348,7 +350,7 @@ TEST_F(ArchiveDialogTest, MergesUnderNewNumbers)
         "The data being merged does not appear to be for the selected patient.\r\n\r\nThe SELECTED "
         "patient is:\r\n     B1: Zo\xeb Lee B1\r\n\r\nThe MERGE DATA appears to be for:\r\n     "
         "A1: Zo\xeb Lee A1\r\n\r\nWould you like to merge the data anyway?";
-    EXPECT_EQ(merge("B1",
+    EXPECT_EQ(Merge("B1", Archive("A1"),
                     [&](DialogScript& script) {
                         const Dialog box = script.WaitForBox();
                         EXPECT_EQ(box.BoxText(), mismatch);
@@ -358,7 +360,7 @@ TEST_F(ArchiveDialogTest, MergesUnderNewNumbers)
                         WaitForChoice(script).Press(IDCANCEL);
                     }),
               IDCANCEL);
-    EXPECT_EQ(merge("B1", [&](DialogScript& script) { script.AnswerBox("", IDYES); }), IDOK);
+    EXPECT_EQ(Merge("B1", Archive("A1"), [](DialogScript& script) { script.AnswerBox("", IDYES); }), IDOK);
     EXPECT_TRUE(WorkingFiles().contains("B101.I2A"));
 }
 
@@ -372,24 +374,16 @@ TEST_F(ArchiveDialogTest, RefusesAMergeThatDoesNotFitAndOldArchives)
     patient.Save();
     const auto before = WorkingFiles();
     m_practice.WriteFile("archive\\A1.kar", HeaderOf("A1"));
-    struct Case
+    const std::pair<std::string, const char*> refusals[] = {
+        {Archive("A1"), "The maximum number of timepoints (100) has already been reached for this patient."},
+        {Archive("A1", 1),
+         "Merging from the old archive file is not supported. Please use Get Patient From Archive to load "
+         "the "
+         "patient back to Veltrix first. Then use Copy / Paste timepoint to merge the timepoints."}};
+    for (const auto& [path, pszText] : refusals)
     {
-        std::string archive, text;
-    };
-    for (const Case& refused :
-         {Case{"A1.kaz", "The maximum number of timepoints (100) has already been reached for this patient."},
-          Case{
-              "A1.kar",
-              "Merging from the old archive file is not supported. Please use Get Patient From Archive to "
-              "load "
-              "the patient back to Veltrix first. Then use Copy / Paste timepoint to merge the timepoints."}})
-    {
-        EXPECT_EQ(Run(ARCHIVE_OP_MERGE, {"A1"}, {m_practice.Path("archive\\" + refused.archive)},
-                      [&](DialogScript& script) {
-                          WaitForChoice(script).Press(IDOK);
-                          script.AnswerBox(refused.text, IDOK);
-                      }),
-                  IDOK);
+        const auto answer = [&](DialogScript& script) { script.AnswerBox(pszText, IDOK); };
+        EXPECT_EQ(Merge("A1", path, answer), IDOK);
         EXPECT_EQ(WorkingFiles(), before);
     }
     ASSERT_TRUE(patient.Load("A1"));

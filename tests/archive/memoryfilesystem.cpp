@@ -162,6 +162,12 @@ void MemoryFileSystem::Remove(const std::string& path)
     m_nodes.erase(Key(path));
 }
 
+void MemoryFileSystem::Clear(const std::string& folder)
+{
+    for (const std::string& path : Tree(folder))
+        m_nodes.erase(path);
+}
+
 bool MemoryFileSystem::Exists(const std::string& path) const
 {
     return m_nodes.contains(Key(path));

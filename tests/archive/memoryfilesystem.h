@@ -36,7 +36,8 @@ public:
     void AddDrive(char letter, std::uint64_t clusters = 1 << 20, std::uint64_t bytesPerCluster = 512);
     void Put(const std::string& path, const std::string& bytes,
              std::uint32_t attributes = arc::attribute::Archive);
-    void Remove(const std::string& path); // a single file or empty folder; no call
+    void Remove(const std::string& path);  // a single file or empty folder; no call
+    void Clear(const std::string& folder); // of all files below; no call
     bool Exists(const std::string& path) const;
     std::string Bytes(const std::string& path) const; // empty when there is none
     Node* Find(const std::string& path);

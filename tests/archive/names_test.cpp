@@ -41,20 +41,6 @@ TEST(ArchiveNames, KindIsTheFirstKnownPartAnywhereInTheLoweredPath)
     EXPECT_FALSE(arc::IsZippedArchive("D:\\x.kaz\\P.kar"));
 }
 
-TEST(ArchiveNames, FilesOfAPatient)
-{
-    EXPECT_EQ(arc::PatientFileName("AB"), "AB.PF");
-    EXPECT_EQ(arc::TimepointBaseName("AB", 7), "AB07");
-    EXPECT_EQ(arc::TimepointBaseName("AB", 100), "AB100");
-    EXPECT_EQ(arc::ImageFileName("AB07", 4, '0'), "AB07.I40");
-    EXPECT_EQ(arc::ImageCompanionName("II07.I2I"), "II07.V2I"); // only the extension's first letter
-    EXPECT_EQ(arc::TimepointDataName("AB", 0, ".DF3"), "AB00.DF3");
-    EXPECT_EQ(arc::AlternateImageName("AB07.i40"), "AB07.C01");
-    EXPECT_EQ(arc::AlternateImageName("AB07.I41"), "");
-    EXPECT_EQ(arc::AlternateImageName("I40"), "");
-    EXPECT_EQ(arc::ZippedArchiveName("D:\\arc\\", "AB"), "D:\\arc\\AB.KAZ");
-}
-
 TEST(ArchiveNames, PatternArgumentHasTheEightPatternsAndSplitsBack)
 {
     EXPECT_EQ(arc::ArchivePatternArgument("S1"),
@@ -63,14 +49,6 @@ TEST(ArchiveNames, PatternArgumentHasTheEightPatternsAndSplitsBack)
     EXPECT_EQ(arc::SplitPatternArgument(arc::ArchivePatternArgument("S1")), arc::ArchivePatterns("S1"));
     EXPECT_THAT(arc::SplitPatternArgument("  a\"b\" \"\" c\""), ElementsAre("a", "b", "c"));
     EXPECT_THAT(arc::SplitPatternArgument("\" \""), ElementsAre());
-}
-
-TEST(ArchiveNames, VolumesHaveThreeCharacterNumbers)
-{
-    EXPECT_EQ(arc::VolumeFileName("D:\\arc", "AB", 1), "D:\\arc\\AB.001");
-    EXPECT_EQ(arc::VolumeFileName("A:", "AB", 12), "A:\\AB.012");
-    EXPECT_EQ(arc::VolumeFileName("A:\\", "AB", 123), "A:\\AB.123");
-    EXPECT_EQ(arc::VolumeSearchPattern('B', "AB"), "B:\\AB.0*");
 }
 
 TEST(ArchiveNames, WildcardsAreStrict)
@@ -179,17 +157,18 @@ arc::TimepointFiles Timepoint(const std::string& id, int index)
 TEST(ArchiveFileSet, ListsByGroupThenTypeThenTimepoint)
 {
     arc::ImageTypeTable types;
-    types[0] = "AB";
+    types[0] = "AI";
     types[4] = "0";
-    arc::TimepointFiles first = Timepoint("P", 0);
-    arc::TimepointFiles second = Timepoint("P", 3);
+    arc::TimepointFiles first = Timepoint("II", 0); // only an extension's first letter is ever another
+    arc::TimepointFiles second = Timepoint("II", 100);
     first.typeBits[0] = 0b10;
     second.typeBits[0] = 0b11;
     second.typeBits[4] = 0b101; // a bit without a type of the table names no file
-    const auto names = arc::ListFileSet("P", {first, second}, types);
-    EXPECT_THAT(names, ElementsAre("P.PF", "P03.I0A", "P03.V0A", "P00.I0B", "P00.V0B", "P03.I0B", "P03.V0B",
-                                   "P03.I40", "P03.V40", "P00.DF0", "P00.DF1", "P00.DF2", "P00.DF3", "P00.M",
-                                   "P03.DF0", "P03.DF1", "P03.DF2", "P03.DF3", "P03.M"));
+    const auto names = arc::ListFileSet("II", {first, second}, types);
+    EXPECT_THAT(names, ElementsAre("II.PF", "II100.I0A", "II100.V0A", "II00.I0I", "II00.V0I", "II100.I0I",
+                                   "II100.V0I", "II100.I40", "II100.V40", "II00.DF0", "II00.DF1", "II00.DF2",
+                                   "II00.DF3", "II00.M", "II100.DF0", "II100.DF1", "II100.DF2", "II100.DF3",
+                                   "II100.M"));
     EXPECT_EQ(arc::FileSlots({first, second}), 1 + 2 * 5 + 5 * 2u);
     EXPECT_THAT(arc::ListFileSet("P", {}, types), ElementsAre("P.PF"));
 }
@@ -201,9 +180,10 @@ TEST(ArchiveFileSet, FindsTheOtherNameOfAMissingImage)
     files.Put("C:\\w\\P00.C01", "12");
     files.Put("C:\\w\\P01.I40", "1");
     files.Put("C:\\w\\P01.C01", "123");
+    files.Put("C:\\w\\P03.C01", "1234");
     files.CreateFolder("C:\\w\\P00.M");
-    const auto present =
-        arc::PresentFiles(files, "C:\\w", {"P.PF", "P00.I40", "P01.I40", "P02.I40", "P00.M"});
+    const auto present = arc::PresentFiles(
+        files, "C:\\w", {"P.PF", "P00.i40", "P01.I40", "P02.I40", "P03.I41", "I40", "P00.M"});
     ASSERT_TRUE(present);
     EXPECT_THAT(*present, ElementsAre(arc::PresentFile{"P.PF", 4}, arc::PresentFile{"P00.C01", 2},
                                       arc::PresentFile{"P01.I40", 1}));

@@ -87,6 +87,13 @@ protected:
         return unzipper.OpenZip(path) && unzipper.UnzipAll("C:\\back");
     }
 
+    void ExpectAllBack()
+    {
+        for (const arc::PresentFile& file : set)
+            EXPECT_TRUE(files.Bytes("C:\\back\\" + file.name) == files.Bytes("C:\\w\\" + file.name))
+                << file.name;
+    }
+
     // As the zip library's own program writes them.
     std::string PlainZip()
     {
@@ -172,11 +179,7 @@ TEST_P(ArchiveParallel, TheZipIsTheLibrarysButForThePackedBytes)
     for (const std::string& path : {Zip, std::string("C:\\out\\plain.zip")})
     {
         ASSERT_TRUE(Load(path));
-        for (const arc::PresentFile& file : set)
-        {
-            EXPECT_EQ(files.Bytes("C:\\back\\" + file.name) == files.Bytes("C:\\w\\" + file.name), true)
-                << file.name;
-        }
+        ExpectAllBack();
     }
     EXPECT_EQ(files.Find("C:\\back\\one")->written, (arc::LocalTime{2026, 10, 21, 4, 5, 6}));
 }
@@ -217,11 +220,8 @@ TEST_P(ArchiveParallel, GoesOnWithoutTheMemoryThatWorkersDoNotGet)
         EXPECT_TRUE(arc::VerifyZip(files, Zip, set, {}, parallel)) << from;
         asked = 0;
         ASSERT_TRUE(Load()) << from;
-        for (const arc::PresentFile& file : set)
-        {
-            EXPECT_EQ(files.Bytes("C:\\back\\" + file.name), files.Bytes("C:\\w\\" + file.name)) << file.name;
-            files.Remove("C:\\back\\" + file.name);
-        }
+        ExpectAllBack();
+        files.Clear("C:\\back");
     }
 }
 
@@ -363,37 +363,6 @@ TEST_P(ArchiveParallel, NothingThatIsSavedIsTooGoodToBeLoaded)
     Put("zeros", std::string(40'000'000, '\0'));
     ASSERT_TRUE(Save());
     EXPECT_TRUE(arc::VerifyZip(files, Zip, set, {}, parallel));
-}
-
-TEST_P(ArchiveParallel, PatternListTakesStrictMatchesOnce)
-{
-    for (const char* name : {"A1.PF", "A100.I40", "A100.V40", "A1200.I40", "A1$00$x", "A1$y.2dmorph", "B.PF"})
-    {
-        files.Put(std::string("C:\\work\\") + name, name);
-    }
-    const auto names = [this](const std::string& path) {
-        std::vector<std::string> found;
-        for (const std::string& record : Records(files.Bytes(path)))
-            found.push_back(record.substr(46));
-        return found;
-    };
-    CZipper zipper(files);
-    zipper.SetParallel(parallel);
-    ASSERT_TRUE(zipper.OpenZip("C:\\out\\A1.KAZ"));
-    EXPECT_TRUE(zipper.AddPatternList(arc::ArchivePatternArgument("A1"), "C:\\work", true));
-    ASSERT_TRUE(zipper.CloseZip());
-    EXPECT_THAT(names("C:\\out\\A1.KAZ"),
-                testing::ElementsAre("A1.PF", "A100.I40", "A100.V40", "A1$00$x", "A1$y.2dmorph"));
-
-    ASSERT_TRUE(zipper.OpenZip("C:\\out\\B.KAZ", "C:\\work"));
-    EXPECT_TRUE(zipper.AddPatternList("\"C:\\work\\B*\" C:\\work\\none.*"));
-    ASSERT_TRUE(zipper.CloseZip());
-    EXPECT_THAT(names("C:\\out\\B.KAZ"), testing::ElementsAre("B.PF"));
-
-    // A file that is held by another process is a failed save, not one file less.
-    const auto held = files.Open("C:\\work\\A100.I40", arc::Access::ReadShared);
-    ASSERT_TRUE(zipper.OpenZip("C:\\out\\A1.KAZ"));
-    EXPECT_FALSE(zipper.AddPatternList(arc::ArchivePatternArgument("A1"), "C:\\work", true));
 }
 
 TEST_P(ArchiveParallel, VerificationSeesEveryChangedByte)

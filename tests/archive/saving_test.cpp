@@ -1,9 +1,10 @@
-// Saves as a volume stream and in the earlier format, whole and cut off at every call. (zipwork_test.cpp has
-// the zip's.)
+// Saves in every format, whole and cut off at every call. (zipwork_test.cpp has what only the zip's do.)
+#include "archive/files/filenames.h"
 #include "archive/files/headerline.h"
 #include "archive/work/earliersaving.h"
 #include "archive/work/resultcodes.h"
 #include "archive/work/volumesaving.h"
+#include "archive/work/zipwork.h"
 #include "tests/archive/memoryfilesystem.h"
 
 #include <gmock/gmock.h>
@@ -18,6 +19,7 @@ namespace
 {
 enum class Format
 {
+    Zip,
     Volumes,
     Earlier
 };
@@ -33,20 +35,27 @@ protected:
         volumes.header = {"Smith", "Jo", "S1"};
         volumes.archivePath = "C:\\arc\\S1.kar";
         earlier.archivePath = "C:\\arc\\S1.PF";
-        volumes.checking = "checking";
-        volumes.folder = earlier.folder = "C:\\w";
+        zip.archivePath = "C:\\arc\\S1.KAZ";
+        zip.workingPath = "C:\\arc\\S1.ZIP";
+        zip.patterns = arc::ArchivePatternArgument("S1");
+        zip.checking = volumes.checking = "checking";
+        zip.folder = volumes.folder = earlier.folder = "C:\\w";
         volumes.listed = earlier.listed = {"S1.PF", "S100.I0A", "S100.V0A", "S100.I40"};
-        volumes.trial = earlier.trial = [this](const std::string& path) {
+        zip.trial = volumes.trial = earlier.trial = [this](const std::string& path) {
             tried = path;
             return isGood;
         };
-        volumes.step = earlier.step = [this](const char* step) { steps.push_back(step); };
+        zip.step = volumes.step = earlier.step = [this](const char* step) { steps.push_back(step); };
         earlier.patientFile = [this] {
             ++standIns;
             return std::shared_ptr<void>(nullptr, [this](void*) { --standIns; });
         };
     }
 
+    static bool IsZip()
+    {
+        return GetParam() == Format::Zip;
+    }
     static bool IsEarlier()
     {
         return GetParam() == Format::Earlier;
@@ -55,6 +64,8 @@ protected:
     int Save()
     {
         steps.clear();
+        if (IsZip())
+            return arc::SaveZip(files, zip, progress);
         if (IsEarlier())
         {
             arc::EarlierSaving saving(files, earlier, progress);
@@ -75,18 +86,19 @@ protected:
         return all;
     }
 
-    // An archive of three volumes, or of three files.
+    // A zip, or an archive of three volumes, or of three files.
     void PutOld()
     {
         files.FailFrom(0);
-        for (const auto& [path, bytes] : Archives())
-            files.Remove(path);
-        for (const char* name : IsEarlier() ? std::array{"S1.PF", "S100.I0A", "S100.V0A"}
-                                            : std::array{"S1.kar", "S1.001", "S1.002"})
-            files.Put(std::string("C:\\arc\\") + name, std::string("old ") + name);
+        files.Clear("C:\\arc");
+        const std::vector<std::string> zipped = {"S1.KAZ"}, inVolumes = {"S1.kar", "S1.001", "S1.002"},
+                                       bare = {"S1.PF", "S100.I0A", "S100.V0A"};
+        for (const std::string& name : IsZip() ? zipped : IsEarlier() ? bare : inVolumes)
+            files.Put("C:\\arc\\" + name, "old " + name);
     }
 
     MemoryFileSystem files;
+    arc::ZipSave zip;
     arc::VolumeSave volumes;
     arc::EarlierSave earlier;
     arc::WorkProgress progress;
@@ -95,7 +107,8 @@ protected:
     bool isGood = true;
     int standIns = 0;
 };
-INSTANTIATE_TEST_SUITE_P(Formats, ArchiveSaving, testing::Values(Format::Volumes, Format::Earlier));
+INSTANTIATE_TEST_SUITE_P(Formats, ArchiveSaving,
+                         testing::Values(Format::Zip, Format::Volumes, Format::Earlier));
 } // namespace
 
 TEST_P(ArchiveSaving, TakesItsStepsAndReplacesTheWholeOldArchive)
@@ -109,6 +122,10 @@ TEST_P(ArchiveSaving, TakesItsStepsAndReplacesTheWholeOldArchive)
     earlier.step = [&](const char* step) {
         steps.push_back(step);
         standing.push_back(standIns);
+    };
+    zip.step = [&](const char* step) {
+        steps.push_back(step);
+        standing.push_back(files.Exists(zip.archivePath)); // only when it is proven
     };
     std::string last;
     progress = [&](int, const std::string& name) {
@@ -129,6 +146,14 @@ TEST_P(ArchiveSaving, TakesItsStepsAndReplacesTheWholeOldArchive)
         return;
     }
     EXPECT_EQ(last, "checking");
+    if (IsZip())
+    {
+        EXPECT_THAT(standing, ElementsAre(0, 0, 0, 1, 1));
+        EXPECT_EQ(tried, zip.workingPath);
+        EXPECT_THAT(files.Tree("C:\\arc"), ElementsAre("C:\\ARC\\S1.KAZ"));
+        EXPECT_TRUE(files.Find(zip.archivePath)->onMedium);
+        return;
+    }
     EXPECT_EQ(tried, "C:\\w\\S1.PF");
     EXPECT_EQ(files.Bytes("C:\\arc\\S1.kar"), arc::WriteHeaderLine(volumes.header));
     EXPECT_THAT(files.Tree("C:\\arc"), ElementsAre("C:\\ARC\\S1.001", "C:\\ARC\\S1.KAR"));
@@ -204,30 +229,37 @@ TEST_P(ArchiveSaving, EndsWhereItIsStoppedOrNotProvenAndKeepsTheOldArchive)
     isGood = true;
     // Where one of the old archive's files has to stay, all do.
     PutOld();
-    files.Find(IsEarlier() ? "C:\\arc\\S100.V0A" : "C:\\arc\\S1.002")->attributes = arc::attribute::ReadOnly;
+    const char* const last = IsZip() ? "S1.KAZ" : IsEarlier() ? "S100.V0A" : "S1.002";
+    files.Find(std::string("C:\\arc\\") + last)->attributes = arc::attribute::ReadOnly;
     EXPECT_EQ(Save(), arc::ResultSaveFailed);
     EXPECT_EQ(Archives(), old);
-    // Without the patient file there is nothing to save.
-    PutOld();
-    files.Remove("C:\\w\\S1.PF");
-    EXPECT_EQ(Save(), arc::ResultSaveFailed);
-    files.Put("C:\\w\\S1.PF", "patient");
+    if (!IsZip())
+    {
+        // Without the patient file there is nothing to save.
+        PutOld();
+        files.Remove("C:\\w\\S1.PF");
+        EXPECT_EQ(Save(), arc::ResultSaveFailed);
+        files.Put("C:\\w\\S1.PF", "patient");
+    }
     if (IsEarlier())
         return;
     // What has the archive's name by the time it is placed stays; a label that reads back otherwise goes.
+    const std::string path = IsZip() ? zip.archivePath : volumes.archivePath;
     for (const bool isTaken : {true, false})
     {
+        if (IsZip() && !isTaken)
+            return;
         PutOld();
-        volumes.step = [&](const std::string& step) {
+        zip.step = volumes.step = [&](const std::string& step) {
             if (step != "save.proven")
                 return;
             if (isTaken)
-                files.Put(volumes.archivePath, "mine");
+                files.Put(path, "mine");
             files.m_bGarbles = !isTaken;
         };
         EXPECT_EQ(Save(), arc::ResultSaveFailed);
-        EXPECT_EQ(files.Bytes(volumes.archivePath), isTaken ? "mine" : "");
-        EXPECT_EQ(files.Exists(volumes.archivePath), isTaken);
-        EXPECT_FALSE(files.Exists("C:\\arc\\S1.001"));
+        EXPECT_EQ(files.Bytes(path), isTaken ? "mine" : "");
+        EXPECT_EQ(files.Exists(path), isTaken);
+        EXPECT_FALSE(files.Exists("C:\\arc\\S1.001") || files.Exists(zip.workingPath));
     }
 }

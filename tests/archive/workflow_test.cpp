@@ -180,7 +180,6 @@ TEST(DiscBundle, CopiesWhatIsThereAndKeepsTheTemplatesTail)
 
 TEST(DiscBundle, NeitherMakesAnAutorunFileNorLeavesHalfACopy)
 {
-    MemoryFileSystem reference;
     for (int fault = 1; fault < 40; ++fault)
     {
         MemoryFileSystem files;
@@ -204,7 +203,6 @@ public:
     std::function<bool(int)> insert = [](int) { return false; };
     std::deque<bool> answers;
     std::vector<unsigned> questions;
-    int faults = 0;
     std::uint64_t expected = 0;
     int firstAgain = 0;
 
@@ -226,11 +224,9 @@ public:
     }
     void WriteFault(char) override
     {
-        ++faults;
     }
     void Unreadable(char) override
     {
-        ++faults;
     }
     void Erasing() override
     {
@@ -278,6 +274,14 @@ protected:
             files.Put(path, bytes);
     }
 
+    void PutInWhatIsAskedFor()
+    {
+        prompts.insert = [this](int number) {
+            Change(number);
+            return true;
+        };
+    }
+
     MemoryFileSystem files;
     ScriptedPrompts prompts;
     std::vector<arc::PresentFile> set;
@@ -288,10 +292,7 @@ protected:
 
 TEST_F(DisketteVolumesTest, ASetOfTwoDisksIsWrittenAndReadBack)
 {
-    prompts.insert = [this](int number) {
-        Change(number);
-        return true;
-    };
+    PutInWhatIsAskedFor();
     arc::VolumeSave save{patient, "A:\\CURRENT.DAT", "C:\\work", {}, {}, "", {}, {}};
     for (const arc::PresentFile& file : set)
         save.listed.push_back(file.name);
@@ -324,10 +325,7 @@ TEST_F(DisketteVolumesTest, AForeignDiskIsErasedOnlyWhenTheUserSaysSo)
 TEST_F(DisketteVolumesTest, AgreeingToTheFirstDiskIsNotAgreeingToTheSecond)
 {
     disks[2] = {{"A:\\holiday.jpg", "picture"}};
-    prompts.insert = [this](int number) {
-        Change(number);
-        return true;
-    };
+    PutInWhatIsAskedFor();
     arc::DisketteVolumes volumes(files, prompts, 'A', patient, true); // the first is blank
     EXPECT_EQ(arc::VolumeStatus::Cancelled, arc::WriteVolumeStream(files, "C:\\work", set, {}, volumes));
     EXPECT_EQ(std::vector<unsigned>{IDS_ARC_DISK_NOT_PATIENT}, prompts.questions);
@@ -336,10 +334,7 @@ TEST_F(DisketteVolumesTest, AgreeingToTheFirstDiskIsNotAgreeingToTheSecond)
 
 TEST_F(DisketteVolumesTest, AWrongDiskIsAskedAboutWhileReading)
 {
-    prompts.insert = [this](int number) {
-        Change(number);
-        return true;
-    };
+    PutInWhatIsAskedFor();
     arc::DisketteVolumes written(files, prompts, 'A', patient, false);
     ASSERT_EQ(arc::VolumeStatus::Done, arc::WriteVolumeStream(files, "C:\\work", set, {}, written));
     Change(1);

@@ -142,6 +142,16 @@ TEST_F(ArchiveZipper, AppendsOnlyToASoundZip)
     }
 }
 
+TEST_F(ArchiveZipper, PatternsMayHavePathsAndMatchNothing)
+{
+    for (const char* name : {"A1.PF", "B.PF"})
+        files.Put(std::string("C:\\work\\") + name, name);
+    ASSERT_TRUE(zipper.OpenZip("C:\\x.zip", "C:\\work"));
+    EXPECT_TRUE(zipper.AddPatternList("\"C:\\work\\B*\" C:\\work\\none.*"));
+    ASSERT_TRUE(zipper.CloseZip());
+    EXPECT_THAT(Names("C:\\x.zip"), ElementsAre("B.PF"));
+}
+
 TEST_F(ArchiveZipper, OpenFailsWhereNothingCanBeWritten)
 {
     files.Put("C:\\ro.zip", "x", attribute::ReadOnly);
