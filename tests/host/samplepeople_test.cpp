@@ -9,22 +9,6 @@
 namespace
 {
 
-std::string Describe(const sample::Patient& patient)
-{
-    std::string text = patient.id + '|' + patient.given + '|' + patient.family + '|' + patient.address.street + '|' +
-                       patient.keywords + '|' + patient.notes + '|' + std::to_string(patient.birth.year) + '|' +
-                       std::to_string(patient.birth.month) + '|' + std::to_string(patient.birth.day);
-    for (const sample::Phone& phone : patient.phones)
-    {
-        text += '|' + phone.number + phone.kind;
-    }
-    for (const sample::Timepoint& timepoint : patient.timepoints)
-    {
-        text += '|' + timepoint.name + std::to_string(timepoint.date.year) + std::to_string(timepoint.images);
-    }
-    return text;
-}
-
 // Everything that the sheet and the database refuse must not come out of the generator.
 TEST(SamplePeople, EveryPatientPassesThePracticesOwnRules)
 {
@@ -36,7 +20,7 @@ TEST(SamplePeople, EveryPatientPassesThePracticesOwnRules)
     for (std::size_t index = 0; index < kPatients; ++index)
     {
         const sample::Patient patient = generator.GetPatient(index);
-        SCOPED_TRACE(Describe(patient));
+        SCOPED_TRACE(patient.id);
         ids.insert(patient.id);
         EXPECT_EQ(std::string::npos, patient.id.find_first_not_of("_-0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ"));
         longest = std::max(longest, patient.id.size());

@@ -135,16 +135,4 @@ TEST_F(KeywordField, EditTheseOpensTheEditorOverTheDialog)
     });
 }
 
-TEST_F(KeywordField, IsAnEditFieldInEveryOtherWay)
-{
-    Run([](DialogScript&, const Dialog& dialog) {
-        const Control field = dialog.Item(IDC_FIELD_PATIENT);
-        field.Type("typed");
-        EXPECT_EQ(field.Text(), "typed");
-        field.Send(EM_SETLIMITTEXT, 7);
-        field.Type(" text");
-        EXPECT_EQ(field.Text(), "typed t");
-    });
-}
-
 } // namespace

@@ -67,14 +67,10 @@ public:
     }
 
     CString m_name;
-    int m_check = 0;
-    int m_choice = -1;
     CReflectingButton m_action;
     int m_actions = 0;
     Fault m_initFault = Fault::none;
     Fault m_actionFault = Fault::none;
-    int m_maximum = 5;
-    bool m_updateEnabled = true;
     int m_endInInit = 0; // of two calls the second counts
     int m_endInAction = 0;
     CWnd* m_kept = nullptr; // made before the loop, so it must outlive the loop's idle work
@@ -101,9 +97,7 @@ protected:
         CDialog::DoDataExchange(pDX);
         DDX_Control(pDX, IDC_ACTION, m_action);
         DDX_Text(pDX, IDC_NAME, m_name);
-        DDV_MaxChars(pDX, m_name, m_maximum);
-        DDX_Check(pDX, IDC_CHECK, m_check);
-        DDX_Radio(pDX, IDC_FIRST, m_choice);
+        DDV_MaxChars(pDX, m_name, 5);
     }
     void OnAction()
     {
@@ -118,22 +112,11 @@ protected:
             Throw(m_actionFault);
         }
     }
-    void OnUpdateCheck(CCmdUI* ui)
-    {
-        ui->Enable(m_updateEnabled);
-    }
-    LRESULT OnKickIdle(WPARAM, LPARAM)
-    {
-        UpdateDialogControls(this, FALSE);
-        return 0;
-    }
     DECLARE_MESSAGE_MAP()
 };
 
 BEGIN_MESSAGE_MAP(CBasicDialog, CDialog)
 ON_BN_CLICKED(IDC_ACTION, &CBasicDialog::OnAction)
-ON_UPDATE_COMMAND_UI(IDC_CHECK, &CBasicDialog::OnUpdateCheck)
-ON_MESSAGE(WM_KICKIDLE, &CBasicDialog::OnKickIdle)
 END_MESSAGE_MAP()
 
 // A plain top-level window to own dialogs.
@@ -161,32 +144,6 @@ protected:
     }
     COwner m_owner;
 };
-
-TEST_F(MfcDialog, ExchangesDataBothWays)
-{
-    CBasicDialog dialog(&m_owner);
-    dialog.m_name = "abc";
-    dialog.m_check = 1;
-    dialog.m_choice = 1;
-    const INT_PTR result = RunModal([&] { return dialog.DoModal(); },
-                                    [&](DialogScript& script) {
-                                        Dialog open = script.WaitForDialog("Basic");
-                                        EXPECT_FALSE(::IsWindowEnabled(m_owner.m_hWnd));
-                                        EXPECT_EQ(open.Item(IDC_NAME).Text(), "abc");
-                                        EXPECT_TRUE(open.Item(IDC_CHECK).IsChecked());
-                                        EXPECT_TRUE(open.Item(IDC_SECOND).IsChecked());
-                                        open.Item(IDC_NAME).Replace("defghi"); // one more than the limit
-                                        open.Item(IDC_CHECK).Click();
-                                        open.Item(IDC_FIRST).Click();
-                                        open.Press(IDOK);
-                                    });
-    EXPECT_EQ(result, IDOK);
-    EXPECT_EQ(dialog.m_name, "defgh");
-    EXPECT_EQ(dialog.m_check, 0);
-    EXPECT_EQ(dialog.m_choice, 0);
-    EXPECT_TRUE(::IsWindowEnabled(m_owner.m_hWnd));
-    EXPECT_EQ(dialog.m_hWnd, nullptr);
-}
 
 TEST_F(MfcDialog, RefusesTextSetPastTheMaximum)
 {
@@ -223,38 +180,6 @@ TEST_F(MfcDialog, LetsAControlAnswerItsOwnNotificationFirst)
                  EXPECT_EQ(dialog.m_actions, 1); // the dialog was not asked
                  open.Press(IDCANCEL);
              });
-}
-
-TEST_F(MfcDialog, UpdatesCommandStatesWhenIdle)
-{
-    CBasicDialog dialog(&m_owner);
-    RunModal([&] { return dialog.DoModal(); },
-             [&](DialogScript& script) {
-                 Dialog open = script.WaitForDialog("Basic");
-                 EXPECT_TRUE(open.Item(IDC_CHECK).IsEnabled());
-                 dialog.m_updateEnabled = false;
-                 open.Press(IDC_ACTION);
-                 open.SettleIdle();
-                 EXPECT_FALSE(open.Item(IDC_CHECK).IsEnabled());
-                 EXPECT_TRUE(open.Item(IDC_ACTION).IsEnabled());
-                 open.Press(IDCANCEL);
-             });
-}
-
-TEST_F(MfcDialog, AnswersKeys)
-{
-    struct Case
-    {
-        UINT key;
-        INT_PTR result;
-    };
-    for (const Case& item : {Case{VK_RETURN, IDOK}, Case{VK_ESCAPE, IDCANCEL}})
-    {
-        CBasicDialog dialog(&m_owner);
-        EXPECT_EQ(RunModal([&] { return dialog.DoModal(); },
-                           [&](DialogScript& script) { script.WaitForDialog("Basic").PressKey(item.key); }),
-                  item.result);
-    }
 }
 
 TEST_F(MfcDialog, GivesWhatHandlersThrowToTheThreadObject)

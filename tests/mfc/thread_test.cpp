@@ -81,15 +81,6 @@ TEST(MfcThread, RunsItsLoopOnItsOwnThread)
     EXPECT_EQ(AfxGetThread(), &TestApp());
 }
 
-TEST(MfcThread, EndsAtOnceWhenItsStartIsRefused)
-{
-    CTestThread thread;
-    thread.m_bAutoDelete = FALSE;
-    thread.m_refuses = true;
-    ASSERT_TRUE(thread.CreateThread());
-    EXPECT_EQ(WaitForExit(thread), 7U);
-}
-
 TEST(MfcThread, BeginsSuspendedUntilResumed)
 {
     auto* thread = static_cast<CTestThread*>(

@@ -160,24 +160,17 @@ TEST_F(FileTest, MemoryFilesGrow)
     EXPECT_EQ(Thrown([&] { file.Seek(-1, CFile::begin); }), FileError(CFileException::badSeek));
 }
 
-TEST_F(FileTest, FindsFiles)
+TEST(Exceptions, TellTheUserWhatHappenedToWhichFile)
 {
-    m_folder.WriteFile("working\\A1.PF", "12");
-    m_folder.WriteFile("working\\A101.I00", "x");
-    CFileFind finder;
-    std::string names;
-    BOOL working = finder.FindFile((m_folder.Working() + "*.*").c_str());
-    while (working)
-    {
-        working = finder.FindNextFile();
-        if (!finder.IsDots())
-        {
-            names += std::string(finder.GetFileTitle()) + ' ';
-            EXPECT_STREQ(finder.GetFilePath(), (m_folder.Working() + finder.GetFileName().GetString()).c_str());
-            EXPECT_FALSE(finder.IsDirectory());
-        }
-    }
-    EXPECT_TRUE(names == "A1 A101 " || names == "A101 A1 ") << names;
-    EXPECT_FALSE(finder.FindFile(Path("*.none")));
-    EXPECT_EQ(Thrown([&] { finder.GetFileName(); }), "CInvalidArgException");
+    char text[256];
+    const CFileException full(CFileException::diskFull, ERROR_DISK_FULL, "d:\\x.kaz");
+    ASSERT_TRUE(full.GetErrorMessage(text, sizeof(text)));
+    EXPECT_STREQ(text, "The disk is full while accessing d:\\x.kaz.");
+    const CArchiveException cut(CArchiveException::endOfFile);
+    ASSERT_TRUE(cut.GetErrorMessage(text, 12));
+    EXPECT_STREQ(text, "an unnamed ");
+    ASSERT_TRUE(CMemoryException().GetErrorMessage(text, sizeof(text)));
+    EXPECT_STREQ(text, "There is not enough memory.");
+    EXPECT_FALSE(CUserException().GetErrorMessage(text, sizeof(text)));
+    EXPECT_STREQ(text, "");
 }

@@ -123,9 +123,7 @@ TEST(PatientArchive, LoadedIntoAnEmptyPracticeEveryFieldIsEqual)
     ASSERT_TRUE(patients.AddFromArchive(archived));
     EXPECT_FALSE(patients.AddFromArchive(archived)) << "it is there already";
 
-    dbCPatient loaded;
-    ASSERT_TRUE(loaded.Load("A1"));
-    EXPECT_EQ(loaded.GetLastname(), archived.GetLastname());
+    dbCPatient loaded = Loaded("A1");
     EXPECT_EQ(loaded.GetOfficeID(), strOffice) << "matched by name";
     EXPECT_EQ(loaded.GetReferrals()[0].Get_docLastname(), "Reed");
     EXPECT_EQ(loaded.GetInsurances()[0].GetCompanyName(), "Sound Cover");
@@ -200,10 +198,7 @@ TEST(PatientArchive, TheEarlierFormatCarriesItsFields)
     EXPECT_FALSE(Read(read, bytes, 1)) << "told from the present format";
     read.Initialize();
     ASSERT_TRUE(Read(read, bytes, 2));
-    EXPECT_EQ(read.GetLastname(), HardText() + "0");
-    EXPECT_EQ(read.GetTimepoints()[2].GetImageBits(0), 4U);
-    ASSERT_EQ(read.GetArchiveDiagnostics().GetCount(), 1);
-    EXPECT_EQ(read.GetArchiveDiagnostics()[0].GetTP(), 1);
+    EXPECT_EQ(Differences(Fields(patient), Fields(read)), std::vector<std::string>());
 
     // What has no sum is looked at the more closely.
     EXPECT_FALSE(Read(read, bytes + '\0', 2)) << "something behind the end";

@@ -18,42 +18,26 @@ TEST(Database, CallsWithoutOneSaySo)
     EXPECT_EQ(dbCPatients().IsLocked("A1"), patLockFailed);
 }
 
-TEST(Database, MissingIsNotCreated)
+TEST(Database, WhatIsNoPatientDatabaseIsRefusedUnchangedAndTheOpenOneStays)
 {
-    const veltest::TemporaryPractice practice;
-    for (const std::string& path :
-         {practice.Path("none.db"), practice.Path("none\\none.db"), practice.Path("working")})
-        EXPECT_EQ(ErrorOf([&] { dbCPatients::Open(path.c_str()); }), dbErrMissing) << path;
-    EXPECT_FALSE(std::filesystem::exists(practice.Path("none.db")));
-}
-
-TEST(Database, CreateKeepsItsHandsOffAnExistingFile)
-{
-    const veltest::TemporaryPractice practice;
-    practice.WriteFile("patients.db", "precious");
-    EXPECT_EQ(ErrorOf([&] { dbCPatients::Create(practice.Path("patients.db").c_str()); }), dbErrExists);
-    EXPECT_EQ(practice.ReadFile("patients.db"), "precious");
-}
-
-TEST(Database, WhatIsNoPatientDatabaseIsRefusedUnchanged)
-{
-    const veltest::TemporaryPractice practice;
-    std::string page(4096, 'x');
-    const struct
+    TestDatabase database;
+    NewPatient("A1").Save();
+    const veltest::TemporaryPractice& practice = database.practice;
+    const std::pair<std::string, dbError> CASES[] = {
+        {std::string(4096, 'x'), dbErrCorrupt}, {"", dbErrNotPatients}, {"SQLite format 3", dbErrCorrupt}};
+    for (const auto& [bytes, nError] : CASES)
     {
-        const char* pszName;
-        std::string bytes;
-        dbError nError;
-    } CASES[] = {{"text", page, dbErrCorrupt},
-                 {"empty", "", dbErrNotPatients},
-                 {"short", "SQLite format 3", dbErrCorrupt}};
-    for (const auto& test : CASES)
-    {
-        practice.WriteFile("file.db", test.bytes);
-        EXPECT_EQ(ErrorOf([&] { dbCPatients::Open(practice.Path("file.db").c_str()); }), test.nError)
-            << test.pszName;
-        EXPECT_EQ(practice.ReadFile("file.db"), test.bytes) << test.pszName;
+        practice.WriteFile("file.db", bytes);
+        EXPECT_EQ(ErrorOf([&] { dbCPatients::Open(practice.Path("file.db").c_str()); }), nError) << bytes;
+        EXPECT_EQ(ErrorOf([&] { dbCPatients::Create(practice.Path("file.db").c_str()); }), dbErrExists);
+        EXPECT_EQ(practice.ReadFile("file.db"), bytes);
     }
+    for (const char* pszMissing : {"none.db", "none\\none.db", "working"})
+        EXPECT_EQ(ErrorOf([&] { dbCPatients::Open(practice.Path(pszMissing).c_str()); }), dbErrMissing)
+            << pszMissing;
+    EXPECT_FALSE(std::filesystem::exists(practice.Path("none.db")));
+    EXPECT_EQ(dbCPatients::GetPath(), database.Path().c_str());
+    EXPECT_FALSE(dbCPatients().IsIDFree("A1"));
 }
 
 TEST(Database, TruncatedOrDamagedIsReportedAndNotOverwritten)
@@ -168,15 +152,6 @@ TEST(Database, ACommitThatAReaderHoldsUpIsRefusedAndCanBeRepeated)
     sqlite3_close(pReader);
     patient.Save();
     EXPECT_TRUE(dbCPatient().Load("A1"));
-}
-
-TEST(Database, AFailedOpenKeepsTheOneThatIsOpen)
-{
-    TestDatabase database;
-    NewPatient("A1").Save();
-    EXPECT_EQ(ErrorOf([&] { dbCPatients::Open(database.practice.Path("none.db").c_str()); }), dbErrMissing);
-    EXPECT_EQ(dbCPatients::GetPath(), database.Path().c_str());
-    EXPECT_FALSE(dbCPatients().IsIDFree("A1"));
 }
 
 TEST(Database, ChangesShowInTheCounter)

@@ -10,17 +10,10 @@
 
 #include <filesystem>
 #include <optional>
-#include <set>
 
 namespace
 {
-std::set<std::string> FilesIn(const std::string& folder)
-{
-    std::set<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(folder))
-        names.insert(entry.path().filename().string());
-    return names;
-}
+using PatientFiles = DatabaseTest;
 
 struct OpenFile
 {
@@ -36,9 +29,8 @@ struct OpenFile
     HANDLE hFile;
 };
 
-TEST(PatientFiles, HeaderLineAndTimepoints)
+TEST_F(PatientFiles, HeaderLineAndTimepoints)
 {
-    TestDatabase database;
     dbCPatient patient = NewPatient("A1", "A name of more than twenty-five characters", "Ann\x01\nX");
     dbCTimepoint timepoint;
     timepoint.SetName("Initial");
@@ -56,9 +48,9 @@ TEST(PatientFiles, HeaderLineAndTimepoints)
     EXPECT_EQ(FilesIn(database.practice.Working()).size(), 1U) << "no scratch file stays behind";
 }
 
-TEST(PatientFiles, OnlyAWholeTextIsRead)
+TEST_F(PatientFiles, OnlyAWholeTextIsRead)
 {
-    const veltest::TemporaryPractice practice;
+    const veltest::TemporaryPractice& practice = database.practice;
     const std::string head = "Lee\x01"
                              "Ann\x01"
                              "A1\x01";
@@ -116,12 +108,10 @@ TEST(PatientFiles, OnlyAWholeTextIsRead)
     EXPECT_FALSE(patReadPatientFile(practice.Path("none.PF").c_str(), patient));
 }
 
-TEST(PatientFiles, OneOfTheEarlierFormatHasThePlaceForATime)
+TEST_F(PatientFiles, OneOfTheEarlierFormatHasThePlaceForATime)
 {
-    TestDatabase database;
     const auto names = [&] { return FilesIn(database.practice.Working()); };
-    dbCPatient patient = NewPatient("A1");
-    patient.Save();
+    dbCPatient patient = Saved(NewPatient("A1"));
     database.practice.WriteFile("working/A1.PF", "its own");
     for (const bool bOwn : {true, false})
     {
@@ -150,9 +140,8 @@ TEST(PatientFiles, OneOfTheEarlierFormatHasThePlaceForATime)
     EXPECT_EQ(database.practice.ReadFile("working/A1.PF"), "left by a process that ended");
 }
 
-TEST(PatientFiles, WithoutOptionNoFileIsWritten)
+TEST_F(PatientFiles, WithoutOptionNoFileIsWritten)
 {
-    TestDatabase database;
     dbCPatient patient = NewPatient("A1");
     patient.Save(dbSaveWithoutFile);
     EXPECT_TRUE(FilesIn(database.practice.Working()).empty());
@@ -160,9 +149,8 @@ TEST(PatientFiles, WithoutOptionNoFileIsWritten)
     EXPECT_EQ(FilesIn(database.practice.Path("temp")).count("A1.PF"), 1U);
 }
 
-TEST(PatientFiles, AVanishedWorkingFolderRefusesTheSaveAsAWhole)
+TEST_F(PatientFiles, AVanishedWorkingFolderRefusesTheSaveAsAWhole)
 {
-    TestDatabase database;
     std::filesystem::remove_all(database.practice.Working());
     dbCPatient patient = NewPatient("A1");
     EXPECT_EQ(ErrorOf([&] { patient.Save(); }), dbErrIO);
@@ -170,9 +158,8 @@ TEST(PatientFiles, AVanishedWorkingFolderRefusesTheSaveAsAWhole)
     EXPECT_TRUE(dbCPatients().IsIDFree("A1"));
 }
 
-TEST(PatientFiles, WhatADeadProcessWasWritingGoesWithTheNextOpening)
+TEST_F(PatientFiles, WhatADeadProcessWasWritingGoesWithTheNextOpening)
 {
-    TestDatabase database;
     NewPatient("A1").Save();
     char szComputer[MAX_COMPUTERNAME_LENGTH + 1];
     DWORD dwLength = sizeof(szComputer);
@@ -188,9 +175,8 @@ TEST(PatientFiles, WhatADeadProcessWasWritingGoesWithTheNextOpening)
               (std::set<std::string>{"A1.PF", "A1.PF~7ffffff1@ELSEWHERE"}));
 }
 
-TEST(PatientFiles, AFileInUseIsRemovedWithTheNextOpening)
+TEST_F(PatientFiles, AFileInUseIsRemovedWithTheNextOpening)
 {
-    TestDatabase database;
     NewPatient("A1").Save();
     database.practice.WriteFile("working/A100.I0A", "image");
     {
@@ -205,11 +191,9 @@ TEST(PatientFiles, AFileInUseIsRemovedWithTheNextOpening)
     EXPECT_TRUE(FilesIn(database.practice.Working()).empty());
 }
 
-TEST(PatientFiles, AnIDIsNotChangedWhileAFileIsInUseOrItsNameTaken)
+TEST_F(PatientFiles, AnIDIsNotChangedWhileAFileIsInUseOrItsNameTaken)
 {
-    TestDatabase database;
-    dbCPatient patient = NewPatient("A1");
-    patient.Save();
+    dbCPatient patient = Saved(NewPatient("A1"));
     database.practice.WriteFile("working/A100.I0A", "mine");
     {
         const OpenFile viewer(database.practice.Working() + "A100.I0A");
@@ -223,11 +207,9 @@ TEST(PatientFiles, AnIDIsNotChangedWhileAFileIsInUseOrItsNameTaken)
     EXPECT_EQ(FilesIn(database.practice.Working()), (std::set<std::string>{"A1.PF", "A100.I0A", "Z900.I0A"}));
 }
 
-TEST(PatientFiles, ChangingOnlyTheLetterCaseOfAnID)
+TEST_F(PatientFiles, ChangingOnlyTheLetterCaseOfAnID)
 {
-    TestDatabase database;
-    dbCPatient patient = NewPatient("ab1");
-    patient.Save();
+    dbCPatient patient = Saved(NewPatient("ab1"));
     database.practice.WriteFile("working/ab100.I0A", "image");
     patient.SetID("AB1");
     patient.Save();

@@ -6,7 +6,6 @@
 #include <fstream>
 #include <iterator>
 #include <map>
-#include <set>
 
 /// Everything that a practice holds: every field of every patient, every file of the working folder.
 struct PracticeState
@@ -17,7 +16,7 @@ struct PracticeState
     bool operator==(const PracticeState&) const = default;
 };
 
-/// The names of the files in a folder.
+/// The files of a folder with their contents.
 inline std::map<std::string, std::string> FilesOf(const std::string& folder)
 {
     std::map<std::string, std::string> files;

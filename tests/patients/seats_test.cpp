@@ -268,10 +268,7 @@ TEST(Seats, FindWhatTheyWereToldWhoeverIsKilled)
                       .find(("\x01" + row.strID + "\x01").GetString()),
                   std::string::npos);
     }
-    std::set<std::string> found;
-    for (const auto& [name, content] : FilesOf(database.practice.Working()))
-        found.insert(name);
-    EXPECT_EQ(found, files) << "seed " << nSeed;
+    EXPECT_EQ(FilesIn(database.practice.Working()), files) << "seed " << nSeed;
     EXPECT_LE(nPatients, IDS);
     EXPECT_GT(nTold, SEATS);
     printf("%d patients acknowledged, %d there at the end\n", nTold, nPatients);

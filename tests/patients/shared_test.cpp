@@ -7,6 +7,9 @@
 
 namespace
 {
+using SharedDatabase = DatabaseTest;
+using PatientLock = DatabaseTest;
+
 void Touch(const std::string& path)
 {
     std::ofstream(path) << '.';
@@ -59,13 +62,21 @@ VEL_CHILD_PROCESS(holdDatabase)
     return 0;
 }
 
-TEST(SharedDatabase, ExactlyOneOfTwoWinsAnID)
+/// Another process that holds something of a database, with what its child process is told.
+struct Holder : veltest::ChildProcess
 {
-    TestDatabase database;
+    Holder(const TestDatabase& database, const char* pszChild, const char* pszMode = "")
+        : ChildProcess(pszChild, {database.Path(), database.practice.Path("go"), pszMode})
+    {
+        EXPECT_TRUE(WaitFor(database.practice.Path("go")));
+    }
+};
+
+TEST_F(SharedDatabase, ExactlyOneOfTwoWinsAnID)
+{
     database.practice.Set("Environment", "DatabaseTimeout", "20000");
     dbCPatients::Open(database.Path().c_str());
-    veltest::ChildProcess child("race", {database.Path(), database.practice.Path("go")});
-    ASSERT_TRUE(WaitFor(database.practice.Path("go")));
+    Holder child(database, "race");
     const int nOwn = Race("parent");
     const int nTheirs = child.Wait();
     ASSERT_GE(nOwn, 0);
@@ -73,19 +84,13 @@ TEST(SharedDatabase, ExactlyOneOfTwoWinsAnID)
     dbCPatients patients;
     EXPECT_EQ(patients.GetCount(), RACE_IDS);
     for (int i = 0; i < RACE_IDS; ++i)
-    {
-        dbCPatient patient;
-        ASSERT_TRUE(patient.Load(("RACE" + std::to_string(i)).c_str()));
-        EXPECT_EQ(patient.GetTimepoints().GetCount(), 3);
-    }
+        EXPECT_EQ(Loaded(("RACE" + std::to_string(i)).c_str()).GetTimepoints().GetCount(), 3);
 }
 
-TEST(SharedDatabase, AWriterThatTakesTooLongIsReportedAndAKilledOneLeavesNothing)
+TEST_F(SharedDatabase, AWriterThatTakesTooLongIsReportedAndAKilledOneLeavesNothing)
 {
-    TestDatabase database;
     NewPatient("A1").Save();
-    veltest::ChildProcess child("holdDatabase", {database.Path(), database.practice.Path("go")});
-    ASSERT_TRUE(WaitFor(database.practice.Path("go")));
+    Holder child(database, "holdDatabase");
     dbCPatient patient = NewPatient("B2");
     EXPECT_EQ(ErrorOf([&] { patient.Save(); }), dbErrLocked);
     EXPECT_FALSE(patient.IsValid());
@@ -97,14 +102,12 @@ TEST(SharedDatabase, AWriterThatTakesTooLongIsReportedAndAKilledOneLeavesNothing
     EXPECT_TRUE(dbCPatients().IsIDFree("HALF"));
 }
 
-TEST(PatientLock, AnothersLockIsSeenAndADeadHoldersRemoved)
+TEST_F(PatientLock, AnothersLockIsSeenAndADeadHoldersRemoved)
 {
-    TestDatabase database;
     dbCPatients patients;
     CString strHolder;
     {
-        veltest::ChildProcess child("holdPatient", {database.Path(), database.practice.Path("go"), "0"});
-        ASSERT_TRUE(WaitFor(database.practice.Path("go")));
+        Holder child(database, "holdPatient", "0");
         EXPECT_EQ(patients.IsLocked("a1", &strHolder), patLockInUse);
         EXPECT_FALSE(strHolder.IsEmpty());
         EXPECT_EQ(patients.LockPatient("A1", patLockExclusive, &strHolder), patLockInUse);
@@ -121,12 +124,10 @@ TEST(PatientLock, AnothersLockIsSeenAndADeadHoldersRemoved)
     EXPECT_TRUE(patients.Unlock("A1"));
 }
 
-TEST(PatientLock, LookersCanBePassed)
+TEST_F(PatientLock, LookersCanBePassed)
 {
-    TestDatabase database;
     dbCPatients patients;
-    veltest::ChildProcess child("holdPatient", {database.Path(), database.practice.Path("go"), "1"});
-    ASSERT_TRUE(WaitFor(database.practice.Path("go")));
+    Holder child(database, "holdPatient", "1");
     EXPECT_EQ(patients.IsLocked("A1"), patLockPassable);
     EXPECT_EQ(patients.LockPatient("A1", patLockExclusive), patLockPassable);
     EXPECT_FALSE(patients.Unlock("A1"));
@@ -137,14 +138,12 @@ TEST(PatientLock, LookersCanBePassed)
     child.Kill();
 }
 
-TEST(PatientLock, ANewIDTakesTheLockAlong)
+TEST_F(PatientLock, ANewIDTakesTheLockAlong)
 {
-    TestDatabase database;
     const auto answerOfAnother = [&](const char* pszMode) {
         return veltest::ChildProcess("holdPatient", {database.Path(), database.practice.Path("x"), pszMode}).Wait();
     };
-    dbCPatient patient = NewPatient("B2");
-    patient.Save();
+    dbCPatient patient = Saved(NewPatient("B2"));
     dbCPatients patients;
     EXPECT_EQ(patients.LockPatient("B2"), patLockFree);
     EXPECT_EQ(patients.LockPatient("B2"), patLockFree);
@@ -163,17 +162,15 @@ TEST(PatientLock, ANewIDTakesTheLockAlong)
 
     patient.SetID("C3");
     patient.Save();
-    veltest::ChildProcess child("holdPatient", {database.Path(), database.practice.Path("go"), "0"});
-    ASSERT_TRUE(WaitFor(database.practice.Path("go")));
+    Holder child(database, "holdPatient", "0");
     patient.SetID("A1");
     EXPECT_EQ(ErrorOf([&] { patient.Save(); }), dbErrPatientInUse);
     EXPECT_TRUE(patients.IsIDFree("A1"));
     child.Kill();
 }
 
-TEST(PatientLock, LocksOfOneProcessAreCounted)
+TEST_F(PatientLock, LocksOfOneProcessAreCounted)
 {
-    TestDatabase database;
     dbCPatients first, second;
     EXPECT_EQ(first.LockPatient("A1"), patLockFree);
     EXPECT_EQ(second.LockPatient("a1"), patLockFree);

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <set>
 #include <string>
 
 /// A practice with a new, open patient database, closed at the end.
@@ -41,6 +42,13 @@ struct TestDatabase
     }
 
     veltest::TemporaryPractice practice;
+};
+
+/// A test on a new database.
+class DatabaseTest : public testing::Test
+{
+protected:
+    TestDatabase database;
 };
 
 /// Waits until another process has made a file.
@@ -79,6 +87,30 @@ inline dbCPatient NewPatient(LPCTSTR pszID, LPCTSTR pszLast = "Lee", LPCTSTR psz
     patient.SetFirstname(pszFirst);
     patient.SetBirthdate(velCDate(2010, 2, 28));
     return patient;
+}
+
+/// The patient after it has been stored.
+inline dbCPatient Saved(dbCPatient patient)
+{
+    patient.Save();
+    return patient;
+}
+
+/// The patient of an ID or GUID as it is stored.
+inline dbCPatient Loaded(LPCTSTR pszID)
+{
+    dbCPatient patient;
+    EXPECT_TRUE(patient.Load(pszID)) << pszID;
+    return patient;
+}
+
+/// The names of the files in a folder.
+inline std::set<std::string> FilesIn(const std::string& folder)
+{
+    std::set<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+        names.insert(entry.path().filename().string());
+    return names;
 }
 
 inline CString AddDoctor(LPCTSTR pszLast, LPCTSTR pszFirst = "Ida", BOOL bTreating = TRUE)

@@ -146,33 +146,29 @@ TEST(IniFile, RemovesEveryLineOfAKey)
 
 TEST(IniInt, TakesWholeNumbersOnly)
 {
-    struct Case
-    {
-        const char* text;
-        std::optional<int> value;
-    };
     const std::optional<int> none;
-    for (const Case& c : {Case{"7", 7},
-                          Case{" -12 ", -12},
-                          Case{"+3", 3},
-                          Case{"007", 7},
-                          Case{"0x1F", 31},
-                          Case{"1 ; on", 1},
-                          Case{"2147483647", INT_MAX},
-                          Case{"-2147483648", INT_MIN},
-                          Case{"2147483648", none},
-                          Case{"-2147483649", none},
-                          Case{"99999999999999999999", none},
-                          Case{"", none},
-                          Case{"-", none},
-                          Case{"0x", none},
-                          Case{"abc", none},
-                          Case{"1.5", none},
-                          Case{"1 2", none},
-                          Case{"--1", none},
-                          Case{"0x-1", none},
-                          Case{"yes", none}})
+    const std::pair<const char*, std::optional<int>> cases[] = {{"7", 7},
+                                                                {" -12 ", -12},
+                                                                {"+3", 3},
+                                                                {"007", 7},
+                                                                {"0x1F", 31},
+                                                                {"1 ; on", 1},
+                                                                {"2147483647", INT_MAX},
+                                                                {"-2147483648", INT_MIN},
+                                                                {"2147483648", none},
+                                                                {"-2147483649", none},
+                                                                {"99999999999999999999", none},
+                                                                {"", none},
+                                                                {"-", none},
+                                                                {"0x", none},
+                                                                {"abc", none},
+                                                                {"1.5", none},
+                                                                {"1 2", none},
+                                                                {"--1", none},
+                                                                {"0x-1", none},
+                                                                {"yes", none}};
+    for (const auto& [text, value] : cases)
     {
-        EXPECT_EQ(iniParseInt(c.text), c.value) << c.text;
+        EXPECT_EQ(iniParseInt(text), value) << text;
     }
 }
