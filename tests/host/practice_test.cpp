@@ -163,16 +163,29 @@ TEST_F(HostPractice, AnExistingPracticeIsNeverWrittenOver)
 
 TEST_F(HostPractice, DamagedOnesAreToldAndLeftAsTheyAre)
 {
-    m_files.WriteFile("damaged\\veltrix.ini", "[Environment]\r\nWORKING=" + m_files.Working() + "\r\n");
-    for (const std::string& database :
-         {std::string(), std::string(8192, '\x5A'), std::string("SQLite format 3")})
+    struct Case
     {
-        SCOPED_TRACE(database);
-        m_files.WriteFile("damaged\\Veltrix.db", database);
-        EXPECT_FALSE(Open(Folder("damaged")));
-        EXPECT_THAT(Error(), testing::HasSubstr("Veltrix.db"));
+        const char* name;
+        std::string database;
+        const char* told;
+    };
+    const Case kCases[] = {
+        {"empty file", "", "Veltrix.db"},
+        {"noise", std::string(8192, '\x5A'), "Veltrix.db"},
+        {"short", "SQLite format 3", "Veltrix.db"},
+        {"text", "[Environment]\r\nWORKING=c:\\\r\n", "Veltrix.db"},
+    };
+    for (const Case& damaged : kCases)
+    {
+        SCOPED_TRACE(damaged.name);
+        const std::string database = std::string("damaged ") + damaged.name + "\\Veltrix.db";
+        m_files.WriteFile(database, damaged.database);
+        m_files.WriteFile(std::string("damaged ") + damaged.name + "\\veltrix.ini",
+                          "[Environment]\r\nWORKING=" + m_files.Working() + "\r\n");
+        EXPECT_FALSE(Open(Folder((std::string("damaged ") + damaged.name).c_str())));
+        EXPECT_THAT(Error(), testing::HasSubstr(damaged.told));
         EXPECT_TRUE(m_questions.empty()) << "there is a database: no offer to make one";
-        EXPECT_EQ(database, m_files.ReadFile("damaged\\Veltrix.db"));
+        EXPECT_EQ(damaged.database, m_files.ReadFile(database));
         EXPECT_FALSE(m_practice.IsOpen());
     }
 }

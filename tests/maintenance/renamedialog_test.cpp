@@ -59,23 +59,20 @@ protected:
         return text;
     }
 
-    // Adds a treatment to the patient's history, before all others, and links a timepoint to it.
-    void Treat(const char* description, int timepoint, int active = -1)
+    // Adds a treatment to the patient's history and links a timepoint to it.
+    void Treat(const char* description, int timepoint)
     {
         dbCPatientTreatmentStatusHistoryRow row;
         row.SetpatID(m_patient.GetGUID());
         row.SetDescription(description);
         row.SetNewCode("X");
-        row.SetActive(active);
-        row.SetDateTime(velCDate(2024, 1, m_firstDay--));
+        row.SetDateTime(velCDate(2024, 1, 1));
         dbCPatientTreatmentStatusHistoryTable().InsertRow(row);
         if (timepoint < 0)
             return;
         m_patient.GetTimepoints()[timepoint].SetptshID(row.GetptshID());
         m_patient.Save();
     }
-
-    int m_firstDay = 31;
 
     // The stored state of the timepoints when only the first one's treatment differs.
     static std::vector<std::string> StoredWith(std::vector<std::string> history, const char* treatment)
@@ -224,12 +221,11 @@ TEST_F(RenameDialog, AssignsATreatmentOfTheHistory)
 {
     Treat("Braces", 0);
     Treat("Aligner", -1);
-    Treat("Ended", -1, 0);
     const Outcome outcome = Run(&m_patient, 0, 1, [&](DialogScript& script, const Dialog& dialog) {
         const auto list = dialog.Item(IDC_RENAME_TREATMENT);
         EXPECT_EQ(list.Items().size(), 3U);
-        EXPECT_EQ(list.Selection(), 1) << "behind the older one";
-        list.Choose(0);
+        EXPECT_EQ(list.Selection(), 0);
+        list.Choose(1);
         // Enough by itself, whatever the name.
         Type(dialog, "");
         EXPECT_TRUE(IsEnabled(dialog, IDOK));
@@ -239,7 +235,7 @@ TEST_F(RenameDialog, AssignsATreatmentOfTheHistory)
         EXPECT_TRUE(dialog.IsOpen());
         EXPECT_FALSE(script.FindBox());
         Type(dialog, "Start");
-        list.Choose(0);
+        list.Choose(1);
         EXPECT_EQ(Description(dialog),
                   "You are about to assign a new treatment.  Select Ok now to proceed, or Cancel "
                   "to leave this operation.");
@@ -252,7 +248,7 @@ TEST_F(RenameDialog, AssignsATreatmentOfTheHistory)
         EXPECT_EQ(Ask(script, dialog, IDYES), "Are you sure you want to assign a new treatment?");
     });
     EXPECT_EQ(outcome.result, IDOK);
-    EXPECT_EQ(Stored(), StoredWith({"X Ended 0", "X Aligner -1", "X Braces -1"}, "Aligner"));
+    EXPECT_EQ(Stored(), StoredWith({"X Braces -1", "X Aligner -1"}, "Aligner"));
 }
 
 TEST_F(RenameDialog, ANewTreatmentIsChosenAndKeptEvenAfterNo)
