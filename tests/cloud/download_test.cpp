@@ -95,13 +95,6 @@ TEST_F(Exchange, RemembersTheUserUnlessTheServiceSaysMore)
         });
         EXPECT_STREQ(m_credentials.GetUser(), c.remembered) << c.login;
     }
-    m_replies.erase("getdownloadable");
-    RunList([&](DialogScript& script) {
-        const Dialog list = script.WaitForDialog("Get Patient From Internet");
-        EXPECT_EQ(list.Item(IDC_CLD_HINT).Text(),
-                  "FarreachVeltrix did not send the list of records.  Please try again later.");
-        list.Press(IDCANCEL);
-    });
 }
 
 TEST_F(Exchange, TakesANewPatientInOneStep)
@@ -159,8 +152,6 @@ TEST_F(Exchange, StopsWithoutATraceOfWhatCannotBeTaken)
         EXPECT_EQ(Download({text}), IDCANCEL);
         EXPECT_EQ(State(), "") << text;
     }
-    m_replies.erase("getdownloadpatient");
-    EXPECT_EQ(Download({unusable}), IDCANCEL);
     dbCPatient undated = StorePatient("B1");
     undated.SetBirthdate(velCDate());
     undated.Save();
@@ -235,25 +226,13 @@ TEST_F(Exchange, LetsTheUserSettleWhoItIs)
 {
     StorePatient("B1");
     m_known = {"A1"};
-    // The same name and birth date: a new patient under the record's own ID, after an empty and a taken one.
-    const auto run = [&](const DialogScript::Script& settle) {
-        return RunList([&](DialogScript& script) {
-            const Dialog list = script.WaitForDialog("Get Patient From Internet");
-            list.Item(IDC_CLD_LIST).SelectRow(0);
-            script.WaitUntil("OK can be pressed", [&] { return list.Item(IDOK).IsEnabled(); });
-            list.Press(IDOK);
-            settle(script);
-            script.SettleIdle(list.Handle());
-            if (list.IsOpen())
-                list.Press(IDCANCEL);
-        });
-    };
     const auto answer = [](DialogScript& script, const char* id) {
         const Dialog dialog = script.WaitForDialogWith(IDC_IDCONFLICT_ID);
         dialog.Item(IDC_IDCONFLICT_ID).SetText(id);
         dialog.Press(IDOK);
     };
-    EXPECT_EQ(run([&](DialogScript& script) {
+    // The same name and birth date: a new patient under the record's own ID, after an empty and a taken one.
+    EXPECT_EQ(DownloadWith([&](DialogScript& script) {
                   const Dialog dialog = script.WaitForDialogWith(IDC_IDCONFLICT_ID);
                   EXPECT_EQ(
                       dialog.Item(IDC_IDCONFLICT_MESSAGE).Text(),
@@ -264,7 +243,7 @@ TEST_F(Exchange, LetsTheUserSettleWhoItIs)
               }),
               IDCANCEL);
     EXPECT_EQ(State(), "");
-    EXPECT_EQ(run([&](DialogScript& script) {
+    EXPECT_EQ(DownloadWith([&](DialogScript& script) {
                   answer(script, "");
                   script.AnswerBox("You must enter a new patient ID", IDOK);
                   answer(script, "b1");
@@ -283,7 +262,7 @@ TEST_F(Exchange, LetsTheUserSettleWhoItIs)
     record.replace(record.find("patVeltrixID='41'"), 17, "patVeltrixID='77'");
     m_known = {"D1"};
     const std::string before = State();
-    EXPECT_EQ(run([&](DialogScript& script) {
+    EXPECT_EQ(DownloadWith([&](DialogScript& script) {
                   EXPECT_EQ(
                       script.WaitForDialogWith(IDC_IDCONFLICT_ID).Item(IDC_IDCONFLICT_MESSAGE).Text(),
                       "Patient ID: A1 for patient \"Roe, Zo\xeb\" already exists in Veltrix. Please select "
@@ -305,7 +284,7 @@ TEST_F(Exchange, LetsTheUserSettleWhoItIs)
     created.Save();
     other.SetFirstname("Zoe");
     other.Save();
-    EXPECT_EQ(run([&](DialogScript& script) {
+    EXPECT_EQ(DownloadWith([&](DialogScript& script) {
                   const Dialog dialog = script.WaitForDialogWith(IDC_IDCONFLICT_ID);
                   dialog.Press(IDC_IDCONFLICT_MERGE);
                   dialog.Press(IDOK);

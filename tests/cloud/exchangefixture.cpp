@@ -43,7 +43,6 @@ Exchange::Exchange()
                                               : veltest::Ok(found->second));
       })
 {
-    m_practice.Set("Environment", "WORKING", m_practice.Working());
     dbCPatients::Create(m_practice.Path("patients.db").c_str());
     dbCApplicationOptionsContainer::SetApplicationOption("RASKOPATH", m_practice.Path("temp").c_str());
     dbCApplicationOptionsContainer::SetApplicationOption(
@@ -82,18 +81,25 @@ INT_PTR Exchange::RunList(const DialogScript::Script& script)
         script);
 }
 
-INT_PTR Exchange::Download(const std::vector<std::string>& boxes)
+INT_PTR Exchange::DownloadWith(const DialogScript::Script& settle)
 {
     return RunList([&](DialogScript& script) {
         const Dialog list = script.WaitForDialog("Get Patient From Internet");
         list.Item(IDC_CLD_LIST).SelectRow(0);
         script.WaitUntil("OK can be pressed", [&] { return list.Item(IDOK).IsEnabled(); });
         list.Press(IDOK);
-        for (const std::string& text : boxes)
-            script.AnswerBox(text, IDOK);
+        settle(script);
         script.SettleIdle(list.Handle());
         if (list.IsOpen())
             list.Press(IDCANCEL);
+    });
+}
+
+INT_PTR Exchange::Download(const std::vector<std::string>& boxes)
+{
+    return DownloadWith([&](DialogScript& script) {
+        for (const std::string& text : boxes)
+            script.AnswerBox(text, IDOK);
     });
 }
 

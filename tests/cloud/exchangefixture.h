@@ -103,7 +103,9 @@ protected:
     /// The commands that the service was sent, without parameters.
     std::vector<std::string> Commands() const;
     INT_PTR RunList(const veltest::DialogScript::Script& script);
-    /// Chooses the first record and answers the boxes with these texts by OK.
+    /// Chooses the first record; the script goes on from there. Leaves a list that is still open.
+    INT_PTR DownloadWith(const veltest::DialogScript::Script& script);
+    /// The same, and answers the boxes with these texts by OK.
     INT_PTR Download(const std::vector<std::string>& boxes = {});
 
     /// A stored patient with one image for each timepoint, and its files.

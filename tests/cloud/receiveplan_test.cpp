@@ -5,8 +5,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <map>
-
 using namespace cloud;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -46,25 +44,20 @@ Record OneTimepoint()
     return record;
 }
 
-/// The practice's files with what each is to the record's; all others are absent.
-using Files = std::map<std::string, LocalFile>;
-
+/// For a practice without files.
 ReceivePlan Plan(const Record& record, const std::string& id = "B2",
                  const std::vector<LocalTimepoint>& locals = {},
-                 const FileChoice& choice = FileChoice::Everything(), const Files& files = {})
+                 const FileChoice& choice = FileChoice::Everything())
 {
-    return PlanReceive(record, id, locals, choice, [&](const std::string& name, const std::string&) {
-        const auto found = files.find(name);
-        return found == files.end() ? LocalFile::Absent : found->second;
-    });
+    return PlanReceive(record, id, locals, choice,
+                       [](const std::string&, const std::string&) { return LocalFile::Absent; });
 }
 
 std::vector<std::string> Transfers(const ReceivePlan& plan)
 {
     std::vector<std::string> lines;
     for (const ManifestFile& file : plan.files)
-        lines.push_back(file.name + ">" + file.finalName + (file.exists ? " here" : "") + " " +
-                        std::to_string(file.timepointNumber));
+        lines.push_back(file.name + ">" + file.finalName + " " + std::to_string(file.timepointNumber));
     return lines;
 }
 
@@ -161,18 +154,6 @@ TEST(CloudReceive, NamesFilesForTheLocalPatientAndTakesWhatIsChosen)
         EXPECT_EQ(Plan(record, "B2", {}, c.choice).files.size(), c.files);
     record.withAcvFiles = false;
     EXPECT_EQ(Plan(record, "B2", {}, {}).files.size(), 3U);
-}
-
-TEST(CloudReceive, FetchesWhatIsMissingOrOlder)
-{
-    Record record = OneTimepoint();
-    record.timepoints[0].images = {Image("A107.I0A"), Image("A107.I0B"), Image("A107.I0C"),
-                                   Image("A107.I0D")};
-    const Files files = {
-        {"A107.I0B", LocalFile::Same}, {"A107.I0C", LocalFile::Older}, {"A107.I0D", LocalFile::Newer}};
-    EXPECT_THAT(Transfers(Plan(record, "A1", {}, {}, files)),
-                ElementsAre("A107.I0A>A107.I0A 7", "A107.I0B>A107.I0B here 7", "A107.I0C>A107.I0C 7",
-                            "A107.I0D>A107.I0D here 7"));
 }
 
 TEST(CloudReceive, RefusesNamesThatAreNotTheTimepointsOwn)

@@ -226,29 +226,19 @@ TEST_F(VelInet, RefusesAddressesThatAreNone)
 
 TEST_F(VelInet, AddressesAreTakenApart)
 {
-    struct Case
-    {
-        const char* address;
-        DWORD service;
-        const char* server;
-        const char* object;
-        int port;
-    };
-    const Case cases[] = {
-        {"https://h.example/a/b.asp?x=1", AFX_INET_SERVICE_HTTPS, "h.example", "/a/b.asp?x=1", 443},
-        {"https://h:8443/p/beta.asp", AFX_INET_SERVICE_HTTPS, "h", "/p/beta.asp", 8443},
-        {"http://h", AFX_INET_SERVICE_HTTP, "h", "/", 80},
-        {"ftp://h/f", AFX_INET_SERVICE_FTP, "h", "/f", 21}};
-    for (const Case& c : cases)
+    const std::tuple<const char*, DWORD, const char*> cases[] = {
+        {"https://h.example/a/b.asp?x=1", AFX_INET_SERVICE_HTTPS, "h.example 443 /a/b.asp?x=1"},
+        {"https://h:8443/p/beta.asp", AFX_INET_SERVICE_HTTPS, "h 8443 /p/beta.asp"},
+        {"http://h", AFX_INET_SERVICE_HTTP, "h 80 /"},
+        {"ftp://h/f", AFX_INET_SERVICE_FTP, "h 21 /f"}};
+    for (const auto& [address, expected, parts] : cases)
     {
         DWORD service = 0;
         CString server, object;
         INTERNET_PORT port = 0;
-        ASSERT_TRUE(AfxParseURL(c.address, service, server, object, port)) << c.address;
-        EXPECT_EQ(service, c.service);
-        EXPECT_STREQ(server, c.server);
-        EXPECT_STREQ(object, c.object);
-        EXPECT_EQ(port, c.port);
+        ASSERT_TRUE(AfxParseURL(address, service, server, object, port)) << address;
+        EXPECT_EQ(service, expected) << address;
+        EXPECT_STREQ(server + " " + std::to_string(port).c_str() + " " + object, parts);
     }
 }
 

@@ -20,7 +20,6 @@ class VelXml : public testing::Test
 protected:
     VelXml()
     {
-        m_practice.Set("Environment", "WORKING", m_practice.Working());
         dbCPatients::Create(m_practice.Path("patients.db").c_str());
     }
     ~VelXml() override
@@ -290,29 +289,6 @@ TEST_F(VelXml, ReadsARecord)
     xml.LoadXml("<record><patient patVeltrixID='1' patlastName='&#20013;'/></record>");
     EXPECT_TRUE(xml.ReadRecord(record));
     EXPECT_TRUE(xml.IsLossy());
-}
-
-// The HTML viewer is missing where tests run: the messages' answer does not depend on it.
-TEST_F(VelXml, AnswersMessagesWithoutAViewer)
-{
-    const struct
-    {
-        const char* reply;
-        int result;
-    } cases[] = {{"<response><message action='stop' link='a'>Pay</message></response>", -1},
-                 {"<response><message action='go'>Hi</message></response>", 0},
-                 {"<response><message", 0}};
-    for (const auto& c : cases)
-    {
-        EXPECT_EQ(
-            veltest::RunModal(
-                [&] {
-                    CVelXML xml;
-                    return xml.ShowServerMessage(c.reply);
-                },
-                [&](DialogScript& script) { script.AnswerBox("The dialog could not be created.", IDOK); }),
-            c.result);
-    }
 }
 
 namespace

@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <functional>
+#include <process.h>
 
 using testing::ElementsAre;
 using veltest::Dialog;
@@ -37,16 +38,12 @@ std::string ProgramFolder()
     return std::filesystem::path(path).parent_path().string();
 }
 
-HANDLE StartProgram(const std::string& arguments)
+HANDLE StartProgram(const char* pszSwitch)
 {
-    std::string line = "\"" + ProgramFolder() + "\\" + rasko::ProgramFile + "\" " + arguments;
-    STARTUPINFO start = {};
-    start.cb = sizeof start;
-    PROCESS_INFORMATION process = {};
-    EXPECT_TRUE(::CreateProcess(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start,
-                                &process));
-    ::CloseHandle(process.hThread);
-    return process.hProcess;
+    const std::string program = ProgramFolder() + "\\" + rasko::ProgramFile;
+    const intptr_t nProcess = ::_spawnl(_P_NOWAIT, program.c_str(), rasko::ProgramFile, pszSwitch, nullptr);
+    EXPECT_NE(nProcess, -1);
+    return reinterpret_cast<HANDLE>(nProcess);
 }
 
 /// The running transfer program, whoever has started it; none for a null handle.
@@ -385,6 +382,7 @@ TEST_F(WholePath, APatientArrivesAsItLeft)
 TEST_F(WholePath, KillsLoseNothing)
 {
     StorePatient("K1", 3, 2'000'000);
+    m_practice.WriteFile("working\\K100.V2A", "");
     const auto sent = veltest::CarriedFiles("K1");
     m_practice.Set("Defaults", "UploadUncropped", "1");
     m_practice.Set("Defaults", "UploadOther", "1");
