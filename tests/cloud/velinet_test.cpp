@@ -64,6 +64,7 @@ int WithBox(const std::string& text, const std::function<int()>& command)
 {
     return veltest::RunModal(command, [&](DialogScript& script) {
         const veltest::Dialog box = script.WaitForBox(text);
+        EXPECT_NE(box.BoxText(), "Error on Login: %d\n") << "the system's own text is lost";
         box.Press(IDOK);
     });
 }
