@@ -221,7 +221,7 @@ TEST_F(VelInet, RefusesAddressesThatAreNone)
         EXPECT_EQ(WithBox("", [&] { return PlainInet(address).AddToQueue("x"); }), 0) << address;
     const DWORD start = ::GetTickCount();
     EXPECT_EQ(WithBox("", [&] { return PlainInet("http://localhost:1").GetList(); }), -1);
-    EXPECT_EQ(WithBox("", [&] { return PlainInet("http://no.such.host.invalid").GetList(); }), -1);
+    EXPECT_EQ(WithBox("", [&] { return PlainInet("http://" + std::string(64, 'x')).GetList(); }), -1);
     EXPECT_LT(::GetTickCount() - start, 60'000U);
 }
 
