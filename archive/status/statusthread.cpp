@@ -57,7 +57,7 @@ void ShowThreadResult(HWND hOver, int nResult)
 }
 } // namespace
 
-IMPLEMENT_DYNCREATE(arcCStatusThread, CWinThread)
+IMPLEMENT_DYNAMIC(arcCStatusThread, CWinThread)
 
 arcCStatusThread::arcCStatusThread()
 {

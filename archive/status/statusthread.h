@@ -62,7 +62,7 @@ struct arcSStatusWork
 /// object is gone.
 class arcCStatusThread : public CWinThread
 {
-    DECLARE_DYNCREATE(arcCStatusThread)
+    DECLARE_DYNAMIC(arcCStatusThread)
 
 public:
     arcCStatusThread();

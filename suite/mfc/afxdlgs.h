@@ -20,9 +20,6 @@ public:
     // For comctl32; flags such as PSP_HASHELP may be changed until the sheet runs.
     PROPSHEETPAGE m_psp;
 
-    void CancelToClose();
-    void SetModified(BOOL bChanged = TRUE);
-    LRESULT QuerySiblings(WPARAM wParam, LPARAM lParam);
     CPropertySheet* GetParentSheet() const;
     // Ends the whole sheet.
     void EndDialog(int nEndID);
@@ -41,7 +38,6 @@ protected:
     BOOL OnNotify(WPARAM wParam, LPARAM lParam, LRESULT* pResult) override;
     void PreInitDialog() override;
     void OnInitDialogFailed() override;
-    afx_msg HBRUSH OnCtlColor(CDC* pDC, CWnd* pWnd, UINT nCtlColor);
     DECLARE_MESSAGE_MAP()
 
     CString m_strCaption;
@@ -58,28 +54,19 @@ class AFX_DLL_CLASS CPropertySheet : public CWnd
 {
     DECLARE_DYNAMIC(CPropertySheet)
 public:
-    CPropertySheet();
-    explicit CPropertySheet(UINT nIDCaption, CWnd* pParentWnd = nullptr, UINT iSelectPage = 0);
     explicit CPropertySheet(LPCTSTR pszCaption, CWnd* pParentWnd = nullptr, UINT iSelectPage = 0);
     ~CPropertySheet() override;
-    void Construct(UINT nIDCaption, CWnd* pParentWnd = nullptr, UINT iSelectPage = 0);
     void Construct(LPCTSTR pszCaption, CWnd* pParentWnd = nullptr, UINT iSelectPage = 0);
 
     // For comctl32; flags such as PSH_NOAPPLYNOW may be changed until the sheet runs.
     PROPSHEETHEADER m_psh;
 
     void AddPage(CPropertyPage* pPage);
-    void RemovePage(int nPage);
-    int GetPageCount() const;
     CPropertyPage* GetPage(int nPage) const;
-    int GetPageIndex(const CPropertyPage* pPage) const;
     int GetActiveIndex() const;
     CPropertyPage* GetActivePage() const;
     BOOL SetActivePage(int nPage);
-    BOOL SetActivePage(CPropertyPage* pPage);
     CTabCtrl* GetTabControl() const;
-    void SetTitle(LPCTSTR lpszText, UINT nStyle = 0);
-    BOOL PressButton(int nButton);
 
     // Modeless.
     virtual BOOL Create(CWnd* pParentWnd = nullptr, DWORD dwStyle = static_cast<DWORD>(-1),
@@ -88,7 +75,6 @@ public:
     virtual INT_PTR DoModal();
     // Ends the sheet at once, without asking or applying the pages.
     void EndDialog(int nEndID);
-    void MapDialogRect(LPRECT lpRect) const;
 
     virtual BOOL OnInitDialog();
     virtual void BuildPropPageArray();
@@ -148,11 +134,6 @@ public:
 
     INT_PTR DoModal() override; // IDOK or IDCANCEL
     CString GetPathName() const;
-    CString GetFileName() const;
-    CString GetFileExt() const;
-    CString GetFileTitle() const;
-    CString GetFolderPath() const;
-    BOOL GetReadOnlyPref() const;
     // With OFN_ALLOWMULTISELECT: while (pos != nullptr) path = GetNextPathName(pos).
     POSITION GetStartPosition() const;
     CString GetNextPathName(POSITION& pos) const;

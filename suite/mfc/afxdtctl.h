@@ -8,8 +8,6 @@ class AFX_DLL_CLASS CDateTimeCtrl : public CWnd
 {
     DECLARE_DYNAMIC(CDateTimeCtrl)
 public:
-    BOOL Create(DWORD dwStyle, const RECT& rect, CWnd* pParentWnd, UINT nID);
-    using CWnd::Create;
     // TRUE with a valid date; a picker whose check box is clear gives a date with the status null.
     BOOL GetTime(COleDateTime& timeDest) const;
     DWORD GetTime(LPSYSTEMTIME pTimeDest) const
@@ -19,11 +17,6 @@ public:
     // A date with the status null clears the picker (which must have DTS_SHOWNONE); an invalid one fails.
     BOOL SetTime(const COleDateTime& timeNew);
     BOOL SetTime(LPSYSTEMTIME pTimeNew = nullptr);
-    BOOL SetFormat(LPCTSTR pstrFormat)
-    {
-        return Ask<BOOL>(DTM_SETFORMAT, 0, pstrFormat);
-    }
-    BOOL SetRange(const COleDateTime* pMinRange, const COleDateTime* pMaxRange);
 };
 
 AFX_DLL_API void DDX_DateTimeCtrl(CDataExchange* pDX, int nIDC, COleDateTime& value);

@@ -26,8 +26,6 @@ class AFX_DLL_CLASS CSimpleException : public CException
 {
     DECLARE_DYNAMIC(CSimpleException)
 public:
-    CSimpleException();
-    explicit CSimpleException(BOOL bAutoDelete);
     CSimpleException(BOOL bAutoDelete, UINT nResourceID);
 
     BOOL GetErrorMessage(LPTSTR lpszError, UINT nMaxError, PUINT pnHelpContext = nullptr) const override;

@@ -59,7 +59,6 @@ public:
     static const HANDLE hFileNull;
 
     CFile();
-    explicit CFile(HANDLE hFile); // takes the handle over, but does not close it
     CFile(LPCTSTR lpszFileName, UINT nOpenFlags);
     ~CFile() override;
 
@@ -77,68 +76,24 @@ public:
     virtual void Write(const void* lpBuf, UINT nCount);
     virtual void Flush();
     virtual ULONGLONG Seek(LONGLONG lOff, UINT nFrom);
-    ULONGLONG SeekToEnd();
-    void SeekToBegin();
     virtual ULONGLONG GetPosition() const;
     virtual ULONGLONG GetLength() const;
     virtual void SetLength(ULONGLONG dwNewLen);
     virtual void LockRange(ULONGLONG dwPos, ULONGLONG dwCount);
     virtual void UnlockRange(ULONGLONG dwPos, ULONGLONG dwCount);
 
-    BOOL GetStatus(CFileStatus& rStatus) const;
     virtual CString GetFileName() const;  // with extension
     virtual CString GetFileTitle() const; // without extension
     virtual CString GetFilePath() const;
     virtual void SetFilePath(LPCTSTR lpszNewName);
 
-    static void Rename(LPCTSTR lpszOldName, LPCTSTR lpszNewName);
-    static void Remove(LPCTSTR lpszFileName);
     static BOOL GetStatus(LPCTSTR lpszFileName, CFileStatus& rStatus);
-    // Sets the attributes and, when m_mtime is not 0, the time of the last write.
-    static void SetStatus(LPCTSTR lpszFileName, const CFileStatus& status);
 
     HANDLE m_hFile;
 
 protected:
     CString m_strFileName;
     BOOL m_bCloseOnDelete;
-};
-
-// A text file: lines end with LF in memory and CR LF on disk (with typeBinary as they are). Buffered.
-class AFX_DLL_CLASS CStdioFile : public CFile
-{
-    DECLARE_DYNAMIC(CStdioFile)
-public:
-    CStdioFile();
-    CStdioFile(LPCTSTR lpszFileName, UINT nOpenFlags);
-    ~CStdioFile() override;
-
-    BOOL Open(LPCTSTR lpszFileName, UINT nOpenFlags, CFileException* pError = nullptr) override;
-    void Close() override;
-    void Abort() override;
-    UINT Read(void* lpBuf, UINT nCount) override;
-    void Write(const void* lpBuf, UINT nCount) override;
-    void Flush() override;
-    ULONGLONG Seek(LONGLONG lOff, UINT nFrom) override;
-    ULONGLONG GetPosition() const override;
-    ULONGLONG GetLength() const override;
-    void SetLength(ULONGLONG dwNewLen) override;
-
-    virtual void WriteString(LPCTSTR lpsz);
-    // Reads up to nMax - 1 characters, the line end included; null at the end of the file.
-    virtual LPTSTR ReadString(LPTSTR lpsz, UINT nMax);
-    // Reads a line without its end; FALSE at the end of the file.
-    virtual BOOL ReadString(CString& rString);
-
-private:
-    int GetChar(); // the next character in its memory form, -1 at the end
-    void FlushWrites();
-    void DropReadAhead();
-
-    std::vector<char> m_read;   // bytes read ahead
-    std::size_t m_nReadPos = 0; // of m_read
-    std::vector<char> m_write;  // bytes not yet written
-    bool m_bText = true;
 };
 
 // A file in memory that grows as it is written; owns its memory.
@@ -188,32 +143,18 @@ public:
     virtual BOOL FindNextFile();
     void Close();
 
-    ULONGLONG GetLength() const;
     virtual CString GetFileName() const;
     virtual CString GetFilePath() const;
     virtual CString GetFileTitle() const;
-    CString GetRoot() const; // the folder searched
     virtual BOOL GetLastWriteTime(FILETIME* pTimeStamp) const;
     virtual BOOL GetLastWriteTime(CTime& refTime) const;
     virtual BOOL GetCreationTime(FILETIME* pTimeStamp) const;
     virtual BOOL GetCreationTime(CTime& refTime) const;
     virtual BOOL MatchesMask(DWORD dwMask) const;
     virtual BOOL IsDots() const;
-    BOOL IsReadOnly() const
-    {
-        return MatchesMask(FILE_ATTRIBUTE_READONLY);
-    }
     BOOL IsDirectory() const
     {
         return MatchesMask(FILE_ATTRIBUTE_DIRECTORY);
-    }
-    BOOL IsHidden() const
-    {
-        return MatchesMask(FILE_ATTRIBUTE_HIDDEN);
-    }
-    BOOL IsSystem() const
-    {
-        return MatchesMask(FILE_ATTRIBUTE_SYSTEM);
     }
 
 private:
@@ -257,8 +198,6 @@ public:
     {
         return m_pFile;
     }
-    UINT GetObjectSchema();
-    void SetObjectSchema(UINT nSchema);
 
     UINT Read(void* lpBuf, UINT nMax); // fewer than nMax only at the end of the file
     void Write(const void* lpBuf, UINT nMax);
@@ -267,13 +206,8 @@ public:
     void Close();
     void Abort(); // drops what is buffered; nothing is thrown
 
-    void WriteString(LPCTSTR lpsz);
-    BOOL ReadString(CString& rString); // a line without its end; FALSE at the end of the file
     void WriteCount(DWORD_PTR dwCount);
     DWORD_PTR ReadCount();
-
-    CObject* ReadObject(const CRuntimeClass* pClass);
-    void WriteObject(const CObject* pOb);
 
     // clang-format off
     CArchive& operator<<(BYTE by) { return StoreValue(by); }
@@ -308,9 +242,6 @@ public:
     // clang-format on
 
 private:
-    friend struct CRuntimeClass;
-    struct ObjectMaps;
-
     template <class T> CArchive& StoreValue(T value)
     {
         Write(&value, sizeof(value));
@@ -321,29 +252,14 @@ private:
         EnsureRead(&value, sizeof(value));
         return *this;
     }
-    ObjectMaps& Maps();
     void CheckMode(bool bLoading) const;
-    void WriteClass(const CRuntimeClass* pClass);
-    CRuntimeClass* ReadClass(const CRuntimeClass* pClass, DWORD wTag, UINT* pSchema);
 
     CFile* m_pFile;
     UINT m_nMode;
     std::vector<BYTE> m_buffer; // bytes not yet written, or read ahead
     std::size_t m_nBufferSize;
     std::size_t m_nBufferPos = 0; // of the next byte to load
-    UINT m_nObjectSchema = static_cast<UINT>(-1);
-    std::unique_ptr<ObjectMaps> m_pMaps;
 };
 
 AFX_DLL_API CArchive& operator<<(CArchive& ar, const CString& str);
 AFX_DLL_API CArchive& operator>>(CArchive& ar, CString& str);
-inline CArchive& operator<<(CArchive& ar, const CObject* pOb)
-{
-    ar.WriteObject(pOb);
-    return ar;
-}
-inline CArchive& operator>>(CArchive& ar, CObject*& pOb)
-{
-    pOb = ar.ReadObject(nullptr);
-    return ar;
-}

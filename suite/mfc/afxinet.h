@@ -13,7 +13,7 @@
 #define AFX_INET_SERVICE_FTP INTERNET_SERVICE_FTP
 #define AFX_INET_SERVICE_HTTP INTERNET_SERVICE_HTTP
 #define AFX_INET_SERVICE_UNK 0x1000
-#define AFX_INET_SERVICE_HTTPS 0x1007
+#define AFX_INET_SERVICE_HTTPS 0x100B
 
 // Takes an address apart; the port is the scheme's own where none is given, the object begins with a slash
 // and holds the query. FALSE for what is no address.
@@ -108,7 +108,6 @@ public:
     CHttpFile* OpenRequest(int nVerb, LPCTSTR pstrObjectName, LPCTSTR pstrReferer = nullptr,
                            DWORD_PTR dwContext = 1, LPCTSTR* ppstrAcceptTypes = nullptr,
                            LPCTSTR pstrVersion = nullptr, DWORD dwFlags = INTERNET_FLAG_EXISTING_CONNECT);
-    void Close();
 
 private:
     HINTERNET m_hConnection;

@@ -67,7 +67,6 @@ protected:                                                                      
         using ThisClass = theClass;                                                                          \
         using TheBaseClass = baseClass;                                                                      \
         static const AFX_MSGMAP_ENTRY entries[] = {
-
 // The alias is used here so that an empty map compiles without a warning.
 #define END_MESSAGE_MAP()                                                                                    \
         {0, 0, 0, 0, nullptr, nullptr}                                                                       \
@@ -96,8 +95,6 @@ protected:                                                                      
 
 #define ON_COMMAND(id, memberFxn)                                                                            \
     AFX_ENTRY(WM_COMMAND, CN_COMMAND, id, id, AFX_CALL(void(), memberFxn)(); return true;)
-#define ON_COMMAND_EX(id, memberFxn)                                                                         \
-    AFX_ENTRY(WM_COMMAND, CN_COMMAND, id, id, return AFX_CALL(BOOL(UINT), memberFxn)(args.nID) != FALSE;)
 #define ON_COMMAND_RANGE(id, idLast, memberFxn)                                                              \
     AFX_ENTRY(WM_COMMAND, CN_COMMAND, id, idLast, AFX_CALL(void(UINT), memberFxn)(args.nID); return true;)
 #define AFX_UPDATE_UI(id, idLast, memberFxn)                                                                 \
@@ -105,18 +102,12 @@ protected:                                                                      
               return AfxUpdateUI(args, [&](CCmdUI* ui) { AFX_CALL(void(CCmdUI*), memberFxn)(ui); });)
 #define ON_UPDATE_COMMAND_UI(id, memberFxn) AFX_UPDATE_UI(id, id, memberFxn)
 #define ON_UPDATE_COMMAND_UI_RANGE(id, idLast, memberFxn) AFX_UPDATE_UI(id, idLast, memberFxn)
-#define ON_UPDATE_COMMAND_UI_REFLECT(memberFxn)                                                              \
-    AFX_ENTRY(WM_COMMAND + WM_REFLECT_BASE, CN_UPDATE_COMMAND_UI, 0, 0xFFFF,                                 \
-              return AfxUpdateUI(args, [&](CCmdUI* ui) { AFX_CALL(void(CCmdUI*), memberFxn)(ui); });)
 
 #define ON_CONTROL(wNotifyCode, id, memberFxn)                                                               \
     AFX_ENTRY(WM_COMMAND, LOWORD(wNotifyCode), id, id, AFX_CALL(void(), memberFxn)(); return true;)
 #define ON_CONTROL_RANGE(wNotifyCode, id, idLast, memberFxn)                                                 \
     AFX_ENTRY(WM_COMMAND, LOWORD(wNotifyCode), id, idLast,                                                   \
               AFX_CALL(void(UINT), memberFxn)(args.nID); return true;)
-#define ON_CONTROL_REFLECT(wNotifyCode, memberFxn)                                                           \
-    AFX_ENTRY(WM_COMMAND + WM_REFLECT_BASE, LOWORD(wNotifyCode), 0, 0xFFFF,                                  \
-              AFX_CALL(void(), memberFxn)(); return true;)
 #define ON_CONTROL_REFLECT_EX(wNotifyCode, memberFxn)                                                        \
     AFX_ENTRY(WM_COMMAND + WM_REFLECT_BASE, LOWORD(wNotifyCode), 0, 0xFFFF,                                  \
               return AFX_CALL(BOOL(), memberFxn)() != FALSE;)
@@ -127,24 +118,6 @@ protected:                                                                      
     AFX_ENTRY(WM_NOTIFY, AFX_NOTIFY_CODE(wNotifyCode), id, id,                                               \
               auto* notify = static_cast<AFX_NOTIFY*>(args.pExtra);                                          \
               AFX_CALL(void(NMHDR*, LRESULT*), memberFxn)(notify->pNMHDR, notify->pResult); return true;)
-#define ON_NOTIFY_EX(wNotifyCode, id, memberFxn)                                                             \
-    AFX_ENTRY(WM_NOTIFY, AFX_NOTIFY_CODE(wNotifyCode), id, id,                                               \
-              auto* notify = static_cast<AFX_NOTIFY*>(args.pExtra);                                          \
-              return AFX_CALL(BOOL(UINT, NMHDR*, LRESULT*), memberFxn)(args.nID, notify->pNMHDR,             \
-                                                                       notify->pResult) != FALSE;)
-#define ON_NOTIFY_RANGE(wNotifyCode, id, idLast, memberFxn)                                                  \
-    AFX_ENTRY(WM_NOTIFY, AFX_NOTIFY_CODE(wNotifyCode), id, idLast,                                           \
-              auto* notify = static_cast<AFX_NOTIFY*>(args.pExtra);                                          \
-              AFX_CALL(void(UINT, NMHDR*, LRESULT*), memberFxn)(args.nID, notify->pNMHDR, notify->pResult);  \
-              return true;)
-#define ON_NOTIFY_REFLECT(wNotifyCode, memberFxn)                                                            \
-    AFX_ENTRY(WM_NOTIFY + WM_REFLECT_BASE, AFX_NOTIFY_CODE(wNotifyCode), 0, 0xFFFF,                          \
-              auto* notify = static_cast<AFX_NOTIFY*>(args.pExtra);                                          \
-              AFX_CALL(void(NMHDR*, LRESULT*), memberFxn)(notify->pNMHDR, notify->pResult); return true;)
-#define ON_NOTIFY_REFLECT_EX(wNotifyCode, memberFxn)                                                         \
-    AFX_ENTRY(WM_NOTIFY + WM_REFLECT_BASE, AFX_NOTIFY_CODE(wNotifyCode), 0, 0xFFFF,                          \
-              auto* notify = static_cast<AFX_NOTIFY*>(args.pExtra);                                          \
-              return AFX_CALL(BOOL(NMHDR*, LRESULT*), memberFxn)(notify->pNMHDR, notify->pResult) != FALSE;)
 
 #define ON_MESSAGE(message, memberFxn)                                                                       \
     AFX_ENTRY(message, 0, 0, 0,                                                                              \
@@ -168,46 +141,16 @@ protected:                                                                      
 // Notifications of the standard controls
 
 #define ON_BN_CLICKED(id, memberFxn) ON_CONTROL(BN_CLICKED, id, memberFxn)
-#define ON_BN_DOUBLECLICKED(id, memberFxn) ON_CONTROL(BN_DOUBLECLICKED, id, memberFxn)
-#define ON_BN_SETFOCUS(id, memberFxn) ON_CONTROL(BN_SETFOCUS, id, memberFxn)
-#define ON_BN_KILLFOCUS(id, memberFxn) ON_CONTROL(BN_KILLFOCUS, id, memberFxn)
-#define ON_CBN_ERRSPACE(id, memberFxn) ON_CONTROL(CBN_ERRSPACE, id, memberFxn)
 #define ON_CBN_SELCHANGE(id, memberFxn) ON_CONTROL(CBN_SELCHANGE, id, memberFxn)
-#define ON_CBN_DBLCLK(id, memberFxn) ON_CONTROL(CBN_DBLCLK, id, memberFxn)
-#define ON_CBN_SETFOCUS(id, memberFxn) ON_CONTROL(CBN_SETFOCUS, id, memberFxn)
-#define ON_CBN_KILLFOCUS(id, memberFxn) ON_CONTROL(CBN_KILLFOCUS, id, memberFxn)
 #define ON_CBN_EDITCHANGE(id, memberFxn) ON_CONTROL(CBN_EDITCHANGE, id, memberFxn)
-#define ON_CBN_EDITUPDATE(id, memberFxn) ON_CONTROL(CBN_EDITUPDATE, id, memberFxn)
-#define ON_CBN_DROPDOWN(id, memberFxn) ON_CONTROL(CBN_DROPDOWN, id, memberFxn)
-#define ON_CBN_CLOSEUP(id, memberFxn) ON_CONTROL(CBN_CLOSEUP, id, memberFxn)
-#define ON_CBN_SELENDOK(id, memberFxn) ON_CONTROL(CBN_SELENDOK, id, memberFxn)
-#define ON_CBN_SELENDCANCEL(id, memberFxn) ON_CONTROL(CBN_SELENDCANCEL, id, memberFxn)
-#define ON_EN_SETFOCUS(id, memberFxn) ON_CONTROL(EN_SETFOCUS, id, memberFxn)
-#define ON_EN_KILLFOCUS(id, memberFxn) ON_CONTROL(EN_KILLFOCUS, id, memberFxn)
 #define ON_EN_CHANGE(id, memberFxn) ON_CONTROL(EN_CHANGE, id, memberFxn)
-#define ON_EN_UPDATE(id, memberFxn) ON_CONTROL(EN_UPDATE, id, memberFxn)
-#define ON_EN_ERRSPACE(id, memberFxn) ON_CONTROL(EN_ERRSPACE, id, memberFxn)
-#define ON_EN_MAXTEXT(id, memberFxn) ON_CONTROL(EN_MAXTEXT, id, memberFxn)
-#define ON_EN_HSCROLL(id, memberFxn) ON_CONTROL(EN_HSCROLL, id, memberFxn)
-#define ON_EN_VSCROLL(id, memberFxn) ON_CONTROL(EN_VSCROLL, id, memberFxn)
-#define ON_LBN_ERRSPACE(id, memberFxn) ON_CONTROL(LBN_ERRSPACE, id, memberFxn)
 #define ON_LBN_SELCHANGE(id, memberFxn) ON_CONTROL(LBN_SELCHANGE, id, memberFxn)
 #define ON_LBN_DBLCLK(id, memberFxn) ON_CONTROL(LBN_DBLCLK, id, memberFxn)
-#define ON_LBN_SELCANCEL(id, memberFxn) ON_CONTROL(LBN_SELCANCEL, id, memberFxn)
-#define ON_LBN_SETFOCUS(id, memberFxn) ON_CONTROL(LBN_SETFOCUS, id, memberFxn)
-#define ON_LBN_KILLFOCUS(id, memberFxn) ON_CONTROL(LBN_KILLFOCUS, id, memberFxn)
-#define ON_STN_CLICKED(id, memberFxn) ON_CONTROL(STN_CLICKED, id, memberFxn)
-#define ON_STN_DBLCLK(id, memberFxn) ON_CONTROL(STN_DBLCLK, id, memberFxn)
-#define ON_STN_ENABLE(id, memberFxn) ON_CONTROL(STN_ENABLE, id, memberFxn)
-#define ON_STN_DISABLE(id, memberFxn) ON_CONTROL(STN_DISABLE, id, memberFxn)
 
 // ---------------------------------------------------------------------------------------------------------
 // Window messages: ON_WM_X calls OnX
 
 #define ON_WM_DESTROY() AFX_WM_VOID(WM_DESTROY, OnDestroy())
-#define ON_WM_MOVE()                                                                                         \
-    AFX_WM_VOID(WM_MOVE,                                                                                     \
-                OnMove(static_cast<short>(LOWORD(args.lParam)), static_cast<short>(HIWORD(args.lParam))))
 #define ON_WM_SIZE()                                                                                         \
     AFX_WM_VOID(WM_SIZE,                                                                                     \
                 OnSize(static_cast<UINT>(args.wParam), LOWORD(args.lParam), HIWORD(args.lParam)))
@@ -221,18 +164,9 @@ protected:                                                                      
 #define ON_WM_KILLFOCUS()                                                                                    \
     AFX_WM_VOID(WM_KILLFOCUS,                                                                                \
                 OnKillFocus(CWnd::FromHandle(reinterpret_cast<HWND>(args.wParam))))
-#define ON_WM_ENABLE() AFX_WM_VOID(WM_ENABLE, OnEnable(static_cast<BOOL>(args.wParam)))
 #define ON_WM_PAINT() AFX_WM_VOID(WM_PAINT, OnPaint())
 #define ON_WM_CLOSE() AFX_WM_VOID(WM_CLOSE, OnClose())
-#define ON_WM_ENDSESSION() AFX_WM_VOID(WM_ENDSESSION, OnEndSession(static_cast<BOOL>(args.wParam)))
 #define ON_WM_SYSCOLORCHANGE() AFX_WM_VOID(WM_SYSCOLORCHANGE, OnSysColorChange())
-#define ON_WM_SHOWWINDOW()                                                                                   \
-    AFX_WM_VOID(WM_SHOWWINDOW,                                                                               \
-                OnShowWindow(static_cast<BOOL>(args.wParam), static_cast<UINT>(args.lParam)))
-#define ON_WM_SETTINGCHANGE()                                                                                \
-    AFX_WM_VOID(WM_SETTINGCHANGE,                                                                            \
-                OnSettingChange(static_cast<UINT>(args.wParam), reinterpret_cast<LPCTSTR>(args.lParam)))
-#define ON_WM_CANCELMODE() AFX_WM_VOID(WM_CANCELMODE, OnCancelMode())
 #define ON_WM_GETMINMAXINFO()                                                                                \
     AFX_WM_VOID(WM_GETMINMAXINFO,                                                                            \
                 OnGetMinMaxInfo(reinterpret_cast<MINMAXINFO*>(args.lParam)))
@@ -243,34 +177,15 @@ protected:                                                                      
     AFX_WM_VOID(WM_MEASUREITEM,                                                                              \
                 OnMeasureItem(static_cast<int>(args.wParam),                                                 \
                               reinterpret_cast<LPMEASUREITEMSTRUCT>(args.lParam)))
-#define ON_WM_DELETEITEM()                                                                                   \
-    AFX_WM_VOID(WM_DELETEITEM,                                                                               \
-                OnDeleteItem(static_cast<int>(args.wParam),                                                  \
-                             reinterpret_cast<LPDELETEITEMSTRUCT>(args.lParam)))
-#define ON_WM_WINDOWPOSCHANGING()                                                                            \
-    AFX_WM_VOID(WM_WINDOWPOSCHANGING,                                                                        \
-                OnWindowPosChanging(reinterpret_cast<WINDOWPOS*>(args.lParam)))
-#define ON_WM_WINDOWPOSCHANGED()                                                                             \
-    AFX_WM_VOID(WM_WINDOWPOSCHANGED,                                                                         \
-                OnWindowPosChanged(reinterpret_cast<WINDOWPOS*>(args.lParam)))
 #define ON_WM_CONTEXTMENU()                                                                                  \
     AFX_WM_VOID(WM_CONTEXTMENU,                                                                              \
                 OnContextMenu(CWnd::FromHandle(reinterpret_cast<HWND>(args.wParam)),                         \
                               AfxPointOf(args.lParam)))
 #define ON_WM_NCDESTROY() AFX_WM_VOID(WM_NCDESTROY, OnNcDestroy())
-#define ON_WM_NCPAINT() AFX_WM_VOID(WM_NCPAINT, OnNcPaint())
 #define ON_WM_SYSCOMMAND()                                                                                   \
     AFX_WM_VOID(WM_SYSCOMMAND,                                                                               \
                 OnSysCommand(static_cast<UINT>(args.wParam), args.lParam))
 #define ON_WM_TIMER() AFX_WM_VOID(WM_TIMER, OnTimer(static_cast<UINT_PTR>(args.wParam)))
-#define ON_WM_HSCROLL()                                                                                      \
-    AFX_WM_VOID(WM_HSCROLL,                                                                                  \
-                OnHScroll(LOWORD(args.wParam), static_cast<short>(HIWORD(args.wParam)),                      \
-                          AfxScrollBarOf(args.lParam)))
-#define ON_WM_VSCROLL()                                                                                      \
-    AFX_WM_VOID(WM_VSCROLL,                                                                                  \
-                OnVScroll(LOWORD(args.wParam), static_cast<short>(HIWORD(args.wParam)),                      \
-                          AfxScrollBarOf(args.lParam)))
 #define ON_WM_INITMENUPOPUP()                                                                                \
     AFX_WM_VOID(WM_INITMENUPOPUP,                                                                            \
                 OnInitMenuPopup(CMenu::FromHandle(reinterpret_cast<HMENU>(args.wParam)),                     \
@@ -279,105 +194,28 @@ protected:                                                                      
     AFX_WM_VOID(WM_MENUSELECT,                                                                               \
                 OnMenuSelect(LOWORD(args.wParam), HIWORD(args.wParam),                                       \
                              reinterpret_cast<HMENU>(args.lParam)))
-#define ON_WM_ENTERIDLE()                                                                                    \
-    AFX_WM_VOID(WM_ENTERIDLE,                                                                                \
-                OnEnterIdle(static_cast<UINT>(args.wParam),                                                  \
-                            CWnd::FromHandle(reinterpret_cast<HWND>(args.lParam))))
-#define ON_WM_CAPTURECHANGED()                                                                               \
-    AFX_WM_VOID(WM_CAPTURECHANGED,                                                                           \
-                OnCaptureChanged(CWnd::FromHandle(reinterpret_cast<HWND>(args.lParam))))
 #define ON_WM_PARENTNOTIFY()                                                                                 \
     AFX_WM_VOID(WM_PARENTNOTIFY,                                                                             \
                 OnParentNotify(static_cast<UINT>(args.wParam), args.lParam))
-#define ON_WM_DROPFILES() AFX_WM_VOID(WM_DROPFILES, OnDropFiles(reinterpret_cast<HDROP>(args.wParam)))
-#define ON_WM_STYLECHANGED()                                                                                 \
-    AFX_WM_VOID(WM_STYLECHANGED,                                                                             \
-                OnStyleChanged(static_cast<int>(args.wParam),                                                \
-                               reinterpret_cast<LPSTYLESTRUCT>(args.lParam)))
 #define ON_WM_MOUSELEAVE() AFX_WM_VOID(WM_MOUSELEAVE, OnMouseLeave())
-#define ON_WM_KEYDOWN()                                                                                      \
-    AFX_WM_VOID(WM_KEYDOWN,                                                                                  \
-                OnKeyDown(static_cast<UINT>(args.wParam), LOWORD(args.lParam), HIWORD(args.lParam)))
-#define ON_WM_KEYUP()                                                                                        \
-    AFX_WM_VOID(WM_KEYUP,                                                                                    \
-                OnKeyUp(static_cast<UINT>(args.wParam), LOWORD(args.lParam), HIWORD(args.lParam)))
-#define ON_WM_CHAR()                                                                                         \
-    AFX_WM_VOID(WM_CHAR,                                                                                     \
-                OnChar(static_cast<UINT>(args.wParam), LOWORD(args.lParam), HIWORD(args.lParam)))
-#define ON_WM_SYSKEYDOWN()                                                                                   \
-    AFX_WM_VOID(WM_SYSKEYDOWN,                                                                               \
-                OnSysKeyDown(static_cast<UINT>(args.wParam), LOWORD(args.lParam), HIWORD(args.lParam)))
-#define ON_WM_SYSKEYUP()                                                                                     \
-    AFX_WM_VOID(WM_SYSKEYUP,                                                                                 \
-                OnSysKeyUp(static_cast<UINT>(args.wParam), LOWORD(args.lParam), HIWORD(args.lParam)))
-#define ON_WM_SYSCHAR()                                                                                      \
-    AFX_WM_VOID(WM_SYSCHAR,                                                                                  \
-                OnSysChar(static_cast<UINT>(args.wParam), LOWORD(args.lParam), HIWORD(args.lParam)))
 #define ON_WM_LBUTTONDOWN()                                                                                  \
     AFX_WM_VOID(WM_LBUTTONDOWN,                                                                              \
                 OnLButtonDown(static_cast<UINT>(args.wParam), AfxPointOf(args.lParam)))
 #define ON_WM_LBUTTONUP()                                                                                    \
     AFX_WM_VOID(WM_LBUTTONUP,                                                                                \
                 OnLButtonUp(static_cast<UINT>(args.wParam), AfxPointOf(args.lParam)))
-#define ON_WM_LBUTTONDBLCLK()                                                                                \
-    AFX_WM_VOID(WM_LBUTTONDBLCLK,                                                                            \
-                OnLButtonDblClk(static_cast<UINT>(args.wParam), AfxPointOf(args.lParam)))
-#define ON_WM_RBUTTONDOWN()                                                                                  \
-    AFX_WM_VOID(WM_RBUTTONDOWN,                                                                              \
-                OnRButtonDown(static_cast<UINT>(args.wParam), AfxPointOf(args.lParam)))
-#define ON_WM_RBUTTONUP()                                                                                    \
-    AFX_WM_VOID(WM_RBUTTONUP,                                                                                \
-                OnRButtonUp(static_cast<UINT>(args.wParam), AfxPointOf(args.lParam)))
-#define ON_WM_RBUTTONDBLCLK()                                                                                \
-    AFX_WM_VOID(WM_RBUTTONDBLCLK,                                                                            \
-                OnRButtonDblClk(static_cast<UINT>(args.wParam), AfxPointOf(args.lParam)))
-#define ON_WM_MBUTTONDOWN()                                                                                  \
-    AFX_WM_VOID(WM_MBUTTONDOWN,                                                                              \
-                OnMButtonDown(static_cast<UINT>(args.wParam), AfxPointOf(args.lParam)))
-#define ON_WM_MBUTTONUP()                                                                                    \
-    AFX_WM_VOID(WM_MBUTTONUP,                                                                                \
-                OnMButtonUp(static_cast<UINT>(args.wParam), AfxPointOf(args.lParam)))
-#define ON_WM_MBUTTONDBLCLK()                                                                                \
-    AFX_WM_VOID(WM_MBUTTONDBLCLK,                                                                            \
-                OnMButtonDblClk(static_cast<UINT>(args.wParam), AfxPointOf(args.lParam)))
 #define ON_WM_MOUSEMOVE()                                                                                    \
     AFX_WM_VOID(WM_MOUSEMOVE,                                                                                \
                 OnMouseMove(static_cast<UINT>(args.wParam), AfxPointOf(args.lParam)))
-#define ON_WM_NCLBUTTONDOWN()                                                                                \
-    AFX_WM_VOID(WM_NCLBUTTONDOWN,                                                                            \
-                OnNcLButtonDown(static_cast<UINT>(args.wParam), AfxPointOf(args.lParam)))
-#define ON_WM_NCCALCSIZE()                                                                                   \
-    AFX_WM_VOID(WM_NCCALCSIZE,                                                                               \
-                OnNcCalcSize(static_cast<BOOL>(args.wParam),                                                 \
-                             reinterpret_cast<NCCALCSIZE_PARAMS*>(args.lParam)))
 
 // The handler's result is the message's.
 #define ON_WM_CREATE() AFX_WM_RESULT(WM_CREATE, OnCreate(reinterpret_cast<LPCREATESTRUCT>(args.lParam)))
-#define ON_WM_NCCREATE() AFX_WM_RESULT(WM_NCCREATE, OnNcCreate(reinterpret_cast<LPCREATESTRUCT>(args.lParam)))
 #define ON_WM_QUERYENDSESSION() AFX_WM_RESULT(WM_QUERYENDSESSION, OnQueryEndSession())
 #define ON_WM_ERASEBKGND()                                                                                   \
     AFX_WM_RESULT(WM_ERASEBKGND,                                                                             \
                   OnEraseBkgnd(CDC::FromHandle(reinterpret_cast<HDC>(args.wParam))))
-#define ON_WM_SETCURSOR()                                                                                    \
-    AFX_WM_RESULT(WM_SETCURSOR,                                                                              \
-                  OnSetCursor(CWnd::FromHandle(reinterpret_cast<HWND>(args.wParam)), LOWORD(args.lParam),    \
-                              HIWORD(args.lParam)))
-#define ON_WM_MOUSEACTIVATE()                                                                                \
-    AFX_WM_RESULT(WM_MOUSEACTIVATE,                                                                          \
-                  OnMouseActivate(CWnd::FromHandle(reinterpret_cast<HWND>(args.wParam)),                     \
-                                  LOWORD(args.lParam), HIWORD(args.lParam)))
 #define ON_WM_NCHITTEST() AFX_WM_RESULT(WM_NCHITTEST, OnNcHitTest(AfxPointOf(args.lParam)))
-#define ON_WM_NCACTIVATE() AFX_WM_RESULT(WM_NCACTIVATE, OnNcActivate(static_cast<BOOL>(args.wParam)))
 #define ON_WM_GETDLGCODE() AFX_WM_RESULT(WM_GETDLGCODE, OnGetDlgCode())
-#define ON_WM_HELPINFO() AFX_WM_RESULT(WM_HELP, OnHelpInfo(reinterpret_cast<HELPINFO*>(args.lParam)))
-#define ON_WM_MOUSEWHEEL()                                                                                   \
-    AFX_WM_RESULT(WM_MOUSEWHEEL,                                                                             \
-                  OnMouseWheel(LOWORD(args.wParam), static_cast<short>(HIWORD(args.wParam)),                 \
-                               AfxPointOf(args.lParam)))
-#define ON_WM_COMPAREITEM()                                                                                  \
-    AFX_WM_RESULT(WM_COMPAREITEM,                                                                            \
-                  OnCompareItem(static_cast<int>(args.wParam),                                               \
-                                reinterpret_cast<LPCOMPAREITEMSTRUCT>(args.lParam)))
 
 // Colours of a control: asked by six messages, of which WM_CTLCOLOR stands for all in the maps.
 #define WM_CTLCOLOR 0x0019
@@ -389,19 +227,3 @@ protected:                                                                      
                   CWnd::FromHandle(reinterpret_cast<HWND>(args.lParam)), AFX_CTLCOLOR_TYPE(args.message)));  \
               return true;)
 // CtlColor(CDC*, UINT) of the control itself; a null brush lets the parent decide.
-#define ON_WM_CTLCOLOR_REFLECT()                                                                             \
-    AFX_ENTRY(WM_CTLCOLOR + WM_REFLECT_BASE, 0, 0, 0,                                                        \
-              HBRUSH brush = static_cast<ThisClass*>(target)->CtlColor(                                      \
-                  CDC::FromHandle(reinterpret_cast<HDC>(args.wParam)), AFX_CTLCOLOR_TYPE(args.message));     \
-              args.lResult = reinterpret_cast<LRESULT>(brush); return brush != nullptr;)
-#define ON_WM_HSCROLL_REFLECT()                                                                              \
-    AFX_WM_VOID(WM_HSCROLL + WM_REFLECT_BASE,                                                                \
-                HScroll(LOWORD(args.wParam), static_cast<short>(HIWORD(args.wParam))))
-#define ON_WM_VSCROLL_REFLECT()                                                                              \
-    AFX_WM_VOID(WM_VSCROLL + WM_REFLECT_BASE,                                                                \
-                VScroll(LOWORD(args.wParam), static_cast<short>(HIWORD(args.wParam))))
-#define ON_WM_DRAWITEM_REFLECT()                                                                             \
-    AFX_WM_VOID(WM_DRAWITEM + WM_REFLECT_BASE, DrawItem(reinterpret_cast<LPDRAWITEMSTRUCT>(args.lParam)))
-#define ON_WM_MEASUREITEM_REFLECT()                                                                          \
-    AFX_WM_VOID(WM_MEASUREITEM + WM_REFLECT_BASE,                                                            \
-                MeasureItem(reinterpret_cast<LPMEASUREITEMSTRUCT>(args.lParam)))

@@ -3,9 +3,5 @@
 
 #define WM_QUERYAFXWNDPROC 0x0360
 #define WM_IDLEUPDATECMDUI 0x0363 // wParam: TRUE disables commands nobody handles
-#define WM_INITIALUPDATE 0x0364
 #define WM_COMMANDHELP 0x0365
-#define WM_HELPHITTEST 0x0366
-#define WM_EXITHELPMODE 0x0367
-#define WM_RECALCPARENT 0x0368
 #define WM_KICKIDLE 0x036A // sent by modal loops; answer nonzero to be called again

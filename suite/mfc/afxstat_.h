@@ -74,7 +74,6 @@ private:
 
 AFX_DLL_API HINSTANCE AfxGetInstanceHandle();
 AFX_DLL_API HINSTANCE AfxGetResourceHandle();
-AFX_DLL_API void AfxSetResourceHandle(HINSTANCE hInstResource);
 AFX_DLL_API LPCTSTR AfxGetAppName();
 
 // ---------------------------------------------------------------------------------------------------------

@@ -16,18 +16,14 @@ public:
     // Null gives an empty text; a MAKEINTRESOURCE value loads the string resource.
     CString(LPCSTR lpsz);
     CString(LPCSTR lpch, int nLength);
-    explicit CString(const unsigned char* psz);
     // Converted to the system code page.
     CString(LPCWSTR lpsz);
-    CString(LPCWSTR lpch, int nLength);
     explicit CString(char ch, int nRepeat = 1);
     ~CString() = default;
 
     CString& operator=(const CString& strSrc) = default;
     CString& operator=(CString&& strSrc) noexcept = default;
     CString& operator=(LPCSTR lpsz);
-    CString& operator=(LPCWSTR lpsz);
-    CString& operator=(char ch);
 
     int GetLength() const
     {
@@ -43,7 +39,6 @@ public:
     {
         return GetAt(nIndex);
     }
-    void SetAt(int nIndex, char ch);
     operator LPCSTR() const
     {
         return m_str.c_str();
@@ -52,23 +47,15 @@ public:
     {
         return m_str.c_str();
     }
-    void SetString(LPCSTR lpsz);
     void SetString(LPCSTR lpsz, int nLength);
 
     CString& operator+=(const CString& str);
     CString& operator+=(LPCSTR lpsz);
-    CString& operator+=(LPCWSTR lpsz);
     CString& operator+=(char ch);
-    void Append(LPCSTR lpsz);
-    void Append(LPCSTR lpsz, int nLength);
-    void Append(const CString& str);
-    void AppendChar(char ch);
 
     // Byte order; locale order for the Collate pair; both NoCase forms fold by the system's rules.
     int Compare(LPCSTR lpsz) const;
     int CompareNoCase(LPCSTR lpsz) const;
-    int Collate(LPCSTR lpsz) const;
-    int CollateNoCase(LPCSTR lpsz) const;
 
     CString Mid(int nFirst) const;
     CString Mid(int nFirst, int nCount) const;
@@ -81,23 +68,15 @@ public:
 
     CString& MakeUpper();
     CString& MakeLower();
-    CString& MakeReverse();
     CString& Trim();
-    CString& Trim(char chTarget);
     CString& Trim(LPCSTR lpszTargets);
     CString& TrimLeft();
-    CString& TrimLeft(char chTarget);
     CString& TrimLeft(LPCSTR lpszTargets);
     CString& TrimRight();
-    CString& TrimRight(char chTarget);
     CString& TrimRight(LPCSTR lpszTargets);
 
     // These answer how many were replaced or removed, or the new length.
-    int Replace(char chOld, char chNew);
     int Replace(LPCSTR lpszOld, LPCSTR lpszNew);
-    int Remove(char chRemove);
-    int Insert(int nIndex, char ch);
-    int Insert(int nIndex, LPCSTR psz);
     int Delete(int nIndex, int nCount = 1);
 
     // Index of the find, or -1.
@@ -110,10 +89,8 @@ public:
     void Format(UINT nFormatID, ...);
     void FormatV(LPCSTR lpszFormat, va_list args);
     AFX_PRINTF_FORMAT(2, 3) void AppendFormat(LPCSTR lpszFormat, ...);
-    void AppendFormat(UINT nFormatID, ...);
     void AppendFormatV(LPCSTR lpszFormat, va_list args);
     // Inserts of the system's kind: "%1", "%2!d!".
-    void FormatMessage(LPCSTR lpszFormat, ...);
     void FormatMessage(UINT nFormatID, ...);
     void FormatMessageV(LPCSTR lpszFormat, va_list* pArgs);
 
@@ -126,17 +103,11 @@ public:
     // nMinBufferLength characters and a terminator.
     LPSTR GetBuffer();
     LPSTR GetBuffer(int nMinBufferLength);
-    LPSTR GetBufferSetLength(int nLength);
     void ReleaseBuffer(int nNewLength = -1);
-    void ReleaseBufferSetLength(int nNewLength);
     void Preallocate(int nLength);
-    void FreeExtra();
-    int GetAllocLength() const;
 
     // As a new BSTR that the caller frees.
     BSTR AllocSysString() const;
-    void AnsiToOem();
-    void OemToAnsi();
 
     static int StringLength(LPCSTR psz);
 
@@ -149,8 +120,6 @@ using CStringA = CString;
 AFX_DLL_API CString operator+(const CString& str1, const CString& str2);
 AFX_DLL_API CString operator+(const CString& str1, LPCSTR lpsz2);
 AFX_DLL_API CString operator+(LPCSTR lpsz1, const CString& str2);
-AFX_DLL_API CString operator+(const CString& str1, char ch2);
-AFX_DLL_API CString operator+(char ch1, const CString& str2);
 
 // clang-format off
 inline bool operator==(const CString& s1, const CString& s2) { return s1.Compare(s2) == 0; }

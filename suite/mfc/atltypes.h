@@ -55,16 +55,6 @@ public:
     {
     }
 
-    void Offset(int xOffset, int yOffset)
-    {
-        x += xOffset;
-        y += yOffset;
-    }
-    void SetPoint(int nX, int nY)
-    {
-        x = nX;
-        y = nY;
-    }
     BOOL operator==(const POINT& point) const
     {
         // The analyser does not follow a base that is initialised as an aggregate.
@@ -128,14 +118,6 @@ public:
     {
         return {left, top};
     }
-    CPoint BottomRight() const
-    {
-        return {right, bottom};
-    }
-    CPoint CenterPoint() const
-    {
-        return {left + Width() / 2, top + Height() / 2};
-    }
     operator LPRECT()
     {
         return this;
@@ -145,29 +127,9 @@ public:
         return this;
     }
 
-    BOOL IsRectEmpty() const
-    {
-        return ::IsRectEmpty(this);
-    }
-    BOOL IsRectNull() const
-    {
-        return left == 0 && right == 0 && top == 0 && bottom == 0;
-    }
     BOOL PtInRect(POINT point) const
     {
         return ::PtInRect(this, point);
-    }
-    void SetRect(int x1, int y1, int x2, int y2)
-    {
-        *this = CRect(x1, y1, x2, y2);
-    }
-    void SetRectEmpty()
-    {
-        *this = CRect();
-    }
-    BOOL EqualRect(LPCRECT lpRect) const
-    {
-        return ::EqualRect(this, lpRect);
     }
     void InflateRect(int x, int y)
     {
@@ -191,24 +153,6 @@ public:
     void OffsetRect(int x, int y)
     {
         ::OffsetRect(this, x, y);
-    }
-    void OffsetRect(const SIZE& size)
-    {
-        ::OffsetRect(this, size.cx, size.cy);
-    }
-    void MoveToXY(int x, int y)
-    {
-        OffsetRect(x - left, y - top);
-    }
-    // Makes left <= right and top <= bottom.
-    void NormalizeRect();
-    BOOL IntersectRect(LPCRECT lpRect1, LPCRECT lpRect2)
-    {
-        return ::IntersectRect(this, lpRect1, lpRect2);
-    }
-    BOOL UnionRect(LPCRECT lpRect1, LPCRECT lpRect2)
-    {
-        return ::UnionRect(this, lpRect1, lpRect2);
     }
     BOOL operator==(const RECT& rect) const
     {
@@ -241,9 +185,3 @@ public:
         return *this + CPoint(-point.x, -point.y);
     }
 };
-
-inline void CRect::NormalizeRect()
-{
-    *this = CRect(left < right ? left : right, top < bottom ? top : bottom, left < right ? right : left,
-                  top < bottom ? bottom : top);
-}

@@ -136,7 +136,7 @@ public:
     {
         CreateEx(0, AfxRegisterWndClass(0), "Owner", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 300, 200,
                  nullptr, nullptr);
-        m_field.Create(WS_CHILD | WS_VISIBLE, CRect(0, 0, 100, 20), this, 1);
+        m_field.CWnd::Create("EDIT", nullptr, WS_CHILD | WS_VISIBLE, CRect(0, 0, 100, 20), this, 1);
         SetForegroundWindow();
         m_field.SetFocus();
     }

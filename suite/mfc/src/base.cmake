@@ -11,7 +11,6 @@ set(velmfc_base_sources
   src/filefind.cpp
   src/memfile.cpp
   src/object.cpp
-  src/stdiofile.cpp
   src/string.cpp
   src/stringfuncs.cpp
   src/time.cpp)

@@ -62,30 +62,6 @@ BOOL CCmdTarget::OnCmdMsg(UINT nID, int nCode, void* pExtra, AFX_CMDHANDLERINFO*
 // ---------------------------------------------------------------------------------------------------------
 // Wait cursor
 
-void CCmdTarget::BeginWaitCursor()
-{
-    if (CWinApp* app = AfxGetApp())
-    {
-        app->DoWaitCursor(1);
-    }
-}
-
-void CCmdTarget::EndWaitCursor()
-{
-    if (CWinApp* app = AfxGetApp())
-    {
-        app->DoWaitCursor(-1);
-    }
-}
-
-void CCmdTarget::RestoreWaitCursor()
-{
-    if (CWinApp* app = AfxGetApp())
-    {
-        app->DoWaitCursor(0);
-    }
-}
-
 CWaitCursor::CWaitCursor()
 {
     if (CWinApp* app = AfxGetApp())
@@ -99,14 +75,6 @@ CWaitCursor::~CWaitCursor()
     if (CWinApp* app = AfxGetApp())
     {
         app->DoWaitCursor(-1);
-    }
-}
-
-void CWaitCursor::Restore()
-{
-    if (CWinApp* app = AfxGetApp())
-    {
-        app->DoWaitCursor(0);
     }
 }
 

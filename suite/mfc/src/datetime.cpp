@@ -97,52 +97,14 @@ COleDateTime::COleDateTime(DATE dtSrc)
     *this = dtSrc;
 }
 
-COleDateTime::COleDateTime(const VARIANT& varSrc)
-{
-    VARIANT date;
-    VariantInit(&date);
-    if (V_VT(&varSrc) == VT_NULL)
-    {
-        m_status = null;
-    }
-    else if (SUCCEEDED(VariantChangeType(&date, const_cast<VARIANT*>(&varSrc), 0, VT_DATE)))
-    {
-        *this = V_DATE(&date);
-    }
-    else
-    {
-        m_status = invalid;
-    }
-}
-
-COleDateTime::COleDateTime(__time64_t timeSrc)
-{
-    SYSTEMTIME local = {};
-    m_status = invalid;
-    if (CTime(timeSrc).GetAsSystemTime(local))
-    {
-        *this = local;
-    }
-}
-
 COleDateTime::COleDateTime(const SYSTEMTIME& systimeSrc)
 {
     *this = systimeSrc;
 }
 
-COleDateTime::COleDateTime(const FILETIME& filetimeSrc) : COleDateTime(CTime(filetimeSrc).GetTime())
-{
-}
-
 COleDateTime::COleDateTime(int nYear, int nMonth, int nDay, int nHour, int nMin, int nSec)
 {
     SetDateTime(nYear, nMonth, nDay, nHour, nMin, nSec);
-}
-
-COleDateTime::COleDateTime(WORD wDosDate, WORD wDosTime)
-{
-    SetDateTime(1980 + (wDosDate >> 9), wDosDate >> 5 & 15, wDosDate & 31, wDosTime >> 11, wDosTime >> 5 & 63,
-                (wDosTime & 31) * 2);
 }
 
 COleDateTime COleDateTime::GetCurrentTime()
@@ -194,17 +156,6 @@ bool COleDateTime::GetAsSystemTime(SYSTEMTIME& sysTime) const
     return true;
 }
 
-bool COleDateTime::GetAsUDATE(UDATE& uDate) const
-{
-    uDate = {};
-    if (!GetAsSystemTime(uDate.st))
-    {
-        return false;
-    }
-    uDate.wDayOfYear = static_cast<USHORT>(GetDayOfYear());
-    return true;
-}
-
 int COleDateTime::GetYear() const
 {
     return PartsOf(*this).year;
@@ -250,11 +201,6 @@ bool COleDateTime::operator==(const COleDateTime& date) const
     return m_status == date.m_status && (m_status == null || (m_status == valid && m_dt == date.m_dt));
 }
 
-bool COleDateTime::operator!=(const COleDateTime& date) const
-{
-    return !(*this == date);
-}
-
 bool COleDateTime::operator<(const COleDateTime& date) const
 {
     return m_status == valid && date.m_status == valid && ToLinear(m_dt) < ToLinear(date.m_dt);
@@ -263,16 +209,6 @@ bool COleDateTime::operator<(const COleDateTime& date) const
 bool COleDateTime::operator>(const COleDateTime& date) const
 {
     return date < *this;
-}
-
-bool COleDateTime::operator<=(const COleDateTime& date) const
-{
-    return *this < date || *this == date;
-}
-
-bool COleDateTime::operator>=(const COleDateTime& date) const
-{
-    return date < *this || *this == date;
 }
 
 COleDateTime COleDateTime::operator+(COleDateTimeSpan dateSpan) const
@@ -295,19 +231,7 @@ COleDateTime COleDateTime::operator+(COleDateTimeSpan dateSpan) const
 
 COleDateTime COleDateTime::operator-(COleDateTimeSpan dateSpan) const
 {
-    return *this + -dateSpan;
-}
-
-COleDateTime& COleDateTime::operator+=(COleDateTimeSpan dateSpan)
-{
-    *this = *this + dateSpan;
-    return *this;
-}
-
-COleDateTime& COleDateTime::operator-=(COleDateTimeSpan dateSpan)
-{
-    *this = *this - dateSpan;
-    return *this;
+    return *this + COleDateTimeSpan(-dateSpan.m_span);
 }
 
 COleDateTimeSpan COleDateTime::operator-(const COleDateTime& date) const
@@ -315,11 +239,11 @@ COleDateTimeSpan COleDateTime::operator-(const COleDateTime& date) const
     COleDateTimeSpan result;
     if (m_status == null || date.m_status == null)
     {
-        result.SetStatus(COleDateTimeSpan::null);
+        result.m_status = COleDateTimeSpan::null;
     }
     else if (m_status != valid || date.m_status != valid)
     {
-        result.SetStatus(COleDateTimeSpan::invalid);
+        result.m_status = COleDateTimeSpan::invalid;
     }
     else
     {
@@ -337,40 +261,4 @@ int COleDateTime::SetDateTime(int nYear, int nMonth, int nDay, int nHour, int nM
 {
     m_status = ToDate(nYear, nMonth, nDay, nHour, nMin, nSec, m_dt) ? valid : invalid;
     return m_status;
-}
-
-int COleDateTime::SetDate(int nYear, int nMonth, int nDay)
-{
-    return SetDateTime(nYear, nMonth, nDay, 0, 0, 0);
-}
-
-int COleDateTime::SetTime(int nHour, int nMin, int nSec)
-{
-    return SetDateTime(1899, 12, 30, nHour, nMin, nSec);
-}
-
-CArchive& operator<<(CArchive& ar, const COleDateTime& dateSrc)
-{
-    return ar << static_cast<LONG>(dateSrc.m_status) << dateSrc.m_dt;
-}
-
-CArchive& operator>>(CArchive& ar, COleDateTime& dateSrc)
-{
-    LONG status = COleDateTime::invalid;
-    DATE date = 0.0;
-    ar >> status >> date;
-    // What the file says need not be a date.
-    COleDateTime loaded(date);
-    if (status == COleDateTime::null)
-    {
-        loaded = COleDateTime();
-        loaded.SetStatus(COleDateTime::null);
-    }
-    else if (status != COleDateTime::valid || loaded.GetStatus() != COleDateTime::valid)
-    {
-        loaded = COleDateTime();
-        loaded.SetStatus(COleDateTime::invalid);
-    }
-    dateSrc = loaded;
-    return ar;
 }

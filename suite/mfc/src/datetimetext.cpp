@@ -140,20 +140,6 @@ private:
 };
 } // namespace
 
-bool COleDateTime::ParseDateTime(LPCTSTR lpszDate, DWORD dwFlags, LCID lcid)
-{
-    const BStr text(CString(lpszDate).AllocSysString());
-    DATE date = 0.0;
-    m_dt = 0.0;
-    m_status = invalid;
-    if (FAILED(VarDateFromStr(text.Get(), lcid, dwFlags, &date)))
-    {
-        return false;
-    }
-    *this = date;
-    return m_status == valid;
-}
-
 CString COleDateTime::Format(DWORD dwFlags, LCID lcid) const
 {
     if (m_status == null)
@@ -194,53 +180,6 @@ CString COleDateTime::Format(LPCTSTR lpszFormat) const
             break;
         }
         result += MarkerText(*p, plain, *this);
-    }
-    return result;
-}
-
-CString COleDateTime::Format(UINT nFormatID) const
-{
-    CString format;
-    ENSURE(format.LoadString(nFormatID));
-    return Format(format.GetString());
-}
-
-CString COleDateTimeSpan::Format(LPCTSTR pFormat) const
-{
-    ENSURE(pFormat != nullptr);
-    if (m_status == null)
-    {
-        return CString();
-    }
-    if (m_status != valid)
-    {
-        return ResourceText(AFX_IDS_INVALID_DATETIMESPAN);
-    }
-    CString result;
-    for (LPCTSTR p = pFormat; *p != '\0'; ++p)
-    {
-        if (*p != '%' || p[1] == '\0')
-        {
-            result += *p;
-            continue;
-        }
-        switch (*++p)
-        {
-        case 'D':
-            result += Number(GetDays(), 1, false);
-            break;
-        case 'H':
-            result += Number(GetHours(), 2, true);
-            break;
-        case 'M':
-            result += Number(GetMinutes(), 2, true);
-            break;
-        case 'S':
-            result += Number(GetSeconds(), 2, true);
-            break;
-        default:
-            result += *p;
-        }
     }
     return result;
 }

@@ -28,16 +28,3 @@ void AfxTrace(LPCSTR lpszFormat, ...)
     va_end(args);
     OutputDebugStringA(text);
 }
-
-BOOL AfxIsValidAddress(const void* p, UINT_PTR nBytes, BOOL bReadWrite)
-{
-    MEMORY_BASIC_INFORMATION info = {};
-    if (p == nullptr || nBytes == 0 || VirtualQuery(p, &info, sizeof(info)) == 0 || info.State != MEM_COMMIT)
-    {
-        return FALSE;
-    }
-    constexpr DWORD writable =
-        PAGE_READWRITE | PAGE_WRITECOPY | PAGE_EXECUTE_READWRITE | PAGE_EXECUTE_WRITECOPY;
-    constexpr DWORD readable = writable | PAGE_READONLY | PAGE_EXECUTE_READ;
-    return (info.Protect & (bReadWrite ? writable : readable)) != 0 && (info.Protect & PAGE_GUARD) == 0;
-}

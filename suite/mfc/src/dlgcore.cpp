@@ -100,11 +100,6 @@ CDialog::CDialog(UINT nIDTemplate, CWnd* pParentWnd)
 {
 }
 
-CDialog::CDialog(LPCTSTR lpszTemplateName, CWnd* pParentWnd)
-    : m_lpszTemplateName(lpszTemplateName), m_pParentWnd(pParentWnd)
-{
-}
-
 CDialog::~CDialog()
 {
     if (m_hWnd != nullptr)
@@ -133,11 +128,6 @@ BOOL CDialog::Create(LPCTSTR lpszTemplateName, CWnd* pParentWnd)
     return found.dialog != nullptr && CreateIndirect(found.dialog, pParentWnd, found.module);
 }
 
-BOOL CDialog::CreateIndirect(LPCDLGTEMPLATE lpDialogTemplate, CWnd* pParentWnd)
-{
-    return CreateIndirect(lpDialogTemplate, pParentWnd, AfxGetInstanceHandle());
-}
-
 BOOL CDialog::CreateIndirect(LPCDLGTEMPLATE lpDialogTemplate, CWnd* pParentWnd, HINSTANCE hInst)
 {
     if (pParentWnd == nullptr)
@@ -147,16 +137,6 @@ BOOL CDialog::CreateIndirect(LPCDLGTEMPLATE lpDialogTemplate, CWnd* pParentWnd, 
     m_lpDialogTemplate = lpDialogTemplate;
     m_bInitFailed = false;
     return CreateDlgIndirect(lpDialogTemplate, pParentWnd, hInst);
-}
-
-BOOL CDialog::InitModalIndirect(LPCDLGTEMPLATE lpDialogTemplate, CWnd* pParentWnd)
-{
-    m_lpDialogTemplate = lpDialogTemplate;
-    if (pParentWnd != nullptr)
-    {
-        m_pParentWnd = pParentWnd;
-    }
-    return lpDialogTemplate != nullptr;
 }
 
 // ---------------------------------------------------------------------------------------------------------
@@ -410,16 +390,6 @@ LRESULT CDialog::OnCommandHelp(WPARAM, LPARAM lParam)
 // ---------------------------------------------------------------------------------------------------------
 // Controls
 
-void CDialog::NextDlgCtrl() const
-{
-    SendMessage(WM_NEXTDLGCTL, 0, 0);
-}
-
-void CDialog::PrevDlgCtrl() const
-{
-    SendMessage(WM_NEXTDLGCTL, 1, 0);
-}
-
 void CDialog::GotoDlgCtrl(CWnd* pWndCtrl)
 {
     SendMessage(WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(pWndCtrl->m_hWnd), 1);
@@ -428,14 +398,4 @@ void CDialog::GotoDlgCtrl(CWnd* pWndCtrl)
 void CDialog::MapDialogRect(LPRECT lpRect) const
 {
     ::MapDialogRect(m_hWnd, lpRect);
-}
-
-void CDialog::SetDefID(UINT nID)
-{
-    SendMessage(DM_SETDEFID, nID);
-}
-
-DWORD CDialog::GetDefID() const
-{
-    return Ask<DWORD>(DM_GETDEFID);
 }

@@ -68,54 +68,6 @@ void SetTextOf(HWND window, const CString& text)
         ::SetWindowText(window, text);
     }
 }
-
-// A decimal number with nothing but blanks around it.
-bool ParseNumber(const CString& text, long long low, long long high, long long& value)
-{
-    char* end = nullptr;
-    errno = 0;
-    value = std::strtoll(text, &end, 10);
-    if (end == text.GetString() || errno == ERANGE)
-    {
-        return false;
-    }
-    while (*end == ' ' || *end == '\t')
-    {
-        ++end;
-    }
-    return *end == '\0' && value >= low && value <= high;
-}
-
-void ExchangeNumber(CDataExchange& dx, int id, long long low, long long high, UINT complaint,
-                    long long& value)
-{
-    const HWND control = dx.PrepareEditCtrl(id);
-    if (!dx.m_bSaveAndValidate)
-    {
-        CString text;
-        text.Format("%lld", value);
-        SetTextOf(control, text);
-    }
-    else if (!ParseNumber(TextOf(control), low, high, value))
-    {
-        AfxMessageBox(complaint, MB_OK | MB_ICONEXCLAMATION);
-        dx.Fail();
-    }
-}
-
-// The index in a list or combo box.
-void ExchangeIndex(CDataExchange& dx, int id, UINT get, UINT set, int& index)
-{
-    const HWND control = dx.PrepareCtrl(id);
-    if (dx.m_bSaveAndValidate)
-    {
-        index = static_cast<int>(::SendMessage(control, get, 0, 0));
-    }
-    else
-    {
-        ::SendMessage(control, set, static_cast<WPARAM>(index), 0);
-    }
-}
 } // namespace
 
 void DDX_Control(CDataExchange* pDX, int nIDC, CWnd& rControl)
@@ -143,20 +95,6 @@ void DDX_Text(CDataExchange* pDX, int nIDC, CString& value)
     {
         SetTextOf(control, value);
     }
-}
-
-void DDX_Text(CDataExchange* pDX, int nIDC, int& value)
-{
-    long long number = value;
-    ExchangeNumber(*pDX, nIDC, INT_MIN, INT_MAX, AFX_IDP_PARSE_INT, number);
-    value = static_cast<int>(number);
-}
-
-void DDX_Text(CDataExchange* pDX, int nIDC, UINT& value)
-{
-    long long number = value;
-    ExchangeNumber(*pDX, nIDC, 0, UINT_MAX, AFX_IDP_PARSE_UINT, number);
-    value = static_cast<UINT>(number);
 }
 
 void DDX_Check(CDataExchange* pDX, int nIDC, int& value)
@@ -199,36 +137,6 @@ void DDX_Radio(CDataExchange* pDX, int nIDC, int& value)
     } while (control != nullptr && (::GetWindowLongPtr(control, GWL_STYLE) & WS_GROUP) == 0);
 }
 
-void DDX_LBIndex(CDataExchange* pDX, int nIDC, int& index)
-{
-    ExchangeIndex(*pDX, nIDC, LB_GETCURSEL, LB_SETCURSEL, index);
-}
-
-void DDX_CBIndex(CDataExchange* pDX, int nIDC, int& index)
-{
-    ExchangeIndex(*pDX, nIDC, CB_GETCURSEL, CB_SETCURSEL, index);
-}
-
-void DDX_LBString(CDataExchange* pDX, int nIDC, CString& value)
-{
-    const HWND control = pDX->PrepareCtrl(nIDC);
-    if (!pDX->m_bSaveAndValidate)
-    {
-        ::SendMessage(control, LB_SELECTSTRING, static_cast<WPARAM>(-1),
-                      reinterpret_cast<LPARAM>(value.GetString()));
-        return;
-    }
-    value.Empty();
-    const auto index = static_cast<WPARAM>(::SendMessage(control, LB_GETCURSEL, 0, 0));
-    const LRESULT length = ::SendMessage(control, LB_GETTEXTLEN, index, 0);
-    if (static_cast<int>(index) != LB_ERR && length > 0)
-    {
-        ::SendMessage(control, LB_GETTEXT, index,
-                      reinterpret_cast<LPARAM>(value.GetBuffer(static_cast<int>(length))));
-        value.ReleaseBuffer();
-    }
-}
-
 namespace
 {
 void ExchangeComboText(CDataExchange& dx, int id, UINT find, CString& value)
@@ -252,11 +160,6 @@ void ExchangeComboText(CDataExchange& dx, int id, UINT find, CString& value)
 void DDX_CBString(CDataExchange* pDX, int nIDC, CString& value)
 {
     ExchangeComboText(*pDX, nIDC, CB_FINDSTRING, value);
-}
-
-void DDX_CBStringExact(CDataExchange* pDX, int nIDC, CString& value)
-{
-    ExchangeComboText(*pDX, nIDC, CB_FINDSTRINGEXACT, value);
 }
 
 void DDX_DateTimeCtrl(CDataExchange* pDX, int nIDC, COleDateTime& value)
@@ -299,21 +202,4 @@ void DDV_MaxChars(CDataExchange* pDX, const CString& value, int nChars)
         ::SendMessage(control, lstrcmpiA(name, "ComboBox") == 0 ? CB_LIMITTEXT : EM_LIMITTEXT,
                       static_cast<WPARAM>(nChars), 0);
     }
-}
-
-void DDV_MinMaxInt(CDataExchange* pDX, int value, int minVal, int maxVal)
-{
-    ASSERT(minVal <= maxVal);
-    if (!pDX->m_bSaveAndValidate || (value >= minVal && value <= maxVal))
-    {
-        return;
-    }
-    CString low;
-    low.Format("%d", minVal);
-    CString high;
-    high.Format("%d", maxVal);
-    CString prompt;
-    AfxFormatString2(prompt, AFX_IDP_PARSE_INT_RANGE, low, high);
-    AfxMessageBox(prompt, MB_ICONEXCLAMATION, AFX_IDP_PARSE_INT_RANGE);
-    pDX->Fail();
 }

@@ -12,12 +12,6 @@ namespace
 // Room for what a user selects at once; without multiple selection one path.
 constexpr std::size_t manyNames = 65536;
 constexpr std::size_t oneName = 1024;
-
-CString AfterLast(const CString& path, char separator)
-{
-    const int place = path.ReverseFind(separator);
-    return place >= 0 ? path.Mid(place + 1) : path;
-}
 } // namespace
 
 CCommonDialog::CCommonDialog(CWnd* pParentWnd) : CDialog(static_cast<UINT>(0), pParentWnd)
@@ -65,37 +59,6 @@ CString CFileDialog::GetPathName() const
 {
     POSITION pos = GetStartPosition();
     return GetNextPathName(pos);
-}
-
-CString CFileDialog::GetFileName() const
-{
-    return AfterLast(GetPathName(), '\\');
-}
-
-CString CFileDialog::GetFileExt() const
-{
-    const CString name = GetFileName();
-    const int dot = name.ReverseFind('.');
-    return dot >= 0 ? name.Mid(dot + 1) : CString();
-}
-
-CString CFileDialog::GetFileTitle() const
-{
-    const CString name = GetFileName();
-    const int dot = name.ReverseFind('.');
-    return dot > 0 ? name.Left(dot) : name;
-}
-
-CString CFileDialog::GetFolderPath() const
-{
-    const CString path = GetPathName();
-    const int last = path.ReverseFind('\\');
-    return last >= 0 ? path.Left(last) : CString();
-}
-
-BOOL CFileDialog::GetReadOnlyPref() const
-{
-    return (m_ofn.Flags & OFN_READONLY) != 0;
 }
 
 POSITION CFileDialog::GetStartPosition() const

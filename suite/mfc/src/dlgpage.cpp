@@ -7,7 +7,6 @@
 IMPLEMENT_DYNAMIC(CPropertyPage, CDialog)
 
 BEGIN_MESSAGE_MAP(CPropertyPage, CDialog)
-ON_WM_CTLCOLOR()
 END_MESSAGE_MAP()
 
 CPropertyPage::CPropertyPage(UINT nIDTemplate, UINT nIDCaption, DWORD dwSize) : CDialog(nIDTemplate), m_psp{}
@@ -78,22 +77,6 @@ void CPropertyPage::OnInitDialogFailed()
 {
     m_bInitFailed = true;
     EndDialog(-1); // a sheet with a page that is not filled must not be used
-}
-
-void CPropertyPage::CancelToClose()
-{
-    ::SendMessage(::GetParent(m_hWnd), PSM_CANCELTOCLOSE, 0, 0);
-}
-
-void CPropertyPage::SetModified(BOOL bChanged)
-{
-    ::SendMessage(::GetParent(m_hWnd), bChanged ? PSM_CHANGED : PSM_UNCHANGED,
-                  reinterpret_cast<WPARAM>(m_hWnd), 0);
-}
-
-LRESULT CPropertyPage::QuerySiblings(WPARAM wParam, LPARAM lParam)
-{
-    return ::SendMessage(::GetParent(m_hWnd), PSM_QUERYSIBLINGS, wParam, lParam);
 }
 
 BOOL CPropertyPage::OnSetActive()
@@ -190,9 +173,4 @@ BOOL CPropertyPage::OnNotify(WPARAM wParam, LPARAM lParam, LRESULT* pResult)
         *pResult = refusal;
     }
     return TRUE;
-}
-
-HBRUSH CPropertyPage::OnCtlColor(CDC* pDC, CWnd* pWnd, UINT nCtlColor)
-{
-    return CDialog::OnCtlColor(pDC, pWnd, nCtlColor);
 }

@@ -15,29 +15,12 @@ ON_WM_CLOSE()
 ON_WM_SYSCOMMAND()
 END_MESSAGE_MAP()
 
-CPropertySheet::CPropertySheet()
-{
-    Construct("");
-}
-
-CPropertySheet::CPropertySheet(UINT nIDCaption, CWnd* pParentWnd, UINT iSelectPage)
-{
-    Construct(nIDCaption, pParentWnd, iSelectPage);
-}
-
 CPropertySheet::CPropertySheet(LPCTSTR pszCaption, CWnd* pParentWnd, UINT iSelectPage)
 {
     Construct(pszCaption, pParentWnd, iSelectPage);
 }
 
 CPropertySheet::~CPropertySheet() = default;
-
-void CPropertySheet::Construct(UINT nIDCaption, CWnd* pParentWnd, UINT iSelectPage)
-{
-    CString caption;
-    VERIFY(caption.LoadString(nIDCaption));
-    Construct(caption.GetString(), pParentWnd, iSelectPage);
-}
 
 void CPropertySheet::Construct(LPCTSTR pszCaption, CWnd* pParentWnd, UINT iSelectPage)
 {
@@ -68,35 +51,9 @@ void CPropertySheet::AddPage(CPropertyPage* pPage)
     }
 }
 
-void CPropertySheet::RemovePage(int nPage)
-{
-    if (m_hWnd != nullptr)
-    {
-        SendMessage(PSM_REMOVEPAGE, static_cast<WPARAM>(nPage));
-    }
-    m_pages.RemoveAt(nPage);
-}
-
-int CPropertySheet::GetPageCount() const
-{
-    return static_cast<int>(m_pages.GetSize());
-}
-
 CPropertyPage* CPropertySheet::GetPage(int nPage) const
 {
     return m_pages.GetAt(nPage);
-}
-
-int CPropertySheet::GetPageIndex(const CPropertyPage* pPage) const
-{
-    for (int index = 0; index < GetPageCount(); ++index)
-    {
-        if (GetPage(index) == pPage)
-        {
-            return index;
-        }
-    }
-    return -1;
 }
 
 int CPropertySheet::GetActiveIndex() const
@@ -127,29 +84,9 @@ BOOL CPropertySheet::SetActivePage(int nPage)
     return Ask<BOOL>(PSM_SETCURSEL, nPage);
 }
 
-BOOL CPropertySheet::SetActivePage(CPropertyPage* pPage)
-{
-    const int index = GetPageIndex(pPage);
-    return index >= 0 && SetActivePage(index);
-}
-
 CTabCtrl* CPropertySheet::GetTabControl() const
 {
     return static_cast<CTabCtrl*>(CWnd::FromHandle(Ask<HWND>(PSM_GETTABCONTROL)));
-}
-
-void CPropertySheet::SetTitle(LPCTSTR lpszText, UINT nStyle)
-{
-    m_strCaption = lpszText;
-    if (m_hWnd != nullptr)
-    {
-        Ask(PSM_SETTITLE, nStyle, lpszText);
-    }
-}
-
-BOOL CPropertySheet::PressButton(int nButton)
-{
-    return PostMessage(PSM_PRESSBUTTON, static_cast<WPARAM>(nButton));
 }
 
 PROPSHEETPAGE CPropertySheet::Describe(const CPropertyPage& page)
@@ -162,7 +99,7 @@ PROPSHEETPAGE CPropertySheet::Describe(const CPropertyPage& page)
 void CPropertySheet::BuildPropPageArray()
 {
     m_pspages.clear();
-    for (int index = 0; index < GetPageCount(); ++index)
+    for (int index = 0; index < m_pages.GetSize(); ++index)
     {
         m_pspages.push_back(Describe(*GetPage(index)));
     }
@@ -288,11 +225,6 @@ void CPropertySheet::EndDialog(int nEndID)
 BOOL CPropertySheet::DestroyWindow()
 {
     return CWnd::DestroyWindow();
-}
-
-void CPropertySheet::MapDialogRect(LPRECT lpRect) const
-{
-    ::MapDialogRect(m_hWnd, lpRect);
 }
 
 // ---------------------------------------------------------------------------------------------------------

@@ -93,12 +93,6 @@ int CException::ReportError(UINT nType, UINT nMessageID)
 // ---------------------------------------------------------------------------------------------------------
 // The simple exceptions
 
-CSimpleException::CSimpleException() = default;
-
-CSimpleException::CSimpleException(BOOL bAutoDelete) : CException(bAutoDelete)
-{
-}
-
 CSimpleException::CSimpleException(BOOL bAutoDelete, UINT nResourceID)
     : CException(bAutoDelete), m_nResourceID(nResourceID)
 {

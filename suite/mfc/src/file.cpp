@@ -94,10 +94,6 @@ CFile::CFile() : m_hFile(hFileNull), m_bCloseOnDelete(FALSE)
 {
 }
 
-CFile::CFile(HANDLE hFile) : m_hFile(hFile), m_bCloseOnDelete(FALSE)
-{
-}
-
 CFile::CFile(LPCTSTR lpszFileName, UINT nOpenFlags) : CFile()
 {
     CFileException error;
@@ -211,16 +207,6 @@ ULONGLONG CFile::Seek(LONGLONG lOff, UINT nFrom)
     return static_cast<ULONGLONG>(position.QuadPart);
 }
 
-ULONGLONG CFile::SeekToEnd()
-{
-    return Seek(0, end);
-}
-
-void CFile::SeekToBegin()
-{
-    Seek(0, begin);
-}
-
 ULONGLONG CFile::GetPosition() const
 {
     LARGE_INTEGER position = {};
@@ -268,26 +254,6 @@ void CFile::UnlockRange(ULONGLONG dwPos, ULONGLONG dwCount)
     }
 }
 
-BOOL CFile::GetStatus(CFileStatus& rStatus) const
-{
-    rStatus = CFileStatus();
-    lstrcpynA(rStatus.m_szFullName, m_strFileName, MAX_PATH);
-    if (m_hFile == hFileNull)
-    {
-        return TRUE;
-    }
-    BY_HANDLE_FILE_INFORMATION info = {};
-    if (!GetFileInformationByHandle(m_hFile, &info))
-    {
-        return FALSE;
-    }
-    const WIN32_FILE_ATTRIBUTE_DATA data = {info.dwFileAttributes, info.ftCreationTime,
-                                            info.ftLastAccessTime, info.ftLastWriteTime,
-                                            info.nFileSizeHigh,    info.nFileSizeLow};
-    CopyStatus(rStatus, m_strFileName, data);
-    return TRUE;
-}
-
 BOOL CFile::GetStatus(LPCTSTR lpszFileName, CFileStatus& rStatus)
 {
     WIN32_FILE_ATTRIBUTE_DATA data = {};
@@ -298,43 +264,6 @@ BOOL CFile::GetStatus(LPCTSTR lpszFileName, CFileStatus& rStatus)
     }
     CopyStatus(rStatus, lpszFileName, data);
     return TRUE;
-}
-
-void CFile::SetStatus(LPCTSTR lpszFileName, const CFileStatus& status)
-{
-    const DWORD old = GetFileAttributesA(lpszFileName);
-    if (old == INVALID_FILE_ATTRIBUTES)
-    {
-        ThrowLastError(lpszFileName);
-    }
-    const DWORD attributes = status.m_attribute != 0 ? status.m_attribute : FILE_ATTRIBUTE_NORMAL;
-    // A read-only file takes no new time: the bit goes first when it is to go, and comes last otherwise.
-    if ((old & readOnly) != 0 &&
-        !SetFileAttributesA(lpszFileName, (attributes & ~static_cast<DWORD>(readOnly)) | archive))
-    {
-        ThrowLastError(lpszFileName);
-    }
-    if (status.m_mtime != CTime())
-    {
-        const ULONGLONG ticks =
-            (static_cast<ULONGLONG>(status.m_mtime.GetTime()) + 11644473600ULL) * 10000000ULL;
-        const FILETIME time = {static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32)};
-        const HANDLE file = CreateFileA(lpszFileName, FILE_WRITE_ATTRIBUTES, FILE_SHARE_READ, nullptr,
-                                        OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
-        if (file == INVALID_HANDLE_VALUE)
-        {
-            ThrowLastError(lpszFileName);
-        }
-        const std::unique_ptr<void, decltype(&CloseHandle)> owner(file, &CloseHandle);
-        if (!SetFileTime(file, nullptr, nullptr, &time))
-        {
-            ThrowLastError(lpszFileName);
-        }
-    }
-    if (!SetFileAttributesA(lpszFileName, attributes))
-    {
-        ThrowLastError(lpszFileName);
-    }
 }
 
 CString CFile::GetFileName() const
@@ -357,20 +286,4 @@ CString CFile::GetFilePath() const
 void CFile::SetFilePath(LPCTSTR lpszNewName)
 {
     m_strFileName = lpszNewName;
-}
-
-void CFile::Rename(LPCTSTR lpszOldName, LPCTSTR lpszNewName)
-{
-    if (!MoveFileA(lpszOldName, lpszNewName))
-    {
-        ThrowLastError(lpszOldName);
-    }
-}
-
-void CFile::Remove(LPCTSTR lpszFileName)
-{
-    if (!DeleteFileA(lpszFileName))
-    {
-        ThrowLastError(lpszFileName);
-    }
 }

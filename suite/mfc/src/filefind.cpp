@@ -50,12 +50,6 @@ BOOL CFileFind::FindNextFile()
     return m_bHaveNext;
 }
 
-ULONGLONG CFileFind::GetLength() const
-{
-    ENSURE(m_bHaveCurrent);
-    return static_cast<ULONGLONG>(m_current.nFileSizeHigh) << 32 | m_current.nFileSizeLow;
-}
-
 CString CFileFind::GetFileName() const
 {
     ENSURE(m_bHaveCurrent);
@@ -72,11 +66,6 @@ CString CFileFind::GetFileTitle() const
     const CString name = GetFileName();
     const int dot = name.ReverseFind('.');
     return dot > 0 ? name.Left(dot) : name;
-}
-
-CString CFileFind::GetRoot() const
-{
-    return m_strRoot;
 }
 
 BOOL CFileFind::GetLastWriteTime(FILETIME* pTimeStamp) const

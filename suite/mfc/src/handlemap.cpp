@@ -10,7 +10,6 @@ void CHandleMaps::DropSince(unsigned long long mark)
     menus.DropSince(mark);
     contexts.DropSince(mark);
     gdi.DropSince(mark);
-    imageLists.DropSince(mark);
 }
 
 CHandleMaps& AfxMaps()

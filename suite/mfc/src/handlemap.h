@@ -76,7 +76,6 @@ public:
     CHandleMap<CMenu, HMENU, &CMenu::m_hMenu> menus;
     CHandleMap<CDC, HDC, &CDC::m_hDC> contexts;
     CHandleMap<CGdiObject, HGDIOBJ, &CGdiObject::m_hObject> gdi;
-    CHandleMap<CImageList, HIMAGELIST, &CImageList::m_hImageList> imageLists;
 
     // The number of the next temporary object.
     unsigned long long NextSerial()

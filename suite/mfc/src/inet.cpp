@@ -242,7 +242,7 @@ CHttpConnection::CHttpConnection(HINTERNET hConnection, DWORD dwFlags, DWORD_PTR
 
 CHttpConnection::~CHttpConnection()
 {
-    CHttpConnection::Close();
+    CloseInet(m_hConnection);
 }
 
 CHttpFile* CHttpConnection::OpenRequest(int nVerb, LPCTSTR pstrObjectName, LPCTSTR pstrReferer, DWORD_PTR,
@@ -256,11 +256,6 @@ CHttpFile* CHttpConnection::OpenRequest(int nVerb, LPCTSTR pstrObjectName, LPCTS
     if (hFile == nullptr)
         AfxThrowInternetException(m_dwContext);
     return new CHttpFile(hFile, m_dwContext);
-}
-
-void CHttpConnection::Close()
-{
-    CloseInet(m_hConnection);
 }
 
 // ---------------------------------------------------------------------------------------------------------

@@ -1,7 +1,7 @@
 // CMenu.
 #include "handlemap.h"
 
-IMPLEMENT_DYNCREATE(CMenu, CObject)
+IMPLEMENT_DYNAMIC(CMenu, CObject)
 
 CMenu::~CMenu()
 {
@@ -16,16 +16,6 @@ CMenu* CMenu::FromHandle(HMENU hMenu)
     }
     CHandleMaps& maps = AfxMaps();
     return maps.menus.Find(hMenu, maps.NextSerial(), [] { return std::make_unique<CMenu>(); });
-}
-
-CMenu* CMenu::FromHandlePermanent(HMENU hMenu)
-{
-    return AfxMaps().menus.FindPermanent(hMenu);
-}
-
-void CMenu::DeleteTempMap()
-{
-    AfxMaps().DropSince(0);
 }
 
 BOOL CMenu::Attach(HMENU hMenu)
@@ -53,11 +43,6 @@ HMENU CMenu::Detach()
         m_hMenu = nullptr;
     }
     return handle;
-}
-
-BOOL CMenu::LoadMenu(LPCTSTR lpszResourceName)
-{
-    return Attach(::LoadMenu(AfxFindResourceHandle(lpszResourceName, RT_MENU), lpszResourceName));
 }
 
 BOOL CMenu::DestroyMenu()

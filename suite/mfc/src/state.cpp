@@ -255,11 +255,6 @@ HINSTANCE AfxGetResourceHandle()
     return AfxGetModuleState()->m_hCurrentResourceHandle;
 }
 
-void AfxSetResourceHandle(HINSTANCE hInstResource)
-{
-    AfxGetModuleState()->m_hCurrentResourceHandle = hInstResource;
-}
-
 HINSTANCE AfxFindResourceHandle(LPCTSTR lpszName, LPCTSTR lpszType)
 {
     const HINSTANCE found =

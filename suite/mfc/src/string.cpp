@@ -93,18 +93,8 @@ CString::CString(LPCSTR lpch, int nLength)
     SetString(lpch, nLength);
 }
 
-CString::CString(const unsigned char* psz) : CString(reinterpret_cast<LPCSTR>(psz))
-{
-}
-
 CString::CString(LPCWSTR lpsz) : m_str(FromWide(lpsz))
 {
-}
-
-CString::CString(LPCWSTR lpch, int nLength)
-{
-    ENSURE(nLength == 0 || (nLength > 0 && lpch != nullptr));
-    m_str = FromWide(lpch, nLength);
 }
 
 CString::CString(char ch, int nRepeat)
@@ -119,18 +109,6 @@ CString& CString::operator=(LPCSTR lpsz)
     return *this;
 }
 
-CString& CString::operator=(LPCWSTR lpsz)
-{
-    m_str = FromWide(lpsz);
-    return *this;
-}
-
-CString& CString::operator=(char ch)
-{
-    m_str.assign(1, ch);
-    return *this;
-}
-
 void CString::Empty()
 {
     std::string().swap(m_str);
@@ -141,17 +119,6 @@ char CString::GetAt(int nIndex) const
     // The terminator may be read too.
     ENSURE(nIndex >= 0 && nIndex <= GetLength());
     return m_str.c_str()[nIndex];
-}
-
-void CString::SetAt(int nIndex, char ch)
-{
-    ENSURE(nIndex >= 0 && nIndex < GetLength());
-    m_str[static_cast<std::size_t>(nIndex)] = ch;
-}
-
-void CString::SetString(LPCSTR lpsz)
-{
-    m_str = OrEmpty(lpsz);
 }
 
 void CString::SetString(LPCSTR lpsz, int nLength)
@@ -172,37 +139,10 @@ CString& CString::operator+=(LPCSTR lpsz)
     return *this;
 }
 
-CString& CString::operator+=(LPCWSTR lpsz)
-{
-    m_str += FromWide(lpsz);
-    return *this;
-}
-
 CString& CString::operator+=(char ch)
 {
     m_str += ch;
     return *this;
-}
-
-void CString::Append(LPCSTR lpsz)
-{
-    m_str += OrEmpty(lpsz);
-}
-
-void CString::Append(LPCSTR lpsz, int nLength)
-{
-    ENSURE(nLength == 0 || (nLength > 0 && lpsz != nullptr));
-    m_str.append(OrEmpty(lpsz), strnlen(OrEmpty(lpsz), static_cast<std::size_t>(nLength)));
-}
-
-void CString::Append(const CString& str)
-{
-    m_str += str.m_str;
-}
-
-void CString::AppendChar(char ch)
-{
-    m_str += ch;
 }
 
 int CString::Compare(LPCSTR lpsz) const
@@ -230,16 +170,6 @@ int CString::CompareNoCase(LPCSTR lpsz) const
         ++right;
     }
     return Sign(folded(*left) - folded(*right));
-}
-
-int CString::Collate(LPCSTR lpsz) const
-{
-    return Sign(lstrcmpA(m_str.c_str(), OrEmpty(lpsz)));
-}
-
-int CString::CollateNoCase(LPCSTR lpsz) const
-{
-    return Sign(lstrcmpiA(m_str.c_str(), OrEmpty(lpsz)));
 }
 
 CString CString::Mid(int nFirst) const
@@ -300,20 +230,9 @@ CString& CString::MakeLower()
     return *this;
 }
 
-CString& CString::MakeReverse()
-{
-    std::reverse(m_str.begin(), m_str.end());
-    return *this;
-}
-
 CString& CString::Trim()
 {
     return Trim(blanks);
-}
-
-CString& CString::Trim(char chTarget)
-{
-    return TrimRight(chTarget).TrimLeft(chTarget);
 }
 
 CString& CString::Trim(LPCSTR lpszTargets)
@@ -324,12 +243,6 @@ CString& CString::Trim(LPCSTR lpszTargets)
 CString& CString::TrimLeft()
 {
     return TrimLeft(blanks);
-}
-
-CString& CString::TrimLeft(char chTarget)
-{
-    m_str.erase(0, m_str.find_first_not_of(chTarget));
-    return *this;
 }
 
 CString& CString::TrimLeft(LPCSTR lpszTargets)
@@ -343,34 +256,10 @@ CString& CString::TrimRight()
     return TrimRight(blanks);
 }
 
-CString& CString::TrimRight(char chTarget)
-{
-    m_str.erase(m_str.find_last_not_of(chTarget) + 1);
-    return *this;
-}
-
 CString& CString::TrimRight(LPCSTR lpszTargets)
 {
     m_str.erase(m_str.find_last_not_of(OrEmpty(lpszTargets)) + 1);
     return *this;
-}
-
-int CString::Replace(char chOld, char chNew)
-{
-    if (chOld == chNew)
-    {
-        return 0;
-    }
-    int count = 0;
-    for (char& ch : m_str)
-    {
-        if (ch == chOld)
-        {
-            ch = chNew;
-            ++count;
-        }
-    }
-    return count;
 }
 
 int CString::Replace(LPCSTR lpszOld, LPCSTR lpszNew)
@@ -394,23 +283,6 @@ int CString::Replace(LPCSTR lpszOld, LPCSTR lpszNew)
         m_str.swap(result);
     }
     return count;
-}
-
-int CString::Remove(char chRemove)
-{
-    return static_cast<int>(std::erase(m_str, chRemove));
-}
-
-int CString::Insert(int nIndex, char ch)
-{
-    m_str.insert(static_cast<std::size_t>(std::clamp(nIndex, 0, GetLength())), 1, ch);
-    return GetLength();
-}
-
-int CString::Insert(int nIndex, LPCSTR psz)
-{
-    m_str.insert(static_cast<std::size_t>(std::clamp(nIndex, 0, GetLength())), OrEmpty(psz));
-    return GetLength();
 }
 
 int CString::Delete(int nIndex, int nCount)
@@ -474,27 +346,9 @@ void CString::AppendFormat(LPCSTR lpszFormat, ...)
     va_end(args);
 }
 
-void CString::AppendFormat(UINT nFormatID, ...)
-{
-    CString format;
-    ENSURE(format.LoadString(nFormatID));
-    va_list args;
-    va_start(args, nFormatID);
-    AppendFormatV(format, args);
-    va_end(args);
-}
-
 void CString::AppendFormatV(LPCSTR lpszFormat, va_list args)
 {
     m_str += FormatText(lpszFormat, args);
-}
-
-void CString::FormatMessage(LPCSTR lpszFormat, ...)
-{
-    va_list args;
-    va_start(args, lpszFormat);
-    FormatMessageV(lpszFormat, &args);
-    va_end(args);
 }
 
 void CString::FormatMessage(UINT nFormatID, ...)
@@ -573,39 +427,16 @@ LPSTR CString::GetBuffer(int nMinBufferLength)
     return m_str.data();
 }
 
-LPSTR CString::GetBufferSetLength(int nLength)
-{
-    ENSURE(nLength >= 0);
-    m_str.resize(static_cast<std::size_t>(nLength));
-    return m_str.data();
-}
-
 void CString::ReleaseBuffer(int nNewLength)
 {
     ENSURE(nNewLength <= GetLength());
     m_str.resize(nNewLength < 0 ? strlen(m_str.c_str()) : static_cast<std::size_t>(nNewLength));
 }
 
-void CString::ReleaseBufferSetLength(int nNewLength)
-{
-    ENSURE(nNewLength >= 0);
-    ReleaseBuffer(nNewLength);
-}
-
 void CString::Preallocate(int nLength)
 {
     ENSURE(nLength >= 0);
     m_str.reserve(static_cast<std::size_t>(nLength));
-}
-
-void CString::FreeExtra()
-{
-    m_str.shrink_to_fit();
-}
-
-int CString::GetAllocLength() const
-{
-    return static_cast<int>(m_str.capacity());
 }
 
 BSTR CString::AllocSysString() const
@@ -619,16 +450,6 @@ BSTR CString::AllocSysString() const
     }
     MultiByteToWideChar(CP_ACP, 0, m_str.c_str(), length, text, size);
     return text;
-}
-
-void CString::AnsiToOem()
-{
-    CharToOemBuffA(m_str.c_str(), m_str.data(), static_cast<DWORD>(m_str.length()));
-}
-
-void CString::OemToAnsi()
-{
-    OemToCharBuffA(m_str.c_str(), m_str.data(), static_cast<DWORD>(m_str.length()));
 }
 
 int CString::StringLength(LPCSTR psz)
@@ -656,20 +477,6 @@ CString operator+(LPCSTR lpsz1, const CString& str2)
 {
     CString result;
     result = lpsz1;
-    result += str2;
-    return result;
-}
-
-CString operator+(const CString& str1, char ch2)
-{
-    CString result(str1);
-    result += ch2;
-    return result;
-}
-
-CString operator+(char ch1, const CString& str2)
-{
-    CString result(ch1);
     result += str2;
     return result;
 }

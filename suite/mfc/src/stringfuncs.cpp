@@ -3,15 +3,6 @@
 
 #include <cstring>
 
-int AfxLoadString(UINT nIDS, LPTSTR lpszBuf, UINT nMaxBuf)
-{
-    ENSURE(lpszBuf != nullptr && nMaxBuf > 0);
-    CString text;
-    text.LoadString(nIDS);
-    lstrcpynA(lpszBuf, text, static_cast<int>(nMaxBuf));
-    return lstrlenA(lpszBuf);
-}
-
 void AfxFormatStrings(CString& rString, LPCTSTR lpszFormat, LPCTSTR const* rglpsz, int nString)
 {
     CString result;
@@ -42,19 +33,6 @@ void AfxFormatString1(CString& rString, UINT nIDS, LPCTSTR lpsz1)
     CString format;
     VERIFY(format.LoadString(nIDS));
     AfxFormatString1(rString, format, lpsz1);
-}
-
-void AfxFormatString2(CString& rString, LPCTSTR lpszFormat, LPCTSTR lpsz1, LPCTSTR lpsz2)
-{
-    const LPCTSTR arguments[] = {lpsz1, lpsz2};
-    AfxFormatStrings(rString, lpszFormat, arguments, 2);
-}
-
-void AfxFormatString2(CString& rString, UINT nIDS, LPCTSTR lpsz1, LPCTSTR lpsz2)
-{
-    CString format;
-    VERIFY(format.LoadString(nIDS));
-    AfxFormatString2(rString, format, lpsz1, lpsz2);
 }
 
 BOOL AfxExtractSubString(CString& rString, LPCTSTR lpszFullString, int iSubString, TCHAR chSep)

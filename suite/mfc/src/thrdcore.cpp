@@ -162,63 +162,14 @@ BOOL CWinThread::CreateThread(DWORD dwCreateFlags, UINT nStackSize, LPSECURITY_A
     return AfxThreadAccess::Create(*this, dwCreateFlags, nStackSize, lpSecurityAttrs, THREAD_PRIORITY_NORMAL);
 }
 
-namespace
-{
-// A thread that runs deletes its object; one that could not be made takes it along here.
-CWinThread* AfxStartThread(std::unique_ptr<CWinThread> owner, int priority, UINT stackSize, DWORD flags,
-                           LPSECURITY_ATTRIBUTES security)
-{
-    CWinThread* thread = owner.get();
-    if (!AfxThreadAccess::Create(*thread, flags, stackSize, security, priority))
-    {
-        return nullptr;
-    }
-    static_cast<void>(owner.release()); // the thread deletes it when it ends
-    return thread;
-}
-} // namespace
-
-CWinThread* AfxBeginThread(AFX_THREADPROC pfnThreadProc, LPVOID pParam, int nPriority, UINT nStackSize,
-                           DWORD dwCreateFlags, LPSECURITY_ATTRIBUTES lpSecurityAttrs)
-{
-    auto thread = std::make_unique<CWinThread>(pfnThreadProc, pParam);
-    return AfxStartThread(std::move(thread), nPriority, nStackSize, dwCreateFlags, lpSecurityAttrs);
-}
-
-CWinThread* AfxBeginThread(CRuntimeClass* pThreadClass, int nPriority, UINT nStackSize, DWORD dwCreateFlags,
-                           LPSECURITY_ATTRIBUTES lpSecurityAttrs)
-{
-    std::unique_ptr<CWinThread> thread(static_cast<CWinThread*>(pThreadClass->CreateObject()));
-    if (!thread)
-    {
-        return nullptr;
-    }
-    return AfxStartThread(std::move(thread), nPriority, nStackSize, dwCreateFlags, lpSecurityAttrs);
-}
-
-int CWinThread::GetThreadPriority()
-{
-    return ::GetThreadPriority(m_hThread);
-}
-
 BOOL CWinThread::SetThreadPriority(int nPriority)
 {
     return ::SetThreadPriority(m_hThread, nPriority);
 }
 
-DWORD CWinThread::SuspendThread()
-{
-    return ::SuspendThread(m_hThread);
-}
-
 DWORD CWinThread::ResumeThread()
 {
     return ::ResumeThread(m_hThread);
-}
-
-BOOL CWinThread::PostThreadMessage(UINT message, WPARAM wParam, LPARAM lParam)
-{
-    return ::PostThreadMessage(m_nThreadID, message, wParam, lParam);
 }
 
 void CWinThread::Delete()

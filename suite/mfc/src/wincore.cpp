@@ -3,30 +3,17 @@
 #include "handlemap.h"
 #include "msgmap.h"
 
-IMPLEMENT_DYNCREATE(CWnd, CCmdTarget)
-
-const CWnd wndTop(HWND_TOP);
-const CWnd wndBottom(HWND_BOTTOM);
-const CWnd wndTopMost(HWND_TOPMOST);
-const CWnd wndNoTopMost(HWND_NOTOPMOST);
+IMPLEMENT_DYNAMIC(CWnd, CCmdTarget)
 
 BEGIN_MESSAGE_MAP(CWnd, CCmdTarget)
-ON_WM_COMPAREITEM()
 ON_WM_MEASUREITEM()
 ON_WM_DRAWITEM()
-ON_WM_DELETEITEM()
 ON_WM_CTLCOLOR()
 ON_WM_NCDESTROY()
 ON_WM_PARENTNOTIFY()
-ON_WM_HSCROLL()
-ON_WM_VSCROLL()
 END_MESSAGE_MAP()
 
 CWnd::CWnd() = default;
-
-CWnd::CWnd(HWND hWnd) : m_hWnd(hWnd)
-{
-}
 
 CWnd::~CWnd()
 {
@@ -53,11 +40,6 @@ CWnd* CWnd::FromHandle(HWND hWnd)
 CWnd* CWnd::FromHandlePermanent(HWND hWnd)
 {
     return hWnd != nullptr ? AfxMaps().windows.FindPermanent(hWnd) : nullptr;
-}
-
-void CWnd::DeleteTempMap()
-{
-    AfxMaps().DropSince(0);
 }
 
 BOOL CWnd::Attach(HWND hWndNew)
@@ -109,17 +91,6 @@ BOOL CWnd::SubclassWindow(HWND hWnd)
 BOOL CWnd::SubclassDlgItem(UINT nID, CWnd* pParent)
 {
     return SubclassWindow(::GetDlgItem(pParent->m_hWnd, static_cast<int>(nID)));
-}
-
-HWND CWnd::UnsubclassWindow()
-{
-    WNDPROC* previous = GetSuperWndProcAddr();
-    if (m_hWnd != nullptr && *previous != nullptr)
-    {
-        ::SetWindowLongPtr(m_hWnd, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(*previous));
-        *previous = nullptr;
-    }
-    return Detach();
 }
 
 // ---------------------------------------------------------------------------------------------------------
@@ -232,7 +203,6 @@ void CWnd::OnNcDestroy()
         *previous = nullptr;
     }
     Detach();
-    m_hWndOwner = nullptr;
     m_bContinueModal = false;
     PostNcDestroy(); // may delete this
 }

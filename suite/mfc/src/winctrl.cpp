@@ -6,23 +6,9 @@ IMPLEMENT_DYNAMIC(CButton, CWnd)
 IMPLEMENT_DYNAMIC(CEdit, CWnd)
 IMPLEMENT_DYNAMIC(CListBox, CWnd)
 IMPLEMENT_DYNAMIC(CComboBox, CWnd)
-IMPLEMENT_DYNAMIC(CScrollBar, CWnd)
 
 namespace
 {
-// From the system code page.
-std::wstring Wide(LPCTSTR text)
-{
-    if (text == nullptr)
-    {
-        return {};
-    }
-    const int length = ::MultiByteToWideChar(CP_ACP, 0, text, -1, nullptr, 0);
-    std::wstring wide(static_cast<std::size_t>(length > 0 ? length : 1), L'\0');
-    ::MultiByteToWideChar(CP_ACP, 0, text, -1, wide.data(), length);
-    return wide;
-}
-
 // The text of a list's item, of which its length is known, or an error.
 template <class Read> void ReadItem(int length, CString& text, const Read& read)
 {
@@ -64,18 +50,6 @@ BOOL CButton::OnChildNotify(UINT message, WPARAM wParam, LPARAM lParam, LRESULT*
     return TRUE;
 }
 
-BOOL CEdit::Create(DWORD dwStyle, const RECT& rect, CWnd* pParentWnd, UINT nID)
-{
-    return CWnd::Create("EDIT", nullptr, dwStyle, rect, pParentWnd, nID);
-}
-
-int CEdit::GetLine(int nIndex, LPTSTR lpszBuffer, int nMaxLength) const
-{
-    ENSURE(lpszBuffer != nullptr && nMaxLength >= static_cast<int>(sizeof(WORD)));
-    *reinterpret_cast<WORD*>(lpszBuffer) = static_cast<WORD>(nMaxLength);
-    return Ask(EM_GETLINE, nIndex, lpszBuffer);
-}
-
 void CEdit::SetSel(int nStartChar, int nEndChar, BOOL bNoScroll)
 {
     Ask(EM_SETSEL, nStartChar, nEndChar);
@@ -83,25 +57,6 @@ void CEdit::SetSel(int nStartChar, int nEndChar, BOOL bNoScroll)
     {
         Ask(EM_SCROLLCARET);
     }
-}
-
-BOOL CEdit::SetCueBanner(LPCTSTR lpszText, BOOL fDrawIfFocused)
-{
-    const std::wstring text = Wide(lpszText);
-    return Ask<BOOL>(EM_SETCUEBANNER, fDrawIfFocused, text.c_str());
-}
-
-BOOL CEdit::ShowBalloonTip(LPCTSTR lpszTitle, LPCTSTR lpszText, INT ttiIcon)
-{
-    const std::wstring title = Wide(lpszTitle);
-    const std::wstring text = Wide(lpszText);
-    EDITBALLOONTIP tip{sizeof(EDITBALLOONTIP), title.c_str(), text.c_str(), ttiIcon};
-    return Ask<BOOL>(EM_SHOWBALLOONTIP, 0, &tip);
-}
-
-BOOL CListBox::Create(DWORD dwStyle, const RECT& rect, CWnd* pParentWnd, UINT nID)
-{
-    return CWnd::Create("LISTBOX", nullptr, dwStyle, rect, pParentWnd, nID);
 }
 
 void CListBox::GetText(int nIndex, CString& rString) const
@@ -117,9 +72,4 @@ BOOL CComboBox::Create(DWORD dwStyle, const RECT& rect, CWnd* pParentWnd, UINT n
 void CComboBox::GetLBText(int nIndex, CString& rString) const
 {
     ReadItem(GetLBTextLen(nIndex), rString, [&](LPTSTR buffer) { GetLBText(nIndex, buffer); });
-}
-
-BOOL CScrollBar::Create(DWORD dwStyle, const RECT& rect, CWnd* pParentWnd, UINT nID)
-{
-    return CWnd::Create("SCROLLBAR", nullptr, dwStyle, rect, pParentWnd, nID);
 }

@@ -2,7 +2,7 @@
 #include "suite/mfc/afxcmn.h"
 #include "suite/mfc/afxpriv.h"
 
-IMPLEMENT_DYNCREATE(CFrameWnd, CWnd)
+IMPLEMENT_DYNAMIC(CFrameWnd, CWnd)
 
 const CRect CFrameWnd::rectDefault(CW_USEDEFAULT, CW_USEDEFAULT, 0, 0);
 

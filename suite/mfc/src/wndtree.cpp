@@ -17,61 +17,6 @@ CWnd* CWnd::GetTopLevelParent() const
     return FromHandle(top);
 }
 
-CWnd* CWnd::GetParentOwner() const
-{
-    HWND wnd = m_hWnd;
-    while (wnd != nullptr && (::GetWindowLongPtr(wnd, GWL_STYLE) & WS_CHILD) != 0)
-    {
-        wnd = ::GetParent(wnd);
-    }
-    return FromHandle(wnd);
-}
-
-CFrameWnd* CWnd::GetParentFrame() const
-{
-    for (HWND wnd = ::GetParent(m_hWnd); wnd != nullptr; wnd = ::GetParent(wnd))
-    {
-        if (auto* frame = dynamic_cast<CFrameWnd*>(FromHandlePermanent(wnd)))
-        {
-            return frame;
-        }
-    }
-    return nullptr;
-}
-
-CFrameWnd* CWnd::GetTopLevelFrame() const
-{
-    CFrameWnd* top = nullptr;
-    for (HWND wnd = m_hWnd; wnd != nullptr; wnd = ::GetParent(wnd))
-    {
-        if (auto* frame = dynamic_cast<CFrameWnd*>(FromHandlePermanent(wnd)))
-        {
-            top = frame;
-        }
-    }
-    return top;
-}
-
-CWnd* CWnd::GetDescendantWindow(int nID, BOOL bOnlyPerm) const
-{
-    if (HWND direct = ::GetDlgItem(m_hWnd, nID))
-    {
-        CWnd* permanent = FromHandlePermanent(direct);
-        if (permanent != nullptr || !bOnlyPerm)
-        {
-            return permanent != nullptr ? permanent : FromHandle(direct);
-        }
-    }
-    for (HWND child = ::GetTopWindow(m_hWnd); child != nullptr; child = ::GetWindow(child, GW_HWNDNEXT))
-    {
-        if (CWnd* found = FromHandle(child)->GetDescendantWindow(nID, bOnlyPerm))
-        {
-            return found;
-        }
-    }
-    return nullptr;
-}
-
 void CWnd::SendMessageToDescendants(UINT message, WPARAM wParam, LPARAM lParam, BOOL bDeep, BOOL bOnlyPerm)
 {
     HWND next = nullptr;
@@ -191,11 +136,6 @@ int CWnd::GetCheckedRadioButton(int nIDFirstButton, int nIDLastButton) const
 int CWnd::MessageBox(LPCTSTR lpszText, LPCTSTR lpszCaption, UINT nType)
 {
     return ::MessageBox(m_hWnd, lpszText, lpszCaption != nullptr ? lpszCaption : AfxGetAppName(), nType);
-}
-
-void CWnd::EnableToolTips(BOOL)
-{
-    // Tool tips are shown by the CToolTipCtrl of the window that has them.
 }
 
 // ---------------------------------------------------------------------------------------------------------

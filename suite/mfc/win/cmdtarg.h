@@ -29,10 +29,6 @@ public:
     // Finds and calls the handler of a command, notification or update; TRUE when there was one.
     virtual BOOL OnCmdMsg(UINT nID, int nCode, void* pExtra, AFX_CMDHANDLERINFO* pHandlerInfo);
 
-    void BeginWaitCursor();
-    void EndWaitCursor();
-    void RestoreWaitCursor();
-
 protected:
     static const AFX_MSGMAP* GetThisMessageMap();
     virtual const AFX_MSGMAP* GetMessageMap() const;
@@ -60,11 +56,6 @@ public:
     virtual void SetCheck(int nCheck = 1); // 0, 1 or 2 (indeterminate)
     virtual void SetRadio(BOOL bOn = TRUE);
     virtual void SetText(LPCTSTR lpszText);
-    // Lets the next target of the route answer too.
-    void ContinueRouting()
-    {
-        m_bContinueRouting = TRUE;
-    }
     // Asks the target; with bDisableIfNoHndler, what nobody handles is disabled. TRUE when it was handled.
     BOOL DoUpdate(CCmdTarget* pTarget, BOOL bDisableIfNoHndler);
 };
@@ -77,5 +68,4 @@ public:
     ~CWaitCursor();
     CWaitCursor(const CWaitCursor&) = delete;
     CWaitCursor& operator=(const CWaitCursor&) = delete;
-    void Restore();
 };

@@ -9,32 +9,20 @@ class AFX_DLL_CLASS CDialog : public CWnd
 public:
     CDialog();
     explicit CDialog(UINT nIDTemplate, CWnd* pParentWnd = nullptr);
-    explicit CDialog(LPCTSTR lpszTemplateName, CWnd* pParentWnd = nullptr);
     ~CDialog() override;
 
     using CWnd::Create;
     // Modeless.
     BOOL Create(UINT nIDTemplate, CWnd* pParentWnd = nullptr);
     virtual BOOL Create(LPCTSTR lpszTemplateName, CWnd* pParentWnd = nullptr);
-    BOOL CreateIndirect(LPCDLGTEMPLATE lpDialogTemplate, CWnd* pParentWnd = nullptr);
-    // For DoModal with a template in memory, which must outlive it.
-    BOOL InitModalIndirect(LPCDLGTEMPLATE lpDialogTemplate, CWnd* pParentWnd = nullptr);
 
     // Answers what EndDialog was given, or -1 when the dialog could not be made or initialised.
     virtual INT_PTR DoModal();
     void EndDialog(int nResult);
 
-    void NextDlgCtrl() const;
-    void PrevDlgCtrl() const;
     void GotoDlgCtrl(CWnd* pWndCtrl);
     // From dialog units to pixels.
     void MapDialogRect(LPRECT lpRect) const;
-    void SetDefID(UINT nID);
-    DWORD GetDefID() const;
-    void SetHelpID(UINT nIDR)
-    {
-        m_nIDHelp = nIDR;
-    }
 
     // FALSE when the handler set the focus itself. An exception ends the dialog with -1.
     virtual BOOL OnInitDialog();

@@ -5,14 +5,12 @@ struct CCreateContext
 {
 };
 
-#define FWS_ADDTOTITLE 0x00008000L
-
 // Deletes itself when its window is gone. Menu items and tool bar buttons are updated through command
 // routing: the frame, then the application object. When the main window of a program closes, the program
 // ends.
 class AFX_DLL_CLASS CFrameWnd : public CWnd
 {
-    DECLARE_DYNCREATE(CFrameWnd)
+    DECLARE_DYNAMIC(CFrameWnd)
 public:
     CFrameWnd();
     ~CFrameWnd() override;

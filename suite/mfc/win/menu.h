@@ -4,16 +4,12 @@
 // Owns its menu unless it came from FromHandle. Used by the thread that made it.
 class AFX_DLL_CLASS CMenu : public CObject
 {
-    DECLARE_DYNCREATE(CMenu)
+    DECLARE_DYNAMIC(CMenu)
 public:
     CMenu() = default;
     ~CMenu() override;
 
     HMENU m_hMenu = nullptr;
-    HMENU GetSafeHmenu() const
-    {
-        return m_hMenu;
-    }
     operator HMENU() const
     {
         return m_hMenu;
@@ -22,21 +18,10 @@ public:
     BOOL Attach(HMENU hMenu);
     HMENU Detach();
     static CMenu* FromHandle(HMENU hMenu);
-    static CMenu* FromHandlePermanent(HMENU hMenu);
-    static void DeleteTempMap();
 
-    BOOL CreateMenu()
-    {
-        return Attach(::CreateMenu());
-    }
     BOOL CreatePopupMenu()
     {
         return Attach(::CreatePopupMenu());
-    }
-    BOOL LoadMenu(LPCTSTR lpszResourceName);
-    BOOL LoadMenu(UINT nIDResource)
-    {
-        return LoadMenu(MAKEINTRESOURCE(nIDResource));
     }
     BOOL DestroyMenu();
 
@@ -52,29 +37,13 @@ public:
     {
         return ::ModifyMenu(m_hMenu, nPosition, nFlags, nIDNewItem, lpszNewItem);
     }
-    BOOL DeleteMenu(UINT nPosition, UINT nFlags)
-    {
-        return ::DeleteMenu(m_hMenu, nPosition, nFlags);
-    }
-    BOOL RemoveMenu(UINT nPosition, UINT nFlags)
-    {
-        return ::RemoveMenu(m_hMenu, nPosition, nFlags);
-    }
     UINT CheckMenuItem(UINT nIDCheckItem, UINT nCheck)
     {
         return ::CheckMenuItem(m_hMenu, nIDCheckItem, nCheck);
     }
-    BOOL CheckMenuRadioItem(UINT nIDFirst, UINT nIDLast, UINT nIDItem, UINT nFlags)
-    {
-        return ::CheckMenuRadioItem(m_hMenu, nIDFirst, nIDLast, nIDItem, nFlags);
-    }
     BOOL EnableMenuItem(UINT nIDEnableItem, UINT nEnable)
     {
         return ::EnableMenuItem(m_hMenu, nIDEnableItem, nEnable);
-    }
-    BOOL SetDefaultItem(UINT uItem, BOOL fByPos = FALSE)
-    {
-        return ::SetMenuDefaultItem(m_hMenu, uItem, fByPos);
     }
     int GetMenuItemCount() const
     {
@@ -91,10 +60,6 @@ public:
     BOOL GetMenuItemInfo(UINT uItem, LPMENUITEMINFO lpMenuItemInfo, BOOL fByPos = FALSE)
     {
         return ::GetMenuItemInfo(m_hMenu, uItem, fByPos, lpMenuItemInfo);
-    }
-    int GetMenuString(UINT nIDItem, LPTSTR lpString, int nMaxCount, UINT nFlags) const
-    {
-        return ::GetMenuString(m_hMenu, nIDItem, lpString, nMaxCount, nFlags);
     }
     // The whole text, of any length; answers its length.
     int GetMenuString(UINT nIDItem, CString& rString, UINT nFlags) const;

@@ -3,13 +3,14 @@
 
 using AFX_THREADPROC = UINT (*)(LPVOID);
 
-// A thread of the framework. One with a runtime class runs InitInstance, then a message loop, then
-// ExitInstance, all on the new thread. The object is deleted by its thread when m_bAutoDelete is set.
+// A thread of the framework: runs InitInstance, then a message loop, then ExitInstance, all on the new
+// thread. The object is deleted by its thread when m_bAutoDelete is set.
 class AFX_DLL_CLASS CWinThread : public CCmdTarget
 {
     DECLARE_DYNAMIC(CWinThread)
 public:
     CWinThread();
+    // A thread that runs the function alone, without a message loop; its result is the exit code.
     CWinThread(AFX_THREADPROC pfnThreadProc, LPVOID pParam);
     ~CWinThread() override;
 
@@ -25,11 +26,8 @@ public:
     // Starts the thread; returns when it has begun to run. It runs in the caller's module state.
     BOOL CreateThread(DWORD dwCreateFlags = 0, UINT nStackSize = 0,
                       LPSECURITY_ATTRIBUTES lpSecurityAttrs = nullptr);
-    int GetThreadPriority();
     BOOL SetThreadPriority(int nPriority);
-    DWORD SuspendThread();
     DWORD ResumeThread();
-    BOOL PostThreadMessage(UINT message, WPARAM wParam, LPARAM lParam);
 
     virtual BOOL InitInstance(); // FALSE: the thread ends
     virtual int Run();
@@ -79,10 +77,6 @@ public:
 
     HICON LoadIcon(LPCTSTR lpszResourceName) const;
     HICON LoadIcon(UINT nIDResource) const;
-    HICON LoadStandardIcon(LPCTSTR lpszIconName) const;
-    HCURSOR LoadCursor(LPCTSTR lpszResourceName) const;
-    HCURSOR LoadCursor(UINT nIDResource) const;
-    HCURSOR LoadStandardCursor(LPCTSTR lpszCursorName) const;
 
     // What AfxMessageBox shows.
     virtual int DoMessageBox(LPCTSTR lpszPrompt, UINT nType, UINT nIDPrompt);
@@ -100,15 +94,6 @@ private:
     CString m_strAppName;
     CString m_strExeName;
 };
-
-AFX_DLL_API CWinThread* AfxBeginThread(AFX_THREADPROC pfnThreadProc, LPVOID pParam,
-                                       int nPriority = THREAD_PRIORITY_NORMAL, UINT nStackSize = 0,
-                                       DWORD dwCreateFlags = 0,
-                                       LPSECURITY_ATTRIBUTES lpSecurityAttrs = nullptr);
-// Null when the thread could not be made; its InitInstance runs on the new thread.
-AFX_DLL_API CWinThread* AfxBeginThread(CRuntimeClass* pThreadClass, int nPriority = THREAD_PRIORITY_NORMAL,
-                                       UINT nStackSize = 0, DWORD dwCreateFlags = 0,
-                                       LPSECURITY_ATTRIBUTES lpSecurityAttrs = nullptr);
 
 AFX_DLL_API CWinThread* AfxGetThread();
 AFX_DLL_API CWinApp* AfxGetApp();

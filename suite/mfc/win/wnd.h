@@ -1,21 +1,16 @@
 // CWnd: a window. Included through afxwin.h.
 #pragma once
 
-#undef GetNextWindow // a macro for GetWindow that takes the member's name
-
 class CDataExchange;
 class CFrameWnd;
-class CScrollBar;
 
 // A window object belongs to the thread that made it or first met its handle; another thread passes handles.
 // Destroying the object destroys the window, unless the object came from FromHandle.
 class AFX_DLL_CLASS CWnd : public CCmdTarget
 {
-    DECLARE_DYNCREATE(CWnd)
+    DECLARE_DYNAMIC(CWnd)
 public:
     CWnd();
-    // Only for the places in the order of windows, such as wndTop.
-    explicit CWnd(HWND hWnd);
     ~CWnd() override;
 
     HWND m_hWnd = nullptr;
@@ -40,13 +35,11 @@ public:
     // The object of a handle: the program's own, or a temporary one that lives until the thread is idle.
     static CWnd* FromHandle(HWND hWnd);
     static CWnd* FromHandlePermanent(HWND hWnd);
-    static void DeleteTempMap();
     BOOL Attach(HWND hWndNew);
     HWND Detach();
     virtual void PreSubclassWindow();
     BOOL SubclassWindow(HWND hWnd);
     BOOL SubclassDlgItem(UINT nID, CWnd* pParent);
-    HWND UnsubclassWindow();
 
     virtual BOOL Create(LPCTSTR lpszClassName, LPCTSTR lpszWindowName, DWORD dwStyle, const RECT& rect,
                         CWnd* pParentWnd, UINT nID, void* pContext = nullptr);
@@ -60,7 +53,6 @@ public:
     // Messages
     LRESULT SendMessage(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const;
     BOOL PostMessage(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const;
-    BOOL SendNotifyMessage(UINT message, WPARAM wParam, LPARAM lParam) const;
     void SendMessageToDescendants(UINT message, WPARAM wParam = 0, LPARAM lParam = 0, BOOL bDeep = TRUE,
                                   BOOL bOnlyPerm = FALSE);
     // SendMessage with arguments and result of any integral or pointer type, for wrappers of controls.
@@ -76,7 +68,6 @@ public:
 
     // Text and font
     void SetWindowText(LPCTSTR lpszString);
-    int GetWindowText(LPTSTR lpszStringBuf, int nMaxCount) const;
     void GetWindowText(CString& rString) const;
     int GetWindowTextLength() const;
     void SetFont(CFont* pFont, BOOL bRedraw = TRUE);
@@ -88,90 +79,43 @@ public:
     void MoveWindow(int x, int y, int nWidth, int nHeight, BOOL bRepaint = TRUE);
     void MoveWindow(LPCRECT lpRect, BOOL bRepaint = TRUE);
     BOOL SetWindowPos(const CWnd* pWndInsertAfter, int x, int y, int cx, int cy, UINT nFlags);
-    void BringWindowToTop();
     void GetWindowRect(LPRECT lpRect) const;
     void GetClientRect(LPRECT lpRect) const;
-    BOOL GetWindowPlacement(WINDOWPLACEMENT* lpwndpl) const;
-    BOOL SetWindowPlacement(const WINDOWPLACEMENT* lpwndpl);
     // Over the alternate window, else the owner, else the screen's work area; kept on one monitor.
     void CenterWindow(CWnd* pAlternateOwner = nullptr);
     void ClientToScreen(LPPOINT lpPoint) const;
-    void ClientToScreen(LPRECT lpRect) const;
     void ScreenToClient(LPPOINT lpPoint) const;
     void ScreenToClient(LPRECT lpRect) const;
     void MapWindowPoints(CWnd* pwndTo, LPPOINT lpPoint, UINT nCount) const;
-    void MapWindowPoints(CWnd* pwndTo, LPRECT lpRect) const;
 
     // Painting
-    CDC* GetDC();
-    CDC* GetWindowDC();
-    int ReleaseDC(CDC* pDC);
     void UpdateWindow();
     void SetRedraw(BOOL bRedraw = TRUE);
     void Invalidate(BOOL bErase = TRUE);
     void InvalidateRect(LPCRECT lpRect, BOOL bErase = TRUE);
-    void ValidateRect(LPCRECT lpRect);
     BOOL ShowWindow(int nCmdShow);
     BOOL IsWindowVisible() const;
-    BOOL RedrawWindow(LPCRECT lpRectUpdate = nullptr, CRgn* prgnUpdate = nullptr,
-                      UINT flags = RDW_INVALIDATE | RDW_UPDATENOW | RDW_ERASE);
-    int ScrollWindowEx(int dx, int dy, LPCRECT lpRectScroll, LPCRECT lpRectClip, CRgn* prgnUpdate,
-                       LPRECT lpRectUpdate, UINT flags);
 
     // State, focus, mouse, timers
     BOOL IsWindowEnabled() const;
     BOOL EnableWindow(BOOL bEnable = TRUE);
     static CWnd* GetActiveWindow();
-    CWnd* SetActiveWindow();
-    static CWnd* GetForegroundWindow();
     BOOL SetForegroundWindow();
-    static CWnd* GetFocus();
     CWnd* SetFocus();
     static CWnd* GetCapture();
     CWnd* SetCapture();
-    static CWnd* GetDesktopWindow();
     UINT_PTR SetTimer(UINT_PTR nIDEvent, UINT nElapse, TIMERPROC lpfnTimer = nullptr);
     BOOL KillTimer(UINT_PTR nIDEvent);
-    void DragAcceptFiles(BOOL bAccept = TRUE);
-    HICON SetIcon(HICON hIcon, BOOL bBigIcon);
-    HICON GetIcon(BOOL bBigIcon) const;
-    BOOL FlashWindow(BOOL bInvert);
-
-    // Scroll bars
-    BOOL GetScrollInfo(int nBar, LPSCROLLINFO lpScrollInfo, UINT nMask = SIF_ALL);
-    BOOL SetScrollInfo(int nBar, LPSCROLLINFO lpScrollInfo, BOOL bRedraw = TRUE);
-    int GetScrollPos(int nBar) const;
-    int SetScrollPos(int nBar, int nPos, BOOL bRedraw = TRUE);
-    void ShowScrollBar(UINT nBar, BOOL bShow = TRUE);
 
     // Menus
     CMenu* GetMenu() const;
-    BOOL SetMenu(CMenu* pMenu);
-    void DrawMenuBar();
     CMenu* GetSystemMenu(BOOL bRevert) const;
 
     // Relatives
     CWnd* GetDlgItem(int nID) const;
     int GetDlgCtrlID() const;
-    int SetDlgCtrlID(int nID);
-    CWnd* GetNextWindow(UINT nFlag = GW_HWNDNEXT) const;
-    CWnd* GetTopWindow() const;
-    CWnd* GetWindow(UINT nCmd) const;
-    CWnd* GetLastActivePopup() const;
-    BOOL IsChild(const CWnd* pWnd) const;
     CWnd* GetParent() const;
-    CWnd* SetParent(CWnd* pWndNewParent);
-    CWnd* GetOwner() const;
-    void SetOwner(CWnd* pOwnerWnd);
     CWnd* GetTopLevelParent() const;
-    CFrameWnd* GetParentFrame() const;
-    CFrameWnd* GetTopLevelFrame() const;
-    CWnd* GetParentOwner() const;
-    // Any descendant with this id; with bOnlyPerm, only a window with an object of its own.
-    CWnd* GetDescendantWindow(int nID, BOOL bOnlyPerm = FALSE) const;
-    static CWnd* WindowFromPoint(POINT point);
-    CWnd* ChildWindowFromPoint(POINT point) const;
-    static CWnd* FindWindow(LPCTSTR lpszClassName, LPCTSTR lpszWindowName);
     // The window that should own a new dialog or message box: a top-level one, never a child.
     static CWnd* GetSafeOwner(CWnd* pParent = nullptr, HWND* pWndTop = nullptr);
 
@@ -180,20 +124,14 @@ public:
     void CheckRadioButton(int nIDFirstButton, int nIDLastButton, int nIDCheckButton);
     int GetCheckedRadioButton(int nIDFirstButton, int nIDLastButton) const;
     UINT IsDlgButtonChecked(int nIDButton) const;
-    UINT GetDlgItemInt(int nID, BOOL* lpTrans = nullptr, BOOL bSigned = TRUE) const;
-    int GetDlgItemText(int nID, LPTSTR lpStr, int nMaxCount) const;
     int GetDlgItemText(int nID, CString& rString) const;
-    void SetDlgItemInt(int nID, UINT nValue, BOOL bSigned = TRUE);
     void SetDlgItemText(int nID, LPCTSTR lpszString);
-    CWnd* GetNextDlgGroupItem(CWnd* pWndCtl, BOOL bPrevious = FALSE) const;
-    CWnd* GetNextDlgTabItem(CWnd* pWndCtl, BOOL bPrevious = FALSE) const;
     BOOL IsDialogMessage(LPMSG lpMsg);
     // Controls to members (TRUE) or members to controls (FALSE); FALSE when a validation failed.
     BOOL UpdateData(BOOL bSaveAndValidate = TRUE);
     // Asks the target for the state of every control's command.
     void UpdateDialogControls(CCmdTarget* pTarget, BOOL bDisableIfNoHndler);
     int MessageBox(LPCTSTR lpszText, LPCTSTR lpszCaption = nullptr, UINT nType = MB_OK);
-    void EnableToolTips(BOOL bEnable = TRUE);
 
     // Modal loops: RunModalLoop answers what EndModalLoop was given, -1 when the program is ending.
     int RunModalLoop(DWORD dwFlags = 0);
@@ -230,77 +168,28 @@ protected:
     // The default of every ON_WM_ handler: Default(), after letting the control itself answer where messages
     // are reflected.
     afx_msg void OnActivate(UINT nState, CWnd* pWndOther, BOOL bMinimized);
-    afx_msg void OnCancelMode();
-    afx_msg void OnCaptureChanged(CWnd* pWnd);
-    afx_msg void OnChar(UINT nChar, UINT nRepCnt, UINT nFlags);
-    afx_msg void OnClose();
-    afx_msg int OnCompareItem(int nIDCtl, LPCOMPAREITEMSTRUCT lpCompareItemStruct);
-    afx_msg void OnContextMenu(CWnd* pWnd, CPoint pos);
     afx_msg int OnCreate(LPCREATESTRUCT lpCreateStruct);
     afx_msg HBRUSH OnCtlColor(CDC* pDC, CWnd* pWnd, UINT nCtlColor);
-    afx_msg void OnDeleteItem(int nIDCtl, LPDELETEITEMSTRUCT lpDeleteItemStruct);
     afx_msg void OnDestroy();
     afx_msg void OnDrawItem(int nIDCtl, LPDRAWITEMSTRUCT lpDrawItemStruct);
-    afx_msg void OnDropFiles(HDROP hDropInfo);
-    afx_msg void OnEnable(BOOL bEnable);
-    afx_msg void OnEndSession(BOOL bEnding);
-    afx_msg void OnEnterIdle(UINT nWhy, CWnd* pWho);
     afx_msg BOOL OnEraseBkgnd(CDC* pDC);
-    afx_msg UINT OnGetDlgCode();
     afx_msg void OnGetMinMaxInfo(MINMAXINFO* lpMMI);
-    afx_msg BOOL OnHelpInfo(HELPINFO* lpHelpInfo);
-    afx_msg void OnHScroll(UINT nSBCode, int nPos, CScrollBar* pScrollBar);
-    afx_msg void OnInitMenuPopup(CMenu* pPopupMenu, UINT nIndex, BOOL bSysMenu);
-    afx_msg void OnKeyDown(UINT nChar, UINT nRepCnt, UINT nFlags);
-    afx_msg void OnKeyUp(UINT nChar, UINT nRepCnt, UINT nFlags);
     afx_msg void OnKillFocus(CWnd* pNewWnd);
-    afx_msg void OnLButtonDblClk(UINT nFlags, CPoint point);
-    afx_msg void OnLButtonDown(UINT nFlags, CPoint point);
-    afx_msg void OnLButtonUp(UINT nFlags, CPoint point);
-    afx_msg void OnMButtonDblClk(UINT nFlags, CPoint point);
-    afx_msg void OnMButtonDown(UINT nFlags, CPoint point);
-    afx_msg void OnMButtonUp(UINT nFlags, CPoint point);
     afx_msg void OnMeasureItem(int nIDCtl, LPMEASUREITEMSTRUCT lpMeasureItemStruct);
-    afx_msg void OnMenuSelect(UINT nItemID, UINT nFlags, HMENU hSysMenu);
-    afx_msg int OnMouseActivate(CWnd* pDesktopWnd, UINT nHitTest, UINT message);
     afx_msg void OnMouseLeave();
     afx_msg void OnMouseMove(UINT nFlags, CPoint point);
-    afx_msg BOOL OnMouseWheel(UINT nFlags, short zDelta, CPoint pt);
-    afx_msg void OnMove(int x, int y);
-    afx_msg BOOL OnNcActivate(BOOL bActive);
-    afx_msg void OnNcCalcSize(BOOL bCalcValidRects, NCCALCSIZE_PARAMS* lpncsp);
-    afx_msg BOOL OnNcCreate(LPCREATESTRUCT lpCreateStruct);
     afx_msg void OnNcDestroy();
     afx_msg LRESULT OnNcHitTest(CPoint point);
-    afx_msg void OnNcLButtonDown(UINT nHitTest, CPoint point);
-    afx_msg void OnNcPaint();
-    afx_msg void OnPaint();
     afx_msg void OnParentNotify(UINT message, LPARAM lParam);
-    afx_msg BOOL OnQueryEndSession();
-    afx_msg void OnRButtonDblClk(UINT nFlags, CPoint point);
-    afx_msg void OnRButtonDown(UINT nFlags, CPoint point);
-    afx_msg void OnRButtonUp(UINT nFlags, CPoint point);
-    afx_msg BOOL OnSetCursor(CWnd* pWnd, UINT nHitTest, UINT message);
     afx_msg void OnSetFocus(CWnd* pOldWnd);
-    afx_msg void OnSettingChange(UINT uFlags, LPCTSTR lpszSection);
-    afx_msg void OnShowWindow(BOOL bShow, UINT nStatus);
     afx_msg void OnSize(UINT nType, int cx, int cy);
-    afx_msg void OnStyleChanged(int nStyleType, LPSTYLESTRUCT lpStyleStruct);
-    afx_msg void OnSysChar(UINT nChar, UINT nRepCnt, UINT nFlags);
     afx_msg void OnSysColorChange();
-    afx_msg void OnSysCommand(UINT nID, LPARAM lParam);
-    afx_msg void OnSysKeyDown(UINT nChar, UINT nRepCnt, UINT nFlags);
-    afx_msg void OnSysKeyUp(UINT nChar, UINT nRepCnt, UINT nFlags);
     afx_msg void OnTimer(UINT_PTR nIDEvent);
-    afx_msg void OnVScroll(UINT nSBCode, int nPos, CScrollBar* pScrollBar);
-    afx_msg void OnWindowPosChanged(WINDOWPOS* lpwndpos);
-    afx_msg void OnWindowPosChanging(WINDOWPOS* lpwndpos);
 
     int m_nModalResult = 0;
     bool m_bContinueModal = false;
     bool m_bInModalLoop = false;
     WNDPROC m_pfnSuper = nullptr; // the procedure before ours; null for a window that is not subclassed
-    HWND m_hWndOwner = nullptr;   // set by SetOwner
 
     DECLARE_MESSAGE_MAP()
 
@@ -313,14 +202,6 @@ private:
 #define MLF_NOKICKIDLE 0x0002
 #define MLF_SHOWONIDLE 0x0004
 
-// Places in the order of windows, for SetWindowPos.
-AFX_DLL_CLASS extern const CWnd wndTop;
-AFX_DLL_CLASS extern const CWnd wndBottom;
-AFX_DLL_CLASS extern const CWnd wndTopMost;
-AFX_DLL_CLASS extern const CWnd wndNoTopMost;
-
-// The scroll bar control that sent a scroll message; null for a window's own scroll bar.
-AFX_DLL_API CScrollBar* AfxScrollBarOf(LPARAM lParam);
 // Runs an update handler on the CCmdUI that the arguments carry; false when it wants the route continued.
 template <typename Handler> bool AfxUpdateUI(AFX_MSGARGS& args, const Handler& handler)
 {
