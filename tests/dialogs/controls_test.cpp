@@ -71,12 +71,8 @@ int InkOf(HWND window)
     const COLORREF background = ::GetPixel(context, client.right - 3, client.bottom - 3);
     int ink = 0;
     for (int y = 2; y < client.bottom - 2; ++y)
-    {
         for (int x = 2; x < client.right - 2; ++x)
-        {
             ink += ::GetPixel(context, x, y) != background ? 1 : 0;
-        }
-    }
     ::ReleaseDC(window, context);
     return ink;
 }

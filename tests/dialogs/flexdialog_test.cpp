@@ -52,9 +52,7 @@ public:
     {
         SetAnchors(flexAnchors);
         if (remembers)
-        {
             RememberSize("Flex");
-        }
     }
 
     std::vector<UINT> m_helpIds;

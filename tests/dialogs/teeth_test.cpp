@@ -55,9 +55,7 @@ TEST(TeethChartTest, CursorStaysWithinTheArches)
                  {21, cttStep::up, 5},     {5, cttStep::up, 5},      {20, cttStep::first, 16},
                  {20, cttStep::last, 31},  {3, cttStep::right, 4},   {3, cttStep::last, 15}};
     for (const auto& test : cases)
-    {
         EXPECT_EQ(cttMove(test.from, test.step), test.to) << test.from;
-    }
 }
 
 constexpr int teethId = 77;
@@ -79,9 +77,7 @@ INT_PTR CALLBACK TeethDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARA
     case WM_COMMAND:
         changes += wParam == MAKEWPARAM(teethId, TEETHN_CHANGE) ? 1 : 0;
         if (LOWORD(wParam) == IDCANCEL)
-        {
             ::EndDialog(dialog, changes);
-        }
         return TRUE;
     default:
         return FALSE;

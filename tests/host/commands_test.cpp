@@ -26,10 +26,10 @@ TEST(HostCommands, EveryExportWithAWindowHasACommandAndNoIdStandsTwice)
             EXPECT_NE(hostNeed::nothing, command.need) << "an export needs a practice and the module";
         }
     }
-    EXPECT_THAT(exports, testing::UnorderedElementsAre("NewPatientDlg", "NewPatientDlgWithData", "ChangePatientDlg",
-                                                       "NewTimepointDlg", "DeleteDlg", "ArchiveDlg", "RenameDlg",
-                                                       "EditKeywords", "ImportPatientDiagnostics",
-                                                       "SetArchivingAllowed"));
+    EXPECT_THAT(exports, testing::UnorderedElementsAre("NewPatientDlg", "NewPatientDlgWithData",
+                                                       "ChangePatientDlg", "NewTimepointDlg", "DeleteDlg",
+                                                       "ArchiveDlg", "RenameDlg", "EditKeywords",
+                                                       "ImportPatientDiagnostics", "SetArchivingAllowed"));
     EXPECT_EQ(nullptr, hostFindCommand(0));
 }
 
@@ -43,10 +43,12 @@ TEST(HostCommands, AreOfferedOnlyWithWhatTheyNeed)
         bool offered;
     };
     constexpr Case kCases[] = {
-        {hostNeed::nothing, false, 0, true},   {hostNeed::practice, false, 1, false}, {hostNeed::practice, true, 0, true},
-        {hostNeed::patient, true, 0, false},   {hostNeed::patient, true, 1, true},    {hostNeed::patient, true, 2, false},
-        {hostNeed::patient, false, 1, false},  {hostNeed::patients, true, 0, false},  {hostNeed::patients, true, 1, true},
-        {hostNeed::patients, true, 500, true}, {hostNeed::patients, false, 2, false},
+        {hostNeed::nothing, false, 0, true},   {hostNeed::practice, false, 1, false},
+        {hostNeed::practice, true, 0, true},   {hostNeed::patient, true, 0, false},
+        {hostNeed::patient, true, 1, true},    {hostNeed::patient, true, 2, false},
+        {hostNeed::patient, false, 1, false},  {hostNeed::patients, true, 0, false},
+        {hostNeed::patients, true, 1, true},   {hostNeed::patients, true, 500, true},
+        {hostNeed::patients, false, 2, false},
     };
     for (const Case& expected : kCases)
     {

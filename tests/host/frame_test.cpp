@@ -53,9 +53,7 @@ protected:
     {
         MSG message;
         while (::PeekMessage(&message, nullptr, 0, 0, PM_REMOVE))
-        {
             ::DispatchMessage(&message);
-        }
     }
 
     std::string Shown() const

@@ -66,7 +66,8 @@ TEST(HostModule, AMissingOrWrongOneIsTold)
         CString error;
         EXPECT_FALSE(module.Load(wrong.path.c_str(), error)) << wrong.path;
         EXPECT_FALSE(module.IsLoaded());
-        EXPECT_THAT(error.GetString(), testing::AllOf(testing::HasSubstr(wrong.path), testing::HasSubstr(wrong.told)));
+        EXPECT_THAT(error.GetString(),
+                    testing::AllOf(testing::HasSubstr(wrong.path), testing::HasSubstr(wrong.told)));
     }
 }
 

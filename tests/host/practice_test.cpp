@@ -45,13 +45,13 @@ protected:
     BOOL Open(const std::string& folder)
     {
         m_questions.clear();
-        return m_practice.Open(folder.c_str(),
-                               [this](hostQuestion question, const CString&)
-                               {
-                                   m_questions.push_back(question);
-                                   return m_answer;
-                               },
-                               m_error);
+        return m_practice.Open(
+            folder.c_str(),
+            [this](hostQuestion question, const CString&) {
+                m_questions.push_back(question);
+                return m_answer;
+            },
+            m_error);
     }
 
     std::string Error() const
@@ -71,9 +71,7 @@ std::set<std::string> FilesBelow(const std::string& folder)
 {
     std::set<std::string> files;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(folder))
-    {
         files.insert(std::filesystem::relative(entry.path(), folder).string());
-    }
     return files;
 }
 
@@ -83,9 +81,7 @@ TEST_F(HostPractice, NothingIsWrittenWithoutAYes)
     {
         SCOPED_TRACE(name);
         if (std::string(name) == "empty")
-        {
             std::filesystem::create_directory(Folder(name));
-        }
         EXPECT_FALSE(Open(Folder(name)));
         EXPECT_EQ("", Error()) << "the user said no: nothing to tell";
         EXPECT_EQ(std::vector<hostQuestion>{hostQuestion::createPractice}, m_questions);
@@ -131,7 +127,8 @@ TEST_F(HostPractice, TheSamplePracticeIsCompleteAndItsFilesAreThere)
                     if (timepoint.HasImage(group, type))
                     {
                         const CString file = velGetDataPath() + timepoint.GetImageFilename(group, type);
-                        EXPECT_TRUE(picLoadThumbnail(file.GetString(), 64, 48, 0) != nullptr) << file.GetString();
+                        EXPECT_TRUE(picLoadThumbnail(file.GetString(), 64, 48, 0) != nullptr)
+                            << file.GetString();
                         ++images;
                     }
                 }
@@ -226,7 +223,8 @@ TEST_F(HostPractice, ACopyWorksWithItsOwnFiles)
     const std::set<std::string> before = FilesBelow(Folder("first"));
     ASSERT_TRUE(Open(Folder("second"))) << Error();
     EXPECT_EQ(0, velGetDataPath().CompareNoCase((Folder("second") + "\\Working\\").c_str()));
-    EXPECT_EQ(0, velGetIniString("Defaults", "ArchiveFilePath").CompareNoCase((Folder("second") + "\\Archive").c_str()));
+    EXPECT_EQ(0, velGetIniString("Defaults", "ArchiveFilePath")
+                     .CompareNoCase((Folder("second") + "\\Archive").c_str()));
     m_practice.Close();
     EXPECT_EQ(before, FilesBelow(Folder("first")));
 }

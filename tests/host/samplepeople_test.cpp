@@ -44,16 +44,16 @@ TEST(SamplePeople, EveryPatientPassesThePracticesOwnRules)
             EXPECT_THAT(phone.number, testing::HasSubstr(" 555-01")) << "a number that somebody may have";
             EXPECT_FALSE(phone.kind.empty());
         }
-        EXPECT_TRUE(std::is_sorted(patient.timepoints.begin(), patient.timepoints.end(),
-                                   [](const auto& left, const auto& right) { return left.date < right.date; }));
+        EXPECT_TRUE(
+            std::is_sorted(patient.timepoints.begin(), patient.timepoints.end(),
+                           [](const auto& left, const auto& right) { return left.date < right.date; }));
         for (const sample::Timepoint& timepoint : patient.timepoints)
-        {
             EXPECT_GT(timepoint.date, patient.birth);
-        }
     }
     EXPECT_EQ(kPatients, ids.size()) << "two patients share an ID";
-    EXPECT_TRUE(std::all_of(ids.begin(), ids.end(), [&](const std::string& id) { return id.size() == longest; }))
-        << "file patterns of one patient would take in another's files";
+    EXPECT_TRUE(std::all_of(ids.begin(), ids.end(), [&](const std::string& id) {
+        return id.size() == longest;
+    })) << "file patterns of one patient would take in another's files";
 }
 
 } // namespace

@@ -50,9 +50,7 @@ bool RegisterChild(const char* name, ChildFunction function)
 std::optional<int> RunAsChild(int argc, char** argv)
 {
     if (argc < 2 || !std::string_view(argv[1]).starts_with(childOption))
-    {
         return std::nullopt;
-    }
     const auto child = Children().find(argv[1] + childOption.size());
     if (child == Children().end())
     {
@@ -70,34 +68,36 @@ std::optional<int> RunAsChild(int argc, char** argv)
     }
 }
 
-ChildProcess::ChildProcess(const std::string& function, const std::vector<std::string>& arguments)
+PROCESS_INFORMATION StartThisProgram(std::string commandLine, const char* desktop, DWORD flags)
 {
     std::array<char, MAX_PATH> path = {};
     GetModuleFileNameA(nullptr, path.data(), static_cast<DWORD>(path.size()));
-    std::string commandLine = Quoted(path.data()) + " " + Quoted(std::string(childOption) + function);
-    for (const std::string& argument : arguments)
-    {
-        commandLine += " " + Quoted(argument);
-    }
     STARTUPINFOA startup = {};
     startup.cb = sizeof startup;
+    startup.lpDesktop = const_cast<char*>(desktop);
     startup.dwFlags = STARTF_USESTDHANDLES;
     startup.hStdInput = GetStdHandle(STD_INPUT_HANDLE);
     startup.hStdOutput = GetStdHandle(STD_OUTPUT_HANDLE);
     startup.hStdError = GetStdHandle(STD_ERROR_HANDLE);
-    if (!CreateProcessA(path.data(), commandLine.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
-                        &startup, &m_process))
-    {
-        throw std::runtime_error("the child process could not be started");
-    }
+    PROCESS_INFORMATION process = {};
+    if (!CreateProcessA(path.data(), commandLine.data(), nullptr, nullptr, TRUE, flags, nullptr, nullptr,
+                        &startup, &process))
+        throw std::runtime_error("this program could not be started again");
+    return process;
+}
+
+ChildProcess::ChildProcess(const std::string& function, const std::vector<std::string>& arguments)
+{
+    std::string commandLine = "child " + Quoted(std::string(childOption) + function);
+    for (const std::string& argument : arguments)
+        commandLine += " " + Quoted(argument);
+    m_process = StartThisProgram(commandLine, nullptr, 0);
 }
 
 ChildProcess::~ChildProcess()
 {
     if (IsRunning())
-    {
         Kill();
-    }
     CloseHandle(m_process.hThread);
     CloseHandle(m_process.hProcess);
 }
@@ -110,9 +110,7 @@ bool ChildProcess::IsRunning() const
 int ChildProcess::Wait(DWORD timeout)
 {
     if (WaitForSingleObject(m_process.hProcess, timeout) != WAIT_OBJECT_0)
-    {
         throw std::runtime_error("the child process did not end in time");
-    }
     DWORD exitCode = 0;
     GetExitCodeProcess(m_process.hProcess, &exitCode);
     return static_cast<int>(exitCode);

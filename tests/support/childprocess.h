@@ -25,6 +25,10 @@ bool RegisterChild(const char* name, ChildFunction function);
 // Called by the main program: the exit code when the command line asks for a child function.
 std::optional<int> RunAsChild(int argc, char** argv);
 
+// Starts this program again on a desktop (null: on this one); its output goes where this process's goes.
+// Throws std::runtime_error. The handles are the caller's.
+PROCESS_INFORMATION StartThisProgram(std::string commandLine, const char* desktop, DWORD flags);
+
 // A second process of this test program on the same desktop. Its output goes where this program's goes.
 // Owns the process: one that still runs is ended by the destructor.
 class ChildProcess

@@ -43,13 +43,6 @@ struct Part
     const Part* group = nullptr; // the smallest group box around it
 };
 
-std::string Lower(std::string text)
-{
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
-    return text;
-}
-
 DWORD StyleOf(HWND window)
 {
     return static_cast<DWORD>(GetWindowLongPtrA(window, GWL_STYLE));
@@ -57,60 +50,40 @@ DWORD StyleOf(HWND window)
 
 Kind KindOf(HWND window)
 {
-    const std::string name = Lower(WindowClass(window));
+    const std::string className = WindowClass(window);
+    const auto is = [&](const char* name) { return _stricmp(className.c_str(), name) == 0; };
     const DWORD style = StyleOf(window);
-    if (name == "static")
+    if (is("static"))
     {
         const DWORD type = style & SS_TYPEMASK;
         return type <= SS_RIGHT || type == SS_SIMPLE || type == SS_LEFTNOWORDWRAP ? Kind::text
                                                                                   : Kind::picture;
     }
-    if (name == "button")
+    if (is("button"))
     {
         const DWORD type = style & BS_TYPEMASK;
         if (type == BS_GROUPBOX)
-        {
             return Kind::group;
-        }
         return type <= BS_DEFPUSHBUTTON || type == BS_OWNERDRAW || (style & BS_PUSHLIKE) != 0 ? Kind::push
                                                                                               : Kind::check;
     }
-    if (name == "edit" || name == "veledit")
-    {
+    if (is("edit") || is("veledit"))
         return Kind::edit;
-    }
-    return name == "combobox" ? Kind::combo : Kind::other;
+    return is("combobox") ? Kind::combo : Kind::other;
 }
 
-// Measures with the window's own font for the time of one scope.
-class Measure
+// The size of a text in the window's own font.
+SIZE Measure(HWND window, const std::string& text, int width, UINT format)
 {
-public:
-    explicit Measure(HWND window) : m_window(window), m_context(GetDC(window))
-    {
-        const auto font = reinterpret_cast<HGDIOBJ>(SendMessageA(window, WM_GETFONT, 0, 0));
-        m_previous = SelectObject(m_context, font != nullptr ? font : GetStockObject(SYSTEM_FONT));
-    }
-    ~Measure()
-    {
-        SelectObject(m_context, m_previous);
-        ReleaseDC(m_window, m_context);
-    }
-    Measure(const Measure&) = delete;
-    Measure& operator=(const Measure&) = delete;
-
-    SIZE Of(const std::string& text, int width, UINT format) const
-    {
-        RECT place = {0, 0, width, 0};
-        DrawTextA(m_context, text.c_str(), static_cast<int>(text.size()), &place, DT_CALCRECT | format);
-        return {place.right, place.bottom};
-    }
-
-private:
-    HWND m_window;
-    HDC m_context;
-    HGDIOBJ m_previous = nullptr;
-};
+    const HDC context = GetDC(window);
+    const auto font = reinterpret_cast<HGDIOBJ>(SendMessageA(window, WM_GETFONT, 0, 0));
+    const HGDIOBJ previous = SelectObject(context, font != nullptr ? font : GetStockObject(SYSTEM_FONT));
+    RECT place = {0, 0, width, 0};
+    DrawTextA(context, text.c_str(), static_cast<int>(text.size()), &place, DT_CALCRECT | format);
+    SelectObject(context, previous);
+    ReleaseDC(window, context);
+    return {place.right, place.bottom};
+}
 
 std::string Name(const Part& part)
 {
@@ -125,9 +98,7 @@ char AccessKey(const std::string& label)
         if (label[position] == '&')
         {
             if (label[position + 1] != '&')
-            {
                 return static_cast<char>(std::toupper(static_cast<unsigned char>(label[position + 1])));
-            }
             ++position;
         }
     }
@@ -149,27 +120,21 @@ public:
         Collect();
     }
 
-    std::vector<std::string> Run()
+    std::string Run()
     {
         CheckTexts();
         CheckPlaces();
         CheckAccessKeys();
         CheckDefaultButton();
-        if (m_options.checkTabOrder)
-        {
-            CheckTabOrder();
-        }
-        if (m_options.checkGrid)
-        {
-            CheckGrid();
-        }
+        CheckTabOrder();
+        CheckGrid();
         return m_findings;
     }
 
 private:
     void Report(const std::string& finding)
     {
-        m_findings.push_back(finding);
+        m_findings += finding + "\n";
     }
 
     void Collect()
@@ -180,14 +145,10 @@ private:
             const auto& ignored = m_options.ignoredIds;
             if (!IsWindowVisible(child) ||
                 std::find(ignored.begin(), ignored.end(), GetDlgCtrlID(child)) != ignored.end())
-            {
                 continue;
-            }
             Part part = {child, KindOf(child), {}, {}, (StyleOf(child) & WS_TABSTOP) != 0, nullptr};
             if (part.kind != Kind::edit && part.kind != Kind::combo && part.kind != Kind::other)
-            {
                 part.label = WindowText(child);
-            }
             GetWindowRect(child, &part.place);
             MapWindowPoints(nullptr, m_dialog, reinterpret_cast<POINT*>(&part.place), 2);
             m_parts.push_back(part);
@@ -195,13 +156,9 @@ private:
         for (Part& part : m_parts)
         {
             for (const Part& group : m_parts)
-            {
                 if (group.kind == Kind::group && &group != &part && Contains(group.place, part.place) &&
                     (part.group == nullptr || Contains(part.group->place, group.place)))
-                {
                     part.group = &group;
-                }
-            }
         }
     }
 
@@ -218,8 +175,7 @@ private:
                 const bool wraps = (style & SS_TYPEMASK) <= SS_RIGHT;
                 const UINT prefix = (style & SS_NOPREFIX) != 0 ? UINT{DT_NOPREFIX} : 0U;
                 const bool ellipsis = (style & SS_ELLIPSISMASK) != 0;
-                needed = Measure(part.window)
-                             .Of(part.label, width,
+                needed = Measure(part.window, part.label, width,
                                  prefix | DT_EXPANDTABS | (wraps ? UINT{DT_WORDBREAK} : UINT{DT_SINGLELINE}));
                 needed.cx = ellipsis ? 0 : needed.cx;
             }
@@ -227,14 +183,13 @@ private:
             {
                 const bool lines = (style & BS_MULTILINE) != 0;
                 const int around = part.kind == Kind::push ? 8 : part.kind == Kind::check ? 18 : 16;
-                needed =
-                    Measure(part.window)
-                        .Of(part.label, width - around, lines ? UINT{DT_WORDBREAK} : UINT{DT_SINGLELINE});
+                needed = Measure(part.window, part.label, width - around,
+                                 lines ? UINT{DT_WORDBREAK} : UINT{DT_SINGLELINE});
                 needed.cx += part.label.empty() ? 0 : around;
             }
             else if (part.kind == Kind::edit && (style & ES_MULTILINE) == 0)
             {
-                needed.cy = Measure(part.window).Of("Xg", width, DT_SINGLELINE).cy + 2;
+                needed.cy = Measure(part.window, "Xg", width, DT_SINGLELINE).cy + 2;
             }
             else if (part.kind == Kind::combo)
             {
@@ -253,15 +208,11 @@ private:
     static int WidestItem(const Part& part)
     {
         if ((StyleOf(part.window) & CBS_DROPDOWNLIST) != CBS_DROPDOWNLIST)
-        {
             return 0;
-        }
         const auto length = SendMessageA(part.window, CB_GETCURSEL, 0, 0);
         if (length < 0)
-        {
             return 0;
-        }
-        return Measure(part.window).Of(WindowText(part.window), 0, DT_SINGLELINE | DT_NOPREFIX).cx +
+        return Measure(part.window, WindowText(part.window), 0, DT_SINGLELINE | DT_NOPREFIX).cx +
                GetSystemMetrics(SM_CXVSCROLL) + 8;
     }
 
@@ -271,9 +222,7 @@ private:
         {
             const Part& part = m_parts[first];
             if (!Contains(m_client, part.place))
-            {
                 Report("leaves the dialog: " + Name(part));
-            }
             for (std::size_t second = first + 1; second < m_parts.size(); ++second)
             {
                 const Part& other = m_parts[second];
@@ -281,9 +230,7 @@ private:
                 const bool around = (part.kind == Kind::group && Contains(part.place, other.place)) ||
                                     (other.kind == Kind::group && Contains(other.place, part.place));
                 if (!around && IntersectRect(&common, &part.place, &other.place))
-                {
                     Report("overlap: " + Name(part) + " and " + Name(other));
-                }
             }
         }
     }
@@ -297,9 +244,7 @@ private:
             const bool prefix = part.kind != Kind::text || (StyleOf(part.window) & SS_NOPREFIX) == 0;
             const char key = prefix ? AccessKey(part.label) : '\0';
             if (key == '\0')
-            {
                 continue;
-            }
             const auto [position, isNew] = keys.emplace(key, &part);
             if (!isNew)
             {
@@ -311,13 +256,9 @@ private:
                 const Part* field = index + 1 < m_parts.size() ? &m_parts[index + 1] : nullptr;
                 if (field == nullptr || field->kind == Kind::text || field->kind == Kind::group ||
                     !field->tabStop)
-                {
                     Report("no field follows the label " + Name(part));
-                }
                 else if (field->place.bottom <= part.place.top || field->place.right <= part.place.left)
-                {
                     Report("the field stands before its label " + Name(part));
-                }
             }
         }
     }
@@ -330,13 +271,9 @@ private:
         const auto buttons = std::count_if(m_parts.begin(), m_parts.end(),
                                            [](const Part& part) { return part.kind == Kind::push; });
         if (count > 1)
-        {
             Report("several default buttons");
-        }
         if (count == 0 && buttons > 0 && !m_options.isPage)
-        {
             Report("no default button");
-        }
     }
 
     // True when going from one place to the next reads naturally: on in the row, or down, or up again only to
@@ -346,9 +283,7 @@ private:
         const auto common = std::min(from.bottom, to.bottom) - std::max(from.top, to.top);
         const auto smaller = std::min(from.bottom - from.top, to.bottom - to.top);
         if (common * 2 >= smaller)
-        {
             return to.left >= from.left;
-        }
         return to.top >= from.top || to.left >= from.right;
     }
 
@@ -359,48 +294,32 @@ private:
         for (const Part& part : m_parts)
         {
             if (!part.tabStop || part.kind == Kind::group)
-            {
                 continue;
-            }
-            if (previous != nullptr && previous->group != part.group)
-            {
-                if (previous->group != nullptr && !IsInside(part, previous->group))
-                {
-                    left.push_back(previous->group);
-                }
-                if (std::find(left.begin(), left.end(), part.group) != left.end())
-                {
-                    Report("the tab order comes back into the group of " + Name(part));
-                }
-            }
             if (previous != nullptr)
             {
-                const RECT& from = previous->group != part.group && previous->group != nullptr &&
-                                           !IsInside(part, previous->group)
-                                       ? previous->group->place
-                                       : previous->place;
-                const RECT& to =
-                    previous->group != part.group && part.group != nullptr && !IsInside(*previous, part.group)
-                        ? part.group->place
-                        : part.place;
-                if (!ReadsOn(from, to))
-                {
+                if (previous->group != nullptr && !IsInside(part, previous->group))
+                    left.push_back(previous->group);
+                if (previous->group != part.group &&
+                    std::find(left.begin(), left.end(), part.group) != left.end())
+                    Report("the tab order comes back into the group of " + Name(part));
+                if (!ReadsOn(PlaceSeenFrom(*previous, part), PlaceSeenFrom(part, *previous)))
                     Report("the tab order jumps from " + Name(*previous) + " to " + Name(part));
-                }
             }
             previous = &part;
         }
     }
 
+    // What the eye enters or leaves: the whole group when the other one stands outside it.
+    static const RECT& PlaceSeenFrom(const Part& part, const Part& other)
+    {
+        return part.group != nullptr && !IsInside(other, part.group) ? part.group->place : part.place;
+    }
+
     static bool IsInside(const Part& part, const Part* group)
     {
         for (const Part* around = part.group; around != nullptr; around = around->group)
-        {
             if (around == group)
-            {
                 return true;
-            }
-        }
         return false;
     }
 
@@ -419,34 +338,26 @@ private:
             const bool line = part.kind == Kind::push ||
                               (part.kind == Kind::edit && (StyleOf(part.window) & ES_MULTILINE) == 0);
             if (line && std::abs(height - buttonHeight) > 1)
-            {
                 Report("height of " + std::to_string(height) + " units: " + Name(part));
-            }
             const int margin = std::min({ToUnits(part.place.left, true), ToUnits(part.place.top, false),
                                          ToUnits(m_client.right - part.place.right, true),
                                          ToUnits(m_client.bottom - part.place.bottom, false)});
             if (margin < smallestMargin && part.kind != Kind::picture)
-            {
                 Report("margin of " + std::to_string(margin) + " units: " + Name(part));
-            }
         }
         for (const Part& part : m_parts)
         {
             for (const Part& other : m_parts)
             {
                 if (part.kind != Kind::push || other.kind != Kind::push || &part == &other)
-                {
                     continue;
-                }
                 const bool sameRow =
                     part.place.top == other.place.top && part.place.right <= other.place.left;
                 const bool sameColumn =
                     part.place.left == other.place.left && part.place.bottom <= other.place.top;
                 if ((sameRow && ToUnits(other.place.left - part.place.right, true) < smallestGap) ||
                     (sameColumn && ToUnits(other.place.top - part.place.bottom, false) < smallestGap))
-                {
                     Report("crowded: " + Name(part) + " and " + Name(other));
-                }
             }
         }
     }
@@ -455,28 +366,8 @@ private:
     QualityOptions m_options;
     RECT m_client = {};
     std::vector<Part> m_parts;
-    std::vector<std::string> m_findings;
+    std::string m_findings;
 };
-
-} // namespace
-
-std::vector<std::string> CheckDialogQuality(HWND dialog, const QualityOptions& options)
-{
-    return Inspection(dialog, options).Run();
-}
-
-std::string DialogFindings(HWND dialog, const QualityOptions& options)
-{
-    std::string text;
-    for (const std::string& finding : CheckDialogQuality(dialog, options))
-    {
-        text += finding + "\n";
-    }
-    return text;
-}
-
-namespace
-{
 
 // Where Cancel stands, from the lower right corner.
 std::pair<LONG, LONG> PlaceOfCancel(HWND dialog)
@@ -501,11 +392,16 @@ void ExpectGrowth(HWND dialog, const QualityOptions& options)
     const int height = place.bottom - place.top;
     SetWindowPos(dialog, nullptr, 0, 0, width + more.right, height + more.bottom, SWP_NOMOVE | SWP_NOZORDER);
     EXPECT_EQ(PlaceOfCancel(dialog), before);
-    EXPECT_EQ(DialogFindings(dialog, options), "");
+    EXPECT_EQ(Inspection(dialog, options).Run(), "");
     SetWindowPos(dialog, nullptr, 0, 0, width, height, SWP_NOMOVE | SWP_NOZORDER);
 }
 
 } // namespace
+
+std::string DialogFindings(HWND dialog, const QualityOptions& options)
+{
+    return Inspection(dialog, options).Run();
+}
 
 void ExpectWellMade(const Dialog& dialog, const char* picture, const QualityOptions& options)
 {

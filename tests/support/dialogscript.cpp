@@ -17,25 +17,6 @@ constexpr DWORD idlePatience = 2'000;
 constexpr DWORD firstIdlePatience = 300; // for threads whose windows may have no idle work at all
 constexpr UINT messageGetMenu = 0x01E1;  // MN_GETHMENU of a popup menu's window
 
-struct Search
-{
-    const std::function<bool(HWND)>* matches;
-    HWND found;
-};
-
-BOOL CALLBACK FindWindowOfProcess(HWND window, LPARAM parameter)
-{
-    Search& search = *reinterpret_cast<Search*>(parameter);
-    DWORD process = 0;
-    GetWindowThreadProcessId(window, &process);
-    if (process == GetCurrentProcessId() && IsWindowVisible(window) && (*search.matches)(window))
-    {
-        search.found = window;
-        return FALSE;
-    }
-    return TRUE;
-}
-
 bool IsDialog(HWND window)
 {
     return WindowClass(window) == "#32770" && IsWindowEnabled(window);
@@ -52,23 +33,17 @@ HWND FirstPopupMenu()
     return FindWindowA("#32768", nullptr);
 }
 
-struct MenuItem
+// The items by their texts, separators as "-".
+std::vector<std::string> MenuItems(HWND menuWindow)
 {
-    std::string text;
-    bool separator;
-};
-
-std::vector<MenuItem> MenuItems(HWND menuWindow)
-{
-    std::vector<MenuItem> items;
+    std::vector<std::string> items;
     const auto menu = reinterpret_cast<HMENU>(SendMessageA(menuWindow, messageGetMenu, 0, 0));
     for (int position = 0; position < GetMenuItemCount(menu); ++position)
     {
         const UINT state = GetMenuState(menu, static_cast<UINT>(position), MF_BYPOSITION);
         char text[512] = {};
         GetMenuStringA(menu, static_cast<UINT>(position), text, sizeof text, MF_BYPOSITION);
-        const bool separator = (state & MF_SEPARATOR) != 0;
-        items.push_back({separator ? "-" : text, separator});
+        items.emplace_back((state & MF_SEPARATOR) != 0 ? "-" : text);
     }
     return items;
 }
@@ -121,13 +96,9 @@ void DialogScript::Run() noexcept
         const bool failed = !failure.empty() || ::testing::Test::HasFatalFailure();
         const bool open = !WaitForReturn(failed ? 0 : m_patience / 2);
         if (open && !failed)
-        {
             failure = "the script ended and left windows open";
-        }
         if (!failure.empty())
-        {
             ADD_FAILURE() << failure << "\nWindows present:\n" << ListWindows();
-        }
         CloseEverything();
     }
     catch (...)
@@ -143,9 +114,7 @@ bool DialogScript::WaitForReturn(DWORD milliseconds)
     while (!m_watch.IsReleased())
     {
         if (GetTickCount64() >= end)
-        {
             return false;
-        }
         Sleep(pollInterval);
     }
     return true;
@@ -170,9 +139,7 @@ void DialogScript::CloseEverything()
         }
         const HWND window = FindMatch([](HWND candidate) { return IsDialog(candidate); });
         if (window == nullptr)
-        {
             continue;
-        }
         for (const int button : {IDCANCEL, IDNO, IDABORT, IDOK})
         {
             const HWND control = GetDlgItem(window, button);
@@ -181,9 +148,7 @@ void DialogScript::CloseEverything()
                 PostMessageA(window, WM_COMMAND, static_cast<WPARAM>(button),
                              reinterpret_cast<LPARAM>(control));
                 if (control != nullptr)
-                {
                     break;
-                }
             }
         }
         Sleep(50);
@@ -192,9 +157,14 @@ void DialogScript::CloseEverything()
 
 HWND DialogScript::FindMatch(const std::function<bool(HWND)>& matches)
 {
-    Search search = {&matches, nullptr};
-    EnumWindows(FindWindowOfProcess, reinterpret_cast<LPARAM>(&search));
-    return search.found;
+    for (const HWND window : TopWindows())
+    {
+        DWORD process = 0;
+        GetWindowThreadProcessId(window, &process);
+        if (process == GetCurrentProcessId() && IsWindowVisible(window) && matches(window))
+            return window;
+    }
+    return nullptr;
 }
 
 HWND DialogScript::WaitForMatch(const std::string& description, const std::function<bool(HWND)>& matches)
@@ -219,9 +189,7 @@ Dialog DialogScript::WaitForDialog(const std::string& title)
 Dialog DialogScript::WaitForDialogWith(int controlId)
 {
     const auto matches = [&](HWND window) {
-        const std::vector<HWND> controls = IsDialog(window) ? Descendants(window) : std::vector<HWND>();
-        return std::any_of(controls.begin(), controls.end(),
-                           [&](HWND control) { return GetDlgCtrlID(control) == controlId; });
+        return IsDialog(window) && Dialog(*this, window).Has(controlId);
     };
     return {*this, WaitForMatch("dialog with control " + std::to_string(controlId), matches)};
 }
@@ -266,42 +234,23 @@ std::vector<std::string> DialogScript::WaitForMenu()
 {
     WaitUntil("popup menu", [] { return FirstPopupMenu() != nullptr && IsWindowVisible(FirstPopupMenu()); });
     Settle(FirstPopupMenu());
-    std::vector<std::string> texts;
-    for (const MenuItem& item : MenuItems(FirstPopupMenu()))
-    {
-        texts.push_back(item.text);
-    }
-    return texts;
+    return MenuItems(FirstPopupMenu());
 }
 
 void DialogScript::ChooseMenuItem(const std::string& text)
 {
-    WaitForMenu();
+    const std::vector<std::string> items = WaitForMenu();
     const HWND menu = FirstPopupMenu();
     const DWORD thread = GetWindowThreadProcessId(menu, nullptr);
-    std::vector<UINT> keys = {VK_HOME};
-    bool found = false;
-    for (const MenuItem& item : MenuItems(menu))
-    {
-        if (item.text == text)
-        {
-            found = true;
-            break;
-        }
-        if (!item.separator)
-        {
-            keys.push_back(VK_DOWN);
-        }
-    }
-    if (!found)
-    {
+    const auto chosen = std::find(items.begin(), items.end(), text);
+    if (chosen == items.end())
         throw ScriptFailure("the menu has no item \"" + text + "\"");
-    }
+    std::vector<UINT> keys = {VK_HOME};
+    const auto separators = std::count(items.begin(), chosen, "-");
+    keys.insert(keys.end(), static_cast<std::size_t>(chosen - items.begin() - separators), VK_DOWN);
     keys.push_back(VK_RETURN);
     for (const UINT key : keys)
-    {
         PostThreadMessageA(thread, WM_KEYDOWN, key, 0);
-    }
     WaitUntil("the menu to close", [&] { return !IsWindow(menu) || !IsWindowVisible(menu); });
     m_watch.WaitForQueue(thread, m_patience);
 }
@@ -320,13 +269,9 @@ void DialogScript::WaitUntil(const std::string& description, const std::function
     while (!condition())
     {
         if (m_watch.IsReleased())
-        {
             throw ScriptFailure("the modal call returned while the script waited for " + description);
-        }
         if (GetTickCount64() >= end)
-        {
             throw ScriptFailure("waited in vain for " + description);
-        }
         Sleep(pollInterval);
     }
 }
@@ -335,18 +280,14 @@ void DialogScript::Settle(HWND window)
 {
     const DWORD thread = GetWindowThreadProcessId(window, nullptr);
     if (thread != 0 && !m_watch.WaitForQueue(thread, m_patience))
-    {
         throw ScriptFailure("the user interface thread does not read its messages");
-    }
 }
 
 void DialogScript::SettleIdle(HWND window)
 {
     Settle(window);
     if (const DWORD thread = GetWindowThreadProcessId(window, nullptr))
-    {
         m_watch.WaitForIdle(thread, m_watch.HasIdled(thread) ? idlePatience : firstIdlePatience);
-    }
 }
 
 void DialogScript::PressKey(HWND window, UINT virtualKey, UINT modifier)
@@ -363,13 +304,9 @@ void DialogScript::PressKey(HWND window, UINT virtualKey, UINT modifier)
     }
     const std::uint64_t expected = m_watch.KeysRead(thread) + inputs.size() / 2;
     if (SendInput(static_cast<UINT>(inputs.size()), inputs.data(), sizeof(INPUT)) != inputs.size())
-    {
         throw ScriptFailure("the keyboard input was refused");
-    }
     if (!m_watch.WaitForKeys(thread, expected, m_patience))
-    {
         throw ScriptFailure("the key did not arrive");
-    }
     m_watch.WaitForQueue(thread, m_patience);
 }
 
@@ -385,7 +322,9 @@ std::string DialogScript::ListWindows()
 {
     std::string listing;
     FindMatch([&](HWND window) {
-        listing += DescribeTree(window);
+        listing += DescribeWindow(window) + "\n";
+        for (const HWND control : Descendants(window))
+            listing += "  " + DescribeWindow(control) + "\n";
         return false;
     });
     return listing.empty() ? "(none)\n" : listing;

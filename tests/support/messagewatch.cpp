@@ -31,9 +31,7 @@ MessageWatch* MessageWatch::s_current = nullptr;
 MessageWatch::MessageWatch()
 {
     if (s_current != nullptr)
-    {
         throw std::logic_error("one dialog script runs at a time");
-    }
     s_current = this;
     MarkerMessage();
 }
@@ -65,9 +63,7 @@ static bool HasEnded(DWORD id)
 {
     const HANDLE handle = OpenThread(SYNCHRONIZE, FALSE, id);
     if (handle == nullptr)
-    {
         return true;
-    }
     const bool ended = WaitForSingleObject(handle, 0) == WAIT_OBJECT_0;
     CloseHandle(handle);
     return ended;
@@ -86,21 +82,15 @@ bool MessageWatch::WaitForQueue(DWORD id, DWORD timeout)
     const WPARAM marker = NextMarker();
     const ULONGLONG start = GetTickCount64();
     if (!PostThreadMessageA(id, MarkerMessage(), marker, 0))
-    {
         return true;
-    }
     // A thread that ends leaves what was posted to it unread.
     constexpr DWORD slice = 50;
     while (!Wait(slice, [&] { return thread.marker >= marker; }))
     {
         if (HasEnded(id))
-        {
             return true;
-        }
         if (GetTickCount64() - start >= timeout)
-        {
             return false;
-        }
     }
     return true;
 }
@@ -110,9 +100,7 @@ bool MessageWatch::WaitForIdle(DWORD id, DWORD timeout)
     const Thread& thread = Watched(id);
     const WPARAM marker = NextMarker();
     if (!PostThreadMessageA(id, MarkerMessage(), marker, 0))
-    {
         return true;
-    }
     return Wait(timeout, [&] { return thread.marker >= marker && thread.idlePasses > thread.idleAtMarker; });
 }
 
@@ -149,47 +137,38 @@ bool MessageWatch::IsReleased()
     return m_released;
 }
 
-LRESULT CALLBACK MessageWatch::OnMessageTaken(int code, WPARAM removed, LPARAM message) noexcept
+// In a hook: what the watched thread has just done.
+template <typename Change> void MessageWatch::Note(Change change)
 {
     MessageWatch* watch = s_current;
+    if (watch == nullptr)
+        return;
+    const std::scoped_lock lock(watch->m_mutex);
+    const auto thread = watch->m_threads.find(GetCurrentThreadId());
+    if (thread == watch->m_threads.end())
+        return;
+    change(thread->second);
+    watch->m_changed.notify_all();
+}
+
+LRESULT CALLBACK MessageWatch::OnMessageTaken(int code, WPARAM removed, LPARAM message) noexcept
+{
     const MSG& taken = *reinterpret_cast<const MSG*>(message);
-    const bool isMarker = taken.message == MarkerMessage();
-    const bool isKey = taken.message == WM_KEYUP || taken.message == WM_SYSKEYUP;
-    if (code == HC_ACTION && removed == PM_REMOVE && watch != nullptr && (isMarker || isKey))
-    {
-        const std::scoped_lock lock(watch->m_mutex);
-        const auto thread = watch->m_threads.find(GetCurrentThreadId());
-        if (thread != watch->m_threads.end())
-        {
-            if (isMarker)
-            {
-                thread->second.marker = taken.wParam;
-                thread->second.idleAtMarker = thread->second.idlePasses;
-            }
-            else
-            {
-                ++thread->second.keys;
-            }
-            watch->m_changed.notify_all();
-        }
-    }
+    const bool isTaken = code == HC_ACTION && removed == PM_REMOVE;
+    if (isTaken && taken.message == MarkerMessage())
+        Note([&](Thread& thread) {
+            thread.marker = taken.wParam;
+            thread.idleAtMarker = thread.idlePasses;
+        });
+    if (isTaken && (taken.message == WM_KEYUP || taken.message == WM_SYSKEYUP))
+        Note([](Thread& thread) { ++thread.keys; });
     return CallNextHookEx(nullptr, code, removed, message);
 }
 
 LRESULT CALLBACK MessageWatch::OnMessageHandled(int code, WPARAM sender, LPARAM message) noexcept
 {
-    MessageWatch* watch = s_current;
-    if (code == HC_ACTION && watch != nullptr &&
-        reinterpret_cast<const CWPRETSTRUCT*>(message)->message == wmKickIdle)
-    {
-        const std::scoped_lock lock(watch->m_mutex);
-        const auto thread = watch->m_threads.find(GetCurrentThreadId());
-        if (thread != watch->m_threads.end())
-        {
-            ++thread->second.idlePasses;
-            watch->m_changed.notify_all();
-        }
-    }
+    if (code == HC_ACTION && reinterpret_cast<const CWPRETSTRUCT*>(message)->message == wmKickIdle)
+        Note([](Thread& thread) { ++thread.idlePasses; });
     return CallNextHookEx(nullptr, code, sender, message);
 }
 

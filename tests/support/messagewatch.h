@@ -55,6 +55,7 @@ private:
 
     Thread& Watched(DWORD thread);
     template <typename Predicate> bool Wait(DWORD timeout, Predicate predicate);
+    template <typename Change> static void Note(Change change);
 
     static LRESULT CALLBACK OnMessageTaken(int code, WPARAM removed, LPARAM message) noexcept;
     static LRESULT CALLBACK OnMessageHandled(int code, WPARAM sender, LPARAM message) noexcept;

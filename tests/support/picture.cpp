@@ -1,8 +1,8 @@
 #include "tests/support/picture.h"
 
 #include <array>
+#include <cstdlib>
 #include <filesystem>
-#include <memory>
 
 // The library's headers need the names that NOMINMAX takes away, and COM's property types.
 #include <objidl.h>
@@ -20,60 +20,36 @@ namespace veltest
 namespace
 {
 
-// Starts the drawing library once and stops it with the last picture's scope.
-class DrawingLibrary
+bool WritePng(HBITMAP bitmap, const std::filesystem::path& file)
 {
-public:
-    DrawingLibrary()
-    {
-        const Gdiplus::GdiplusStartupInput input;
-        m_started = Gdiplus::GdiplusStartup(&m_token, &input, nullptr) == Gdiplus::Ok;
-    }
-    ~DrawingLibrary()
-    {
-        if (m_started)
-        {
-            Gdiplus::GdiplusShutdown(m_token);
-        }
-    }
-    DrawingLibrary(const DrawingLibrary&) = delete;
-    DrawingLibrary& operator=(const DrawingLibrary&) = delete;
+    // The encoder of PNG files has this fixed class id.
+    const CLSID encoder = {0x557cf406, 0x1a04, 0x11d3, {0x9a, 0x73, 0x00, 0x00, 0xf8, 0x1e, 0xf3, 0x2e}};
+    ULONG_PTR library = 0;
+    const Gdiplus::GdiplusStartupInput input;
+    if (Gdiplus::GdiplusStartup(&library, &input, nullptr) != Gdiplus::Ok)
+        return false;
+    const auto saved = Gdiplus::Bitmap(bitmap, nullptr).Save(file.wstring().c_str(), &encoder, nullptr);
+    Gdiplus::GdiplusShutdown(library);
+    return saved == Gdiplus::Ok;
+}
 
-    bool Write(HBITMAP bitmap, const std::filesystem::path& file) const
-    {
-        // The encoder of PNG files has this fixed class id.
-        const CLSID encoder = {0x557cf406, 0x1a04, 0x11d3, {0x9a, 0x73, 0x00, 0x00, 0xf8, 0x1e, 0xf3, 0x2e}};
-        Gdiplus::Bitmap picture(bitmap, nullptr);
-        return m_started && picture.Save(file.wstring().c_str(), &encoder, nullptr) == Gdiplus::Ok;
-    }
-
-private:
-    ULONG_PTR m_token = 0;
-    bool m_started = false;
-};
+// The variable VELTEST_PICTURES, else "pictures" beside the folder of the test program.
+std::filesystem::path PictureFolder()
+{
+    if (const char* const folder = std::getenv("VELTEST_PICTURES"))
+        return folder;
+    std::array<char, MAX_PATH> program = {};
+    GetModuleFileNameA(nullptr, program.data(), static_cast<DWORD>(program.size()));
+    return std::filesystem::path(program.data()).parent_path().parent_path() / "pictures";
+}
 
 } // namespace
-
-std::string PictureFolder()
-{
-    std::array<char, MAX_PATH> text = {};
-    const DWORD length =
-        GetEnvironmentVariableA("VELTEST_PICTURES", text.data(), static_cast<DWORD>(text.size()));
-    if (length > 0 && length < text.size())
-    {
-        return text.data();
-    }
-    GetModuleFileNameA(nullptr, text.data(), static_cast<DWORD>(text.size()));
-    return (std::filesystem::path(text.data()).parent_path().parent_path() / "pictures").string();
-}
 
 bool SavePicture(HWND window, const std::string& name)
 {
     RECT place = {};
     if (!GetWindowRect(window, &place) || place.right <= place.left || place.bottom <= place.top)
-    {
         return false;
-    }
     RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_FRAME | RDW_ALLCHILDREN | RDW_UPDATENOW);
     const int width = place.right - place.left;
     const int height = place.bottom - place.top;
@@ -94,7 +70,7 @@ bool SavePicture(HWND window, const std::string& name)
     std::filesystem::create_directories(folder, error);
     // Another run of the program may be writing the same picture.
     const std::filesystem::path draft = folder / (name + "." + std::to_string(GetCurrentProcessId()));
-    bool written = copied && bitmap != nullptr && DrawingLibrary().Write(bitmap, draft);
+    bool written = copied && bitmap != nullptr && WritePng(bitmap, draft);
     if (written)
     {
         std::filesystem::rename(draft, folder / (name + ".png"), error);
@@ -112,9 +88,7 @@ int SavePagePictures(DialogScript& script, const Dialog& sheet, const std::strin
     {
         sheet.SelectPage(page);
         if (sheet.PageIndex() != page)
-        {
             break;
-        }
         script.SettleIdle(sheet.Handle());
         written += SavePicture(sheet.Handle(), name + "-" + std::to_string(page + 1)) ? 1 : 0;
     }

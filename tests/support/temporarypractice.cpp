@@ -29,9 +29,7 @@ void RemoveTree(const std::filesystem::path& folder)
     std::error_code error;
     for (auto entry = std::filesystem::recursive_directory_iterator(folder, error);
          entry != std::filesystem::recursive_directory_iterator(); entry.increment(error))
-    {
         SetFileAttributesA(entry->path().string().c_str(), FILE_ATTRIBUTE_NORMAL);
-    }
     std::filesystem::remove_all(folder, error);
 }
 
@@ -46,12 +44,9 @@ TemporaryPractice::TemporaryPractice()
                ("veltest-" + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(++counter));
     RemoveTree(m_folder);
     for (const char* part : {"working", "sys", "archive", "temp"})
-    {
         std::filesystem::create_directories(m_folder / part);
-    }
-    std::array<char, MAX_PATH> previous = {};
-    GetEnvironmentVariableA(iniVariable, previous.data(), static_cast<DWORD>(previous.size()));
-    m_previousIni = previous.data();
+    if (const char* const previous = std::getenv(iniVariable))
+        m_previousIni = previous;
     SetVariable(IniFile());
     Set("Environment", "WORKING", Working());
     Set("Environment", "SYS", Path("sys\\"));
@@ -68,9 +63,7 @@ void TemporaryPractice::Set(const std::string& section, const std::string& key,
                             const std::string& value) const
 {
     if (!WritePrivateProfileStringA(section.c_str(), key.c_str(), value.c_str(), IniFile().c_str()))
-    {
         throw std::runtime_error("the setting " + key + " could not be written");
-    }
 }
 
 std::string TemporaryPractice::Get(const std::string& section, const std::string& key) const
@@ -88,18 +81,14 @@ void TemporaryPractice::WriteFile(const std::string& relative, const std::string
     file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     file.close();
     if (!file)
-    {
         throw std::runtime_error("could not write " + relative);
-    }
 }
 
 std::string TemporaryPractice::ReadFile(const std::string& relative) const
 {
     std::ifstream file(m_folder / relative, std::ios::binary);
     if (!file)
-    {
         throw std::runtime_error("could not read " + relative);
-    }
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 

@@ -20,52 +20,36 @@ constexpr const char* timeoutVariable = "VELTEST_TIMEOUT"; // seconds for one ru
 constexpr DWORD defaultTimeout = 220;
 constexpr DWORD heapCorruption = 0xC0000374;
 
-std::string Variable(const char* name)
-{
-    std::array<char, 256> value = {};
-    const DWORD length = GetEnvironmentVariableA(name, value.data(), static_cast<DWORD>(value.size()));
-    return {value.data(), length < value.size() ? length : 0};
-}
+using FilePath = std::array<char, MAX_PATH>;
 
-std::string ProgramPath()
-{
-    std::array<char, MAX_PATH> path = {};
-    GetModuleFileNameA(nullptr, path.data(), static_cast<DWORD>(path.size()));
-    return path.data();
-}
-
-// "VelCtl.dll+0x1234", or the bare address outside every module. Does not use the heap.
-void PrintAddress(const void* address)
+// The module that an address lies in and its file; null outside every module. Does not use the heap.
+HMODULE ModuleOf(const void* address, FilePath& path)
 {
     HMODULE module = nullptr;
-    std::array<char, MAX_PATH> path = {};
-    if (GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS |
-                               GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                           static_cast<LPCSTR>(address), &module) &&
-        GetModuleFileNameA(module, path.data(), static_cast<DWORD>(path.size())) != 0)
-    {
-        const char* name = std::strrchr(path.data(), '\\');
-        const auto offset = static_cast<const char*>(address) - reinterpret_cast<const char*>(module);
-        std::printf("  %s+0x%llx\n", name != nullptr ? name + 1 : path.data(),
-                    static_cast<long long>(offset));
-        return;
-    }
-    std::printf("  %p\n", address);
+    const bool found = GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS |
+                                              GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                                          static_cast<LPCSTR>(address), &module) &&
+                       GetModuleFileNameA(module, path.data(), static_cast<DWORD>(path.size())) != 0;
+    return found ? module : nullptr;
+}
+
+// "VelCtl.dll+0x1234", or the bare address outside every module.
+void PrintAddress(const void* address)
+{
+    FilePath path = {};
+    const auto* const begin = reinterpret_cast<const char*>(ModuleOf(address, path));
+    const char* name = std::strrchr(path.data(), '\\');
+    std::printf("  %s+0x%llx\n", name != nullptr ? name + 1 : path.data(),
+                static_cast<long long>(static_cast<const char*>(address) - begin));
 }
 
 // True for faults in this program's own libraries; faults inside the system's may be handled there.
 bool IsOwnCode(const void* address)
 {
-    HMODULE module = nullptr;
-    std::array<char, MAX_PATH> path = {};
-    if (!GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS |
-                                GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                            static_cast<LPCSTR>(address), &module) ||
-        GetModuleFileNameA(module, path.data(), static_cast<DWORD>(path.size())) == 0)
-    {
+    FilePath path = {};
+    if (ModuleOf(address, path) == nullptr)
         return true; // a call through a wild pointer
-    }
-    std::array<char, MAX_PATH> system = {};
+    FilePath system = {};
     const UINT length = GetSystemDirectoryA(system.data(), static_cast<UINT>(system.size()));
     const char* name = std::strrchr(path.data(), '\\');
     const bool runtime = name != nullptr && _stricmp(name, "\\msvcrt.dll") == 0;
@@ -80,9 +64,7 @@ LONG ReportAndEnd(const EXCEPTION_POINTERS* exception)
     std::array<void*, 40> frames = {};
     const USHORT count = CaptureStackBackTrace(0, static_cast<DWORD>(frames.size()), frames.data(), nullptr);
     for (USHORT frame = 0; frame < count; ++frame)
-    {
         PrintAddress(frames[frame]);
-    }
     std::fflush(stdout);
     TerminateProcess(GetCurrentProcess(), 5);
     return EXCEPTION_CONTINUE_SEARCH;
@@ -95,9 +77,7 @@ LONG CALLBACK OnException(EXCEPTION_POINTERS* exception)
                        code == EXCEPTION_INT_DIVIDE_BY_ZERO || code == EXCEPTION_STACK_OVERFLOW ||
                        code == EXCEPTION_PRIV_INSTRUCTION || code == heapCorruption;
     if (fatal && IsOwnCode(exception->ExceptionRecord->ExceptionAddress))
-    {
         return ReportAndEnd(exception);
-    }
     return EXCEPTION_CONTINUE_SEARCH;
 }
 
@@ -123,31 +103,18 @@ int RunOnOwnDesktop()
     limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE;
     SetInformationJobObject(job, JobObjectExtendedLimitInformation, &limits, sizeof limits);
 
-    STARTUPINFOA startup = {};
-    startup.cb = sizeof startup;
-    startup.lpDesktop = const_cast<char*>(name.c_str());
-    startup.dwFlags = STARTF_USESTDHANDLES;
-    startup.hStdInput = GetStdHandle(STD_INPUT_HANDLE);
-    startup.hStdOutput = GetStdHandle(STD_OUTPUT_HANDLE);
-    startup.hStdError = GetStdHandle(STD_ERROR_HANDLE);
-    PROCESS_INFORMATION process = {};
-    std::string commandLine = GetCommandLineA();
-    DWORD exitCode = 1;
-    if (!CreateProcessA(ProgramPath().c_str(), commandLine.data(), nullptr, nullptr, TRUE, CREATE_SUSPENDED,
-                        nullptr, nullptr, &startup, &process))
-    {
-        std::printf("the test could not be started on its desktop: error %lu\n", GetLastError());
-        return 1;
-    }
+    const PROCESS_INFORMATION process =
+        veltest::StartThisProgram(GetCommandLineA(), name.c_str(), CREATE_SUSPENDED);
     AssignProcessToJobObject(job, process.hProcess);
     ResumeThread(process.hThread);
-    const int seconds = std::atoi(Variable(timeoutVariable).c_str());
-    const DWORD timeout = 1000 * (seconds > 0 ? static_cast<DWORD>(seconds) : defaultTimeout);
+    const char* const seconds = std::getenv(timeoutVariable);
+    const DWORD timeout = 1000 * (seconds != nullptr ? std::strtoul(seconds, nullptr, 10) : defaultTimeout);
     if (WaitForSingleObject(process.hProcess, timeout) != WAIT_OBJECT_0)
     {
         std::printf("HANG: the test program did not end within %lu s\n", timeout / 1000);
         TerminateJobObject(job, 4);
     }
+    DWORD exitCode = 1;
     GetExitCodeProcess(process.hProcess, &exitCode);
     CloseHandle(process.hThread);
     CloseHandle(process.hProcess);
@@ -167,16 +134,12 @@ int main(int argc, char** argv)
         std::printf("the tests need the system code page 1252, not %u\n", GetACP());
         return 1;
     }
-    if (Variable(desktopVariable).empty())
-    {
+    if (std::getenv(desktopVariable) == nullptr)
         return RunOnOwnDesktop();
-    }
     AddVectoredExceptionHandler(1, OnException);
     SetUnhandledExceptionFilter(OnUnhandledException);
     if (const std::optional<int> result = veltest::RunAsChild(argc, argv))
-    {
         return *result;
-    }
     ::testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
 }

@@ -23,19 +23,6 @@ BOOL CALLBACK CollectWindow(HWND window, LPARAM parameter)
     return TRUE;
 }
 
-std::string Lower(std::string text)
-{
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
-    return text;
-}
-
-// Labels are compared with their access keys when the text searched for has one, else without.
-bool LabelFits(const std::string& label, const std::string& wanted)
-{
-    return label == wanted || (wanted.find('&') == std::string::npos && WithoutAccessKeys(label) == wanted);
-}
-
 DWORD ButtonType(HWND button)
 {
     return static_cast<DWORD>(GetWindowLongPtrA(button, GWL_STYLE)) & BS_TYPEMASK;
@@ -47,9 +34,7 @@ std::string WindowText(HWND window)
 {
     DWORD_PTR length = 0;
     if (!SendMessageTimeoutA(window, WM_GETTEXTLENGTH, 0, 0, SMTO_NORMAL, sendPatience, &length))
-    {
         return {};
-    }
     std::string text(length + 1, '\0');
     DWORD_PTR copied = 0;
     SendMessageTimeoutA(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()), SMTO_NORMAL,
@@ -72,6 +57,13 @@ std::vector<HWND> Descendants(HWND window)
     return windows;
 }
 
+std::vector<HWND> TopWindows()
+{
+    std::vector<HWND> windows;
+    EnumWindows(CollectWindow, reinterpret_cast<LPARAM>(&windows));
+    return windows;
+}
+
 std::string DescribeWindow(HWND window)
 {
     RECT place = {};
@@ -84,31 +76,13 @@ std::string DescribeWindow(HWND window)
            std::to_string(place.right) + "," + std::to_string(place.bottom) + ")";
 }
 
-std::string DescribeTree(HWND window)
-{
-    std::string listing = DescribeWindow(window) + "\n";
-    for (const HWND child : Descendants(window))
-    {
-        std::string indent = "  ";
-        for (HWND parent = GetParent(child); parent != nullptr && parent != window;
-             parent = GetParent(parent))
-        {
-            indent += "  ";
-        }
-        listing += indent + DescribeWindow(child) + "\n";
-    }
-    return listing;
-}
-
 std::string WithoutAccessKeys(const std::string& label)
 {
     std::string text;
     for (std::size_t position = 0; position < label.size(); ++position)
     {
         if (label[position] == '&' && position + 1 < label.size())
-        {
             ++position;
-        }
         text += label[position];
     }
     return text;
@@ -118,24 +92,20 @@ LRESULT Control::Send(UINT message, WPARAM wParam, LPARAM lParam) const
 {
     DWORD_PTR result = 0;
     if (!SendMessageTimeoutA(m_window, message, wParam, lParam, SMTO_NORMAL, m_script->Patience(), &result))
-    {
         throw ScriptFailure("no answer to message " + std::to_string(message) + " from a control");
-    }
     return static_cast<LRESULT>(result);
 }
 
 void Control::Post(UINT message, WPARAM wParam, LPARAM lParam) const
 {
     if (!PostMessageA(m_window, message, wParam, lParam))
-    {
         throw ScriptFailure("a message could not be posted to a control");
-    }
     m_script->Settle(m_window);
 }
 
-bool Control::IsClass(const char* part) const
+bool Control::IsListBox() const
 {
-    return Lower(WindowClass(m_window)).find(Lower(part)) != std::string::npos;
+    return WindowClass(m_window) == "ListBox";
 }
 
 bool Control::HasFocus() const
@@ -148,9 +118,7 @@ void Control::Focus() const
 {
     HWND dialog = GetParent(m_window);
     while (GetParent(dialog) != nullptr && (GetWindowLongPtrA(dialog, GWL_STYLE) & WS_CHILD) != 0)
-    {
         dialog = GetParent(dialog);
-    }
     PostMessageA(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(m_window), TRUE);
     m_script->Settle(m_window);
     m_script->WaitUntil("the focus in " + DescribeWindow(m_window), [&] { return HasFocus(); });
@@ -159,14 +127,10 @@ void Control::Focus() const
 void Control::Type(const std::string& text) const
 {
     if (!HasFocus())
-    {
         Focus();
-    }
     const HWND target = m_script->FocusOf(m_window); // the edit field inside a combo box
     for (const char letter : text)
-    {
         PostMessageA(target, WM_CHAR, static_cast<unsigned char>(letter), 1);
-    }
     m_script->Settle(m_window);
 }
 
@@ -176,9 +140,7 @@ void Control::Replace(const std::string& text) const
     const HWND target = m_script->FocusOf(m_window);
     PostMessageA(target, EM_SETSEL, 0, -1);
     if (text.empty())
-    {
         PostMessageA(target, WM_CLEAR, 0, 0);
-    }
     Type(text);
 }
 
@@ -199,9 +161,7 @@ void Control::PostKey(UINT virtualKey) const
 void Control::PressKey(UINT virtualKey) const
 {
     if (!HasFocus())
-    {
         Focus();
-    }
     m_script->PressKey(m_window, virtualKey);
 }
 
@@ -260,9 +220,7 @@ void Control::Choose(int index) const
     Send(IsListBox() ? LB_SETCURSEL : CB_SETCURSEL, static_cast<WPARAM>(index));
     Notify(IsListBox() ? UINT{LBN_SELCHANGE} : UINT{CBN_SELCHANGE});
     if (!IsListBox())
-    {
         Notify(CBN_SELENDOK);
-    }
 }
 
 void Control::Choose(const std::string& item) const
@@ -270,9 +228,7 @@ void Control::Choose(const std::string& item) const
     const std::vector<std::string> items = Items();
     const auto position = std::find(items.begin(), items.end(), item);
     if (position == items.end())
-    {
         throw ScriptFailure("no item \"" + item + "\" in " + DescribeWindow(m_window));
-    }
     Choose(static_cast<int>(position - items.begin()));
 }
 
@@ -281,9 +237,7 @@ void Control::SelectItems(const std::vector<int>& indices) const
     Focus();
     Send(LB_SETSEL, FALSE, -1);
     for (const int index : indices)
-    {
         Send(LB_SETSEL, TRUE, index);
-    }
     Notify(LBN_SELCHANGE);
 }
 
@@ -294,9 +248,7 @@ void Control::SetDate(WORD year, WORD month, WORD day) const
     date.wMonth = month;
     date.wDay = day;
     if (Send(DTM_SETSYSTEMTIME, GDT_VALID, reinterpret_cast<LPARAM>(&date)) == 0)
-    {
         throw ScriptFailure("the date was refused");
-    }
     NMDATETIMECHANGE change = {};
     change.nmhdr = {m_window, static_cast<UINT_PTR>(Id()), DTN_DATETIMECHANGE};
     change.dwFlags = GDT_VALID;
@@ -354,13 +306,9 @@ HWND Dialog::FindItem(int id) const
 {
     HWND found = nullptr;
     for (const HWND control : Descendants(m_window))
-    {
         if (GetDlgCtrlID(control) == id &&
             (found == nullptr || (!IsWindowVisible(found) && IsWindowVisible(control))))
-        {
             found = control;
-        }
-    }
     return found;
 }
 
@@ -373,31 +321,23 @@ Control Dialog::Item(int id) const
 {
     const HWND control = FindItem(id);
     if (control == nullptr)
-    {
         throw ScriptFailure("no control " + std::to_string(id) + " in " + DescribeWindow(m_window));
-    }
     return {*m_script, control};
 }
 
-Control Dialog::ByText(const std::string& text) const
+void Dialog::Press(const std::string& label) const
 {
     for (const HWND control : Descendants(m_window))
-    {
-        if (IsWindowVisible(control) && LabelFits(WindowText(control), text))
-        {
-            return {*m_script, control};
-        }
-    }
-    throw ScriptFailure("no control with the text \"" + text + "\" in " + DescribeWindow(m_window));
+        if (IsWindowVisible(control) && WithoutAccessKeys(WindowText(control)) == label)
+            return Control(*m_script, control).Click();
+    throw ScriptFailure("no control with the text \"" + label + "\" in " + DescribeWindow(m_window));
 }
 
 Control Dialog::Focused() const
 {
     const HWND focus = m_script->FocusOf(m_window);
     if (focus == nullptr)
-    {
         throw ScriptFailure("nothing has the focus in " + DescribeWindow(m_window));
-    }
     return {*m_script, focus};
 }
 
@@ -424,9 +364,7 @@ void Dialog::WaitForClosed() const
     while (IsWindow(window) && IsWindowVisible(window))
     {
         if (GetTickCount64() >= end)
-        {
             throw ScriptFailure("did not close: " + DescribeWindow(window));
-        }
         Sleep(2);
     }
 }
@@ -446,9 +384,7 @@ Dialog Dialog::Page() const
 {
     const auto page = reinterpret_cast<HWND>(SendMessageA(m_window, PSM_GETCURRENTPAGEHWND, 0, 0));
     if (page == nullptr)
-    {
         throw ScriptFailure("no page in " + DescribeWindow(m_window));
-    }
     return {*m_script, page};
 }
 
@@ -464,9 +400,7 @@ void Dialog::ClickTab(int index) const
     const HWND tabs = TabControl();
     if (tabs == nullptr ||
         !SendMessageA(tabs, TCM_GETITEMRECT, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&place)))
-    {
         throw ScriptFailure("no tab " + std::to_string(index) + " in " + DescribeWindow(m_window));
-    }
     const LPARAM point = MAKELPARAM((place.left + place.right) / 2, (place.top + place.bottom) / 2);
     PostMessageA(tabs, WM_LBUTTONDOWN, MK_LBUTTON, point);
     PostMessageA(tabs, WM_LBUTTONUP, 0, point);
@@ -487,13 +421,9 @@ std::vector<std::string> Dialog::Buttons() const
 {
     std::vector<std::string> buttons;
     for (const HWND control : Descendants(m_window))
-    {
         if (IsWindowVisible(control) && WindowClass(control) == "Button" &&
             ButtonType(control) <= BS_DEFPUSHBUTTON)
-        {
             buttons.push_back(WithoutAccessKeys(WindowText(control)));
-        }
-    }
     return buttons;
 }
 
@@ -506,13 +436,8 @@ bool IsDefaultButton(HWND button)
 std::string Dialog::DefaultButton() const
 {
     for (const HWND control : Descendants(m_window))
-    {
-        if (IsWindowVisible(control) && WindowClass(control) == "Button" &&
-            IsDefaultButton(control))
-        {
+        if (IsWindowVisible(control) && WindowClass(control) == "Button" && IsDefaultButton(control))
             return WithoutAccessKeys(WindowText(control));
-        }
-    }
     return {};
 }
 

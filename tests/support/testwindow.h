@@ -13,29 +13,24 @@ class DialogScript;
 // Text, class and description of any window of this process; safe to call from any of its threads.
 std::string WindowText(HWND window);
 std::string WindowClass(HWND window);
-std::vector<HWND> Descendants(HWND window);              // children of every depth in creation (tab) order
-std::string DescribeWindow(HWND window);                 // one line: class, id, text, state, place
-std::string DescribeTree(HWND window);                   // the same for the window and its descendants
+std::vector<HWND> TopWindows();             // of every process on this desktop
+std::vector<HWND> Descendants(HWND window); // children of every depth in creation (tab) order
+std::string DescribeWindow(HWND window);    // one line: class, id, text, state, place
+std::string DescribeTree(HWND window);      // the same for the window and its descendants
 bool IsDefaultButton(HWND button);
 std::string WithoutAccessKeys(const std::string& label); // "&Save && go" becomes "Save & go"
 
-// One control of a dialog as a script's thread sees it. What a user would do goes through posted messages, so
-// that a message box opened by it does not block the script; every such call returns when the user interface
-// thread has taken the message. A failure throws ScriptFailure.
-class Control
+// What a script's thread sees of a window.
+class Window
 {
 public:
-    Control(DialogScript& script, HWND window) : m_script(&script), m_window(window)
+    Window(DialogScript& script, HWND window) : m_script(&script), m_window(window)
     {
     }
 
     HWND Handle() const
     {
         return m_window;
-    }
-    int Id() const
-    {
-        return GetDlgCtrlID(m_window);
     }
     std::string Text() const
     {
@@ -48,6 +43,24 @@ public:
     bool IsVisible() const
     {
         return IsWindowVisible(m_window) != FALSE;
+    }
+
+protected:
+    DialogScript* m_script;
+    HWND m_window;
+};
+
+// One control of a dialog. What a user would do goes through posted messages, so that a message box opened by
+// it does not block the script; every such call returns when the user interface thread has taken the message.
+// A failure throws ScriptFailure.
+class Control : public Window
+{
+public:
+    using Window::Window;
+
+    int Id() const
+    {
+        return GetDlgCtrlID(m_window);
     }
     bool HasFocus() const;
 
@@ -82,57 +95,35 @@ public:
     void SelectRow(int row) const;
 
 private:
-    bool IsClass(const char* part) const;
-    bool IsListBox() const
-    {
-        return IsClass("ListBox");
-    }
-
-    DialogScript* m_script;
-    HWND m_window;
+    bool IsListBox() const;
 };
 
-// A dialog, property sheet, property page or message box as a script's thread sees it.
-class Dialog
+// A dialog, property sheet, property page or message box.
+class Dialog : public Window
 {
 public:
-    Dialog(DialogScript& script, HWND window) : m_script(&script), m_window(window)
-    {
-    }
+    using Window::Window;
 
-    HWND Handle() const
-    {
-        return m_window;
-    }
     std::string Title() const
     {
-        return WindowText(m_window);
+        return Text();
     }
     bool IsOpen() const
     {
-        return IsWindow(m_window) != FALSE && IsWindowVisible(m_window) != FALSE;
-    }
-    bool IsEnabled() const
-    {
-        return IsWindowEnabled(m_window) != FALSE;
+        return IsVisible();
     }
 
-    // Controls by id or by their own text; "&" of access keys is ignored when the text searched for holds
-    // none. In a property sheet the visible page is searched first.
+    // Controls by id. In a property sheet the visible page is searched first.
     bool Has(int id) const;
     Control Item(int id) const;
-    Control ByText(const std::string& text) const;
     Control Focused() const;
 
     void Press(int id) const
     {
         Item(id).Click();
     }
-    void Press(const std::string& text) const
-    {
-        ByText(text).Click();
-    }
-    void PressKey(UINT virtualKey) const; // real input into the focused control
+    void Press(const std::string& label) const; // without its access key
+    void PressKey(UINT virtualKey) const;       // real input into the focused control
     void PressF1() const
     {
         PressKey(VK_F1);
@@ -158,9 +149,6 @@ public:
 private:
     HWND FindItem(int id) const;
     HWND TabControl() const;
-
-    DialogScript* m_script;
-    HWND m_window;
 };
 
 } // namespace veltest

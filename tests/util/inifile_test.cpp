@@ -59,9 +59,7 @@ TEST(IniFile, ReadsWhatIsMeantAndSkipsWhatIsNot)
              Case{"over-long line", "[S]\nk=v" + std::string(inimaxLine, ' ') + "\n", absent},
              Case{"nothing", "", absent},
          })
-    {
         EXPECT_EQ(Found(c.text), c.value) << c.what;
-    }
 }
 
 TEST(IniFile, IsNoSettingsFileWhenBinaryOrHuge)
@@ -168,7 +166,5 @@ TEST(IniInt, TakesWholeNumbersOnly)
                                                                 {"0x-1", none},
                                                                 {"yes", none}};
     for (const auto& [text, value] : cases)
-    {
         EXPECT_EQ(iniParseInt(text), value) << text;
-    }
 }

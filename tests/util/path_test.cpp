@@ -10,7 +10,10 @@ namespace
 class PathTest : public ::testing::Test
 {
 protected:
-    CString Path(const char* name) const { return m_practice.Path(name).c_str(); }
+    CString Path(const char* name) const
+    {
+        return m_practice.Path(name).c_str();
+    }
 
     veltest::TemporaryPractice m_practice;
 };

@@ -14,9 +14,18 @@ namespace
 class SettingsTest : public ::testing::Test
 {
 protected:
-    void Write(const std::string& bytes) const { m_practice.WriteFile("veltrix.ini", bytes); }
-    std::string Bytes() const { return m_practice.ReadFile("veltrix.ini"); }
-    CString Path() const { return m_practice.IniFile().c_str(); }
+    void Write(const std::string& bytes) const
+    {
+        m_practice.WriteFile("veltrix.ini", bytes);
+    }
+    std::string Bytes() const
+    {
+        return m_practice.ReadFile("veltrix.ini");
+    }
+    CString Path() const
+    {
+        return m_practice.IniFile().c_str();
+    }
 
     veltest::TemporaryPractice m_practice;
 };
@@ -26,9 +35,7 @@ int Leftovers(const veltest::TemporaryPractice& practice)
 {
     int count = 0;
     for (const auto& entry : std::filesystem::directory_iterator(practice.Folder()))
-    {
         count += entry.is_regular_file() && entry.path().filename() != "veltrix.ini";
-    }
     return count;
 }
 
@@ -50,8 +57,8 @@ TEST_F(SettingsTest, AnswersValuesOrDefaults)
 
 TEST_F(SettingsTest, AFileThatIsNoneGivesDefaultsAndIsLeftAlone)
 {
-    for (const std::string& bytes : {std::string("[S]\0k=v", 7), std::string("\xFF\xFE[\0S\0]\0", 8),
-                                     std::string(2 * 1024 * 1024, 'x')})
+    for (const std::string& bytes :
+         {std::string("[S]\0k=v", 7), std::string("\xFF\xFE[\0S\0]\0", 8), std::string(2 * 1024 * 1024, 'x')})
     {
         Write(bytes);
         EXPECT_STREQ(velGetIniString("S", "k", "default"), "default");
@@ -115,12 +122,8 @@ TEST_F(SettingsTest, SeesEveryChangeHoweverQuick)
 VEL_CHILD_PROCESS(readForEver)
 {
     while (velGetIniInt("Race", "k", -1) != 1000)
-    {
         if (velGetIniInt("Race", "k", -1) == -1)
-        {
             return 1; // saw no file, or half a one
-        }
-    }
     return 0;
 }
 
@@ -129,9 +132,7 @@ TEST_F(SettingsTest, ReadersSeeWholeFilesAndDoNotStopAWriter)
     Write("[Race]\nk=0\n");
     veltest::ChildProcess reader("readForEver", {});
     for (int i = 1; i <= 100; ++i)
-    {
         ASSERT_TRUE(velSetIniInt("Race", "k", i));
-    }
     ASSERT_TRUE(velSetIniInt("Race", "k", 1000));
     EXPECT_EQ(reader.Wait(), 0);
 }
@@ -139,21 +140,15 @@ TEST_F(SettingsTest, ReadersSeeWholeFilesAndDoNotStopAWriter)
 VEL_CHILD_PROCESS(writeSettings)
 {
     for (int i = 0; i < 50; ++i)
-    {
         if (!velSetIniInt("Race", (arguments[0] + std::to_string(i)).c_str(), i))
-        {
             return 1;
-        }
-    }
     return 0;
 }
 
 VEL_CHILD_PROCESS(writeForEver)
 {
     for (int i = 0;; ++i)
-    {
         velSetIniInt("Race", "k", i);
-    }
 }
 
 TEST_F(SettingsTest, TwoProcessesLoseNothingOfEachOther)
@@ -177,9 +172,7 @@ TEST_F(SettingsTest, AKilledWriterLeavesAWholeFileAndNoLock)
         Write("[Race]\nk=-1\nlast=x\n");
         veltest::ChildProcess writer("writeForEver", {});
         while (velGetIniInt("Race", "k", -1) < 3 && writer.IsRunning())
-        {
             Sleep(1);
-        }
         writer.Kill();
         EXPECT_GE(velGetIniInt("Race", "k", -1), 3);
         EXPECT_STREQ(velGetIniString("Race", "last"), "x");
@@ -204,14 +197,23 @@ TEST(SettingsContainer, KeepsItsFieldsInTheirOrder)
     const auto at = [&](const auto& field) {
         return reinterpret_cast<const char*>(&field) - reinterpret_cast<const char*>(&c);
     };
-    const std::ptrdiff_t order[] = {at(c.m_nMeasWndNumDisplayPrec), at(c.m_nMeasInTracingNumDisplayPrec),
-                                    at(c.m_fTracingPrintTextScale), at(c.m_nUseUniformTeethSize),
-                                    at(c.m_nUseTracingAntiAlias), at(c.m_nTurnOnTextGuides),
-                                    at(c.m_nDisplayQuality), at(c.m_nDisplayPhotoCornerRoundedness),
-                                    at(c.m_bRecycle), at(c.m_crBackgroundColor), at(c.m_strImplants),
-                                    at(c.m_nAllowPatientChanges), at(c.m_bLimitCapturedImagesSize),
-                                    at(c.m_dLimitCapturedImagesToMegaPixel), at(c.m_fTracingLineThickness)};
+    const std::ptrdiff_t order[] = {at(c.m_nMeasWndNumDisplayPrec),
+                                    at(c.m_nMeasInTracingNumDisplayPrec),
+                                    at(c.m_fTracingPrintTextScale),
+                                    at(c.m_nUseUniformTeethSize),
+                                    at(c.m_nUseTracingAntiAlias),
+                                    at(c.m_nTurnOnTextGuides),
+                                    at(c.m_nDisplayQuality),
+                                    at(c.m_nDisplayPhotoCornerRoundedness),
+                                    at(c.m_bRecycle),
+                                    at(c.m_crBackgroundColor),
+                                    at(c.m_strImplants),
+                                    at(c.m_nAllowPatientChanges),
+                                    at(c.m_bLimitCapturedImagesSize),
+                                    at(c.m_dLimitCapturedImagesToMegaPixel),
+                                    at(c.m_fTracingLineThickness)};
     EXPECT_TRUE(std::ranges::is_sorted(order));
-    static_assert(sizeof(c.m_dLimitCapturedImagesToMegaPixel) == 8 && sizeof(c.m_fTracingLineThickness) == 4 &&
-                  sizeof(c.m_bRecycle) == 4 && sizeof(c.m_crBackgroundColor) == 4);
+    static_assert(sizeof(c.m_dLimitCapturedImagesToMegaPixel) == 8 &&
+                  sizeof(c.m_fTracingLineThickness) == 4 && sizeof(c.m_bRecycle) == 4 &&
+                  sizeof(c.m_crBackgroundColor) == 4);
 }

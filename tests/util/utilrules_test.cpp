@@ -14,7 +14,9 @@ TEST(Template, FillsEachMarkerOnce)
         std::string result;
     };
     for (const Case& c : {
-             Case{"Patient Information - <1> ID: <2>", {"Ann Lee", "A1"}, "Patient Information - Ann Lee ID: A1"},
+             Case{"Patient Information - <1> ID: <2>",
+                  {"Ann Lee", "A1"},
+                  "Patient Information - Ann Lee ID: A1"},
              Case{"<2><1><1>", {"a", "b"}, "baa"},
              Case{"<1> <2>", {"<2>", "x"}, "<2> x"},
              Case{"<1> <3>", {"a", "b"}, "a <3>"},
@@ -22,9 +24,7 @@ TEST(Template, FillsEachMarkerOnce)
              Case{"<1>", {}, "<1>"},
              Case{"", {"a"}, ""},
          })
-    {
         EXPECT_EQ(utlFillTemplate(c.text, c.arguments), c.result);
-    }
 }
 
 TEST(Template, EndsAt256Characters)
@@ -94,7 +94,5 @@ TEST(IsoDate, ChecksTheForm)
     EXPECT_TRUE(time->hour == 4 && time->minute == 5 && time->second == 6);
     for (const char* bad : {"", "2026-1-1", "2026/11/21", "2026-11-21 ", "2026-11-21 04:05", "x026-11-21",
                             "2026-11-21 04:05:0x", "2026-11-2104:05:06 "})
-    {
         EXPECT_FALSE(utlParseIsoDate(bad)) << bad;
-    }
 }

@@ -12,9 +12,7 @@ namespace
 INT_PTR CALLBACK AskingProc(HWND dialog, UINT message, WPARAM wParam, LPARAM)
 {
     if (message != WM_COMMAND)
-    {
         return message == WM_INITDIALOG ? TRUE : FALSE;
-    }
     switch (LOWORD(wParam))
     {
     case IDC_ADD:
