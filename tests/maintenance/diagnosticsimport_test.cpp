@@ -1,40 +1,20 @@
 // Diagnostics out of a patient file, through the export, into a real database.
 
-#include "app/exports/veldlgs.h"
-#include "suite/patients/velpat.h"
-#include "tests/support/sql.h"
-#include "tests/support/temporarypractice.h"
+#include "tests/maintenance/patientpractice.h"
 
 namespace
 {
-class DiagnosticsImport : public testing::Test
+class DiagnosticsImport : public PatientPractice
 {
 protected:
     DiagnosticsImport()
     {
-        m_practice.Set("Environment", "DatabaseTimeout", "50");
-        dbCPatients::Create(m_practice.Path("patients.db").c_str());
-        dbCPatient patient;
-        patient.SetID("A1");
-        patient.SetLastname("Lee");
-        patient.SetFirstname("Ann");
-        dbCTimepoint timepoint;
-        timepoint.SetName("Initial");
-        timepoint.SetDate(velCDate(2024, 1, 2));
-        timepoint.SetNumber("A1", 7);
-        patient.GetTimepoints().Add(timepoint);
-        patient.Save();
-        m_strGUID = patient.GetGUID();
         for (const char* code : {"c0", "C1", "C3", "C4", "C0"}) // the last, not the first of its code
             m_items.emplace_back(dbCDiagnosticGroup::DefineItem("Airway", "Clinical", code, "title"));
         dbCDiagnosticGroup::DefineItem("Airway", "Other", "C2", "of another category");
     }
-    ~DiagnosticsImport() override
-    {
-        dbCPatients::Close();
-    }
 
-    /// A file of the codes C0 to C`count - 1` at timepoint 7, the last at one that the patient has not.
+    /// A file of the codes C0 to C`count - 1` at timepoint 1, the last at one that the patient has not.
     std::string Write(int nFormat, int nCount) const
     {
         dbCPatient archived;
@@ -47,7 +27,7 @@ protected:
             strCode.Format("C%d", i % 5);
             info.SetGroupTitle("Airway");
             info.SetItemCode(strCode);
-            info.SetTP(i + 1 < nCount ? 7 : 8);
+            info.SetTP(i + 1 < nCount ? 1 : 8);
             info.SetValue("value " + strCode);
             info.SetNote("note " + strCode);
             archived.GetArchiveDiagnostics().Add(info);
@@ -76,21 +56,15 @@ protected:
         return texts;
     }
 
-    void Sql(const char* pszSql) const
-    {
-        veltest::RunSql(m_practice.Path("patients.db"), pszSql);
-    }
-
-    veltest::TemporaryPractice m_practice;
-    CString m_strGUID;
+    const CString m_strGUID = m_patient.GetGUID();
     std::vector<std::string> m_items;
 };
 
 TEST_F(DiagnosticsImport, FiveEntriesOneUnknownGiveFourRecordsInBothFormats)
 {
     std::vector<std::string> expected = {
-        m_items[0] + " value C0/note C0 tp7 pos0 +0", m_items[1] + " value C1/note C1 tp7 pos1 +1",
-        m_items[2] + " value C3/note C3 tp7 pos3 +3", m_items[3] + " value C4/note C4 tp-1 pos4 +4"};
+        m_items[0] + " value C0/note C0 tp1 pos0 +0", m_items[1] + " value C1/note C1 tp1 pos1 +1",
+        m_items[2] + " value C3/note C3 tp1 pos3 +3", m_items[3] + " value C4/note C4 tp-1 pos4 +4"};
     const COleDateTime before = COleDateTime::GetCurrentTime() - COleDateTimeSpan(0, 0, 0, 2);
     for (const int nFormat : {1, 2})
     {

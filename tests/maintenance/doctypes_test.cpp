@@ -1,6 +1,5 @@
 #include "patient/detailsres.h"
 #include "tests/maintenance/patientpractice.h"
-#include "tests/support/sql.h"
 
 namespace
 {
@@ -51,7 +50,6 @@ TEST_F(DoctorTypes, AreAddedRenamedAndDeletedAtOnce)
         const auto list = dialog.Item(IDC_DOCTYPE_LIST);
         const auto before = Stored();
         const auto expectButtons = [&](bool add, bool others) {
-            script.Settle(dialog.Handle());
             EXPECT_EQ(dialog.Item(IDC_DOCTYPE_ADD).IsEnabled(), add);
             EXPECT_EQ(dialog.Item(IDC_DOCTYPE_MODIFY).IsEnabled(), others);
             EXPECT_EQ(dialog.Item(IDC_DOCTYPE_DELETE).IsEnabled(), others);
@@ -106,8 +104,7 @@ TEST_F(DoctorTypes, AreAddedRenamedAndDeletedAtOnce)
 
 TEST_F(DoctorTypes, AFailureIsToldAndTheEditorStays)
 {
-    veltest::RunSql(m_practice.Path("patients.db"), "CREATE TRIGGER refuse BEFORE INSERT ON doctorTypes"
-                                                    " BEGIN SELECT RAISE(FAIL, 'the disk is full'); END");
+    Sql("CREATE TRIGGER refuse BEFORE INSERT ON doctorTypes BEGIN SELECT RAISE(FAIL, 'full'); END");
     Edit([](DialogScript& script, const Dialog& dialog) {
         dialog.Item(IDC_DOCTYPE_NAME).Replace("Arzt");
         dialog.Press(IDC_DOCTYPE_ADD);

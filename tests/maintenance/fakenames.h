@@ -15,6 +15,9 @@
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
 
+/// What the dialogs tell when a method fails.
+constexpr char namesFailed[] = "The list of predefined timepoint names could not be used.\n\nOut of order";
+
 /// The component of predefined timepoint names, answered by the test: a list in memory whose methods fail on
 /// request. It is registered for this process and stands before a component that is installed. The object
 /// lives on the test's stack, so references are not counted.
@@ -24,20 +27,9 @@ class FakeNames final : public ITimepointNames,
                         public IRunnableObject
 {
 public:
-    enum Method
-    {
-        none,
-        create,
-        createAtAll,
-        run,
-        listAvailable,
-        count,
-        item,
-        removeAt,
-        add,
-        moveUp,
-        moveDown
-    };
+    // clang-format off
+    enum Method { none, create, run, createAtAll, listAvailable, count, item, removeAt, add, moveUp, moveDown };
+    // clang-format on
 
     explicit FakeNames(std::vector<std::string> list) : names(std::move(list))
     {

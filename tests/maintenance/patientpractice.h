@@ -6,32 +6,13 @@
 #include "suite/patients/velpat.h"
 #include "tests/support/dialogquality.h"
 #include "tests/support/dialogscript.h"
+#include "tests/support/sql.h"
 #include "tests/support/temporarypractice.h"
 
 #include <gmock/gmock.h>
 
 #include <string>
-#include <utility>
 #include <vector>
-
-/// Whether patients may be changed on this computer (1 yes), for the time of a test.
-class PatientChanges
-{
-public:
-    explicit PatientChanges(int allowed)
-        : m_before(std::exchange(g_VelIniSettingContainer.m_nAllowPatientChanges, allowed))
-    {
-    }
-    ~PatientChanges()
-    {
-        g_VelIniSettingContainer.m_nAllowPatientChanges = m_before;
-    }
-    PatientChanges(const PatientChanges&) = delete;
-    PatientChanges& operator=(const PatientChanges&) = delete;
-
-private:
-    const int m_before;
-};
 
 /// A practice with one patient, whose records a test changes through the module's dialogs.
 class PatientPractice : public testing::Test
@@ -57,6 +38,18 @@ protected:
     ~PatientPractice() override
     {
         dbCPatients::Close();
+        AllowPatientChanges(1);
+    }
+
+    /// The setting of this computer; 1 allows them.
+    static void AllowPatientChanges(int allowed)
+    {
+        g_VelIniSettingContainer.m_nAllowPatientChanges = allowed;
+    }
+
+    std::vector<std::string> Sql(const std::string& sql) const
+    {
+        return veltest::RunSql(m_practice.Path("patients.db"), sql);
     }
 
     static dbCPatient Store(const char* id, const char* first, const char* last,

@@ -8,24 +8,8 @@
 namespace
 {
 
-using maint::RenameState;
-
 const CodePage letters;
 const std::vector<std::string> treatments = {"{1}", "{2}", ""};
-
-// A patient and a timepoint that nothing has been changed of.
-RenameState Unchanged(RENAME_OP operation)
-{
-    RenameState state;
-    state.operation = operation;
-    state.oldNames = state.newNames = {"Lee", "Ann"};
-    state.hasTimepoint = true;
-    state.oldTimepoint = state.newTimepoint = {"Start", "1/2/2024"};
-    state.treatmentsUsed = true;
-    state.treatments = {treatments, 0};
-    state.currentTreatment = "{1}";
-    return state;
-}
 
 TEST(RenameRules, ATreatmentIsFoundByItsExactIdAndChangedByAnotherSelection)
 {
@@ -50,39 +34,54 @@ TEST(RenameRules, ATreatmentIsFoundByItsExactIdAndChangedByAnotherSelection)
 
 TEST(RenameRules, AppliesOnlyWhatIsChangedAndValid)
 {
-    using S = RenameState;
-    const auto choose = [](S& s) { s.treatments.selected = 1; };
-    const std::tuple<const char*, RENAME_OP, std::function<void(S&)>, bool> cases[] = {
-        {"nothing", RENAME_PATIENT, [](S&) {}, false},
-        {"the other operation", RENAME_PATIENT, [](S& s) { s.newTimepoint.name = "Other"; }, false},
-        {"a name's case", RENAME_PATIENT, [](S& s) { s.newNames.last = "lee"; }, true},
-        {"no first name", RENAME_PATIENT,
-         [](S& s) {
-             s.newNames = {"Lo", ""};
-         },
-         false},
-        {"no last name", RENAME_PATIENT,
-         [](S& s) {
-             s.newNames = {"", "Jo"};
-         },
-         false},
-        {"nothing", RENAME_TIMEPOINT, [](S&) {}, false},
-        {"the name", RENAME_TIMEPOINT, [](S& s) { s.newTimepoint.name = "start"; }, true},
-        {"no name", RENAME_TIMEPOINT, [](S& s) { s.newTimepoint.name = "St\x01rt"; }, false},
-        {"the day", RENAME_TIMEPOINT, [](S& s) { s.newTimepoint.date = "1/3/2024"; }, true},
-        {"the treatment", RENAME_TIMEPOINT, choose, true},
-        {"no name, the treatment", RENAME_TIMEPOINT,
-         [&](S& s) { choose(s), s.newTimepoint.name = "St\x01rt"; }, true},
-        {"a treatment, without them", RENAME_TIMEPOINT, [&](S& s) { choose(s), s.treatmentsUsed = false; },
-         false},
-        {"all, without a timepoint", RENAME_TIMEPOINT,
-         [&](S& s) { choose(s), s.newTimepoint.name = "x", s.hasTimepoint = false; }, false},
-    };
-    for (const auto& [what, operation, change, applies] : cases)
+    constexpr RENAME_OP P = RENAME_PATIENT;
+    constexpr RENAME_OP T = RENAME_TIMEPOINT;
+    const struct
     {
-        RenameState state = Unchanged(operation);
-        change(state);
-        EXPECT_EQ(maint::CanApply(state, letters), applies) << what;
+        const char* what;
+        RENAME_OP operation;
+        bool applies;
+        const char* last = "Lee";
+        const char* first = "Ann";
+        const char* name = "Start";
+        const char* date = "1/2/2024";
+        int treatment = 0;
+        bool treatmentsUsed = true;
+        bool hasTimepoint = true;
+    } cases[] = {
+        {.what = "nothing", .operation = P, .applies = false},
+        {.what = "the other operation", .operation = P, .applies = false, .name = "Other"},
+        {.what = "a name's case", .operation = P, .applies = true, .last = "lee"},
+        {.what = "no first name", .operation = P, .applies = false, .last = "Lo", .first = ""},
+        {.what = "no last name", .operation = P, .applies = false, .last = "", .first = "Jo"},
+        {.what = "nothing", .operation = T, .applies = false},
+        {.what = "the other operation", .operation = T, .applies = false, .last = "Lo"},
+        {.what = "the name", .operation = T, .applies = true, .name = "start"},
+        {.what = "no name", .operation = T, .applies = false, .name = "St\x01rt"},
+        {.what = "the day", .operation = T, .applies = true, .date = "1/3/2024"},
+        {.what = "the treatment", .operation = T, .applies = true, .treatment = 1},
+        {.what = "both, no name", .operation = T, .applies = true, .name = "", .treatment = 1},
+        {.what = "unused", .operation = T, .applies = false, .treatment = 1, .treatmentsUsed = false},
+        {.what = "of none",
+         .operation = T,
+         .applies = false,
+         .name = "x",
+         .treatment = 1,
+         .hasTimepoint = false},
+    };
+    for (const auto& c : cases)
+    {
+        maint::RenameState state;
+        state.operation = c.operation;
+        state.oldNames = {"Lee", "Ann"};
+        state.newNames = {c.last, c.first};
+        state.hasTimepoint = c.hasTimepoint;
+        state.oldTimepoint = {"Start", "1/2/2024"};
+        state.newTimepoint = {c.name, c.date};
+        state.treatmentsUsed = c.treatmentsUsed;
+        state.treatments = {treatments, c.treatment};
+        state.currentTreatment = "{1}";
+        EXPECT_EQ(maint::CanApply(state, letters), c.applies) << c.operation << ": " << c.what;
     }
 }
 
