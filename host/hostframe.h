@@ -81,6 +81,7 @@ private:
     void TakeNotices();
     void UpdateTools();
     BOOL LoadSelected(dbCPatient& patient);
+    BOOL LoadSelectedOrTell(dbCPatient& patient); // that another computer may have removed it
     int GetSelectedTimepoint() const;
     BOOL IsOffered(const hostSCommand& command);
     BOOL IsChecked(int id) const;

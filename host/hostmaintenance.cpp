@@ -10,6 +10,8 @@
 
 #include <afxdlgs.h>
 
+#include <optional>
+
 namespace
 {
 
@@ -83,12 +85,21 @@ int hostCFrame::GetSelectedTimepoint() const
     return m_timepoints.GetNextItem(-1, LVNI_SELECTED);
 }
 
+BOOL hostCFrame::LoadSelectedOrTell(dbCPatient& patient)
+{
+    const BOOL loaded = LoadSelected(patient);
+    if (!loaded)
+    {
+        AfxMessageBox(hostText(IDS_ERR_NO_PATIENT), MB_OK | MB_ICONINFORMATION);
+    }
+    return loaded;
+}
+
 void hostCFrame::RunNewTimepoint()
 {
     dbCPatient patient;
-    if (!LoadSelected(patient))
+    if (!LoadSelectedOrTell(patient))
     {
-        AfxMessageBox(hostText(IDS_ERR_NO_PATIENT), MB_OK | MB_ICONINFORMATION);
         return;
     }
     const int before = patient.GetTimepoints().GetCount();
@@ -108,13 +119,8 @@ void hostCFrame::RunNewTimepoint()
 void hostCFrame::RunRename()
 {
     dbCPatient patient;
-    if (!LoadSelected(patient))
-    {
-        AfxMessageBox(hostText(IDS_ERR_NO_PATIENT), MB_OK | MB_ICONINFORMATION);
-        return;
-    }
-    const PatientLock lock(m_session.GetPatients(), patient.GetID());
-    if (!lock.IsLocked())
+    std::optional<PatientLock> lock;
+    if (!LoadSelectedOrTell(patient) || !lock.emplace(m_session.GetPatients(), patient.GetID()).IsLocked())
     {
         return;
     }
@@ -157,13 +163,8 @@ void hostCFrame::RunRename()
 void hostCFrame::RunDelete()
 {
     dbCPatient patient;
-    if (!LoadSelected(patient))
-    {
-        AfxMessageBox(hostText(IDS_ERR_NO_PATIENT), MB_OK | MB_ICONINFORMATION);
-        return;
-    }
-    const PatientLock lock(m_session.GetPatients(), patient.GetID());
-    if (!lock.IsLocked())
+    std::optional<PatientLock> lock;
+    if (!LoadSelectedOrTell(patient) || !lock.emplace(m_session.GetPatients(), patient.GetID()).IsLocked())
     {
         return;
     }

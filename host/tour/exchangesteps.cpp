@@ -164,6 +164,18 @@ void AwaitTransfer(tourCGuide& guide)
     guide.ExpectText("transfer", "100 ", std::to_string(last.nStatus) + " " + last.strReason.GetString());
 }
 
+/// What was received is as it was sent, was noted, and is shown.
+void ExpectReceived(tourCGuide& guide, int event, const std::string& id, const char* picture)
+{
+    guide.ExpectEvents(
+        {{event, tourReadPatient(guide, id).auditName + " data have been downloaded from FarreachVeltrix"}});
+    AwaitTransfer(guide);
+    ExpectAsSent(guide, id);
+    tourShowPatient(guide, id);
+    guide.WaitForThumbnails();
+    guide.Picture(guide.GetFrame(), picture);
+}
+
 /// Opens the archive dialog with one of the internet operations chosen and confirmed.
 Dialog Choose(tourCGuide& guide, int command, int operation)
 {
@@ -192,11 +204,6 @@ void TakeRecord(tourCGuide& guide, const char* picture)
     guide.GetScript().WaitUntil("OK can be pressed", [&] { return list.Item(IDOK).IsEnabled(); });
     guide.Picture(list.Handle(), picture);
     list.Press(IDOK);
-}
-
-std::string ReceivedEvent(tourCGuide& guide, const std::string& id)
-{
-    return tourReadPatient(guide, id).auditName + " data have been downloaded from FarreachVeltrix";
 }
 
 } // namespace
@@ -303,13 +310,8 @@ void tourPlayExchangeReceive(tourCGuide& guide)
     conflict.Press(IDOK);
     dialog.WaitForClosed();
     const std::string id = "X-" + exchange.id;
-    guide.ExpectEvents({{dbAuditNewPatient, ReceivedEvent(guide, id)}});
-    AwaitTransfer(guide);
-    ExpectAsSent(guide, id);
+    ExpectReceived(guide, dbAuditNewPatient, id, "received");
     guide.Expect(tourReadPatient(guide, exchange.id).details == before, "the other patient is unchanged");
-    tourShowPatient(guide, id);
-    guide.WaitForThumbnails();
-    guide.Picture(guide.GetFrame(), "received");
     tourShowPatient(guide, "");
 }
 
@@ -370,11 +372,6 @@ void tourPlayExchangeAgain(tourCGuide& guide)
         "patient will be merged to the existing patient.",
         IDOK, "merged");
     dialog.WaitForClosed();
-    guide.ExpectEvents({{dbAuditPatientModified, ReceivedEvent(guide, id)}});
-    AwaitTransfer(guide);
-    ExpectAsSent(guide, id);
-    tourShowPatient(guide, id);
-    guide.WaitForThumbnails();
-    guide.Picture(guide.GetFrame(), "received-again");
+    ExpectReceived(guide, dbAuditPatientModified, id, "received-again");
     guide.OnUi([] { veltest::EndTransferProgram(); });
 }

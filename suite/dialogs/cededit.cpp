@@ -30,12 +30,6 @@ std::string* LabelOf(HWND hWnd)
     return reinterpret_cast<std::string*>(::GetWindowLongPtr(hWnd, nLabelOffset));
 }
 
-bool IsLabelledEdit(HWND hWnd)
-{
-    char name[sizeof className + 1] = {};
-    return ::GetClassName(hWnd, name, sizeof name) > 0 && _stricmp(name, className) == 0;
-}
-
 bool ShowsLabel(HWND hWnd)
 {
     return ::GetFocus() != hWnd && ::CallWindowProc(pfnEdit, hWnd, WM_GETTEXTLENGTH, 0, 0) == 0;
@@ -173,21 +167,6 @@ BOOL cedCEdit::RegisterControlClass(HINSTANCE hInstance)
 BOOL cedCEdit::UnregisterControlClass(HINSTANCE hInstance)
 {
     return ::UnregisterClass(className, hInstance);
-}
-
-CString cedCEdit::GetLabel(HWND hWnd)
-{
-    const std::string* pLabel = IsLabelledEdit(hWnd) ? LabelOf(hWnd) : nullptr;
-    return pLabel != nullptr ? CString(pLabel->c_str()) : CString();
-}
-
-void cedCEdit::SetLabel(HWND hWnd, LPCTSTR pszLabel)
-{
-    if (std::string* pLabel = IsLabelledEdit(hWnd) ? LabelOf(hWnd) : nullptr; pLabel != nullptr)
-    {
-        *pLabel = pszLabel != nullptr ? pszLabel : "";
-        ::InvalidateRect(hWnd, nullptr, TRUE);
-    }
 }
 
 void cedCEditID::PreSubclassWindow()

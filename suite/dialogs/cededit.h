@@ -18,19 +18,6 @@ public:
     static BOOL RegisterControlClass(HINSTANCE hInstance);
     static BOOL UnregisterControlClass(HINSTANCE hInstance);
 
-    /// The label of a "VELEDIT" window; empty for every other window.
-    static CString GetLabel(HWND hWnd);
-    static void SetLabel(HWND hWnd, LPCTSTR pszLabel);
-
-    CString GetLabel() const
-    {
-        return GetLabel(m_hWnd);
-    }
-    void SetLabel(LPCTSTR pszLabel)
-    {
-        SetLabel(m_hWnd, pszLabel);
-    }
-
 protected:
     DECLARE_MESSAGE_MAP()
 };

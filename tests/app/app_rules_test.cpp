@@ -76,24 +76,8 @@ TEST(ParseColour, ReadsThreeNumbersAsTheCFormatDoes)
 
 TEST(ReadSettings, BringsValuesIntoTheirLimits)
 {
-    const SharedSettings defaults = {.measureWindowPrecision = 1,
-                                     .tracingPrecision = 0,
-                                     .tracingPrintTextScale = 0.7f,
-                                     .textGuides = 0,
-                                     .uniformTeethSize = 0,
-                                     .tracingAntiAlias = 1,
-                                     .displayQuality = 2,
-                                     .photoCornerRoundedness = 20,
-                                     .recycle = 0,
-                                     .backgroundColour = 0x123456u,
-                                     .implantsFolder = "Implants",
-                                     .allowPatientChanges = 1,
-                                     .capturedMegapixelLimit = 8.3,
-                                     .limitCapturedImageSize = 0,
-                                     .tracingLineThickness = 1.0f};
     using S = SharedSettings;
     const std::tuple<const char*, const char*, std::function<void(S&)>> cases[] = {
-        {"", "", [](S&) {}},
         {"Defaults/MeasWndNumDisplayPrec", "7", [](S& s) { s.measureWindowPrecision = 2; }},
         {"Defaults/MeasWndNumDisplayPrec", "-1", [](S& s) { s.measureWindowPrecision = 0; }},
         {"Defaults/MeasInTracingNumDisplayPrec", "3", [](S& s) { s.tracingPrecision = 2; }},
@@ -120,26 +104,31 @@ TEST(ReadSettings, BringsValuesIntoTheirLimits)
         {"Defaults/TracingLineThickness", "2.5", [](S& s) { s.tracingLineThickness = 2.5f; }},
         {"Defaults/TracingLineThickness", "4", [](S& s) { s.tracingLineThickness = 3.0f; }},
     };
-    for (const auto& [key, value, change] : cases)
-    {
-        const auto find = [&, one = std::string(key)](const std::string& section, const char* asked) {
-            return section + "/" + asked == one;
+    const auto read = [](const std::string& one, const std::string& value) {
+        const auto isSet = [&](const std::string& section, const char* key) {
+            return section + "/" + key == one;
         };
         SettingsSource source;
         source.defaultsSection = "Defaults";
         source.environmentSection = "Environment";
         source.workingKey = "WORKING";
         source.windowColour = 0x123456;
-        source.readInt = [&, text = value](const std::string& section, const char* asked, int fallback) {
-            return find(section, asked) ? std::stoi(text) : fallback;
+        source.readInt = [&](const std::string& section, const char* key, int fallback) {
+            return isSet(section, key) ? std::stoi(value) : fallback;
         };
-        source.readString = [&, text = value](const std::string& section, const char* asked,
-                                              const char* fallback) {
-            return std::string(find(section, asked) ? text : fallback);
+        source.readString = [&](const std::string& section, const char* key, const char* fallback) {
+            return isSet(section, key) ? value : fallback;
         };
+        return ReadSettings(source);
+    };
+    const SharedSettings defaults = read("", "");
+    EXPECT_EQ(defaults.backgroundColour, 0x123456U);
+    EXPECT_EQ(defaults.implantsFolder, "Implants");
+    for (const auto& [key, value, change] : cases)
+    {
         SharedSettings expected = defaults;
         change(expected);
-        EXPECT_EQ(ReadSettings(source), expected) << key << "=" << value;
+        EXPECT_EQ(read(key, value), expected) << key << "=" << value;
     }
 }
 

@@ -30,13 +30,6 @@ protected:
         dbCPatients::Close();
     }
 
-    /// The script begins on a new patient's sheet.
-    static __int64 Run(const std::function<__int64()>& call,
-                       const std::function<void(DialogScript&, const Dialog&)>& script)
-    {
-        return veltest::RunDialog(call, "Patient Information", script);
-    }
-
     static void FillChart(const Dialog& sheet)
     {
         sheet.Item(IDC_CHART_ID).Replace("A1");
@@ -98,7 +91,8 @@ TEST_F(EntryPoints, NewPatientsAreSavedRecordedAndNamedToTheCaller)
                 FillChart(sheet);
                 sheet.Press(end);
             };
-            const auto result = Run([&, open = call] { return open(guid); }, play);
+            const auto result =
+                veltest::RunDialog([&, open = call] { return open(guid); }, "Patient Information", play);
             EXPECT_EQ(result, end);
             EXPECT_EQ(CVeltrixLogin::m_bNewPatFromDI, 0);
             dbCPatient patient;
@@ -175,14 +169,15 @@ TEST_F(EntryPoints, AnEventThatCannotBeRecordedIsToldAndTheResultStaysOK)
     {
         veltest::RunSql(m_practice.Path("patients.db"), fault);
         CString guid;
-        const auto result = Run([&] { return NewPatientDlg(nullptr, &m_patients, guid); },
-                                [&, why = reason](DialogScript& script, const Dialog& sheet) {
-                                    FillChart(sheet);
-                                    sheet.Press(IDOK);
-                                    const std::string told = script.AnswerBox("", IDOK);
-                                    EXPECT_THAT(told, testing::StartsWith(text));
-                                    EXPECT_THAT(told, testing::HasSubstr(why));
-                                });
+        const auto play = [&, why = reason](DialogScript& script, const Dialog& sheet) {
+            FillChart(sheet);
+            sheet.Press(IDOK);
+            const std::string told = script.AnswerBox("", IDOK);
+            EXPECT_THAT(told, testing::StartsWith(text));
+            EXPECT_THAT(told, testing::HasSubstr(why));
+        };
+        const auto result = veltest::RunDialog([&] { return NewPatientDlg(nullptr, &m_patients, guid); },
+                                               "Patient Information", play);
         EXPECT_EQ(result, IDOK);
         EXPECT_EQ(!guid.IsEmpty(), known);
         veltest::RunSql(m_practice.Path("patients.db"), "DROP TRIGGER fault; DELETE FROM patients");

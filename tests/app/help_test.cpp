@@ -28,24 +28,26 @@ constexpr DWORD_PTR offset = 0x20000;
 class RecordingViewer : public velHelpViewer
 {
 public:
-    struct Call
+    struct Question
     {
         HWND owner;
         std::string file;
         UINT command;
-        DWORD_PTR data;
-        std::string name; ///< the text that data points to, for the question for a window
+        DWORD_PTR data;   ///< 0 for the question for a window
+        std::string name; ///< of the window that is asked for
+        bool operator==(const Question&) const = default;
     };
 
     HWND Call(HWND hOwner, LPCTSTR pszFile, UINT nCommand, DWORD_PTR dwData) override
     {
         const bool asks = nCommand == getWindow;
-        calls.push_back({hOwner, pszFile, nCommand, dwData, asks ? reinterpret_cast<LPCSTR>(dwData) : ""});
+        calls.push_back(
+            {hOwner, pszFile, nCommand, asks ? 0 : dwData, asks ? reinterpret_cast<LPCSTR>(dwData) : ""});
         return asks ? window : nullptr;
     }
 
-    std::vector<struct Call> calls; // oldest first
-    HWND window = nullptr;          // what the viewer claims to have opened
+    std::vector<Question> calls; // oldest first
+    HWND window = nullptr;       // what the viewer claims to have opened
 };
 
 /// The application object of the loaded module.
@@ -81,20 +83,17 @@ protected:
             script.Settle(window);
             dialog.Press(IDCANCEL);
         };
-        EXPECT_EQ(
-            veltest::RunDialog([] { return EditKeywords(nullptr, INI_LIST_PATIENT); }, "Edit Keywords", play),
-            IDCANCEL);
+        veltest::RunDialog([] { return EditKeywords(nullptr, INI_LIST_PATIENT); }, "Edit Keywords", play);
         return window;
     }
 
     /// Expects F1 and a button to show a topic.
-    void ExpectTopic(DialogScript& script, const Dialog& dialog, DWORD_PTR topic, int button = IDHELP)
+    void ExpectTopic(const Dialog& dialog, DWORD_PTR topic, int button = IDHELP)
     {
         for (const bool key : {true, false})
         {
             m_viewer.calls.clear();
             key ? dialog.PressF1() : dialog.Press(button);
-            script.Settle(dialog.Handle());
             ASSERT_EQ(m_viewer.calls.size(), 2u) << topic << (key ? " F1" : " button");
             EXPECT_EQ(m_viewer.calls[0].data, topic + offset);
             EXPECT_EQ(m_viewer.calls[0].owner, dialog.Handle());
@@ -107,24 +106,19 @@ protected:
 
 TEST_F(Help, TheUnshiftedTopicIsTriedOnceWhenNoWindowCameUp)
 {
-    const std::pair<HWND, UINT> windows[] = {
-        {GetDesktopWindow(), 2}, {nullptr, 3}, {reinterpret_cast<HWND>(0x7FFF1234), 3}}; // no window
-    for (const auto& [window, count] : windows)
+    for (const HWND window : {GetDesktopWindow(), HWND{}, reinterpret_cast<HWND>(0x7FFF1234)}) // no window
     {
+        const bool opened = window == GetDesktopWindow();
         m_viewer.window = window;
         m_viewer.calls.clear();
         const HWND editor = PressF1InKeywordEditor();
-        const auto& calls = m_viewer.calls;
-        ASSERT_EQ(calls.size(), count);
-        EXPECT_EQ(calls[0].command, helpContext);
-        EXPECT_EQ(calls[0].data, editKeywordsHelp + offset);
-        EXPECT_EQ(calls[0].owner, editor);
-        EXPECT_STRCASEEQ(calls[0].file.c_str(), m_practice.Path("sys\\Veltrix.chm").c_str());
-        EXPECT_EQ(calls[1].command, getWindow);
-        EXPECT_EQ(calls[1].name, "Veltrix Imaging Help");
-        EXPECT_EQ(calls.back().data == editKeywordsHelp, count == 3);
-        EXPECT_EQ(calls.back().command, count == 3 ? helpContext : getWindow);
-        EXPECT_EQ(calls.back().file, calls[0].file);
+        const std::string file = m_practice.Path("sys\\Veltrix.chm");
+        std::vector<RecordingViewer::Question> expected = {
+            {editor, file, helpContext, editKeywordsHelp + offset, ""},
+            {editor, file, getWindow, 0, "Veltrix Imaging Help"}};
+        if (!opened)
+            expected.push_back({editor, file, helpContext, editKeywordsHelp, ""});
+        EXPECT_EQ(m_viewer.calls, expected);
     }
 }
 
@@ -163,13 +157,13 @@ TEST_F(Help, EveryPageAndDialogHasItsTopic)
             for (const int field : {topics[page].first, IDCANCEL}) // on the frame it is the page's topic too
             {
                 sheet.Item(field).Focus();
-                ExpectTopic(script, sheet, topics[page].second, IDC_SHEET_HELP);
+                ExpectTopic(sheet, topics[page].second, IDC_SHEET_HELP);
             }
         }
         sheet.SelectPage(1);
         sheet.Press(IDC_DETAIL_EDIT_TREATING);
         const Dialog editor = script.WaitForDialog("Doctor");
-        ExpectTopic(script, editor, 140441);
+        ExpectTopic(editor, 140441);
         editor.Press(IDCANCEL);
         editor.WaitForClosed();
         sheet.Press(IDCANCEL);
@@ -187,8 +181,8 @@ TEST_F(Help, EveryPageAndDialogHasItsTopic)
         {"New Timepoint", 140374, [&] { NewTimepointDlg(nullptr, 0, nullptr, result); }},
     };
     for (const auto& [title, topic, run] : dialogs)
-        veltest::RunDialog(run, title, [&, shown = topic](DialogScript& script, const Dialog& dialog) {
-            ExpectTopic(script, dialog, shown);
+        veltest::RunDialog(run, title, [&, shown = topic](DialogScript&, const Dialog& dialog) {
+            ExpectTopic(dialog, shown);
             dialog.Press(IDCANCEL);
         });
 }

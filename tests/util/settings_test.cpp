@@ -27,17 +27,17 @@ protected:
         return m_practice.IniFile().c_str();
     }
 
+    // Files beside the settings file that a write left behind.
+    int Leftovers() const
+    {
+        int count = 0;
+        for (const auto& entry : std::filesystem::directory_iterator(m_practice.Folder()))
+            count += entry.is_regular_file() && entry.path().filename() != "veltrix.ini";
+        return count;
+    }
+
     veltest::TemporaryPractice m_practice;
 };
-
-// Files beside the settings file that a write left behind.
-int Leftovers(const veltest::TemporaryPractice& practice)
-{
-    int count = 0;
-    for (const auto& entry : std::filesystem::directory_iterator(practice.Folder()))
-        count += entry.is_regular_file() && entry.path().filename() != "veltrix.ini";
-    return count;
-}
 
 } // namespace
 
@@ -65,14 +65,14 @@ TEST_F(SettingsTest, AFileThatIsNoneGivesDefaultsAndIsLeftAlone)
         EXPECT_FALSE(velSetIniString("S", "k", "v"));
         EXPECT_EQ(Bytes(), bytes);
     }
-    velSetIniFile(m_practice.Path("working").c_str()); // a folder
-    EXPECT_STREQ(velGetIniString("S", "k", "default"), "default");
-    EXPECT_FALSE(velSetIniString("S", "k", "v"));
-    velSetIniFile(m_practice.Path("no\\such\\folder.ini").c_str());
-    EXPECT_STREQ(velGetIniString("S", "k", "default"), "default");
-    EXPECT_FALSE(velSetIniString("S", "k", "v"));
+    for (const char* path : {"working", "no\\such\\folder.ini"}) // a folder; one deep in a missing one
+    {
+        velSetIniFile(m_practice.Path(path).c_str());
+        EXPECT_STREQ(velGetIniString("S", "k", "default"), "default");
+        EXPECT_FALSE(velSetIniString("S", "k", "v"));
+    }
     velSetIniFile(nullptr);
-    EXPECT_EQ(Leftovers(m_practice), 0);
+    EXPECT_EQ(Leftovers(), 0);
 }
 
 TEST_F(SettingsTest, WritesAndKeepsComments)
@@ -86,25 +86,20 @@ TEST_F(SettingsTest, WritesAndKeepsComments)
     EXPECT_TRUE(velSetIniString("S", "k", nullptr));
     EXPECT_EQ(Bytes(), "; kept\r\n[S]\r\nn=-3\r\n");
     EXPECT_FALSE(velSetIniString("S", "k", "two\r\nlines"));
-    EXPECT_EQ(Leftovers(m_practice), 0);
+    EXPECT_EQ(Leftovers(), 0);
 }
 
-TEST_F(SettingsTest, MakesTheFileAndItsFolder)
+TEST_F(SettingsTest, MakesTheFileAndItsFolderAndKeepsAReadOnlyOne)
 {
-    velSetIniFile(m_practice.Path("new\\veltrix.ini").c_str());
+    const std::string file = m_practice.Path("new\\veltrix.ini");
+    velSetIniFile(file.c_str());
     EXPECT_TRUE(velSetIniString("S", "k", "v"));
+    SetFileAttributesA(file.c_str(), FILE_ATTRIBUTE_READONLY);
+    EXPECT_FALSE(velSetIniString("S", "k", "2"));
     EXPECT_STREQ(velGetIniString("S", "k"), "v");
+    SetFileAttributesA(file.c_str(), FILE_ATTRIBUTE_NORMAL);
     velSetIniFile(nullptr);
     EXPECT_EQ(m_practice.ReadFile("new\\veltrix.ini"), "[S]\r\nk=v\r\n");
-}
-
-TEST_F(SettingsTest, AReadOnlyFileStaysAsItIs)
-{
-    Write("[S]\nk=1\n");
-    SetFileAttributesA(Path(), FILE_ATTRIBUTE_READONLY);
-    EXPECT_FALSE(velSetIniString("S", "k", "2"));
-    EXPECT_STREQ(velGetIniString("S", "k"), "1");
-    SetFileAttributesA(Path(), FILE_ATTRIBUTE_NORMAL);
 }
 
 TEST_F(SettingsTest, SeesEveryChangeHoweverQuick)
@@ -154,15 +149,13 @@ VEL_CHILD_PROCESS(writeForEver)
 TEST_F(SettingsTest, TwoProcessesLoseNothingOfEachOther)
 {
     veltest::ChildProcess one("writeSettings", {"a"});
-    veltest::ChildProcess other("writeSettings", {"b"});
-    EXPECT_EQ(one.Wait(), 0);
-    EXPECT_EQ(other.Wait(), 0);
+    EXPECT_EQ(veltest::ChildProcess("writeSettings", {"b"}).Wait() + one.Wait(), 0);
     for (int i = 0; i < 50; ++i)
     {
         EXPECT_EQ(velGetIniInt("Race", ("a" + std::to_string(i)).c_str(), -1), i);
         EXPECT_EQ(velGetIniInt("Race", ("b" + std::to_string(i)).c_str(), -1), i);
     }
-    EXPECT_EQ(Leftovers(m_practice), 0);
+    EXPECT_EQ(Leftovers(), 0);
 }
 
 TEST_F(SettingsTest, AKilledWriterLeavesAWholeFileAndNoLock)
@@ -177,7 +170,7 @@ TEST_F(SettingsTest, AKilledWriterLeavesAWholeFileAndNoLock)
         EXPECT_GE(velGetIniInt("Race", "k", -1), 3);
         EXPECT_STREQ(velGetIniString("Race", "last"), "x");
         EXPECT_TRUE(velSetIniString("Race", "k", "mine"));
-        EXPECT_EQ(Leftovers(m_practice), 0);
+        EXPECT_EQ(Leftovers(), 0);
     }
 }
 
