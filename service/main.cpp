@@ -11,6 +11,7 @@
 
 #include <filesystem>
 #include <iostream>
+#include <limits>
 #include <map>
 #include <set>
 #include <thread>
@@ -33,6 +34,7 @@ constexpr char Usage[] = R"(velservice COMMAND [--data FOLDER] [option...]
 )";
 constexpr int DefaultPort = 8443;
 constexpr std::int64_t DefaultQuotaMegabytes = 50LL * 1024;
+constexpr std::int64_t MostQuotaMegabytes = 1024LL * 1024 * 1024;
 
 struct UsageError
 {
@@ -71,11 +73,13 @@ public:
             values.push_back(value->second);
         return values;
     }
-    std::int64_t Number(const std::string& key, std::int64_t fallback) const
+    std::int64_t Number(const std::string& key, std::int64_t fallback,
+                        std::int64_t most = std::numeric_limits<std::int64_t>::max()) const
     {
         const auto number = svc::ParseNumber(Get(key, std::to_string(fallback)));
-        if (!number)
-            throw UsageError{"--" + key + " needs a number."};
+        if (!number || *number > most)
+            throw UsageError{"--" + key + " needs a number" +
+                             (number ? " up to " + std::to_string(most) + "." : ".")};
         return *number;
     }
     std::string Required(const std::string& key) const
@@ -149,8 +153,8 @@ void Serve(const std::string& data, const Options& options, svc::Database& datab
     StopOnSignal::Block();
     signal(SIGPIPE, SIG_IGN);
     svc::Server server(accounts, records, certificate);
-    const int port =
-        server.Bind(options.Get("bind", "127.0.0.1"), static_cast<int>(options.Number("port", DefaultPort)));
+    const int port = server.Bind(options.Get("bind", "127.0.0.1"),
+                                 static_cast<int>(options.Number("port", DefaultPort, 65535)));
     const StopOnSignal stop(server);
     std::cout << "READY port=" << port << " pid=" << getpid() << " ca=" << certificate.authority << std::endl;
     server.Run();
@@ -172,7 +176,7 @@ int Run(const std::string& command, const Options& options)
         account.email = options.Required("email");
         account.first = options.Get("first");
         account.last = options.Get("last", account.name);
-        account.quota = options.Number("quota", DefaultQuotaMegabytes) << 20;
+        account.quota = options.Number("quota", DefaultQuotaMegabytes, MostQuotaMegabytes) << 20;
         accounts.Add(account, ReadPassword());
     }
     else if (command == "set-password")
@@ -196,7 +200,7 @@ int Run(const std::string& command, const Options& options)
             throw svc::Failure(404, "There is no such message.");
     }
     else
-        throw UsageError{"\"" + command + "\" is no command."};
+        throw UsageError{command.empty() ? "A command is missing." : "\"" + command + "\" is no command."};
     return 0;
 }
 } // namespace
@@ -205,7 +209,13 @@ int main(int argc, char** argv)
 {
     try
     {
-        return Run(argc > 1 ? argv[1] : "", Options(argc, argv));
+        const std::string command = argc > 1 ? argv[1] : "";
+        if (command == "--help" || command == "-h" || command == "help")
+        {
+            std::cout << Usage;
+            return 0;
+        }
+        return Run(command, Options(argc, argv));
     }
     catch (const UsageError& error)
     {
