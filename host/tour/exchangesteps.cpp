@@ -165,7 +165,7 @@ void AwaitTransfer(tourCGuide& guide)
 }
 
 /// What was received is as it was sent, was noted, and is shown.
-void ExpectReceived(tourCGuide& guide, int event, const std::string& id, const char* picture)
+void ExpectReceived(tourCGuide& guide, dbAuditKind event, const std::string& id, const char* picture)
 {
     guide.ExpectEvents(
         {{event, tourReadPatient(guide, id).auditName + " data have been downloaded from FarreachVeltrix"}});

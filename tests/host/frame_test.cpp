@@ -132,8 +132,8 @@ TEST_F(HostFrame, WithstandsANoticeWithoutAPatient)
 TEST_F(HostFrame, ANameThatWasEmptiedForAnotherTreatmentStays)
 {
     m_session.UsePracticeManagement(TRUE);
-    const auto* const row = std::find_if(m_rows.begin(), m_rows.end(),
-                                         [](const auto& r) { return !Timepoints(r.strGUID).empty(); });
+    const auto row = std::find_if(m_rows.begin(), m_rows.end(),
+                                  [](const auto& r) { return !Timepoints(r.strGUID).empty(); });
     ASSERT_NE(row, m_rows.end());
     const CString guid = row->strGUID;
     dbCPatientTreatmentStatusHistoryRow treatment;
