@@ -36,6 +36,7 @@ std::vector<maint::DiagnosticItem> ItemsOf(const std::string& group)
 {
     const dbCDiagnosticGroup definition(group.c_str(), CATEGORY);
     std::vector<maint::DiagnosticItem> items;
+    items.reserve(static_cast<std::size_t>(definition.GetItemCount()));
     for (int i = 0; i < definition.GetItemCount(); ++i)
         items.push_back(
             {definition.GetItem(i).GetItemCode().GetString(), definition.GetItem(i).GetdtID().GetString()});

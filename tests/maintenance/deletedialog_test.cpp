@@ -69,6 +69,9 @@ TEST_F(DeleteDialog, EachOperationIsDescribedAskedAndHandedBack)
         EXPECT_EQ(Run(&m_patient, 0, 0, cancel), Answer(IDCANCEL, i));
         const auto confirm = [&](DialogScript& script, const Dialog& dialog) {
             EXPECT_EQ(Radios(dialog), "I[T]P");
+            EXPECT_TRUE(dialog.Item(IDC_DELETE_TIMEPOINT).HasFocus());
+            EXPECT_EQ(dialog.DefaultButton(), "OK");
+            veltest::ExpectWellMade(dialog, "delete", {.grows = true});
             dialog.Press(radio);
             EXPECT_EQ(dialog.Item(IDC_DELETE_DESCRIPTION).Text(), descriptions[i]);
             EXPECT_EQ(Ask(script, dialog, IDNO), questions[i]);
@@ -169,23 +172,6 @@ TEST_F(DeleteDialog, AVanishedDatabaseIsToldAndNothingIsAgreedTo)
         dialog.Press(IDCANCEL);
     };
     EXPECT_EQ(Run(&m_patient, 0, 1, vanish), Answer(IDCANCEL, DELETE_PATIENT));
-}
-
-TEST_F(DeleteDialog, IsUsedByKeyboardAndLooksAsItShould)
-{
-    const auto keys = [](DialogScript& script, const Dialog& dialog) {
-        EXPECT_TRUE(dialog.Item(IDC_DELETE_TIMEPOINT).HasFocus());
-        EXPECT_EQ(dialog.DefaultButton(), "OK");
-        veltest::ExpectWellMade(dialog, "delete", {.grows = true});
-        dialog.PressAccessKey('P');
-        EXPECT_TRUE(dialog.Item(IDC_DELETE_PATIENT).IsChecked());
-        dialog.PressKey(VK_UP);
-        EXPECT_TRUE(dialog.Item(IDC_DELETE_TIMEPOINT).IsChecked());
-        dialog.PressKey(VK_RETURN);
-        script.AnswerBox("", IDNO);
-        dialog.PressKey(VK_ESCAPE);
-    };
-    EXPECT_EQ(Run(&m_patient, 1, 0, keys), Answer(IDCANCEL, DELETE_TIMEPOINT));
 }
 
 } // namespace

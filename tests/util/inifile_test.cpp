@@ -39,6 +39,7 @@ TEST(IniFile, ReadsWhatIsMeantAndSkipsWhatIsNot)
              Case{"empty", "[S]\nk=\n", ""},
              Case{"equals in the value", "[S]\nk=a=b\n", "a=b"},
              Case{"quoted", "[S]\nk=\" v \"\n", " v "},
+             Case{"quoted once", "[S]\nk=' v '\n", " v "},
              Case{"half quoted", "[S]\nk=\"v\n", "\"v"},
              Case{"one quote", "[S]\nk=\"\n", "\""},
              Case{"byte order mark", "\xEF\xBB\xBF[S]\nk=v\n", "v"},

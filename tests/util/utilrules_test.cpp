@@ -89,9 +89,12 @@ TEST(IsoDate, ChecksTheForm)
     const auto date = utlParseIsoDate("2026-11-21");
     ASSERT_TRUE(date);
     EXPECT_TRUE(date->year == 2026 && date->month == 11 && date->day == 21 && date->hour == 0);
-    const auto time = utlParseIsoDate("2026-11-21T04:05:06");
-    ASSERT_TRUE(time);
-    EXPECT_TRUE(time->hour == 4 && time->minute == 5 && time->second == 6);
+    for (const char* text : {"2026-11-21T04:05:06", "2026-11-21 04:05:06"})
+    {
+        const auto time = utlParseIsoDate(text);
+        ASSERT_TRUE(time) << text;
+        EXPECT_TRUE(time->hour == 4 && time->minute == 5 && time->second == 6);
+    }
     for (const char* bad : {"", "2026-1-1", "2026/11/21", "2026-11-21 ", "2026-11-21 04:05", "x026-11-21",
                             "2026-11-21 04:05:0x", "2026-11-2104:05:06 "})
         EXPECT_FALSE(utlParseIsoDate(bad)) << bad;
