@@ -139,9 +139,9 @@ pat::Finding patCheckPhones(const patCFieldValues& fields, const patContactContr
 {
     for (int i = 0; i < 2; ++i)
     {
-        const pat::Finding finding = pat::CheckPhone(fields.GetText(controls.nPhone[i]).GetString(),
-                                                     !fields.GetText(controls.nPhoneType[i]).IsEmpty(), i + 1,
-                                                     static_cast<unsigned>(controls.nPhoneType[i]));
+        pat::Finding finding = pat::CheckPhone(fields.GetText(controls.nPhone[i]).GetString(),
+                                               !fields.GetText(controls.nPhoneType[i]).IsEmpty(), i + 1,
+                                               static_cast<unsigned>(controls.nPhoneType[i]));
         if (!finding.bPassed)
             return finding;
     }

@@ -18,21 +18,15 @@ TEST(ChartRules, EveryCharacterOfTheIDIsJudged)
              {std::string(1, character), std::string("A") + character, std::string(1, character) + "9"})
         {
             const bool bValid = valid.find(character) != std::string::npos;
-            const pat::Finding finding = pat::CheckID(id);
-            EXPECT_EQ(finding.bPassed, bValid) << "character " << c;
-            EXPECT_EQ(finding.nMessage, bValid ? 0u : IDS_PATIENT_ID_INVALID) << "character " << c;
+            EXPECT_EQ(pat::CheckID(id).bPassed, bValid) << "character " << c;
+            EXPECT_EQ(pat::CheckID(id).nMessage, bValid ? 0u : IDS_PATIENT_ID_INVALID) << "character " << c;
         }
     }
-}
-
-TEST(ChartRules, ALongIDFailsWithoutAMessageWhateverItsCharacters)
-{
     EXPECT_TRUE(pat::CheckID(std::string(25, 'Z')).bPassed);
-    for (const std::string& id : {std::string(26, 'Z'), std::string(26, 'z'), std::string(10000, '%')})
+    for (const std::string& tooLong : {std::string(26, 'Z'), std::string(26, 'z'), std::string(10000, '%')})
     {
-        const pat::Finding finding = pat::CheckID(id);
-        EXPECT_FALSE(finding.bPassed) << id.size();
-        EXPECT_EQ(finding.nMessage, 0u) << id.size();
+        EXPECT_FALSE(pat::CheckID(tooLong).bPassed) << tooLong.size();
+        EXPECT_EQ(pat::CheckID(tooLong).nMessage, 0u) << "fails without a message";
     }
 }
 
@@ -58,13 +52,12 @@ TEST(ChartRules, ListsNameEveryCodeOnce)
 
 TEST(ChartRules, OnlyAnExistingPatientKeepsItsID)
 {
-    EXPECT_TRUE(pat::IsOwnID(false, "AB-1", "AB-1"));
-    EXPECT_TRUE(pat::IsOwnID(false, "AB-1", "ab-1"));
-    EXPECT_FALSE(pat::IsOwnID(false, "AB-1", "AB-12"));
-    EXPECT_FALSE(pat::IsOwnID(false, "AB-12", "AB-1"));
-    EXPECT_FALSE(pat::IsOwnID(false, "A[", "A{")); // one bit apart, as letters of two cases are
+    for (const char* own : {"AB-1", "ab-1"})
+        EXPECT_TRUE(pat::IsOwnID(false, "AB-1", own));
+    for (const char* other :
+         {"AB-12", "AB", "AB\r1"}) // "\r" is one bit from "-", as letters of two cases are
+        EXPECT_FALSE(pat::IsOwnID(false, "AB-1", other)) << other;
     EXPECT_FALSE(pat::IsOwnID(true, "AB-1", "AB-1"));
-    EXPECT_FALSE(pat::IsOwnID(true, "AB-1", ""));
 }
 
 } // namespace

@@ -34,8 +34,6 @@ namespace
 using veltest::Dialog;
 using veltest::DialogScript;
 
-constexpr char emptyID[] = "You must enter a new patient ID";
-
 void RunDialog(CDialog& dialog, INT_PTR nExpected,
                const std::function<void(DialogScript&, const Dialog&)>& script)
 {
@@ -55,68 +53,45 @@ struct SamePerson : CChangePatientID
     }
 };
 
-void ExpectChoice(const Dialog& dialog, bool bCreateNew, const char* pszID)
+void ExpectChoice(const Dialog& dialog, bool bCreateNew, const std::string& id)
 {
     EXPECT_EQ(dialog.Item(IDC_IDCONFLICT_CREATE).IsChecked(), bCreateNew);
     EXPECT_EQ(dialog.Item(IDC_IDCONFLICT_MERGE).IsChecked(), !bCreateNew);
     EXPECT_EQ(dialog.Item(IDC_IDCONFLICT_ID).IsEnabled(), bCreateNew);
-    EXPECT_EQ(dialog.Item(IDC_IDCONFLICT_ID).Text(), pszID);
+    EXPECT_EQ(dialog.Item(IDC_IDCONFLICT_ID).Text(), id);
     EXPECT_EQ(dialog.Item(IDOK).Text(), bCreateNew ? "Create New" : "Merge");
-    if (bCreateNew)
-    {
-        EXPECT_TRUE(dialog.Item(IDC_IDCONFLICT_ID).HasFocus());
-    }
+    EXPECT_TRUE(!bCreateNew || dialog.Item(IDC_IDCONFLICT_ID).HasFocus());
 }
 
 TEST(ChangePatientID, OffersTheRecordsOwnIDAndTakesWhatIsEntered)
 {
-    for (const char* pszProposed : {"B7", "A1", "a1", ""})
+    for (const std::string proposed : {"B7", "A1", "a1", ""})
     {
-        SCOPED_TRACE(pszProposed);
-        const std::string offered = std::string(pszProposed) == "A1" ? "" : pszProposed; // exactly the same
-        SamePerson dialog(pszProposed);
+        SCOPED_TRACE(proposed);
+        SamePerson dialog(proposed.c_str());
         RunDialog(dialog, IDOK, [&](DialogScript&, const Dialog& window) {
             EXPECT_EQ(window.Item(IDC_IDCONFLICT_MESSAGE).Text(),
                       "An existing patient (O'Lee, Ann & %s <1> ID:A1) in veltrix has same name and birth "
                       "date. Please select the following action.");
-            ExpectChoice(window, true, offered.c_str());
+            ExpectChoice(window, true, proposed == "A1" ? "" : proposed); // exactly the same
             window.Item(IDC_IDCONFLICT_ID).Replace("C9");
             window.Press(IDC_IDCONFLICT_MERGE);
             ExpectChoice(window, false, "C9");
             window.Press(IDC_IDCONFLICT_CREATE);
             // What was typed gives way to the record's own ID; where there is none to offer, it stays.
-            ExpectChoice(window, true, std::string(pszProposed) == "A1" ? "C9" : pszProposed);
+            ExpectChoice(window, true, proposed == "A1" ? "C9" : proposed);
             window.Item(IDC_IDCONFLICT_ID).Replace(" d4 ");
             window.Press(IDOK);
         });
         EXPECT_STREQ(dialog.m_strResultID, " d4 ");
         EXPECT_EQ(dialog.m_nMode, CChangePatientID::CreateNew);
-    }
-}
-
-TEST(ChangePatientID, MergingGivesTheExistingID)
-{
-    SamePerson dialog("B7");
-    RunDialog(dialog, IDOK, [](DialogScript&, const Dialog& window) {
-        window.Press(IDC_IDCONFLICT_MERGE);
-        window.Press(IDOK);
-    });
-    EXPECT_STREQ(dialog.m_strResultID, "A1");
-    EXPECT_EQ(dialog.m_nMode, CChangePatientID::Merge);
-}
-
-TEST(ChangePatientID, AnEmptyIDIsToldAndLeftToTheCaller)
-{
-    SamePerson same("A1");
-    CGetUniquePatID taken;
-    for (CDialog* const pDialog : {static_cast<CDialog*>(&same), static_cast<CDialog*>(&taken)})
-        RunDialog(*pDialog, IDOK, [](DialogScript& script, const Dialog& window) {
+        RunDialog(dialog, IDOK, [](DialogScript&, const Dialog& window) {
+            window.Press(IDC_IDCONFLICT_MERGE);
             window.Press(IDOK);
-            script.AnswerBox(emptyID, IDOK);
-            window.WaitForClosed();
         });
-    EXPECT_STREQ(same.m_strResultID, "");
-    EXPECT_STREQ(taken.m_strResultID, "");
+        EXPECT_STREQ(dialog.m_strResultID, "A1");
+        EXPECT_EQ(dialog.m_nMode, CChangePatientID::Merge);
+    }
 }
 
 TEST(GetUniquePatID, TakesAnotherID)
@@ -137,31 +112,35 @@ TEST(GetUniquePatID, TakesAnotherID)
     EXPECT_STREQ(dialog.m_strResultID, std::string(25, 'B').c_str());
 }
 
-TEST(IDConflict, DialogsLookAsTheyShouldAndCancelGivesNothing)
+TEST(IDConflict, DialogsLookAsTheyShouldCancelGivesNothingAndAnEmptyIDIsLeftToTheCaller)
 {
     const veltest::TemporaryPractice practice;
     practice.Set("defaults", "DebugHelp", "1");
-    const std::string longName = "Wilhelmina Josephine van der Westhuizen-Montgomery";
-    SamePerson same("B7");
-    same.m_strExistingPatient = (longName + ", " + longName + " ID:A1").c_str();
+    const CString strLong = "Wilhelmina Josephine van der Westhuizen-Montgomery";
+    SamePerson same("A1");
+    same.m_strExistingPatient = strLong + ", " + strLong + " ID:A1";
     CGetUniquePatID taken;
     taken.m_strTakenID = "WESTHUIZEN-MONTGOMERY-199";
-    taken.m_strPatientName = (longName + ", " + longName).c_str();
-    const auto look = [](const char* pszPicture, int nTopic) {
-        return [=](DialogScript& script, const Dialog& window) {
-            EXPECT_EQ(veltest::DialogFindings(window.Handle()), "");
-            EXPECT_TRUE(veltest::SavePicture(window.Handle(), pszPicture));
+    taken.m_strPatientName = strLong + ", " + strLong;
+    const auto look = [](CDialog& dialog, const CString& strResultID, const char* pszPicture, int nTopic) {
+        RunDialog(dialog, IDCANCEL, [=](DialogScript& script, const Dialog& window) {
+            veltest::ExpectWellMade(window, pszPicture);
             window.PressF1();
-            EXPECT_THAT(script.WaitForBox().BoxText(), testing::HasSubstr(std::to_string(nTopic)));
-            script.AnswerBox("", IDOK);
+            EXPECT_THAT(script.AnswerBox("", IDOK), testing::HasSubstr(std::to_string(nTopic)));
             window.Item(IDC_IDCONFLICT_ID).Replace("C9");
             window.Press(IDCANCEL);
-        };
+        });
+        EXPECT_STREQ(strResultID, "");
+        RunDialog(dialog, IDOK, [](DialogScript& script, const Dialog& window) {
+            window.Item(IDC_IDCONFLICT_ID).Replace("");
+            window.Press(IDOK);
+            script.AnswerBox("You must enter a new patient ID", IDOK);
+            window.WaitForClosed();
+        });
+        EXPECT_STREQ(strResultID, "");
     };
-    RunDialog(same, IDCANCEL, look("change-patient-id", 140435));
-    RunDialog(taken, IDCANCEL, look("unique-patient-id", 140436));
-    EXPECT_STREQ(same.m_strResultID, "");
-    EXPECT_STREQ(taken.m_strResultID, "");
+    look(same, same.m_strResultID, "change-patient-id", 140435);
+    look(taken, taken.m_strResultID, "unique-patient-id", 140436);
 }
 
 } // namespace

@@ -1,12 +1,9 @@
 // The sheet against a database that fails, and other users.
 
-#include "tests/patient/patientimage.h"
 #include "tests/patient/sheetfixture.h"
 
 namespace
 {
-
-using SheetFailureTest = SheetTest;
 
 // Some reason follows.
 const auto notSaved =
@@ -37,6 +34,17 @@ public:
     Action m_onSimilarPatient;
 };
 
+class SheetFailureTest : public SheetTest
+{
+protected:
+    SheetFailureTest()
+    {
+        m_pPatients = &m_watched;
+    }
+
+    WatchedPatients m_watched;
+};
+
 TEST_F(SheetFailureTest, ADatabaseThatFailsDuringOKLeavesTheSheetOpen)
 {
     const WatchedPatients::Action fail = [](LPCTSTR) { dbCException::Throw(dbErrIO, "the cable is out"); };
@@ -45,17 +53,15 @@ TEST_F(SheetFailureTest, ADatabaseThatFailsDuringOKLeavesTheSheetOpen)
         {fail, {}}, {{}, fail}, {{}, close}};
     for (const auto& [onUniqueID, onSimilarPatient] : moments)
     {
-        WatchedPatients patients;
-        patients.m_onUniqueID = onUniqueID;
-        patients.m_onSimilarPatient = onSimilarPatient;
-        m_pPatients = &patients;
+        m_watched.m_onUniqueID = onUniqueID;
+        m_watched.m_onSimilarPatient = onSimilarPatient;
         New(IDCANCEL, [](DialogScript& script, const Dialog& sheet) {
-            FillNames(sheet, "A1", "Ann", "Lee");
+            FillNames(sheet, "A1");
             ExpectRefused(script, sheet, notSaved);
             EXPECT_EQ(sheet.Item(IDC_CHART_FIRSTNAME).Text(), "Ann");
         });
         if (!dbCPatients::IsOpen())
-            dbCPatients::Open(DatabasePath().c_str());
+            dbCPatients::Open(database.Path().c_str());
         EXPECT_TRUE(m_patients.IsIDFree("A1"));
     }
 }
@@ -65,15 +71,8 @@ TEST_F(SheetFailureTest, ADatabaseThatFailsDuringOKLeavesTheSheetOpen)
 TEST_F(SheetFailureTest, AnOKThatFailsLeavesNothingAndLosesNothing)
 {
     dbCPatient patient = StorePatient("A1");
-    PatientImage expected = ImageOf(patient);
-    WatchedPatients patients;
-    patients.m_onUniqueID = [&](LPCTSTR pszID) { // another user takes the ID at once
-        dbCPatient other;
-        other.SetID(pszID);
-        other.SetLastname("Other");
-        other.Save();
-    };
-    m_pPatients = &patients;
+    PatientImage expected = database.ImageOf("A1");
+    m_watched.m_onUniqueID = [](LPCTSTR pszID) { NewPatient(pszID, "Other").Save(); }; // another user's
     Change(patient, IDOK, [&](DialogScript& script, const Dialog& sheet) {
         sheet.Item(IDC_CHART_ID).SetText("A2");
         sheet.Item(IDC_CHART_TEETH).Focus();
@@ -82,33 +81,27 @@ TEST_F(SheetFailureTest, AnOKThatFailsLeavesNothingAndLosesNothing)
         sheet.Item(IDC_GUARD_TITLE).SetText("Dr");
         sheet.SelectPage(pat::ReferralPage);
         sheet.Item(IDC_REFER_DOCTOR).Choose("Bell, Grace");
-        sheet.SettleIdle();
-        sheet.Press(IDC_ROWS_ADD);
+        PressSettled(sheet, IDC_ROWS_ADD);
         sheet.SelectPage(pat::InsurancePage);
         sheet.Item(IDC_INSURE_COMPANY).SetText("Northfield");
-        sheet.SettleIdle();
-        sheet.Press(IDC_ROWS_ADD);
+        PressSettled(sheet, IDC_ROWS_ADD);
         ExpectRefused(script, sheet, "The patient ID already exists. Please enter a unique ID.",
                       IDC_CHART_ID);
-        EXPECT_EQ(SelectedText(sheet.Item(IDC_CHART_ID)), "A2");
         sheet.Item(IDC_CHART_ID).SetText("A3");
     });
-    const PatientImage after = ImageOf(Stored("A3"));
-    expected["id"] = "A3";
-    expected["person.0.title"] = "Dr";
-    for (const auto& [name, value] : after)
-    {
+    expected["patientID"] = "A3";
+    expected["1.title"] = "Dr";
+    expected["teeth"] = "M" + std::string(31, 'P');
+    for (const auto& [name, value] : database.ImageOf("A3"))
         if (name.starts_with("referral.1.") || name.starts_with("insurance.1."))
             expected[name] = value;
-    }
-    expected["teeth"] = std::string("M") + std::string(31, 'P');
-    expected["referral.1.doctor"] = m_strGrace.GetString();
+    expected["referral.1.doctor"] = "Bell, Grace";
     expected["insurance.1.company"] = "Northfield";
-    EXPECT_THAT(Differences(expected, after), testing::IsEmpty());
+    ExpectStored("A3", expected);
     dbCInsuranceCompanies companies;
     companies.Load();
     EXPECT_EQ(companies.GetCount(), 2);
-    EXPECT_EQ(Stored("A2").GetLastname(0), "Other");
+    EXPECT_EQ(Loaded("A2").GetLastname(0), "Other");
 }
 
 TEST_F(SheetFailureTest, ARecordThatIsHereAlreadySaysSo)
@@ -132,30 +125,31 @@ TEST_F(SheetFailureTest, TheCallersTransactionCanUndoTheSheet)
     dbCPatient data;
     {
         dbCTransaction outer;
-        NewWithData(data, IDOK,
-                    [](DialogScript&, const Dialog& sheet) { FillNames(sheet, "A1", "Ann", "Lee"); });
+        NewWithData(data, IDOK, [](DialogScript&, const Dialog& sheet) { FillNames(sheet, "A1"); });
         EXPECT_TRUE(data.IsValid());
         EXPECT_EQ(data.GetID(), "A1");
     }
     EXPECT_FALSE(data.IsValid());
     EXPECT_TRUE(m_patients.IsIDFree("A1"));
     data.Save();
-    EXPECT_EQ(Stored("A1").GetFirstname(0), "Ann");
+    EXPECT_EQ(Loaded("A1").GetFirstname(0), "Ann");
 }
 
 TEST_F(SheetFailureTest, ARecordChangedElsewhereIsNotOverwritten)
 {
     dbCPatient patient = StorePatient("A1");
-    dbCPatient other = Stored("A1");
+    dbCPatient other = Loaded("A1");
     other.SetNickname("other");
-    WatchedPatients patients;
-    patients.m_onUniqueID = [&](LPCTSTR) { other.Save(); };
-    m_pPatients = &patients;
+    PatientImage expected;
+    m_watched.m_onUniqueID = [&](LPCTSTR) {
+        other.Save();
+        expected = database.ImageOf("A1");
+    };
     Change(patient, IDCANCEL, [](DialogScript& script, const Dialog& sheet) {
         FillNames(sheet, "A2", "Anna", "Lee");
         ExpectRefused(script, sheet, notSaved);
     });
-    EXPECT_THAT(Differences(ImageOf(other), ImageOf(Stored("A1"))), testing::IsEmpty());
+    ExpectStored("A1", expected);
 }
 
 TEST_F(SheetFailureTest, APatientThatIsGoneCanOnlyBeCancelled)
@@ -168,7 +162,7 @@ TEST_F(SheetFailureTest, APatientThatIsGoneCanOnlyBeCancelled)
                               script.AnswerBox("Error occurs when loading patient info", IDOK);
                               const Dialog sheet = script.WaitForDialogWith(IDC_CHART_ID);
                               EXPECT_FALSE(sheet.Item(IDOK).IsEnabled());
-                              FillNames(sheet, "A1", "Ann", "Lee");
+                              FillNames(sheet, "A1");
                               sheet.Press(IDCANCEL);
                           });
     EXPECT_EQ(result, IDCANCEL);
@@ -178,9 +172,9 @@ TEST_F(SheetFailureTest, APatientThatIsGoneCanOnlyBeCancelled)
 // Pages that need the database say so, and the sheet stays.
 TEST_F(SheetFailureTest, ALostDatabaseIsReportedByThePagesThatNeedIt)
 {
-    m_practice.Set("Environment", "DatabaseTimeout", "1");
+    database.practice.Set("Environment", "DatabaseTimeout", "1");
     New(IDCANCEL, [&](DialogScript& script, const Dialog& sheet) {
-        FillNames(sheet, "A2", "Ann", "Lee");
+        FillNames(sheet, "A2");
         dbCPatients::Close();
         for (const int nPage : {pat::DetailPage, pat::ReferralPage, pat::InsurancePage})
         {

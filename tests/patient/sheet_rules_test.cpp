@@ -28,17 +28,15 @@ TEST(SheetRules, TheBillingPartyIsAskedForOnlyWhenNeeded)
         bool bGuardianOpened;
         const char* pszLastname;
         bool bAsked;
-    } cases[] = {
-        {0, false, "", false},
-        {0, true, "", false},
-        {1, false, "", true},
-        {1, false, "Lee", true},
-        {1, true, "", true},
-        {1, true, " Lee\r\n", false},
-        {1, true, " \t\r\n\v\f", true},
-        {-1, true, "", true},
-        {1, true, "\xA0", false}, // a no-break space is no blank in this code page's C locale
-    };
+    } cases[] = {{0, false, "", false},
+                 {0, true, "", false},
+                 {1, false, "", true},
+                 {1, false, "Lee", true},
+                 {1, true, "", true},
+                 {1, true, " Lee\r\n", false},
+                 {1, true, " \t\r\n\v\f", true},
+                 {-1, true, "", true},
+                 {1, true, "\xA0", false}}; // a no-break space is no blank in this code page's C locale
     for (const auto& c : cases)
     {
         pat::SheetState state;

@@ -5,21 +5,13 @@ using veltest::Dialog;
 using veltest::DialogScript;
 
 SheetTest::SheetTest()
+    : m_strIda(AddDoctor("Sorel", "Ida")), m_strGrace(AddDoctor("Bell", "Grace")),
+      m_strNorth(dbCOfficeLocations().AddOffice("North")),
+      m_strSouth(dbCOfficeLocations().AddOffice("South")),
+      m_strUrgent(dbCPatientStatusList().AddStatus("Urgent")),
+      m_strWaiting(dbCPatientStatusList().AddStatus("Waiting")),
+      m_strHarbour(dbCInsuranceCompanies::FindOrAdd("Harbour Mutual"))
 {
-    m_practice.Set("Environment", "DatabaseTimeout", "2000"); // milliseconds
-    dbCPatients::Create(DatabasePath().c_str());
-    m_strIda = StoreDoctor("Ida", "Sorel", TRUE);
-    m_strGrace = StoreDoctor("Grace", "Bell", TRUE);
-    dbCOfficeLocations offices;
-    m_strNorth = offices.AddOffice("North");
-    m_strSouth = offices.AddOffice("South");
-    dbCPatientStatusList statuses;
-    m_strUrgent = statuses.AddStatus("Urgent");
-    m_strWaiting = statuses.AddStatus("Waiting");
-    dbCInsuranceCompany company;
-    company.SetName("Harbour Mutual");
-    company.Save();
-    m_strHarbour = company.GetCompanyGUID();
 }
 
 namespace
@@ -54,90 +46,45 @@ void SheetTest::Change(dbCPatient& patient, int nButton, const Script& script)
     Play([&] { return ChangePatientDlg(nullptr, m_pPatients, &patient); }, nButton, script);
 }
 
-void SheetTest::FillPatient(dbCPatient& patient, const char* pszFirstname, const char* pszLastname) const
+void SheetTest::OnDetails(int nButton, const Script& script)
 {
+    dbCPatient patient = Loaded("A1");
+    Change(patient, nButton, [&](DialogScript& s, const Dialog& sheet) {
+        sheet.SelectPage(pat::DetailPage);
+        script(s, sheet);
+    });
+}
+
+void SheetTest::InDoctorEditor(const Script& script)
+{
+    OnDetails(IDCANCEL, [&](DialogScript& s, const Dialog& sheet) {
+        sheet.Press(IDC_DETAIL_EDIT_REFERRING);
+        const Dialog editor = s.WaitForDialog("Doctor");
+        script(s, editor);
+        editor.WaitForClosed();
+        s.Settle(sheet.Handle());
+    });
+}
+
+dbCPatient SheetTest::MakePatient(const char* pszID, const char* pszFirstname) const
+{
+    dbCPatient patient = FullPatient(pszID);
     patient.SetFirstname(pszFirstname);
-    patient.SetLastname(pszLastname);
-    patient.SetNickname("Nan");
-    patient.SetEmail("ann@example.org");
-    patient.SetBirthdate(velCDate(2012, 3, 4));
-    patient.SetGender(1);
-    patient.SetGenderIdentity(3);
-    patient.SetRace(9);
-    patient.SetTitle("Ms");
-    patient.SetModelNumber("M-1");
-    patient.SetSalutation("Dear Ann");
-    patient.SetKeywords("Braces");
-    patient.SetNotes("first note");
+    patient.SetLastname("Lee");
+    patient.SetNickname(std::string(40, 'n').c_str()); // longer than can be typed
+    patient.SetNotes(std::string(600, 'n').c_str());
+    patient.SetGender(0);
+    patient.SetTeeth("");
     patient.SetOfficeID(m_strNorth);
     patient.SetStatusID(m_strUrgent);
-    dbCAddress address;
-    address.SetType("O");
-    address.SetCompany("Lee Ltd");
-    address.SetStreet("Quay 1");
-    address.SetCity("Northport");
-    address.SetState("NP");
-    address.SetPostalCode("12345");
-    address.SetCountry("Ruritania");
-    patient.SetAddress(0, address);
-    patient.GetPhones().Add(dbCPhone("111", dbCPhone::GetTypeName(0)));
-    patient.GetPhones().Add(dbCPhone("222", "Pager"));
     patient.GetPhones().Add(dbCPhone("333", dbCPhone::GetTypeName(1)));
-
-    dbCPerson guardian;
-    guardian.SetTitle("Mrs");
-    guardian.SetFirstname("Eve");
-    guardian.SetLastname("Lee");
-    guardian.SetNickname("Evie");
-    guardian.SetSalutation("Dear Eve");
-    guardian.SetBirthdate(velCDate(1980, 12, 31));
-    guardian.SetGender(2);
-    guardian.SetEmail("eve@example.org");
-    guardian.SetNotes("line 1\r\nline 2");
-    address.SetType("H");
-    address.SetCity("Southport");
-    guardian.SetAddress(0, address);
-    address.SetCity("Elsewhere");
-    guardian.SetAddress(1, address);
-    guardian.SetPhone(0, dbCPhone("444", dbCPhone::GetTypeName(0)));
-    guardian.SetPhone(1, dbCPhone("555", dbCPhone::GetTypeName(1)));
-    patient.AddPersonInfo(dbPersonGuardian, guardian);
     dbCPerson doctor;
     doctor.SetPersonGUID(m_strIda);
     patient.SetPersonInfo(dbPersonTreatingDoctor, doctor);
-
-    dbCInsurance insurance;
-    insurance.SetCompanyGUID(m_strHarbour);
-    insurance.SetCompanyName("Harbour Mutual");
-    insurance.SetHolder("Eve Lee");
-    insurance.SetNumber("17");
-    insurance.SetGroup("G-1");
-    insurance.SetNote("kept");
-    patient.AssignInsurance(insurance);
+    patient.GetInsurances()[0].SetCompanyGUID(m_strHarbour);
+    patient.GetInsurances()[0].SetCompanyName("Harbour Mutual");
     patient.GetReferrals().AddReferralDoc(m_strIda, velCDate(2020, 5, 6), "crowding");
-}
-
-dbCPatient SheetTest::StorePatient(const char* pszID, const char* pszFirstname, const char* pszLastname) const
-{
-    dbCPatient patient;
-    patient.SetID(pszID);
-    FillPatient(patient, pszFirstname, pszLastname);
-    patCTimepoint timepoint;
-    timepoint.SetName("Initial");
-    timepoint.SetDate(velCDate(2020, 7, 8));
-    patient.GetTimepoints().Add(&patient, timepoint, TRUE, TRUE);
-    patient.Save();
-    return Stored(pszID);
-}
-
-CString SheetTest::StoreDoctor(const char* pszFirstname, const char* pszLastname, BOOL bTreating)
-{
-    dbCDoctor doctor;
-    doctor.GetPerson().SetFirstname(pszFirstname);
-    doctor.GetPerson().SetLastname(pszLastname);
-    doctor.SetTreating(bTreating);
-    doctor.Save();
-    return doctor.GetGUID();
+    return patient;
 }
 
 CString SheetTest::LatestEvent()
@@ -152,6 +99,12 @@ void FillNames(const Dialog& sheet, const std::string& id, const std::string& fi
     sheet.Item(IDC_CHART_ID).SetText(id);
     sheet.Item(IDC_CHART_FIRSTNAME).SetText(firstname);
     sheet.Item(IDC_CHART_LASTNAME).SetText(lastname);
+}
+
+void PressSettled(const Dialog& dialog, int nButton)
+{
+    dialog.SettleIdle();
+    dialog.Press(nButton);
 }
 
 void ExpectBox(DialogScript& script, const Dialog& window, const testing::Matcher<std::string>& text,
@@ -169,9 +122,9 @@ void ExpectBox(DialogScript& script, const Dialog& window, const testing::Matche
 }
 
 void ExpectRefused(DialogScript& script, const Dialog& window, const testing::Matcher<std::string>& text,
-                   int nFocus)
+                   int nFocus, int nButton)
 {
-    window.Press(IDOK);
+    window.Press(nButton);
     ExpectBox(script, window, text, nFocus);
 }
 

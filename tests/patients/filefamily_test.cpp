@@ -3,87 +3,52 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <iterator>
+#include <sstream>
+
 using pat::FileIdentity;
 using pat::FileKind;
 
 namespace
 {
+std::vector<std::string> Words(const char* text)
+{
+    std::istringstream stream(text);
+    return {std::istream_iterator<std::string>(stream), {}};
+}
+
 TEST(FileFamily, EveryKindOfA1AndNothingElse)
 {
     const struct
     {
-        const char* name;
         FileKind kind;
         int timepoint;
-    } own[] = {
-        {"A1.PF", FileKind::PatientFile, -1},
-        {"a1.pf", FileKind::PatientFile, -1},
-        {"A100.I2A", FileKind::Image, 0},
-        {"a199.i70", FileKind::Image, 99},
-        {"A120.V2A", FileKind::Companion, 20},
-        {"A102.I2A.AVI", FileKind::FurtherImage, 2},
-        {"A103.C01", FileKind::AlternateImage, 3},
-        {"A104.DF0", FileKind::TimepointData, 4},
-        {"A104.DF1", FileKind::TimepointData, 4},
-        {"A104.DF2", FileKind::TimepointData, 4},
-        {"A104.DF3", FileKind::TimepointData, 4},
-        {"A104.M", FileKind::TimepointData, 4},
-        {"A105.D0.I2A", FileKind::DataImage, 5},
-        {"A105.x.y.I2A", FileKind::DataImage, 5},
-        {"A1$06$", FileKind::Extra, 6},
-        {"A1$06$movie.2dmorph", FileKind::Extra, 6},
-        {"A1$", FileKind::Extra, -1},
-        {"A1$6$movie.avi", FileKind::Extra, -1},
-        {"A1.2dmorph", FileKind::Morph, -1},
-        {"A107.2DMORPH", FileKind::Morph, 7},
-        {"A107x.2dmorph", FileKind::Morph, 7},
-        {"A1075.2dmorph", FileKind::Morph, -1},
-        {"A1grow.old.2dmorph", FileKind::Morph, -1},
-        {"A1.ORIGINALPF", FileKind::KeptPatientFile, -1},
-        {"A1.PF~1f@SEAT2", FileKind::UnfinishedPatientFile, -1},
-        {"A1.ACV", FileKind::DatabaseRecord, -1},
-    };
+        const char* names;
+    } own[] = {{FileKind::PatientFile, -1, "A1.PF a1.pf"},
+               {FileKind::Image, 0, "A100.I2A"},
+               {FileKind::Image, 99, "a199.i70"},
+               {FileKind::Companion, 20, "A120.V2A"},
+               {FileKind::FurtherImage, 2, "A102.I2A.AVI"},
+               {FileKind::AlternateImage, 3, "A103.C01"},
+               {FileKind::TimepointData, 4, "A104.DF0 A104.DF1 A104.DF2 A104.DF3 A104.M"},
+               {FileKind::DataImage, 5, "A105.D0.I2A A105.x.y.I2A"},
+               {FileKind::Extra, 6, "A1$06$ A1$06$movie.2dmorph"},
+               {FileKind::Extra, -1, "A1$ A1$6$movie.avi"},
+               {FileKind::Morph, -1, "A1.2dmorph A1075.2dmorph A1grow.old.2dmorph"},
+               {FileKind::Morph, 7, "A107.2DMORPH A107x.2dmorph"},
+               {FileKind::KeptPatientFile, -1, "A1.ORIGINALPF"},
+               {FileKind::UnfinishedPatientFile, -1, "A1.PF~1f@SEAT2"},
+               {FileKind::DatabaseRecord, -1, "A1.ACV"}};
     for (const auto& c : own)
-        EXPECT_EQ(pat::IdentifyFile(c.name, "A1"), (FileIdentity{c.kind, c.timepoint})) << c.name;
-
-    for (const char* other : {"A101.PF",
-                              "A101.KAZ",
-                              "A1.KAZ",
-                              "A1.001",
-                              "A1.KAR",
-                              "A1.PFX",
-                              "A100.PF",
-                              "A100.C02",
-                              "A100.C011",
-                              "A100.M1",
-                              "A100.DF4",
-                              "A100.DF",
-                              "A100.I2",
-                              "A100.I2A.JPEG",
-                              "A100.I2A.",
-                              "A100.V2A.DIC",
-                              "A10.I2A",
-                              "A1000.I2A",
-                              "A1x0.I2A",
-                              "A1.I2A",
-                              "A1200.I2A",
-                              "A12$00$x",
-                              "A1.D0.I2A",
-                              "A100.D0.V2A",
-                              "A100.D0.I2A.AVI",
-                              "A100.I2A.I2",
-                              "A105xI2A",
-                              "A12$x.2dmorph",
-                              "A1.2dmorphs",
-                              "A1",
-                              "A100",
-                              "A",
-                              "",
-                              "B100.I2A",
-                              "A12.ORIGINALPF",
-                              "A101.PF~1@X",
-                              "A12.ACV"})
+        for (const std::string& name : Words(c.names))
+            EXPECT_EQ(pat::IdentifyFile(name, "A1"), (FileIdentity{c.kind, c.timepoint})) << name;
+    for (const std::string& other :
+         Words("A101.PF A101.KAZ A1.KAZ A1.001 A1.KAR A1.PFX A100.PF A100.C02 A100.C011 A100.M1 A100.DF4 "
+               "A100.DF A100.I2 A100.I2A.JPEG A100.I2A. A100.V2A.DIC A10.I2A A1000.I2A A1x0.I2A A1.I2A "
+               "A1200.I2A A12$00$x A1.D0.I2A A100.D0.V2A A100.D0.I2A.AVI A100.I2A.I2 A105xI2A A12$x.2dmorph "
+               "A1.2dmorphs A1 A100 A B100.I2A A12.ORIGINALPF A101.PF~1@X A12.ACV"))
         EXPECT_FALSE(pat::IdentifyFile(other, "A1")) << other;
+    EXPECT_FALSE(pat::IdentifyFile("", "A1"));
     EXPECT_FALSE(pat::IdentifyFile(".PF", ""));
 }
 
@@ -108,8 +73,8 @@ TEST(FileFamily, ArchivesAreGatheredByEightPatternsInTheirOrder)
     for (const pat::FileRule& rule : pat::FileRules())
         if (!rule.searched.empty())
             searched.push_back(rule.searched);
-    EXPECT_THAT(searched, testing::ElementsAre(".PF", "??.i??", "??.v??", "??.m", "??.i??.???", "$*", "??.d?.i??",
-                                               "*.2dmorph"));
+    EXPECT_THAT(searched, testing::ElementsAre(".PF", "??.i??", "??.v??", "??.m", "??.i??.???", "$*",
+                                               "??.d?.i??", "*.2dmorph"));
 }
 
 TEST(FileFamily, MovesToAnotherIdAndNumber)
@@ -119,18 +84,16 @@ TEST(FileFamily, MovesToAnotherIdAndNumber)
         const char* name;
         int number;
         const char* moved;
-    } cases[] = {
-        {"A100.I0A", 7, "B2207.I0A"},
-        {"a100.v0a", 99, "B2299.v0a"},
-        {"A101.DF0", -1, "B2201.DF0"},
-        {"A1$01$A101.txt", 0, "B22$00$A101.txt"},
-        {"A1$1", 7, "B22$1"},
-        {"A100x.2dmorph", 7, "B2207x.2dmorph"},
-        {"A1grow.2dmorph", 7, "B22grow.2dmorph"},
-        {"A1.PF", 7, "B22.PF"},
-        {"A101.PF", 7, ""},
-        {"A100.I0A", 100, "B2200.I0A"},
-    };
+    } cases[] = {{"A100.I0A", 7, "B2207.I0A"},
+                 {"a100.v0a", 99, "B2299.v0a"},
+                 {"A101.DF0", -1, "B2201.DF0"},
+                 {"A1$01$A101.txt", 0, "B22$00$A101.txt"},
+                 {"A1$1", 7, "B22$1"},
+                 {"A100x.2dmorph", 7, "B2207x.2dmorph"},
+                 {"A1grow.2dmorph", 7, "B22grow.2dmorph"},
+                 {"A1.PF", 7, "B22.PF"},
+                 {"A101.PF", 7, ""},
+                 {"A100.I0A", 100, "B2200.I0A"}};
     for (const auto& c : cases)
         EXPECT_EQ(pat::MovedFileName(c.name, "A1", "B22", c.number), c.moved) << c.name;
 }

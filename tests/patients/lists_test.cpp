@@ -6,29 +6,24 @@
 
 namespace
 {
-struct Combo
+/// A drop-down list with a window.
+struct Combo : CComboBox
 {
     Combo()
-        : hWnd(CreateWindowExA(0, "COMBOBOX", "", WS_POPUP | CBS_DROPDOWNLIST, 0, 0, 200, 200, nullptr,
-                               nullptr, GetModuleHandleA(nullptr), nullptr))
     {
-        EXPECT_NE(hWnd, nullptr);
-        combo.Attach(hWnd);
+        EXPECT_TRUE(Attach(CreateWindowExA(0, "COMBOBOX", "", WS_POPUP | CBS_DROPDOWNLIST, 0, 0, 200, 200,
+                                           nullptr, nullptr, GetModuleHandleA(nullptr), nullptr)));
     }
-    ~Combo()
+    ~Combo() override
     {
-        DestroyWindow(combo.Detach());
+        DestroyWindow();
     }
-
-    std::string Text(int nItem)
+    CString Text(int nItem) const
     {
-        char sz[300] = "";
-        SendMessageA(hWnd, CB_GETLBTEXT, static_cast<WPARAM>(nItem), reinterpret_cast<LPARAM>(sz));
-        return sz;
+        CString strText;
+        GetLBText(nItem, strText);
+        return strText;
     }
-
-    HWND hWnd;
-    CComboBox combo;
 };
 
 TEST(Lists, TreatingDoctorsByNameWithTheirGUIDs)
@@ -37,14 +32,14 @@ TEST(Lists, TreatingDoctorsByNameWithTheirGUIDs)
     const CString strZora = AddDoctor("Zora", ""), strAbel = AddDoctor("Abel", "Ida");
     AddDoctor("Only", "Referring", FALSE);
     Combo list;
-    list.combo.AddString("<none>");
+    list.AddString("<none>");
     dbCTreatingDoctors doctors;
-    ASSERT_EQ(doctors.EnumTreatingDoctors(list.combo), 2);
-    ASSERT_EQ(list.combo.GetCount(), 3);
+    ASSERT_EQ(doctors.EnumTreatingDoctors(list), 2);
+    ASSERT_EQ(list.GetCount(), 3);
     EXPECT_EQ(list.Text(1), "Abel, Ida");
     EXPECT_EQ(list.Text(2), "Zora");
-    EXPECT_EQ(strAbel, reinterpret_cast<const char*>(list.combo.GetItemData(1)));
-    EXPECT_EQ(strZora, reinterpret_cast<const char*>(list.combo.GetItemData(2)));
+    EXPECT_EQ(strAbel, reinterpret_cast<const char*>(list.GetItemData(1)));
+    EXPECT_EQ(strZora, reinterpret_cast<const char*>(list.GetItemData(2)));
 }
 
 TEST(Lists, TreatmentsWithTheEntryForANewOne)
@@ -66,12 +61,12 @@ TEST(Lists, TreatmentsWithTheEntryForANewOne)
     }
     Combo list;
     CStringArray ptshIDs;
-    ASSERT_EQ(patient.FillTreatmentList(list.combo, ptshIDs, TRUE, TRUE), 3);
+    ASSERT_EQ(patient.FillTreatmentList(list, ptshIDs, TRUE, TRUE), 3);
     EXPECT_EQ(ptshIDs[0], ids[2]) << "oldest first";
     EXPECT_EQ(ptshIDs[1], ids[0]);
     EXPECT_EQ(ptshIDs[2], "");
-    EXPECT_EQ(list.combo.GetItemData(2), 2U);
-    EXPECT_EQ(patient.FillTreatmentList(list.combo, ptshIDs, FALSE, FALSE), 3);
-    EXPECT_EQ(list.combo.GetCount(), 3);
+    EXPECT_EQ(list.GetItemData(2), 2U);
+    EXPECT_EQ(patient.FillTreatmentList(list, ptshIDs, FALSE, FALSE), 3);
+    EXPECT_EQ(list.GetCount(), 3);
 }
 } // namespace

@@ -42,7 +42,7 @@ TEST(Keywords, WhatTwoEditorsDidIsMerged)
     EXPECT_EQ(images.GetCount(), 0);
 }
 
-TEST(Keywords, EmptyLongHardAndMany)
+TEST(Keywords, EmptyLongAndHard)
 {
     TestDatabase database;
     const CString strLong('x', 500);
@@ -57,17 +57,11 @@ TEST(Keywords, EmptyLongHardAndMany)
     EXPECT_TRUE(keywords.Add("\xC4pfel"));
     EXPECT_FALSE(keywords.Add("\xE4PFEL")) << "letter case beyond ASCII";
     EXPECT_FALSE(keywords.Remove("none"));
-    for (int i = 0; i < 5000; ++i)
-        ASSERT_TRUE(keywords.Add(std::to_string(i).c_str()));
     keywords.Save();
     CKeywords loaded;
     ASSERT_TRUE(loaded.Load(dbKeywordsImage));
-    ASSERT_EQ(loaded.GetCount(), 5004);
-    const auto words = Words(loaded);
-    EXPECT_EQ(words[0], "");
-    EXPECT_EQ(words[1], strLong.GetString());
-    EXPECT_EQ(words[2], HardText().GetString());
-    EXPECT_EQ(words.back(), "4999");
+    EXPECT_EQ(Words(loaded),
+              (std::vector<std::string>{"", strLong.GetString(), HardText().GetString(), "\xC4pfel"}));
 }
 
 TEST(Doctors, RecordEnumerationAndTypes)

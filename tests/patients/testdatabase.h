@@ -1,16 +1,48 @@
 #pragma once
 
 #include "suite/patients/velpat.h"
-#include "tests/patient/patientimage.h"
+#include "tests/support/sql.h"
 #include "tests/support/temporarypractice.h"
 
-#include <gtest/gtest.h>
-#include <sqlite3.h>
-
-#include <algorithm>
 #include <filesystem>
+#include <map>
 #include <set>
 #include <string>
+
+/// What is stored about somebody, by what it is: "0.lastName" of the person, "1.address.0.city" of a
+/// patient's guardian, "race", "referral.0.doctor". Independent of the library's own reading.
+using PatientImage = std::map<std::string, std::string>;
+
+/// Without what a patient gets only when it is stored: ids of records, and the day.
+inline PatientImage WithoutIdentity(PatientImage image)
+{
+    std::erase_if(image, [](const auto& entry) {
+        return entry.first.ends_with("guid") || entry.first == "recordDate";
+    });
+    return image;
+}
+
+/// What the images have differently, one line each; what is missing counts as empty.
+inline std::vector<std::string> Differences(PatientImage expected, PatientImage actual)
+{
+    std::vector<std::string> differences;
+    for (const auto& [name, value] : expected)
+        actual[name];
+    for (const auto& [name, value] : actual)
+        if (value != expected[name])
+            differences.push_back(name + " is \"" + value + "\", not \"" + expected[name] + "\"");
+    return differences;
+}
+
+/// To the system code page.
+inline std::string FromUtf8(const char* psz)
+{
+    wchar_t wide[4000] = L"";
+    char narrow[4000] = "";
+    MultiByteToWideChar(CP_UTF8, 0, psz, -1, wide, std::size(wide));
+    WideCharToMultiByte(CP_ACP, 0, wide, -1, narrow, std::size(narrow), nullptr, nullptr);
+    return narrow;
+}
 
 /// A practice with a new, open patient database, closed at the end.
 struct TestDatabase
@@ -28,12 +60,55 @@ struct TestDatabase
     }
 
     /// Runs SQL past the library, for what it never does itself.
-    void Execute(const char* pszSql) const
+    std::vector<std::string> Execute(const char* pszSql) const
     {
-        sqlite3* pDb = nullptr;
-        EXPECT_EQ(sqlite3_open(Path().c_str(), &pDb), SQLITE_OK);
-        EXPECT_EQ(sqlite3_exec(pDb, pszSql, nullptr, nullptr, nullptr), SQLITE_OK) << sqlite3_errmsg(pDb);
-        sqlite3_close(pDb);
+        return veltest::RunSql(Path(), pszSql);
+    }
+
+    /// The patient of this ID, or the person of this GUID.
+    PatientImage ImageOf(const char* pszID) const
+    {
+        constexpr const char* FORMAT = R"sql(
+CREATE TEMP VIEW me AS SELECT person AS id FROM patients WHERE patientID = '%s'
+    UNION SELECT id FROM persons WHERE guid = '%s';
+CREATE TEMP VIEW people AS SELECT id FROM me UNION SELECT person FROM patientPersons WHERE patient IN me AND kind = 0;
+CREATE TEMP VIEW doctorNames AS SELECT id, lastName || ', ' || firstName AS name FROM persons;
+SELECT '', patientID, genderIdentity, race, modelNumber, keywords, teeth, veltrixID, norm, recordDate,
+    (SELECT name FROM offices WHERE id = office) AS office,
+    (SELECT name FROM statuses WHERE id = status) AS status FROM patients WHERE person IN me;
+SELECT (id NOT IN me) || '.', guid, title, firstName, lastName, nickname, salutation, email, notes, birthDate, gender
+    FROM persons WHERE id IN people;
+SELECT (person NOT IN me) || '.address.' || position || '.', type, company, street, city, state, postalCode, country
+    FROM addresses WHERE person IN people;
+SELECT (person NOT IN me) || '.phone.' || position || '.', number, type FROM phones WHERE person IN people;
+SELECT (person NOT IN me) || '.', group_concat(address, ' ') AS emails FROM emails WHERE person IN people GROUP BY person;
+SELECT 'doctor.', treating, (SELECT name FROM doctorTypes WHERE id = doctors.type) AS type FROM doctors WHERE person IN me;
+SELECT CASE kind WHEN 1 THEN 'treating.' ELSE 'referring.' END, name AS doctor
+    FROM patientPersons JOIN doctorNames ON id = person WHERE patient IN me AND kind > 0;
+SELECT 'insurance.' || position || '.', guid, holder, number, groupNumber, note,
+    (SELECT name FROM insuranceCompanies WHERE id = insurances.company) AS company FROM insurances WHERE patient IN me;
+SELECT 'referral.' || position || '.', guid, type, date, note, name AS doctor
+    FROM referrals r JOIN doctorNames d ON d.id = doctor WHERE patient IN me;
+SELECT 'timepoint.' || position || '.', guid, number, name, date, active, bits0, bits1, bits2, bits3, bits4, bits5,
+    bits6, bits7, (SELECT description FROM treatmentHistory WHERE id = treatment) AS treatment
+    FROM timepoints WHERE patient IN me;
+SELECT 'image.' || number || '.' || imageGroup || '.' || type || '.', i.guid, title, note
+    FROM images i JOIN timepoints t ON t.id = timepoint WHERE patient IN me;
+SELECT 'diagnostic.' || lower(code) || '.', category, g.title, number, value, note
+    FROM diagnostics d JOIN diagnosticItems i ON i.id = item JOIN diagnosticGroups g ON g.id = diagnosticGroup
+    LEFT JOIN timepoints t ON t.id = timepoint WHERE d.patient IN me;
+SELECT 'treatment.' || description || '.', code, active, time FROM treatmentHistory WHERE patient IN me;
+SELECT 'email.' || position || '.', category, type, salutation, firstName, lastName, address
+    FROM patientEmails WHERE patient IN me;
+)sql";
+        CString strSql;
+        strSql.Format(FORMAT, pszID, pszID);
+        PatientImage image;
+        veltest::RunSql(Path(), strSql.GetString(), [&](int nColumns, char** values, char** names) {
+            for (int i = 1; i < nColumns; ++i)
+                image[std::string(values[0]) + names[i]] = values[i] != nullptr ? FromUtf8(values[i]) : "";
+        });
+        return image;
     }
 
     std::string Path() const
@@ -125,11 +200,11 @@ inline CString AddDoctor(LPCTSTR pszLast, LPCTSTR pszFirst = "Ida", BOOL bTreati
 }
 
 /// A serialization of the patient's fields, for comparing two patients as a whole.
-inline std::string Image(dbCPatient patient)
+inline std::string Image(dbCPatient patient, int nFormat = 1)
 {
     CMemFile file;
     CArchive ar(&file, CArchive::store);
-    patient.Serialize(ar);
+    patient.Serialize(ar, nFormat);
     ar.Close();
     return {reinterpret_cast<const char*>(file.GetBufferPtr()), static_cast<size_t>(file.GetLength())};
 }
@@ -199,40 +274,4 @@ inline dbCPatient FullPatient(LPCTSTR pszID, const CString& strText = "text")
         EXPECT_EQ(patient.GetTimepoints().Add(&patient, timepoint, TRUE, FALSE), 0);
     }
     return patient;
-}
-
-/// Every field of a patient that a caller can read, with what came along in an archive. Needs
-/// patientimage.cpp.
-inline PatientImage Fields(const dbCPatient& patient)
-{
-    PatientImage image = ImageOf(patient);
-    const auto put = [&](const std::string& name, int nIndex, std::initializer_list<CString> values) {
-        for (const CString& strValue : values)
-            image[name + std::to_string(nIndex)] += (strValue + "|").GetString();
-    };
-    const auto number = [](int nValue) { return CString(std::to_string(nValue).c_str()); };
-    int n = 0;
-    for (const patCTimepoint& row : patient.GetTimepoints())
-    {
-        put("timepoint", n, {row.GetDate().Format("%H:%M:%S"), row.GetptshID(), row.GetBaseFilename()});
-        put("timepoint", n, {number(row.IsActive())});
-        for (int nGroup = 0; nGroup < patCImageTypes::GROUP_COUNT; ++nGroup)
-            put("timepoint", n, {number(static_cast<int>(row.GetImageBits(nGroup)))});
-        for (const auto& [slot, info] : row.GetImageInfos())
-        {
-            put("timepoint", n, {number(slot.first), number(slot.second), info.strGUID});
-            put("title" + std::to_string(n) + ".", slot.second, {info.strTitle});
-            put("note" + std::to_string(n) + ".", slot.second, {info.strNote});
-        }
-        ++n;
-    }
-    for (const dbCDiagnosticInfo& row : patient.GetArchiveDiagnostics())
-        put("diagnostic", n++,
-            {row.GetGroupTitle(), row.GetItemCode(), number(row.GetTP()), row.GetValue(), row.GetNote()});
-    for (const dbCPatientTreatmentStatusHistoryRow& row : patient.GetArchiveTreatments())
-        put("treatment", n++,
-            {row.GetptshID(), row.GetDescription(), row.GetNewCode(), number(row.GetActive()),
-             row.GetDateTime().ToISO()});
-    put("office and status", 0, {patient.GetArchiveOffice(), patient.GetArchiveStatus()});
-    return image;
 }

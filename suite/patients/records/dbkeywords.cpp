@@ -86,5 +86,5 @@ void CKeywords::Save()
             remove.Bind(m_nList).BindUtf8(change.folded).Run();
     }
     transaction.Commit();
-    m_changes.clear();
+    m_changes.clear(); // for good: whoever rolls back a transaction around it undoes what the user did
 }
