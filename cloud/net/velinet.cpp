@@ -3,16 +3,14 @@
 #include "cloud/protocol/replybody.h"
 #include "cloud/protocol/servicetime.h"
 #include "cloud/res/cloudres.h"
+#include "suite/util/timelimit.h"
 #include "suite/util/velini.h"
 
 #include <afxwin.h>
 
 #include <array>
-#include <chrono>
 #include <ctime>
-#include <future>
 #include <memory>
-#include <thread>
 
 namespace
 {
@@ -40,23 +38,31 @@ struct Sending
     std::string headers;
     std::string line;
 
+    Sending(std::shared_ptr<CHttpFile> file, std::string headerBlock, std::string body)
+        : request(std::move(file)), headers(std::move(headerBlock)), line(std::move(body))
+    {
+    }
+    ~Sending()
+    {
+        cloud::Wipe(line);
+    }
+    Sending(const Sending&) = delete;
+    Sending& operator=(const Sending&) = delete;
+
     Sent Send()
     {
-        Sent sent{FALSE, ERROR_SUCCESS, false};
         try
         {
-            sent.bSent = request->SendRequest(headers.c_str(), static_cast<DWORD>(headers.size()),
-                                              line.data(), static_cast<DWORD>(line.size()));
-            sent.nError = ::GetLastError();
+            const BOOL bSent = request->SendRequest(headers.c_str(), static_cast<DWORD>(headers.size()),
+                                                    line.data(), static_cast<DWORD>(line.size()));
+            return {bSent, ::GetLastError(), false};
         }
         catch (CInternetException* e)
         {
-            sent.nError = e->m_dwError;
-            sent.bThrown = true;
+            const DWORD nError = e->m_dwError;
             e->Delete();
+            return {FALSE, nError, true};
         }
-        cloud::Wipe(line);
-        return sent;
     }
 };
 } // namespace
@@ -229,27 +235,18 @@ DWORD CVelInet::ConnectionFlags() const
 BOOL CVelInet::Post(const std::shared_ptr<CHttpFile>& request, const std::string& headers,
                     const std::string& line)
 {
-    const auto sending = std::make_shared<Sending>(Sending{request, headers, line});
-    std::packaged_task<Sent()> send([sending] { return sending->Send(); });
-    std::future<Sent> sent = send.get_future();
-    std::thread thread(std::move(send));
+    const auto sending = std::make_shared<Sending>(request, headers, line);
     const std::chrono::milliseconds limit(m_nSendTimeout + line.size() / velSlowestSending);
-    if (sent.wait_for(limit) != std::future_status::ready)
+    const auto sent = velCallWithin(limit, [sending] { return sending->Send(); });
+    if (!sent)
     {
-        // What the thread runs stays loaded until it ends.
-        HMODULE hModule = nullptr;
-        ::GetModuleHandleEx(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
-                            reinterpret_cast<LPCTSTR>(&CurrentTimeZoneOffset), &hModule);
-        thread.detach();
         request->Close();
         AfxThrowInternetException(GetContext(), ERROR_INTERNET_TIMEOUT);
     }
-    thread.join();
-    const Sent result = sent.get();
-    if (result.bThrown)
-        AfxThrowInternetException(GetContext(), result.nError);
-    ::SetLastError(result.nError);
-    return result.bSent;
+    if (sent->bThrown)
+        AfxThrowInternetException(GetContext(), sent->nError);
+    ::SetLastError(sent->nError);
+    return sent->bSent;
 }
 
 /// The whole body. Throws when it is cut short, longer than any of the service's, or does not come to its

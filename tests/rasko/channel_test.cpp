@@ -8,7 +8,7 @@
 
 namespace
 {
-constexpr unsigned Timeout = 400; // milliseconds
+constexpr unsigned Timeout = 1500; // milliseconds; a handshake has twice as many on the slowest machine
 
 std::string Faulty(const char* kind, const char* host = "localhost:")
 {
@@ -54,7 +54,7 @@ TEST(Channel, TellsWhatIsWrongWithTheOtherSide)
                 reason = cut.what();
             }
             EXPECT_THAT(reason, testing::HasSubstr(fault.reason)) << fault.target << fault.path << post;
-            EXPECT_LT(GetTickCount() - start, 10'000U) << fault.path;
+            EXPECT_LT(GetTickCount() - start, 20'000U) << fault.path;
         }
 }
 

@@ -76,7 +76,7 @@ TEST_F(LookTest, TheWindowShowsEveryTaskWithItsState)
             EXPECT_TRUE(IsWindowVisible(window.m_hWnd));
             EXPECT_FALSE(IsWindowEnabled(window.m_hWnd));
             for (const UINT message : {RaskoMessageOptions, RegisterWindowMessageA("WmVeltrixRasko3741")})
-                EXPECT_TRUE(SendMessageTimeoutA(window.m_hWnd, message, 0, 0, SMTO_NORMAL, 5'000, nullptr));
+                EXPECT_TRUE(SendMessageTimeoutA(window.m_hWnd, message, 0, 0, SMTO_NORMAL, 20'000, nullptr));
             options.Press(IDCANCEL);
         });
     EXPECT_TRUE(window.IsWindowEnabled());

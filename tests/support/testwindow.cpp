@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <cstdio>
 
 namespace veltest
 {
@@ -16,6 +17,7 @@ namespace
 {
 
 constexpr UINT sendPatience = 20'000; // milliseconds
+constexpr UINT stuckPatience = 120'000;
 
 BOOL CALLBACK CollectWindow(HWND window, LPARAM parameter)
 {
@@ -28,17 +30,32 @@ DWORD ButtonType(HWND button)
     return static_cast<DWORD>(GetWindowLongPtrA(button, GWL_STYLE)) & BS_TYPEMASK;
 }
 
+// Sends a message that may point to memory of the caller's. One that was not answered in time is handled
+// later all the same: the memory has to be there then, so that this returns false only afterwards. A thread
+// that never handles it ends the program.
+bool SendWithin(DWORD patience, HWND window, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR& result)
+{
+    if (SendMessageTimeoutA(window, message, wParam, lParam, SMTO_NORMAL, patience, &result))
+        return true;
+    DWORD_PTR none = 0;
+    if (IsWindow(window) && !SendMessageTimeoutA(window, WM_NULL, 0, 0, SMTO_NORMAL, stuckPatience, &none))
+    {
+        std::printf("stuck with message %u: %s\n", message, WindowClass(window).c_str());
+        TerminateProcess(GetCurrentProcess(), 3);
+    }
+    return false;
+}
+
 } // namespace
 
 std::string WindowText(HWND window)
 {
     DWORD_PTR length = 0;
-    if (!SendMessageTimeoutA(window, WM_GETTEXTLENGTH, 0, 0, SMTO_NORMAL, sendPatience, &length))
+    if (!SendWithin(sendPatience, window, WM_GETTEXTLENGTH, 0, 0, length))
         return {};
     std::string text(length + 1, '\0');
     DWORD_PTR copied = 0;
-    SendMessageTimeoutA(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()), SMTO_NORMAL,
-                        sendPatience, &copied);
+    SendWithin(sendPatience, window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()), copied);
     text.resize(std::min<std::size_t>(copied, length));
     return text;
 }
@@ -91,7 +108,7 @@ std::string WithoutAccessKeys(const std::string& label)
 LRESULT Control::Send(UINT message, WPARAM wParam, LPARAM lParam) const
 {
     DWORD_PTR result = 0;
-    if (!SendMessageTimeoutA(m_window, message, wParam, lParam, SMTO_NORMAL, m_script->Patience(), &result))
+    if (!SendWithin(m_script->Patience(), m_window, message, wParam, lParam, result))
         throw ScriptFailure("no answer to message " + std::to_string(message) + " from a control");
     return static_cast<LRESULT>(result);
 }

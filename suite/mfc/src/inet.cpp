@@ -60,7 +60,8 @@ struct Listeners
 
 Listeners& GetListeners()
 {
-    static Listeners listeners;
+    // Never destroyed: a request that was given up may still report while the program ends.
+    static Listeners& listeners = *new Listeners;
     return listeners;
 }
 

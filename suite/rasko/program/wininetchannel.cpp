@@ -1,13 +1,11 @@
 #include "suite/rasko/program/wininetchannel.h"
 
-#include <windows.h>
+#include "suite/util/timelimit.h"
+
 #include <wininet.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdlib>
-#include <future>
-#include <thread>
 #include <vector>
 
 namespace
@@ -74,8 +72,8 @@ struct WinInetChannel::Handles
     Internet session, connection;
     DWORD timeout;
 
-    /// On a thread of its own: the system's client waits for the TLS handshake of a server that is stuck as
-    /// long as that pleases. A thread that is given up keeps what it uses and ends with the connection.
+    /// Within a limit of its own: the system's client waits for the TLS handshake of a server that is stuck
+    /// as long as that pleases. A thread that is given up keeps what it uses; its request is closed.
     static Internet Send(const std::shared_ptr<Handles>& handles, const char* verb, const std::string& target,
                          const std::string& headers, std::string_view body)
     {
@@ -98,20 +96,21 @@ struct WinInetChannel::Handles
         if (!sending->request)
             Cut();
         SetTimeouts(sending->request.get(), handles->timeout);
-        std::packaged_task<DWORD()> send([sending] {
-            return HttpSendRequestA(sending->request.get(), sending->headers.c_str(),
+        const std::chrono::milliseconds limit(2ULL * handles->timeout + body.size() / SlowestSending);
+        const auto error = velCallWithin(limit, [sending, request = sending->request.get()] {
+            return HttpSendRequestA(request, sending->headers.c_str(),
                                     static_cast<DWORD>(sending->headers.size()), sending->body.data(),
                                     static_cast<DWORD>(sending->body.size()))
                        ? ERROR_SUCCESS
                        : GetLastError();
         });
-        std::future<DWORD> sent = send.get_future();
-        std::thread(std::move(send)).detach();
-        const std::chrono::milliseconds limit(2ULL * handles->timeout + body.size() / SlowestSending);
-        if (sent.wait_for(limit) != std::future_status::ready)
+        if (!error)
+        {
+            sending->request.reset();
             Cut(ERROR_INTERNET_TIMEOUT);
-        if (const DWORD error = sent.get())
-            Cut(error);
+        }
+        if (*error != ERROR_SUCCESS)
+            Cut(*error);
         return std::move(sending->request);
     }
 
