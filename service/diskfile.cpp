@@ -65,6 +65,12 @@ void DiskFile::Truncate(std::int64_t size)
         Fail();
 }
 
+void DiskFile::BeginSync(std::int64_t offset, std::size_t size) noexcept
+{
+    // Only to have less left for Sync, which tells what goes wrong.
+    (void)::sync_file_range(m_descriptor, offset, static_cast<off_t>(size), SYNC_FILE_RANGE_WRITE);
+}
+
 void DiskFile::Sync()
 {
     if (::fdatasync(m_descriptor) != 0)

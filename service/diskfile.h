@@ -26,6 +26,8 @@ public:
     /// Bytes read; 0 at the end.
     std::size_t ReadAt(std::int64_t offset, void* buffer, std::size_t size) const;
     void Truncate(std::int64_t size);
+    /// Has the system begin to write a part to the disk; returns at once.
+    void BeginSync(std::int64_t offset, std::size_t size) noexcept;
     void Sync();
 
 private:

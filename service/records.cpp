@@ -15,6 +15,7 @@
 namespace
 {
 constexpr std::int64_t KeptFree = 256LL << 20; // of the disk, for the database
+constexpr std::size_t MostDigests = 1000;      // kept of files that are arriving
 
 // Owner and recipients. Parameters: record, account.
 constexpr const char* Visible = "SELECT 1 FROM records WHERE id = ?1 AND (owner = ?2 OR EXISTS"
@@ -350,8 +351,30 @@ Records::Blob Records::FindWanted(const Account& owner, std::int64_t upload, con
     return blob;
 }
 
+/// The digest of all that the file holds: read again only where this process has not seen it arrive.
+std::unique_ptr<ArrivalDigest> Records::TakeDigest(const Blob& blob, const DiskFile& file)
+{
+    std::unique_ptr<ArrivalDigest> digest;
+    {
+        const std::lock_guard lock(m_digestLock);
+        if (auto kept = m_digests.extract(blob.id))
+            digest = std::move(kept.mapped());
+    }
+    if (!digest || digest->Size() != file.Size())
+        digest = std::make_unique<ArrivalDigest>(blob.signature.size(), file);
+    return digest;
+}
+
+void Records::KeepDigest(const Blob& blob, std::unique_ptr<ArrivalDigest> digest)
+{
+    const std::lock_guard lock(m_digestLock);
+    if (m_digests.size() >= MostDigests)
+        m_digests.erase(m_digests.begin()); // the file is read again
+    m_digests[blob.id] = std::move(digest);
+}
+
 PieceResult Records::AddPiece(const Account& owner, std::int64_t upload, const std::string& name,
-                              std::int64_t offset, std::string_view bytes, bool last)
+                              std::int64_t offset, std::string bytes, bool last)
 {
     Blob blob = FindWanted(owner, upload, name);
     const std::lock_guard oneAtATime(m_blobLocks[static_cast<std::size_t>(blob.id) % m_blobLocks.size()]);
@@ -364,22 +387,17 @@ PieceResult Records::AddPiece(const Account& owner, std::int64_t upload, const s
     DiskFile file(Path(blob.id), DiskFile::Mode::Write);
     if (offset != file.Size())
         return {file.Size(), false};
+    std::unique_ptr<ArrivalDigest> digest = TakeDigest(blob, file);
     file.WriteAt(offset, bytes);
-    const std::int64_t size = offset + static_cast<std::int64_t>(bytes.size());
+    file.BeginSync(offset, bytes.size());
+    digest->Add(std::move(bytes));
+    const std::int64_t size = digest->Size();
     if (!last)
-        return {size, true};
-
-    FileDigest digest(blob.signature.size());
-    std::vector<char> buffer(1U << 18);
-    for (std::int64_t at = 0; at < size;)
     {
-        const std::size_t count = file.ReadAt(at, buffer.data(), buffer.size());
-        if (count == 0)
-            break;
-        digest.Add(buffer.data(), count);
-        at += static_cast<std::int64_t>(count);
+        KeepDigest(blob, std::move(digest));
+        return {size, true};
     }
-    if (digest.Finish() != blob.signature)
+    if (digest->Finish() != blob.signature)
     {
         file.Truncate(0);
         throw Failure(422, "The file does not have the signature that was announced for it.");

@@ -2,11 +2,14 @@
 #pragma once
 
 #include "service/accounts.h"
+#include "service/arrivaldigest.h"
 #include "service/database.h"
 #include "service/shareddocument.h"
 
 #include <array>
 #include <cstdint>
+#include <map>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -81,7 +84,7 @@ public:
     /// A piece of a file; on the last one the file is checked and on the disk when the call returns. Throws
     /// Failure 422 when the signature is another one, 507 when there is no room.
     PieceResult AddPiece(const Account& owner, std::int64_t upload, const std::string& name,
-                         std::int64_t offset, std::string_view bytes, bool last);
+                         std::int64_t offset, std::string bytes, bool last);
     /// The uploaded document and its files become what others see. A second call is answered like the first.
     void Commit(const Account& owner, std::int64_t upload);
 
@@ -110,9 +113,14 @@ private:
     std::vector<std::int64_t> DropUnused(std::int64_t record);
     void RemoveFiles(const std::vector<std::int64_t>& blobs) const;
     void RemoveAbandoned();
+    std::unique_ptr<ArrivalDigest> TakeDigest(const Blob& blob, const DiskFile& file);
+    void KeepDigest(const Blob& blob, std::unique_ptr<ArrivalDigest> digest);
 
     Database& m_database;
     std::string m_folder;
     std::array<std::mutex, 64> m_blobLocks; ///< by id: one piece of a file at a time
+    std::mutex m_digestLock;
+    std::map<std::int64_t, std::unique_ptr<ArrivalDigest>>
+        m_digests; ///< of files between two of their pieces, by id
 };
 } // namespace svc

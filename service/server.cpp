@@ -198,7 +198,7 @@ struct Server::Implementation
                    const httplib::ContentReader& reader)
     {
         const std::optional<Session> known = FindSession(SessionToken(request));
-        const std::string body = ReadBody(request, reader, LargestPiece, known.has_value());
+        std::string body = ReadBody(request, reader, LargestPiece, known.has_value());
         if (!known)
             throw Failure(401, "Not signed in.");
         const Session& session = *known;
@@ -211,7 +211,7 @@ struct Server::Implementation
         }
         const std::string name = request.get_param_value("name");
         const PieceResult result =
-            records.AddPiece(session.account, upload, name, RequireNumber(request, "offset"), body,
+            records.AddPiece(session.account, upload, name, RequireNumber(request, "offset"), std::move(body),
                              request.get_param_value("last") == "1");
         pugi::xml_document document;
         pugi::xml_node file = document.append_child("file");

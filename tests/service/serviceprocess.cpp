@@ -90,19 +90,15 @@ void ServiceProcess::Start()
               port.c_str(), nullptr);
         _exit(127);
     }
-    for (int i = 0; i < 3000; ++i)
+    std::string line;
+    for (int i = 0; i < 3000 && !line.ends_with('\n') && waitpid(m_pid, nullptr, WNOHANG) == 0; ++i)
     {
-        const std::string line = ReadBytes(ready);
-        if (line.starts_with("READY port=") && line.ends_with('\n'))
-        {
-            m_port = std::atoi(line.c_str() + 11);
-            return;
-        }
-        if (waitpid(m_pid, nullptr, WNOHANG) != 0)
-            break;
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        line = ReadBytes(ready);
     }
-    throw std::runtime_error("the service does not start");
+    if (!line.starts_with("READY port="))
+        throw std::runtime_error("the service does not start");
+    m_port = std::atoi(line.c_str() + 11);
 }
 
 void ServiceProcess::Kill()
