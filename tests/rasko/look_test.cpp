@@ -36,24 +36,21 @@ struct LookTest : testing::Test
 
 TEST_F(LookTest, TheWindowShowsEveryTaskWithItsState)
 {
-    const struct
-    {
-        int type;
-        const char* patient;
-    } tasks[] = {{dbSRaskoTask::UPLOAD, "Lee, Ann - A12"}, {dbSRaskoTask::DOWNLOAD, "Boyle, Bert - B7"}};
-    for (const auto& one : tasks)
+    for (const auto& [type, patient] :
+         {std::pair(dbSRaskoTask::UPLOAD, "Lee, Ann - A12"), {dbSRaskoTask::DOWNLOAD, "Boyle, Bert - B7"}})
     {
         dbSRaskoTask task;
-        task.nType = one.type;
-        task.strDescription = one.patient;
-        task.strQueueComputer = rasko::ComputerName();
+        task.nType = type;
+        task.strDescription = patient;
+        task.strQueueComputer = dbGetComputerName();
         dbCRaskoTasksContainer::InsertRow(task);
     }
     CRaskoWindow::RegisterWindowClass();
     CRaskoWindow window;
     ASSERT_TRUE(window.Open());
     window.ShowWindow(SW_SHOW);
-    window.SendMessage(RegisterWindowMessageA("WmVeltrixRasko3741"));
+    const UINT wake = RegisterWindowMessageA("WmVeltrixRasko3741");
+    window.SendMessage(wake);
     const HWND list = window.GetDlgItem(IDC_TASKS)->m_hWnd;
     ASSERT_EQ(ListView_GetItemCount(list), 2);
     // Nobody has signed in yet: both wait and say why.
@@ -75,19 +72,17 @@ TEST_F(LookTest, TheWindowShowsEveryTaskWithItsState)
             EXPECT_EQ(GetWindow(options.Handle(), GW_OWNER), window.m_hWnd);
             EXPECT_TRUE(IsWindowVisible(window.m_hWnd));
             EXPECT_FALSE(IsWindowEnabled(window.m_hWnd));
-            for (const UINT message : {RaskoMessageOptions, RegisterWindowMessageA("WmVeltrixRasko3741")})
+            for (const UINT message : {RaskoMessageOptions, wake})
                 EXPECT_TRUE(SendMessageTimeoutA(window.m_hWnd, message, 0, 0, SMTO_NORMAL, 20'000, nullptr));
             options.Press(IDCANCEL);
         });
     EXPECT_TRUE(window.IsWindowEnabled());
     // A row that somebody takes out of the table is gone here too.
-    dbSRaskoTask row;
     dbCRaskoTasksContainer pending;
-    pending.LoadPendingOfComputer(rasko::ComputerName());
-    row = pending[0];
-    row.nStatus = rasko::Finished;
-    dbCRaskoTasksContainer::UpdateRow(row);
-    window.SendMessage(RegisterWindowMessageA("WmVeltrixRasko3741"));
+    pending.LoadPendingOfComputer(dbGetComputerName());
+    pending[0].nStatus = rasko::Finished;
+    dbCRaskoTasksContainer::UpdateRow(pending[0]);
+    window.SendMessage(wake);
     EXPECT_EQ(ListView_GetItemCount(list), 1);
     window.DestroyWindow();
     Pump();
@@ -99,7 +94,14 @@ TEST_F(LookTest, TheOptionsAreCheckedStoredAndReadBack)
         return veltest::RunModal([] { return CRaskoOptions(nullptr).DoModal(); }, script);
     };
     const std::string folder = practice.Path("temp");
-    CRaskoWindow::RegisterWindowClass();
+    const std::string noCredentials = "Please enter your user name and password for the service.",
+                      noService = "Please enter the service's name, or its name and port such as "
+                                  "records.example.org:8443.";
+    const auto enter = [](const veltest::Dialog& dialog, const std::array<std::string, 4>& texts) {
+        const int fields[] = {IDC_USER, IDC_PASSWORD, IDC_SERVICE, IDC_FOLDER};
+        for (std::size_t i = 0; i < texts.size(); ++i)
+            dialog.Item(fields[i]).Replace(texts[i]);
+    };
     const INT_PTR stored = run([&](veltest::DialogScript& script) {
         const veltest::Dialog dialog = script.WaitForDialog("Veltrix Rasko Options");
         EXPECT_EQ(veltest::DialogFindings(dialog.Handle()), "");
@@ -107,39 +109,25 @@ TEST_F(LookTest, TheOptionsAreCheckedStoredAndReadBack)
         EXPECT_EQ(dialog.Item(IDC_FOLDER).Text(), folder);
         const struct
         {
-            const char *user, *password, *service;
-            std::string folder;
-            const char* refusal;
+            std::array<std::string, 4> texts;
+            std::string refusal;
             int focus;
-        } refused[] = {
-            {"", "secret", "h", folder, "Please enter your user name and password for the service.",
-             IDC_USER},
-            {"ann", "", "h", folder, "Please enter your user name and password for the service.",
-             IDC_PASSWORD},
-            {"ann", "x", "https://h", folder,
-             "Please enter the service's name, or its name and port such as records.example.org:8443.",
-             IDC_SERVICE},
-            {"ann", "x", "h:65536", folder,
-             "Please enter the service's name, or its name and port such as records.example.org:8443.",
-             IDC_SERVICE},
-            {"ann", "x", "h", folder + "\\none", "Please enter a folder that exists and can be written to.",
-             IDC_FOLDER},
-        };
+        } refused[] = {{{"", "secret", "h", folder}, noCredentials, IDC_USER},
+                       {{"ann", "", "h", folder}, noCredentials, IDC_PASSWORD},
+                       {{"ann", "x", "https://h", folder}, noService, IDC_SERVICE},
+                       {{"ann", "x", "h:65536", folder}, noService, IDC_SERVICE},
+                       {{"ann", "x", "h", folder + "\\none"},
+                        "Please enter a folder that exists and can be written to.",
+                        IDC_FOLDER}};
         for (const auto& one : refused)
         {
-            dialog.Item(IDC_USER).SetText(one.user);
-            dialog.Item(IDC_PASSWORD).SetText(one.password);
-            dialog.Item(IDC_SERVICE).SetText(one.service);
-            dialog.Item(IDC_FOLDER).SetText(one.folder);
+            enter(dialog, one.texts);
             dialog.Press(IDOK);
             script.AnswerBox(one.refusal, IDOK);
             script.Settle(dialog.Handle());
-            EXPECT_TRUE(dialog.Item(one.focus).HasFocus()) << one.refusal << one.service;
+            EXPECT_TRUE(dialog.Item(one.focus).HasFocus()) << one.refusal;
         }
-        dialog.Item(IDC_USER).Replace("J\xFCrgen");
-        dialog.Item(IDC_PASSWORD).Replace("p\xE4ss word&");
-        dialog.Item(IDC_SERVICE).Replace("localhost:8443 ");
-        dialog.Item(IDC_FOLDER).Replace(folder);
+        enter(dialog, {"J\xFCrgen", "p\xE4ss word&", "localhost:8443 ", folder});
         dialog.Press(IDC_HIDDEN);
         EXPECT_TRUE(veltest::SavePicture(dialog.Handle(), "rasko-options"));
         dialog.Press(IDOK);
@@ -173,9 +161,7 @@ TEST_F(LookTest, TheOptionsAreCheckedStoredAndReadBack)
             EXPECT_TRUE(dialog.Item(IDC_HIDDEN).IsChecked());
             if (end == IDCANCEL)
             {
-                dialog.Item(IDC_USER).SetText("bert");
-                dialog.Item(IDC_PASSWORD).SetText("other");
-                dialog.Item(IDC_FOLDER).SetText("C:\\");
+                enter(dialog, {"bert", "other", "h", "C:\\"});
                 dialog.Press(IDC_HIDDEN);
             }
             dialog.Press(end);
@@ -183,7 +169,17 @@ TEST_F(LookTest, TheOptionsAreCheckedStoredAndReadBack)
         EXPECT_EQ(result, end);
         EXPECT_EQ(state(), expected);
     }
-    rasko::StoreCredentials("localhost:8443", {});
+    run([&](veltest::DialogScript& script) {
+        const veltest::Dialog dialog = script.WaitForDialog("Veltrix Rasko Options");
+        dialog.Press(IDC_FORGET);
+        script.AnswerBox(
+            "Do you want to remove the user name and the password for localhost:8443 from this computer?",
+            IDYES);
+        script.Settle(dialog.Handle());
+        EXPECT_EQ(dialog.Item(IDC_USER).Text(), "");
+        EXPECT_FALSE(dialog.Item(IDC_FORGET).IsEnabled());
+        dialog.Press(IDCANCEL);
+    });
     EXPECT_EQ(rasko::LoadCredentials("localhost:8443"), std::nullopt);
 }
 } // namespace

@@ -1,9 +1,9 @@
 #include "suite/patients/files/filehash.h"
 
-#include <wincrypt.h>
+#include "suite/util/digest.h"
 
 #include <algorithm>
-#include <array>
+#include <string>
 #include <vector>
 
 namespace
@@ -29,22 +29,6 @@ struct File
     HANDLE handle;
 };
 
-struct Hash
-{
-    Hash(HCRYPTPROV hProvider, ALG_ID algorithm)
-    {
-        ::CryptCreateHash(hProvider, algorithm, 0, 0, &handle);
-    }
-    ~Hash()
-    {
-        if (handle != 0)
-            ::CryptDestroyHash(handle);
-    }
-    Hash(const Hash&) = delete;
-    Hash& operator=(const Hash&) = delete;
-    HCRYPTHASH handle = 0;
-};
-
 HRESULT LastError()
 {
     const DWORD nError = ::GetLastError();
@@ -52,24 +36,8 @@ HRESULT LastError()
 }
 } // namespace
 
-struct patCFileHasher::Provider
-{
-    Provider()
-    {
-        if (!::CryptAcquireContext(&handle, nullptr, nullptr, PROV_RSA_AES, CRYPT_VERIFYCONTEXT))
-            handle = 0;
-    }
-    ~Provider()
-    {
-        if (handle != 0)
-            ::CryptReleaseContext(handle, 0);
-    }
-    Provider(const Provider&) = delete;
-    Provider& operator=(const Provider&) = delete;
-    HCRYPTPROV handle = 0;
-};
-
-patCFileHasher::patCFileHasher(bool bFIPS) : m_pProvider(std::make_unique<Provider>()), m_bFIPS(bFIPS)
+patCFileHasher::patCFileHasher(bool bFIPS)
+    : m_pProvider(std::make_unique<velCDigestProvider>()), m_bFIPS(bFIPS)
 {
 }
 
@@ -84,10 +52,7 @@ HRESULT patCFileHasher::GetHash(LPCTSTR pszPath, CString& strHash) const
     const File file(pszPath);
     if (file.handle == INVALID_HANDLE_VALUE)
         return FileNotFound;
-    const Hash hash(m_pProvider->handle, m_bFIPS ? CALG_SHA_512 : CALG_MD5);
-    if (hash.handle == 0)
-        return LastError();
-
+    velCDigest digest(*m_pProvider, m_bFIPS);
     std::vector<BYTE> data(ReadSize);
     for (;;)
     {
@@ -98,15 +63,13 @@ HRESULT patCFileHasher::GetHash(LPCTSTR pszPath, CString& strHash) const
             break;
         for (DWORD nDone = 0; nDone < nRead; nDone += BlockSize)
         {
-            if (!::CryptHashData(hash.handle, data.data() + nDone, std::min(BlockSize, nRead - nDone), 0))
+            if (!digest.Add(data.data() + nDone, std::min(BlockSize, nRead - nDone)))
                 return LastError();
         }
     }
-    std::array<BYTE, 64> digest{};
-    auto nSize = static_cast<DWORD>(digest.size());
-    if (!::CryptGetHashParam(hash.handle, HP_HASHVAL, digest.data(), &nSize, 0))
+    std::string text;
+    if (!digest.Finish(text))
         return LastError();
-    for (DWORD i = 0; i < nSize; ++i)
-        strHash.AppendFormat("%02x", static_cast<unsigned>(digest.at(i)));
+    strHash = text.c_str();
     return S_OK;
 }

@@ -5,8 +5,9 @@
 
 #include <memory>
 
-/// The system's provider of MD5 and SHA-512. Owns its handle; making one costs as much as hashing a small
-/// file, so that one serves a whole record. Needs no database; any thread, one at a time.
+class velCDigestProvider;
+
+/// Digests of files; one serves a whole record. Needs no database; any thread, one at a time.
 class VELPAT_API patCFileHasher
 {
 public:
@@ -22,7 +23,6 @@ public:
     HRESULT GetHash(LPCTSTR pszPath, CString& strHash) const;
 
 private:
-    struct Provider;
-    const std::unique_ptr<Provider> m_pProvider;
+    const std::unique_ptr<velCDigestProvider> m_pProvider;
     const bool m_bFIPS;
 };

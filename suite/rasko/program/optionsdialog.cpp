@@ -21,6 +21,10 @@ rasko::Secret WindowText(CWnd& dialog, int control)
 }
 } // namespace
 
+BEGIN_MESSAGE_MAP(CRaskoOptions, mfcCDialog)
+ON_BN_CLICKED(IDC_FORGET, &CRaskoOptions::OnForget)
+END_MESSAGE_MAP()
+
 CRaskoOptions::~CRaskoOptions()
 {
     s_open = false;
@@ -39,9 +43,25 @@ BOOL CRaskoOptions::OnInitDialog()
     SetDlgItemText(IDC_SERVICE, m_settings.target);
     SetDlgItemText(IDC_FOLDER, m_settings.folder);
     CheckDlgButton(IDC_HIDDEN, m_settings.hidden ? BST_CHECKED : BST_UNCHECKED);
-    if (const auto credentials = rasko::LoadCredentials(rasko::ToUtf8(m_settings.target)))
+    const auto credentials = rasko::LoadCredentials(rasko::ToUtf8(m_settings.target));
+    if (credentials)
         SetDlgItemText(IDC_USER, rasko::FromUtf8(credentials->user));
+    GetDlgItem(IDC_FORGET)->EnableWindow(credentials.has_value());
     return TRUE;
+}
+
+/// Takes effect at once, whatever becomes of the other fields.
+void CRaskoOptions::OnForget()
+{
+    CString question;
+    question.Format(IDS_ASK_FORGET, m_settings.target.GetString());
+    if (AfxMessageBox(question, MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2) != IDYES ||
+        !rasko::StoreCredentials(rasko::ToUtf8(m_settings.target), {}))
+        return;
+    SetDlgItemText(IDC_USER, "");
+    SetDlgItemText(IDC_PASSWORD, "");
+    GetDlgItem(IDC_USER)->SetFocus();
+    GetDlgItem(IDC_FORGET)->EnableWindow(FALSE);
 }
 
 void CRaskoOptions::Refuse(UINT message, int control)

@@ -22,6 +22,8 @@ public:
 protected:
     BOOL OnInitDialog() override;
     void OnOK() override;
+    afx_msg void OnForget();
+    DECLARE_MESSAGE_MAP()
 
 private:
     void Refuse(UINT message, int control);

@@ -236,7 +236,7 @@ void CRaskoWindow::OnSelection(NMHDR*, LRESULT* result)
 void CRaskoWindow::ReadTasks()
 {
     dbCRaskoTasksContainer rows;
-    rows.LoadPendingOfComputer(rasko::ComputerName());
+    rows.LoadPendingOfComputer(dbGetComputerName());
     std::set<__int64> pending;
     for (int i = 0; i < rows.GetCount(); ++i)
     {

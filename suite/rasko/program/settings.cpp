@@ -95,13 +95,6 @@ int MinutesWest()
                                                           : 0);
 }
 
-CString ComputerName()
-{
-    char name[MAX_COMPUTERNAME_LENGTH + 1] = "";
-    DWORD size = sizeof name;
-    return GetComputerNameA(name, &size) && name[0] ? name : "?";
-}
-
 CString Text(UINT id)
 {
     CString text;

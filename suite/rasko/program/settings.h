@@ -31,7 +31,6 @@ bool IsServiceName(const CString& text);
 bool IsWritableFolder(const CString& folder);
 /// Minutes that local time lies behind UTC now.
 int MinutesWest();
-CString ComputerName();
 /// A text of the string table.
 CString Text(UINT id);
 } // namespace rasko

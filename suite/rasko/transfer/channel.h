@@ -15,6 +15,13 @@ struct Interrupted : std::runtime_error
     using std::runtime_error::runtime_error;
 };
 
+/// The reply is none that the service gives, a maintenance page for example: the request may be tried later.
+/// The text is a sentence for the user.
+struct Garbled : std::runtime_error
+{
+    using std::runtime_error::runtime_error;
+};
+
 /// Trying again is of no use; the text is a sentence for the user.
 struct Refused : std::runtime_error
 {

@@ -1,9 +1,7 @@
 #include "suite/rasko/transfer/platform.h"
 
-#include <windows.h>
-#include <wincrypt.h>
+#include "suite/util/digest.h"
 
-#include <array>
 #include <system_error>
 
 namespace
@@ -13,48 +11,28 @@ namespace
     throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), what);
 }
 
-class CryptDigest final : public rasko::Digest
+class SystemDigest final : public rasko::Digest
 {
 public:
-    explicit CryptDigest(ALG_ID algorithm)
+    explicit SystemDigest(bool sha512) : m_digest(m_provider, sha512)
     {
-        if (!CryptAcquireContextA(&m_provider, nullptr, nullptr, PROV_RSA_AES, CRYPT_VERIFYCONTEXT))
-            Fail("signature");
-        if (!CryptCreateHash(m_provider, algorithm, 0, 0, &m_hash))
-        {
-            CryptReleaseContext(m_provider, 0);
-            Fail("signature");
-        }
     }
-    ~CryptDigest() override
-    {
-        CryptDestroyHash(m_hash);
-        CryptReleaseContext(m_provider, 0);
-    }
-    CryptDigest(const CryptDigest&) = delete;
-    CryptDigest& operator=(const CryptDigest&) = delete;
-
     void Add(const void* data, std::size_t size) override
     {
-        if (!CryptHashData(m_hash, static_cast<const BYTE*>(data), static_cast<DWORD>(size), 0))
+        if (!m_digest.Add(data, size))
             Fail("signature");
     }
     std::string Finish() override
     {
-        static constexpr char Digits[] = "0123456789abcdef";
-        std::array<BYTE, 64> value{};
-        DWORD size = static_cast<DWORD>(value.size());
-        if (!CryptGetHashParam(m_hash, HP_HASHVAL, value.data(), &size, 0))
-            Fail("signature");
         std::string text;
-        for (DWORD i = 0; i < size; ++i)
-            text.append({Digits[value[i] >> 4], Digits[value[i] & 15]});
+        if (!m_digest.Finish(text))
+            Fail("signature");
         return text;
     }
 
 private:
-    HCRYPTPROV m_provider = 0;
-    HCRYPTHASH m_hash = 0;
+    velCDigestProvider m_provider; // before the digest, which it is for
+    velCDigest m_digest;
 };
 } // namespace
 
@@ -62,7 +40,7 @@ namespace rasko
 {
 std::unique_ptr<Digest> NewDigest(std::size_t signatureLength)
 {
-    return std::make_unique<CryptDigest>(signatureLength == 128 ? CALG_SHA_512 : CALG_MD5);
+    return std::make_unique<SystemDigest>(signatureLength == 128);
 }
 
 void SyncFile(const std::filesystem::path& file)

@@ -26,7 +26,7 @@ std::int64_t Number(const pugi::xml_node& node, const char* name)
 {
     const long long value = node.attribute(name).as_llong(-1);
     if (value < 0)
-        throw rasko::Refused(rasko::text::NotUnderstood);
+        throw rasko::Garbled(rasko::text::NotUnderstood);
     return value;
 }
 
@@ -34,7 +34,7 @@ std::string Attribute(const pugi::xml_node& node, const char* name)
 {
     std::string value = node.attribute(name).value();
     if (value.empty())
-        throw rasko::Refused(rasko::text::NotUnderstood);
+        throw rasko::Garbled(rasko::text::NotUnderstood);
     return value;
 }
 
@@ -58,7 +58,7 @@ pugi::xml_document Parse(const std::string& body)
 {
     pugi::xml_document document;
     if (!rasko::LoadUntrusted(body, document))
-        throw rasko::Refused(rasko::text::NotUnderstood);
+        throw rasko::Garbled(rasko::text::NotUnderstood);
     return document;
 }
 } // namespace

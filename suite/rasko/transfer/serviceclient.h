@@ -49,8 +49,8 @@ struct PieceReply
     bool wrong = false;    ///< the whole did not have its signature; nothing is held
 };
 
-/// Signs in by itself when the service asks for it. Every call throws Interrupted or Refused. All text is
-/// UTF-8. The channel outlives it; used by one thread.
+/// Signs in by itself when the service asks for it. Every call throws Interrupted, Garbled or Refused. All
+/// text is UTF-8. The channel outlives it; used by one thread.
 class ServiceClient
 {
 public:

@@ -134,7 +134,7 @@ private:
                 throw Refused(text::Fill(text::LocalChanged, file.name));
             // Whatever the service says it holds, this ends.
             if (reply.received != offset + count && ++corrections > MostOffsetCorrections)
-                throw Interrupted(text::NotUnderstood);
+                throw Garbled(text::NotUnderstood);
             last = last && reply.accepted;
             meter.Add(reply.received - offset);
             offset = reply.received;
@@ -285,6 +285,10 @@ Outcome RunTask(const Task& task, ServiceClient& client, const Folders& folders,
     catch (const Interrupted& cut)
     {
         return {Outcome::Waiting, text::Fill(text::NoAnswer, cut.what())};
+    }
+    catch (const Garbled& reply)
+    {
+        return {Outcome::Waiting, reply.what()};
     }
     catch (const Refused& refusal)
     {

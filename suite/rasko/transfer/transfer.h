@@ -50,7 +50,7 @@ struct Outcome
     enum Kind
     {
         Complete,
-        Waiting, ///< no connection, or a fault of this computer: the task stays pending and is tried again
+        Waiting, ///< no connection, no answer of the service's, or a fault of this computer: tried again
         Hopeless,
         Stopped ///< by the user
     } kind = Complete;
