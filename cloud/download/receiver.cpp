@@ -111,10 +111,12 @@ std::optional<velSReceived> velCReceiver::Receive(CVelXML& xml)
     }
     m_queue.StartRasko();
     TellUnsigned();
+    TellNote();
     return velSReceived{m_bNew, m_patient.GetGUID()};
 }
 
-/// Decides which local patient the record is for; false when the user stops it.
+/// Decides which local patient the record is for, by the service's ID, else by names and birth date; false
+/// when it cannot be decided or the user stops it.
 bool velCReceiver::FindPatient()
 {
     dbCPatients patients;
@@ -123,37 +125,30 @@ bool velCReceiver::FindPatient()
     const bool bSameRecord = patients.FindVeltrixID(m_record.serviceId.c_str(), strGUID) ||
                              (dbCServicePatients::FindByServiceID(m_record.serviceId.c_str(), row) &&
                               m_patient.Load(strGUID = row.strPatientGUID, FALSE, TRUE));
+    if (bSameRecord)
+    {
+        if (!m_patient.Load(strGUID, FALSE, TRUE))
+            dbCException::Throw(dbErrNotFound, strGUID);
+        return true;
+    }
     const auto similar = [&](const velCDate& date) {
         return patients.FindSimilar(m_record.firstName.c_str(), m_record.lastName.c_str(), date, &strGUID) !=
                FALSE;
     };
-    const bool bSamePerson = !bSameRecord && m_dateBirth.IsValid() && similar(m_dateBirth);
-    const bool bUndated = !bSameRecord && !bSamePerson && similar(velCDate());
-    switch (cloud::JudgeMatch(bSameRecord, bSamePerson, bUndated))
+    if (m_dateBirth.IsValid() && similar(m_dateBirth))
+        return SettleSamePerson(strGUID);
+    if (similar(velCDate()))
     {
-    case cloud::LocalMatch::ByServiceId:
-        if (!m_patient.Load(strGUID, FALSE, TRUE))
-            dbCException::Throw(dbErrNotFound, strGUID);
-        break;
-    case cloud::LocalMatch::ByName:
-        if (!SettleSamePerson(strGUID))
-            return false;
-        break;
-    case cloud::LocalMatch::WithoutBirthDate:
         // The one that is to be completed is the practice's own, whatever the record's ID.
         m_patient.Load(strGUID, FALSE, TRUE);
         AfxMessageBox(Quote(IDS_CLD_NO_LOCAL_BIRTHDATE, m_patient.GetLastname(), m_patient.GetFirstname(),
                             m_patient.GetID()),
                       MB_OK | MB_ICONEXCLAMATION);
         return false;
-    case cloud::LocalMatch::None:
-        m_bNew = true;
-        m_strNewID = m_record.patientId.c_str();
-        if (!RequireFreeID())
-            return false;
-        break;
     }
-    return true;
+    m_bNew = true;
+    m_strNewID = m_record.patientId.c_str();
+    return RequireFreeID();
 }
 
 /// Somebody of this name and birth date is here: the same person, or a new one under another ID.
@@ -257,6 +252,18 @@ void velCReceiver::TellUnsigned() const
     if (m_plan.unsignedFiles.size() > most)
         strNames += "\n  ...";
     strText.Format(IDS_CLD_UNSIGNED, static_cast<int>(m_plan.unsignedFiles.size()), strNames.GetString());
+    AfxMessageBox(strText, MB_OK | MB_ICONINFORMATION);
+}
+
+/// What the owner writes to the recipients; their own notes the owners know.
+void velCReceiver::TellNote() const
+{
+    constexpr std::size_t most = 2000; // characters that a box has room for
+    if (m_record.note.empty() || m_record.ownerGuid == m_record.userGuid)
+        return;
+    CString strText;
+    strText.Format(IDS_CLD_NOTE, m_record.note.substr(0, most).c_str(),
+                   m_record.note.size() > most ? "..." : "");
     AfxMessageBox(strText, MB_OK | MB_ICONINFORMATION);
 }
 

@@ -37,6 +37,7 @@ private:
     bool Plan();
     bool TellFault() const;
     void TellUnsigned() const;
+    void TellNote() const;
     void Apply();
     void ReactivateTimepoints();
     int Store(CVelXML& xml);

@@ -228,15 +228,6 @@ private:
 };
 } // namespace
 
-LocalMatch JudgeMatch(bool sameServiceId, bool sameNamesAndBirthDate, bool sameNamesWithoutBirthDate)
-{
-    if (sameServiceId)
-        return LocalMatch::ByServiceId;
-    if (sameNamesAndBirthDate)
-        return LocalMatch::ByName;
-    return sameNamesWithoutBirthDate ? LocalMatch::WithoutBirthDate : LocalMatch::None;
-}
-
 ReceivePlan PlanReceive(const Record& record, const std::string& localPatientId,
                         const std::vector<LocalTimepoint>& locals, const FileChoice& choice,
                         const LocalFileQuery& localFile)

@@ -12,17 +12,6 @@
 
 namespace cloud
 {
-/// How a local patient was found for a record.
-enum class LocalMatch
-{
-    None,            ///< it becomes a new patient
-    ByServiceId,     ///< the same record was received before
-    ByName,          ///< same names and birth date: the user decides
-    WithoutBirthDate ///< same names, but the local patient has no birth date: the download stops
-};
-/// The answers of the three searches, in the order in which they are asked.
-LocalMatch JudgeMatch(bool sameServiceId, bool sameNamesAndBirthDate, bool sameNamesWithoutBirthDate);
-
 struct LocalTimepoint
 {
     std::string guid;

@@ -51,6 +51,7 @@ struct Record
     std::string lastName;
     std::string birthDate; ///< service date
     std::string gender;
+    std::string note; ///< of the owner to the recipients
     std::vector<RecordTimepoint> timepoints;
 };
 

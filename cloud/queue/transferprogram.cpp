@@ -114,8 +114,9 @@ HRESULT velCTransferProgram::Call(long nMember, WORD nKind, VARIANT* pArguments,
     if (!Connect())
         return CO_E_SERVER_EXEC_FAILURE;
     DISPPARAMS parameters = {pArguments, nullptr, nArguments, 0};
-    const HRESULT nResult = m_object->Invoke(nMember, IID_NULL, LOCALE_USER_DEFAULT, nKind, &parameters,
-                                             pResult, nullptr, nullptr);
+    const velComPtr<IDispatch> object = m_object; // messages are handled meanwhile, which may let go of it
+    const HRESULT nResult =
+        object->Invoke(nMember, IID_NULL, LOCALE_USER_DEFAULT, nKind, &parameters, pResult, nullptr, nullptr);
     // The program has ended meanwhile: the next call starts it again.
     if (HRESULT_FACILITY(nResult) == FACILITY_RPC || HRESULT_FACILITY(nResult) == FACILITY_WIN32)
         m_object = {};

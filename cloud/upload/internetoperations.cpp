@@ -74,6 +74,7 @@ bool velGetPatientFromInternet(CWnd* pParent, HWND hHost)
     if (velRunModal(dialog) != IDOK || !dialog.GetReceived())
         return false;
     const velSReceived& received = *dialog.GetReceived();
-    velNotifyHost(hHost, received.bNewPatient ? ARCHIVE_NOTIFY_LOADED : ARCHIVE_NOTIFY_MERGED, received.strGUID);
+    velNotifyHost(hHost, received.bNewPatient ? ARCHIVE_NOTIFY_LOADED : ARCHIVE_NOTIFY_MERGED,
+                  received.strGUID);
     return true;
 }

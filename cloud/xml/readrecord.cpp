@@ -17,8 +17,7 @@ using cloud::RecordTimepoint;
 
 constexpr velTAttribute<std::string RecordFile::*> FileAttributes[] = {
     {L"name", &RecordFile::name},
-    {L"signature", &RecordFile::signature},
-    {L"hash", &RecordFile::signature}, // in a delivered record; goes before the other form's
+    {L"hash", &RecordFile::signature},
     {L"catalogGUID", &RecordFile::catalogGuid},
     {L"category", &RecordFile::category},
 };
@@ -110,6 +109,10 @@ BOOL CVelXML::ReadRecord(cloud::Record& record)
     record.userGuid = Attribute(records.front().Get(), L"userGUID");
     record.withAcvFiles = Attribute(records.front().Get(), L"downloadACV") == "1";
     ReadAttributes(patients.front().Get(), PatientAttributes, record);
+    const bool bLossy = m_bLossy;
+    for (const Node& note : Select(records.front().Get(), L"note"))
+        record.note = Text(note.Get()).GetString();
+    m_bLossy = bLossy; // the note is shown, not stored
     for (const Node& timepoint : Select(m_pDocument.Get(), L"//Timepoints/Timepoint"))
         record.timepoints.push_back(ReadTimepoint(timepoint.Get()));
     return !record.serviceId.empty();
@@ -125,9 +128,7 @@ BOOL CVelXML::ReadPatientDetails(dbCPatient& patient)
     patient.SetNorm(atoi(Attribute(pPatient, L"norm")));
     for (const Node& note : Select(pPatient, L"note"))
     {
-        velBstr text;
-        note->get_text(text.Receive());
-        CString strNotes = velNarrow(text.View(), &m_bLossy);
+        CString strNotes = Text(note.Get());
         strNotes.Replace("\r\n", "\n");
         strNotes.Replace("\n", "\r\n");
         patient.SetNotes(strNotes);

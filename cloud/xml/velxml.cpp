@@ -93,10 +93,9 @@ BOOL CVelXML::GetAttribute(int nIndex, LPCTSTR pszName, CString& strValue)
 
 CString CVelXML::GetText(int nIndex)
 {
-    velBstr text;
-    if (nIndex >= 0 && nIndex < static_cast<int>(m_selected.size()))
-        m_selected[static_cast<std::size_t>(nIndex)]->get_text(text.Receive());
-    return velNarrow(text.View(), &m_bLossy);
+    if (nIndex < 0 || nIndex >= static_cast<int>(m_selected.size()))
+        return {};
+    return Text(m_selected[static_cast<std::size_t>(nIndex)].Get());
 }
 
 HRESULT CVelXML::GetFileSignature(LPCTSTR pszPath, CString& strSignature) const
@@ -115,6 +114,13 @@ std::vector<CVelXML::Node> CVelXML::Select(IXMLDOMNode* pFrom, const wchar_t* ps
     while (list->nextNode(node.Receive()) == S_OK && node)
         nodes.push_back(node);
     return nodes;
+}
+
+CString CVelXML::Text(IXMLDOMNode* pNode) const
+{
+    velBstr text;
+    pNode->get_text(text.Receive());
+    return velNarrow(text.View(), &m_bLossy);
 }
 
 CString CVelXML::Attribute(IXMLDOMNode* pNode, const wchar_t* pszName, BOOL* pbFound) const

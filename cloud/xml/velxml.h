@@ -83,6 +83,7 @@ public:
 private:
     static velComPtr<IXMLDOMDocument2> NewDocument();
     std::vector<Node> Select(IXMLDOMNode* pFrom, const wchar_t* pszXPath) const;
+    CString Text(IXMLDOMNode* pNode) const;
     CString Attribute(IXMLDOMNode* pNode, const wchar_t* pszName, BOOL* pbFound = nullptr) const;
     template <typename Table, typename Object>
     void ReadAttributes(IXMLDOMNode* pNode, const Table& table, Object& object) const;

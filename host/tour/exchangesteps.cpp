@@ -24,6 +24,8 @@ namespace
 constexpr DWORD kPatience = 60'000; // milliseconds that a transfer may take
 constexpr const char* kSender = "Second Practice";
 constexpr const char* kReceiver = "Exchange Practice";
+constexpr const char* kNote = "Please have a look at the second timepoint.";
+const std::string kNoteShown = std::string("The owner of the record writes:\n\n") + kNote;
 
 /// What the steps know of each other.
 struct Exchange
@@ -266,7 +268,7 @@ void tourPlayExchangeSend(tourCGuide& guide)
         upload.Press(option);
     }
     upload.Item(IDC_CLD_RECIPIENTS).Replace("bert@two.example");
-    upload.Item(IDC_CLD_NOTES).Replace("Please have a look at the second timepoint.");
+    upload.Item(IDC_CLD_NOTES).Replace(kNote);
     guide.Picture(upload.Handle(), "upload");
     upload.Press(IDOK);
     const Dialog transfers = guide.GetScript().WaitForDialog("Transfers");
@@ -308,6 +310,7 @@ void tourPlayExchangeReceive(tourCGuide& guide)
     conflict.Item(IDC_IDCONFLICT_ID).Replace("X-" + exchange.id);
     guide.Picture(conflict.Handle(), "id-conflict");
     conflict.Press(IDOK);
+    tourAnswerBox(guide, kNoteShown, IDOK, "note");
     dialog.WaitForClosed();
     const std::string id = "X-" + exchange.id;
     ExpectReceived(guide, dbAuditNewPatient, id, "received");
@@ -371,6 +374,7 @@ void tourPlayExchangeAgain(tourCGuide& guide)
         "Patient ID of the downloaded patient does not match with existing Veltrix patient.\nDownloaded "
         "patient will be merged to the existing patient.",
         IDOK, "merged");
+    guide.GetScript().AnswerBox(kNoteShown, IDOK);
     dialog.WaitForClosed();
     ExpectReceived(guide, dbAuditPatientModified, id, "received-again");
     guide.OnUi([] { veltest::EndTransferProgram(); });

@@ -2,13 +2,15 @@
 #include "cloud/download/waitdialogs.h"
 #include "cloud/res/cloudres.h"
 #include "cloud/upload/transfersdlg.h"
-#include "cloud/upload/uploaddlg.h"
 #include "patient/patientres.h"
+#include "suite/patients/records/dbcatalog.h"
 #include "tests/cloud/exchangefixture.h"
 #include "tests/support/dialogquality.h"
 #include "tests/support/picture.h"
 
 #include "app/modalrun.h"
+
+#include <regex>
 
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -25,6 +27,9 @@ const std::string NewPatient =
     "  Start 2009-03-05 A107 1 lateral n\n"
     "  task Lee, Zo\xeb - A1 of A1\n"
     "The patient (A1) Lee, Zo\xeb data have been downloaded from FarreachVeltrix\n";
+
+const std::string Unusable =
+    "The record that FarreachVeltrix sent is not complete or not readable.  Nothing was downloaded.";
 
 std::string Without(std::string text, const std::string& part)
 {
@@ -71,30 +76,13 @@ TEST_F(Exchange, ListsRecordsWithOwnerAndTime)
               IDCANCEL);
     EXPECT_EQ(m_practice.Get("Defaults", "DownloadOther") + m_practice.Get("Defaults", "Download3D"), "10");
     EXPECT_THAT(Commands(), ElementsAre("login", "getdownloadable", "logout"));
-}
-
-TEST_F(Exchange, RemembersTheUserUnlessTheServiceSaysMore)
-{
-    const struct
-    {
-        const char* login;
-        const char* remembered;
-    } cases[] = {{"welcome", ""}, {"<response><message>Hello</message></response>", "anna"}, {"", "anna"}};
-    for (const auto& c : cases)
-    {
-        m_credentials.Clear();
-        m_replies["login"] = c.login;
-        m_replies["getdownloadable"] =
-            "<record><patinfo patVeltrixID='5' lastUpdate='2020-01-02T03:04'/></record>";
-        RunList([&](DialogScript& script) {
-            if (std::string(c.login).starts_with("<"))
-                script.AnswerBox("The dialog could not be created.", IDOK);
-            const Dialog list = script.WaitForDialog("Get Patient From Internet");
-            EXPECT_EQ(Row(list, 0), "5|,  |Owner|2020-01-02 03:04:00||"); // nobody's, as the user is nobody
-            list.Press(IDCANCEL);
-        });
-        EXPECT_STREQ(m_credentials.GetUser(), c.remembered) << c.login;
-    }
+    EXPECT_STREQ(m_credentials.GetUser(), "anna");
+    const CFRVLogin notice(nullptr);
+    EXPECT_EQ(veltest::DialogFindings(notice.m_hWnd), "");
+    veltest::SavePicture(notice.m_hWnd, "signing-in");
+    PlainList list(nullptr, m_program, m_credentials);
+    EXPECT_EQ(list.OpenSession(), 0);
+    EXPECT_EQ(list.OpenSession(), -1);
 }
 
 TEST_F(Exchange, TakesANewPatientInOneStep)
@@ -106,13 +94,19 @@ TEST_F(Exchange, TakesANewPatientInOneStep)
     EXPECT_THAT(m_program.m_calls, ElementsAre("wake"));
     dbCRaskoTasksContainer tasks;
     tasks.LoadPending("{0A000000-0000-0000-0000-000000000001}");
-    EXPECT_THAT(std::string(tasks[0].strData), HasSubstr("frvPatGUID=\"{F}\" frvPatId=\"41\"><images><image "
-                                                         "finalfilename=\"A107.I2A\" imageExists=\"0\""));
+    for (const char* part :
+         {R"(frvPatGUID="{F}" frvPatId="41"><images>)", R"("A107.M" imageExists="0" catalogGuid="{C}")",
+          R"("A107.I2A" imageExists="0")"})
+        EXPECT_THAT(std::string(tasks[0].strData), HasSubstr(part));
     EXPECT_THAT(std::string(tasks[0].strData), testing::Not(HasSubstr("V2A"))); // was not chosen
     dbSServicePatient row;
     ASSERT_TRUE(dbCServicePatients::FindByServiceID("41", row));
     EXPECT_STREQ(row.strPatientGUID + row.strServiceGUID + row.strOwnerGUID,
                  "{0A000000-0000-0000-0000-000000000001}{F}{O}");
+    dbCCatalogFiles catalog;
+    ASSERT_EQ(catalog.LoadByPatID(row.strPatientGUID), 1);
+    EXPECT_STREQ(catalog[0].strName + catalog[0].strCatalogGUID + catalog[0].strHash,
+                 "A107.M{C}900150983cd24fb0d6963f7d28e17f72");
 
     // Once more while its files are on their way: nothing changes.
     EXPECT_EQ(
@@ -125,15 +119,13 @@ TEST_F(Exchange, TakesANewPatientInOneStep)
 TEST_F(Exchange, StopsWithoutATraceOfWhatCannotBeTaken)
 {
     m_known = {"A1"};
-    const std::string unusable =
-        "The record that FarreachVeltrix sent is not complete or not readable.  Nothing was downloaded.";
     const std::string lossy = "The record holds characters that this computer's language setting does not "
                               "have.  Nothing was downloaded.";
     const std::pair<std::string, std::string> cases[] = {
-        {"", unusable},
-        {"<html>", unusable},
-        {ServiceRecord().substr(0, 400), unusable},
-        {Without(ServiceRecord(), "patientID='A1'"), unusable},
+        {"", Unusable},
+        {"<html>", Unusable},
+        {ServiceRecord().substr(0, 400), Unusable},
+        {Without(ServiceRecord(), "patientID='A1'"), Unusable},
         {ServiceRecord("<Timepoint tpNumber='100'/>"),
          "The record's timepoints do not fit this patient (\"100\").  A patient has at most 100 timepoints "
          "with numbers "
@@ -226,66 +218,61 @@ TEST_F(Exchange, LetsTheUserSettleWhoItIs)
 {
     StorePatient("B1");
     m_known = {"A1"};
-    const auto answer = [](DialogScript& script, const char* id) {
+    const auto conflict = [](DialogScript& script, const std::string& message, const char* id) {
         const Dialog dialog = script.WaitForDialogWith(IDC_IDCONFLICT_ID);
+        EXPECT_EQ(dialog.Item(IDC_IDCONFLICT_MESSAGE).Text(), message);
         dialog.Item(IDC_IDCONFLICT_ID).SetText(id);
-        dialog.Press(IDOK);
+        return dialog;
     };
+    const auto changeRecord = [&](const std::string& lastName, const std::string& serviceId) {
+        std::string& record = m_replies["getdownloadpatient"];
+        record =
+            std::regex_replace(record, std::regex("patlastName='\\w+'"), "patlastName='" + lastName + "'");
+        record =
+            std::regex_replace(record, std::regex("patVeltrixID='\\w+'"), "patVeltrixID='" + serviceId + "'");
+    };
+    const std::string samePerson =
+        "An existing patient (Lee, Zo\xeb ID:B1) in veltrix has same name and birth date. "
+        "Please select the following action.";
+    const std::string takenId = "This Patient ID already used by another patient. Try another.";
     // The same name and birth date: a new patient under the record's own ID, after an empty and a taken one.
-    EXPECT_EQ(DownloadWith([&](DialogScript& script) {
-                  const Dialog dialog = script.WaitForDialogWith(IDC_IDCONFLICT_ID);
-                  EXPECT_EQ(
-                      dialog.Item(IDC_IDCONFLICT_MESSAGE).Text(),
-                      "An existing patient (Lee, Zo\xeb ID:B1) in veltrix has same name and birth date. "
-                      "Please select the following action.");
-                  EXPECT_EQ(dialog.Item(IDC_IDCONFLICT_ID).Text(), "A1");
-                  dialog.Press(IDCANCEL);
-              }),
+    EXPECT_EQ(DownloadWith([&](DialogScript& script) { conflict(script, samePerson, "A1").Press(IDCANCEL); }),
               IDCANCEL);
     EXPECT_EQ(State(), "");
     EXPECT_EQ(DownloadWith([&](DialogScript& script) {
-                  answer(script, "");
+                  EXPECT_EQ(script.WaitForDialogWith(IDC_IDCONFLICT_ID).Item(IDC_IDCONFLICT_ID).Text(), "A1");
+                  conflict(script, samePerson, "").Press(IDOK);
                   script.AnswerBox("You must enter a new patient ID", IDOK);
-                  answer(script, "b1");
-                  script.AnswerBox("This Patient ID already used by another patient. Try another.", IDOK);
-                  answer(script, "A1");
+                  conflict(script, samePerson, "b1").Press(IDOK);
+                  script.AnswerBox(takenId, IDOK);
+                  conflict(script, samePerson, "A1").Press(IDOK);
               }),
               IDOK);
     EXPECT_EQ(State(), NewPatient);
 
     // Another person has the ID.
-    dbCPatient other;
-    ASSERT_TRUE(other.Load("A1"));
-    m_replies["getdownloadpatient"] = ServiceRecord();
-    std::string& record = m_replies["getdownloadpatient"];
-    record.replace(record.find("patlastName='Lee'"), 17, "patlastName='Roe'");
-    record.replace(record.find("patVeltrixID='41'"), 17, "patVeltrixID='77'");
-    m_known = {"D1"};
-    const std::string before = State();
+    changeRecord("Roe", "77");
+    const std::string otherPerson =
+        "Patient ID: A1 for patient \"Roe, Zo\xeb\" already exists in Veltrix. Please "
+        "select another patient ID.";
     EXPECT_EQ(DownloadWith([&](DialogScript& script) {
-                  EXPECT_EQ(
-                      script.WaitForDialogWith(IDC_IDCONFLICT_ID).Item(IDC_IDCONFLICT_MESSAGE).Text(),
-                      "Patient ID: A1 for patient \"Roe, Zo\xeb\" already exists in Veltrix. Please select "
-                      "another patient ID.");
-                  answer(script, "A1");
-                  script.AnswerBox("This Patient ID already used by another patient. Try another.", IDOK);
-                  answer(script, "D1");
+                  veltest::SavePicture(script.WaitForDialogWith(IDC_IDCONFLICT_ID).Handle(), "id-taken");
+                  conflict(script, otherPerson, "A1").Press(IDOK);
+                  script.AnswerBox(takenId, IDOK);
+                  conflict(script, otherPerson, "D1").Press(IDOK);
               }),
               IDOK);
-    dbCPatient created;
-    ASSERT_TRUE(created.Load("D1"));
+    dbCPatient created, other;
+    ASSERT_TRUE(created.Load("D1") && other.Load("A1"));
     EXPECT_STRNE(created.GetGUID(), other.GetGUID());
     EXPECT_STREQ(created.GetLastname() + created.GetTimepoint(0).GetBaseFilename(), "RoeD107");
 
     // The same person after all: the patient who is here gets what is new, under the ID that is here.
-    record.replace(record.find("patlastName='Roe'"), 17, "patlastName='LEE'");
-    record.replace(record.find("patVeltrixID='77'"), 17, "patVeltrixID='78'");
-    created.SetLastname("Roe-Lee"); // nobody else of the name
-    created.Save();
-    other.SetFirstname("Zoe");
+    changeRecord("LEE", "78");
+    other.SetFirstname("Zoe"); // nobody else of the name
     other.Save();
     EXPECT_EQ(DownloadWith([&](DialogScript& script) {
-                  const Dialog dialog = script.WaitForDialogWith(IDC_IDCONFLICT_ID);
+                  const Dialog dialog = conflict(script, samePerson, "A1");
                   dialog.Press(IDC_IDCONFLICT_MERGE);
                   dialog.Press(IDOK);
                   script.AnswerBox(Merged, IDOK);
@@ -299,63 +286,71 @@ TEST_F(Exchange, LetsTheUserSettleWhoItIs)
 
 TEST_F(Exchange, SignsInUntilTheServiceAgreesOrTheUserGivesUp)
 {
-    m_replies.erase("login");
+    const std::string getPatient = "Get Patient From Internet", getCredentials = "Waiting for Rasko",
+                      signingIn = "Sign In to FarreachVeltrix";
     m_program.m_bCredentials = false;
+    EXPECT_EQ(RunList([&](DialogScript& script) { script.WaitForDialog(getCredentials).Press(IDCANCEL); }),
+              IDCANCEL);
+    m_replies["login"] = "welcome"; // whoever is not greeted with nothing is not remembered
     EXPECT_EQ(RunList([&](DialogScript& script) {
-                  Dialog wait = script.WaitForDialog("Waiting for Rasko");
+                  const Dialog wait = script.WaitForDialog(getCredentials);
                   EXPECT_EQ(veltest::DialogFindings(wait.Handle()), "");
                   veltest::SavePicture(wait.Handle(), "rasko-wait");
-                  wait.Press(IDCANCEL);
-              }),
-              IDCANCEL);
-    m_replies["login"] = "welcome"; // nobody is remembered
-    EXPECT_EQ(RunList([&](DialogScript& script) {
-                  const Dialog wait = script.WaitForDialog("Waiting for Rasko");
                   wait.Press(IDC_CLD_SIGN_IN_HERE);
-                  script.WaitForDialog("Sign In to FarreachVeltrix").Press(IDCANCEL);
+                  script.WaitForDialog(signingIn).Press(IDCANCEL);
                   script.WaitUntil("the wait goes on", [&] { return wait.IsEnabled(); });
                   wait.Press(IDC_CLD_SIGN_IN_HERE);
-                  const Dialog signIn = script.WaitForDialog("Sign In to FarreachVeltrix");
+                  const Dialog signIn = script.WaitForDialog(signingIn);
                   script.SettleIdle(signIn.Handle());
                   EXPECT_FALSE(signIn.Item(IDOK).IsEnabled());
                   signIn.Item(IDC_CLD_USER).Type("carl");
                   signIn.Item(IDC_CLD_PASSWORD).Type("x y");
                   script.WaitUntil("OK can be pressed", [&] { return signIn.Item(IDOK).IsEnabled(); });
                   signIn.Press(IDOK);
-                  script.WaitForDialog("Get Patient From Internet").Press(IDCANCEL);
+                  script.WaitForDialog(getPatient).Press(IDCANCEL);
               }),
               IDCANCEL);
     EXPECT_THAT(m_server.Requests().front(), HasSubstr("cmd=login&Login=carl&password=x+y&tz="));
+    EXPECT_FALSE(m_credentials.IsKnown());
+    m_program.m_bCredentials = true;
+    m_replies["login"] =
+        "<response><message>Hello</message></response>"; // a message that lets the user go on
+    EXPECT_EQ(RunList([&](DialogScript& script) {
+                  script.AnswerBox("The dialog could not be created.", IDOK);
+                  script.WaitForDialog(getPatient).Press(IDCANCEL);
+              }),
+              IDCANCEL);
+    EXPECT_STREQ(m_credentials.GetUser(), "anna");
+    m_credentials.Clear();
+    m_program.m_bCredentials = false;
     m_replies.erase("login");
     EXPECT_EQ(RunList([&](DialogScript& script) {
-                  script.WaitForDialog("Waiting for Rasko");
+                  script.WaitForDialog(getCredentials);
                   m_program.m_bCredentials = true; // they have been entered there
                   script.AnswerBox("Invalid Username/Password.", IDOK);
-                  const Dialog signIn = script.WaitForDialog("Sign In to FarreachVeltrix");
+                  const Dialog signIn = script.WaitForDialog(signingIn);
                   EXPECT_THAT(DialogScript::ListWindows(), testing::Not(HasSubstr("Signing in")));
-                  EXPECT_EQ(signIn.Item(IDC_CLD_USER).Text(), "anna");
-                  EXPECT_EQ(signIn.Item(IDC_CLD_PASSWORD).Text(), "");
+                  EXPECT_EQ(signIn.Item(IDC_CLD_USER).Text() + signIn.Item(IDC_CLD_PASSWORD).Text(), "anna");
                   EXPECT_EQ(veltest::DialogFindings(signIn.Handle()), "");
                   veltest::SavePicture(signIn.Handle(), "sign-in");
-                  signIn.Item(IDC_CLD_PASSWORD).SetText("other");
                   // A message that stops: signed out, and asked again.
                   m_replies["login"] = "<response><message action='stop'>Act</message></response>";
                   signIn.Press(IDOK);
                   script.AnswerBox("The dialog could not be created.", IDOK);
                   m_replies.erase("login");
-                  const Dialog again = script.WaitForDialog("Sign In to FarreachVeltrix");
+                  const Dialog again = script.WaitForDialog(signingIn);
                   again.Press(IDOK);
                   script.AnswerBox("Invalid Username/Password.", IDOK);
                   again.WaitForClosed();
-                  script.WaitForDialog("Sign In to FarreachVeltrix").Press(IDCANCEL);
-                  const Dialog list = script.WaitForDialog("Get Patient From Internet");
+                  script.WaitForDialog(signingIn).Press(IDCANCEL);
+                  const Dialog list = script.WaitForDialog(getPatient);
                   EXPECT_TRUE(list.Item(IDC_CLD_LIST).Rows().empty());
                   EXPECT_FALSE(list.Item(IDOK).IsEnabled());
                   list.Press(IDCANCEL);
               }),
               IDCANCEL);
-    EXPECT_THAT(Commands(), ElementsAre("login", "getdownloadable", "logout", "login", "login", "logout",
-                                        "login", "logout"));
+    EXPECT_THAT(Commands(), ElementsAre("login", "getdownloadable", "logout", "login", "getdownloadable",
+                                        "logout", "login", "login", "logout", "login", "logout"));
     EXPECT_FALSE(m_credentials.IsKnown());
     m_program.m_bInstalled = false;
     EXPECT_EQ(RunList([&](DialogScript& script) {
@@ -367,8 +362,6 @@ TEST_F(Exchange, SignsInUntilTheServiceAgreesOrTheUserGivesUp)
 TEST_F(Exchange, ACutAtEveryRequestEndsInAMessage)
 {
     m_known = {"A1"};
-    const std::string unusable =
-        "The record that FarreachVeltrix sent is not complete or not readable.  Nothing was downloaded.";
     // What comes up, the system's own texts as "system".
     const struct
     {
@@ -381,8 +374,8 @@ TEST_F(Exchange, ACutAtEveryRequestEndsInAMessage)
         {1, false, {"Invalid Username/Password.", "sign in", ""}, IDCANCEL},
         {2, true, {"system", "There are no records that you could download."}, IDCANCEL},
         {2, false, {"FarreachVeltrix did not send the list of records.  Please try again later."}, IDCANCEL},
-        {3, true, {"3 record(s)", "system", unusable, "3 record(s)"}, IDCANCEL},
-        {3, false, {"3 record(s)", unusable, "3 record(s)"}, IDCANCEL},
+        {3, true, {"3 record(s)", "system", Unusable, "3 record(s)"}, IDCANCEL},
+        {3, false, {"3 record(s)", Unusable, "3 record(s)"}, IDCANCEL},
         {4, true, {"3 record(s)", "system"}, IDOK}};
     for (const auto& c : cases)
     {
@@ -395,7 +388,7 @@ TEST_F(Exchange, ACutAtEveryRequestEndsInAMessage)
             if (const auto box = script.FindBox())
             {
                 const std::string text = box->BoxText();
-                const bool bOwn = text == unusable || text.starts_with("Invalid");
+                const bool bOwn = text == Unusable || text.starts_with("Invalid");
                 // Whether a broken connection has a text is the system's to say.
                 if (bOwn || c.bHalf)
                     seen.push_back(bOwn ? text : "system");
@@ -429,41 +422,6 @@ TEST_F(Exchange, ACutAtEveryRequestEndsInAMessage)
         EXPECT_EQ(seen, c.seen) << c.nCut;
         EXPECT_EQ(State(), c.nResult == IDOK ? NewPatient : "") << c.nCut;
     }
-}
-
-TEST_F(Exchange, OpensOneSession)
-{
-    PlainList list(nullptr, m_program, m_credentials);
-    EXPECT_EQ(list.OpenSession(), 0);
-    EXPECT_EQ(list.OpenSession(), -1);
-}
-
-TEST_F(Exchange, AsksWhatGoesUpAndToWhom)
-{
-    m_practice.Set("Defaults", "Upload3D", "1");
-    velSUpload upload;
-    EXPECT_EQ(veltest::RunModal(
-                  [&] {
-                      upldCUploadDlg dialog(nullptr, "The record of Zo\xeb Lee will be uploaded.");
-                      const INT_PTR nResult = velRunModal(dialog);
-                      upload = dialog.GetUpload();
-                      return nResult;
-                  },
-                  [&](DialogScript& script) {
-                      const Dialog dialog = script.WaitForDialog("Save Patient To Internet");
-                      EXPECT_EQ(veltest::DialogFindings(dialog.Handle()), "");
-                      veltest::SavePicture(dialog.Handle(), "upload");
-                      dialog.Press(IDC_CLD_UNCROPPED);
-                      dialog.Item(IDC_CLD_RECIPIENTS).SetText(" bob ");
-                      dialog.Item(IDC_CLD_NOTES).SetText("a\r\nb");
-                      dialog.Press(IDOK);
-                  }),
-              IDOK);
-    EXPECT_EQ(upload.choice, (cloud::FileChoice{true, false, true}));
-    EXPECT_STREQ(upload.strRecipients + "|" + upload.strNotes, "bob|a\r\nb");
-    EXPECT_EQ(m_practice.Get("Defaults", "UploadUncropped") + m_practice.Get("Defaults", "UploadOther") +
-                  m_practice.Get("Defaults", "Upload3D"),
-              "101");
 }
 
 TEST_F(Exchange, FollowsTransfersAndTheirReasons)

@@ -48,14 +48,11 @@ Exchange::Exchange()
     dbCApplicationOptionsContainer::SetApplicationOption(
         "RASKOTARGET", m_server.Address().substr(std::string("http://").size()).c_str());
     m_replies = {{"login", ""}, {"logout", ""}, {"getdownloadpatient", ServiceRecord()}};
-    m_replies["getdownloadable"] =
-        "<record userGUID='{U}'><patinfo patGUID='{G}' patlastName='Lee' patfirstName='Zo\xc3\xab' "
-        "patVeltrixID='41' "
-        "patID='A1' patOwnerLast='Ames' patOwnerFirst='Anna' patOwnerGUID='{O}' "
-        "lastUpdate='2020-01-02T03:04:05' "
-        "LastShared='2021-01-02T03:04:05.000'/>\n<patinfo patVeltrixID='42' patOwnerGUID='{U}' "
-        "lastUpdate='2020-01-02T03:04' LastShared='x'/><patinfo patVeltrixID='43' patlastName='&lt;&amp;' "
-        "LastShared='yesterday'/></record>";
+    m_replies["getdownloadable"] = R"(<record userGUID='{U}'>
+<patinfo patGUID='{G}' patlastName='Lee' patfirstName='Zo&#235;' patVeltrixID='41' patID='A1' patOwnerLast='Ames'
+ patOwnerFirst='Anna' patOwnerGUID='{O}' lastUpdate='2020-01-02T03:04:05' LastShared='2021-01-02T03:04:05.000'/>
+<patinfo patVeltrixID='42' patOwnerGUID='{U}' lastUpdate='2020-01-02T03:04' LastShared='x'/>
+<patinfo patVeltrixID='43' patlastName='&lt;&amp;' LastShared='yesterday'/></record>)";
 }
 
 Exchange::~Exchange()
@@ -158,17 +155,14 @@ std::string Exchange::State()
 
 std::string ServiceRecord(const std::string& timepoints)
 {
-    return "<record userGUID='{U}' downloadACV='0'><patient patVeltrixID='41' "
-           "patGUID='{0A000000-0000-0000-0000-000000000001}' patientID='A1' patOwnerGUID='{O}' "
-           "frvPatGUID='{F}' "
-           "patfirstName='Zo\xc3\xab' patlastName='Lee' patBirthdate='1999-05-17' "
-           "patGender='1'/><Timepoints>" +
-           (timepoints.empty()
-                ? std::string(
-                      "<Timepoint name='Start' tpDate='2009-03-05' tpNumber='7' "
-                      "tpGUID='{0B000000-0000-0000-0000-000000000007}'><Images><image file='A107.I2A' "
-                      "signature='900150983cd24fb0d6963f7d28e17f72' title='lateral' note='n' imageGUID='{I}' "
-                      "vfile='A107.V2A' vsignature='900150983cd24fb0d6963f7d28e17f72'/></Images></Timepoint>")
-                : timepoints) +
+    const std::string oneImage = R"(
+<Timepoint name='Start' tpDate='2009-03-05' tpNumber='7' tpGUID='{0B000000-0000-0000-0000-000000000007}'>
+<file name='A107.M' hash='900150983cd24fb0d6963f7d28e17f72' catalogGUID='{C}' category='McLaughlin'/><Images>
+<image file='A107.I2A' signature='900150983cd24fb0d6963f7d28e17f72' title='lateral' note='n' imageGUID='{I}'
+ vfile='A107.V2A' vsignature='900150983cd24fb0d6963f7d28e17f72'/></Images></Timepoint>)";
+    return R"(<record userGUID='{U}' downloadACV='0'><patient patVeltrixID='41'
+ patGUID='{0A000000-0000-0000-0000-000000000001}' patientID='A1' patOwnerGUID='{O}' frvPatGUID='{F}'
+ patfirstName='Zoë' patlastName='Lee' patBirthdate='1999-05-17' patGender='1'/><Timepoints>)" +
+           (timepoints.empty() ? oneImage : timepoints) +
            "</Timepoints><patient last='Lee'><note>hello</note></patient></record>";
 }

@@ -31,43 +31,20 @@ std::string Ok(const std::string& body)
            "\r\nConnection: close\r\n\r\n" + body;
 }
 
-namespace
-{
-/// A socket of this machine that connections can be made to; its port.
-unsigned long long Listen(int& port)
+HttpServer::HttpServer(Answer answer) : m_answer(std::move(answer))
 {
     WSADATA data;
     ::WSAStartup(MAKEWORD(2, 2), &data);
-    const SOCKET listener = ::socket(AF_INET, SOCK_STREAM, 0);
+    m_listener = ::socket(AF_INET, SOCK_STREAM, 0);
     sockaddr_in address = {};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = ::htonl(INADDR_LOOPBACK);
     int size = sizeof address;
-    if (::bind(listener, reinterpret_cast<sockaddr*>(&address), size) != 0 || ::listen(listener, 8) != 0 ||
-        ::getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size) != 0)
+    if (::bind(m_listener, reinterpret_cast<sockaddr*>(&address), size) != 0 ||
+        ::listen(m_listener, 8) != 0 ||
+        ::getsockname(m_listener, reinterpret_cast<sockaddr*>(&address), &size) != 0)
         throw std::runtime_error("no socket");
-    port = ::ntohs(address.sin_port);
-    return listener;
-}
-} // namespace
-
-SilentServer::SilentServer() : m_listener(Listen(m_port))
-{
-}
-
-SilentServer::~SilentServer()
-{
-    ::closesocket(m_listener);
-    ::WSACleanup();
-}
-
-std::string SilentServer::Address() const
-{
-    return "https://localhost:" + std::to_string(m_port);
-}
-
-HttpServer::HttpServer(Answer answer) : m_answer(std::move(answer)), m_listener(Listen(m_port))
-{
+    m_port = ::ntohs(address.sin_port);
     m_thread = std::thread([this] { Run(); });
 }
 
@@ -79,9 +56,9 @@ HttpServer::~HttpServer()
     ::WSACleanup();
 }
 
-std::string HttpServer::Address() const
+std::string HttpServer::Address(const std::string& scheme) const
 {
-    return "http://localhost:" + std::to_string(m_port);
+    return scheme + "://localhost:" + std::to_string(m_port);
 }
 
 std::vector<std::string> HttpServer::Requests() const

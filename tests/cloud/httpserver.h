@@ -28,22 +28,6 @@ private:
 
 std::string Ok(const std::string& body);
 
-/// Takes connections and never says a word, until it is destroyed.
-class SilentServer
-{
-public:
-    SilentServer();
-    ~SilentServer();
-    SilentServer(const SilentServer&) = delete;
-    SilentServer& operator=(const SilentServer&) = delete;
-
-    std::string Address() const; ///< "https://localhost:PORT"
-
-private:
-    int m_port = 0; // before the socket, which tells it
-    unsigned long long m_listener;
-};
-
 class HttpServer
 {
 public:
@@ -54,15 +38,16 @@ public:
     HttpServer(const HttpServer&) = delete;
     HttpServer& operator=(const HttpServer&) = delete;
 
-    std::string Address() const; ///< "http://localhost:PORT"
+    /// "http://localhost:PORT". A TLS handshake with it waits for an answer that never comes.
+    std::string Address(const std::string& scheme = "http") const;
     std::vector<std::string> Requests() const;
 
 private:
     void Run();
 
     Answer m_answer;
-    int m_port = 0; // before the socket, which tells it
-    unsigned long long m_listener;
+    int m_port = 0;
+    unsigned long long m_listener = 0;
     mutable std::mutex m_mutex;
     std::vector<std::string> m_requests;
     std::atomic<bool> m_stop = false;

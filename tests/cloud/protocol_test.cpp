@@ -1,10 +1,7 @@
 // What goes to the service byte by byte, and what its replies mean.
-#include "archive/res/archiveres.h"
 #include "cloud/message/messagepage.h"
 #include "cloud/protocol/commands.h"
 #include "cloud/protocol/servicetime.h"
-#include "cloud/queue/queuereport.h"
-#include "cloud/res/cloudres.h"
 
 #include <gtest/gtest.h>
 
@@ -28,11 +25,6 @@ TEST(CloudCommands, EncodeEveryByteThatIsNoLetterOrDigit)
 TEST(CloudCommands, AreWrittenAsTheServiceReadsThem)
 {
     EXPECT_EQ(LoginLine("", "\xe9/-", -840), "cmd=login&Login=&password=%e9%2f%2d&tz=-840");
-    EXPECT_EQ(CommandLine("getrecordinfo").Add("pid", "{A}").Add("id", "").Add("space", -5).Text(),
-              "cmd=getrecordinfo&pid=%7bA%7d&id=&space=%2d5");
-    EXPECT_EQ(RequestHeaders(false),
-              "Content-Type: application/x-www-form-urlencoded\r\nUser-Agent: VeltrixRasko/12.0.9.58\r\n");
-    EXPECT_EQ(RequestHeaders(true), RequestHeaders(false) + "velUseFIPS: ON\r\n");
     for (const char* on : {"on", "ON", "On", "oN"})
         EXPECT_TRUE(IsFipsOn(on)) << on;
     for (const char* off : {"", "o", "on ", "one", "1", "yes", "\x0fn"})
@@ -67,29 +59,23 @@ TEST(CloudTimes, AreReadByTheirFieldsAndTheCalendar)
 
 TEST(CloudTimes, OffsetCountsWholeHoursAndKeepsItsRuleForDates)
 {
-    struct Case
-    {
-        int localYear, localDay, localHour, utcYear, utcDay, utcHour, expected;
+    const auto at = [](int year, int day, int hour) {
+        std::tm time{};
+        time.tm_year = year;
+        time.tm_yday = day;
+        time.tm_hour = hour;
+        return time;
     };
-    const Case cases[] = {
-        {126, 100, 9, 126, 100, 14, 300},  // five hours west
-        {126, 100, 15, 126, 100, 14, -60}, // one hour east
-        {126, 100, 20, 126, 101, 1, 300},  // UTC is a day ahead
-        {126, 364, 20, 127, 0, 1, 300},    // 31 December here, 1 January there
-        {127, 0, 2, 126, 364, 16, 2280},   // the local date is ahead across the year's end: the day decides
-        {126, 101, 2, 126, 100, 16, 840},  // ten hours east
-    };
-    for (const Case& c : cases)
-    {
-        std::tm local{}, utc{};
-        local.tm_year = c.localYear;
-        local.tm_yday = c.localDay;
-        local.tm_hour = c.localHour;
-        utc.tm_year = c.utcYear;
-        utc.tm_yday = c.utcDay;
-        utc.tm_hour = c.utcHour;
-        EXPECT_EQ(TimeZoneOffset(local, utc), c.expected) << c.localDay << " " << c.localHour;
-    }
+    const std::tuple<std::tm, std::tm, int> cases[] = {
+        {at(126, 100, 9), at(126, 100, 14), 300},  // five hours west
+        {at(126, 100, 15), at(126, 100, 14), -60}, // one hour east
+        {at(126, 100, 20), at(126, 101, 1), 300},  // UTC is a day ahead
+        {at(126, 364, 20), at(127, 0, 1), 300},    // 31 December here, 1 January there
+        {at(127, 0, 2), at(126, 364, 16),
+         2280}, // the local date is ahead across the year's end: the day decides
+        {at(126, 101, 2), at(126, 100, 16), 840}}; // ten hours east
+    for (const auto& [local, utc, expected] : cases)
+        EXPECT_EQ(TimeZoneOffset(local, utc), expected) << local.tm_yday << " " << local.tm_hour;
 }
 
 TEST(CloudMessages, PageListsThemAndNamesWhatMustBeDone)
@@ -131,23 +117,4 @@ TEST(CloudMessages, PageListsThemAndNamesWhatMustBeDone)
     }
     EXPECT_FALSE(MalformedMessagePage().stop);
     EXPECT_EQ(MalformedMessagePage().numbers, "#1");
-}
-
-TEST(CloudQueue, ReportsEachPatientThatWasNotQueued)
-{
-    const struct
-    {
-        int result;
-        bool elsewhere;
-        unsigned text;
-    } cases[] = {{0, false, 0},
-                 {100, false, IDS_ARC_QUEUE_LOAD_ERROR},
-                 {103, false, IDS_ARC_QUEUE_EXISTS},
-                 {103, true, IDS_ARC_QUEUE_ELSEWHERE},
-                 {105, false, IDS_ARC_QUEUE_MISSING},
-                 {107, false, IDS_ARC_QUEUE_NO_IMAGES},
-                 {121, false, IDS_CLD_REFUSED},
-                 {106, false, 0}};
-    for (const auto& c : cases)
-        EXPECT_EQ(QueueReportText(c.result, c.elsewhere), c.text) << c.result;
 }

@@ -11,6 +11,10 @@ using veltest::DialogScript;
 
 namespace
 {
+const std::string NoBirthDate =
+    "The patient C1 does not have a valid birth date assigned.  Please edit the patient "
+    "information and enter the patient birth date first.";
+
 class Queue : public Exchange
 {
 protected:
@@ -31,6 +35,13 @@ protected:
                                  });
     }
 
+    void Execute(const char* sql) const
+    {
+        sqlite3* database = nullptr;
+        sqlite3_open(m_practice.Path("patients.db").c_str(), &database);
+        EXPECT_EQ(sqlite3_exec(database, sql, nullptr, nullptr, nullptr), SQLITE_OK);
+        sqlite3_close(database);
+    }
     static int Pending(const dbCPatient& patient)
     {
         return dbCRaskoTasksContainer().LoadPending(patient.GetGUID());
@@ -85,21 +96,11 @@ TEST_F(Queue, WritesOneWholeTaskAndWakesTheProgram)
 
 TEST_F(Queue, RefusesWhatCannotBeUploaded)
 {
-    dbCPatient patient = StorePatient("A1", 2);
-    ::DeleteFile(m_practice.Path("working\\A101.I2A").c_str());
-    EXPECT_EQ(Upload(patient), velQueueImagesMissing);
-    EXPECT_EQ(Upload(StorePatient("B1", 0)), velQueueNoImages);
-
-    patient = StorePatient("C1");
+    dbCPatient patient = StorePatient("C1");
     m_program.m_strRefusal = "No room is left.";
     EXPECT_EQ(UploadWithBox(patient, "No room is left."), velQueueRefused);
     patient.SetBirthdate(velCDate());
-    EXPECT_EQ(
-        UploadWithBox(patient,
-                      "The patient C1 does not have a valid birth date assigned.  Please edit the patient "
-                      "information and enter the patient birth date first.",
-                      IDOK, "No Birth Date"),
-        velQueueRefused);
+    EXPECT_EQ(UploadWithBox(patient, NoBirthDate, IDOK, "No Birth Date"), velQueueRefused);
     m_program.m_bInstalled = false;
     EXPECT_EQ(UploadWithBox(patient, "There is no Rasko program installed on your computer."),
               velQueueNoProgram);
@@ -107,10 +108,7 @@ TEST_F(Queue, RefusesWhatCannotBeUploaded)
     EXPECT_EQ(Pending(patient), 0);
     EXPECT_THAT(m_program.m_calls, ElementsAre("register 3"));
 
-    sqlite3* database = nullptr;
-    sqlite3_open(m_practice.Path("patients.db").c_str(), &database);
-    EXPECT_EQ(sqlite3_exec(database, "DROP TABLE raskoTasks", nullptr, nullptr, nullptr), SQLITE_OK);
-    sqlite3_close(database);
+    Execute("DROP TABLE raskoTasks");
     const std::string missing =
         "A required database table, raskoTasks, does not exist. Please contact Veltrix "
         "support for assistance.";
@@ -130,6 +128,10 @@ TEST_F(Queue, ReportsEachPatientOfSeveral)
     dbCPatient patient = StorePatient("C1");
     patient.SetBirthdate(velCDate());
     patient.Save();
+    // One that the database refuses costs neither the others nor the report.
+    dbCServicePatients::Store({StorePatient("F1").GetGUID(), "41", "{F}"});
+    Execute("CREATE TRIGGER refused BEFORE INSERT ON raskoTasks WHEN NEW.description LIKE '%F1' "
+            "BEGIN SELECT RAISE(ABORT, 'refused'); END");
     dbSRaskoTask pending;
     for (const auto& [id, computer] : {std::pair("D1", CFarreachVeltrix::GetComputer()), {"E1", "FRONTDESK"}})
     {
@@ -137,19 +139,23 @@ TEST_F(Queue, ReportsEachPatientOfSeveral)
         pending.strQueueComputer = computer;
         dbCRaskoTasksContainer::InsertRow(pending);
     }
+    const auto cancel = [](DialogScript& script) {
+        const veltest::Dialog dialog = script.WaitForDialog("Save Patient To Internet");
+        EXPECT_EQ(dialog.Item(IDC_CLD_PATIENTS).Text(), "The record of Zo\xeb Lee will be uploaded.");
+        dialog.Press(IDCANCEL);
+    };
+    EXPECT_FALSE(veltest::RunModal([] { return velSavePatientsToInternet(nullptr, {"A1"}); }, cancel));
     EXPECT_FALSE(veltest::RunModal(
         [] {
-            return velSavePatientsToInternet(nullptr, {"A1", "B1", "C1", "D1", "E1", "NONE"});
+            return velSavePatientsToInternet(nullptr, {"F1", "A1", "B1", "C1", "D1", "E1", "NONE"});
         },
         [](DialogScript& script) {
             const veltest::Dialog dialog = script.WaitForDialog("Save Patient To Internet");
-            EXPECT_EQ(dialog.Item(IDC_CLD_PATIENTS).Text(), "The records of 6 patients will be uploaded.");
+            EXPECT_EQ(dialog.Item(IDC_CLD_PATIENTS).Text(), "The records of 7 patients will be uploaded.");
             dialog.Press(IDOK);
-            script.AnswerBox(
-                "The patient C1 does not have a valid birth date assigned.  Please edit the patient "
-                "information and enter the patient birth date first.",
-                IDOK);
-            script.AnswerBox("Patient sID: A1 has some or all images missing. It can not be uploaded.\n"
+            script.AnswerBox(NoBirthDate, IDOK);
+            script.AnswerBox("Error loading patient sID: F1\n"
+                             "Patient sID: A1 has some or all images missing. It can not be uploaded.\n"
                              "Patient sID: B1 has no images. It can not be uploaded.\n"
                              "Patient ID: C1 was not queued.\n"
                              "Patient ID: D1 already exists in rasko queue.\n"
@@ -159,14 +165,11 @@ TEST_F(Queue, ReportsEachPatientOfSeveral)
         }));
 
     velCTransferProgram program;
+    const std::string notRegistered =
+        "The Veltrix Rasko has not be registered and I was unable to manually run "
+        "Rasko.\nConfirm that VelRasko.exe is in the correct location and try again.";
     EXPECT_FALSE(veltest::RunModal([&] { return program.Wake(); },
-                                   [](DialogScript& script) {
-                                       script.AnswerBox(
-                                           "The Veltrix Rasko has not be registered and I was unable "
-                                           "to manually run Rasko.\nConfirm that VelRasko.exe is in "
-                                           "the correct location and try again.",
-                                           IDOK);
-                                   }));
+                                   [&](DialogScript& script) { script.AnswerBox(notRegistered, IDOK); }));
     m_practice.Set("Environment", "velrasko", "64");
     EXPECT_STREQ(velCTransferProgram::GetPath(), m_practice.Path("sys\\velrasko64.exe").c_str());
 }
@@ -175,30 +178,31 @@ TEST_F(Queue, ChecksTheSettingUpInItsOrder)
 {
     const dbCPatient patient = StorePatient("A1");
     m_program.m_bCredentials = false;
-    EXPECT_EQ(
-        UploadWithBox(patient, "You must setup Rasko before you can upload records\nUnable to continue."),
-        velQueueRefused);
-    const auto folder = [](const std::string& path) {
-        dbCApplicationOptionsContainer::SetApplicationOption("RASKOPATH", path.c_str());
-    };
-    folder("Q:\\no disk");
-    EXPECT_EQ(
-        UploadWithBox(patient,
-                      "There is no Rasko folder. When Rasko starts please go\nto 'Options' and configure "
-                      "your settings."),
-        velQueueRefused);
-    folder("Z:\\proc"); // where not even an administrator makes a file
-    EXPECT_EQ(
-        UploadWithBox(patient,
-                      "You do not have write access to:\n  Z:\\proc\nPlease correct this and try again."),
-        velQueueRefused);
-    folder("");
-    const std::string ask =
-        "Veltrix Rasko, the module that handles uploading records to FarreachVeltrix needs to be set "
-        "up before you can upload patient records.  Would you like to setup Rasko now?";
-    EXPECT_EQ(UploadWithBox(patient, ask, IDNO), velQueueRefused);
-    EXPECT_TRUE(m_program.m_calls.empty());
-    EXPECT_EQ(UploadWithBox(patient, ask, IDYES), velQueueRefused);
+    const std::string ask = "Veltrix Rasko, the module that handles uploading records to FarreachVeltrix "
+                            "needs to be set up before you "
+                            "can upload patient records.  Would you like to setup Rasko now?";
+    // Each fault stands before the ones above it.
+    const struct
+    {
+        std::string folder, box;
+        int nAnswer;
+    } cases[] = {
+        {m_practice.Path("temp"), "You must setup Rasko before you can upload records\nUnable to continue.",
+         IDOK},
+        {"Q:\\no disk",
+         "There is no Rasko folder. When Rasko starts please go\nto 'Options' and configure your settings.",
+         IDOK},
+        // Where not even an administrator makes a file.
+        {"Z:\\proc", "You do not have write access to:\n  Z:\\proc\nPlease correct this and try again.",
+         IDOK},
+        {"", ask, IDNO},
+        {"", ask, IDYES}};
+    for (const auto& c : cases)
+    {
+        EXPECT_TRUE(m_program.m_calls.empty());
+        dbCApplicationOptionsContainer::SetApplicationOption("RASKOPATH", c.folder.c_str());
+        EXPECT_EQ(UploadWithBox(patient, c.box, c.nAnswer), velQueueRefused);
+    }
     EXPECT_THAT(m_program.m_calls, ElementsAre("options"));
     EXPECT_EQ(Pending(patient), 0);
 

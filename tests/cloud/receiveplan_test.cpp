@@ -192,14 +192,6 @@ TEST(CloudReceive, LeavesOutWhatCannotBeChecked)
     EXPECT_EQ(plan.images.size(), 1U);
 }
 
-TEST(CloudReceive, JudgesTheSearchesInTheirOrder)
-{
-    EXPECT_EQ(JudgeMatch(true, true, true), LocalMatch::ByServiceId);
-    EXPECT_EQ(JudgeMatch(false, true, true), LocalMatch::ByName);
-    EXPECT_EQ(JudgeMatch(false, false, true), LocalMatch::WithoutBirthDate);
-    EXPECT_EQ(JudgeMatch(false, false, false), LocalMatch::None);
-}
-
 TEST(CloudReceive, SortsAFoldersFilesIntoTimepointsAndImages)
 {
     const auto timepoints = GroupPatientFiles(

@@ -2,7 +2,7 @@
 #include "cloud/xml/codepage.h"
 #include "cloud/xml/velxml.h"
 #include "suite/patients/velpat.h"
-#include "tests/support/dialogscript.h"
+#include "tests/support/exchangeuser.h"
 #include "tests/support/mfctestprogram.h"
 #include "tests/support/temporarypractice.h"
 
@@ -27,21 +27,9 @@ protected:
         dbCPatients::Close();
     }
 
-    /// Every attribute and collection of the record, with texts that markup and code page make hard.
+    /// A patient with every attribute and collection of a record, and the files of one timepoint.
     dbCPatient StoreRich()
     {
-        dbCDoctor doctor;
-        doctor.GetPerson().SetLastname("O'Hara & \"Sons\"");
-        doctor.GetPerson().SetFirstname("Zo\xeb");
-        doctor.GetPerson().SetTitle("Dr.");
-        doctor.GetPerson().SetEmail("z@hara.example");
-        dbCAddress office;
-        office.SetType("O");
-        office.SetCompany("<Hara>");
-        doctor.GetPerson().GetAddresses().Add(office);
-        doctor.SetTreating(TRUE);
-        doctor.Save();
-
         dbCPatient patient;
         patient.SetID("A1");
         patient.SetGUID("{0A000000-0000-0000-0000-000000000001}");
@@ -49,24 +37,11 @@ protected:
         patient.SetFirstname("\x80va");
         patient.SetBirthdate(velCDate(2012, 3, 4));
         patient.SetGender(1);
-        patient.SetNorm(3);
-        patient.SetTitle("Ms");
-        patient.SetNickname("E");
         patient.SetNotes("one\r\n\ttwo <b>");
         patient.GetPhones().Add(dbCPhone("1 2", "Home"));
         dbCAddress home;
-        home.SetStreet("Quay 1");
         home.SetCity("Ulm");
-        home.SetState("BW");
-        home.SetPostalCode("89073");
-        home.SetCountry("DE");
         patient.GetAddresses().Add(home);
-        patient.SetPersonInfo(dbPersonTreatingDoctor, doctor.GetPerson());
-        dbCPatientReferralsRow referral;
-        referral.Set_docID(doctor.GetGUID());
-        referral.Set_type(DB_REFERRAL_DOC);
-        patient.GetReferrals().Add(referral);
-
         dbCTimepoint timepoint;
         timepoint.SetNumber("A1", 7);
         timepoint.SetName("Start");
@@ -79,15 +54,7 @@ protected:
         for (const char* name :
              {"A107.I2A", "A107.V2A", "A107.I2A.AVI", "A107.D0.I2A", "A1$07$x.stl", "A107.M"})
             m_practice.WriteFile("working\\" + std::string(name), "abc");
-        patient.SetEmail("eva@lee.example");
-        patient.Save();
-        dbCPersonEmails doctorEmails;
-        doctorEmails.Add("z@hara.example");
-        doctorEmails.Add("office@hara.example");
-        doctorEmails.Save(doctor.GetGUID());
-        dbCPatientEmailsContainer emails;
-        emails.Add({"{E}", "parent", "H", "Ms", "Eve", "Lee", "eve@lee.example"});
-        emails.Save(patient.GetGUID());
+        veltest::AddCarried(patient);
         dbCPatient stored;
         EXPECT_TRUE(stored.Load("A1"));
         return stored;
@@ -96,22 +63,24 @@ protected:
     veltest::TemporaryPractice m_practice;
 };
 
-const std::string Abc = "900150983cd24fb0d6963f7d28e17f72"; // MD5 of "abc"
 const std::string Begin = "<?xml version='1.0'?>\r\n<?xml-stylesheet type='text/xml' href='dom.xsl'?>\r\n";
+
+std::string OneLine(std::string text)
+{
+    std::erase(text, '\n');
+    return text;
+}
 
 /// The service's form of a record with one timepoint and one image.
 std::string ServiceRecord(const std::string& more = {})
 {
-    return "<record userGUID=\"{U}\" downloadACV=\"1\"><patient patVeltrixID=\"41\" patGUID=\"{P}\" "
-           "patientID=\"A1\" "
-           "patOwnerGUID=\"{O}\" frvPatGUID=\"{F}\" patfirstName=\"Zo\xc3\xab\" patlastName=\"Lee\" "
-           "patBirthdate=\"1999-05-17\" patGender=\"2\"/><Timepoints><Timepoint name=\"T\" "
-           "tpDate=\"2009-03-05\" "
-           "tpNumber=\"7\" tpGUID='\"] | //x[\"'><file name=\"A107.M\" hash=\"h\" catalogGUID=\"{C}\" "
-           "category=\"McLaughlin\"/><Images><image file=\"A107.I2A\" signature=\"s\" title=\"t\" note=\"n\" "
-           "imageType=\"2A\" imageGUID=\"{I}\" vfile=\"A107.V2A\" vsignature=\"v\"><file "
-           "name=\"A107.I2A.AVI\" "
-           "hash=\"x\"/></image></Images></Timepoint></Timepoints>" +
+    return OneLine(R"(
+<record userGUID="{U}" downloadACV="1"><note>read &#20013; me</note><patient patVeltrixID="41" patGUID="{P}" patientID="A1" patOwnerGUID="{O}"
+ frvPatGUID="{F}" patfirstName="Zo&#235;" patlastName="Lee" patBirthdate="1999-05-17" patGender="2"/>
+<Timepoints><Timepoint name="T" tpDate="2009-03-05" tpNumber="7" tpGUID='"] | //x["'>
+<file name="A107.M" hash="h" catalogGUID="{C}" category="McLaughlin"/><Images>
+<image file="A107.I2A" signature="s" title="t" note="n" imageType="2A" imageGUID="{I}" vfile="A107.V2A"
+ vsignature="v"><file name="A107.I2A.AVI" hash="x"/></image></Images></Timepoint></Timepoints>)") +
            more + "</record>";
 }
 } // namespace
@@ -123,44 +92,30 @@ TEST_F(VelXml, WritesTheSharedRecord)
     ASSERT_TRUE(xml.IsAvailable());
     CString text;
     ASSERT_TRUE(xml.BuildPatientXml(patient, text));
-    dbCPerson doctor;
-    patient.GetPersonInfo(dbPersonTreatingDoctor, doctor);
-    const std::string guid = doctor.GetPersonGUID().GetString();
-    const std::string signature = " signature=\"" + Abc + "\"";
-    EXPECT_EQ(std::string(text),
-              Begin +
-                  "<!--Patient Information-->\r\n<patient patientid=\"A1\" "
-                  "id=\"{0A000000-0000-0000-0000-000000000001}\" "
-                  "last=\"M&#252;ller\" first=\"&#8364;va\" birthdate=\"2012-03-04\" dob=\"2012-03-04\" "
-                  "gender=\"1\" norm=\"3\" title=\"Ms\" nickname=\"E\"><treatingDoctor id=\"" +
-                  guid +
-                  "\" last=\"O'Hara &amp; &quot;Sons&quot;\" first=\"Zo&#235;\" title=\"Dr.\"><emails><email "
-                  "address=\"z@hara.example\"/><email "
-                  "address=\"office@hara.example\"/></emails><addresses><address type=\"O\" "
-                  "company=\"&lt;Hara&gt;\"/></addresses>"
-                  "</treatingDoctor><emailAddresses><emailAddress "
-                  "personId=\"{0A000000-0000-0000-0000-000000000001}\" category=\"patient\" "
-                  "firstName=\"&#8364;va\" "
-                  "lastName=\"M&#252;ller\" address=\"eva@lee.example\"/><emailAddress personId=\"{E}\" "
-                  "category=\"parent\" type=\"H\" "
-                  "salutation=\"Ms\" firstName=\"Eve\" lastName=\"Lee\" address=\"eve@lee.example\"/>"
-                  "</emailAddresses><ReferringDoctors><ReferringDoctor id=\"" +
-                  guid +
-                  "\" refname=\"Zo&#235; O'Hara &amp; &quot;Sons&quot;\" "
-                  "refemail=\"z@hara.example\"/></ReferringDoctors>"
-                  "<note>one&#10;&#9;two &lt;b&gt;</note><phones><phone number=\"1 2\" "
-                  "type=\"Home\"/></phones><addresses>"
-                  "<address type=\"H\" street=\"Quay 1\" city=\"Ulm\" state=\"BW\" zip=\"89073\" "
-                  "country=\"DE\"/></addresses>"
-                  "<timepoints><timepoint name=\"Start\" tpGUID=\"{7}\" date=\"03/05/2009\" "
-                  "file=\"A107\"><Files><file "
-                  "name=\"A1$07$x.stl\"" +
-                  signature + " category=\"3D\"/><file name=\"A107.M\"" + signature +
-                  " category=\"McLaughlin\"/></Files><images><image title=\"lateral\" note=\"a note\" "
-                  "file=\"A107.I2A\"" +
-                  signature + " vfile=\"A107.V2A\" vsignature=\"" + Abc + "\"><file name=\"A107.D0.I2A\"" +
-                  signature + " category=\"3D\"/><file name=\"A107.I2A.AVI\"" + signature +
-                  " category=\"other\"/></image></images></timepoint></timepoints></patient>");
+    EXPECT_EQ(std::string(text), Begin + "<!--Patient Information-->\r\n" + OneLine(R"(
+<patient patientid="A1" id="{0A000000-0000-0000-0000-000000000001}" last="M&#252;ller" first="&#8364;va"
+ birthdate="2012-03-04" dob="2012-03-04" gender="1" norm="3" title="Ms." nickname="&#8364;uro">
+<treatingDoctor id="{0D000000-0000-0000-0000-000000000001}" last="O'Hara &amp; &lt;Co&gt;"
+ first="&quot;Ren&#233;&quot;" title="Dr.">
+<emails><email address="rene@one.example"/><email address="office@one.example"/></emails>
+<addresses><address type="O" company="Smile" city="K&#246;ln"/></addresses></treatingDoctor>
+<emailAddresses><emailAddress personId="{0A000000-0000-0000-0000-000000000001}" category="patient"
+ salutation="Dear Zo&#235;" firstName="&#8364;va" lastName="M&#252;ller" address="zoe@four.example"/>
+<emailAddress personId="{P}" category="guardian" type="home" salutation="Mrs." firstName="Eve" lastName="Lee"
+ address="eve@three.example"/></emailAddresses>
+<ReferringDoctors><ReferringDoctor id="{0D000000-0000-0000-0000-000000000002}" refname="Jan van der Berg"
+ refemail="jan@two.example"/></ReferringDoctors>
+<note>one&#10;&#9;two &lt;b&gt;</note><phones><phone number="1 2" type="Home"/></phones>
+<addresses><address type="H" city="Ulm"/><address type="O" street="Second &quot;Street&quot;" state="BW" zip="89073"
+ country="Norway"/></addresses>
+<timepoints><timepoint name="Start" tpGUID="{7}" date="03/05/2009" file="A107"><Files>
+<file name="A1$07$x.stl" signature="900150983cd24fb0d6963f7d28e17f72" category="3D"/>
+<file name="A107.M" signature="900150983cd24fb0d6963f7d28e17f72" category="McLaughlin"/></Files><images>
+<image title="lateral" note="a note" file="A107.I2A" signature="900150983cd24fb0d6963f7d28e17f72" vfile="A107.V2A"
+ vsignature="900150983cd24fb0d6963f7d28e17f72">
+<file name="A107.D0.I2A" signature="900150983cd24fb0d6963f7d28e17f72" category="3D"/>
+<file name="A107.I2A.AVI" signature="900150983cd24fb0d6963f7d28e17f72" category="other"/></image>
+</images></timepoint></timepoints></patient>)"));
 
     // Only what is chosen.
     ASSERT_TRUE(xml.BuildPatientXml(patient, text, {}));
@@ -186,29 +141,15 @@ TEST_F(VelXml, WritesAnEmptyRecordWithItsBirthDate)
 
 TEST_F(VelXml, WritesTheManifest)
 {
-    cloud::ManifestFile file;
-    file.finalName = "B201.I2A";
-    file.exists = true;
-    file.note = "\xe9";
-    file.title = "t";
-    file.fileGuid = "{I}";
-    file.catalogGuid = "{C}";
-    file.name = "A107.I2A";
-    file.ownerGuid = "{O}";
-    file.signature = Abc;
-    file.timepointNumber = 1;
+    const cloud::ManifestFile file{"B201.I2A", true, "\xe9", "t", "{I}", "{C}", "A107.I2A", "{O}", "s", 1};
     CVelXML xml;
     CString text;
     ASSERT_TRUE(xml.BuildUploadManifest({"Lee, Ann", "{P}", "B2", "{F}", "41"}, {file, {}}, text));
-    EXPECT_EQ(std::string(text),
-              Begin +
-                  "<patient patFullname=\"Lee, Ann\" patGUID=\"{P}\" patID=\"B2\" frvPatGUID=\"{F}\" "
-                  "frvPatId=\"41\">"
-                  "<images><image finalfilename=\"B201.I2A\" imageExists=\"1\" imageNote=\"&#233;\" "
-                  "imageTitle=\"t\" "
-                  "imgfileGuid=\"{I}\" catalogGuid=\"{C}\" imgfilename=\"A107.I2A\" patOwnerGuid=\"{O}\" "
-                  "imgfileSignature=\"" +
-                  Abc + "\" tpNumber=\"1\"/><image imageExists=\"0\" tpNumber=\"0\"/></images></patient>");
+    EXPECT_EQ(std::string(text), Begin + OneLine(R"(
+<patient patFullname="Lee, Ann" patGUID="{P}" patID="B2" frvPatGUID="{F}" frvPatId="41"><images>
+<image finalfilename="B201.I2A" imageExists="1" imageNote="&#233;" imageTitle="t" imgfileGuid="{I}"
+ catalogGuid="{C}" imgfilename="A107.I2A" patOwnerGuid="{O}" imgfileSignature="s" tpNumber="1"/>
+<image imageExists="0" tpNumber="0"/></images></patient>)"));
     ASSERT_TRUE(xml.BuildUploadManifest({}, {}, text));
     EXPECT_EQ(std::string(text), Begin + "<patient/>");
 }
@@ -228,18 +169,17 @@ TEST_F(VelXml, SignsFiles)
         EXPECT_EQ(xml.GetFileSignature(m_practice.Path("file").c_str(), signature), S_OK);
         EXPECT_STREQ(signature, expected) << size;
     }
-    // While another program has it open, for writing too.
     const HANDLE open = ::CreateFile(m_practice.Path("file").c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
                                      OPEN_EXISTING, 0, nullptr);
-    EXPECT_EQ(xml.GetFileSignature(m_practice.Path("file").c_str(), signature), S_OK);
+    const std::pair<std::string, HRESULT> paths[] = {
+        {m_practice.Path("file"), S_OK}, // while another program has it open, for writing too
+        {"", static_cast<HRESULT>(0x80070057)},
+        {"C:\\" + std::string(257, 'a'), static_cast<HRESULT>(0x80070057)},
+        {"C:\\" + std::string(256, 'a'), static_cast<HRESULT>(0x800A0035)},
+        {m_practice.Path("none"), static_cast<HRESULT>(0x800A0035)}};
+    for (const auto& [path, result] : paths)
+        EXPECT_EQ(xml.GetFileSignature(path.c_str(), signature), result) << path;
     ::CloseHandle(open);
-    EXPECT_EQ(xml.GetFileSignature("", signature), static_cast<HRESULT>(0x80070057));
-    EXPECT_EQ(xml.GetFileSignature(("C:\\" + std::string(257, 'a')).c_str(), signature),
-              static_cast<HRESULT>(0x80070057));
-    EXPECT_EQ(xml.GetFileSignature(("C:\\" + std::string(256, 'a')).c_str(), signature),
-              static_cast<HRESULT>(0x800A0035));
-    EXPECT_EQ(xml.GetFileSignature(m_practice.Path("none").c_str(), signature),
-              static_cast<HRESULT>(0x800A0035));
     EXPECT_TRUE(signature.IsEmpty());
 
     m_practice.WriteFile("file", "abc");
@@ -258,8 +198,9 @@ TEST_F(VelXml, ReadsARecord)
     ASSERT_TRUE(xml.ReadRecord(record));
     EXPECT_FALSE(xml.IsLossy());
     EXPECT_EQ(record.userGuid + record.serviceId + record.guid + record.patientId + record.ownerGuid +
-                  record.serviceGuid + record.firstName + record.lastName + record.birthDate + record.gender,
-              "{U}41{P}A1{O}{F}Zo\xebLee1999-05-172");
+                  record.serviceGuid + record.firstName + record.lastName + record.birthDate + record.gender +
+                  record.note,
+              "{U}41{P}A1{O}{F}Zo\xebLee1999-05-172read ? me");
     EXPECT_TRUE(record.withAcvFiles);
     ASSERT_EQ(record.timepoints.size(), 1U);
     const cloud::RecordTimepoint& timepoint = record.timepoints[0];

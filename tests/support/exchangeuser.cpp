@@ -12,10 +12,33 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <process.h>
 #include <set>
 
 namespace veltest
 {
+
+bool WaitFor(const std::function<bool()>& condition)
+{
+    for (const DWORD start = GetTickCount(); GetTickCount() - start < ProgramPatience; Sleep(5))
+        if (condition())
+            return true;
+    return false;
+}
+
+std::string ProgramFolder()
+{
+    char path[MAX_PATH] = "";
+    GetModuleFileNameA(nullptr, path, MAX_PATH);
+    return std::filesystem::path(path).parent_path().string();
+}
+
+HANDLE StartTransferProgram(const char* commandSwitch)
+{
+    const std::string program = ProgramFolder() + "\\" + rasko::ProgramFile;
+    return reinterpret_cast<HANDLE>(
+        _spawnl(_P_NOWAIT, program.c_str(), rasko::ProgramFile, commandSwitch, nullptr));
+}
 
 void EnterTransferOptions(DialogScript& script, const std::string& user, const std::string& password,
                           const std::string& service, const std::string& folder)
@@ -46,6 +69,49 @@ void EndTransferProgram()
     CloseHandle(process);
     if (ended != WAIT_OBJECT_0)
         throw std::runtime_error("the transfer program does not end");
+}
+
+void AddCarried(dbCPatient& patient)
+{
+    dbCDoctor doctor;
+    doctor.GetPerson().SetPersonGUID("{0D000000-0000-0000-0000-000000000001}");
+    doctor.GetPerson().SetLastname("O'Hara & <Co>");
+    doctor.GetPerson().SetFirstname("\"Ren\xe9\"");
+    doctor.GetPerson().SetTitle("Dr.");
+    dbCAddress office;
+    office.SetType("O");
+    office.SetCompany("Smile");
+    office.SetCity("K\xf6ln");
+    doctor.GetPerson().SetAddress(0, office);
+    doctor.Save();
+    dbCPersonEmails emails;
+    emails.Add("rene@one.example");
+    emails.Add("office@one.example");
+    emails.Save(doctor.GetGUID());
+    patient.AddPersonInfo(dbPersonTreatingDoctor, doctor.GetPerson());
+    dbCDoctor referrer;
+    referrer.GetPerson().SetPersonGUID("{0D000000-0000-0000-0000-000000000002}");
+    referrer.GetPerson().SetLastname("van der Berg");
+    referrer.GetPerson().SetFirstname("Jan");
+    referrer.GetPerson().SetEmail("jan@two.example");
+    referrer.Save();
+    patient.GetReferrals().AddReferralDoc(referrer.GetGUID(), velCDate(2020, 1, 2));
+    patient.SetTitle("Ms.");
+    patient.SetSalutation("Dear Zo\xeb");
+    patient.SetNickname("\x80uro");
+    patient.SetNorm(3);
+    patient.SetEmail("zoe@four.example");
+    dbCAddress second;
+    second.SetType("O");
+    second.SetStreet("Second \"Street\"");
+    second.SetState("BW");
+    second.SetPostalCode("89073");
+    second.SetCountry("Norway");
+    patient.SetAddress(1, second);
+    patient.Save();
+    dbCPatientEmailsContainer rows;
+    rows.Add({"{P}", "guardian", "home", "Mrs.", "Eve", "Lee", "eve@three.example"});
+    rows.Save(patient.GetGUID());
 }
 
 std::string CarriedFields(const dbCPatient& patient)

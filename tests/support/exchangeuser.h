@@ -5,6 +5,7 @@
 
 #include "tests/support/dialogscript.h"
 
+#include <functional>
 #include <map>
 #include <string>
 
@@ -13,12 +14,27 @@ class dbCPatient;
 namespace veltest
 {
 
+// Of the other program and the service: a busy machine is not a failure.
+inline constexpr DWORD ProgramPatience = 60'000; // milliseconds
+
+bool WaitFor(const std::function<bool()>& condition); // false when that patience is over
+
+// Where this program and the transfer program are.
+std::string ProgramFolder();
+
+// The caller closes the process's handle.
+HANDLE StartTransferProgram(const char* commandSwitch);
+
 // Fills the transfer program's options when they come up, and confirms them.
 void EnterTransferOptions(DialogScript& script, const std::string& user, const std::string& password,
                           const std::string& service, const std::string& folder);
 
 // Ends the running transfer program, if there is one, and waits for its end.
 void EndTransferProgram();
+
+// Gives a patient everything that a record has a place for besides name, dates and images, with texts that markup
+// and code page make hard, and stores it.
+void AddCarried(dbCPatient& patient);
 
 // All fields of a stored patient that a shared record carries, line by line, without the patient's ID.
 // Doctors by their names: a practice that has one of the name keeps its own.
