@@ -171,8 +171,10 @@ TEST(CloudReceive, RefusesNamesThatAreNotTheTimepointsOwn)
     }
     // What is not chosen is looked at all the same; a file in the wrong element is not taken for an image.
     Record record = OneTimepoint();
-    record.timepoints[0].files = {{"..\\evil.stl", Md5, "", "3D"}};
-    EXPECT_EQ(Plan(record, "B2", {}, {}).fault, PlanFault::FileName);
+    record.timepoints[0].files = {{"..\\evil.stl", Md5, "", "3D"}, {"AUX", Md5, "", "3D"}};
+    const ReceivePlan plan = Plan(record, "B2", {}, {});
+    EXPECT_EQ(plan.fault, PlanFault::FileName);
+    EXPECT_EQ(plan.faultText, "..\\evil.stl"); // the first
 }
 
 TEST(CloudReceive, LeavesOutWhatCannotBeChecked)
