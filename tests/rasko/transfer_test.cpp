@@ -448,7 +448,7 @@ TEST(TransferPlan, TakesOnlyFilesOfThePatient)
         rasko::ReadUpload(veltest::SampleDocument("{1}", "A1", {{"A107.I0A", "x"}, {"A107.I0A", "x"}}));
     EXPECT_EQ(files.size(), 1U);
     EXPECT_THROW(rasko::ReadUpload(veltest::SampleDocument("{1}", "A1", {{"A1.PF", "x"}})), rasko::Refused);
-    EXPECT_EQ(rasko::FormEncode("aZ9 &\xC3-"), "aZ9+%26%c3%2d");
+    EXPECT_EQ(rasko::FormEncode("azAZ09 /:@[`{\xC3"), "azAZ09+%2f%3a%40%5b%60%7b%c3");
     EXPECT_EQ(rasko::ProgressStatus(1, 3), 29);
     EXPECT_EQ(rasko::ProgressStatus(9, 3), 89);
     EXPECT_EQ(rasko::ProgressStatus(0, 0), 0);
