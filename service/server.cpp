@@ -292,6 +292,7 @@ void Server::Run()
 
 void Server::Stop()
 {
-    m_implementation->http.stop();
+    // Unlike the library's own stop, this is not lost when the service does not accept connections yet.
+    ::shutdown(m_implementation->listening, SHUT_RDWR);
 }
 } // namespace svc
