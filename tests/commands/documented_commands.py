@@ -43,8 +43,8 @@ def run(*command):
     return done.returncode == 0, done.stdout + done.stderr
 
 
-def plan(*targets):
-    ok, output = run("ninja", "-C", str(BUILD), "-n", *targets)
+def plan(target):
+    ok, output = run("ninja", "-C", str(BUILD), "-t", "query", target)
     return None if ok else output
 
 
