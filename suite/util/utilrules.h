@@ -9,14 +9,14 @@
 
 constexpr std::size_t utlmaxTemplateResult = 256;
 
-// Replaces "<1>", "<2>" ... in a template by the arguments, which are not looked at again; a marker without an
-// argument stays. The result ends at utlmaxTemplateResult bytes.
+/// Replaces "<1>", "<2>" ... in a template by the arguments, which are not looked at again; a marker without an
+/// argument stays. The result ends at utlmaxTemplateResult bytes.
 std::string utlFillTemplate(std::string_view text, std::span<const std::string_view> arguments);
 
-// The number with zeros in front up to the width; never cut.
+/// The number with zeros in front up to the width; never cut.
 std::string utlNumberText(int number, int width);
 
-// The parts of a path; put together again in this order they are the path.
+/// The parts of a path; put together again in this order they are the path.
 struct utlPathParts
 {
     std::string drive; // "c:" or "\\server\share"
@@ -26,7 +26,7 @@ struct utlPathParts
 };
 utlPathParts utlSplitPath(std::string_view path);
 
-// The folder with one backslash at its end; empty stays empty.
+/// The folder with one backslash at its end; empty stays empty.
 std::string utlWithBackslash(std::string_view folder);
 
 struct utlDateTime
@@ -38,5 +38,5 @@ struct utlDateTime
     int minute = 0;
     int second = 0;
 };
-// "yyyy-mm-dd", with or without a blank or "T" and "hh:mm:ss". Only the form is checked, not the calendar.
+/// "yyyy-mm-dd", with or without a blank or "T" and "hh:mm:ss". Only the form is checked, not the calendar.
 std::optional<utlDateTime> utlParseIsoDate(std::string_view text);

@@ -15,22 +15,22 @@ public:
     velCDate& operator=(const COleDateTime& dateSrc);
 
     static velCDate Today();
-    // From "yyyy-mm-dd", with or without " hh:mm:ss" behind it; null from an empty text, invalid from any other.
+    /// From "yyyy-mm-dd", with or without " hh:mm:ss" behind it; null from an empty text, invalid from any other.
     static velCDate FromISO(LPCTSTR lpszText);
 
     bool IsValid() const;
     bool IsNull() const;
     void SetNull();
 
-    // By the calendar day alone: below, at or above 0. No date comes before every date.
+    /// By the calendar day alone: below, at or above 0. No date comes before every date.
     int CompareDate(const velCDate& date) const;
     bool IsSameDate(const velCDate& date) const;
 
-    // The day in the user's locale, as the system's short date; empty when there is no valid date.
+    /// The day in the user's locale, as the system's short date; empty when there is no valid date.
     CString FormatDate() const;
-    // "yyyy-mm-dd"; empty when there is no valid date.
+    /// "yyyy-mm-dd"; empty when there is no valid date.
     CString ToISO() const;
 };
 
-// Callers keep dates in records of 16 bytes.
+/// Callers keep dates in records of 16 bytes.
 static_assert(sizeof(velCDate) == sizeof(COleDateTime));

@@ -3,8 +3,8 @@
 
 #include "suite/util/velutil.h"
 
-// Plain data; the dialog module fills one and exports it, the host reads it. The order and the types of the
-// fields from m_nMeasWndNumDisplayPrec on are fixed between the two.
+/// Plain data; the dialog module fills one and exports it, the host reads it. The order and the types of the
+/// fields from m_nMeasWndNumDisplayPrec on are fixed between the two.
 class VELUTIL_API CVelIniSettingsContainer
 {
 public:
@@ -28,7 +28,7 @@ public:
     float GetTracingLineThickness() const { return m_fTracingLineThickness; }
     // clang-format on
 
-    // The container's own: its size in bytes, and whether it has been filled.
+    /// The container's own: its size in bytes, and whether it has been filled.
     DWORD m_nSize;
     BOOL m_bFilled;
 

@@ -3,21 +3,21 @@
 
 #include "suite/util/velutil.h"
 
-// The folder of temporary files with a backslash at its end: the setting "Environment"/"TEMP" when it names
-// an existing folder, else the system's.
+/// The folder of temporary files with a backslash at its end: the setting "Environment"/"TEMP" when it names
+/// an existing folder, else the system's.
 VELUTIL_API CString velGetTempPath();
-// The working folder of the live patient files ("Environment"/"WORKING") with a backslash at its end; empty
-// when the setting is missing.
+/// The working folder of the live patient files ("Environment"/"WORKING") with a backslash at its end; empty
+/// when the setting is missing.
 VELUTIL_API CString velGetDataPath();
 
-// A file in a folder that the settings name: make_filename("Veltrix", "chm", "sys") is "Veltrix.chm" in the
-// folder of the key SYS of section "Environment", or in "c:\veltrix" without one.
+/// A file in a folder that the settings name: make_filename("Veltrix", "chm", "sys") is "Veltrix.chm" in the
+/// folder of the key SYS of section "Environment", or in "c:\veltrix" without one.
 VELUTIL_API CString make_filename(LPCTSTR lpszName, LPCTSTR lpszExt, LPCTSTR lpszFolderKey);
 
-// The folder with exactly one backslash at its end; empty stays empty.
+/// The folder with exactly one backslash at its end; empty stays empty.
 VELUTIL_API CString velWithBackslash(LPCTSTR lpszFolder);
 
-// A path by its parts.
+/// A path by its parts.
 class VELUTIL_API strFilename
 {
 public:
@@ -44,7 +44,7 @@ private:
     CString m_strExt;
 };
 
-// Room on the volume of a folder. Sizes in bytes are 64 bits wide.
+/// Room on the volume of a folder. Sizes in bytes are 64 bits wide.
 struct velFreeSpace
 {
     DWORD nFreeClusters = 0;
@@ -56,15 +56,15 @@ struct velFreeSpace
         return static_cast<ULONGLONG>(nFreeClusters) * nBytesPerCluster;
     }
 };
-// FALSE when there is no such volume, or no disk in its drive.
+/// FALSE when there is no such volume, or no disk in its drive.
 VELUTIL_API BOOL velGetFreeSpace(LPCTSTR lpszFolder, velFreeSpace& rSpace);
 
 VELUTIL_API BOOL velFileExists(LPCTSTR lpszPath);   // a file, not a folder
 VELUTIL_API BOOL velFolderExists(LPCTSTR lpszPath); // a folder
-// The names (without folder, files only) that match a pattern, appended in the order of the alphabet. Answers
-// how many. "?" and "*" match as the system's own search matches them.
+/// The names (without folder, files only) that match a pattern, appended in the order of the alphabet. Answers
+/// how many. "?" and "*" match as the system's own search matches them.
 VELUTIL_API INT_PTR velFindFiles(LPCTSTR lpszPattern, CStringArray& rNames);
 
-// Copies a file over an existing one. The copy grows beside the destination and takes its name only when it
-// is whole: on failure there is no partial file and what was there is still there. FALSE with GetLastError.
+/// Copies a file over an existing one. The copy grows beside the destination and takes its name only when it
+/// is whole: on failure there is no partial file and what was there is still there. FALSE with GetLastError.
 VELUTIL_API BOOL velCopyFile(LPCTSTR lpszFrom, LPCTSTR lpszTo);

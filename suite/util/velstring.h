@@ -12,14 +12,14 @@ public:
     {
     }
 
-    // The number with zeros in front up to the width: ToAlpha(12, 3) is "012". Never cut.
+    /// The number with zeros in front up to the width: ToAlpha(12, 3) is "012". Never cut.
     static CString ToAlpha(int nNumber, int nWidth);
 };
 
-// Fills the markers "<1>" to "<4>" of a message template with the arguments in their order. What an argument
-// contains is not looked at again; a marker without an argument stays. The result ends at 256 characters.
+/// Fills the markers "<1>" to "<4>" of a message template with the arguments in their order. What an argument
+/// contains is not looked at again; a marker without an argument stays. The result ends at 256 characters.
 VELUTIL_API CString velFormatTemplate(LPCTSTR lpszTemplate, LPCTSTR lpsz1, LPCTSTR lpsz2 = nullptr,
                                       LPCTSTR lpsz3 = nullptr, LPCTSTR lpsz4 = nullptr);
-// The template by its id in the string table of the caller's module state.
+/// The template by its id in the string table of the caller's module state.
 VELUTIL_API CString velFormatTemplate(UINT nTemplateID, LPCTSTR lpsz1, LPCTSTR lpsz2 = nullptr,
                                       LPCTSTR lpsz3 = nullptr, LPCTSTR lpsz4 = nullptr);
