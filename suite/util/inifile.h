@@ -15,9 +15,9 @@ constexpr std::size_t inimaxValue = 4096;
 
 /// The lines of a file in memory. A line is a section "[name]", a setting "key=value" or anything else, which
 /// is kept and ignored: comments (";" or "#"), blank lines, lines over inimaxLine, settings whose value is
-/// over inimaxValue, lines with control characters other than the tab. Names ignore the case of ASCII letters;
-/// of equal names the first counts. Blanks around names and values do not belong to them, nor does a pair of
-/// quotes around a value.
+/// over inimaxValue, lines with control characters other than the tab. Names ignore the case of ASCII
+/// letters; of equal names the first counts. Blanks around names and values do not belong to them, nor does a
+/// pair of quotes around a value.
 class iniCFile
 {
 public:
@@ -28,8 +28,8 @@ public:
 
     std::optional<std::string> Find(std::string_view section, std::string_view key) const;
 
-    /// Sets or adds a setting; a new one goes to the end of its section, a new section to the end of the file.
-    /// False, with nothing changed, when Find would not answer exactly this value afterwards (control
+    /// Sets or adds a setting; a new one goes to the end of its section, a new section to the end of the
+    /// file. False, with nothing changed, when Find would not answer exactly this value afterwards (control
     /// characters or lengths that are not read, a key that holds "=").
     bool Set(std::string_view section, std::string_view key, std::string_view value);
     /// Takes every line that sets the key away.

@@ -9,8 +9,8 @@
 
 constexpr std::size_t utlmaxTemplateResult = 256;
 
-/// Replaces "<1>", "<2>" ... in a template by the arguments, which are not looked at again; a marker without an
-/// argument stays. The result ends at utlmaxTemplateResult bytes.
+/// Replaces "<1>", "<2>" ... in a template by the arguments, which are not looked at again; a marker without
+/// an argument stays. The result ends at utlmaxTemplateResult bytes.
 std::string utlFillTemplate(std::string_view text, std::span<const std::string_view> arguments);
 
 /// The number with zeros in front up to the width; never cut.

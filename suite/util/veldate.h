@@ -15,7 +15,8 @@ public:
     velCDate& operator=(const COleDateTime& dateSrc);
 
     static velCDate Today();
-    /// From "yyyy-mm-dd", with or without " hh:mm:ss" behind it; null from an empty text, invalid from any other.
+    /// From "yyyy-mm-dd", with or without " hh:mm:ss" behind it; null from an empty text, invalid from any
+    /// other.
     static velCDate FromISO(LPCTSTR lpszText);
 
     bool IsValid() const;

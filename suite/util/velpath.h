@@ -61,8 +61,8 @@ VELUTIL_API BOOL velGetFreeSpace(LPCTSTR lpszFolder, velFreeSpace& rSpace);
 
 VELUTIL_API BOOL velFileExists(LPCTSTR lpszPath);   // a file, not a folder
 VELUTIL_API BOOL velFolderExists(LPCTSTR lpszPath); // a folder
-/// The names (without folder, files only) that match a pattern, appended in the order of the alphabet. Answers
-/// how many. "?" and "*" match as the system's own search matches them.
+/// The names (without folder, files only) that match a pattern, appended in the order of the alphabet.
+/// Answers how many. "?" and "*" match as the system's own search matches them.
 VELUTIL_API INT_PTR velFindFiles(LPCTSTR lpszPattern, CStringArray& rNames);
 
 /// Copies a file over an existing one. The copy grows beside the destination and takes its name only when it
