@@ -115,7 +115,7 @@ void CChangeDocType::OnDelete()
 
 void CChangeDocType::OnRefresh()
 {
-    const bool bSelected = m_list.GetCount() > 0 && m_list.GetCurSel() != LB_ERR;
+    const bool bSelected = m_list.GetCurSel() != LB_ERR;
     const HWND hFocus = ::GetFocus();
     GetDlgItem(IDC_DOCTYPE_ADD)->EnableWindow(m_editName.GetWindowTextLength() > 0);
     GetDlgItem(IDC_DOCTYPE_MODIFY)->EnableWindow(bSelected);

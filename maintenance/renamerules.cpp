@@ -38,13 +38,9 @@ int FindTreatment(std::span<const std::string> ids, const std::string& currentID
 bool IsTreatmentChanged(const TreatmentChoice& choice, const std::string& currentID)
 {
     const int last = static_cast<int>(choice.ids.size()) - 1;
-    if (choice.selected < 0 || choice.selected > last)
-        return false;
-    if (choice.selected == last && !currentID.empty())
-        return true;
-    if (choice.selected < last && currentID.empty())
-        return true;
-    return choice.ids[static_cast<std::size_t>(choice.selected)] != currentID;
+    // The entry for a new treatment has no id, and so has a timepoint without one.
+    return choice.selected >= 0 && choice.selected <= last &&
+           choice.ids[static_cast<std::size_t>(choice.selected)] != currentID;
 }
 
 bool IsPatientChanged(const RenameState& state)

@@ -98,6 +98,8 @@ TEST(ColoredSheetTest, ShowsItsTabsAndServesItsPages)
             shown.ClickTab(1);
             EXPECT_EQ(shown.PageIndex(), 1);
             EXPECT_EQ(PixelOf(tabs, second.left + 5, second.top), highlight);
+            // The border of the selected tab stands two pixels outside its place.
+            EXPECT_EQ(PixelOf(tabs, second.left - 2, second.bottom - 4), ::GetSysColor(COLOR_BTNSHADOW));
             EXPECT_EQ(veltest::SavePagePictures(script, shown, "coloredsheet"), 2);
 
             // By keyboard: the strip takes the focus, shows it and changes pages by cursor keys.

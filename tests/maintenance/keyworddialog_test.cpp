@@ -88,33 +88,27 @@ TEST_F(KeywordDialog, TellsWhyItTakesNoKeyword)
     Store(patientList, {"Braces"});
     const std::string tooLong(501, 'k');
     const char* const listed = "The specified keyword is already in the list.";
-    const struct
-    {
-        std::string text;
-        std::string message; // empty: none
-        std::string caption;
-        std::string textAfter;
-    } cases[] = {
+    const std::tuple<std::string, const char*, const char*, std::string> cases[] = {
         {"bRACES", listed, "Duplicate", ""},
         {"Braces ", listed, "Duplicate", ""},
         {tooLong, "A keyword can have at most 500 characters.", "Too Long", tooLong},
-        {"  ", "", "", "  "},
+        {"  ", nullptr, nullptr, "  "}, // nothing is told
     };
     Edit([&](DialogScript& script, const Dialog& dialog) {
         const auto field = dialog.Item(IDC_KEYWORD_TEXT);
-        for (const auto& c : cases)
+        for (const auto& [text, message, caption, after] : cases)
         {
-            field.SetText(c.text);
+            field.SetText(text);
             dialog.Press(IDC_KEYWORD_ADD);
-            if (!c.message.empty())
+            if (message != nullptr)
             {
-                const Dialog box = script.WaitForBox(c.message);
-                EXPECT_EQ(box.Title(), c.caption);
+                const Dialog box = script.WaitForBox(message);
+                EXPECT_EQ(box.Title(), caption);
                 EXPECT_TRUE(box.HasIcon(IDI_EXCLAMATION));
                 script.AnswerBox("", IDOK);
                 script.Settle(dialog.Handle());
             }
-            EXPECT_EQ(field.Text(), c.textAfter);
+            EXPECT_EQ(field.Text(), after);
             EXPECT_TRUE(field.HasFocus());
             EXPECT_THAT(Items(dialog), ElementsAre("Braces"));
         }

@@ -190,11 +190,12 @@ TEST_F(RenameDialog, StartsOnWhatThereIs)
 
 TEST_F(RenameDialog, StartsOnTodayWithoutADateAndPassesNothingThroughWithoutATimepoint)
 {
-    dbCPatient undated = Store("U1", "Una", "Dated", {{"Start", velCDate()}});
+    dbCPatient undated = Store("U1", " una ", "van Dated", {{"Start", velCDate()}});
     const Outcome dated = Run(&undated, 0, 0, [&](DialogScript& script, const Dialog& dialog) {
         EXPECT_THAT(Ask(script, dialog, IDYES), testing::HasSubstr("from \"Start\" () to \"Start\" ("));
     });
     EXPECT_TRUE(velCDate(dated.date).IsSameDate(velCDate::Today()));
+    EXPECT_THAT(dated.Texts(), ElementsAre("van Dated", "una", "passed", "Start")) << "as nobody typed them";
     const Outcome outcome = Run(&m_patient, 5, 0, [&](DialogScript& script, const Dialog& dialog) {
         dialog.Item(IDC_RENAME_NAME).Replace("Lo");
         Ask(script, dialog, IDYES);

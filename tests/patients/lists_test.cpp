@@ -41,32 +41,4 @@ TEST(Lists, TreatingDoctorsByNameWithTheirGUIDs)
     EXPECT_EQ(strAbel, reinterpret_cast<const char*>(list.GetItemData(1)));
     EXPECT_EQ(strZora, reinterpret_cast<const char*>(list.GetItemData(2)));
 }
-
-TEST(Lists, TreatmentsWithTheEntryForANewOne)
-{
-    TestDatabase database;
-    dbCPatient patient = NewPatient("A1");
-    patient.Save();
-    dbCPatientTreatmentStatusHistoryTable history;
-    std::vector<CString> ids;
-    for (int i = 0; i < 3; ++i)
-    {
-        dbCPatientTreatmentStatusHistoryRow row;
-        row.SetpatID(patient.GetGUID());
-        row.SetDescription("Phase");
-        row.SetActive(i == 1 ? 0 : -1);
-        row.SetDateTime(velCDate(2024, 3 - i, 1));
-        history.InsertRow(row);
-        ids.push_back(row.GetptshID());
-    }
-    Combo list;
-    CStringArray ptshIDs;
-    ASSERT_EQ(patient.FillTreatmentList(list, ptshIDs, TRUE, TRUE), 3);
-    EXPECT_EQ(ptshIDs[0], ids[2]) << "oldest first";
-    EXPECT_EQ(ptshIDs[1], ids[0]);
-    EXPECT_EQ(ptshIDs[2], "");
-    EXPECT_EQ(list.GetItemData(2), 2U);
-    EXPECT_EQ(patient.FillTreatmentList(list, ptshIDs, FALSE, FALSE), 3);
-    EXPECT_EQ(list.GetCount(), 3);
-}
 } // namespace

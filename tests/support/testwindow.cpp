@@ -235,7 +235,7 @@ void Control::Choose(int index) const
 {
     Focus();
     Send(IsListBox() ? LB_SETCURSEL : CB_SETCURSEL, static_cast<WPARAM>(index));
-    Notify(IsListBox() ? UINT{LBN_SELCHANGE} : UINT{CBN_SELCHANGE});
+    Notify(CBN_SELCHANGE); // which has the number of LBN_SELCHANGE
     if (!IsListBox())
         Notify(CBN_SELENDOK);
 }
