@@ -271,8 +271,11 @@ int main(int count, char** arguments)
     const auto save = [&](const Patient& saved, const char* name, const arc::Parallel& parallel) {
         CZipper zipper(files);
         zipper.SetParallel(parallel);
+        std::vector<std::string> paths;
+        for (const arc::PresentFile& file : saved.files)
+            paths.push_back(arc::JoinPath(saved.folder, file.name));
         const bool added =
-            zipper.OpenZip(path(name), {}, false, true) && zipper.AddFiles(saved.folder, saved.files);
+            zipper.OpenZip(path(name), {}, false, true) && zipper.AddPatternList({}, {}, true, paths);
         return zipper.CloseZip() && added;
     };
     const auto load = [&] {

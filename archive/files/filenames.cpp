@@ -163,11 +163,6 @@ std::string VolumeSearchPattern(char drive, std::string_view id)
     return std::string(1, drive) + ":\\" + std::string(id) + ".0*";
 }
 
-std::string ZippedArchiveName(std::string_view folder, std::string_view id)
-{
-    return JoinPath(folder, std::string(id) + ".KAZ");
-}
-
 std::string WorkingZipName(std::string_view folder, std::string_view id)
 {
     return JoinPath(folder, std::string(id) + ".ZIP");

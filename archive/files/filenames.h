@@ -11,9 +11,7 @@
 namespace arc
 {
 inline constexpr std::string_view PatientFileExtension = ".PF";
-inline constexpr std::string_view EarlierFormatKeptExtension = "ORIGINALPF"; ///< without dot
 inline constexpr std::string_view LabelFileName = "CURRENT.DAT";
-inline constexpr std::string_view ScratchPatientId = "VELCOPY";
 inline constexpr std::string_view ScratchPatientFile = "VELCOPY.PF";
 inline constexpr std::string_view UnpackFolder = "VELTMP";
 /// Data files of a timepoint, in the order in which they are listed.
@@ -60,7 +58,6 @@ std::string VolumeFileName(std::string_view folder, std::string_view id, int num
 std::string VolumeSearchPattern(char drive, std::string_view id);
 
 /// Names of one save or load.
-std::string ZippedArchiveName(std::string_view folder, std::string_view id);  ///< ID.KAZ
 std::string WorkingZipName(std::string_view folder, std::string_view id);     ///< ID.ZIP
 std::string DatabaseRecordName(std::string_view folder, std::string_view id); ///< ID.ACV
 

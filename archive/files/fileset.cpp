@@ -8,6 +8,10 @@
 
 namespace arc
 {
+namespace
+{
+// Names that a list takes at most: the patient file, an image and its companion for every set bit, the data
+// files of every timepoint.
 std::size_t FileSlots(const std::vector<TimepointFiles>& timepoints)
 {
     std::size_t slots = 1 + TimepointDataExtensions.size() * timepoints.size();
@@ -20,6 +24,7 @@ std::size_t FileSlots(const std::vector<TimepointFiles>& timepoints)
     }
     return slots;
 }
+} // namespace
 
 std::vector<std::string> ListFileSet(const std::string& id, const std::vector<TimepointFiles>& timepoints,
                                      const ImageTypeTable& types)

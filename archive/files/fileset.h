@@ -24,10 +24,6 @@ struct TimepointFiles
     std::array<std::uint32_t, ImageGroups> typeBits{}; ///< one word a group
 };
 
-/// Slots that a list needs at most: the patient file, an image and its companion for every set bit, five data
-/// files for every timepoint.
-std::size_t FileSlots(const std::vector<TimepointFiles>& timepoints);
-
 /// Names of the whole set, without folder: the patient file, then images with their companions by group, type
 /// and timepoint, then the timepoints' data files. Whether they exist is not asked. Time is linear in the
 /// bits.

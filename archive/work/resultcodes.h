@@ -4,10 +4,9 @@
 namespace arc
 {
 inline constexpr int ResultDone = 0;
-inline constexpr int ResultWriteFailed = 14; ///< shown for an engine's write fault; the container answers 15
-inline constexpr int ResultSaveFailed = 15;  ///< every failure of a save
-inline constexpr int ResultLoadFailed = 29;  ///< every failure of a load
-inline constexpr int ResultNoThread = 8490;  ///< the status thread could not be started
+inline constexpr int ResultSaveFailed = 15;    ///< every failure of a save
+inline constexpr int ResultLoadFailed = 29;    ///< every failure of a load
+inline constexpr int ResultNoThread = 8490;    ///< the status thread could not be started
 inline constexpr int ResultNotArchived = 8491; ///< the patient is locked or a check failed
 inline constexpr int ResultCancelled = 8493;
 inline constexpr int ResultNoDialog = 8495; ///< the progress dialog could not be created

@@ -112,19 +112,9 @@ void CUnzipper::SetProgress(Progress progress)
     m_progress = std::move(progress);
 }
 
-bool CUnzipper::IsOpen() const
-{
-    return m_bOpen;
-}
-
 std::uint64_t CUnzipper::FileCount() const
 {
     return m_directory.entries.size();
-}
-
-std::uint64_t CUnzipper::UnpackedBytes() const
-{
-    return m_directory.unpackedBytes;
 }
 
 bool CUnzipper::GlobalComment(char* buffer, std::size_t size) const

@@ -55,9 +55,7 @@ public:
     // How UnzipAll and CheckAll spread their work.
     void SetParallel(const arc::Parallel& parallel);
 
-    bool IsOpen() const;
     std::uint64_t FileCount() const;
-    std::uint64_t UnpackedBytes() const;
     // Copies the zip's comment, cut to size - 1 bytes and ended by NUL; false when no zip is open or size is
     // 0.
     bool GlobalComment(char* buffer, std::size_t size) const;

@@ -294,20 +294,6 @@ bool CZipper::AddPatternList(const std::string& arguments, const std::string& ba
     return all;
 }
 
-bool CZipper::AddFiles(const std::string& folder, const std::vector<arc::PresentFile>& set)
-{
-    m_nProgressDone = m_nProgressTotal = 0;
-    std::vector<std::string> paths;
-    for (const arc::PresentFile& file : set)
-    {
-        m_nProgressTotal += file.size;
-        paths.push_back(arc::JoinPath(folder, file.name));
-    }
-    const bool all = m_zip && StoreAll(paths, true);
-    m_nProgressTotal = 0;
-    return all;
-}
-
 bool CZipper::StoreAll(const std::vector<std::string>& paths, bool ignorePath)
 {
     std::optional<arc::EntryPacker> packer;
@@ -419,11 +405,6 @@ bool CZipper::Report(const std::string& name)
     }
     m_nPercent = std::max(m_nPercent, arc::ProgressPercent(m_nProgressDone, m_nProgressTotal));
     return m_progress(m_nPercent, name);
-}
-
-bool CZipper::IsOpen() const
-{
-    return m_zip != nullptr;
 }
 
 const std::vector<arc::PresentFile>& CZipper::Stored() const

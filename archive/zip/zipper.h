@@ -53,8 +53,6 @@ public:
     // exist, added behind those.
     bool AddPatternList(const std::string& arguments, const std::string& baseFolder = {},
                         bool ignorePath = false, const std::vector<std::string>& moreFiles = {});
-    // Adds these files of a folder under their bare names; their sizes make up the progress.
-    bool AddFiles(const std::string& folder, const std::vector<arc::PresentFile>& set);
     // Writes the central directory and has everything on the medium when it answers true. False when no zip
     // is open.
     bool CloseZip();
@@ -62,13 +60,12 @@ public:
     // Stores one file in a zip beside it, of the same name with the extension "zip".
     static bool ZipFile(arc::FileSystem& files, const std::string& path);
 
-    // Nothing is reported unless a total is known: AddPatternList and AddFiles set it for what they add.
+    // Nothing is reported unless a total is known: AddPatternList sets it for what it adds.
     void SetProgress(Progress progress);
-    // How AddPatternList and AddFiles spread their work. The zip is the same but for the packed bytes and
+    // How AddPatternList spreads its work. The zip is the same but for the packed bytes and
     // their number.
     void SetParallel(const arc::Parallel& parallel);
 
-    bool IsOpen() const;
     // Stored names, sizes and times, as they were stored, of the files that were stored whole since the zip
     // was opened, in their order.
     const std::vector<arc::PresentFile>& Stored() const;

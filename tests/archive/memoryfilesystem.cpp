@@ -6,13 +6,7 @@
 #include <algorithm>
 #include <cstring>
 
-namespace
-{
-arc::FileInfo Info(const MemoryFileSystem::Node& node)
-{
-    return {node.bytes.size(), node.attributes, node.written, node.stamp};
-}
-} // namespace
+namespace attribute = arc::attribute;
 
 class MemoryFileSystem::MemoryFile : public arc::RawFile
 {
@@ -32,36 +26,28 @@ public:
     {
         const std::lock_guard lock(m_files.m_mutex);
         if (m_files.Fails())
-        {
             return std::nullopt;
-        }
-        const std::string& from = m_node->bytes;
-        const std::size_t start = std::min<std::size_t>(position, from.size());
-        const std::size_t got = std::min(bytes, from.size() - start);
-        std::memcpy(buffer, from.data() + start, got);
-        return got;
+        return m_node->bytes.copy(static_cast<char*>(buffer), bytes,
+                                  std::min<std::size_t>(position, m_node->bytes.size()));
     }
 
     bool WriteAt(std::uint64_t position, const void* data, std::size_t bytes) override
     {
         const std::lock_guard lock(m_files.m_mutex);
         std::string& to = m_node->bytes;
-        const std::size_t end = position + bytes;
-        if (m_files.Fails() || (end > to.size() && !m_files.HasRoom(m_key, to.size(), end)))
-        {
+        const std::size_t end = std::max<std::size_t>(position + bytes, to.size());
+        const arc::DiskSpace space = m_files.SpaceOf(m_key[0]);
+        const auto clusters = [&](std::size_t size) {
+            return (size + space.bytesPerCluster - 1) / space.bytesPerCluster;
+        };
+        if (m_files.Fails() || clusters(end) - clusters(to.size()) > space.freeClusters)
             return false;
-        }
-        if (end > to.size())
-        {
-            to.resize(end);
-        }
+        to.resize(end);
         std::memcpy(to.data() + position, data, bytes);
         ++m_node->stamp;
         m_node->onMedium = false;
         if (m_files.m_bGarbles && bytes > 0)
-        {
             to[end - 1] ^= 1;
-        }
         return true;
     }
 
@@ -99,15 +85,11 @@ private:
     void Release()
     {
         const std::lock_guard lock(m_files.m_mutex);
-        if (m_node)
-        {
-            --m_node->readers;
-            if (m_alone)
-            {
-                m_node->alone = false;
-            }
-            m_node.reset();
-        }
+        if (!m_node)
+            return;
+        --m_node->readers;
+        m_node->alone &= !m_alone;
+        m_node.reset();
     }
 
     MemoryFileSystem& m_files;
@@ -123,21 +105,40 @@ MemoryFileSystem::MemoryFileSystem()
 
 void MemoryFileSystem::AddDrive(char letter, std::uint64_t clusters, std::uint64_t bytesPerCluster)
 {
-    m_drives[letter] = {clusters, bytesPerCluster};
-    auto root = std::make_shared<Node>();
-    root->folder = true;
-    root->attributes = arc::attribute::Folder;
-    m_nodes[std::string(1, letter) + ":"] = root;
+    m_drives[letter] = {bytesPerCluster, clusters, clusters};
+    Make(std::string(1, letter) + ":\\", attribute::Folder);
+}
+
+// "C:\\a\\b", without a separator at the end but that of a drive's root; empty when it is too long.
+std::string MemoryFileSystem::Full(const std::string& path)
+{
+    const bool drive = arc::HasDriveLetter(path);
+    std::string full = drive ? arc::FoldCase(path.substr(0, 2)) : "C:";
+    for (std::size_t start = drive ? 2 : 0, end = 0; start <= path.size(); start = end + 1)
+    {
+        end = std::min(path.find_first_of("\\/", start), path.size());
+        const std::string part = path.substr(start, end - start);
+        if (part == "..")
+            full.resize(std::min(full.rfind('\\'), full.size()));
+        else if (!part.empty() && part != ".")
+            full += "\\" + part;
+    }
+    full += full.size() == 2 ? "\\" : "";
+    return full.size() > 259 ? std::string() : full;
 }
 
 std::string MemoryFileSystem::Key(const std::string& path)
 {
-    std::string full = Full(path);
-    if (full.size() == 3)
-    {
-        full.pop_back();
-    }
-    return arc::FoldCase(full);
+    const std::string full = Full(path);
+    return arc::FoldCase(full.size() == 3 ? full.substr(0, 2) : full);
+}
+
+MemoryFileSystem::Node& MemoryFileSystem::Make(const std::string& path, std::uint32_t attributes)
+{
+    auto node = std::make_shared<Node>();
+    node->name = arc::FileNameOf(Full(path));
+    node->attributes = attributes;
+    return *(m_nodes[Key(path)] = std::move(node));
 }
 
 void MemoryFileSystem::Put(const std::string& path, const std::string& bytes, std::uint32_t attributes)
@@ -146,15 +147,9 @@ void MemoryFileSystem::Put(const std::string& path, const std::string& bytes, st
     for (std::size_t end = full.find('\\', 3); end != std::string::npos; end = full.find('\\', end + 1))
     {
         if (!Exists(full.substr(0, end)))
-        {
-            CreateFolder(full.substr(0, end));
-        }
+            Make(full.substr(0, end), attribute::Folder);
     }
-    auto node = std::make_shared<Node>();
-    node->name = arc::FileNameOf(full);
-    node->bytes = bytes;
-    node->attributes = attributes;
-    m_nodes[Key(full)] = node;
+    Make(path, attributes).bytes = bytes;
 }
 
 void MemoryFileSystem::Remove(const std::string& path)
@@ -168,21 +163,21 @@ void MemoryFileSystem::Clear(const std::string& folder)
         m_nodes.erase(path);
 }
 
+MemoryFileSystem::Node* MemoryFileSystem::Find(const std::string& path) const
+{
+    const auto found = m_nodes.find(Key(path));
+    return found == m_nodes.end() ? nullptr : found->second.get();
+}
+
 bool MemoryFileSystem::Exists(const std::string& path) const
 {
-    return m_nodes.contains(Key(path));
+    return Find(path) != nullptr;
 }
 
 std::string MemoryFileSystem::Bytes(const std::string& path) const
 {
-    const auto found = m_nodes.find(Key(path));
-    return found == m_nodes.end() ? std::string() : found->second->bytes;
-}
-
-MemoryFileSystem::Node* MemoryFileSystem::Find(const std::string& path)
-{
-    const auto found = m_nodes.find(Key(path));
-    return found == m_nodes.end() ? nullptr : found->second.get();
+    const Node* node = Find(path);
+    return node ? node->bytes : std::string();
 }
 
 std::vector<std::string> MemoryFileSystem::Tree(const std::string& folder) const
@@ -191,10 +186,8 @@ std::vector<std::string> MemoryFileSystem::Tree(const std::string& folder) const
     const std::string begin = Key(folder) + "\\";
     for (const auto& [key, node] : m_nodes)
     {
-        if (key.starts_with(begin) && !node->folder)
-        {
+        if (key.starts_with(begin) && !node->Info().IsFolder())
             tree.push_back(key);
-        }
     }
     return tree;
 }
@@ -218,83 +211,56 @@ bool MemoryFileSystem::Fails()
            (m_failTimes == 0 || m_calls < m_failFrom + m_failTimes);
 }
 
-std::uint64_t MemoryFileSystem::UsedClusters(char drive) const
+arc::DiskSpace MemoryFileSystem::SpaceOf(char drive) const
 {
-    const std::uint64_t cluster = m_drives.at(drive).bytesPerCluster;
-    std::uint64_t used = 0;
+    arc::DiskSpace space = m_drives.at(drive);
     for (const auto& [key, node] : m_nodes)
     {
-        used += key[0] == drive ? (node->bytes.size() + cluster - 1) / cluster : 0;
+        if (key[0] == drive)
+            space.freeClusters -= (node->bytes.size() + space.bytesPerCluster - 1) / space.bytesPerCluster;
     }
-    return used;
-}
-
-bool MemoryFileSystem::HasRoom(const std::string& key, std::uint64_t oldSize, std::uint64_t newSize) const
-{
-    const Drive& drive = m_drives.at(key[0]);
-    const auto clusters = [&](std::uint64_t bytes) {
-        return (bytes + drive.bytesPerCluster - 1) / drive.bytesPerCluster;
-    };
-    return UsedClusters(key[0]) - clusters(oldSize) + clusters(newSize) <= drive.clusters;
+    return space;
 }
 
 std::unique_ptr<arc::File> MemoryFileSystem::Open(const std::string& path, arc::Access access)
 {
     const std::lock_guard lock(m_mutex);
     if (m_opening)
-    {
         m_opening();
-    }
     const std::string key = Key(path);
     if (Fails() || key.empty())
-    {
         return nullptr;
-    }
-    auto found = m_nodes.find(key);
-    const bool writes = !arc::OnlyReads(access);
     const bool alone = !arc::SharesReading(access);
-    if (found != m_nodes.end())
+    const bool creates = access == arc::Access::Replace || access == arc::Access::CreateNew;
+    if (const Node* node = Find(path))
     {
-        Node& node = *found->second;
-        const bool protectedFile = (node.attributes & arc::attribute::ReadOnly) != 0;
-        const bool hidden = (node.attributes & (arc::attribute::Hidden | arc::attribute::System)) != 0;
-        if (access == arc::Access::CreateNew || node.folder || node.alone || (alone && node.readers > 0) ||
-            (writes && protectedFile) || (access == arc::Access::Replace && hidden))
-        {
+        const bool isProtected = (node->attributes & attribute::ReadOnly) != 0;
+        const bool isHidden = (node->attributes & (attribute::Hidden | attribute::System)) != 0;
+        if (access == arc::Access::CreateNew || node->Info().IsFolder() || node->alone ||
+            (alone && node->readers > 0) || (!arc::OnlyReads(access) && isProtected) ||
+            (access == arc::Access::Replace && isHidden))
             return nullptr;
-        }
     }
-    if (access == arc::Access::Replace || access == arc::Access::CreateNew)
+    else
     {
-        const auto parent = m_nodes.find(Key(std::string(arc::FolderOf(Full(path)))));
-        if (parent == m_nodes.end() || !parent->second->folder)
-        {
+        const Node* parent = Find(std::string(arc::FolderOf(Full(path))));
+        if (!creates || !parent || !parent->Info().IsFolder())
             return nullptr;
-        }
-        if (found == m_nodes.end())
-        {
-            Put(path, {});
-            found = m_nodes.find(key);
-        }
-        found->second->bytes.clear();
+        Make(path, attribute::Archive);
     }
-    else if (found == m_nodes.end())
-    {
-        return nullptr;
-    }
+    if (creates)
+        Find(path)->bytes.clear();
     return std::make_unique<arc::BufferedFile>(
-        std::make_unique<MemoryFile>(*this, key, found->second, alone));
+        std::make_unique<MemoryFile>(*this, key, m_nodes.at(key), alone));
 }
 
 arc::FileQuery MemoryFileSystem::Query(const std::string& path)
 {
     const std::lock_guard lock(m_mutex);
     if (Fails())
-    {
         return arc::FileQuery::Unknown();
-    }
     const Node* node = Find(path);
-    return node ? arc::FileQuery(Info(*node)) : arc::FileQuery::Absent();
+    return node ? arc::FileQuery(node->Info()) : arc::FileQuery::Absent();
 }
 
 bool MemoryFileSystem::List(const std::string& folder, const std::string& wildcard,
@@ -302,18 +268,14 @@ bool MemoryFileSystem::List(const std::string& folder, const std::string& wildca
 {
     const std::lock_guard lock(m_mutex);
     const std::string begin = Key(folder) + "\\";
-    if (Fails() || !m_nodes.contains(Key(folder)))
-    {
+    if (Fails() || !Exists(folder))
         return false;
-    }
     for (const auto& [key, node] : m_nodes)
     {
         const bool all = wildcard == "*.*"; // matches names without a dot too
         if (key.starts_with(begin) && key.find('\\', begin.size()) == std::string::npos &&
             (all || arc::MatchesWildcard(node->name, wildcard)))
-        {
-            entries.push_back({node->name, Info(*node)});
-        }
+            entries.push_back({node->name, node->Info()});
     }
     return true;
 }
@@ -321,17 +283,10 @@ bool MemoryFileSystem::List(const std::string& folder, const std::string& wildca
 bool MemoryFileSystem::CreateFolder(const std::string& path)
 {
     const std::lock_guard lock(m_mutex);
-    const std::string full = Full(path);
-    if (Fails() || Exists(full) || !Exists(std::string(arc::FolderOf(full))))
-    {
-        return false;
-    }
-    auto node = std::make_shared<Node>();
-    node->name = arc::FileNameOf(full);
-    node->folder = true;
-    node->attributes = arc::attribute::Folder;
-    m_nodes[Key(full)] = node;
-    return true;
+    const bool made = !Fails() && !Exists(path) && Exists(std::string(arc::FolderOf(Full(path))));
+    if (made)
+        Make(path, attribute::Folder);
+    return made;
 }
 
 bool MemoryFileSystem::RemoveFolder(const std::string& path)
@@ -342,25 +297,23 @@ bool MemoryFileSystem::RemoveFolder(const std::string& path)
                                    [&](const auto& node) { return node.first.starts_with(key + "\\"); });
     const Node* node = Find(path);
     // A link goes by itself.
-    const bool isLink = node && (node->attributes & arc::attribute::Reparse) != 0;
-    return !Fails() && node && node->folder && (isLink || !holds) && m_nodes.erase(key) > 0;
+    return !Fails() && node && node->Info().IsFolder() && (node->Info().IsReparsePoint() || !holds) &&
+           m_nodes.erase(key) > 0;
 }
 
 bool MemoryFileSystem::RemoveFile(const std::string& path)
 {
     const std::lock_guard lock(m_mutex);
     const Node* node = Find(path);
-    return !Fails() && node && !node->folder && node->readers == 0 &&
-           (node->attributes & arc::attribute::ReadOnly) == 0 && m_nodes.erase(Key(path)) > 0;
+    return !Fails() && node && !node->Info().IsFolder() && node->readers == 0 &&
+           (node->attributes & attribute::ReadOnly) == 0 && m_nodes.erase(Key(path)) > 0;
 }
 
 bool MemoryFileSystem::Move(const std::string& from, const std::string& to)
 {
     const std::lock_guard lock(m_mutex);
     if (Fails() || !Exists(from) || Exists(to))
-    {
         return false;
-    }
     auto node = m_nodes.extract(Key(from));
     node.key() = Key(to);
     node.mapped()->name = arc::FileNameOf(Full(to));
@@ -373,9 +326,7 @@ bool MemoryFileSystem::SetAttributes(const std::string& path, std::uint32_t attr
     const std::lock_guard lock(m_mutex);
     Node* node = Find(path);
     if (Fails() || !node)
-    {
         return false;
-    }
     node->attributes = attributes;
     return true;
 }
@@ -392,49 +343,9 @@ std::string MemoryFileSystem::Identity(const std::string& path)
     return Fails() || !Exists(path) ? std::string() : Key(path);
 }
 
-std::string MemoryFileSystem::Full(const std::string& path)
-{
-    std::string rest = path;
-    std::replace(rest.begin(), rest.end(), '/', '\\');
-    std::string full = "C:";
-    if (arc::HasDriveLetter(rest))
-    {
-        full = std::string(1, arc::FoldCase(rest[0])) + ":";
-        rest.erase(0, 2);
-    }
-    std::vector<std::string> parts;
-    std::size_t start = 0;
-    while (start <= rest.size())
-    {
-        const std::size_t end = std::min(rest.find('\\', start), rest.size());
-        const std::string part = rest.substr(start, end - start);
-        start = end + 1;
-        if (part == ".." && !parts.empty())
-        {
-            parts.pop_back();
-        }
-        else if (!part.empty() && part != "." && part != "..")
-        {
-            parts.push_back(part);
-        }
-    }
-    for (const std::string& part : parts)
-    {
-        full += "\\" + part;
-    }
-    full += parts.empty() ? "\\" : "";
-    return full.size() > 259 ? std::string() : full;
-}
-
 std::optional<arc::DiskSpace> MemoryFileSystem::Space(const std::string& folder)
 {
     const std::lock_guard lock(m_mutex);
-    const char letter = Full(folder)[0];
-    const auto drive = m_drives.find(letter);
-    if (Fails() || drive == m_drives.end())
-    {
-        return std::nullopt;
-    }
-    return arc::DiskSpace{drive->second.bytesPerCluster, drive->second.clusters - UsedClusters(letter),
-                          drive->second.clusters};
+    const char drive = Full(folder)[0];
+    return Fails() || !m_drives.contains(drive) ? std::nullopt : std::optional(SpaceOf(drive));
 }

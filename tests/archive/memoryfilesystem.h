@@ -20,7 +20,6 @@ public:
     struct Node
     {
         std::string name; // with its case
-        bool folder = false;
         std::string bytes;
         std::uint32_t attributes = arc::attribute::Archive;
         arc::LocalTime written{2026, 10, 21, 4, 5, 6};
@@ -28,6 +27,11 @@ public:
         bool onMedium = false;  // flushed since it was last written
         int readers = 0;        // open now
         bool alone = false;
+
+        arc::FileInfo Info() const
+        {
+            return {bytes.size(), attributes, written, stamp};
+        }
     };
 
     MemoryFileSystem();
@@ -38,9 +42,9 @@ public:
              std::uint32_t attributes = arc::attribute::Archive);
     void Remove(const std::string& path);  // a single file or empty folder; no call
     void Clear(const std::string& folder); // of all files below; no call
+    Node* Find(const std::string& path) const;
     bool Exists(const std::string& path) const;
-    std::string Bytes(const std::string& path) const; // empty when there is none
-    Node* Find(const std::string& path);
+    std::string Bytes(const std::string& path) const;               // empty when there is none
     std::vector<std::string> Tree(const std::string& folder) const; // full paths of all files below
 
     // From the call with this number on (from 1, counted from now) as many calls fail, or all when times is
@@ -72,19 +76,14 @@ protected:
 
 private:
     class MemoryFile;
-    struct Drive
-    {
-        std::uint64_t clusters;
-        std::uint64_t bytesPerCluster;
-    };
 
     static std::string Full(const std::string& path);
     static std::string Key(const std::string& path);
     bool Fails();
-    std::uint64_t UsedClusters(char drive) const;
-    bool HasRoom(const std::string& key, std::uint64_t oldSize, std::uint64_t newSize) const;
+    Node& Make(const std::string& path, std::uint32_t attributes);
+    arc::DiskSpace SpaceOf(char drive) const;
 
-    std::map<char, Drive> m_drives;
+    std::map<char, arc::DiskSpace> m_drives;              // as they are empty
     std::map<std::string, std::shared_ptr<Node>> m_nodes; // by folded full path
     int m_calls = 0;
     int m_failFrom = 0;

@@ -60,9 +60,7 @@ TEST(ArchivePathSafety, RefusesEveryWayOut)
         // clang-format on
     };
     for (const std::string& stored : cases)
-    {
         EXPECT_FALSE(arc::SafeRelativePath(stored)) << testing::PrintToString(stored);
-    }
 }
 
 TEST(ArchivePathSafety, CountsTheFolderIntoTheLength)
@@ -75,9 +73,7 @@ TEST(ArchivePathSafety, FileNamesHaveNoFolder)
 {
     EXPECT_EQ(arc::SafeFileName("S1.PF"), "S1.PF");
     for (const char* stored : {"a\\b", "a/b", "a\\", "..", ""})
-    {
         EXPECT_FALSE(arc::SafeFileName(stored)) << stored;
-    }
 }
 
 TEST(ArchivePathSafety, BelowMeansBehindAWholeFolderName)

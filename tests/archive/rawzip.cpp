@@ -7,9 +7,7 @@ namespace
 void Put(std::string& to, std::uint32_t value, int bytes)
 {
     for (int i = 0; i < bytes; ++i)
-    {
         to += static_cast<char>(value >> (8 * i));
-    }
 }
 
 // The fields that both headers share, from "version needed" on.

@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstring>
 #include <map>
 
 using testing::ElementsAre;
@@ -32,7 +33,7 @@ protected:
     ArchiveSaving()
     {
         for (const char* name : {"S1.PF", "S100.I0A", "S100.C01"})
-            files.Put(std::string("C:\\w\\") + name, std::string(500, name[4]));
+            files.Put(std::string("C:\\w\\") + name, std::string(400 + 100U * std::strlen(name), name[4]));
         files.CreateFolder("C:\\arc");
         volumes.header = {"Smith", "Jo", "S1"};
         volumes.archivePath = "C:\\arc\\S1.kar";
@@ -41,6 +42,8 @@ protected:
         zip.workingPath = "C:\\arc\\S1.ZIP";
         zip.patterns = arc::ArchivePatternArgument("S1");
         zip.parallel.workers = GetParam() == Format::ZipOfSeven ? 7 : GetParam() == Format::ZipOfTwo ? 2 : 1;
+        zip.parallel.largest = 1100; // so that the longest name's file is a stream
+        zip.parallel.memory = 2500;
         zip.checking = volumes.checking = "checking";
         zip.folder = volumes.folder = earlier.folder = "C:\\w";
         volumes.listed = earlier.listed = {"S1.PF", "S100.I0A", "S100.V0A", "S100.I40"};
@@ -97,7 +100,7 @@ protected:
         const std::vector<std::string> zipped = {"S1.KAZ"}, inVolumes = {"S1.kar", "S1.001", "S1.002"},
                                        bare = {"S1.PF", "S100.I0A", "S100.V0A"};
         for (const std::string& name : IsZip() ? zipped : IsEarlier() ? bare : inVolumes)
-            files.Put("C:\\arc\\" + name, "old " + name);
+            files.Put("C:\\arc\\" + name, "old " + name, arc::attribute::Archive | arc::attribute::Hidden);
     }
 
     MemoryFileSystem files;

@@ -1,4 +1,5 @@
 // The plain pieces of saving and loading: the scratch folder, the disc bundle, diskettes.
+#include "archive/res/archiveres.h"
 #include "archive/volumes/diskettevolumes.h"
 #include "archive/files/asidefile.h"
 #include "archive/files/foldertree.h"
@@ -10,11 +11,12 @@
 #include "archive/work/volumesaving.h"
 #include "tests/archive/memoryfilesystem.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "archive/res/archiveres.h"
+#include <map>
 
-#include <deque>
+using testing::Return;
 
 namespace
 {
@@ -196,53 +198,18 @@ TEST(DiscBundle, NeitherMakesAnAutorunFileNorLeavesHalfACopy)
     }
 }
 
-// Answers prompts from a list; an insertion changes what is in the drive.
-class ScriptedPrompts : public arc::DiskettePrompts
+class Prompts : public arc::DiskettePrompts
 {
 public:
-    std::function<bool(int)> insert = [](int) { return false; };
-    std::deque<bool> answers;
-    std::vector<unsigned> questions;
-    std::uint64_t expected = 0;
-    int firstAgain = 0;
-
-    bool Insert(int number, char) override
-    {
-        return insert(number);
-    }
-    bool UseAnyway(unsigned text) override
-    {
-        questions.push_back(text);
-        const bool answer = !answers.empty() && answers.front();
-        if (!answers.empty())
-            answers.pop_front();
-        return answer;
-    }
-    bool InsertRight(int number, char) override
-    {
-        return insert(number);
-    }
-    void WriteFault(char) override
-    {
-    }
-    void Unreadable(char) override
-    {
-    }
-    void Erasing() override
-    {
-    }
-    void Expect(std::uint64_t volumes) override
-    {
-        expected = volumes;
-    }
-    void Writing(int) override
-    {
-    }
-    void FirstAgain() override
-    {
-        ++firstAgain;
-        insert(1);
-    }
+    MOCK_METHOD(bool, Insert, (int number, char drive), (override));
+    MOCK_METHOD(bool, UseAnyway, (unsigned text), (override));
+    MOCK_METHOD(bool, InsertRight, (int number, char drive), (override));
+    MOCK_METHOD(void, WriteFault, (char drive), (override));
+    MOCK_METHOD(void, Unreadable, (char drive), (override));
+    MOCK_METHOD(void, Erasing, (), (override));
+    MOCK_METHOD(void, Expect, (std::uint64_t volumes), (override));
+    MOCK_METHOD(void, Writing, (int number), (override));
+    MOCK_METHOD(void, FirstAgain, (), (override));
 };
 
 class DisketteVolumesTest : public testing::Test
@@ -262,13 +229,10 @@ protected:
     // Takes the disk out and puts the one with this number in; a new one is blank.
     void Change(int number)
     {
-        std::vector<std::pair<std::string, std::string>> out;
+        disks[inDrive].clear();
         for (const std::string& path : files.Tree("A:\\"))
-        {
-            out.emplace_back(path, files.Bytes(path));
-            files.RemoveFile(path);
-        }
-        disks[inDrive] = std::move(out);
+            disks[inDrive][path] = files.Bytes(path);
+        files.Clear("A:\\");
         inDrive = number;
         for (const auto& [path, bytes] : disks[number])
             files.Put(path, bytes);
@@ -276,87 +240,100 @@ protected:
 
     void PutInWhatIsAskedFor()
     {
-        prompts.insert = [this](int number) {
+        const auto change = [this](int number, char) {
             Change(number);
             return true;
         };
+        ON_CALL(prompts, Insert).WillByDefault(change);
+        ON_CALL(prompts, InsertRight).WillByDefault(change);
+        ON_CALL(prompts, FirstAgain).WillByDefault([this] { Change(1); });
+    }
+
+    arc::VolumeStatus Write(bool confirmed = false)
+    {
+        arc::DisketteVolumes volumes(files, prompts, 'A', patient, confirmed);
+        return arc::WriteVolumeStream(files, "C:\\work", set, {}, volumes);
+    }
+    arc::VolumeStatus Verify()
+    {
+        arc::DisketteVolumes volumes(files, prompts, 'A', patient, false);
+        return arc::VerifyVolumeStream(files, "C:\\work", set, volumes);
     }
 
     MemoryFileSystem files;
-    ScriptedPrompts prompts;
+    testing::NiceMock<Prompts> prompts;
     std::vector<arc::PresentFile> set;
     const arc::HeaderLine patient{"Smith", "Jo", "S1"};
-    std::map<int, std::vector<std::pair<std::string, std::string>>> disks;
+    std::map<int, std::map<std::string, std::string>> disks; // what they hold, by path
     int inDrive = 1;
 };
 
 TEST_F(DisketteVolumesTest, ASetOfTwoDisksIsWrittenAndReadBack)
 {
+    EXPECT_EQ(Write(), arc::VolumeStatus::Cancelled); // there is no second one
     PutInWhatIsAskedFor();
     arc::VolumeSave save{patient, "A:\\CURRENT.DAT", "C:\\work", {}, {}, "", {}, {}};
     for (const arc::PresentFile& file : set)
         save.listed.push_back(file.name);
     save.trial = [](const std::string& path) { return path == "C:\\work\\S1.PF"; };
     arc::DisketteSaving saving(files, save, prompts, false, {});
+    EXPECT_CALL(prompts, Expect(2));
+    EXPECT_CALL(prompts, Writing(1));
+    EXPECT_CALL(prompts, Writing(2));
+    EXPECT_CALL(prompts, FirstAgain);
     EXPECT_EQ(arc::Run(saving), arc::ResultDone);
-    EXPECT_EQ(2u, prompts.expected);
-    EXPECT_EQ(1, prompts.firstAgain);
-    EXPECT_EQ(arc::WriteHeaderLine(patient), files.Bytes("A:\\CURRENT.DAT") + disks[1].front().second);
+    EXPECT_EQ(arc::WriteHeaderLine(patient), files.Bytes("A:\\CURRENT.DAT") + disks[1].begin()->second);
 }
 
+// That holds for the first disk as for the second, which agreeing to the first does not mean.
 TEST_F(DisketteVolumesTest, AForeignDiskIsErasedOnlyWhenTheUserSaysSo)
 {
+    EXPECT_CALL(prompts, UseAnyway(IDS_ARC_DISK_NOT_PATIENT)).WillOnce(Return(false)).RetiresOnSaturation();
     files.Put("A:\\holiday.jpg", "picture", arc::attribute::ReadOnly);
-    prompts.answers = {false};
-    {
-        arc::DisketteVolumes volumes(files, prompts, 'A', patient, false);
-        EXPECT_EQ(arc::VolumeStatus::Cancelled, arc::WriteVolumeStream(files, "C:\\work", set, {}, volumes));
-    }
+    EXPECT_EQ(Write(), arc::VolumeStatus::Cancelled);
     EXPECT_TRUE(files.Exists("A:\\holiday.jpg"));
-    EXPECT_EQ(1u, prompts.questions.size());
 
-    set.resize(1);
-    prompts.answers = {true};
-    arc::DisketteVolumes volumes(files, prompts, 'A', patient, false);
-    EXPECT_EQ(arc::VolumeStatus::Done, arc::WriteVolumeStream(files, "C:\\work", set, {}, volumes));
-    EXPECT_FALSE(files.Exists("A:\\holiday.jpg"));
-}
-
-TEST_F(DisketteVolumesTest, AgreeingToTheFirstDiskIsNotAgreeingToTheSecond)
-{
-    disks[2] = {{"A:\\holiday.jpg", "picture"}};
     PutInWhatIsAskedFor();
-    arc::DisketteVolumes volumes(files, prompts, 'A', patient, true); // the first is blank
-    EXPECT_EQ(arc::VolumeStatus::Cancelled, arc::WriteVolumeStream(files, "C:\\work", set, {}, volumes));
-    EXPECT_EQ(std::vector<unsigned>{IDS_ARC_DISK_NOT_PATIENT}, prompts.questions);
+    disks[2] = {{"A:\\holiday.jpg", "picture"}};
+    EXPECT_CALL(prompts, UseAnyway(IDS_ARC_DISK_NOT_PATIENT)).WillOnce(Return(false)).RetiresOnSaturation();
+    EXPECT_EQ(Write(true), arc::VolumeStatus::Cancelled);
     EXPECT_TRUE(files.Exists("A:\\holiday.jpg"));
+
+    EXPECT_CALL(prompts, UseAnyway).WillRepeatedly(Return(true));
+    EXPECT_EQ(Write(), arc::VolumeStatus::Done);
+    EXPECT_FALSE(files.Exists("A:\\holiday.jpg"));
 }
 
 TEST_F(DisketteVolumesTest, AWrongDiskIsAskedAboutWhileReading)
 {
     PutInWhatIsAskedFor();
-    arc::DisketteVolumes written(files, prompts, 'A', patient, false);
-    ASSERT_EQ(arc::VolumeStatus::Done, arc::WriteVolumeStream(files, "C:\\work", set, {}, written));
+    ASSERT_EQ(Write(), arc::VolumeStatus::Done);
     Change(1);
-    int asked = 0;
-    prompts.insert = [&](int number) {
-        Change(++asked == 3 ? number : 9); // twice a disk that is none of the set
+    const auto other = [this](int, char) { // none of the set
+        Change(9);
         return true;
     };
-    arc::DisketteVolumes volumes(files, prompts, 'A', patient, false);
-    EXPECT_EQ(arc::VolumeStatus::Done, arc::VerifyVolumeStream(files, "C:\\work", set, volumes));
-    EXPECT_EQ(3, asked);
+    EXPECT_CALL(prompts, Insert(2, 'A')).WillOnce(other);
+    EXPECT_CALL(prompts, InsertRight(2, 'A')).WillOnce(other).WillOnce([this](int number, char) {
+        Change(number);
+        return true;
+    });
+    EXPECT_EQ(Verify(), arc::VolumeStatus::Done);
     Change(9);
-    prompts.insert = [&](int) { return ++asked < 6; };
-    arc::DisketteVolumes refused(files, prompts, 'A', patient, false);
-    EXPECT_EQ(arc::VolumeStatus::Cancelled, arc::VerifyVolumeStream(files, "C:\\work", set, refused));
-    EXPECT_EQ(6, asked);
+    EXPECT_CALL(prompts, Insert(1, 'A')).WillOnce(other);
+    EXPECT_CALL(prompts, InsertRight(1, 'A')).WillOnce(other).WillOnce(Return(false));
+    EXPECT_EQ(Verify(), arc::VolumeStatus::Cancelled);
 }
 
-TEST_F(DisketteVolumesTest, RefusingTheNextDiskEndsTheSave)
+TEST_F(DisketteVolumesTest, ADiskThatCannotBeWrittenOrReadIsTold)
 {
-    arc::DisketteVolumes volumes(files, prompts, 'A', patient, false);
-    EXPECT_EQ(arc::VolumeStatus::Cancelled, arc::WriteVolumeStream(files, "C:\\work", set, {}, volumes));
-    EXPECT_EQ(1, volumes.VolumesWritten());
+    files.Put("A:\\S1.001", "held");
+    const auto held = files.Open("A:\\S1.001", arc::Access::ReadShared);
+    EXPECT_CALL(prompts, UseAnyway).WillOnce(Return(true));
+    EXPECT_CALL(prompts, WriteFault('A'));
+    EXPECT_EQ(Write(), arc::VolumeStatus::WriteFailed);
+    files.Find("A:\\S1.001")->alone = true;
+    EXPECT_CALL(prompts, Unreadable('A'));
+    EXPECT_EQ(Verify(), arc::VolumeStatus::Cancelled);
 }
 } // namespace

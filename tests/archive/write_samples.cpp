@@ -63,8 +63,6 @@ int main(int count, char** arguments)
                zipper.CloseZip() && Write(files, folder + "/" + std::to_string(workers) + ".kaz", 4);
     }
     if (!good)
-    {
         std::cerr << "a sample could not be zipped and read back\n";
-    }
     return good ? 0 : 1;
 }

@@ -22,9 +22,7 @@ protected:
     {
         std::vector<std::string> names;
         for (const arc::ZipEntry& entry : Entries(path))
-        {
             names.push_back(entry.name);
-        }
         return names;
     }
 
