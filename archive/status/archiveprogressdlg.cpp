@@ -151,12 +151,7 @@ LRESULT arcCDlgArchiveProgress::OnProgress(WPARAM, LPARAM)
 
 void arcCDlgArchiveProgress::OnTimer(UINT_PTR nIDEvent)
 {
-    if (nIDEvent != LineTimer)
-    {
-        mfcCDialog::OnTimer(nIDEvent);
-        return;
-    }
-    KillTimer(LineTimer);
+    KillTimer(nIDEvent); // there is no other
     m_bLineDue = FALSE;
     m_ctlLine.SetWindowText(m_line.c_str());
 }

@@ -63,10 +63,10 @@ private:
     HWND m_hWindow = nullptr;
     std::unique_ptr<CWinThread> m_pThread;
     std::atomic<bool> m_bStop = false;
-    int m_nResult; // the worker thread's until that has ended
+    int m_nResult; ///< the worker thread's until that has ended
     std::mutex m_mutex;
-    Progress m_progress;    // under the mutex
-    bool m_bPosted = false; // under the mutex
+    Progress m_progress;    ///< under the mutex
+    bool m_bPosted = false; ///< under the mutex
 };
 
 /// Has work without progress done on a thread of its own while the calling one goes on answering its

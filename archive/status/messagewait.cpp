@@ -62,5 +62,5 @@ void arcWaitAnswering(HANDLE hObject)
 
 void arcJoinDesktop(DWORD nThread)
 {
-    ::SetThreadDesktop(::GetThreadDesktop(nThread != 0 ? nThread : ::GetCurrentThreadId()));
+    ::SetThreadDesktop(::GetThreadDesktop(nThread));
 }

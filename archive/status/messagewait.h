@@ -24,5 +24,5 @@ bool arcPumpUntil(HANDLE hObject);
 void arcWaitAnswering(HANDLE hObject);
 
 /// Puts the calling thread, which has no window yet, on the desktop of another thread: a new one may begin on
-/// the process's first desktop, and windows of different desktops cannot talk to each other.
+/// the process's first desktop, and windows of different desktops cannot talk to each other. 0: stays.
 void arcJoinDesktop(DWORD nThread);

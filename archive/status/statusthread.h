@@ -82,5 +82,5 @@ private:
     void RunWork(HWND hActive);
 
     arcSStatusWork m_work;
-    int m_nResult = 0; // the thread's own until that has ended
+    int m_nResult = 0; ///< the thread's own until that has ended
 };

@@ -71,7 +71,10 @@ int Saving::Result() const
 
 bool Saving::Report(int percent, const std::string& name)
 {
-    m_bCancelled = m_bCancelled || (m_progress && !m_progress(percent, name));
+    if (m_progress && !m_progress(percent, name))
+    {
+        Cancel();
+    }
     return !m_bCancelled;
 }
 

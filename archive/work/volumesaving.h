@@ -59,7 +59,7 @@ protected:
 private:
     const VolumeSave& m_save;
     std::vector<PresentFile> m_set;
-    VolumeStatus m_status = VolumeStatus::OpenFailed; // as long as nothing else is known
+    VolumeStatus m_status = VolumeStatus::OpenFailed; ///< as long as nothing else is known
 };
 
 /// Into a folder: what is written becomes an archive when its label file is there.

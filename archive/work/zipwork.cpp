@@ -74,7 +74,7 @@ int LoadZip(FileSystem& files, const std::string& archivePath, const std::string
     CUnzipper unzipper(files);
     unzipper.SetParallel(parallel);
     unzipper.SetProgress([&](int percent, const std::string& name) {
-        cancelled = cancelled || (progress && !progress(percent, name));
+        cancelled |= progress && !progress(percent, name);
         return !cancelled;
     });
     const bool done = unzipper.OpenZip(archivePath) && unzipper.UnzipAll(folder);

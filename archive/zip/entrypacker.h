@@ -61,7 +61,7 @@ public:
     }
 
 private:
-    struct Tools; // of one thread
+    struct Tools; ///< of one thread
 
     void Run() noexcept;
     void Pack(std::size_t index, Tools& tools, PackedEntry& entry);

@@ -60,7 +60,7 @@ public:
     }
 
 private:
-    struct Tools; // of one thread
+    struct Tools; ///< of one thread
 
     void Run() noexcept;
     bool Unpack(std::size_t index, Tools& tools);

@@ -1,51 +1,48 @@
-// What the archive dialog offers where the settings decide; choicedialog_test.cpp looks at the dialog itself.
+// What the archive dialog offers; choicedialog_test.cpp looks at the dialog itself.
 #include "archive/dialogs/archivechoices.h"
 
 #include <gtest/gtest.h>
 
-namespace
-{
-using arc::ArchiveSituation;
+#include <string>
 
-TEST(ArchiveOffer, GettingNeedsTheSettingOrPracticeManagementOrTheViewer)
+TEST(ArchiveOffer, DependsOnThePatientTheSettingAndTheEdition)
 {
-    for (int allow = -1; allow <= 4; ++allow)
-    {
-        for (const bool practice : {false, true})
-        {
-            for (const bool viewer : {false, true})
-            {
-                ArchiveSituation situation;
-                situation.allowPatientChanges = allow;
-                situation.practiceManagement = practice;
-                situation.viewerEdition = viewer;
-                const arc::ArchiveOffer offer = arc::OfferFor(situation);
-                const bool expected = allow == 1 || allow == 3 || practice || viewer;
-                EXPECT_EQ(expected, offer.getFromArchive) << allow << practice << viewer;
-                EXPECT_EQ(expected, offer.getFromInternet) << allow << practice << viewer;
-                EXPECT_EQ(arc::ArchiveRadio::GetFromArchive, offer.selected); // disabled or not
-            }
-        }
-    }
-}
-
-TEST(ArchiveOffer, MergingNeedsOneStoredPatientThatMayBeChanged)
-{
+    using enum arc::ArchiveRadio;
     const struct
     {
-        const char* what;
-        ArchiveSituation situation;
-        bool merge;
+        arc::ArchiveSituation
+            situation;       // operation, stored patient, number selected, setting, practice, viewer
+        std::string enabled; // of the five buttons, in the order of the group
+        arc::ArchiveRadio selected;
     } cases[] = {
-        {"all given", {ARCHIVE_OP_MERGE, true, 1, 1, false, false}, true},
-        {"any nonzero setting", {ARCHIVE_OP_MERGE, true, 1, 2, false, false}, true},
-        {"patient not stored", {ARCHIVE_OP_MERGE, false, 1, 1, false, false}, false},
-        {"no patient selected", {ARCHIVE_OP_MERGE, true, 0, 1, false, false}, false},
-        {"two patients selected", {ARCHIVE_OP_MERGE, true, 2, 1, false, false}, false},
-        {"changes not allowed", {ARCHIVE_OP_MERGE, true, 1, 0, true, false}, false},
-        {"viewer edition", {ARCHIVE_OP_MERGE, true, 1, 1, false, true}, false},
+        {{ARCHIVE_OP_SAVE, false, 0, 1, false, false}, "10010", GetFromArchive},
+        {{ARCHIVE_OP_LOAD, true, 1, 1, false, false}, "11111", GetFromArchive},
+        {{ARCHIVE_OP_SAVE, true, 1, 1, false, false}, "11111", SaveToArchive},
+        {{ARCHIVE_OP_MERGE, true, 1, 1, false, false}, "11111", MergeTimepoints},
+        {{ARCHIVE_OP_UPLOAD, true, 1, 1, false, false}, "11111", None},
+        {{ARCHIVE_OP_DOWNLOAD, false, 0, 1, false, false}, "10010", None},
+        // Merging needs one selected, stored patient that may be changed.
+        {{ARCHIVE_OP_MERGE, true, 0, 1, false, false}, "11011", GetFromArchive},
+        {{ARCHIVE_OP_MERGE, true, 2, 1, false, false}, "11011", GetFromArchive},
+        {{ARCHIVE_OP_MERGE, false, 1, 1, false, false}, "10010", GetFromArchive},
+        {{ARCHIVE_OP_MERGE, true, 1, 1, false, true}, "11011", GetFromArchive},
+        // Getting needs the setting, practice management or the viewer; it is selected though disabled.
+        {{ARCHIVE_OP_LOAD, true, 1, -1, false, false}, "01101", GetFromArchive},
+        {{ARCHIVE_OP_LOAD, true, 1, 0, false, false}, "01001", GetFromArchive},
+        {{ARCHIVE_OP_MERGE, true, 1, 2, false, false}, "01101", MergeTimepoints},
+        {{ARCHIVE_OP_LOAD, true, 1, 3, false, false}, "11111", GetFromArchive},
+        {{ARCHIVE_OP_LOAD, true, 1, 4, false, false}, "01101", GetFromArchive},
+        {{ARCHIVE_OP_LOAD, true, 1, 0, true, false}, "11011", GetFromArchive},
+        {{ARCHIVE_OP_LOAD, true, 1, 0, false, true}, "11011", GetFromArchive},
     };
     for (const auto& c : cases)
-        EXPECT_EQ(c.merge, arc::OfferFor(c.situation).mergeTimepoints) << c.what;
+    {
+        const arc::ArchiveOffer offer = arc::OfferFor(c.situation);
+        std::string enabled;
+        for (const auto radio :
+             {GetFromArchive, SaveToArchive, MergeTimepoints, GetFromInternet, SaveToInternet})
+            enabled += offer.IsEnabled(radio) ? '1' : '0';
+        EXPECT_EQ(enabled, c.enabled) << &c - cases;
+        EXPECT_EQ(offer.selected, c.selected) << &c - cases;
+    }
 }
-} // namespace

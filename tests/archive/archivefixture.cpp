@@ -12,18 +12,16 @@ using veltest::DialogScript;
 
 VEL_MFC_TEST_PROGRAM();
 
-BEGIN_MESSAGE_MAP(HostWindow, CWnd)
-ON_MESSAGE(VELDLGS_PATIENT_CHANGED, &HostWindow::OnPatientChanged)
-END_MESSAGE_MAP()
-
 BOOL HostWindow::Open()
 {
     return CreateEx(0, AfxRegisterWndClass(0), "Host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 10, 10, 700, 500,
                     nullptr, nullptr);
 }
 
-LRESULT HostWindow::OnPatientChanged(WPARAM wParam, LPARAM lParam)
+LRESULT HostWindow::DefWindowProc(UINT message, WPARAM wParam, LPARAM lParam)
 {
+    if (message != VELDLGS_PATIENT_CHANGED)
+        return CWnd::DefWindowProc(message, wParam, lParam);
     const std::unique_ptr<char[]> guid(reinterpret_cast<char*>(lParam));
     m_told.emplace_back(static_cast<int>(wParam), guid.get());
     return 0;
@@ -61,10 +59,7 @@ void ArchiveDialogTest::Use(const std::string& working, const std::string& datab
     std::filesystem::create_directories(m_practice.Path(working));
     m_practice.Set("Environment", "WORKING", m_practice.Path(working + "\\"));
     const std::string path = m_practice.Path(database);
-    if (std::filesystem::exists(path))
-        dbCPatients::Open(path.c_str());
-    else
-        dbCPatients::Create(path.c_str());
+    (std::filesystem::exists(path) ? dbCPatients::Open : dbCPatients::Create)(path.c_str());
     m_nLastEvent = 0;
     NewEvents();
 }
@@ -105,19 +100,44 @@ __int64 ArchiveDialogTest::Run(ARCHIVE_OP nOperation, const std::vector<std::str
     }
     EXPECT_TRUE(m_host.GetSafeHwnd() == nullptr || m_host.IsWindowEnabled());
     for (const std::string& id : ids)
-        EXPECT_FALSE(m_patients.Unlock(id.c_str())) << "still locked: " << id;
+        EXPECT_TRUE(m_bStaysLocked || !m_patients.Unlock(id.c_str())) << "still locked: " << id;
     return nResult;
+}
+
+void ArchiveDialogTest::Play(ARCHIVE_OP nOperation, const std::vector<std::string>& ids,
+                             const std::vector<std::string>& given, const Script& asked,
+                             int nPracticeManagement)
+{
+    const auto play = [&](DialogScript& script) {
+        WaitForChoice(script).Press(IDOK);
+        asked(script);
+    };
+    EXPECT_EQ(Run(nOperation, ids, given, play, nPracticeManagement), IDOK);
+}
+
+void ArchiveDialogTest::SaveSeveral(const std::vector<std::string>& ids, int nRemove, const Script& asked,
+                                    int nPracticeManagement)
+{
+    const auto play = [&](DialogScript& script) {
+        const Dialog box =
+            script.WaitForBox("You are about to save multiple patients to Archive, do you want to delete the "
+                              "patients from the patient list when the operation is finished?");
+        EXPECT_EQ(box.DefaultButton(), "No");
+        box.Press(nRemove);
+        TakeOfferedName(script);
+        asked(script);
+    };
+    Play(ARCHIVE_OP_SAVE, ids, {}, play, nPracticeManagement);
 }
 
 void ArchiveDialogTest::SaveWith(const std::string& id, const Script& asked, int nFilter,
                                  int nPracticeManagement)
 {
     const auto play = [&](DialogScript& script) {
-        WaitForChoice(script).Press(IDOK);
         TakeOfferedName(script, nFilter);
         asked(script);
     };
-    EXPECT_EQ(Run(ARCHIVE_OP_SAVE, {id}, {}, play, nPracticeManagement), IDOK);
+    Play(ARCHIVE_OP_SAVE, {id}, {}, play, nPracticeManagement);
 }
 
 void ArchiveDialogTest::Save(const std::string& id, int nFilter)
@@ -136,25 +156,19 @@ void ArchiveDialogTest::SaveAndChange(const std::string& id)
     UseSecondPractice();
 }
 
-__int64 ArchiveDialogTest::Load(const std::string& path, const std::vector<std::string>& boxes,
-                                int nPracticeManagement)
+void ArchiveDialogTest::Load(const std::string& path, const std::vector<std::string>& boxes,
+                             int nPracticeManagement)
 {
-    return Run(
-        ARCHIVE_OP_LOAD, {}, {path},
-        [&](DialogScript& script) {
-            WaitForChoice(script).Press(IDOK);
-            for (const std::string& text : boxes)
-                script.AnswerBox(text, IDOK);
-        },
-        nPracticeManagement);
+    const auto play = [&](DialogScript& script) {
+        for (const std::string& text : boxes)
+            script.AnswerBox(text, IDOK);
+    };
+    Play(ARCHIVE_OP_LOAD, {}, {path}, play, nPracticeManagement);
 }
 
-__int64 ArchiveDialogTest::Merge(const std::string& id, const std::string& path, const Script& asked)
+void ArchiveDialogTest::Merge(const std::string& id, const std::string& path, const Script& asked)
 {
-    return Run(ARCHIVE_OP_MERGE, {id}, {path}, [&](DialogScript& script) {
-        WaitForChoice(script).Press(IDOK);
-        asked(script);
-    });
+    Play(ARCHIVE_OP_MERGE, {id}, {path}, asked);
 }
 
 dbCPatient ArchiveDialogTest::StorePatient(const std::string& id, int nTimepoints, std::size_t nImageBytes)
@@ -213,16 +227,22 @@ std::string Sum(const std::string& bytes)
     return std::to_string(bytes.size()) + " " + std::to_string(Crc(bytes));
 }
 
-std::map<std::string, std::string> ArchiveDialogTest::WorkingFiles() const
+std::map<std::string, std::string> ArchiveDialogTest::FilesIn(const std::string& folder) const
 {
     std::map<std::string, std::string> files;
-    for (const auto& entry : std::filesystem::directory_iterator(m_practice.Path(m_working)))
+    for (const auto& entry : std::filesystem::directory_iterator(m_practice.Path(folder)))
     {
-        std::string name = entry.path().filename().string();
-        std::transform(name.begin(), name.end(), name.begin(),
-                       [](char ch) { return static_cast<char>(toupper(ch)); });
-        files[name] = Sum(m_practice.ReadFile(m_working + "\\" + name));
+        const CString strName = CString(entry.path().filename().string().c_str()).MakeUpper();
+        files[strName.GetString()] = m_practice.ReadFile(folder + "\\" + strName.GetString());
     }
+    return files;
+}
+
+std::map<std::string, std::string> ArchiveDialogTest::WorkingFiles() const
+{
+    auto files = FilesIn(m_working);
+    for (auto& [name, bytes] : files)
+        bytes = Sum(bytes);
     return files;
 }
 
@@ -242,30 +262,13 @@ std::vector<std::string> ArchiveDialogTest::NewEvents()
     return texts;
 }
 
-std::string Describe(const dbCPatient& patient)
+std::string Describe(dbCPatient patient)
 {
-    std::string text;
-    const auto line = [&](const CString& str) { text += std::string(str.GetString()) + "\n"; };
-    for (const CString& str :
-         {patient.GetGUID(), patient.GetID(), patient.GetFirstname(), patient.GetLastname(),
-          patient.GetNotes(), patient.GetModelNumber(), patient.GetKeywords(),
-          patient.GetBirthdate().FormatDate(), patient.GetAddress().GetStreet()})
-        line(str);
-    text += std::to_string(patient.GetGender()) + std::to_string(patient.GetRace()) + "\n";
-    for (const dbCPhone& phone : patient.GetPhones())
-        line(phone.GetNumber() + " " + phone.GetType());
-    dbCPerson guardian;
-    if (patient.GetPersonInfo(dbPersonGuardian, guardian))
-        line(guardian.GetFirstname() + " " + guardian.GetLastname());
-    for (const patCTimepoint& timepoint : patient.GetTimepoints())
-    {
-        line(timepoint.GetName() + " " + timepoint.GetDate().FormatDate() + " " +
-             timepoint.GetBaseFilename());
-        for (int nGroup = 0; nGroup < patCImageTypes::GROUP_COUNT; ++nGroup)
-            text += std::to_string(timepoint.GetImageBits(nGroup)) + " ";
-        line(timepoint.GetImageInfo(2, 0).strTitle);
-    }
-    return text;
+    CMemFile file;
+    CArchive archive(&file, CArchive::store);
+    patient.Serialize(archive);
+    archive.Close();
+    return {reinterpret_cast<const char*>(file.GetBufferPtr()), static_cast<std::size_t>(file.GetLength())};
 }
 
 Dialog WaitForChoice(DialogScript& script)

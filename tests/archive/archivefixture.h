@@ -28,8 +28,7 @@ public:
     std::vector<std::pair<int, std::string>> m_told; // ARCHIVE_NOTIFY and GUID
 
 protected:
-    afx_msg LRESULT OnPatientChanged(WPARAM wParam, LPARAM lParam);
-    DECLARE_MESSAGE_MAP()
+    LRESULT DefWindowProc(UINT message, WPARAM wParam, LPARAM lParam) override;
 };
 
 // Runs on the user interface thread; scripts run on their own. Archiving is allowed at the start of each
@@ -52,6 +51,12 @@ protected:
     // process left.
     __int64 Run(ARCHIVE_OP nOperation, const std::vector<std::string>& ids,
                 const std::vector<std::string>& given, const Script& script, int nPracticeManagement = 0);
+    // The same, begun with the OK of the choice and ended as done; asked plays what comes between.
+    void Play(ARCHIVE_OP nOperation, const std::vector<std::string>& ids,
+              const std::vector<std::string>& given, const Script& asked, int nPracticeManagement = 0);
+    // Saves several patients so, with the answer whether to remove them.
+    void SaveSeveral(const std::vector<std::string>& ids, int nRemove, const Script& asked,
+                     int nPracticeManagement = 0);
     // Saves one patient as a user does who takes the offered name; asked plays what comes then.
     void SaveWith(const std::string& id, const Script& asked, int nFilter = 0, int nPracticeManagement = 0);
     // Saves one patient to Archive(id, nFilter), keeping the patient.
@@ -59,11 +64,11 @@ protected:
     // Saves the patient to ID.kaz and changes to the second practice.
     void SaveAndChange(const std::string& id);
     // Loads an archive without questions; expects these boxes, answered with OK.
-    __int64 Load(const std::string& path, const std::vector<std::string>& boxes = {},
-                 int nPracticeManagement = 0);
+    void Load(const std::string& path, const std::vector<std::string>& boxes = {},
+              int nPracticeManagement = 0);
 
     // Merges an archive into the patient; asked plays what comes after the choice.
-    __int64 Merge(const std::string& id, const std::string& path, const Script& asked);
+    void Merge(const std::string& id, const std::string& path, const Script& asked);
 
     // A stored patient with something of everything and the files of that many timepoints.
     dbCPatient StorePatient(const std::string& id, int nTimepoints = 2, std::size_t nImageBytes = 5000);
@@ -73,7 +78,9 @@ protected:
         const char* const extensions[] = {".kaz", ".kar", ".PF"};
         return m_practice.Path("archive\\" + id + extensions[nFilter]);
     }
-    // Names, in upper case, and sums of the files in the working folder.
+    // The files of a folder of the practice: bytes by names in upper case.
+    std::map<std::string, std::string> FilesIn(const std::string& folder) const;
+    // The same of the working folder, with sums for the bytes.
     std::map<std::string, std::string> WorkingFiles() const;
     // The texts of all audit events with their kinds in front, oldest first, since the last call.
     std::vector<std::string> NewEvents();
@@ -81,7 +88,8 @@ protected:
     veltest::TemporaryPractice m_practice;
     dbCPatients m_patients;
     HostWindow m_host;
-    int m_nQuit = -1; // the exit code of a WM_QUIT that the dialog left behind
+    bool m_bStaysLocked = false; // a patient of the next operation may
+    int m_nQuit = -1;            // the exit code of a WM_QUIT that the dialog left behind
     std::string m_working = "working";
 
 private:
@@ -89,8 +97,8 @@ private:
     __int64 m_nLastEvent = 0;
 };
 
-// All that is recorded of a patient, line by line, without what each practice gives names of its own.
-std::string Describe(const dbCPatient& patient);
+// All that is recorded of a patient, byte by byte.
+std::string Describe(dbCPatient patient);
 
 // Stands for contents in comparisons.
 std::string Sum(const std::string& bytes);

@@ -75,25 +75,24 @@ TEST_F(ArchiveDiskette, LaterDisksAreKnownByTheirVolume)
 
 TEST_F(ArchiveDiskette, EveryWrongDiskRaisesItsQuestion)
 {
-    EXPECT_EQ(arc::DisketteQuestion(DisketteCheck::Right), 0u);
-    EXPECT_EQ(arc::DisketteQuestion(DisketteCheck::NoDisk), 0u);
-    EXPECT_EQ(arc::DisketteQuestion(DisketteCheck::NotPatientDisk), unsigned{IDS_ARC_DISK_NOT_PATIENT});
-    EXPECT_EQ(arc::DisketteQuestion(DisketteCheck::OtherPatient), unsigned{IDS_ARC_DISK_OTHER_PATIENT});
-    EXPECT_EQ(arc::DisketteQuestion(DisketteCheck::OutOfOrder), unsigned{IDS_ARC_DISK_OUT_OF_ORDER});
+    const std::pair<DisketteCheck, unsigned> questions[] = {
+        {DisketteCheck::Right, 0},
+        {DisketteCheck::NoDisk, 0},
+        {DisketteCheck::NotPatientDisk, IDS_ARC_DISK_NOT_PATIENT},
+        {DisketteCheck::OtherPatient, IDS_ARC_DISK_OTHER_PATIENT},
+        {DisketteCheck::OutOfOrder, IDS_ARC_DISK_OUT_OF_ORDER}};
+    for (const auto& [check, question] : questions)
+        EXPECT_EQ(arc::DisketteQuestion(check), question);
 }
 
-TEST_F(ArchiveDiskette, ErasesWhatItMayAndClearsReadOnly)
+TEST_F(ArchiveDiskette, ErasesWhatItMayAndSkipsLinksAndOtherAttributes)
 {
     files.Put("A:\\f\\g\\deep.txt", "x", attribute::ReadOnly | attribute::Hidden | attribute::System);
     files.Put("A:\\none.txt", "x", attribute::Normal);
     files.Put("A:\\plain.txt", "x");
     EXPECT_TRUE(arc::EraseDrive(files, 'A'));
-    EXPECT_FALSE(files.Exists("A:\\f"));
-    EXPECT_TRUE(files.Tree("A:\\").empty());
-}
+    EXPECT_TRUE(files.Tree("A:\\").empty() && !files.Exists("A:\\f"));
 
-TEST_F(ArchiveDiskette, SkipsLinksAndOtherAttributesAndThenIsNotErased)
-{
     constexpr std::uint32_t compressed = 0x800;
     files.Put("A:\\kept.txt", "x", attribute::Archive | compressed);
     files.Put("A:\\link\\precious.txt", "x");
@@ -105,13 +104,11 @@ TEST_F(ArchiveDiskette, SkipsLinksAndOtherAttributesAndThenIsNotErased)
 
 TEST_F(ArchiveDiskette, TheFirstFailureStopsTheWalk)
 {
-    files.Put("A:\\a.txt", "x");
-    files.Put("A:\\b.txt", "x");
-    files.Put("A:\\c.txt", "x");
+    for (const char* path : {"A:\\a.txt", "A:\\b.txt", "A:\\c.txt"})
+        files.Put(path, "x");
     const auto held = files.Open("A:\\b.txt", arc::Access::ReadShared);
     EXPECT_FALSE(arc::EraseDrive(files, 'A'));
-    EXPECT_FALSE(files.Exists("A:\\a.txt"));
-    EXPECT_TRUE(files.Exists("A:\\c.txt"));
+    EXPECT_TRUE(!files.Exists("A:\\a.txt") && files.Exists("A:\\c.txt"));
 }
 
 TEST_F(ArchiveDiskette, CountsVolumesInClustersTwice)

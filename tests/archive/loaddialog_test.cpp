@@ -1,8 +1,9 @@
 // Loading and merging through the archive dialog.
-#include "suite/patients/store/dbsteps.h"
 #include "tests/archive/archivefixture.h"
 #include "tests/archive/rawzip.h"
+#include "tests/support/steps.h"
 
+#include <atomic>
 #include <filesystem>
 
 using testing::ElementsAre;
@@ -39,13 +40,10 @@ TEST_F(ArchiveDialogTest, LoadsWhatWasSavedWithEveryFileAndField)
     StorePatient("A12"); // shares the beginning of its file names
     const auto files = WorkingFiles();
     SaveAndChange("A1");
-    EXPECT_EQ(
-        Load(
-            Archive("A1"),
-            {"Some patient fields, such as location and orthodontist, may have been automatically assigned.  "
-             "Please visit the Patient Details screen to confirm these settings."},
-            1),
-        IDOK);
+    Load(Archive("A1"),
+         {"Some patient fields, such as location and orthodontist, may have been automatically assigned.  "
+          "Please visit the Patient Details screen to confirm these settings."},
+         1);
     dbCPatient loaded;
     ASSERT_TRUE(loaded.Load("A1"));
     EXPECT_EQ(Describe(loaded), Describe(patient));
@@ -62,7 +60,7 @@ TEST_F(ArchiveDialogTest, LoadsWhatWasSavedWithEveryFileAndField)
     EXPECT_TRUE(std::filesystem::is_empty(m_practice.Path("temp")));
 
     // A second time there is nothing to load.
-    EXPECT_EQ(Load(Archive("A1"), {"Patient Zo\xeb Lee A1 (ID:A1) already exists.", LoadFailed}), IDOK);
+    Load(Archive("A1"), {"Patient Zo\xeb Lee A1 (ID:A1) already exists.", LoadFailed});
     EXPECT_EQ(WorkingFiles(), expected);
 }
 
@@ -72,22 +70,20 @@ TEST_F(ArchiveDialogTest, LoadsAndSavesInTheOtherFormats)
     const auto files = WorkingFiles();
     for (const int nFilter : {1, 2})
     {
-        const bool bEarlier = nFilter == 2;
         const auto answer = [&](DialogScript& script) {
-            if (!bEarlier)
-                return;
             const Dialog box = script.WaitForBox(
                 "Saving records to an earlier format: \"Veltrix Version 7 or earlier\".\nThe saved files may "
                 "not contain all data or images.\nDo you still want to continue?");
             EXPECT_EQ(box.DefaultButton(), "No");
             box.Press(IDYES);
         };
-        SaveWith("A1", answer, nFilter);
+        SaveWith(
+            "A1", nFilter == 2 ? Script(answer) : [](DialogScript&) {}, nFilter);
         EXPECT_EQ(WorkingFiles(), files);
         EXPECT_EQ(NewEvents().size(), 1u);
         // These formats hold names, ID, timepoints and the files that the list names.
         UseSecondPractice();
-        EXPECT_EQ(Load(Archive("A1", nFilter)), IDOK);
+        Load(Archive("A1", nFilter));
         dbCPatient loaded;
         ASSERT_TRUE(loaded.Load("A1")) << nFilter;
         EXPECT_EQ(loaded.GetLastname(), patient.GetLastname());
@@ -101,46 +97,7 @@ TEST_F(ArchiveDialogTest, LoadsAndSavesInTheOtherFormats)
         }
         m_patients.DeletePatient("A1");
         UseFirstPractice();
-
-        // A save that fails keeps what it was to replace, and is not recorded.
-        const HANDLE hHeld = ::CreateFile(m_practice.Path("working\\A101.I2A").c_str(), GENERIC_READ, 0,
-                                          nullptr, OPEN_EXISTING, 0, nullptr);
-        ASSERT_NE(hHeld, INVALID_HANDLE_VALUE);
-        const auto replace = [&](DialogScript& script) {
-            answer(script);
-            script.WaitForDialogWith(IDC_ARC_OVERWRITE_TEXT).Press(IDYES);
-            script.AnswerBox("", IDOK);
-        };
-        SaveWith("A1", replace, nFilter);
-        ::CloseHandle(hHeld);
-        EXPECT_FALSE(std::filesystem::exists(Archive("A1", nFilter)));
-        EXPECT_TRUE(std::filesystem::exists(Archive("A1", nFilter) + ".previous"));
-        EXPECT_THAT(NewEvents(), IsEmpty());
     }
-}
-
-TEST_F(ArchiveDialogTest, KeepsAnArchiveOfWhichSomethingWasLeftBehind)
-{
-    StorePatient("A1");
-    StorePatient("B1");
-    // Fits the longer ID too, which the second practice has.
-    m_practice.WriteFile("working\\B12.2dmorph", "B1's or B12's");
-    Save("A1");
-    SaveAndChange("B1");
-    StorePatient("B12");
-    m_practice.WriteFile("working2\\B12.2dmorph", "B12's");
-    EXPECT_EQ(Run(ARCHIVE_OP_LOAD, {}, {Archive("A1"), Archive("B1")},
-                  [&](DialogScript& script) {
-                      WaitForChoice(script).Press(IDOK);
-                      script.AnswerBox("", IDYES); // delete the archives
-                      EXPECT_THAT(script.WaitForBox().BoxText(), testing::EndsWith(":\n\nB12.2dmorph\n"));
-                      script.AnswerBox("", IDOK);
-                  }),
-              IDOK);
-    EXPECT_TRUE(IsStored("A1") && IsStored("B1"));
-    EXPECT_FALSE(std::filesystem::exists(Archive("A1")));
-    EXPECT_TRUE(std::filesystem::exists(Archive("B1")));
-    EXPECT_EQ(m_practice.ReadFile("working2\\B12.2dmorph"), "B12's");
 }
 
 TEST_F(ArchiveDialogTest, RefusesWhatIsNoPatientAndLeavesThePracticeAlone)
@@ -170,7 +127,7 @@ TEST_F(ArchiveDialogTest, RefusesWhatIsNoPatientAndLeavesThePracticeAlone)
     for (const Case& refused : cases)
     {
         m_practice.WriteFile("archive\\" + refused.name, refused.contents);
-        EXPECT_EQ(Load(m_practice.Path("archive\\" + refused.name), refused.boxes), IDOK) << refused.name;
+        Load(m_practice.Path("archive\\" + refused.name), refused.boxes);
         EXPECT_THAT(WorkingFiles(), IsEmpty()) << refused.name;
         EXPECT_EQ(m_patients.GetCount(), 0) << refused.name;
     }
@@ -179,35 +136,25 @@ TEST_F(ArchiveDialogTest, RefusesWhatIsNoPatientAndLeavesThePracticeAlone)
     EXPECT_TRUE(std::filesystem::is_empty(m_practice.Path("temp")));
 }
 
-TEST_F(ArchiveDialogTest, RefusesADamagedArchiveAFullDiskAndAFileInTheWay)
+TEST_F(ArchiveDialogTest, LeavesNothingOfALoadWhenTheDiskIsFullOrAFileInTheWay)
 {
     StorePatient("A1");
     SaveAndChange("A1");
-    const auto empty = WorkingFiles();
-    static DWORD s_nThread;
-    dbObserveSteps([](const char* pszStep) {
-        if (std::string(pszStep) != "place.copied")
-            return;
-        s_nThread = ::GetCurrentThreadId();
-        dbCException::Throw(dbErrDiskFull, "A100.I05");
-    });
-    EXPECT_EQ(Load(Archive("A1"), {"", LoadFailed}), IDOK);
-    dbObserveSteps(nullptr);
-    EXPECT_TRUE(s_nThread != 0 && s_nThread != ::GetCurrentThreadId());
-    EXPECT_EQ(WorkingFiles(), empty);
-    EXPECT_FALSE(IsStored("A1"));
-
+    for (const char* pszStep : {"place.made", "place.copied"})
+    {
+        DWORD nThread = 0;
+        const veltest::AtStep full(pszStep, [&] {
+            nThread = ::GetCurrentThreadId();
+            dbCException::Throw(dbErrDiskFull, "A100.I05");
+        });
+        Load(Archive("A1"), {"", LoadFailed});
+        EXPECT_TRUE(nThread != 0 && nThread != ::GetCurrentThreadId());
+        EXPECT_THAT(WorkingFiles(), IsEmpty());
+        EXPECT_FALSE(IsStored("A1"));
+    }
     m_practice.WriteFile("working2\\A101.V2A", "somebody's");
     const auto before = WorkingFiles();
-    EXPECT_EQ(Load(Archive("A1"), {"", LoadFailed}), IDOK);
-    EXPECT_EQ(WorkingFiles(), before);
-    EXPECT_FALSE(IsStored("A1"));
-
-    std::string bytes = m_practice.ReadFile("archive\\A1.kaz");
-    const std::size_t packed = 30U + static_cast<unsigned char>(bytes[26]); // of the first entry
-    bytes[packed + 4] = static_cast<char>(bytes[packed + 4] ^ 0x40);
-    m_practice.WriteFile("archive\\A1.kaz", bytes);
-    EXPECT_EQ(Load(Archive("A1"), {"Error opening archive file.", LoadFailed}), IDOK);
+    Load(Archive("A1"), {"", LoadFailed});
     EXPECT_EQ(WorkingFiles(), before);
     EXPECT_FALSE(IsStored("A1"));
 }
@@ -217,36 +164,28 @@ TEST_F(ArchiveDialogTest, AStopWhileTheFilesArePlacedEndsTheLoadAndLeavesNothing
     StorePatient("A1");
     SaveAndChange("A1");
     // The worker waits at its first file until the status thread has been told to quit.
-    static HANDLE s_hReached, s_hTold;
-    s_hReached = ::CreateEvent(nullptr, TRUE, FALSE, nullptr);
-    s_hTold = ::CreateEvent(nullptr, TRUE, FALSE, nullptr);
-    dbObserveSteps([](const char* pszStep) {
-        if (std::string(pszStep) != "place.made")
-            return;
-        ::SetEvent(s_hReached);
-        ::WaitForSingleObject(s_hTold, 20'000);
-    });
-    EXPECT_EQ(Run(ARCHIVE_OP_LOAD, {}, {Archive("A1")},
-                  [&](DialogScript& script) {
-                      WaitForChoice(script).Press(IDOK);
-                      script.WaitUntil("a file in its place",
-                                       [] { return ::WaitForSingleObject(s_hReached, 0) == WAIT_OBJECT_0; });
-                      const Dialog progress = script.WaitForDialogWith(IDC_ARC_PROGRESS_BAR);
-                      const DWORD nThread = ::GetWindowThreadProcessId(progress.Handle(), nullptr);
-                      ::PostThreadMessage(nThread, WM_QUIT, 0, 0);
-                      script.Settle(progress.Handle());
-                      ::SetEvent(s_hTold);
-                      script.AnswerBox("The archive process was cancelled", IDOK);
-                      script.AnswerBox(LoadFailed, IDOK);
-                  }),
-              IDOK);
-    dbObserveSteps(nullptr);
-    ::CloseHandle(s_hReached);
-    ::CloseHandle(s_hTold);
+    std::atomic<bool> bReached = false, bTold = false;
+    {
+        const veltest::AtStep placing("place.made", [&] {
+            bReached = true;
+            for (int i = 0; i < 2000 && !bTold; ++i)
+                ::Sleep(10);
+        });
+        Play(ARCHIVE_OP_LOAD, {}, {Archive("A1")}, [&](DialogScript& script) {
+            script.WaitUntil("a file in its place", [&] { return bReached.load(); });
+            const Dialog progress = script.WaitForDialogWith(IDC_ARC_PROGRESS_BAR);
+            const DWORD nThread = ::GetWindowThreadProcessId(progress.Handle(), nullptr);
+            ::PostThreadMessage(nThread, WM_QUIT, 0, 0);
+            script.Settle(progress.Handle());
+            bTold = true;
+            script.AnswerBox("The archive process was cancelled", IDOK);
+            script.AnswerBox(LoadFailed, IDOK);
+        });
+    }
     EXPECT_THAT(WorkingFiles(), IsEmpty());
     EXPECT_FALSE(IsStored("A1"));
     EXPECT_TRUE(std::filesystem::is_empty(m_practice.Path("temp")));
-    EXPECT_EQ(Load(Archive("A1")), IDOK);
+    Load(Archive("A1"));
 }
 
 TEST_F(ArchiveDialogTest, RefusesWhileTheScratchFolderOrTheIDIsTaken)
@@ -256,11 +195,10 @@ TEST_F(ArchiveDialogTest, RefusesWhileTheScratchFolderOrTheIDIsTaken)
     const HANDLE hBusy = ::CreateFile(m_practice.Path("temp\\VELTMP.LCK").c_str(), GENERIC_WRITE, 0, nullptr,
                                       CREATE_NEW, FILE_FLAG_DELETE_ON_CLOSE, nullptr);
     ASSERT_NE(hBusy, INVALID_HANDLE_VALUE);
-    EXPECT_EQ(Load(Archive("A1"),
-                   {"Another program on this computer is reading an archive.  Please try again when it has "
-                    "finished.",
-                    LoadFailed}),
-              IDOK);
+    Load(Archive("A1"),
+         {"Another program on this computer is reading an archive.  Please try again when it has "
+          "finished.",
+          LoadFailed});
     ::CloseHandle(hBusy);
     EXPECT_FALSE(IsStored("A1"));
 
@@ -269,52 +207,51 @@ TEST_F(ArchiveDialogTest, RefusesWhileTheScratchFolderOrTheIDIsTaken)
     const HANDLE hHeld = ::CreateFile(m_practice.Path("working2\\A100.I2A").c_str(), GENERIC_READ, 0, nullptr,
                                       OPEN_EXISTING, 0, nullptr);
     m_patients.DeletePatient("A1");
-    EXPECT_EQ(Load(Archive("A1"), {"Patient Zo\xeb Lee A1 (ID:A1) is marked as deleted.", LoadFailed}), IDOK);
+    Load(Archive("A1"), {"Patient Zo\xeb Lee A1 (ID:A1) is marked as deleted.", LoadFailed});
     ::CloseHandle(hHeld);
     UseSecondPractice(); // finishes the removal
-    EXPECT_EQ(Load(Archive("A1")), IDOK);
+    Load(Archive("A1"));
     EXPECT_TRUE(IsStored("A1"));
 }
 
-TEST_F(ArchiveDialogTest, LoadsSeveralAndDeletesTheirArchivesWhenWanted)
+TEST_F(ArchiveDialogTest, LoadsSeveralAndDeletesTheirArchivesUnlessSomethingWasLeftBehind)
 {
     for (const char* pszID : {"A1", "B1"})
-    {
         StorePatient(pszID);
-        Save(pszID);
-    }
-    UseSecondPractice();
-    const std::string ask =
-        "You are about to load multiple patients from Archive, do you want to delete the archive files "
-        "when the operation is finished?";
-    EXPECT_EQ(Run(ARCHIVE_OP_LOAD, {}, {Archive("A1"), Archive("X1"), Archive("B1")},
-                  [&](DialogScript& script) {
-                      WaitForChoice(script).Press(IDOK);
-                      EXPECT_EQ(script.WaitForBox(ask).DefaultButton(), "No");
-                      script.AnswerBox(ask, IDYES);
-                      script.AnswerBox(
-                          "The actual zip file of patient X1, ID:X1 is missing. Load process failed for this "
-                          "patient.",
-                          IDOK);
-                      script.AnswerBox(
-                          "Error has occured when loading the patient from Archive. Choose OK to continue on "
-                          "loading the next patient or Cancel to exit archiving.",
-                          IDOK);
-                  }),
-              IDOK);
+    // Fits the longer ID too, which the second practice has.
+    m_practice.WriteFile("working\\B12.2dmorph", "B1's or B12's");
+    Save("A1");
+    SaveAndChange("B1");
+    StorePatient("B12");
+    m_practice.WriteFile("working2\\B12.2dmorph", "B12's");
+    Play(ARCHIVE_OP_LOAD, {}, {Archive("A1"), Archive("X1"), Archive("B1")}, [&](DialogScript& script) {
+        const Dialog box = script.WaitForBox(
+            "You are about to load multiple patients from Archive, do you want to delete the archive files "
+            "when the operation is finished?");
+        EXPECT_EQ(box.DefaultButton(), "No");
+        box.Press(IDYES);
+        script.AnswerBox(
+            "The actual zip file of patient X1, ID:X1 is missing. Load process failed for this patient.",
+            IDOK);
+        script.AnswerBox("Error has occured when loading the patient from Archive. Choose OK to continue on "
+                         "loading the next patient or Cancel to exit archiving.",
+                         IDOK);
+        EXPECT_THAT(script.WaitForBox().BoxText(), testing::EndsWith(":\n\nB12.2dmorph\n"));
+        script.AnswerBox("", IDOK);
+    });
     EXPECT_TRUE(IsStored("A1") && IsStored("B1"));
-    EXPECT_FALSE(std::filesystem::exists(Archive("A1")) || std::filesystem::exists(Archive("B1")));
+    EXPECT_FALSE(std::filesystem::exists(Archive("A1")));
+    EXPECT_TRUE(std::filesystem::exists(Archive("B1")));
+    EXPECT_EQ(m_practice.ReadFile("working2\\B12.2dmorph"), "B12's");
 
-    EXPECT_EQ(Run(ARCHIVE_OP_LOAD, {}, {Archive("A1"), m_practice.Path("archive\\B1.kar")},
-                  [&](DialogScript& script) {
-                      WaitForChoice(script).Press(IDOK);
-                      script.AnswerBox(
-                          "Loading multiple non-Premium archive files is not supported. Please load one file "
-                          "at a time.",
-                          IDOK);
-                      WaitForChoice(script).Press(IDCANCEL);
-                  }),
-              IDCANCEL);
+    const auto refused = [&](DialogScript& script) {
+        WaitForChoice(script).Press(IDOK);
+        script.AnswerBox(
+            "Loading multiple non-Premium archive files is not supported. Please load one file at a time.",
+            IDOK);
+        WaitForChoice(script).Press(IDCANCEL);
+    };
+    EXPECT_EQ(Run(ARCHIVE_OP_LOAD, {}, {Archive("A1"), Archive("B1", 1)}, refused), IDCANCEL);
 }
 
 TEST_F(ArchiveDialogTest, MergesUnderNewNumbers)
@@ -327,7 +264,7 @@ TEST_F(ArchiveDialogTest, MergesUnderNewNumbers)
     const auto before = WorkingFiles();
 
     // The same patient: nothing is asked.
-    EXPECT_EQ(Merge("A1", Archive("A1"), [](DialogScript&) {}), IDOK);
+    Merge("A1", Archive("A1"), [](DialogScript&) {});
     dbCPatient merged;
     ASSERT_TRUE(merged.Load("A1"));
     ASSERT_EQ(merged.GetTimepoints().GetCount(), 5);
@@ -350,17 +287,17 @@ TEST_F(ArchiveDialogTest, MergesUnderNewNumbers)
         "The data being merged does not appear to be for the selected patient.\r\n\r\nThe SELECTED "
         "patient is:\r\n     B1: Zo\xeb Lee B1\r\n\r\nThe MERGE DATA appears to be for:\r\n     "
         "A1: Zo\xeb Lee A1\r\n\r\nWould you like to merge the data anyway?";
-    EXPECT_EQ(Merge("B1", Archive("A1"),
-                    [&](DialogScript& script) {
-                        const Dialog box = script.WaitForBox();
-                        EXPECT_EQ(box.BoxText(), mismatch);
-                        EXPECT_EQ(box.Title(), "Mismatch");
-                        EXPECT_TRUE(box.HasIcon(IDI_EXCLAMATION));
-                        box.Press(IDNO);
-                        WaitForChoice(script).Press(IDCANCEL);
-                    }),
-              IDCANCEL);
-    EXPECT_EQ(Merge("B1", Archive("A1"), [](DialogScript& script) { script.AnswerBox("", IDYES); }), IDOK);
+    const auto refuse = [&](DialogScript& script) {
+        WaitForChoice(script).Press(IDOK);
+        const Dialog box = script.WaitForBox();
+        EXPECT_EQ(box.BoxText(), mismatch);
+        EXPECT_EQ(box.Title(), "Mismatch");
+        EXPECT_TRUE(box.HasIcon(IDI_EXCLAMATION));
+        box.Press(IDNO);
+        WaitForChoice(script).Press(IDCANCEL);
+    };
+    EXPECT_EQ(Run(ARCHIVE_OP_MERGE, {"B1"}, {Archive("A1")}, refuse), IDCANCEL);
+    Merge("B1", Archive("A1"), [](DialogScript& script) { script.AnswerBox("", IDYES); });
     EXPECT_TRUE(WorkingFiles().contains("B101.I2A"));
 }
 
@@ -382,8 +319,7 @@ TEST_F(ArchiveDialogTest, RefusesAMergeThatDoesNotFitAndOldArchives)
          "patient back to Veltrix first. Then use Copy / Paste timepoint to merge the timepoints."}};
     for (const auto& [path, pszText] : refusals)
     {
-        const auto answer = [&](DialogScript& script) { script.AnswerBox(pszText, IDOK); };
-        EXPECT_EQ(Merge("A1", path, answer), IDOK);
+        Merge("A1", path, [text = pszText](DialogScript& script) { script.AnswerBox(text, IDOK); });
         EXPECT_EQ(WorkingFiles(), before);
     }
     ASSERT_TRUE(patient.Load("A1"));

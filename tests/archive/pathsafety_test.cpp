@@ -8,32 +8,29 @@ using namespace std::string_literals;
 
 TEST(ArchivePathSafety, AcceptsWhatAFolderCanHold)
 {
-    const struct
+    const std::tuple<std::string, std::string, bool> cases[] = {
+        // as stored, as a path, whether a folder
+        {"S1.PF", "S1.PF", false},
+        {"a\\b/c.d", "a\\b\\c.d", false},
+        {"a/", "a", true},
+        {"a\\b\\", "a\\b", true},
+        {".hidden", ".hidden", false},
+        {"...x", "...x", false},
+        {" a", " a", false},
+        {"A1$00$x.y.2dmorph", "A1$00$x.y.2dmorph", false},
+        {"CONSOLE.PF", "CONSOLE.PF", false},
+        {"COM10", "COM10", false},
+        {"COM.PF", "COM.PF", false},
+        {"xAUX", "xAUX", false},
+        {"M\xFCller.I40", "M\xFCller.I40", false},
+        {"a~1.b", "a~1.b", false},
+        {std::string(255, 'x'), std::string(255, 'x'), false}};
+    for (const auto& [stored, path, folder] : cases)
     {
-        std::string stored;
-        std::string path;
-        bool folder;
-    } cases[] = {{"S1.PF", "S1.PF", false},
-                 {"a\\b/c.d", "a\\b\\c.d", false},
-                 {"a/", "a", true},
-                 {"a\\b\\", "a\\b", true},
-                 {".hidden", ".hidden", false},
-                 {"...x", "...x", false},
-                 {" a", " a", false},
-                 {"A1$00$x.y.2dmorph", "A1$00$x.y.2dmorph", false},
-                 {"CONSOLE.PF", "CONSOLE.PF", false},
-                 {"COM10", "COM10", false},
-                 {"COM.PF", "COM.PF", false},
-                 {"xAUX", "xAUX", false},
-                 {"M\xFCller.I40", "M\xFCller.I40", false},
-                 {"a~1.b", "a~1.b", false},
-                 {std::string(255, 'x'), std::string(255, 'x'), false}};
-    for (const auto& c : cases)
-    {
-        const auto safe = arc::SafeRelativePath(c.stored);
-        ASSERT_TRUE(safe) << c.stored;
-        EXPECT_EQ(safe->path, c.path);
-        EXPECT_EQ(safe->folder, c.folder) << c.stored;
+        const auto safe = arc::SafeRelativePath(stored);
+        ASSERT_TRUE(safe) << stored;
+        EXPECT_EQ(safe->path, path);
+        EXPECT_EQ(safe->folder, folder) << stored;
     }
 }
 
@@ -63,14 +60,10 @@ TEST(ArchivePathSafety, RefusesEveryWayOut)
         EXPECT_FALSE(arc::SafeRelativePath(stored)) << testing::PrintToString(stored);
 }
 
-TEST(ArchivePathSafety, CountsTheFolderIntoTheLength)
+TEST(ArchivePathSafety, FileNamesHaveNoFolderAndTheFolderCountsIntoTheLength)
 {
     EXPECT_TRUE(arc::SafeRelativePath("12345", 253));
     EXPECT_FALSE(arc::SafeRelativePath("12345", 254));
-}
-
-TEST(ArchivePathSafety, FileNamesHaveNoFolder)
-{
     EXPECT_EQ(arc::SafeFileName("S1.PF"), "S1.PF");
     for (const char* stored : {"a\\b", "a/b", "a\\", "..", ""})
         EXPECT_FALSE(arc::SafeFileName(stored)) << stored;

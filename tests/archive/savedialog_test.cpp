@@ -1,10 +1,9 @@
 // Saving patients through the archive dialog.
-#include "suite/patients/store/dbsteps.h"
 #include "tests/archive/archivefixture.h"
+#include "tests/support/steps.h"
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -20,27 +19,12 @@ const std::string NotCreated =
 const std::string RetryText =
     "Error has occured when saving the patient. Choose Retry to try again, Ignore to continue "
     "saving the next patient or Abort to exit archiving.";
-const std::string RunText =
-    "You are about to save multiple patients to Archive, do you want to delete the patients from "
-    "the patient list when the operation is finished?";
-
 VEL_CHILD_PROCESS(holdLock) // database, ID, mode, file to make when it is locked
 {
     dbCPatients::Open(arguments[0].c_str());
     dbCPatients().LockPatient(arguments[1].c_str(), std::stoi(arguments[2]));
     ::CloseHandle(::CreateFile(arguments[3].c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
     ::Sleep(60'000);
-    return 0;
-}
-
-VEL_CHILD_PROCESS(changeNotes) // database, ID
-{
-    dbCPatients::Open(arguments[0].c_str());
-    dbCPatient patient;
-    if (!patient.Load(arguments[1].c_str()))
-        return 1;
-    patient.SetNotes("changed elsewhere");
-    patient.Save();
     return 0;
 }
 
@@ -132,18 +116,18 @@ TEST_F(ArchiveDialogTest, RemovesExactlyWhatIsInTheArchive)
 
 TEST_F(ArchiveDialogTest, KeepsAPatientThatWasChangedSinceItWasArchived)
 {
-    StorePatient("A1");
+    dbCPatient patient = StorePatient("A1");
+    const veltest::AtStep change("save.recorded", [&] {
+        patient.SetNotes("changed elsewhere");
+        patient.Save();
+    });
     SaveWith("A1", [&](DialogScript& script) {
-        const Dialog box = script.WaitForBox();
-        EXPECT_EQ(veltest::ChildProcess("changeNotes", {m_practice.Path("patients.db"), "A1"}).Wait(), 0);
-        box.Press(IDYES);
+        script.AnswerBox("", IDYES);
         script.AnswerBox("The patient \"A1\" was changed by somebody after the archive was written and stays "
                          "in the patient list.",
                          IDOK);
     });
-    dbCPatient patient;
-    ASSERT_TRUE(patient.Load("A1"));
-    EXPECT_EQ(patient.GetNotes(), "changed elsewhere");
+    EXPECT_TRUE(IsStored("A1"));
 }
 
 // What a load would refuse is not reported as saved, and what it needs is written anew.
@@ -162,30 +146,19 @@ TEST_F(ArchiveDialogTest, ProvesTheArchiveAsALoadWouldReadIt)
     std::filesystem::remove(Archive("A1"));
 
     // Another record comes under the scratch file's name, of another patient, then a torn one.
-    static std::string s_path, s_bytes;
-    static const auto observe = [](dbSTEPPROC pfnObserver) { dbObserveSteps(pfnObserver); };
-    s_path = m_practice.Path("temp\\B1.ACV");
-    observe([](const char* pszStep) {
-        if (std::string(pszStep) != "save.record")
-            return;
-        std::ifstream file(s_path, std::ios::binary);
-        s_bytes.assign(std::istreambuf_iterator<char>(file), {});
-    });
-    Save("B1");
-    ASSERT_GT(s_bytes.size(), 100u);
-    s_path = m_practice.Path("temp\\A1.ACV");
-    for (const bool bTorn : {false, true})
+    std::string bytes;
     {
-        if (bTorn)
-            s_bytes.resize(s_bytes.size() / 2);
-        observe([](const char* pszStep) {
-            if (std::string(pszStep) == "save.record")
-                std::ofstream(s_path, std::ios::binary) << s_bytes;
-        });
+        const veltest::AtStep take("save.record", [&] { bytes = m_practice.ReadFile("temp\\B1.ACV"); });
+        Save("B1");
+    }
+    for (const std::size_t nBytes : {bytes.size(), bytes.size() / 2})
+    {
+        ASSERT_GT(nBytes, 100u);
+        const veltest::AtStep replace("save.record",
+                                      [&] { m_practice.WriteFile("temp\\A1.ACV", bytes.substr(0, nBytes)); });
         SaveWith("A1", [](DialogScript& script) { script.AnswerBox(NotCreated, IDOK); });
         EXPECT_FALSE(std::filesystem::exists(Archive("A1")));
     }
-    observe(nullptr);
     EXPECT_EQ(NewEvents().size(), 3u);
     EXPECT_TRUE(std::filesystem::is_empty(m_practice.Path("temp")));
 }
@@ -204,21 +177,13 @@ TEST_F(ArchiveDialogTest, KeepsWhoOwes)
     EXPECT_EQ(NewEvents().size(), 1u);
 
     StorePatient("B1");
-    EXPECT_EQ(Run(
-                  ARCHIVE_OP_SAVE, {"A1", "B1"}, {},
-                  [&](DialogScript& script) {
-                      WaitForChoice(script).Press(IDOK);
-                      EXPECT_EQ(script.WaitForBox(RunText).DefaultButton(), "No");
-                      script.AnswerBox(RunText, IDYES);
-                      TakeOfferedName(script);
-                      script.WaitForDialogWith(IDC_ARC_OVERWRITE_TEXT).Press(IDC_ARC_OVERWRITE_ALL);
-                      script.AnswerBox(
-                          "You cannot remove patient: \"Lee A1,  Zo\xeb\" (ID:A1) from patient list until "
-                          "their balance is zero.",
-                          IDOK);
-                  },
-                  1),
-              IDOK);
+    const auto owing = [&](DialogScript& script) {
+        script.WaitForDialogWith(IDC_ARC_OVERWRITE_TEXT).Press(IDC_ARC_OVERWRITE_ALL);
+        script.AnswerBox("You cannot remove patient: \"Lee A1,  Zo\xeb\" (ID:A1) from patient list until "
+                         "their balance is zero.",
+                         IDOK);
+    };
+    SaveSeveral({"A1", "B1"}, IDYES, owing, 1);
     EXPECT_TRUE(IsStored("A1"));
     EXPECT_FALSE(IsStored("B1"));
 }
@@ -227,40 +192,34 @@ TEST_F(ArchiveDialogTest, GoesOnAfterAFailureAsTheUserWants)
 {
     for (const char* pszID : {"A1", "B1", "C1"})
         StorePatient(pszID);
-    struct Case
-    {
-        int nAnswer;
-        std::vector<std::string> archives; // that are new
-    };
-    for (const Case& expected :
-         {Case{IDABORT, {"A1"}}, Case{IDIGNORE, {"A1", "C1"}}, Case{IDRETRY, {"A1", "B1", "C1"}}})
+    const std::pair<int, std::vector<std::string>> cases[] = {// the answer, the archives that are new
+                                                              {IDABORT, {"A1"}},
+                                                              {IDIGNORE, {"A1", "C1"}},
+                                                              {IDRETRY, {"A1", "B1", "C1"}}};
+    for (const auto& [nAnswer, archives] : cases)
     {
         for (const char* pszID : {"A1", "C1"})
             std::filesystem::remove(Archive(pszID));
         ChangeWorkers();
         m_practice.WriteFile("archive\\B1.kaz", "somebody's");
         ::SetFileAttributes(Archive("B1").c_str(), FILE_ATTRIBUTE_READONLY);
-        EXPECT_EQ(Run(ARCHIVE_OP_SAVE, {"A1", "B1", "C1"}, {},
-                      [&](DialogScript& script) {
-                          WaitForChoice(script).Press(IDOK);
-                          script.AnswerBox(RunText, IDNO);
-                          TakeOfferedName(script);
-                          script.WaitForDialogWith(IDC_ARC_OVERWRITE_TEXT).Press(IDYES);
-                          script.AnswerBox(NotCreated, IDOK);
-                          const Dialog box = script.WaitForBox(RetryText);
-                          EXPECT_EQ(m_practice.ReadFile("archive\\B1.kaz"), "somebody's");
-                          ::SetFileAttributes(Archive("B1").c_str(), FILE_ATTRIBUTE_NORMAL);
-                          box.Press(expected.nAnswer);
-                      }),
-                  IDOK);
+        const auto play = [&, nChosen = nAnswer](DialogScript& script) {
+            script.WaitForDialogWith(IDC_ARC_OVERWRITE_TEXT).Press(IDYES);
+            script.AnswerBox(NotCreated, IDOK);
+            const Dialog box = script.WaitForBox(RetryText);
+            EXPECT_EQ(m_practice.ReadFile("archive\\B1.kaz"), "somebody's");
+            ::SetFileAttributes(Archive("B1").c_str(), FILE_ATTRIBUTE_NORMAL);
+            box.Press(nChosen);
+        };
+        SaveSeveral({"A1", "B1", "C1"}, IDNO, play);
         std::vector<std::string> written;
         for (const char* pszID : {"A1", "B1", "C1"})
         {
             if (std::filesystem::exists(Archive(pszID)) && std::filesystem::file_size(Archive(pszID)) > 100)
                 written.push_back(pszID);
         }
-        EXPECT_EQ(written, expected.archives);
-        EXPECT_EQ(NewEvents().size(), expected.archives.size());
+        EXPECT_EQ(written, archives);
+        EXPECT_EQ(NewEvents().size(), archives.size());
     }
 }
 
@@ -274,18 +233,15 @@ TEST_F(ArchiveDialogTest, LeavesALockedPatientAlone)
         CString strUser;
         EXPECT_EQ(m_patients.IsLocked("A1", &strUser), patLockInUse);
         // Nothing was begun, so that the dialog stays.
-        EXPECT_EQ(Run(ARCHIVE_OP_SAVE, {"A1"}, {},
-                      [&](DialogScript& script) {
-                          const Dialog choice = WaitForChoice(script);
-                          choice.Press(IDOK);
-                          TakeOfferedName(script);
-                          script.AnswerBox("Patient ID \"A1\" is currently in use by \"" +
-                                               std::string(strUser.GetString()) +
-                                               "\".\nPlease try again later.",
-                                           IDOK);
-                          WaitForChoice(script).Press(IDCANCEL);
-                      }),
-                  IDCANCEL);
+        const auto refused = [&](DialogScript& script) {
+            WaitForChoice(script).Press(IDOK);
+            TakeOfferedName(script);
+            script.AnswerBox("Patient ID \"A1\" is currently in use by \"" +
+                                 std::string(strUser.GetString()) + "\".\nPlease try again later.",
+                             IDOK);
+            WaitForChoice(script).Press(IDCANCEL);
+        };
+        EXPECT_EQ(Run(ARCHIVE_OP_SAVE, {"A1"}, {}, refused), IDCANCEL);
         EXPECT_EQ(m_patients.IsLocked("A1"), patLockInUse);
         EXPECT_FALSE(std::filesystem::exists(Archive("A1")));
     }
@@ -309,24 +265,8 @@ TEST_F(ArchiveDialogTest, TellsOfALockThatItCannotGiveBackAndGivesItBackWithTheN
     StorePatient("A1");
     StorePatient("B1");
     std::unique_ptr<veltest::ChildProcess> pHolder;
-    const auto save = [&](const std::string& id, const Script& asked) {
-        dbCPatient patient;
-        ASSERT_TRUE(patient.Load(id.c_str()));
-        CStringArray selected, none, more2, more3, more4;
-        selected.Add(id.c_str());
-        EXPECT_EQ(veltest::RunModal(
-                      [&] {
-                          return ArchiveDlg(&m_host, 0, &patient, ARCHIVE_OP_SAVE, selected, &m_patients,
-                                            none, more2, more3, more4, 0, 0);
-                      },
-                      [&](DialogScript& script) {
-                          WaitForChoice(script).Press(IDOK);
-                          TakeOfferedName(script);
-                          asked(script);
-                      }),
-                  IDOK);
-    };
-    save("A1", [&](DialogScript& script) {
+    m_bStaysLocked = true;
+    SaveWith("A1", [&](DialogScript& script) {
         const Dialog box = script.WaitForBox();
         const std::string ready = m_practice.Path("ready");
         pHolder = std::make_unique<veltest::ChildProcess>(
@@ -338,25 +278,20 @@ TEST_F(ArchiveDialogTest, TellsOfALockThatItCannotGiveBackAndGivesItBackWithTheN
                          IDOK);
     });
     pHolder.reset();
-    save("B1", [](DialogScript& script) { script.AnswerBox("", IDNO); });
+    m_bStaysLocked = false;
+    Save("B1");
     EXPECT_FALSE(m_patients.Unlock("A1"));
 }
 
 TEST_F(ArchiveDialogTest, RefusesAnIDThatIsADevice)
 {
     StorePatient("A1");
-    EXPECT_EQ(Run(ARCHIVE_OP_SAVE, {"A1", "AUX"}, {},
-                  [&](DialogScript& script) {
-                      WaitForChoice(script).Press(IDOK);
-                      script.AnswerBox(RunText, IDNO);
-                      TakeOfferedName(script);
-                      script.AnswerBox("The patient ID \"AUX\" is a name that Windows keeps for a device.  "
-                                       "Files of this patient cannot be archived.  Please change the patient "
-                                       "ID first.",
-                                       IDOK);
-                      script.AnswerBox(RetryText, IDIGNORE);
-                  }),
-              IDOK);
+    SaveSeveral({"A1", "AUX"}, IDNO, [&](DialogScript& script) {
+        script.AnswerBox("The patient ID \"AUX\" is a name that Windows keeps for a device.  Files of this "
+                         "patient cannot be archived.  Please change the patient ID first.",
+                         IDOK);
+        script.AnswerBox(RetryText, IDIGNORE);
+    });
     EXPECT_TRUE(std::filesystem::exists(Archive("A1")));
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(m_practice.Path("archive")), {}), 1);
 }
@@ -366,15 +301,14 @@ TEST_F(ArchiveDialogTest, LaysOutASelfStartingDisc)
     StorePatient("A1");
     m_practice.WriteFile("sys\\VeltrixViewerSetup.exe", "setup");
     m_practice.WriteFile("sys\\autorunLaunchKaz.inf", std::string(60, 'x'));
-    EXPECT_EQ(Run(ARCHIVE_OP_SAVE, {"A1"}, {},
-                  [&](DialogScript& script) {
-                      const Dialog choice = WaitForChoice(script);
-                      choice.Press(IDC_ARC_INCLUDE_VIEWER);
-                      choice.Press(IDOK);
-                      TakeOfferedName(script);
-                      script.AnswerBox("", IDNO);
-                  }),
-              IDOK);
+    const auto withViewer = [&](DialogScript& script) {
+        const Dialog choice = WaitForChoice(script);
+        choice.Press(IDC_ARC_INCLUDE_VIEWER);
+        choice.Press(IDOK);
+        TakeOfferedName(script);
+        script.AnswerBox("", IDNO);
+    };
+    EXPECT_EQ(Run(ARCHIVE_OP_SAVE, {"A1"}, {}, withViewer), IDOK);
     EXPECT_EQ(m_practice.ReadFile("archive\\zzz.exe"), "setup");
     EXPECT_THAT(m_practice.ReadFile("archive\\autorun.inf"),
                 StartsWith("[autorun]\r\nOPEN=LaunchKaz.exe A1.KAZx"));

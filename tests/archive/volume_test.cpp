@@ -185,24 +185,25 @@ TEST_F(ArchiveVolumes, BufferHalvesUntilMemoryIsHad)
 
 TEST_F(ArchiveVolumes, LimitsAreRefusedBeforeAnythingIsWritten)
 {
-    const auto check = [](std::vector<arc::PresentFile> list, std::uint64_t capacity = 0) {
-        return arc::CheckStreamLimits(list, capacity);
-    };
     constexpr std::uint64_t full = 0xFFFFFFFF;
-    EXPECT_EQ(check({}), VolumeStatus::TooManyFiles);
-    EXPECT_EQ(check(std::vector<arc::PresentFile>(65536, {"AB.PF", 0})), VolumeStatus::TooManyFiles);
-    EXPECT_EQ(check(std::vector<arc::PresentFile>(65535, {"AB.PF", 0})), VolumeStatus::Done);
-    EXPECT_EQ(check({{"AB.PF", full + 1}}), VolumeStatus::TooManyBytes);
-    EXPECT_EQ(check({{"AB.PF", full - 16}}), VolumeStatus::Done);
-    EXPECT_EQ(check({{"AB.PF", full - 15}}), VolumeStatus::TooManyBytes);
-    EXPECT_EQ(check({{"SIXSIX.PF", 0}, {"AB12345678.I4", 0}}), VolumeStatus::NameTooLong);
-    EXPECT_EQ(check({{"AB.PF", 0}, {"AB1234567.I4", 0}}), VolumeStatus::Done);
-    EXPECT_EQ(check({{"LONG_ID.PF", 0}, {std::string(32, 'x'), 0}}), VolumeStatus::NameTooLong);
-    EXPECT_EQ(check({{"LONG_ID.PF", 0}, {std::string(31, 'x'), 0}}), VolumeStatus::Done);
-    EXPECT_EQ(check({{"AB.PF", 1000}}, 44), VolumeStatus::NoRoom);
-    // 255 volumes of 100 bytes carry 255 * 72 - 16 bytes of stream.
-    EXPECT_EQ(check({{"AB.PF", 255 * 72 - 16 - 16}}, 100), VolumeStatus::Done);
-    EXPECT_EQ(check({{"AB.PF", 255 * 72 - 16 - 15}}, 100), VolumeStatus::TooManyVolumes);
+    const std::tuple<VolumeStatus, std::vector<arc::PresentFile>, std::uint64_t> cases[] = {
+        {VolumeStatus::TooManyFiles, {}, 0},
+        {VolumeStatus::TooManyFiles, std::vector<arc::PresentFile>(65536, {"AB.PF", 0}), 0},
+        {VolumeStatus::Done, std::vector<arc::PresentFile>(65535, {"AB.PF", 0}), 0},
+        {VolumeStatus::TooManyBytes, {{"AB.PF", full + 1}}, 0},
+        {VolumeStatus::Done, {{"AB.PF", full - 16}}, 0},
+        {VolumeStatus::TooManyBytes, {{"AB.PF", full - 15}}, 0},
+        {VolumeStatus::NameTooLong, {{"SIXSIX.PF", 0}, {"AB12345678.I4", 0}}, 0},
+        {VolumeStatus::Done, {{"AB.PF", 0}, {"AB1234567.I4", 0}}, 0},
+        {VolumeStatus::NameTooLong, {{"LONG_ID.PF", 0}, {std::string(32, 'x'), 0}}, 0},
+        {VolumeStatus::Done, {{"LONG_ID.PF", 0}, {std::string(31, 'x'), 0}}, 0},
+        {VolumeStatus::NoRoom, {{"AB.PF", 1000}}, 44},
+        // 255 volumes of 100 bytes carry 255 * 72 - 16 bytes of stream.
+        {VolumeStatus::Done, {{"AB.PF", 255 * 72 - 16 - 16}}, 100},
+        {VolumeStatus::TooManyVolumes, {{"AB.PF", 255 * 72 - 16 - 15}}, 100},
+    };
+    for (const auto& [status, list, capacity] : cases)
+        EXPECT_EQ(arc::CheckStreamLimits(list, capacity), status) << list.size() << " " << capacity;
 
     PutShort();
     set.push_back({"AB00.V00", full});
@@ -318,12 +319,7 @@ TEST_F(ArchiveVolumes, HostileRecordsAreRefused)
             bytes += arc::EncodeRecord(record, arc::RecordForm::Long);
         return bytes + contents;
     };
-    const struct
-    {
-        const char* what;
-        std::string bytes;
-        VolumeStatus status;
-    } cases[] = {
+    const std::tuple<const char*, std::string, VolumeStatus> cases[] = {
         {"empty name", volume({{0, ""}}, "", 36, 1), VolumeStatus::Corrupt},
         {"parent", volume({{1, "..\\x.pf"}}, "x", 37, 1), VolumeStatus::UnsafeName},
         {"device", volume({{1, "AUX.PF"}}, "x", 37, 1), VolumeStatus::UnsafeName},
@@ -337,13 +333,13 @@ TEST_F(ArchiveVolumes, HostileRecordsAreRefused)
         {"count too large", volume({{1, "x.pf"}}, "x", 37, 2), VolumeStatus::Corrupt},
         {"not a volume", std::string(100, 'x'), VolumeStatus::Corrupt},
     };
-    for (const auto& c : cases)
+    for (const auto& [what, bytes, status] : cases)
     {
-        files.Put("C:\\arc\\P.001", c.bytes);
-        EXPECT_EQ(Read("P"), c.status) << c.what;
+        files.Put("C:\\arc\\P.001", bytes);
+        EXPECT_EQ(Read("P"), status) << what;
         for (const auto& file : read)
             files.RemoveFile("C:\\out\\" + file.name);
-        EXPECT_TRUE(files.Tree("C:\\out").empty()) << c.what;
+        EXPECT_TRUE(files.Tree("C:\\out").empty()) << what;
     }
 }
 

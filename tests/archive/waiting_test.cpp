@@ -18,16 +18,14 @@ class ArchiveWaitTest : public ArchiveDialogTest
 {
 protected:
     // Loads what is no archive; script plays while the dialog waits.
-    __int64 LoadWaiting(const Script& waiting, bool bTold)
+    void LoadWaiting(const Script& waiting)
     {
         m_practice.WriteFile("archive\\A1.kaz", "no archive");
-        return Run(ARCHIVE_OP_LOAD, {}, {Archive("A1")}, [&](DialogScript& script) {
-            WaitForChoice(script).Press(IDOK);
+        Play(ARCHIVE_OP_LOAD, {}, {Archive("A1")}, [&](DialogScript& script) {
             script.WaitForBox(OpenError);
             waiting(script);
             script.AnswerBox(OpenError, IDOK);
-            if (bTold)
-                script.AnswerBox(LoadFailed, IDOK);
+            script.AnswerBox(LoadFailed, IDOK);
         });
     }
 
@@ -65,19 +63,16 @@ TEST_F(ArchiveWaitTest, TakesNeitherOKNorCancelHoweverTheyCome)
                 [](HWND hWnd, LPARAM) { return ::PostMessage(hWnd, WM_COMMAND, IDCANCEL, 0); }, 0);
         },
     };
-    EXPECT_EQ(LoadWaiting(
-                  [&](DialogScript& script) {
-                      const HWND hChoice = FindChoice();
-                      ASSERT_TRUE(hChoice);
-                      EXPECT_FALSE(::IsWindowEnabled(hChoice));
-                      for (const auto& way : ways)
-                          way(hChoice);
-                      script.Settle(hChoice);
-                      EXPECT_TRUE(::IsWindowVisible(hChoice));
-                      EXPECT_EQ(::IsDlgButtonChecked(hChoice, IDC_ARC_GET_ARCHIVE), unsigned{BST_CHECKED});
-                  },
-                  true),
-              IDOK);
+    LoadWaiting([&](DialogScript& script) {
+        const HWND hChoice = FindChoice();
+        ASSERT_TRUE(hChoice);
+        EXPECT_FALSE(::IsWindowEnabled(hChoice));
+        for (const auto& way : ways)
+            way(hChoice);
+        script.Settle(hChoice);
+        EXPECT_TRUE(::IsWindowVisible(hChoice));
+        EXPECT_EQ(::IsDlgButtonChecked(hChoice, IDC_ARC_GET_ARCHIVE), unsigned{BST_CHECKED});
+    });
 }
 
 TEST_F(ArchiveWaitTest, TheHostMayCloseMeanwhile)
@@ -88,22 +83,17 @@ TEST_F(ArchiveWaitTest, TheHostMayCloseMeanwhile)
     {
         m_practice.WriteFile("archive\\A1.kaz", "somebody's");
         ::SetFileAttributes(Archive(id).c_str(), FILE_ATTRIBUTE_READONLY);
-        EXPECT_EQ(Run(ARCHIVE_OP_SAVE, {id, "B1"}, {},
-                      [&](DialogScript& script) {
-                          WaitForChoice(script).Press(IDOK);
-                          script.AnswerBox("", IDYES); // several: remove them
-                          TakeOfferedName(script);
-                          script.WaitForDialogWith(IDC_ARC_OVERWRITE_TEXT).Press(IDYES);
-                          const Dialog box = script.WaitForBox();
-                          if (bQuits)
-                              ::PostThreadMessage(script.UiThread(), WM_QUIT, 7, 0);
-                          else
-                              ::PostMessage(m_host, WM_CLOSE, 0, 0);
-                          script.WaitUntil("the choice to go or the queue to be read",
-                                           [&] { return bQuits || FindChoice() == nullptr; });
-                          box.Press(IDOK);
-                      }),
-                  IDOK);
+        SaveSeveral({id, "B1"}, IDYES, [&](DialogScript& script) {
+            script.WaitForDialogWith(IDC_ARC_OVERWRITE_TEXT).Press(IDYES);
+            const Dialog box = script.WaitForBox();
+            if (bQuits)
+                ::PostThreadMessage(script.UiThread(), WM_QUIT, 7, 0);
+            else
+                ::PostMessage(m_host, WM_CLOSE, 0, 0);
+            script.WaitUntil("the choice to go or the queue to be read",
+                             [&] { return bQuits || FindChoice() == nullptr; });
+            box.Press(IDOK);
+        });
         EXPECT_EQ(m_nQuit, bQuits ? 7 : -1);
         m_nQuit = -1;
     }

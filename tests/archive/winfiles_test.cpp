@@ -1,6 +1,8 @@
 // The rules' file system on a real disk.
 #include "archive/files/filenames.h"
 #include "archive/files/filesystem.h"
+#include "archive/zip/unzipper.h"
+#include "tests/archive/rawzip.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -115,24 +117,22 @@ TEST_F(ArchiveWindowsFiles, SharesAsAsked)
 
 TEST_F(ArchiveWindowsFiles, KeepsAttributesAndTimes)
 {
+    const std::string path = Path("M\xFCller.bin");
     Put("M\xFCller.bin", "abc");
-    const arc::LocalTime summer{2024, 6, 15, 12, 30, 44};
-    const arc::LocalTime winter{2024, 0, 15, 12, 30, 44};
-    for (const arc::LocalTime& time : {summer, winter})
+    for (const int month : {0, 6}) // winter and summer time
     {
-        ASSERT_TRUE(files.Open(Path("M\xFCller.bin"), arc::Access::Update)->SetWritten(time));
-        EXPECT_EQ(files.Query(Path("M\xFCller.bin"))->written, time);
+        const arc::LocalTime time{2024, month, 15, 12, 30, 44};
+        ASSERT_TRUE(files.Open(path, arc::Access::Update)->SetWritten(time));
+        EXPECT_EQ(files.Query(path)->written, time);
     }
-    ASSERT_TRUE(files.SetAttributes(Path("M\xFCller.bin"), attribute::ReadOnly | attribute::Hidden));
-    const auto info = files.Query(Path("M\xFCller.bin"));
-    ASSERT_TRUE(info);
-    EXPECT_EQ(info->attributes & (attribute::ReadOnly | attribute::Hidden),
-              attribute::ReadOnly | attribute::Hidden);
-    EXPECT_EQ(info->size, 3u);
-    EXPECT_FALSE(files.RemoveFile(Path("M\xFCller.bin")));
-    ASSERT_TRUE(files.SetAttributes(Path("M\xFCller.bin"), 0));
-    EXPECT_TRUE(files.RemoveFile(Path("M\xFCller.bin")));
-    EXPECT_FALSE(files.Query(Path("M\xFCller.bin")));
+    constexpr std::uint32_t set = attribute::ReadOnly | attribute::Hidden;
+    ASSERT_TRUE(files.SetAttributes(path, set));
+    EXPECT_EQ(files.Query(path)->attributes & set, set);
+    EXPECT_EQ(files.Query(path)->size, 3u);
+    EXPECT_FALSE(files.RemoveFile(path));
+    ASSERT_TRUE(files.SetAttributes(path, 0));
+    EXPECT_TRUE(files.RemoveFile(path));
+    EXPECT_FALSE(files.Query(path));
 }
 
 TEST_F(ArchiveWindowsFiles, ListsMovesAndTells)
@@ -140,16 +140,14 @@ TEST_F(ArchiveWindowsFiles, ListsMovesAndTells)
     Put("A100.I40", "1");
     Put("A100.V40", "22");
     ASSERT_TRUE(files.CreateFolder(Path("sub")));
-    std::vector<arc::FolderEntry> entries;
-    EXPECT_TRUE(files.List(folder, "A1*", entries));
-    EXPECT_EQ(entries.size(), 2u);
-    entries.clear();
-    EXPECT_TRUE(files.List(folder, "*", entries));
-    EXPECT_EQ(entries.size(), 3u);
-    entries.clear();
-    EXPECT_TRUE(files.List(folder, "none*", entries));
-    EXPECT_FALSE(files.List(Path("nowhere"), "*", entries));
-    EXPECT_TRUE(entries.empty());
+    const auto count = [&](const std::string& where, const char* wildcard) {
+        std::vector<arc::FolderEntry> entries;
+        return files.List(where, wildcard, entries) ? static_cast<int>(entries.size()) : -1;
+    };
+    EXPECT_EQ(count(folder, "A1*"), 2);
+    EXPECT_EQ(count(folder, "*"), 3);
+    EXPECT_EQ(count(folder, "none*"), 0);
+    EXPECT_EQ(count(Path("nowhere"), "*"), -1);
 
     EXPECT_FALSE(files.Move(Path("A100.I40"), Path("A100.V40")));
     EXPECT_TRUE(files.Move(Path("A100.I40"), Path("sub\\b")));
@@ -163,6 +161,27 @@ TEST_F(ArchiveWindowsFiles, ListsMovesAndTells)
     EXPECT_GT(space->FreeBytes(), 1u << 20);
     EXPECT_LE(space->freeClusters, space->totalClusters);
     EXPECT_FALSE(files.Space("Q:\\"));
+}
+
+TEST_F(ArchiveWindowsFiles, TheShortFormOfALongNameIsNoticed)
+{
+    for (const char* below : {"", "\\a"})
+    {
+        files.CreateFolder(Path("long name of a folder"));
+        const std::string name = *below ? "long name of a folder" : "long name of a file";
+        Put(name + below, "first");
+        char path[MAX_PATH];
+        ASSERT_NE(GetShortPathNameA(Path(name).c_str(), path, sizeof path), 0u);
+        ASSERT_NE(arc::FileNameOf(path), name);
+        RawZip zip;
+        zip.entries.emplace_back();
+        zip.entries[0].name = std::string(arc::FileNameOf(path)) + below;
+        Put("x.kaz", zip.Build());
+        CUnzipper unzipper(files);
+        EXPECT_TRUE(unzipper.OpenZip(Path("x.kaz")));
+        EXPECT_FALSE(unzipper.UnzipAll(folder));
+        EXPECT_EQ(Get(name + below), "first");
+    }
 }
 
 TEST_F(ArchiveWindowsFiles, DevicesAreNoFiles)

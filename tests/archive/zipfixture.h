@@ -58,8 +58,18 @@ protected:
         return GetParam() == 1;
     }
 
+    // Goes on, and keeps what it is told.
+    CZipper::Progress Noting()
+    {
+        return [this](int percent, const std::string&) {
+            percents.push_back(percent);
+            return true;
+        };
+    }
+
     MemoryFileSystem files;
     arc::Parallel parallel;
+    std::vector<int> percents;
     int startable = 1'000'000; // threads
     std::atomic<int> running = 0;
 };

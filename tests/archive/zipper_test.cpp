@@ -26,6 +26,16 @@ protected:
         return names;
     }
 
+    // What the zip holds when something was added to it, or to a new one.
+    std::vector<std::string> NamesBehind(const std::function<bool()>& add, bool append = false,
+                                         const std::string& root = {})
+    {
+        EXPECT_TRUE(zipper.OpenZip("C:\\w\\x.zip", root, append));
+        EXPECT_TRUE(add());
+        EXPECT_TRUE(zipper.CloseZip());
+        return Names();
+    }
+
     MemoryFileSystem files;
     CZipper zipper{files};
 };
@@ -93,45 +103,29 @@ TEST_F(ArchiveZipper, FoldersAreStoredBeforeWhatTheyHold)
     files.Put("C:\\w\\f\\link\\c.txt", "c");
     files.SetAttributes("C:\\w\\f\\link", attribute::Folder | attribute::Reparse);
 
-    ASSERT_TRUE(zipper.OpenZip("C:\\w\\x.zip"));
-    EXPECT_TRUE(zipper.AddFolderToZip("C:\\w\\f"));
+    const auto add = [&] { return zipper.AddFolderToZip("C:\\w\\f"); };
+    EXPECT_THAT(NamesBehind(add), ElementsAre("f\\", "f\\a.txt", "f\\empty\\", "f\\g\\", "f\\g\\b.txt"));
     EXPECT_EQ(zipper.FoldersAdded(), 3u);
-    EXPECT_FALSE(zipper.AddFolderToZip("C:\\other"));
-    ASSERT_TRUE(zipper.CloseZip());
-    EXPECT_THAT(Names(), ElementsAre("f\\", "f\\a.txt", "f\\empty\\", "f\\g\\", "f\\g\\b.txt"));
     EXPECT_EQ(Entries()[0].attributes, attribute::Folder);
     EXPECT_EQ(Entries()[2].packedSize, 0u);
-
-    ASSERT_TRUE(zipper.OpenZip("C:\\w\\x.zip"));
-    EXPECT_TRUE(zipper.AddFolderToZip("C:\\w\\f\\", true));
-    ASSERT_TRUE(zipper.CloseZip());
-    EXPECT_THAT(Names(), ElementsAre("f\\", "a.txt", "empty\\", "g\\", "b.txt"));
-
-    ASSERT_TRUE(zipper.OpenZip("C:\\x.zip", "C:\\w\\f"));
-    EXPECT_TRUE(zipper.AddFolderToZip("C:\\w\\f"));
-    ASSERT_TRUE(zipper.CloseZip());
-    EXPECT_THAT(Names("C:\\x.zip"), ElementsAre("a.txt", "empty\\", "g\\", "g\\b.txt"));
+    EXPECT_THAT(NamesBehind(add, false, "C:\\w\\f"), ElementsAre("a.txt", "empty\\", "g\\", "g\\b.txt"));
+    EXPECT_THAT(NamesBehind([&] {
+                    return !zipper.AddFolderToZip("C:\\other") && zipper.AddFolderToZip("C:\\w\\f\\", true);
+                }),
+                ElementsAre("f\\", "a.txt", "empty\\", "g\\", "b.txt"));
 }
 
 TEST_F(ArchiveZipper, AppendsOnlyToASoundZip)
 {
     files.Put("C:\\w\\a.pf", "a");
     files.Put("C:\\w\\b.pf", "b");
-    ASSERT_TRUE(zipper.OpenZip("C:\\w\\x.zip", "", true)); // not there: created
-    EXPECT_TRUE(zipper.AddFileToZip("C:\\w\\a.pf"));
-    ASSERT_TRUE(zipper.CloseZip());
-    ASSERT_TRUE(zipper.OpenZip("C:\\w\\x.zip", "", true));
-    EXPECT_TRUE(zipper.AddFileToZip("C:\\w\\b.pf"));
-    ASSERT_TRUE(zipper.CloseZip());
-    EXPECT_THAT(Names(), ElementsAre("a.pf", "b.pf"));
-    ASSERT_TRUE(zipper.OpenZip("C:\\w\\x.zip"));
-    ASSERT_TRUE(zipper.CloseZip());
+    const auto addA = [&] { return zipper.AddFileToZip("C:\\w\\a.pf"); };
+    const auto addB = [&] { return zipper.AddFileToZip("C:\\w\\b.pf"); };
+    EXPECT_THAT(NamesBehind(addA, true), ElementsAre("a.pf")); // not there: created
+    EXPECT_THAT(NamesBehind(addB, true), ElementsAre("a.pf", "b.pf"));
+    EXPECT_THAT(NamesBehind([] { return true; }), ElementsAre());
     EXPECT_EQ(files.Bytes("C:\\w\\x.zip").size(), 22u);
-    ASSERT_TRUE(zipper.OpenZip("C:\\w\\x.zip", "", true)); // behind the contents of an empty one
-    EXPECT_TRUE(zipper.AddFileToZip("C:\\w\\b.pf"));
-    ASSERT_TRUE(zipper.CloseZip());
-    EXPECT_THAT(Names(), ElementsAre("b.pf"));
-
+    EXPECT_THAT(NamesBehind(addB, true), ElementsAre("b.pf")); // behind the contents of an empty one
     for (const std::string& bytes : {std::string(), std::string(100, '\0'), std::string("a letter")})
     {
         files.Put("C:\\w\\letter.zip", bytes);
@@ -142,12 +136,11 @@ TEST_F(ArchiveZipper, AppendsOnlyToASoundZip)
 
 TEST_F(ArchiveZipper, PatternsMayHavePathsAndMatchNothing)
 {
-    for (const char* name : {"A1.PF", "B.PF"})
-        files.Put(std::string("C:\\work\\") + name, name);
-    ASSERT_TRUE(zipper.OpenZip("C:\\x.zip", "C:\\work"));
-    EXPECT_TRUE(zipper.AddPatternList("\"C:\\work\\B*\" C:\\work\\none.*"));
-    ASSERT_TRUE(zipper.CloseZip());
-    EXPECT_THAT(Names("C:\\x.zip"), ElementsAre("B.PF"));
+    files.Put("C:\\work\\A1.PF", "a");
+    files.Put("C:\\work\\B.PF", "b");
+    EXPECT_THAT(NamesBehind([&] { return zipper.AddPatternList("\"C:\\work\\B*\" C:\\work\\none.*"); }, false,
+                            "C:\\work"),
+                ElementsAre("B.PF"));
 }
 
 TEST_F(ArchiveZipper, OpenFailsWhereNothingCanBeWritten)

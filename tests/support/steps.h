@@ -4,6 +4,9 @@
 
 #include <windows.h>
 
+#include <functional>
+#include <string>
+
 namespace veltest
 {
 
@@ -21,5 +24,31 @@ inline void EndAtStep(int nth)
             TerminateProcess(GetCurrentProcess(), ENDED_AT_STEP);
     });
 }
+
+// As long as it lives: calls back whenever the named step is reached, on the thread that reaches it. One at a
+// time.
+class AtStep
+{
+public:
+    AtStep(const char* step, std::function<void()> call)
+    {
+        s_step = step;
+        s_call = std::move(call);
+        dbObserveSteps([](const char* reached) {
+            if (s_step == reached)
+                s_call();
+        });
+    }
+    ~AtStep()
+    {
+        dbObserveSteps(nullptr);
+    }
+    AtStep(const AtStep&) = delete;
+    AtStep& operator=(const AtStep&) = delete;
+
+private:
+    static inline std::string s_step;
+    static inline std::function<void()> s_call;
+};
 
 } // namespace veltest
