@@ -128,9 +128,14 @@ protected:
         g_pszStep = "";
     }
 
-    // How long a load takes when nobody listens, from OK to the end of the dialog.
+    // How long a load takes when nobody listens, from OK to the end of the dialog. Where the time goes is
+    // told beside it.
     void TimeLoad()
     {
+        static std::vector<std::pair<std::string, Clock::time_point>>
+            s_steps; // each waits for the one before
+        s_steps.clear();
+        dbObserveSteps([](const char* pszStep) { s_steps.emplace_back(pszStep, Clock::now()); });
         Clock::time_point begun;
         const auto play = [&](DialogScript& script) {
             script.SetPatience(600'000);
@@ -141,6 +146,12 @@ protected:
         EXPECT_EQ(Run(ARCHIVE_OP_LOAD, {}, Given(ARCHIVE_OP_LOAD), play), IDOK);
         const std::chrono::duration<double> time = Clock::now() - begun;
         std::printf("practice_load %.6f 0\n", time.count());
+        for (const auto& [step, reached] : s_steps)
+        {
+            if (step.starts_with("load."))
+                std::fprintf(stderr, "%s %.3f s\n", step.c_str(),
+                             std::chrono::duration<double>(reached - begun).count());
+        }
         EXPECT_TRUE(IsStored("A1"));
     }
 
@@ -160,7 +171,8 @@ TEST_F(SilenceBench, SaveLoadMerge)
     const std::size_t nMegabytes = pszMegabytes != nullptr ? std::strtoull(pszMegabytes, nullptr, 10) : 200;
     StorePatient("A1", Timepoints, (nMegabytes << 20) / (Timepoints * FilesEach));
     Fill();
-    dbObserveSteps([](const char* pszStep) { g_pszStep = pszStep; });
+    const auto observe = [] { dbObserveSteps([](const char* pszStep) { g_pszStep = pszStep; }); };
+    observe();
     Measure("save", ARCHIVE_OP_SAVE, {"A1"});
     if (const char* const pszArchive = std::getenv("BENCH_ARCHIVE"))
         std::filesystem::copy_file(Archive("A1"), pszArchive);
@@ -168,6 +180,7 @@ TEST_F(SilenceBench, SaveLoadMerge)
     Measure("load", ARCHIVE_OP_LOAD, {});
     m_patients.DeletePatient("A1");
     TimeLoad();
+    observe();
     m_patients.DeletePatient("A1");
     StorePatient("A1", 1, 10);
     Measure("merge", ARCHIVE_OP_MERGE, {"A1"});

@@ -138,6 +138,7 @@ TEST(FileCopies, AreNewEqualAndAllOrNone)
         EXPECT_TRUE(copied || failed);
         EXPECT_EQ(files.Tree("C:\\to").size(), copied ? 3u : 0u) << fault;
     }
+    files.FailFrom(0);
     EXPECT_TRUE(arc::SameContents(files, "C:\\from\\a", "C:\\to\\a"));
     EXPECT_EQ(files.Find("C:\\to\\b")->written.year, 2001);
     EXPECT_TRUE(files.Find("C:\\to\\a")->onMedium && files.Find("C:\\to\\b")->onMedium);
