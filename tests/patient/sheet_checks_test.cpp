@@ -177,6 +177,7 @@ TEST_F(SheetChecksTest, AnEntryThatIsNotInTheListIsNotLost)
                 EXPECT_EQ(list.Send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED), nSelected);
             };
             const std::string first = list.Rows()[0][2]; // note or number
+            EXPECT_NE(list.Send(LVM_GETEXTENDEDLISTVIEWSTYLE) & LVS_EX_FULLROWSELECT, 0);
             sheet.SettleIdle();
             for (const int nButton : {IDC_ROWS_ADD, IDC_ROWS_CHANGE, IDC_ROWS_REMOVE})
                 EXPECT_FALSE(sheet.Item(nButton).IsEnabled()) << nButton;

@@ -181,7 +181,7 @@ TEST_F(SheetDetailsTest, TheDoctorEditorFeedsBothLists)
     ExpectStored("A1", expected);
 }
 
-TEST_F(SheetDetailsTest, TheDoctorEditorRefusesWhatIsIncompleteOrChangedElsewhere)
+TEST_F(SheetDetailsTest, TheDoctorEditorRefusesWhatIsIncompleteChangedElsewhereOrGone)
 {
     InDoctorEditor([&](DialogScript& script, const Dialog& editor) {
         veltest::ExpectWellMade(editor, "edit-doctor");
@@ -195,9 +195,8 @@ TEST_F(SheetDetailsTest, TheDoctorEditorRefusesWhatIsIncompleteOrChangedElsewher
         } cases[] = {
             {IDC_DOCTOR_LASTNAME, "", "Please enter the doctor's family name.", IDC_DOCTOR_LASTNAME,
              "Sorell"},
-            {IDC_DOCTOR_PHONE2, "555 0100", "Please select a type for phone 2", IDC_DOCTOR_PHONETYPE2, ""},
-            {IDC_DOCTOR_EMAIL, "ida", invalidEmail, IDC_DOCTOR_EMAIL, ""},
-        };
+            {IDC_DOCTOR_PHONE2, "555", "Please select a type for phone 2", IDC_DOCTOR_PHONETYPE2, ""},
+            {IDC_DOCTOR_EMAIL, "ida", invalidEmail, IDC_DOCTOR_EMAIL, ""}};
         for (const auto& c : cases)
         {
             editor.Item(c.nField).Replace(c.pszText);
@@ -211,6 +210,15 @@ TEST_F(SheetDetailsTest, TheDoctorEditorRefusesWhatIsIncompleteOrChangedElsewher
         ExpectRefused(script, editor, notSaved);
         EXPECT_EQ(editor.Item(IDC_DOCTOR_LASTNAME).Text(), "Sorell");
         editor.Press(IDCANCEL);
+    });
+    OnDetails(IDCANCEL, [&](DialogScript& script, const Dialog& sheet) {
+        sheet.Item(IDC_DETAIL_TREATING).Choose("Bell, Grace");
+        dbCDoctor removed;
+        removed.Load(m_strGrace);
+        removed.Delete();
+        ExpectRefused(script, sheet,
+                      "The doctor could not be read. It may have been removed on another computer.", 0,
+                      IDC_DETAIL_EDIT_TREATING);
     });
 }
 
