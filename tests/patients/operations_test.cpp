@@ -108,6 +108,10 @@ TEST_P(Operation, EndedAtAnyStepLeavesBeforeOrAfter)
         database.practice.Set("Environment", "WORKING", folder + "working\\");
         dbCPatients::Open((folder + "patients.db").c_str());
         const PracticeState state = StateOf(folder + "working");
+        EXPECT_EQ(veltest::RunSql(folder + "patients.db", "SELECT count(*) FROM fileWork UNION ALL"
+                                                          " SELECT count(*) FROM patientFileWork"),
+                  (std::vector<std::string>{"0", "0"}))
+            << step << ": nothing is left to do";
         nBefore += state == before;
         nAfter += state == after;
         EXPECT_TRUE(state == before || state == after) << step << ":\n"
