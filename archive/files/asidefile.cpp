@@ -38,7 +38,6 @@ void AsideFile::Discard()
 {
     if (!m_aside.empty())
     {
-        m_files.SetAttributes(m_aside, attribute::Normal);
         m_files.RemoveFile(m_aside);
         m_aside.clear();
     }

@@ -288,6 +288,7 @@ TEST_F(DisketteVolumesTest, AForeignDiskIsErasedOnlyWhenTheUserSaysSo)
     EXPECT_TRUE(files.Exists("A:\\holiday.jpg"));
 
     PutInWhatIsAskedFor();
+    files.Clear("A:\\"); // a blank first one is not asked about
     disks[2] = {{"A:\\holiday.jpg", "picture"}};
     EXPECT_CALL(prompts, UseAnyway(IDS_ARC_DISK_NOT_PATIENT)).WillOnce(Return(false)).RetiresOnSaturation();
     EXPECT_EQ(Write(true), arc::VolumeStatus::Cancelled);
