@@ -79,11 +79,12 @@ cloud::MessagePage PageOf(CVelXML& xml, LPCTSTR pszReply)
 int CVelXML::ShowServerMessage(LPCTSTR pszReply)
 {
     const cloud::MessagePage page = PageOf(*this, pszReply);
+    const int nResult = page.stop ? -1 : 0;
     const HtmlDialog dialog;
     if (!dialog.IsThere())
     {
         AfxMessageBox(AFX_IDP_FAILED_TO_CREATE_DIALOG);
-        return page.stop ? -1 : 0;
+        return nResult;
     }
     std::array<char, MAX_PATH> path{};
     ::GetModuleFileName(AfxGetInstanceHandle(), path.data(), static_cast<DWORD>(path.size()));
@@ -97,5 +98,5 @@ int CVelXML::ShowServerMessage(LPCTSTR pszReply)
         strCaption.LoadString(IDS_CLD_CAPTION);
         ::MessageBox(::GetActiveWindow(), strText, strCaption, MB_OK | MB_ICONSTOP);
     }
-    return page.stop ? -1 : 0;
+    return nResult;
 }

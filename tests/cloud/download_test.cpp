@@ -49,6 +49,7 @@ std::string Row(const Dialog& list, std::size_t nRow)
 
 TEST_F(Exchange, ListsRecordsWithOwnerAndTime)
 {
+    m_practice.Set("Defaults", "Download3D", "1");
     EXPECT_EQ(RunList([&](DialogScript& script) {
                   const Dialog list = script.WaitForDialog("Get Patient From Internet");
                   EXPECT_EQ(Row(list, 0), "41|Lee,  Zo\xeb|Ames,  Anna|2021-01-02 03:04:05|A1|");
@@ -74,7 +75,7 @@ TEST_F(Exchange, ListsRecordsWithOwnerAndTime)
                   list.Press(IDCANCEL);
               }),
               IDCANCEL);
-    EXPECT_EQ(m_practice.Get("Defaults", "DownloadOther") + m_practice.Get("Defaults", "Download3D"), "10");
+    EXPECT_EQ(m_practice.Get("Defaults", "DownloadOther") + m_practice.Get("Defaults", "Download3D"), "11");
     EXPECT_THAT(Commands(), ElementsAre("login", "getdownloadable", "logout"));
     EXPECT_STREQ(m_credentials.GetUser(), "anna");
     const CFRVLogin notice(nullptr);

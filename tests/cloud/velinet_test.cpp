@@ -172,6 +172,7 @@ TEST_F(VelInet, TellsFailuresAndGoesOn)
         veltest::RunModal([&] { return inet.AddToQueue("x"); },
                           [](DialogScript& script) { script.AnswerBox("Error on Login: %d\n", IDYES); }),
         0);
+    EXPECT_STREQ(inet.GetResponse(), "");
 }
 
 TEST_F(VelInet, AServerThatNeverAnswersIsGivenUp)
