@@ -157,7 +157,7 @@ TEST(FlexDialogTest, RemembersItsSizeOnlyWhenAsked)
     const veltest::TemporaryPractice practice;
     for (const bool remembers : {false, true})
     {
-        CSize sizes[2];
+        CSize sizes[2] = {{0, 0}, {0, 0}};
         for (CSize& size : sizes)
         {
             FlexDialog dialog(remembers);

@@ -57,7 +57,7 @@ TEST(HostCommandLine, IsReadOrRefusedWhole)
     {
         std::vector<std::string> arguments;
         std::string error; // empty: taken
-        std::string practice = "";
+        std::string practice = {};
         int patients = 0;
     };
     const Case cases[] = {
