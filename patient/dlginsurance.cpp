@@ -22,20 +22,19 @@ void patCDlgInsurance::DoDataExchange(CDataExchange* pDX)
 {
     patCListPage::DoDataExchange(pDX);
     DDX_Control(pDX, IDC_INSURE_COMPANY, m_listCompany);
-    DDX_CBString(pDX, IDC_INSURE_COMPANY, m_strCompany);
-    DDV_MaxChars(pDX, m_strCompany, pat::MaxInsuranceCompany);
+    DDX_Text(pDX, IDC_INSURE_COMPANY, m_strCompany);
+    ValidateText(pDX, m_strCompany, pat::MaxInsuranceCompany, m_entry.strCompany);
     DDX_Text(pDX, IDC_INSURE_HOLDER, m_strHolder);
-    DDV_MaxChars(pDX, m_strHolder, pat::MaxPolicyHolder);
+    ValidateText(pDX, m_strHolder, pat::MaxPolicyHolder, m_entry.strHolder);
     DDX_Text(pDX, IDC_INSURE_NUMBER, m_strNumber);
-    DDV_MaxChars(pDX, m_strNumber, pat::MaxPolicyNumber);
+    ValidateText(pDX, m_strNumber, pat::MaxPolicyNumber, m_entry.strNumber);
     DDX_Text(pDX, IDC_INSURE_GROUP, m_strGroup);
-    DDV_MaxChars(pDX, m_strGroup, pat::MaxPolicyGroup);
+    ValidateText(pDX, m_strGroup, pat::MaxPolicyGroup, m_entry.strGroup);
 }
 
 BOOL patCDlgInsurance::OnInitDialog()
 {
     patCListPage::OnInitDialog();
-    m_listCompany.LimitText(pat::MaxInsuranceCompany);
     velGuard(0, IDS_PATIENT_LIST_FAILED, [&]() -> INT_PTR { return FillCompanies(), 0; });
     if (m_sheet.LoadPatient())
         LoadInsurances(m_sheet.GetPatient().GetInsurances());
@@ -104,7 +103,6 @@ void patCDlgInsurance::ShowEntry(int nRow)
     m_strHolder = insurance.strHolder.c_str();
     m_strNumber = insurance.strNumber.c_str();
     m_strGroup = insurance.strGroup.c_str();
-    m_listCompany.SetCurSel(-1); // else the exchange would complete the text from a longer entry
     UpdateData(FALSE);
     m_entry = GetEntry();
 }

@@ -22,7 +22,7 @@ void patCDlgRefer::DoDataExchange(CDataExchange* pDX)
     DDX_Control(pDX, IDC_REFER_DOCTOR, m_listDoctor);
     DDX_Control(pDX, IDC_REFER_DATE, m_dateEntry);
     DDX_Text(pDX, IDC_REFER_NOTE, m_strNote);
-    DDV_MaxChars(pDX, m_strNote, pat::MaxReferralNote);
+    ValidateText(pDX, m_strNote, pat::MaxReferralNote, m_entry.strNote);
 }
 
 BOOL patCDlgRefer::OnInitDialog()

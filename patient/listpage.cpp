@@ -34,6 +34,13 @@ void patCListPage::DoDataExchange(CDataExchange* pDX)
     DDX_Control(pDX, IDC_ROWS_LIST, m_listRows);
 }
 
+void patCListPage::ValidateText(CDataExchange* pDX, const CString& strText, int nLimit,
+                                const std::string& strFilled)
+{
+    if (!pDX->m_bSaveAndValidate || strText != strFilled.c_str())
+        DDV_MaxChars(pDX, strText, nLimit);
+}
+
 void patCListPage::SetUpList(std::span<const COLUMN> columns)
 {
     m_listRows.SetExtendedStyle(LVS_EX_FULLROWSELECT);

@@ -7,6 +7,7 @@
 #include <afxcmn.h>
 
 #include <span>
+#include <string>
 #include <vector>
 
 /// What the referral and the insurance page are: the user fills the fields and adds them to the list; a row
@@ -54,6 +55,9 @@ protected:
     void SelectShownRow(int nRow);
 
     void DoDataExchange(CDataExchange* pDX) override;
+    /// DDV_MaxChars, but a text that the fields were filled with may be longer.
+    static void ValidateText(CDataExchange* pDX, const CString& strText, int nLimit,
+                             const std::string& strFilled);
     bool CheckOnLeaving() override
     {
         return true;

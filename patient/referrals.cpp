@@ -2,7 +2,24 @@
 
 #include "patient/daynumber.h"
 #include "patient/rules/detailrules.h"
+#include "suite/patients/records/dbdoctors.h"
 #include "suite/patients/records/dbpatient.h"
+
+namespace
+{
+
+std::string DoctorNameOf(const dbCPatientReferralsRow& row)
+{
+    std::string strName =
+        pat::DoctorName(row.Get_docLastname().GetString(), row.Get_docFirstname().GetString());
+    dbCDoctor doctor;
+    if (strName.empty() && doctor.Load(row.Get_docID()))
+        strName = pat::DoctorName(doctor.GetPerson().GetLastname().GetString(),
+                                  doctor.GetPerson().GetFirstname().GetString());
+    return strName;
+}
+
+} // namespace
 
 void patCReferrals::Load(const dbCPatient& patient)
 {
@@ -12,15 +29,14 @@ void patCReferrals::Load(const dbCPatient& patient)
         m_source.LoadWithDoctor(patient.GetGUID());
     else
         m_source = patient.GetReferrals();
+    std::vector<pat::Referral> rows;
     for (int nRow = 0; nRow < m_source.GetCount(); ++nRow)
     {
         const dbCPatientReferralsRow& row = m_source[nRow];
-        m_loaded.push_back(
-            {nRow, row.Get_docID().GetString(),
-             pat::DoctorName(row.Get_docLastname().GetString(), row.Get_docFirstname().GetString()),
-             pat::DayNumber(row.Get_date()), row.Get_note().GetString()});
+        rows.push_back({nRow, row.Get_docID().GetString(), DoctorNameOf(row), pat::DayNumber(row.Get_date()),
+                        row.Get_note().GetString()});
     }
-    m_rows = m_loaded;
+    m_rows = m_loaded = std::move(rows);
     m_bLoaded = true;
 }
 
@@ -29,6 +45,8 @@ void patCReferrals::Set(int nRow, pat::Referral referral)
     if (nRow == static_cast<int>(m_rows.size()))
         m_rows.emplace_back();
     pat::Referral& row = m_rows[static_cast<std::size_t>(nRow)];
+    if (nRow == 0 && referral.strDoctorID != row.strDoctorID)
+        m_replaced.reset();
     referral.nOrigin = row.nOrigin;
     row = std::move(referral);
 }
@@ -36,6 +54,8 @@ void patCReferrals::Set(int nRow, pat::Referral referral)
 void patCReferrals::Erase(int nRow)
 {
     m_rows.erase(m_rows.begin() + nRow);
+    if (nRow == 0)
+        m_replaced.reset();
 }
 
 void patCReferrals::SetFirstDoctor(const std::string& strDoctorID, const std::string& strDoctor)
@@ -45,14 +65,16 @@ void patCReferrals::SetFirstDoctor(const std::string& strDoctorID, const std::st
     pat::Referral& first = m_rows.front();
     if (!strDoctorID.empty())
     {
+        if (!m_replaced)
+            m_replaced = first;
         first.strDoctorID = strDoctorID;
         first.strDoctor = strDoctor;
     }
-    else if (first.nOrigin >= 0)
+    else if (m_replaced)
     {
-        const pat::Referral& loaded = m_loaded[static_cast<std::size_t>(first.nOrigin)];
-        first.strDoctorID = loaded.strDoctorID;
-        first.strDoctor = loaded.strDoctor;
+        first.strDoctorID = m_replaced->strDoctorID;
+        first.strDoctor = m_replaced->strDoctor;
+        m_replaced.reset();
     }
 }
 

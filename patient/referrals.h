@@ -4,6 +4,7 @@
 #include "patient/rules/referralrules.h"
 #include "suite/patients/records/dbreferrals.h"
 
+#include <optional>
 #include <vector>
 
 class dbCPatient;
@@ -14,8 +15,9 @@ class dbCPatient;
 class patCReferrals
 {
 public:
-    /// Reads the rows of a stored patient, or takes those of a record that is not stored, and does nothing
-    /// the second time. Throws dbCException*; there are then no rows, and nothing is written.
+    /// Reads the rows of a stored patient, or takes those of a record that is not stored and looks up the
+    /// doctors that it names by their ids alone; does nothing the second time. Throws dbCException*; there
+    /// are then no rows, and nothing is written.
     void Load(const dbCPatient& patient);
     bool IsLoaded() const
     {
@@ -35,7 +37,8 @@ public:
     void Set(int nRow, pat::Referral referral);
     void Erase(int nRow);
 
-    /// Gives the first row another doctor; an empty id gives it back the one that it came with.
+    /// Gives the first row another doctor; an empty id gives it back the one that it had before the first
+    /// such change.
     void SetFirstDoctor(const std::string& strDoctorID, const std::string& strDoctor);
 
     /// Writes the rows into the record if they are changed.
@@ -44,6 +47,7 @@ public:
 private:
     bool m_bLoaded = false;
     std::vector<pat::Referral> m_rows;
-    std::vector<pat::Referral> m_loaded;   ///< m_rows as they came
-    dbCPatientReferralsContainer m_source; ///< whole, row for row of m_loaded
+    std::vector<pat::Referral> m_loaded;     ///< m_rows as they came
+    dbCPatientReferralsContainer m_source;   ///< whole, row for row of m_loaded
+    std::optional<pat::Referral> m_replaced; ///< the first row before SetFirstDoctor changed its doctor
 };

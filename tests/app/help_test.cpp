@@ -6,6 +6,9 @@
 #include "patient/detailsres.h"
 #include "patient/patientres.h"
 #include "suite/patients/records/dbkeywords.h"
+#include "suite/patients/records/veltrixlogin.h"
+#include "suite/patients/store/dbexception.h"
+#include "suite/patients/store/dbsteps.h"
 #include "tests/support/dialogscript.h"
 #include "tests/support/temporarypractice.h"
 
@@ -41,13 +44,16 @@ public:
     HWND Call(HWND hOwner, LPCTSTR pszFile, UINT nCommand, DWORD_PTR dwData) override
     {
         const bool asks = nCommand == getWindow;
+        if (const auto action = std::exchange(meanwhile, nullptr))
+            action();
         calls.push_back(
             {hOwner, pszFile, nCommand, asks ? 0 : dwData, asks ? reinterpret_cast<LPCSTR>(dwData) : ""});
         return asks ? window : nullptr;
     }
 
-    std::vector<Question> calls; // oldest first
-    HWND window = nullptr;       // what the viewer claims to have opened
+    std::vector<Question> calls;     // oldest first
+    HWND window = nullptr;           // what the viewer claims to have opened
+    std::function<void()> meanwhile; // once
 };
 
 /// The application object of the loaded module.
@@ -85,6 +91,13 @@ protected:
         };
         veltest::RunDialog([] { return EditKeywords(nullptr, INI_LIST_PATIENT); }, "Edit Keywords", play);
         return window;
+    }
+
+    static void FillNames(const Dialog& sheet)
+    {
+        sheet.Item(IDC_CHART_ID).SetText("A1");
+        sheet.Item(IDC_CHART_FIRSTNAME).SetText("Ann");
+        sheet.Item(IDC_CHART_LASTNAME).SetText("Lee");
     }
 
     /// Expects F1 and a button to show a topic.
@@ -143,9 +156,7 @@ TEST_F(Help, EveryPageAndDialogHasItsTopic)
     dbCPatients patients;
     CString text;
     const auto play = [&](DialogScript& script, const Dialog& sheet) {
-        sheet.Item(IDC_CHART_ID).SetText("A1");
-        sheet.Item(IDC_CHART_FIRSTNAME).SetText("Ann");
-        sheet.Item(IDC_CHART_LASTNAME).SetText("Lee");
+        FillNames(sheet);
         const std::pair<int, DWORD_PTR> topics[] = {{IDC_CHART_STREET, 140433},
                                                     {IDC_DETAIL_TITLE, 140434},
                                                     {IDC_GUARD_NOTES, 140438},
@@ -183,6 +194,64 @@ TEST_F(Help, EveryPageAndDialogHasItsTopic)
     for (const auto& [title, topic, run] : dialogs)
         veltest::RunDialog(run, title, [&, shown = topic](DialogScript&, const Dialog& dialog) {
             ExpectTopic(dialog, shown);
+            dialog.Press(IDCANCEL);
+        });
+}
+
+/// A sheet whose patient is stored has done what it was opened for, whatever happens to its window then.
+TEST_F(Help, AFailureOnceThePatientIsStoredLeavesTheResultOK)
+{
+    static HWND opened;
+    m_viewer.meanwhile = [] { dbCException::Throw(dbErrIO, "the manual is torn"); };
+    dbObserveSteps([](const char* step) {
+        if (std::string(step) == "patientFile.done")
+            SendMessageA(opened, WM_COMMAND, IDC_SHEET_HELP, 0);
+    });
+    dbCPatients patients;
+    CString guid;
+    const auto play = [&](DialogScript& script, const Dialog& sheet) {
+        opened = sheet.Handle();
+        FillNames(sheet);
+        sheet.Press(IDOK);
+        EXPECT_TRUE(script.AnswerBox("", IDOK).starts_with(
+            "An error occurred while the window was being closed. What you confirmed in it has been carried "
+            "out.\n\n"));
+    };
+    const auto result = veltest::RunDialog([&] { return NewPatientDlg(nullptr, &patients, guid); },
+                                           "Patient Information", play);
+    dbObserveSteps(nullptr);
+    EXPECT_EQ(result, IDOK);
+    dbCPatient patient;
+    EXPECT_TRUE(patient.Load("A1"));
+    EXPECT_EQ(guid, patient.GetGUID());
+    dbTList<dbSAuditEvent> events;
+    EXPECT_EQ(CVeltrixLogin::LoadEvents(events, 2), 1);
+}
+
+/// The practice management of the dialog below is not the sheet's.
+TEST_F(Help, ASheetOverAnotherDialogAsksForNoBillingParty)
+{
+    dbCPatients patients;
+    dbCPatient patient;
+    CString guid;
+    __int64 result = 0;
+    m_viewer.meanwhile = [&] {
+        EXPECT_EQ(NewPatientDlg(nullptr, &patients, guid), IDOK);
+        patient.Load("A1");
+        EXPECT_EQ(ChangePatientDlg(nullptr, &patients, &patient), IDOK);
+    };
+    veltest::RunDialog(
+        [&] { NewTimepointDlg(nullptr, 1, nullptr, result); }, "New Timepoint",
+        [](DialogScript& script, const Dialog& dialog) {
+            dialog.PressF1();
+            for (const char* title : {"Patient Information", "Patient Information - Ann Lee ID: A1"})
+            {
+                const Dialog sheet = script.WaitForDialog(title);
+                FillNames(sheet);
+                sheet.Press(IDOK);
+                sheet.WaitForClosed();
+            }
+            script.Settle(dialog.Handle());
             dialog.Press(IDCANCEL);
         });
 }

@@ -160,10 +160,10 @@ TEST_F(DeleteDialog, AnOpenBalanceKeepsThePatientUnderPracticeManagementOnly)
     EXPECT_EQ(Run(&m_patient, -1, 1, agree), Answer(IDOK, DELETE_PATIENT));
 }
 
-TEST_F(DeleteDialog, AVanishedDatabaseIsToldAndNothingIsAgreedTo)
+TEST_F(DeleteDialog, ADatabaseThatCannotBeReadIsToldAndNothingIsAgreedTo)
 {
-    const auto vanish = [&](DialogScript& script, const Dialog& dialog) {
-        dbCPatients::Close();
+    const auto damage = [&](DialogScript& script, const Dialog& dialog) {
+        Sql("DROP TABLE timepoints; DROP TABLE balances");
         // A timepoint that cannot be looked up is asked for without a warning.
         EXPECT_THAT(Ask(script, dialog, IDNO), testing::StartsWith("Are you sure"));
         dialog.Press(IDC_DELETE_PATIENT);
@@ -171,7 +171,7 @@ TEST_F(DeleteDialog, AVanishedDatabaseIsToldAndNothingIsAgreedTo)
         ExpectRecordFailure(script, dialog);
         dialog.Press(IDCANCEL);
     };
-    EXPECT_EQ(Run(&m_patient, 0, 1, vanish), Answer(IDCANCEL, DELETE_PATIENT));
+    EXPECT_EQ(Run(&m_patient, 0, 1, damage), Answer(IDCANCEL, DELETE_PATIENT));
 }
 
 } // namespace

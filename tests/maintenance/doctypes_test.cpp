@@ -7,14 +7,9 @@ namespace
 class DoctorTypes : public PatientPractice
 {
 protected:
-    static std::vector<std::string> Stored()
+    std::vector<std::string> Stored() const
     {
-        dbCDoctorTypes types;
-        types.Load();
-        std::vector<std::string> names;
-        for (const CString& name : types)
-            names.emplace_back(name.GetString());
-        return names;
+        return Sql("SELECT name FROM doctorTypes ORDER BY nameKey");
     }
 
     // Runs the editor as the doctor editor opens it; returns the types that the doctor editor offers
@@ -45,7 +40,7 @@ protected:
 
 TEST_F(DoctorTypes, AreAddedRenamedAndDeletedAtOnce)
 {
-    const auto offered = Edit([](DialogScript& script, const Dialog& dialog) {
+    const auto offered = Edit([&](DialogScript& script, const Dialog& dialog) {
         const auto name = dialog.Item(IDC_DOCTYPE_NAME);
         const auto list = dialog.Item(IDC_DOCTYPE_LIST);
         const auto before = Stored();

@@ -202,7 +202,7 @@ TEST_F(NewTimepointDialog, KeepsTheListOfNames)
         script.AnswerBox("Delete the predefined name, \"Three\", from the list?", IDCANCEL);
         EXPECT_EQ(fake.names.size(), 3U);
         dialog.Press(IDC_NEWTP_DELETE);
-        script.AnswerBox("", IDOK);
+        script.AnswerBox("Delete the predefined name, \"Three\", from the list?", IDOK);
         script.Settle(dialog.Handle());
         EXPECT_THAT(fake.names, ElementsAre("One", "Two"));
         EXPECT_THAT(names.Items(), ElementsAre("One", "Two"));

@@ -245,7 +245,8 @@ TEST_F(RenameDialog, ANewTreatmentIsChosenAndKeptEvenAfterNo)
         veltest::ExpectWellMade(none, "choose-treatment", {.grows = true});
         none.Press(IDCANCEL);
         none.WaitForClosed();
-        EXPECT_EQ(Stored(), StoredWith({}, ""));
+        EXPECT_THAT(Sql("SELECT description FROM treatmentHistory UNION ALL SELECT name FROM timepoints"),
+                    testing::ElementsAre("Start", "Recall"));
         for (const int answer : {IDNO, IDYES})
         {
             dialog.Press(IDOK);

@@ -71,7 +71,7 @@ TEST_F(SheetChecksTest, TheChartPageIsCheckedOnOKAndOnLeaving)
         }
         // The birth date comes before the phone, and the library says what is wrong with it.
         sheet.Item(IDC_CHART_BIRTHDATE).SetDate(9000, 1, 1);
-        ExpectRefused(script, sheet, testing::Not(phone2), IDC_CHART_BIRTHDATE);
+        ExpectRefused(script, sheet, "The birth date must not lie in the future.", IDC_CHART_BIRTHDATE);
     });
     EXPECT_EQ(dbCPatients::GetChangeCounter(), nBefore);
 }
@@ -228,7 +228,11 @@ TEST_F(SheetChecksTest, RowsAreCheckedWhenTheyAreAdded)
             PressSettled(sheet, IDC_ROWS_ADD);
         }
         ExpectBox(script, sheet, " M\xDCLLER  is already listed with this policy number.");
-        EXPECT_EQ(sheet.Item(IDC_ROWS_LIST).Rows().size(), 1u);
+        sheet.Item(IDC_INSURE_COMPANY).SetText("Harbour");
+        PressSettled(sheet, IDC_ROWS_ADD);
+        EXPECT_EQ(sheet.Item(IDC_ROWS_LIST).Rows().size(), 2u);
+        sheet.Item(IDC_ROWS_LIST).SelectRow(1);
+        EXPECT_EQ(sheet.Item(IDC_INSURE_COMPANY).Text(), "Harbour") << "not Harbour Mutual";
     });
 }
 

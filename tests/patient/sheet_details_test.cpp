@@ -76,18 +76,18 @@ TEST_F(SheetDetailsTest, PlaceholdersMeanNoneButTakeNoReferralAway)
     doctor.SetPersonGUID(m_strGrace);
     patient.SetPersonInfo(dbPersonReferringDoctor, doctor);
     patient.Save();
+    const auto onReferralPage = [](const Dialog& sheet) {
+        sheet.SelectPage(pat::ReferralPage);
+        const auto rows = sheet.Item(IDC_ROWS_LIST).Rows();
+        sheet.SelectPage(pat::DetailPage);
+        return rows.size() == 1 ? rows[0][0] : std::string("not one row");
+    };
     OnDetails(IDOK, [&](DialogScript&, const Dialog& sheet) {
-        const auto onReferralPage = [&] {
-            sheet.SelectPage(pat::ReferralPage);
-            const auto rows = sheet.Item(IDC_ROWS_LIST).Rows();
-            sheet.SelectPage(pat::DetailPage);
-            return rows.size() == 1 ? rows[0][0] : std::string("not one row");
-        };
         EXPECT_EQ(sheet.Item(IDC_DETAIL_REFERRING).SelectedItem(), "Sorel, Ida"); // not the linked one
         sheet.Item(IDC_DETAIL_REFERRING).Choose("Bell, Grace");
-        EXPECT_EQ(onReferralPage(), "Bell, Grace");
+        EXPECT_EQ(onReferralPage(sheet), "Bell, Grace");
         sheet.Item(IDC_DETAIL_REFERRING).Choose(noReferring);
-        EXPECT_EQ(onReferralPage(), "Sorel, Ida") << "the row has its own doctor back";
+        EXPECT_EQ(onReferralPage(sheet), "Sorel, Ida") << "the row has its own doctor back";
         for (const int nList :
              {IDC_DETAIL_OFFICE, IDC_DETAIL_STATUS, IDC_DETAIL_TREATING, IDC_DETAIL_REFERRING})
             sheet.Item(nList).Choose(0);
@@ -95,6 +95,30 @@ TEST_F(SheetDetailsTest, PlaceholdersMeanNoneButTakeNoReferralAway)
     });
     expected["office"] = expected["status"] = expected["treating.doctor"] = "";
     ExpectStored("A1", expected);
+
+    // What the referral page has changed stays too, and so does a row that it has added.
+    AddDoctor("Abel", "Noor");
+    OnDetails(IDCANCEL, [&](DialogScript&, const Dialog& sheet) {
+        const Control referring = sheet.Item(IDC_DETAIL_REFERRING);
+        for (const auto& [pszDoctor, nButton] :
+             {std::pair("Abel, Noor", IDC_ROWS_CHANGE), std::pair("Sorel, Ida", IDC_ROWS_ADD)})
+        {
+            referring.Choose("Bell, Grace");
+            sheet.SelectPage(pat::ReferralPage);
+            sheet.Item(IDC_ROWS_LIST).SelectRow(0);
+            sheet.Item(IDC_REFER_DOCTOR).Choose(pszDoctor);
+            PressSettled(sheet, nButton);
+            if (nButton == IDC_ROWS_ADD)
+            {
+                sheet.Item(IDC_ROWS_LIST).SelectRow(0);
+                PressSettled(sheet, IDC_ROWS_REMOVE);
+            }
+            sheet.SelectPage(pat::DetailPage);
+            for (const char* pszChosen : {noReferring, "Bell, Grace", "Abel, Noor", noReferring})
+                referring.Choose(pszChosen);
+            EXPECT_EQ(onReferralPage(sheet), pszDoctor);
+        }
+    });
 }
 
 TEST_F(SheetDetailsTest, BothPagesShowTheSameReferringDoctor)
@@ -203,10 +227,7 @@ TEST_F(SheetDetailsTest, TheDoctorEditorRefusesWhatIsIncompleteChangedElsewhereO
             ExpectRefused(script, editor, c.pszTold, c.nFocus);
             editor.Item(c.nField).Replace(c.pszThen);
         }
-        dbCDoctor other;
-        ASSERT_TRUE(other.Load(m_strIda));
-        other.GetPerson().SetTitle("Prof.");
-        other.Save();
+        database.Execute("UPDATE doctors SET rowVersion = rowVersion + 100"); // as another user's change does
         ExpectRefused(script, editor, notSaved);
         EXPECT_EQ(editor.Item(IDC_DOCTOR_LASTNAME).Text(), "Sorell");
         editor.Press(IDCANCEL);

@@ -117,6 +117,7 @@ TEST_F(SheetFailureTest, ARecordThatIsHereAlreadySaysSo)
             "Nothing was saved.");
     });
     EXPECT_TRUE(m_patients.IsIDFree("A2"));
+    EXPECT_TRUE(data.GetID().IsEmpty() && data.GetLastname(0).IsEmpty());
 }
 
 // The caller's record takes part in what the caller does with the database around the sheet.
@@ -175,7 +176,7 @@ TEST_F(SheetFailureTest, ALostDatabaseIsReportedByThePagesThatNeedIt)
     database.practice.Set("Environment", "DatabaseTimeout", "1");
     New(IDCANCEL, [&](DialogScript& script, const Dialog& sheet) {
         FillNames(sheet, "A2");
-        dbCPatients::Close();
+        database.Execute("DROP TABLE doctors; DROP TABLE insuranceCompanies");
         for (const int nPage : {pat::DetailPage, pat::ReferralPage, pat::InsurancePage})
         {
             sheet.SelectPage(nPage);

@@ -70,7 +70,7 @@ const Field fields[] = {
     {pat::GuardianPage, IDC_GUARD_LASTNAME, By::Text, 50, "Moore", "1.lastName"},
     {pat::GuardianPage, IDC_GUARD_NICKNAME, By::Text, 30, "E.", "1.nickname"},
     {pat::GuardianPage, IDC_GUARD_BIRTHDATE, By::Date, 0, "1979-01-02", "1.birthDate"},
-    {pat::GuardianPage, IDC_GUARD_GENDER_SECOND, By::Press, 0, "", "1.gender", "2"},
+    {pat::GuardianPage, IDC_GUARD_GENDER_FIRST, By::Press, 0, "", "1.gender", "1"},
     {pat::GuardianPage, IDC_GUARD_ADDRESS_HOME, By::Press, 0, "", "1.address.0.type", "H"},
     {pat::GuardianPage, IDC_GUARD_COMPANY, By::Text, 50, "Moore Ltd", "1.address.0.company"},
     {pat::GuardianPage, IDC_GUARD_STREET, By::Text, 255, "Dock 4", "1.address.0.street"},
@@ -181,6 +181,13 @@ TEST_F(SheetFieldsTest, EveryPageOpenedAndOKChangesNothing)
     dbCPatient patient = StorePatient("A1");
     patient.GetAddresses()[0].SetType("");
     patient.GetReferrals().AddReferralDoc(AddDoctor("Abel", "Noor"), velCDate(1999, 1, 1), "before birth");
+    const std::string longest(300, 'n'); // longer than can be typed
+    patient.GetReferrals()[0].Set_note(longest.c_str());
+    dbCInsurance& insurance = patient.GetInsurances()[0];
+    insurance.SetCompanyGUID(dbCInsuranceCompanies::FindOrAdd(longest.c_str()));
+    insurance.SetHolder((longest + "H").c_str());
+    insurance.SetNumber((longest + "N").c_str());
+    insurance.SetGroup((longest + "G").c_str());
     dbCPerson treating;
     treating.SetPersonGUID(AddDoctor("Treating", "Not", FALSE));
     patient.SetPersonInfo(dbPersonTreatingDoctor, treating);
@@ -190,7 +197,11 @@ TEST_F(SheetFieldsTest, EveryPageOpenedAndOKChangesNothing)
     {
         Change(patient, nButton, [](DialogScript&, const Dialog& sheet) {
             for (int nPage = pat::PageCount - 1; nPage >= 0; --nPage)
+            {
                 sheet.SelectPage(nPage);
+                if (IsListPage(nPage))
+                    sheet.Item(IDC_ROWS_LIST).SelectRow(0);
+            }
             EXPECT_EQ(sheet.Item(IDC_CHART_RACE).SelectedItem(), "Other (8001)");
             EXPECT_EQ(sheet.Item(IDC_CHART_GENDER_IDENTITY).SelectedItem(), "Other (47)");
             EXPECT_TRUE(sheet.Item(IDC_CHART_GENDER_SECOND).IsChecked());
@@ -264,28 +275,43 @@ TEST_F(SheetFieldsTest, ANewPatientGetsWhatIsTyped)
 TEST_F(SheetFieldsTest, DataFillEveryPageAndArriveWhetherItIsOpenedOrNot)
 {
     database.practice.Set("Defaults", "Country", "Ruritania");
-    dbCPatient stored = MakePatient("A1");
-    stored.GetTimepoints().RemoveAll();
-    stored.Save();
+    const auto make = [&] {
+        dbCPatient patient = MakePatient("A1");
+        patient.GetTimepoints().RemoveAll();
+        dbCPerson referring;
+        referring.SetPersonGUID(m_strGrace);
+        patient.SetPersonInfo(dbPersonReferringDoctor, referring);
+        return patient;
+    };
+    const dbCPatient stored = Saved(make());
+    const std::vector<std::vector<std::string>> referrals{
+        {"Sorel, Ida", velCDate(2020, 5, 6).FormatDate().GetString(), "crowding"}};
     PatientImage before = database.ImageOf("A1"), expected = WithoutIdentity(before);
     expected["veltrixID"] = "";
     expected["0.gender"] = "2"; // a new patient gets the one that the page shows
     for (const char* const pszID : {"D00", "D01", "D10", "D11"}) // whether stored, whether opened
     {
         SCOPED_TRACE(pszID);
-        dbCPatient data = pszID[1] == '1' ? stored : MakePatient("A1");
+        dbCPatient data = pszID[1] == '1' ? stored : make();
         if (!data.IsValid())
-        {
             data.SetVeltrixID("");
-            data.GetTimepoints().RemoveAll();
-        }
         NewWithData(data, 0, [&](DialogScript& script, const Dialog& sheet) {
             EXPECT_EQ(sheet.Item(IDC_CHART_FIRSTNAME).Text(), "Ann");
             sheet.Item(IDC_CHART_ID).SetText(pszID);
-            for (int nPage = 0; pszID[2] == '1' && nPage < pat::PageCount; ++nPage)
-                sheet.SelectPage(nPage);
+            if (pszID[2] == '1')
+            {
+                sheet.SelectPage(pat::DetailPage);
+                EXPECT_EQ(sheet.Item(IDC_DETAIL_MODEL).Text(), "M-1234567");
+                sheet.SelectPage(pat::GuardianPage);
+                EXPECT_EQ(sheet.Item(IDC_GUARD_PHONE1).Text(), "555-0101");
+                sheet.SelectPage(pat::ReferralPage);
+                EXPECT_EQ(sheet.Item(IDC_ROWS_LIST).Rows(), referrals);
+                sheet.SelectPage(pat::InsurancePage);
+                EXPECT_EQ(sheet.Item(IDC_ROWS_LIST).Rows()[0][0], "Harbour Mutual");
+            }
             sheet.Press(IDOK);
-            script.AnswerBox("", IDYES); // similar to the stored one
+            EXPECT_EQ(script.WaitForBox().Title(), "Similar Patient");
+            script.AnswerBox("", IDYES);
         });
         EXPECT_EQ(LatestEvent(), CString("The patient from DICOM (") + pszID + ") Lee, Ann has been created");
         PatientImage created = database.ImageOf(pszID);

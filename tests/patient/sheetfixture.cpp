@@ -78,7 +78,10 @@ dbCPatient SheetTest::MakePatient(const char* pszID, const char* pszFirstname) c
     patient.SetOfficeID(m_strNorth);
     patient.SetStatusID(m_strUrgent);
     patient.GetPhones().Add(dbCPhone("333", dbCPhone::GetTypeName(1)));
-    dbCPerson doctor;
+    dbCPerson guardian, doctor;
+    patient.GetPersonInfo(dbPersonGuardian, guardian);
+    guardian.SetGender(2);
+    patient.SetPersonInfo(dbPersonGuardian, guardian);
     doctor.SetPersonGUID(m_strIda);
     patient.SetPersonInfo(dbPersonTreatingDoctor, doctor);
     patient.GetInsurances()[0].SetCompanyGUID(m_strHarbour);

@@ -119,6 +119,21 @@ TEST(Schema, NewerOrForeignIsRefused)
     EXPECT_FALSE(std::filesystem::exists(foreign + "-wal"));
 }
 
+TEST(Schema, AnotherComputersFileIsKnownByItsNameOrDrive)
+{
+    const struct
+    {
+        const char* pszPath;
+        UINT nDriveType;
+        bool bRemote;
+    } cases[] = {
+        {R"(C:\a.db)", DRIVE_FIXED, false},           {R"(P:\a.db)", DRIVE_REMOTE, true},
+        {R"(\\srv\p\a.db)", DRIVE_NO_ROOT_DIR, true}, {R"(\\?\C:\a.db)", DRIVE_FIXED, false},
+        {R"(\\.\C:\a.db)", DRIVE_FIXED, false},       {R"(\\?\unc\srv\p\a.db)", DRIVE_NO_ROOT_DIR, true}};
+    for (const auto& c : cases)
+        EXPECT_EQ(dbIsRemote(c.pszPath, c.nDriveType), c.bRemote) << c.pszPath;
+}
+
 TEST(Schema, SettingsOfTheConnection)
 {
     const OldDatabase old;

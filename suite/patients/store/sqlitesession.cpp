@@ -71,9 +71,8 @@ bool IsOnNetwork(LPCTSTR pszPath)
     char szFull[MAX_PATH] = "", szVolume[MAX_PATH] = "";
     if (!GetFullPathNameA(pszPath, sizeof(szFull), szFull, nullptr))
         return false;
-    if (strncmp(szFull, "\\\\", 2) == 0)
-        return true;
-    return GetVolumePathNameA(szFull, szVolume, sizeof(szVolume)) && GetDriveTypeA(szVolume) == DRIVE_REMOTE;
+    GetVolumePathNameA(szFull, szVolume, sizeof(szVolume));
+    return dbIsRemote(szFull, GetDriveTypeA(szVolume));
 }
 
 /// Whether the file says of itself that it is written through a write-ahead log.
@@ -92,6 +91,14 @@ bool HasWriteAheadLog(LPCTSTR pszPath)
     return bRead && dwRead == sizeof(header) && header[READ_VERSION] == LOGGED;
 }
 } // namespace
+
+bool dbIsRemote(LPCTSTR pszFullPath, UINT nDriveType)
+{
+    bool bShare = strncmp(pszFullPath, R"(\\)", 2) == 0;
+    if (strncmp(pszFullPath, R"(\\?\)", 4) == 0 || strncmp(pszFullPath, R"(\\.\)", 4) == 0)
+        bShare = _strnicmp(pszFullPath + 4, R"(UNC\)", 4) == 0; // else a drive of this computer
+    return bShare || nDriveType == DRIVE_REMOTE;
+}
 
 /// A statement of SQLite; the session that made it outlives it.
 class dbCSqliteCursor : public dbCCursor

@@ -10,6 +10,9 @@
 #include <unordered_map>
 #include <vector>
 
+/// Whether a file of this full path, on a drive of this type (GetDriveType), lies on another computer.
+bool dbIsRemote(LPCTSTR pszFullPath, UINT nDriveType);
+
 /// Owns the SQLite handle and the prepared statements, which are made once and kept.
 class dbCSqliteSession final : public dbCSession
 {
