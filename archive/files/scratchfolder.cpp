@@ -15,18 +15,18 @@ ScratchFolder::~ScratchFolder()
     GiveBack();
 }
 
-bool ScratchFolder::Take()
+ScratchState ScratchFolder::Take()
 {
     if (m_lock)
-        return true;
+        return ScratchState::Taken;
     // Opening for replacement shares nothing: it fails while another process has the file open.
     m_lock = m_files.Open(m_lockPath, Access::Replace);
     if (!m_lock)
-        return false;
+        return m_files.Query(m_lockPath) ? ScratchState::Busy : ScratchState::Failed;
     if (RemoveTree(m_files, m_path) && m_files.CreateFolder(m_path))
-        return true;
+        return ScratchState::Taken;
     GiveBack();
-    return false;
+    return ScratchState::Failed;
 }
 
 void ScratchFolder::GiveBack()

@@ -8,6 +8,13 @@
 
 namespace arc
 {
+enum class ScratchState
+{
+    Taken,
+    Busy,  ///< another process uses it
+    Failed ///< it cannot be made, or not be made empty
+};
+
 /// Holds the scratch folder for one operation. Only one process has it at a time: an open file beside it says
 /// so, which Windows closes and removes with its process, so that a dead user is none. What is in the folder
 /// is removed when it is taken and when it is given back. For one thread.
@@ -20,9 +27,8 @@ public:
     ScratchFolder(const ScratchFolder&) = delete;
     ScratchFolder& operator=(const ScratchFolder&) = delete;
 
-    /// False when another process uses it, or it cannot be made empty. A link of its name goes, not what it
-    /// leads to.
-    bool Take();
+    /// A link of its name goes, not what it leads to.
+    ScratchState Take();
     void GiveBack();
     const std::string& Path() const
     {

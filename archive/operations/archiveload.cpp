@@ -46,11 +46,14 @@ int arcCArchiveManager::PrepareLoad()
         m_pLoading = std::make_unique<arcCPatientLoading>();
     else
         m_pLoading = std::make_unique<arcCMerging>(m_load.strMergeID);
-    bool bTaken = false;
-    Meanwhile([&] { bTaken = m_pLoading->Begin(); });
-    if (!bTaken)
+    arc::ScratchState state = arc::ScratchState::Failed;
+    Meanwhile([&] { state = m_pLoading->Begin(); });
+    if (state != arc::ScratchState::Taken)
     {
-        AfxMessageBox(IDS_ARC_SCRATCH_BUSY, MB_OK | MB_ICONEXCLAMATION);
+        AfxMessageBox(state == arc::ScratchState::Busy
+                          ? CString(MAKEINTRESOURCE(IDS_ARC_SCRATCH_BUSY))
+                          : velFormatTemplate(IDS_ARC_SCRATCH_FAILED, m_pLoading->Folder().c_str()),
+                      MB_OK | MB_ICONEXCLAMATION);
         return arc::ResultNotArchived;
     }
 
@@ -153,8 +156,10 @@ bool arcCArchiveManager::TakeUnpacked()
         return false;
 
     const std::vector<std::string>& left = m_pLoading->Left();
-    m_bLeftBehind = !left.empty();
-    if (m_bLeftBehind)
+    m_bLeftBehind = !left.empty() || m_pLoading->ReferralsLeft() != 0;
+    if (m_pLoading->ReferralsLeft() != 0)
+        AfxMessageBox(IDS_ARC_REFERRALS_LEFT, MB_OK | MB_ICONEXCLAMATION);
+    if (!left.empty())
     {
         CString strText;
         strText.Format(IDS_ARC_FILES_LEFT, arcNameList(left).GetString());

@@ -113,11 +113,12 @@ private:
 
     bool CheckSave();
     int PrepareSave();
-    CString PrepareFiles(const dbCPatient& patient, arcSStatusWork& work);
+    bool EnsurePatientFile();
+    CString PrepareFiles(const dbCPatient& patient, arcSStatusWork& work, bool bConfirmed);
     std::string WorkingPath(const std::string& id) const;
     void RecordSave();
     void OfferRemoval(dbCPatient& patient);
-    std::vector<std::string> RemovePatient(const dbCPatient& patient) const;
+    std::optional<std::vector<std::string>> RemovePatient(const dbCPatient& patient) const;
     bool MayBeRemoved(const dbCPatient& patient) const;
 
     int PrepareLoad();

@@ -11,10 +11,11 @@
 #include "archive/operations/otherformats.h"
 #include "archive/files/pathsafety.h"
 #include "archive/work/resultcodes.h"
+#include "suite/patients/records/patientfile.h"
+#include "suite/patients/records/veltrixlogin.h"
 #include "suite/patients/store/dbexception.h"
 #include "suite/patients/store/dbsteps.h"
 #include "suite/patients/store/dbtransaction.h"
-#include "suite/patients/records/veltrixlogin.h"
 #include "suite/util/velini.h"
 #include "suite/util/velpath.h"
 #include "suite/util/velstring.h"
@@ -58,16 +59,6 @@ bool IsWorkingFolder(std::string_view folder)
     const std::string identity = files.Identity(std::string(folder));
     return arc::EqualNoCase(files.Absolute(std::string(folder)), files.Absolute(working)) ||
            (!identity.empty() && identity == files.Identity(working));
-}
-
-/// Writes the patient file anew where there is none that a load would take; false when that cannot be done.
-/// Throws dbCException*.
-bool EnsurePatientFile(const dbCPatient& patient, const std::string& path)
-{
-    const std::string id = patient.GetID().GetString();
-    if (!arcIsPatientFileOf(path, id))
-        patient.WritePatientFile();
-    return arcIsPatientFileOf(path, id);
 }
 
 /// An exclusive lock of a patient for the length of a scope.
@@ -162,6 +153,8 @@ int arcCArchiveManager::PrepareSave()
     dbCPatient patient;
     if (!patient.Load(m_save.strID))
         dbCException::Throw(dbErrNotFound, m_save.strID);
+    if (!EnsurePatientFile())
+        return arc::ResultNotArchived;
     if (m_save.nFormat == arcFormatZipped)
         m_record = arcRecordBytes(patient);
 
@@ -173,7 +166,7 @@ int arcCArchiveManager::PrepareSave()
     work.strFolder = velGetDataPath();
     work.bAlternativeEngine = velGetIniInt("Defaults", "UseDynaZip", 0) != 0;
     CString strRefusal;
-    Meanwhile([&] { strRefusal = PrepareFiles(patient, work); });
+    Meanwhile([&] { strRefusal = PrepareFiles(patient, work, bHoldsFiles); });
     if (!strRefusal.IsEmpty())
     {
         AfxMessageBox(strRefusal, MB_OK | MB_ICONSTOP);
@@ -182,22 +175,35 @@ int arcCArchiveManager::PrepareSave()
     return StartThread(work, Work::Save);
 }
 
-/// What a save needs of files: the patient file, the record's scratch file, the names. Answers what the user
-/// is to be told when it cannot begin. Any thread.
-CString arcCArchiveManager::PrepareFiles(const dbCPatient& patient, arcSStatusWork& work)
+/// Has the patient file written anew where there is none that a load would take, and for the other formats,
+/// which hold the timepoints there alone, in any case. False, with the user told, when that cannot be done.
+bool arcCArchiveManager::EnsurePatientFile()
+{
+    const std::string id = m_save.strID.GetString();
+    const std::string path = arc::JoinPath(velGetDataPath().GetString(), arc::PatientFileName(id));
+    bool bGood = false;
+    const auto look = [&] { bGood = arcIsPatientFileOf(path, id); };
+    if (m_save.nFormat == arcFormatZipped)
+        Meanwhile(look);
+    if (!bGood && patRenewPatientFile(m_save.strID))
+        Meanwhile(look);
+    if (!bGood)
+        AfxMessageBox(velFormatTemplate(IDS_ARC_NO_PATIENT_FILE, path.c_str()), MB_OK | MB_ICONSTOP);
+    return bGood;
+}
+
+/// What a save needs of files: the record's scratch file, the names. bConfirmed: the user has agreed to lose
+/// what the drive's diskette holds. Answers what the user is to be told when it cannot begin. Any thread.
+CString arcCArchiveManager::PrepareFiles(const dbCPatient& patient, arcSStatusWork& work, bool bConfirmed)
 {
     arc::FileSystem& files = arc::WindowsFileSystem();
     const std::string id = m_save.strID.GetString();
     const std::string temporary = velGetTempPath().GetString();
     arc::RecordFile::ClearAbandoned(files, temporary);
-    const std::string patientFile = arc::JoinPath(velGetDataPath().GetString(), arc::PatientFileName(id));
-    if (!EnsurePatientFile(patient, patientFile))
-        return velFormatTemplate(IDS_ARC_NO_PATIENT_FILE, patientFile.c_str());
     dbStep("save.prepared");
     if (m_save.nFormat != arcFormatZipped)
     {
-        work.otherWork =
-            arcOtherSave(patient, m_save.nFormat, m_save.strArchivePath, work.bDiskette != FALSE);
+        work.otherWork = arcOtherSave(patient, m_save.nFormat, m_save.strArchivePath, bConfirmed);
         return {};
     }
     if (!m_recordFile.Write(temporary, id, m_record))
@@ -239,6 +245,9 @@ void arcCArchiveManager::FinishSave(int nResult)
             if (velFileExists(m_save.strArchivePath))
                 SetHidden(m_save.strArchivePath, false);
         });
+        // What was saved meanwhile came into the file of the earlier format, which is away again.
+        if (m_save.nFormat == arcFormatEarlier)
+            patRenewPatientFile(m_save.strID);
         if (nResult == arc::ResultDone)
             RecordSave();
         return 0;
@@ -281,25 +290,24 @@ void arcCArchiveManager::OfferRemoval(dbCPatient& patient)
                       MB_OK | MB_ICONEXCLAMATION);
         return;
     }
-    dbCPatient present;
-    if (!present.Load(patient.GetID()) || arcRecordBytes(present) != m_record)
+    const auto stay = RemovePatient(patient);
+    if (!stay)
     {
         AfxMessageBox(velFormatTemplate(IDS_ARC_CHANGED_SINCE, patient.GetID()), MB_OK | MB_ICONEXCLAMATION);
         return;
     }
-    const std::vector<std::string> stay = RemovePatient(present);
     Notify(ARCHIVE_NOTIFY_REMOVED, patient.GetGUID());
-    if (!stay.empty())
+    if (!stay->empty())
     {
         CString strText;
-        strText.Format(IDS_ARC_FILES_STAY, velGetDataPath().GetString(), arcNameList(stay).GetString());
+        strText.Format(IDS_ARC_FILES_STAY, velGetDataPath().GetString(), arcNameList(*stay).GetString());
         AfxMessageBox(strText, MB_OK | MB_ICONEXCLAMATION);
     }
 }
 
 /// Removes the patient with exactly those files that are as they went into the archive; answers those that
-/// stay.
-std::vector<std::string> arcCArchiveManager::RemovePatient(const dbCPatient& patient) const
+/// stay. Nothing, with nothing removed, when the record is not as it went in.
+std::optional<std::vector<std::string>> arcCArchiveManager::RemovePatient(const dbCPatient& patient) const
 {
     const CWaitCursor wait;
     const std::string id = patient.GetID().GetString();
@@ -326,7 +334,13 @@ std::vector<std::string> arcCArchiveManager::RemovePatient(const dbCPatient& pat
             stay.push_back(entry.name);
     }
 
+    dbStep("save.listed");
+
+    // Others can change the record until the transaction has begun.
     dbCTransaction transaction;
+    dbCPatient present;
+    if (!present.Load(patient.GetID()) || arcRecordBytes(present) != m_record)
+        return std::nullopt;
     dbCPatients().DeletePatient(patient.GetGUID(), &removed);
     CVeltrixLogin().AddPatientDeletedEvent(patient.GetGUID(), arcEventText(IDS_ARC_EVENT_DELETED, patient));
     transaction.Commit();

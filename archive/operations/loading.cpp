@@ -16,11 +16,11 @@ arcCLoading::arcCLoading() : m_scratch(arc::WindowsFileSystem(), velGetTempPath(
 {
 }
 
-bool arcCLoading::Begin()
+arc::ScratchState arcCLoading::Begin()
 {
-    const bool bTaken = m_scratch.Take();
+    const arc::ScratchState state = m_scratch.Take();
     dbStep("load.begun");
-    return bTaken;
+    return state;
 }
 
 bool arcCLoading::Read()
@@ -102,7 +102,7 @@ void arcCPatientLoading::Plan()
     const std::string id = GetID().GetString();
     const std::string folder = velGetDataPath().GetString();
     const std::string patientFile = arc::PatientFileName(id);
-    if (velFileExists(arc::JoinPath(folder, patientFile).c_str()))
+    if (!files.Query(arc::JoinPath(folder, patientFile)).IsAbsent())
         dbCException::Throw(dbErrExists, patientFile.c_str());
     for (const std::string& name : m_unpacked)
     {
@@ -124,6 +124,7 @@ void arcCPatientLoading::Plan()
 
 bool arcCPatientLoading::Store(dbCTransaction& transaction)
 {
+    const int nReferrals = m_archived.GetReferrals().GetCount();
     bool bAdded = false;
     try
     {
@@ -139,6 +140,7 @@ bool arcCPatientLoading::Store(dbCTransaction& transaction)
         AfxMessageBox(IDS_ARC_SAVE_PATIENT_FAILED, MB_OK | MB_ICONSTOP);
         return false;
     }
+    m_nReferralsLeft = nReferrals - m_archived.GetReferrals().GetCount();
     CVeltrixLogin().AddArchivedPatientEvent(m_archived.GetGUID(),
                                             arcEventText(IDS_ARC_EVENT_LOADED, m_archived));
     return true;

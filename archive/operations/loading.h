@@ -23,9 +23,8 @@ public:
     arcCLoading(const arcCLoading&) = delete;
     arcCLoading& operator=(const arcCLoading&) = delete;
 
-    /// Takes the scratch folder, into which the archive is then unpacked; false when another program has it.
-    /// Step "load.begun".
-    bool Begin();
+    /// Takes the scratch folder, into which the archive is then unpacked. Step "load.begun".
+    arc::ScratchState Begin();
     const std::string& Folder() const
     {
         return m_scratch.Path();
@@ -55,6 +54,11 @@ public:
     {
         return m_left;
     }
+    /// How many referrals stay there too: those that name no doctor.
+    int ReferralsLeft() const
+    {
+        return m_nReferralsLeft;
+    }
 
 protected:
     /// Stores the record and the audit event in the open transaction; false, with that rolled back and the
@@ -64,6 +68,7 @@ protected:
     dbCPatient m_archived;
     std::vector<std::string> m_unpacked; ///< names of the files in the scratch folder
     std::vector<std::string> m_left;
+    int m_nReferralsLeft = 0;
     arc::ScratchFolder m_scratch;
     dbCFilePlacement m_placement;
 };

@@ -34,3 +34,5 @@
 #define IDS_ARC_RECORD_BUSY            9915
 #define IDS_ARC_NO_PATIENT_FILE        9916
 #define IDS_ARC_AND_MORE               9917
+#define IDS_ARC_SCRATCH_FAILED         9918
+#define IDS_ARC_REFERRALS_LEFT         9919

@@ -29,11 +29,18 @@ std::uint64_t DisketteVolumes::ExpectedCapacity()
     return space ? space->totalClusters * space->bytesPerCluster : 0;
 }
 
+// What was agreed to was the diskette that was in the drive then.
+bool DisketteVolumes::Insert(int number)
+{
+    m_bConfirmed = false;
+    return m_prompts.Insert(number, m_drive);
+}
+
 // Until the drive holds a diskette that may be erased; false when the user aborts.
 bool DisketteVolumes::AgreeToUse(int number)
 {
     // The one before is still in the drive.
-    if (number > 1 && !m_prompts.Insert(number, m_drive))
+    if (number > 1 && !Insert(number))
         return false;
     for (;;)
     {
@@ -42,14 +49,12 @@ bool DisketteVolumes::AgreeToUse(int number)
             return true;
         if (check == DisketteCheck::NoDisk)
         {
-            if (!m_prompts.Insert(number, m_drive))
+            if (!Insert(number))
                 return false;
             continue;
         }
         const unsigned question = DisketteQuestion(check);
-        // What was agreed to was the first diskette's contents.
-        const bool confirmed = std::exchange(m_bConfirmed, false) && number == 1;
-        return question == 0 || confirmed || m_prompts.UseAnyway(question);
+        return question == 0 || m_bConfirmed || m_prompts.UseAnyway(question);
     }
 }
 

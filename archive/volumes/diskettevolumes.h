@@ -38,7 +38,7 @@ public:
 class DisketteVolumes : public VolumeDestination, public VolumeSource
 {
 public:
-    /// firstConfirmed: the user has already agreed to lose what the diskette in the drive holds.
+    /// firstConfirmed: the user was asked and agreed to lose what the diskette in the drive holds.
     DisketteVolumes(FileSystem& files, DiskettePrompts& prompts, char drive, HeaderLine patient,
                     bool firstConfirmed);
 
@@ -55,6 +55,7 @@ public:
 private:
     std::string Root() const;
     std::string VolumePath(int number) const;
+    bool Insert(int number);
     bool AgreeToUse(int number);
     bool WriteLabel();
 

@@ -229,19 +229,17 @@ public:
         while (bytes > 0)
         {
             const auto got = m_volume->Read(buffer, bytes);
-            if (!got)
+            if (got.value_or(0) > 0)
             {
-                return VolumeStatus::Corrupt;
+                buffer += *got;
+                bytes -= *got;
+                m_running += *got;
+                m_position += *got;
             }
-            buffer += *got;
-            bytes -= *got;
-            m_running += *got;
-            if (*got == 0)
+            else if (const VolumeStatus status = got ? OpenNext() : Settle(VolumeStatus::OpenFailed);
+                     status != VolumeStatus::Done)
             {
-                if (const VolumeStatus status = OpenNext(); status != VolumeStatus::Done)
-                {
-                    return status;
-                }
+                return status;
             }
         }
         return VolumeStatus::Done;
@@ -267,57 +265,73 @@ private:
         {
             return VolumeStatus::Corrupt;
         }
-        for (;;)
+        m_position = Overhead(m_number);
+        m_running += m_position;
+        return Settle(Open());
+    }
+
+    // Until the volume is open at the position, when that went wrong; else why the reading ends.
+    VolumeStatus Settle(VolumeStatus status)
+    {
+        while (status == VolumeStatus::OpenFailed || status == VolumeStatus::Corrupt ||
+               status == VolumeStatus::OutOfOrder)
         {
-            VolumeStatus status = m_source.OpenForReading(m_number, m_volume);
-            if (status == VolumeStatus::Done)
-            {
-                status = ReadHeader();
-            }
-            const bool isWrong = status == VolumeStatus::OpenFailed || status == VolumeStatus::Corrupt ||
-                                 status == VolumeStatus::OutOfOrder;
-            if (isWrong)
-            {
-                status = m_source.Settle(m_number, status);
-            }
-            if (!isWrong || status != VolumeStatus::Done)
+            m_volume.reset();
+            status = m_source.Settle(m_number, status);
+            if (status != VolumeStatus::Done)
             {
                 return status;
             }
+            status = Open();
         }
+        return status;
+    }
+
+    VolumeStatus Open()
+    {
+        VolumeStatus status = m_source.OpenForReading(m_number, m_volume);
+        if (status == VolumeStatus::Done)
+        {
+            status = ReadHeader();
+        }
+        return status == VolumeStatus::Done && !m_volume->Seek(m_position) ? VolumeStatus::OpenFailed
+                                                                           : status;
     }
 
     VolumeStatus ReadHeader()
     {
         unsigned char bytes[VolumeHeaderSize + TotalBlockSize];
         const std::size_t overhead = Overhead(m_number);
-        if (m_volume->Read(bytes, overhead) != overhead)
+        const auto got = m_volume->Read(bytes, overhead);
+        if (got != overhead)
         {
-            return VolumeStatus::Corrupt;
+            return got ? VolumeStatus::Corrupt : VolumeStatus::OpenFailed;
         }
         const auto header = DecodeHeader(ByteView(bytes, VolumeHeaderSize));
         if (!header)
         {
             return VolumeStatus::Corrupt;
         }
-        if (header->volume != m_number || (m_number > 1 && !header->SameSet(m_header)))
+        if (header->volume != m_number || (m_knowsSet && !header->SameSet(m_header)))
         {
             return VolumeStatus::OutOfOrder;
         }
         m_header = *header;
+        m_knowsSet = true;
         if (m_number == 1)
         {
             m_total = DecodeTotal(ByteView(bytes + VolumeHeaderSize, TotalBlockSize)).value_or(0);
         }
-        m_running += overhead;
         return VolumeStatus::Done;
     }
 
     VolumeSource& m_source;
     std::unique_ptr<File> m_volume;
     VolumeHeader m_header;
+    bool m_knowsSet = false; // the header is of volume 1 or one behind it
     std::uint64_t m_total = 0;
     std::uint64_t m_running = 0;
+    std::uint64_t m_position = 0; // in the open volume
     int m_number = 0;
 };
 

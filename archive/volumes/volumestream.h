@@ -24,7 +24,7 @@ enum class VolumeStatus
     TooManyVolumes, ///< more than 255
     OutOfMemory,
     NoRoom,     ///< the volume holds not even its header and one byte, or the folder to read into is too full
-    OpenFailed, ///< a volume or a file could not be opened
+    OpenFailed, ///< a volume could not be opened or read, or a file not opened
     FileChanged,   ///< a file is not as long as it was listed, or cannot be read
     WriteFailed,   ///< a volume or a file could not be written
     Corrupt,       ///< not a volume, too short, or its records contradict it
@@ -69,8 +69,8 @@ class VolumeSource
 public:
     virtual ~VolumeSource() = default;
     virtual VolumeStatus OpenForReading(int number, std::unique_ptr<File>& volume) = 0;
-    /// Asked when the volume is not the right one: Done when another was put in and is to be opened, else why
-    /// the reading ends.
+    /// Asked when the volume is not the right one or cannot be read: Done when another was put in and is to
+    /// be opened, else why the reading ends.
     virtual VolumeStatus Settle(int number, VolumeStatus problem)
     {
         static_cast<void>(number);

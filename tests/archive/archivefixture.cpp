@@ -150,6 +150,17 @@ void ArchiveDialogTest::Save(const std::string& id, int nFilter)
     ASSERT_TRUE(std::filesystem::exists(Archive(id, nFilter)));
 }
 
+void ArchiveDialogTest::ExpectRefused(int nFilter, const std::string& text)
+{
+    const auto refused = [&](DialogScript& script) {
+        WaitForChoice(script).Press(IDOK);
+        TakeOfferedName(script, nFilter);
+        script.AnswerBox(text, IDOK);
+        WaitForChoice(script).Press(IDCANCEL);
+    };
+    EXPECT_EQ(Run(ARCHIVE_OP_SAVE, {"A1"}, {}, refused), IDCANCEL);
+}
+
 void ArchiveDialogTest::SaveAndChange(const std::string& id)
 {
     Save(id);

@@ -61,6 +61,8 @@ protected:
     void SaveWith(const std::string& id, const Script& asked, int nFilter = 0, int nPracticeManagement = 0);
     // Saves one patient to Archive(id, nFilter), keeping the patient.
     void Save(const std::string& id, int nFilter = 0);
+    // Saves A1, which is refused with this box; nothing is begun, so that the dialog stays.
+    void ExpectRefused(int nFilter, const std::string& text);
     // Saves the patient to ID.kaz and changes to the second practice.
     void SaveAndChange(const std::string& id);
     // Loads an archive without questions; expects these boxes, answered with OK.

@@ -152,6 +152,11 @@ TEST_F(ArchiveDialogTest, LeavesNothingOfALoadWhenTheDiskIsFullOrAFileInTheWay)
         EXPECT_THAT(WorkingFiles(), IsEmpty());
         EXPECT_FALSE(IsStored("A1"));
     }
+    // No file, but in the way all the same.
+    std::filesystem::create_directory(m_practice.Path("working2\\A1.PF"));
+    Load(Archive("A1"), {"", LoadFailed});
+    EXPECT_FALSE(IsStored("A1"));
+    std::filesystem::remove(m_practice.Path("working2\\A1.PF"));
     m_practice.WriteFile("working2\\A101.V2A", "somebody's");
     const auto before = WorkingFiles();
     Load(Archive("A1"), {"", LoadFailed});
@@ -200,6 +205,14 @@ TEST_F(ArchiveDialogTest, RefusesWhileTheScratchFolderOrTheIDIsTaken)
           "finished.",
           LoadFailed});
     ::CloseHandle(hBusy);
+    std::filesystem::create_directory(m_practice.Path("temp\\VELTMP"));
+    const HANDLE hViewed = ::CreateFile(m_practice.Path("temp\\VELTMP\\A1.PF").c_str(), GENERIC_WRITE, 0,
+                                        nullptr, CREATE_NEW, 0, nullptr);
+    Load(Archive("A1"), {"The folder \"" + m_practice.Path("temp\\VELTMP") +
+                             "\", into which archives are unpacked, cannot be made or emptied.  A file in it "
+                             "may be in use.",
+                         LoadFailed});
+    ::CloseHandle(hViewed);
     EXPECT_FALSE(IsStored("A1"));
 
     // A patient marked as deleted, whose files are still in use.
@@ -218,30 +231,43 @@ TEST_F(ArchiveDialogTest, LoadsSeveralAndDeletesTheirArchivesUnlessSomethingWasL
 {
     for (const char* pszID : {"A1", "B1"})
         StorePatient(pszID);
+    dbCPatient referred = StorePatient("C1");
+    referred.GetReferrals().AddReferralDoc(referred.GetGUID(), velCDate(2020, 1, 2), "by nobody");
+    {
+        const veltest::AtStep refer("save.record",
+                                    [&] { m_practice.WriteFile("temp\\C1.ACV", Describe(referred)); });
+        Save("C1");
+    }
     // Fits the longer ID too, which the second practice has.
     m_practice.WriteFile("working\\B12.2dmorph", "B1's or B12's");
     Save("A1");
     SaveAndChange("B1");
     StorePatient("B12");
     m_practice.WriteFile("working2\\B12.2dmorph", "B12's");
-    Play(ARCHIVE_OP_LOAD, {}, {Archive("A1"), Archive("X1"), Archive("B1")}, [&](DialogScript& script) {
-        const Dialog box = script.WaitForBox(
-            "You are about to load multiple patients from Archive, do you want to delete the archive files "
-            "when the operation is finished?");
-        EXPECT_EQ(box.DefaultButton(), "No");
-        box.Press(IDYES);
-        script.AnswerBox(
-            "The actual zip file of patient X1, ID:X1 is missing. Load process failed for this patient.",
-            IDOK);
-        script.AnswerBox("Error has occured when loading the patient from Archive. Choose OK to continue on "
-                         "loading the next patient or Cancel to exit archiving.",
-                         IDOK);
-        EXPECT_THAT(script.WaitForBox().BoxText(), testing::EndsWith(":\n\nB12.2dmorph\n"));
-        script.AnswerBox("", IDOK);
-    });
-    EXPECT_TRUE(IsStored("A1") && IsStored("B1"));
+    Play(ARCHIVE_OP_LOAD, {}, {Archive("A1"), Archive("X1"), Archive("B1"), Archive("C1")},
+         [&](DialogScript& script) {
+             const Dialog box = script.WaitForBox("You are about to load multiple patients from Archive, do "
+                                                  "you want to delete the archive files "
+                                                  "when the operation is finished?");
+             EXPECT_EQ(box.DefaultButton(), "No");
+             box.Press(IDYES);
+             script.AnswerBox(
+                 "The actual zip file of patient X1, ID:X1 is missing. Load process failed for this patient.",
+                 IDOK);
+             script.AnswerBox(
+                 "Error has occured when loading the patient from Archive. Choose OK to continue on "
+                 "loading the next patient or Cancel to exit archiving.",
+                 IDOK);
+             EXPECT_THAT(script.WaitForBox().BoxText(), testing::EndsWith(":\n\nB12.2dmorph\n"));
+             script.AnswerBox("", IDOK);
+             script.AnswerBox(
+                 "Referrals in the archive that name no doctor could not be taken over.  They stay in "
+                 "the archive.",
+                 IDOK);
+         });
+    EXPECT_TRUE(IsStored("A1") && IsStored("B1") && IsStored("C1"));
     EXPECT_FALSE(std::filesystem::exists(Archive("A1")));
-    EXPECT_TRUE(std::filesystem::exists(Archive("B1")));
+    EXPECT_TRUE(std::filesystem::exists(Archive("B1")) && std::filesystem::exists(Archive("C1")));
     EXPECT_EQ(m_practice.ReadFile("working2\\B12.2dmorph"), "B12's");
 
     const auto refused = [&](DialogScript& script) {

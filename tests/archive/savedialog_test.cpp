@@ -28,6 +28,16 @@ VEL_CHILD_PROCESS(holdLock) // database, ID, mode, file to make when it is locke
     return 0;
 }
 
+VEL_CHILD_PROCESS(renamePatient) // database, ID
+{
+    dbCPatients::Open(arguments[0].c_str());
+    dbCPatient patient;
+    patient.Load(arguments[1].c_str());
+    patient.SetLastname("Elsewhere");
+    patient.Save();
+    return 0;
+}
+
 VEL_CHILD_PROCESS(holdDatabase) // database, file to make when nobody else can write
 {
     dbCPatients::Open(arguments[0].c_str());
@@ -49,6 +59,11 @@ TEST_F(ArchiveDialogTest, SavesOnePatientAndRemovesItWhenWanted)
 {
     const dbCPatient patient = StorePatient("A1");
     const std::string guid = patient.GetGUID().GetString();
+    const veltest::AtStep hide("save.worked",
+                               [&] { ::SetFileAttributes(Archive("A1").c_str(), FILE_ATTRIBUTE_HIDDEN); });
+    const auto isHidden = [&] {
+        return (::GetFileAttributes(Archive("A1").c_str()) & FILE_ATTRIBUTE_HIDDEN) != 0;
+    };
     for (const int nAnswer : {IDNO, IDYES})
     {
         SaveWith("A1", [&](DialogScript& script) {
@@ -68,6 +83,9 @@ TEST_F(ArchiveDialogTest, SavesOnePatientAndRemovesItWhenWanted)
             box.Press(nAnswer);
         });
         EXPECT_EQ(IsStored("A1"), nAnswer == IDNO);
+        for (int i = 0; i < 1000 && isHidden(); ++i)
+            ::Sleep(20); // what shows it goes on by itself
+        EXPECT_FALSE(isHidden());
     }
     EXPECT_THAT(NewEvents(),
                 ElementsAre("3 The patient (A1) Lee A1, Zo\xeb data has been saved into a file (archive)",
@@ -85,7 +103,8 @@ TEST_F(ArchiveDialogTest, RemovesExactlyWhatIsInTheArchive)
     StorePatient("A1");
     StorePatient("A12");
     // Nobody's, never archived, and of another patient.
-    const char* const stay[] = {"A100.I2A.JPEG", "A101.M1", "A100.C01", "A101.KAZ", "A101.PF"};
+    const char* const stay[] = {"A100.I2A.JPEG", "A101.M1", "A100.C01", "A101.KAZ", "A101.PF",
+                                "A102.M2",       "A102.M3", "A102.M4",  "A102.M5"};
     for (const char* pszName : stay)
         m_practice.WriteFile(std::string("working\\") + pszName, "mine");
     m_practice.WriteFile("working\\A100.I40", "in its place"); // so that ".C01" is not archived
@@ -99,17 +118,23 @@ TEST_F(ArchiveDialogTest, RemovesExactlyWhatIsInTheArchive)
         m_practice.WriteFile("working\\A100.I2B", "arrived");
         const std::string bytes = m_practice.ReadFile("working\\A101.V2A");
         m_practice.WriteFile("working\\A101.V2A", std::string(bytes.size(), 'z'));
+        const std::string grown = m_practice.Path("working\\A100.V2A"); // without a trace in its time
+        const auto written = std::filesystem::last_write_time(grown);
+        m_practice.WriteFile("working\\A100.V2A", bytes + "more");
+        std::filesystem::last_write_time(grown, written);
         box.Press(IDYES);
         EXPECT_EQ(
             script.WaitForBox().BoxText(),
             "These files are not in the archive, or were changed since it was written.  They stay in the "
             "folder " +
                 m_practice.Path("working\\") +
-                ":\n\nA100.C01\nA100.I2B\nA101.V2A\nA100.I2A.JPEG\nA101.KAZ\nA101.M1\n");
+                ":\n\nA100.C01\nA100.I2B\nA100.V2A\nA101.V2A\nA100.I2A.JPEG\nA101.KAZ\nA101.M1\n"
+                "A102.M2\nA102.M3\nA102.M4\nand 1 more");
         script.AnswerBox("", IDOK);
     });
     EXPECT_FALSE(IsStored("A1"));
     expected["A100.I2B"] = Sum("arrived");
+    expected["A100.V2A"] = Sum(m_practice.ReadFile("working\\A100.V2A"));
     expected["A101.V2A"] = Sum(std::string(m_practice.ReadFile("working\\A101.V2A").size(), 'z'));
     EXPECT_EQ(WorkingFiles(), expected);
 }
@@ -117,25 +142,70 @@ TEST_F(ArchiveDialogTest, RemovesExactlyWhatIsInTheArchive)
 TEST_F(ArchiveDialogTest, KeepsAPatientThatWasChangedSinceItWasArchived)
 {
     dbCPatient patient = StorePatient("A1");
-    const veltest::AtStep change("save.recorded", [&] {
-        patient.SetNotes("changed elsewhere");
+    for (const char* pszStep : {"save.recorded", "save.listed"})
+    {
+        const veltest::AtStep change(pszStep, [&] {
+            patient.SetNotes("changed elsewhere");
+            patient.Save();
+        });
+        SaveWith("A1", [&](DialogScript& script) {
+            script.AnswerBox("", IDYES);
+            script.AnswerBox("The patient \"A1\" was changed by somebody after the archive was written and "
+                             "stays in the patient list.",
+                             IDOK);
+        });
+        EXPECT_TRUE(IsStored("A1"));
+        std::filesystem::remove(Archive("A1"));
+        patient.SetNotes("");
         patient.Save();
+    }
+}
+
+// The other formats hold the timepoints in the patient file alone.
+TEST_F(ArchiveDialogTest, ThePatientFileIsOfTheRecordAsItIs)
+{
+    dbCPatient patient = StorePatient("A1");
+    const HANDLE hViewer = ::CreateFile(m_practice.Path("working\\A1.PF").c_str(), GENERIC_READ,
+                                        FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+    ASSERT_NE(hViewer, INVALID_HANDLE_VALUE);
+    EXPECT_EQ(patient.GetTimepoints().Add(&patient, dbCTimepoint(), TRUE, FALSE), 0);
+    patient.Save();
+    ExpectRefused(1, "The patient file \"" + m_practice.Path("working\\A1.PF") +
+                         "\" cannot be written.  Another program may have it open.");
+    ::CloseHandle(hViewer);
+    Save("A1", 1);
+    UseSecondPractice();
+    Load(Archive("A1", 1));
+    ASSERT_TRUE(patient.Load("A1"));
+    EXPECT_EQ(patient.GetTimepoints().GetCount(), 3);
+
+    // Another seat writes it while the earlier format's is in its place.
+    const veltest::AtStep rename("save.patientFile", [&] {
+        EXPECT_EQ(veltest::ChildProcess("renamePatient", {m_practice.Path("patients2.db"), "A1"}).Wait(), 0);
     });
-    SaveWith("A1", [&](DialogScript& script) {
-        script.AnswerBox("", IDYES);
-        script.AnswerBox("The patient \"A1\" was changed by somebody after the archive was written and stays "
-                         "in the patient list.",
-                         IDOK);
-    });
-    EXPECT_TRUE(IsStored("A1"));
+    Save("A1", 2);
+    EXPECT_THAT(m_practice.ReadFile("working2\\A1.PF"), StartsWith("Elsewhere\x01"));
+}
+
+TEST_F(ArchiveDialogTest, RefusesWhileTheRecordIsHeld)
+{
+    StorePatient("A1");
+    const HANDLE hHeld = ::CreateFile(m_practice.Path("temp\\A1.ACV.LCK").c_str(), GENERIC_WRITE, 0, nullptr,
+                                      CREATE_NEW, FILE_FLAG_DELETE_ON_CLOSE, nullptr);
+    ExpectRefused(0, "The file \"" + m_practice.Path("temp\\A1.ACV") +
+                         "\" cannot be written.  Another program on this computer may be archiving a patient "
+                         "with this ID.");
+    ::CloseHandle(hHeld);
 }
 
 // What a load would refuse is not reported as saved, and what it needs is written anew.
 TEST_F(ArchiveDialogTest, ProvesTheArchiveAsALoadWouldReadIt)
 {
     StorePatient("B1");
-    const dbCPatient patient = StorePatient("A1");
+    StorePatient("A1");
     const auto files = WorkingFiles();
+    for (const char* pszName : {"temp\\X9.ACV", "temp\\X9.ACV.LCK"})
+        m_practice.WriteFile(pszName, "of a save that ended with its process");
     m_practice.WriteFile("working\\A1.PF", "no patient file");
     Save("A1");
     EXPECT_EQ(WorkingFiles(), files);
@@ -145,19 +215,43 @@ TEST_F(ArchiveDialogTest, ProvesTheArchiveAsALoadWouldReadIt)
     EXPECT_EQ(WorkingFiles(), files);
     std::filesystem::remove(Archive("A1"));
 
-    // Another record comes under the scratch file's name, of another patient, then a torn one.
+    // Another record comes under the scratch file's name: of another patient, a torn one, of the same ID.
     std::string bytes;
     {
         const veltest::AtStep take("save.record", [&] { bytes = m_practice.ReadFile("temp\\B1.ACV"); });
         Save("B1");
     }
-    for (const std::size_t nBytes : {bytes.size(), bytes.size() / 2})
+    ASSERT_GT(bytes.size(), 200u);
+    dbCPatient other;
+    other.SetID("A1");
+    other.SetLastname("Lee");
+    other.SetGUID("{0F0E0D0C-0B0A-0908-0706-050403020100}");
+    for (const std::string& record : {bytes, bytes.substr(0, bytes.size() / 2), Describe(other)})
     {
-        ASSERT_GT(nBytes, 100u);
-        const veltest::AtStep replace("save.record",
-                                      [&] { m_practice.WriteFile("temp\\A1.ACV", bytes.substr(0, nBytes)); });
+        const veltest::AtStep replace("save.record", [&] { m_practice.WriteFile("temp\\A1.ACV", record); });
         SaveWith("A1", [](DialogScript& script) { script.AnswerBox(NotCreated, IDOK); });
         EXPECT_FALSE(std::filesystem::exists(Archive("A1")));
+    }
+
+    // The patient file goes, or becomes another's, when it has just been looked at; or it never is right.
+    const std::string patientFile = m_practice.Path("working\\A1.PF");
+    const auto spoil = [&] { m_practice.WriteFile("working\\A1.PF", m_practice.ReadFile("working\\B1.PF")); };
+    for (const int nFilter : {0, 1})
+    {
+        for (const std::function<void()>& act :
+             {std::function<void()>([&] { std::filesystem::remove(patientFile); }),
+              std::function<void()>(spoil)})
+        {
+            const veltest::AtStep prepared("save.prepared", act);
+            SaveWith(
+                "A1", [](DialogScript& script) { script.AnswerBox(NotCreated, IDOK); }, nFilter);
+            EXPECT_FALSE(std::filesystem::exists(Archive("A1", nFilter)));
+        }
+    }
+    {
+        const veltest::AtStep written("patientFile.written", spoil);
+        ExpectRefused(1, "The patient file \"" + patientFile +
+                             "\" cannot be written.  Another program may have it open.");
     }
     EXPECT_EQ(NewEvents().size(), 3u);
     EXPECT_TRUE(std::filesystem::is_empty(m_practice.Path("temp")));
@@ -232,16 +326,8 @@ TEST_F(ArchiveDialogTest, LeavesALockedPatientAlone)
         WaitForFile(ready);
         CString strUser;
         EXPECT_EQ(m_patients.IsLocked("A1", &strUser), patLockInUse);
-        // Nothing was begun, so that the dialog stays.
-        const auto refused = [&](DialogScript& script) {
-            WaitForChoice(script).Press(IDOK);
-            TakeOfferedName(script);
-            script.AnswerBox("Patient ID \"A1\" is currently in use by \"" +
-                                 std::string(strUser.GetString()) + "\".\nPlease try again later.",
-                             IDOK);
-            WaitForChoice(script).Press(IDCANCEL);
-        };
-        EXPECT_EQ(Run(ARCHIVE_OP_SAVE, {"A1"}, {}, refused), IDCANCEL);
+        ExpectRefused(0, "Patient ID \"A1\" is currently in use by \"" + std::string(strUser.GetString()) +
+                             "\".\nPlease try again later.");
         EXPECT_EQ(m_patients.IsLocked("A1"), patLockInUse);
         EXPECT_FALSE(std::filesystem::exists(Archive("A1")));
     }

@@ -109,6 +109,19 @@ protected:
 };
 } // namespace
 
+TEST_F(StatusThreadTest, NothingOfItRunsAnyMoreWhenTheObjectIsGone)
+{
+    AnswerWith(arc::ResultDone);
+    auto thread = arcCStatusThread::Start(work);
+    ASSERT_TRUE(thread);
+    HANDLE hThread = nullptr;
+    ASSERT_TRUE(::DuplicateHandle(::GetCurrentProcess(), thread->m_hThread, ::GetCurrentProcess(), &hThread,
+                                  SYNCHRONIZE, FALSE, 0));
+    thread.reset();
+    EXPECT_EQ(::WaitForSingleObject(hThread, 0), WAIT_OBJECT_0);
+    ::CloseHandle(hThread);
+}
+
 TEST_F(StatusThreadTest, ShowsTheWorkAndCannotBeClosed)
 {
     std::atomic<bool> release = false;

@@ -1,5 +1,6 @@
 // The archive dialog while an operation is under way.
 #include "tests/archive/archivefixture.h"
+#include "tests/support/steps.h"
 
 #include <filesystem>
 
@@ -103,4 +104,21 @@ TEST_F(ArchiveWaitTest, TheHostMayCloseMeanwhile)
     EXPECT_EQ(m_practice.ReadFile("archive\\A1.kaz"), "somebody's");
     EXPECT_THAT(NewEvents(), IsEmpty());
     ::SetFileAttributes(Archive(id).c_str(), FILE_ATTRIBUTE_NORMAL);
+    std::filesystem::remove(Archive(id));
+
+    // What goes well is finished without asking anybody.
+    EXPECT_TRUE(m_host.Open());
+    const DWORD nThread = ::GetCurrentThreadId();
+    const auto quit = [=] { ::PostThreadMessage(nThread, WM_QUIT, 7, 0); };
+    {
+        const veltest::AtStep step("save.written", quit);
+        Play(ARCHIVE_OP_SAVE, {id}, {}, [](DialogScript& script) { TakeOfferedName(script); });
+        EXPECT_EQ(std::exchange(m_nQuit, -1), 7);
+        EXPECT_TRUE(IsStored(id));
+    }
+    UseSecondPractice();
+    const veltest::AtStep step("place.copied", quit);
+    Load(Archive(id));
+    EXPECT_EQ(m_nQuit, 7);
+    EXPECT_TRUE(IsStored(id));
 }

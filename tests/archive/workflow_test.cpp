@@ -26,14 +26,18 @@ TEST(ScratchFolder, IsEmptiedAndBelongsToOneAtATime)
     files.Put("C:\\Temp\\VELTMP\\left.over", "x", arc::attribute::ReadOnly);
     {
         arc::ScratchFolder scratch(files, "C:\\Temp");
-        ASSERT_TRUE(scratch.Take());
+        ASSERT_EQ(scratch.Take(), arc::ScratchState::Taken);
         EXPECT_FALSE(files.Exists("C:\\Temp\\VELTMP\\left.over"));
         arc::ScratchFolder second(files, "C:\\Temp");
-        EXPECT_FALSE(second.Take());
+        EXPECT_EQ(second.Take(), arc::ScratchState::Busy);
         files.Put(scratch.Path() + "\\A1.PF", "x");
     }
     EXPECT_TRUE(files.Tree("C:\\Temp").empty());
     EXPECT_FALSE(files.Query("C:\\Temp\\VELTMP"));
+    files.Put("C:\\Temp\\VELTMP\\viewed", "x");
+    const auto viewed = files.Open("C:\\Temp\\VELTMP\\viewed", arc::Access::ReadShared);
+    EXPECT_EQ(arc::ScratchFolder(files, "C:\\Temp").Take(), arc::ScratchState::Failed);
+    EXPECT_EQ(arc::ScratchFolder(files, "C:\\none").Take(), arc::ScratchState::Failed);
 }
 
 TEST(ScratchFolder, RemovesLinksAndNotWhatTheyLeadTo)
@@ -50,7 +54,7 @@ TEST(ScratchFolder, RemovesLinksAndNotWhatTheyLeadTo)
     // The scratch folder itself may be one.
     files.SetAttributes("C:\\Temp\\VELTMP", arc::attribute::Folder | arc::attribute::Reparse);
     arc::ScratchFolder scratch(files, "C:\\Temp");
-    EXPECT_TRUE(scratch.Take());
+    EXPECT_EQ(scratch.Take(), arc::ScratchState::Taken);
     EXPECT_EQ(files.Find("C:\\Temp\\VELTMP")->attributes, arc::attribute::Folder);
     EXPECT_TRUE(files.Exists("C:\\Temp\\VELTMP\\deep\\link\\precious.txt"));
     scratch.GiveBack();
@@ -294,6 +298,22 @@ TEST_F(DisketteVolumesTest, AForeignDiskIsErasedOnlyWhenTheUserSaysSo)
     EXPECT_EQ(Write(true), arc::VolumeStatus::Cancelled);
     EXPECT_TRUE(files.Exists("A:\\holiday.jpg"));
 
+    // Nor when the drive is found empty and the first is asked for.
+    Change(3);
+    files.FailFrom(1, 2);
+    const auto putIn = [this](int, char) {
+        Change(2);
+        return true;
+    };
+    EXPECT_CALL(prompts, Insert).WillOnce(putIn).WillRepeatedly(testing::DoDefault());
+    EXPECT_CALL(prompts, UseAnyway(IDS_ARC_DISK_NOT_PATIENT)).WillOnce(Return(false)).RetiresOnSaturation();
+    arc::DisketteVolumes volumes(files, prompts, 'A', patient, true);
+    std::unique_ptr<arc::File> volume;
+    std::uint64_t capacity = 0;
+    EXPECT_EQ(volumes.OpenForWriting(1, volume, capacity), arc::VolumeStatus::Cancelled);
+    EXPECT_TRUE(files.Exists("A:\\holiday.jpg"));
+    files.FailFrom(0);
+
     EXPECT_CALL(prompts, UseAnyway).WillRepeatedly(Return(true));
     EXPECT_EQ(Write(), arc::VolumeStatus::Done);
     EXPECT_FALSE(files.Exists("A:\\holiday.jpg"));
@@ -318,6 +338,28 @@ TEST_F(DisketteVolumesTest, AWrongDiskIsAskedAboutWhileReading)
     EXPECT_CALL(prompts, Insert(1, 'A')).WillOnce(other);
     EXPECT_CALL(prompts, InsertRight(1, 'A')).WillOnce(other).WillOnce(Return(false));
     EXPECT_EQ(Verify(), arc::VolumeStatus::Cancelled);
+}
+
+// What cannot be read is told, asked for again, and gone on with where it was, whichever call fails.
+TEST_F(DisketteVolumesTest, AFaultInsideAVolumeDoesNotEndTheReading)
+{
+    PutInWhatIsAskedFor();
+    ASSERT_EQ(Write(), arc::VolumeStatus::Done);
+    Change(0);
+    const auto both = disks;
+    int nTold = 0;
+    ON_CALL(prompts, Unreadable).WillByDefault([&](char) { ++nTold; });
+    for (int call = 1; call <= 60; ++call)
+    {
+        disks = both;
+        Change(1);
+        const int nBefore = nTold;
+        files.FailFrom(call, 1);
+        EXPECT_TRUE(Verify() == arc::VolumeStatus::Done || nTold == nBefore) << call;
+        files.FailFrom(0);
+        Change(0);
+    }
+    EXPECT_GT(nTold, 4); // at opening and reading two headers, and behind them
 }
 
 TEST_F(DisketteVolumesTest, ADiskThatCannotBeWrittenOrReadIsTold)

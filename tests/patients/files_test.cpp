@@ -132,12 +132,13 @@ TEST_F(PatientFiles, OneOfTheEarlierFormatHasThePlaceForATime)
     database.practice.WriteFile("working/A1.ORIGINALPF", "left by a process that ended");
     dbCPatients::Open(database.Path().c_str());
     EXPECT_EQ(names(), std::set<std::string>{"A1.PF"});
-    EXPECT_EQ(database.practice.ReadFile("working/A1.PF"), "left by a process that ended");
+    EXPECT_EQ(database.practice.ReadFile("working/A1.PF").find("Lee\x01"), 0U) << "of what is stored now";
+    const std::string stored = database.practice.ReadFile("working/A1.PF");
     {
         const OpenFile viewer(database.practice.Working() + "A1.PF");
         EXPECT_EQ(ErrorOf([&] { const patCEarlierFile earlier(patient); }), dbErrIO);
     }
-    EXPECT_EQ(database.practice.ReadFile("working/A1.PF"), "left by a process that ended");
+    EXPECT_EQ(database.practice.ReadFile("working/A1.PF"), stored);
 }
 
 TEST_F(PatientFiles, WithoutOptionNoFileIsWritten)
@@ -168,11 +169,14 @@ TEST_F(PatientFiles, WhatADeadProcessWasWritingGoesWithTheNextOpening)
     const std::string dead = std::string("A1.PF~7ffffff1@") + szComputer;
     database.practice.WriteFile("working/" + dead, "half a fi");
     database.practice.WriteFile("working/A1.PF~7ffffff1@ELSEWHERE", "another computer's");
+    // What the system refuses to look for may be there.
+    database.Execute("INSERT INTO placedFiles (token, name) VALUES ('dead', 'A1?.I0A')");
     const CString strPath = dbCPatients::GetPath();
     dbCPatients::Close();
     dbCPatients::Open(strPath);
     EXPECT_EQ(FilesIn(database.practice.Working()),
               (std::set<std::string>{"A1.PF", "A1.PF~7ffffff1@ELSEWHERE"}));
+    EXPECT_EQ(database.Execute("SELECT count(*) FROM placedFiles"), std::vector<std::string>{"1"});
 }
 
 TEST_F(PatientFiles, AFileInUseIsRemovedWithTheNextOpening)
@@ -189,6 +193,18 @@ TEST_F(PatientFiles, AFileInUseIsRemovedWithTheNextOpening)
     dbCPatients::Open(database.Path().c_str());
     EXPECT_TRUE(dbCPatients().IsIDFree("A1"));
     EXPECT_TRUE(FilesIn(database.practice.Working()).empty());
+}
+
+TEST_F(PatientFiles, APatientFileInUseIsWrittenWithTheNextOpening)
+{
+    dbCPatient patient = Saved(NewPatient("A1"));
+    {
+        const OpenFile viewer(database.practice.Working() + "A1.PF");
+        patient.SetLastname("Newest");
+        patient.Save();
+    }
+    dbCPatients::Open(database.Path().c_str());
+    EXPECT_EQ(database.practice.ReadFile("working/A1.PF").find("Newest\x01"), 0U);
 }
 
 TEST_F(PatientFiles, AnIDIsNotChangedWhileAFileIsInUseOrItsNameTaken)

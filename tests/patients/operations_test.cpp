@@ -1,6 +1,7 @@
 // Operations on records and files together: ended at any step, and seen by another seat while under way, they
 // leave the whole practice as it was before or as it is afterwards.
 
+#include "suite/patients/files/dbplacement.h"
 #include "tests/patients/practicestate.h"
 #include "tests/support/childprocess.h"
 
@@ -264,6 +265,12 @@ TEST(Operations, AnotherSeatLeavesAloneWhatALivingOneIsAt)
     other.SetID("A1");
     EXPECT_EQ(ErrorOf([&] { other.Save(); }), dbErrFilesPending);
     EXPECT_EQ(ErrorOf([] { dbCPatients().DeletePatient("Z9"); }), dbErrFilesPending);
+    for (const char* pszName : {"Z900.I0A", "A100.I0A"})
+    {
+        dbCFilePlacement placement;
+        placement.Add(database.Path().c_str(), pszName, false);
+        EXPECT_EQ(ErrorOf([&] { placement.Note(); }), dbErrExists) << pszName;
+    }
     seat.Go();
     FullPatient("A1").Save();
     EXPECT_EQ(FilesOf(database.practice.Working()).count("Z900.I0A"), 1U);

@@ -121,7 +121,7 @@ bool IsRecorded(const std::string& name)
 bool RemoveUnrecorded(const CString& strFolder, const CString& strName)
 {
     const CString strPath = strFolder + strName;
-    return !velFileExists(strPath) || IsRecorded(strName.GetString()) || DeleteFileA(strPath);
+    return patIsGone(strPath) || IsRecorded(strName.GetString()) || DeleteFileA(strPath);
 }
 } // namespace
 

@@ -214,12 +214,13 @@ void FollowNoted(__int64 nRow, LPCTSTR pszID)
     dbStep("patientFile.done");
 }
 
-/// Runs a piece of work that is taken up again later when it fails.
-template <typename Work> void Attempt(Work work) noexcept
+/// Runs a piece of work that is taken up again later when it fails; false when it does.
+template <typename Work> bool Attempt(Work work) noexcept
 {
     try
     {
         work();
+        return true;
     }
     catch (CException* e)
     {
@@ -228,6 +229,7 @@ template <typename Work> void Attempt(Work work) noexcept
     catch (...)
     {
     }
+    return false;
 }
 } // namespace
 
@@ -291,6 +293,12 @@ void patFollowAtCommit(LPCTSTR pszID)
         Attempt([&] { FollowNoted(nRow, strID); });
     });
     dbStep("patientFile.noted");
+}
+
+bool patFollowNow(LPCTSTR pszID)
+{
+    dbCStatement("INSERT INTO patientFileWork (patientID) VALUES (?)").Bind(pszID).Run();
+    return Attempt([nRow = dbCSession::Current().GetLastRow(), pszID] { FollowNoted(nRow, pszID); });
 }
 
 void patFinishPatientFiles() noexcept

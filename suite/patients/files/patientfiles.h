@@ -47,6 +47,10 @@ void patRequireWorkingFolder();
 /// committed. Steps: "patientFile.noted", "patientFile.committed", "patientFile.written", "patientFile.done".
 void patFollowAtCommit(LPCTSTR pszID);
 
+/// Has it written, or removed, now; outside of transactions. False when that fails, and is left to the next
+/// opening.
+bool patFollowNow(LPCTSTR pszID);
+
 /// Does what is left of it from earlier. Throws nothing.
 void patFinishPatientFiles() noexcept;
 

@@ -1,6 +1,7 @@
 // Storing a patient that comes from an archive: what it refers to is found or made in this practice.
 
 #include "suite/patients/records/dbdoctors.h"
+#include "suite/patients/records/dboffices.h"
 #include "suite/patients/records/dbpatients.h"
 #include "suite/patients/records/dbpatientstore.h"
 #include "suite/patients/store/dbtext.h"
@@ -19,6 +20,15 @@ CString Match(std::string_view byGuid, std::string_view byName, const CString& s
     dbCStatement named(byName);
     named.BindUtf8(dbFold(strName.GetString()));
     return named.Step() ? named.Text(0) : CString();
+}
+
+/// The same, and where there is no such row but a name, the GUID of the one that is added for it.
+template <typename Add>
+CString Require(std::string_view byGuid, std::string_view byName, const CString& strGUID,
+                const CString& strName, Add add)
+{
+    const CString strFound = Match(byGuid, byName, strGUID, strName);
+    return strFound.IsEmpty() && !dbFold(strName.GetString()).empty() ? add(strName) : strFound;
 }
 
 using Emails = std::map<CString, dbCPersonEmails>;
@@ -105,12 +115,14 @@ BOOL dbCPatients::AddFromArchive(dbCPatient& patient)
     dbCPatient added = patient;
     added.m_bStored = FALSE;
     added.m_strLoadedID.Empty();
-    added.SetOfficeID(Match("SELECT 1 FROM offices WHERE guid = ?",
-                            "SELECT guid FROM offices WHERE nameKey = ?", added.GetOfficeID(),
-                            added.m_strArchiveOffice));
-    added.SetStatusID(Match("SELECT 1 FROM statuses WHERE guid = ?",
-                            "SELECT guid FROM statuses WHERE nameKey = ?", added.GetStatusID(),
-                            added.m_strArchiveStatus));
+    added.SetOfficeID(Require("SELECT 1 FROM offices WHERE guid = ?",
+                              "SELECT guid FROM offices WHERE nameKey = ?", added.GetOfficeID(),
+                              added.m_strArchiveOffice,
+                              [](const CString& str) { return dbCOfficeLocations().AddOffice(str); }));
+    added.SetStatusID(Require("SELECT 1 FROM statuses WHERE guid = ?",
+                              "SELECT guid FROM statuses WHERE nameKey = ?", added.GetStatusID(),
+                              added.m_strArchiveStatus,
+                              [](const CString& str) { return dbCPatientStatusList().AddStatus(str); }));
     for (auto person = added.m_persons.begin(); person != added.m_persons.end();)
     {
         if (person->first == dbPersonGuardian)
@@ -142,12 +154,11 @@ BOOL dbCPatients::AddFromArchive(dbCPatient& patient)
     for (dbCInsurance& insurance : added.m_insurances)
     {
         insurance.SetInsuranceGUID(dbNewGUID());
-        CString strCompany = Match("SELECT 1 FROM insuranceCompanies WHERE guid = ?",
-                                   "SELECT guid FROM insuranceCompanies WHERE nameKey = ?",
-                                   insurance.GetCompanyGUID(), insurance.GetCompanyName());
-        if (strCompany.IsEmpty() && !insurance.GetCompanyName().IsEmpty())
-            strCompany = dbCInsuranceCompanies::FindOrAdd(insurance.GetCompanyName());
-        insurance.SetCompanyGUID(strCompany);
+        insurance.SetCompanyGUID(
+            Require("SELECT 1 FROM insuranceCompanies WHERE guid = ?",
+                    "SELECT guid FROM insuranceCompanies WHERE nameKey = ?", insurance.GetCompanyGUID(),
+                    insurance.GetCompanyName(),
+                    [](const CString& str) { return dbCInsuranceCompanies::FindOrAdd(str); }));
     }
     for (patCTimepoint& timepoint : added.m_timepoints)
     {

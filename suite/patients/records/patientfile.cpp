@@ -1,6 +1,8 @@
 #include "suite/patients/records/patientfile.h"
 
+#include "suite/patients/files/filehandle.h"
 #include "suite/patients/files/patientfiles.h"
+#include "suite/patients/records/dbpatients.h"
 #include "suite/patients/store/dbexception.h"
 #include "suite/util/velpath.h"
 
@@ -17,7 +19,18 @@ std::string ReadText(LPCTSTR pszPath)
     text.resize(file.Read(text.data(), static_cast<UINT>(text.size())));
     return text;
 }
+
+/// False while the process that moved the file away lives.
+bool PutBack(const CString& strOriginal, const CString& strFile)
+{
+    return MoveFileExA(strOriginal, strFile, MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != FALSE;
+}
 } // namespace
+
+BOOL patRenewPatientFile(LPCTSTR pszID)
+{
+    return patFollowNow(pszID);
+}
 
 BOOL patReadPatientFile(LPCTSTR pszPath, dbCPatient& patient)
 {
@@ -55,8 +68,8 @@ patCEarlierFile::patCEarlierFile(const dbCPatient& patient)
     const CString strFolder = velGetDataPath();
     m_strFile = strFolder + patient.GetID() + ".PF";
     m_strOriginal = strFolder + patient.GetID() + ".ORIGINALPF";
-    RestoreAbandoned();
-    const bool bHasOwn = velFileExists(m_strFile) != FALSE;
+    PutBack(m_strOriginal, m_strFile); // left by a process that ended
+    const bool bHasOwn = !patIsGone(m_strFile);
     if (bHasOwn && !MoveFileA(m_strFile, m_strOriginal))
         dbCException::Throw(dbErrIO, m_strFile);
     m_hOriginal =
@@ -91,7 +104,7 @@ void patCEarlierFile::Restore() noexcept
         return;
     }
     CloseHandle(m_hOriginal);
-    MoveFileExA(m_strOriginal, m_strFile, MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH);
+    PutBack(m_strOriginal, m_strFile);
 }
 
 void patCEarlierFile::RestoreAbandoned() noexcept
@@ -106,8 +119,8 @@ try
     {
         strFilename file(strFolder + names[i]);
         file.SetExt("PF");
-        // Fails while the process that moved it lives.
-        MoveFileExA(strFolder + names[i], file.GetFull(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH);
+        if (PutBack(strFolder + names[i], file.GetFull()) && !dbCPatients().IsIDFree(file.GetName()))
+            patFollowNow(file.GetName());
     }
 }
 catch (CException* e)
