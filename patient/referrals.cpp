@@ -74,7 +74,6 @@ void patCReferrals::SetFirstDoctor(const std::string& strDoctorID, const std::st
     {
         first.strDoctorID = m_replaced->strDoctorID;
         first.strDoctor = m_replaced->strDoctor;
-        m_replaced.reset();
     }
 }
 

@@ -307,7 +307,7 @@ TEST_F(SheetFieldsTest, DataFillEveryPageAndArriveWhetherItIsOpenedOrNot)
                 sheet.SelectPage(pat::ReferralPage);
                 EXPECT_EQ(sheet.Item(IDC_ROWS_LIST).Rows(), referrals);
                 sheet.SelectPage(pat::InsurancePage);
-                EXPECT_EQ(sheet.Item(IDC_ROWS_LIST).Rows()[0][0], "Harbour Mutual");
+                EXPECT_EQ(sheet.Item(IDC_ROWS_LIST).Rows().size(), 1u);
             }
             sheet.Press(IDOK);
             EXPECT_EQ(script.WaitForBox().Title(), "Similar Patient");
