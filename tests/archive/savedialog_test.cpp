@@ -382,6 +382,23 @@ TEST_F(ArchiveDialogTest, RefusesAnIDThatIsADevice)
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(m_practice.Path("archive")), {}), 1);
 }
 
+TEST_F(ArchiveDialogTest, KeepsArchivesOutOfTheWorkingFolder)
+{
+    const std::string folder = m_practice.Path("archive\\");
+    const auto toUnix = reinterpret_cast<char*(CDECL*)(const WCHAR*)>(reinterpret_cast<void*>(
+        ::GetProcAddress(::GetModuleHandle("kernel32.dll"), "wine_get_unix_file_name")));
+    ASSERT_NE(toUnix, nullptr);
+    char* const otherDrive = toUnix(std::filesystem::path(folder).c_str());
+    for (const std::string& working : {folder, "Z:" + std::string(otherDrive)})
+    {
+        m_practice.Set("Environment", "WORKING", working);
+        StorePatient("A1");
+        ExpectRefused(1, "This folder holds the live patient files.  Please save the archive in another folder.");
+        m_patients.DeletePatient("A1");
+    }
+    ::HeapFree(::GetProcessHeap(), 0, otherDrive);
+}
+
 TEST_F(ArchiveDialogTest, LaysOutASelfStartingDisc)
 {
     StorePatient("A1");
