@@ -119,21 +119,6 @@ BEGIN_MESSAGE_MAP(CBasicDialog, CDialog)
 ON_BN_CLICKED(IDC_ACTION, &CBasicDialog::OnAction)
 END_MESSAGE_MAP()
 
-// A plain top-level window to own dialogs.
-class COwner : public CWnd
-{
-public:
-    COwner()
-    {
-        CreateEx(0, AfxRegisterWndClass(0), "Owner", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 300, 200,
-                 nullptr, nullptr);
-    }
-    ~COwner() override
-    {
-        DestroyWindow();
-    }
-};
-
 class MfcDialog : public ::testing::Test
 {
 protected:

@@ -38,3 +38,18 @@ public:
 private:
     CString m_text;
 };
+
+// A plain top-level window to own dialogs.
+class COwner : public CWnd
+{
+public:
+    COwner()
+    {
+        CreateEx(0, AfxRegisterWndClass(0), "Owner", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 300, 200,
+                 nullptr, nullptr);
+    }
+    ~COwner() override
+    {
+        DestroyWindow();
+    }
+};

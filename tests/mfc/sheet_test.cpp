@@ -129,20 +129,14 @@ ON_COMMAND(IDOK, &CKeysSheet::OnOK)
 END_MESSAGE_MAP()
 
 // A main window with a field that has the focus before the sheet opens.
-class COwner : public CWnd
+class CFieldOwner : public COwner
 {
 public:
-    COwner()
+    CFieldOwner()
     {
-        CreateEx(0, AfxRegisterWndClass(0), "Owner", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 300, 200,
-                 nullptr, nullptr);
         m_field.CWnd::Create("EDIT", nullptr, WS_CHILD | WS_VISIBLE, CRect(0, 0, 100, 20), this, 1);
         SetForegroundWindow();
         m_field.SetFocus();
-    }
-    ~COwner() override
-    {
-        DestroyWindow();
     }
     CEdit m_field;
 
@@ -154,7 +148,7 @@ protected:
     DECLARE_MESSAGE_MAP()
 };
 
-BEGIN_MESSAGE_MAP(COwner, CWnd)
+BEGIN_MESSAGE_MAP(CFieldOwner, COwner)
 ON_WM_SETFOCUS()
 END_MESSAGE_MAP()
 
@@ -175,7 +169,7 @@ protected:
         return ::GetDlgCtrlID(script.FocusOf(open.Handle()));
     }
 
-    COwner m_owner;
+    CFieldOwner m_owner;
     CKeysSheet m_sheet{&m_owner};
 };
 
