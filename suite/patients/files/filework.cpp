@@ -290,6 +290,19 @@ void patCFileWork::Note()
         RequireNonePending(m_strNewID);
     if (m_files.empty())
         return;
+    // A name that somebody is placing a file under is that file's until its patient is stored, or it is gone again.
+    dbCStatement placed("SELECT 1 FROM placedFiles WHERE name = ? COLLATE NOCASE");
+    for (const patSFileState& file : m_files)
+    {
+        for (const CString& strName :
+             {CString(file.name.c_str()), m_kind == Rename ? NewName(file.name, m_strID, m_strNewID) : CString()})
+        {
+            placed.Bind(strName);
+            if (placed.Step())
+                dbCException::Throw(dbErrFilesPending, m_strID);
+            placed.Reset();
+        }
+    }
     dbCStatement(
         "INSERT INTO fileWork (kind, patientID, newID, claim, listed) VALUES (?, ?, ?, ?, 1)")
         .Bind(static_cast<int>(m_kind))
