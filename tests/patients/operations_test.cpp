@@ -277,6 +277,20 @@ TEST(Operations, AnotherSeatLeavesAloneWhatALivingOneIsAt)
     EXPECT_EQ(FilesOf(database.practice.Working()).count("A100.I0A"), 0U);
 }
 
+TEST(Operations, LeaveAloneWhatSomebodyIsPlacing)
+{
+    const FilledPractice database;
+    for (const char* pszName : {"Y800.I0A", "A100.I0A"})
+    {
+        dbCFilePlacement placement;
+        placement.Add(database.Path().c_str(), pszName, false);
+        placement.Note();
+        dbCPatient patient = Loaded("A1");
+        patient.SetID("Y8");
+        EXPECT_EQ(ErrorOf([&] { patient.Save(); }), dbErrFilesPending) << pszName;
+    }
+}
+
 TEST(Operations, WhatAKilledOneWasAtIsDoneByTheNextToOpen)
 {
     PausedSeat seat("rename");
