@@ -1,6 +1,7 @@
 // The live patient files: the ".PF" file, renaming with the ID, removal with the patient.
 
 #include "suite/patients/files/dbplacement.h"
+#include "suite/patients/files/flusher.h"
 #include "suite/patients/records/patientfile.h"
 #include "suite/patients/store/dbsteps.h"
 #include "tests/patients/testdatabase.h"
@@ -238,7 +239,7 @@ TEST_F(PatientFiles, ChangingOnlyTheLetterCaseOfAnID)
                         "AB1\x01"),
               0U);
 }
-// More files than are open at once; the last is copied in several pieces.
+// The last is copied in several pieces.
 constexpr size_t PLACED = 66;
 
 std::string PlacedName(size_t n)
@@ -401,6 +402,30 @@ TEST_F(Placement, MovesWhatItMayTakeAndCopiesTheRest)
             std::filesystem::remove(working + PlacedName(n));
         }
         EXPECT_TRUE(FilesIn(working).empty());
+    }
+}
+
+TEST_F(Placement, TellsWhatCannotBeBroughtToTheDiskAndLeavesNothingOpen)
+{
+    for (const int nBad : {-1, 0, 150, 199}) // of 200, which are more than wait at once
+    {
+        std::optional<patCFlusher> flusher(std::in_place);
+        m_database.practice.WriteFile("temp/x", "x");
+        const int nError = ErrorOf([&] {
+            for (int n = 0; n < 200; ++n)
+            {
+                const DWORD dwAccess =
+                    n == nBad ? GENERIC_READ : GENERIC_WRITE; // without it nothing is flushed
+                flusher->Add(patOpenFile(m_database.practice.Path("temp\\x").c_str(), dwAccess,
+                                         FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_EXISTING),
+                             "x");
+            }
+            flusher->Finish();
+        });
+        EXPECT_EQ(nError, nBad < 0 ? dbErrNone : dbErrIO) << nBad;
+        if (nBad >= 0)
+            flusher.reset();
+        EXPECT_TRUE(DeleteFileA(m_database.practice.Path("temp\\x").c_str())) << nBad;
     }
 }
 

@@ -2,14 +2,14 @@
 
 #include "suite/patients/files/filefamily.h"
 #include "suite/patients/files/filehandle.h"
+#include "suite/patients/files/flusher.h"
+#include "suite/patients/files/handeddownrights.h"
 #include "suite/patients/files/lifetoken.h"
 #include "suite/patients/files/patimagetypes.h"
 #include "suite/patients/store/dbcore.h"
 #include "suite/patients/store/dbsteps.h"
 #include "suite/patients/store/dbtransaction.h"
 #include "suite/util/velpath.h"
-
-#include <aclapi.h>
 
 #include <algorithm>
 #include <array>
@@ -18,7 +18,6 @@
 namespace
 {
 constexpr DWORD COPY_BUFFER = 128 * 1024; // on the stack: copying asks for no memory
-constexpr size_t OPEN_AT_ONCE = 64;       // files that wait for being flushed
 
 /// Copies into a file that was just made. The error code, 0 when everything was taken, ERROR_CANCELLED when
 /// it was stopped.
@@ -53,16 +52,6 @@ bool Rename(HANDLE hFile, const std::string& path)
         return false;
     rename.info.FileNameLength = static_cast<DWORD>(static_cast<size_t>(nLength - 1) * sizeof(WCHAR));
     return SetFileInformationByHandle(hFile, FileRenameInfo, &rename, sizeof(rename)) != FALSE;
-}
-
-/// Gives a file the access rights that its folder hands down, and no others.
-bool InheritRights(std::string path)
-{
-    ACL none;
-    return InitializeAcl(&none, sizeof(none), ACL_REVISION) &&
-           SetNamedSecurityInfoA(path.data(), SE_FILE_OBJECT,
-                                 DACL_SECURITY_INFORMATION | UNPROTECTED_DACL_SECURITY_INFORMATION, nullptr,
-                                 nullptr, &none, nullptr) == ERROR_SUCCESS;
 }
 
 /// Whether only who encrypted the file can read it, wherever it is moved.
@@ -210,8 +199,8 @@ bool dbCFilePlacement::CarryAll(const Progress& progress)
     for (const File& file : m_files)
         nTotal += file.nBytes;
     m_placed.reserve(m_files.size()); // what was made is remembered without fail
-    Unflushed placed;
-    placed.reserve(OPEN_AT_ONCE);
+    patCHandedDownRights rights;
+    patCFlusher flusher;
     for (const File& file : m_files)
     {
         __int64 nOfFile = 0;
@@ -225,28 +214,25 @@ bool dbCFilePlacement::CarryAll(const Progress& progress)
         };
         if (!report())
             return false;
-        Handle hPlaced = CarryOne(file, copied);
-        if (!hPlaced)
+        Handle placed = CarryOne(file, rights, copied);
+        if (!placed)
             return false;
-        placed.push_back(std::move(hPlaced));
+        flusher.Add(std::move(placed), m_placed.back());
         nDone += file.nBytes;
-        if (placed.size() == OPEN_AT_ONCE || &file == &m_files.back())
-        {
-            dbStep("place.copied");
-            Flush(placed);
-        }
     }
+    dbStep("place.copied");
+    flusher.Finish();
     return true;
 }
 
 /// Answers the file in its place, still open, so that nobody comes between writing and flushing; null when it
 /// was stopped.
-patCHandle dbCFilePlacement::CarryOne(const File& file, const Copied& copied)
+patCHandle dbCFilePlacement::CarryOne(const File& file, patCHandedDownRights& rights, const Copied& copied)
 {
     std::string path = m_strFolder.GetString() + file.name;
     if (file.bTake)
     {
-        if (patCHandle taken = Take(file, path))
+        if (patCHandle taken = Take(file, path, rights))
             return taken;
     }
     const patCHandle from = patOpenFile(file.source.c_str(), GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING,
@@ -274,33 +260,20 @@ patCHandle dbCFilePlacement::CarryOne(const File& file, const Copied& copied)
 }
 
 /// Moves the source to its place; null, with nothing moved, when it has to be copied.
-patCHandle dbCFilePlacement::Take(const File& file, const std::string& path)
+patCHandle dbCFilePlacement::Take(const File& file, const std::string& path, patCHandedDownRights& rights)
 {
-    patCHandle taken =
-        patOpenFile(file.source.c_str(), GENERIC_READ | GENERIC_WRITE | DELETE, 0, OPEN_EXISTING);
+    constexpr DWORD dwAccess = GENERIC_READ | GENERIC_WRITE | DELETE | READ_CONTROL | WRITE_DAC;
+    patCHandle taken = patOpenFile(file.source.c_str(), dwAccess, 0, OPEN_EXISTING);
     if (!taken || IsEncrypted(file.source) || !Rename(taken.get(), path))
         return nullptr;
     m_placed.push_back(path);
     dbStep("place.made");
-    if (InheritRights(path))
+    if (rights.Give(taken.get(), path))
         return taken;
     if (!Rename(taken.get(), file.source))
         patThrowFileError(ERROR_ACCESS_DENIED, path.c_str());
     m_placed.pop_back();
     return nullptr;
-}
-
-/// Has the files placed last on the disk, which has written most of them by itself, and closes them. One
-/// after another: only an administrator may have a whole volume written at once.
-void dbCFilePlacement::Flush(Unflushed& placed)
-{
-    const size_t nFirst = m_placed.size() - placed.size();
-    for (size_t i = 0; i < placed.size(); ++i)
-    {
-        if (!FlushFileBuffers(placed[i].get()))
-            patThrowFileError(GetLastError(), m_placed[nFirst + i].c_str());
-    }
-    placed.clear();
 }
 
 void dbCFilePlacement::Keep()

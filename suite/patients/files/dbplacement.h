@@ -63,11 +63,9 @@ private:
     void RemovePlaced() noexcept;
     void Undo() noexcept;
     using Handle = std::unique_ptr<void, struct patCHandleCloser>;
-    using Unflushed = std::vector<Handle>;
     using Copied = std::function<bool(DWORD dwBytes)>; ///< false stops
-    Handle CarryOne(const File& file, const Copied& copied);
-    Handle Take(const File& file, const std::string& path);
-    void Flush(Unflushed& placed);
+    Handle CarryOne(const File& file, class patCHandedDownRights& rights, const Copied& copied);
+    Handle Take(const File& file, const std::string& path, patCHandedDownRights& rights);
 
     std::vector<File> m_files;
     std::vector<std::string> m_placed; ///< paths that this object made
