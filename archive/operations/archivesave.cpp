@@ -27,8 +27,10 @@
 
 namespace
 {
-/// Sets or clears a file's hidden attribute by the system's own command, which goes on by itself. Only the
-/// system's folder is looked into for it. For a thread that ends soon.
+constexpr DWORD ATTRIB_PATIENCE = 5000; // ms
+
+/// Sets or clears a file's hidden attribute by the system's own command, and waits for its end, but not for
+/// ever. Only the system's folder is looked into for it. For a thread that ends soon.
 void SetHidden(const CString& strPath, bool bHidden)
 {
     char szSystem[MAX_PATH];
@@ -39,14 +41,18 @@ void SetHidden(const CString& strPath, bool bHidden)
     const CString strArguments = CString(bHidden ? "+h " : "-h ") + "\"" + strPath + "\"";
     SHELLEXECUTEINFO info{};
     info.cbSize = sizeof(info);
-    info.fMask = SEE_MASK_NOASYNC | SEE_MASK_FLAG_NO_UI;
+    info.fMask = SEE_MASK_NOASYNC | SEE_MASK_FLAG_NO_UI | SEE_MASK_NOCLOSEPROCESS;
     info.lpVerb = "open";
     info.lpFile = strCommand;
     info.lpParameters = strArguments;
     info.lpDirectory = szSystem;
     info.nShow = SW_HIDE;
     const HRESULT hrCOM = ::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE);
-    ::ShellExecuteEx(&info);
+    if (::ShellExecuteEx(&info) && info.hProcess != nullptr)
+    {
+        ::WaitForSingleObject(info.hProcess, ATTRIB_PATIENCE);
+        ::CloseHandle(info.hProcess);
+    }
     if (SUCCEEDED(hrCOM))
         ::CoUninitialize();
 }
