@@ -289,6 +289,21 @@ TEST(Operations, LeaveAloneWhatSomebodyIsPlacing)
         patient.SetID("Y8");
         EXPECT_EQ(ErrorOf([&] { patient.Save(); }), dbErrFilesPending) << pszName;
     }
+    // Who died at it is not waited for.
+    const auto die = [&](const char* pszName) {
+        database.practice.WriteFile("working/" + std::string(pszName), "half an image");
+        database.Execute(
+            ("INSERT INTO placedFiles (token, name) VALUES ('dead', '" + std::string(pszName) + "')")
+                .c_str());
+    };
+    die("Y800.I0A");
+    dbCPatient patient = Loaded("A1");
+    patient.SetID("Y8");
+    EXPECT_EQ(ErrorOf([&] { patient.Save(); }), dbErrNone);
+    EXPECT_EQ(database.practice.ReadFile("working/Y800.I0A"), "A100.I0A");
+    die("Y807.M");
+    EXPECT_EQ(ErrorOf([] { dbCPatients().DeletePatient("Y8"); }), dbErrNone);
+    EXPECT_EQ(database.Execute("SELECT name FROM placedFiles"), std::vector<std::string>());
 }
 
 TEST(Operations, WhatAKilledOneWasAtIsDoneByTheNextToOpen)

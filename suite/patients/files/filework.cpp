@@ -1,5 +1,6 @@
 #include "suite/patients/files/filework.h"
 
+#include "suite/patients/files/dbplacement.h"
 #include "suite/patients/files/filefamily.h"
 #include "suite/patients/files/filehandle.h"
 #include "suite/patients/files/lifetoken.h"
@@ -260,6 +261,7 @@ patCFileWork::~patCFileWork() = default;
 std::shared_ptr<patCFileWork> patCFileWork::BeginRename(LPCTSTR pszOldID, LPCTSTR pszNewID)
 {
     RequireNonePending(pszNewID);
+    dbCFilePlacement::RemoveAbandoned(); // who died placing files is not waited for
     patFileStates files = patListFiles(pszOldID);
     RemovePatientFile(files, pszOldID);
     // Only the letter case differs: on Windows these are the same files, and nothing is in the way.
@@ -279,6 +281,7 @@ std::shared_ptr<patCFileWork> patCFileWork::BeginRename(LPCTSTR pszOldID, LPCTST
 
 std::shared_ptr<patCFileWork> patCFileWork::BeginRemoval(Kind kind, LPCTSTR pszID, patFileStates files)
 {
+    dbCFilePlacement::RemoveAbandoned();
     return std::shared_ptr<patCFileWork>(new patCFileWork(kind, pszID, "", std::move(files)));
 }
 
