@@ -26,7 +26,7 @@ function(vel_suite_library target output)
 endfunction()
 
 # Tests of plain rules; run natively under the sanitizers and once more as a Windows program.
-# vel_rules_test(chart_rules_test chart_rules_test.cpp [LIBS ...])
+# vel_rules_test(page_rules_test page_rules_test.cpp [LIBS ...])
 function(vel_rules_test name)
   cmake_parse_arguments(arg "" "" "LIBS" ${ARGN})
   add_executable(${name} ${arg_UNPARSED_ARGUMENTS})

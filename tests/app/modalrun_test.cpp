@@ -273,9 +273,6 @@ TEST_F(ModalRun, ScopesPutBackWhatTheySet)
     }
     EXPECT_EQ(state(), none);
 
-    EXPECT_FALSE(app.IsArchivingAllowed());
-    EXPECT_FALSE(app.SetArchivingAllowed(true));
-    EXPECT_TRUE(app.SetArchivingAllowed(false));
     app.SetArchiveOptions(3, 4);
     EXPECT_EQ(app.GetArchiveOption1(), 3);
     EXPECT_EQ(app.GetArchiveOption2(), 4);

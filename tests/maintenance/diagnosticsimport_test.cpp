@@ -32,7 +32,7 @@ protected:
             info.SetNote("note " + strCode);
             archived.GetArchiveDiagnostics().Add(info);
         }
-        const std::string path = m_practice.Path("archived.pf");
+        const std::string path = database.practice.Path("archived.pf");
         CFile file(path.c_str(), CFile::modeCreate | CFile::modeWrite);
         CArchive archive(&file, CArchive::store);
         archived.Serialize(archive, nFormat);
@@ -81,12 +81,12 @@ TEST_F(DiagnosticsImport, AnUnknownPatientIsRefusedAndAnUnreadableFileImportsNot
     for (const char* guid : {"", "{00000000-0000-0000-0000-000000000000}", static_cast<const char*>(nullptr)})
         EXPECT_FALSE(ImportPatientDiagnostics(good.c_str(), guid));
 
-    const std::string bytes = m_practice.ReadFile("archived.pf");
+    const std::string bytes = database.practice.ReadFile("archived.pf");
     const std::string contents[] = {
         "", "garbage", "VPA1", "VPA2", bytes.substr(0, bytes.size() / 2), "VPA2" + std::string(64, '\xFF')};
     for (const std::string& content : contents)
     {
-        m_practice.WriteFile("archived.pf", content);
+        database.practice.WriteFile("archived.pf", content);
         EXPECT_TRUE(ImportPatientDiagnostics(good.c_str(), m_strGUID));
     }
     for (const char* path : {"", "nowhere.pf", static_cast<const char*>(nullptr)})

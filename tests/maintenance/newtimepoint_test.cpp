@@ -66,12 +66,10 @@ TEST_F(NewTimepointDialog, OKFollowsNameAndDate)
     const auto type = [](DialogScript& script, const Dialog& dialog) {
         dialog.Item(IDC_NEWTP_DATE).SetDate(2026, 1, 15);
         const std::tuple<std::string, bool, bool> cases[] = {
-            {" ", false, false},
             {"a\tb", false, false},
             {"Start ", false, true},
             {" Start", true, true},
             {"start", true, true},
-            {"\xC4", true, true},
             {std::string(60, 'n'), true, true},
         };
         for (const auto& [name, ok, add] : cases)

@@ -3,11 +3,9 @@
 #include "app/exports/veldlgs.h"
 #include "app/settingscontainer.h"
 #include "maintenance/maintenanceres.h"
-#include "suite/patients/velpat.h"
+#include "tests/patients/testdatabase.h"
 #include "tests/support/dialogquality.h"
 #include "tests/support/dialogscript.h"
-#include "tests/support/sql.h"
-#include "tests/support/temporarypractice.h"
 
 #include <gmock/gmock.h>
 
@@ -15,7 +13,7 @@
 #include <vector>
 
 /// A practice with one patient, whose records a test changes through the module's dialogs.
-class PatientPractice : public testing::Test
+class PatientPractice : public DatabaseTest
 {
 protected:
     using Dialog = veltest::Dialog;
@@ -28,16 +26,8 @@ protected:
         velCDate date;
     };
 
-    PatientPractice()
-    {
-        m_practice.Set("Environment", "DatabaseTimeout", "500"); // milliseconds
-        dbCPatients::Create(m_practice.Path("patients.db").c_str());
-        m_patient =
-            Store("A1", "Ann", "Lee", {{"Start", velCDate(2024, 3, 4)}, {"Recall", velCDate(2025, 5, 6)}});
-    }
     ~PatientPractice() override
     {
-        dbCPatients::Close();
         AllowPatientChanges(1);
     }
 
@@ -49,16 +39,13 @@ protected:
 
     std::vector<std::string> Sql(const std::string& sql) const
     {
-        return veltest::RunSql(m_practice.Path("patients.db"), sql);
+        return database.Execute(sql.c_str());
     }
 
     static dbCPatient Store(const char* id, const char* first, const char* last,
                             const std::vector<Timepoint>& timepoints)
     {
-        dbCPatient patient;
-        patient.SetID(id);
-        patient.SetFirstname(first);
-        patient.SetLastname(last);
+        dbCPatient patient = NewPatient(id, last, first);
         patient.SetDate(velCDate(2023, 1, 2));
         for (const Timepoint& given : timepoints)
         {
@@ -67,20 +54,18 @@ protected:
             timepoint.SetDate(given.date);
             EXPECT_EQ(patient.GetTimepoints().Add(&patient, timepoint, TRUE, TRUE), 0);
         }
-        patient.Save();
-        return patient;
+        return Saved(patient);
     }
 
     /// What is stored of a patient's treatments ("code description active"), and behind it the timepoints
     /// ("number name|date|treatment").
     static std::vector<std::string> Stored(const char* id = "A1")
     {
-        dbCPatient patient;
-        EXPECT_TRUE(patient.Load(id));
+        const CString strGUID = Loaded(id).GetGUID();
         dbCPatientTreatmentStatusHistoryTable history;
-        history.LoadByPatID(patient.GetGUID());
+        history.LoadByPatID(strGUID);
         dbCTimepointsContainer timepoints;
-        timepoints.LoadByPatID(patient.GetGUID(), 0);
+        timepoints.LoadByPatID(strGUID, 0);
         std::vector<std::string> lines;
         for (const auto& row : history)
             lines.push_back((row.GetNewCode() + " " + row.GetDescription()).GetString() +
@@ -141,8 +126,8 @@ protected:
         EXPECT_TRUE(dialog.IsOpen());
     }
 
-    veltest::TemporaryPractice m_practice;
-    dbCPatient m_patient;
+    dbCPatient m_patient =
+        Store("A1", "Ann", "Lee", {{"Start", velCDate(2024, 3, 4)}, {"Recall", velCDate(2025, 5, 6)}});
     std::string m_caption = "Veltrix";
     std::string m_defaultAnswer = "Yes";
 };

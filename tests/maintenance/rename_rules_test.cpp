@@ -1,14 +1,109 @@
 #include "app/velenums.h"
+#include "maintenance/namerules.h"
 #include "maintenance/newtimepointrules.h"
 #include "maintenance/renamerules.h"
-#include "tests/maintenance/chartable.h"
 
 #include <gtest/gtest.h>
+
+#include <cctype>
 
 namespace
 {
 
-const CodePage letters;
+/// The characters of a code page: ASCII, two-byte letters that begin with 0x81 to 0x9F, and 0xE9 as a
+/// lower-case letter with the capital 0xC9.
+class CodePage : public maint::CharTable
+{
+public:
+    std::size_t LengthOf(std::string_view text) const override
+    {
+        const auto lead = static_cast<unsigned char>(text.front());
+        return text.size() > 1 && lead >= 0x81 && lead <= 0x9F ? 2 : 1;
+    }
+    unsigned TypeOf(std::string_view character) const override
+    {
+        const auto byte = static_cast<unsigned char>(character.front());
+        if (character.size() == 2 || byte == 0xE9 || byte == 0xC9)
+            return letter;
+        return (std::isalpha(byte) ? letter : 0U) | (std::isdigit(byte) ? digit : 0U) |
+               (std::iscntrl(byte) ? control : 0U);
+    }
+    char CapitalOf(char byte) const override
+    {
+        if (byte == '\xE9' || byte == '\x81')
+            return '\xC9';
+        return static_cast<char>(std::toupper(static_cast<unsigned char>(byte)));
+    }
+};
+
+const CodePage table;
+
+TEST(NameRules, CutsBetweenCharacters)
+{
+    const std::pair<const char*, const char*> cases[] = {
+        {"abc", "abc"},
+        {"abcd", "abc"},
+        {"ab\x81z", "ab"},
+        {"a\x81zb", "a\x81z"},
+        {"ab\x81", "ab\x81"}, // half a character of its own
+        {"", ""},
+    };
+    for (const auto& [text, expected] : cases)
+        EXPECT_EQ(maint::CutName(text, 3, table), expected);
+}
+
+TEST(NameRules, ShapesPatientNamesWhileTheyAreTyped)
+{
+    const std::pair<std::string, std::string> cases[] = {
+        {"ann", "Ann"},
+        {" \t\r\nann marie ", "Ann marie "},
+        {"\xE9mile", "\xC9mile"},
+        {"\x81ssa", "\x81ssa"}, // its second byte is no letter
+        {"  ", ""},
+        {std::string(10000, 'x'), "X" + std::string(258, 'x')},
+        {" " + std::string(260, 'x'), "X" + std::string(257, 'x')}, // cut first
+    };
+    for (const auto& [typed, shaped] : cases)
+        EXPECT_EQ(maint::ShapePatientName(typed, table), shaped);
+    EXPECT_EQ(maint::CaretAfterShaping(1, 5), 1U);
+    EXPECT_EQ(maint::CaretAfterShaping(6, 5), 5U);
+    EXPECT_EQ(maint::CaretAfterShaping(259, 300), 300U);
+}
+
+TEST(NameRules, KnowsWhatCanBeAName)
+{
+    const struct
+    {
+        std::string name;
+        bool patient;
+        bool timepoint;
+        bool newTimepoint;
+    } cases[] = {
+        {"", false, false, false},
+        {"Ann", true, true, true},
+        {"2nd O'Hara-Lee Jr.", true, true, true},
+        {"-Ann", false, true, true},
+        {" Ann", false, true, true},
+        {"Ann & Bob", false, true, true},
+        {"100% %1 <1> \"x\"", false, true, true},
+        {"A\x01", false, false, false},
+        {"A\tb", false, true, false},
+        {"\x81z\xE9", true, true, true},
+        {std::string(50, 'x'), true, true, true},
+        {std::string(51, 'x'), true, false, true},
+        {std::string(259, 'x'), true, false, true},
+        {std::string(260, 'x'), false, false, true},
+    };
+    for (const auto& c : cases)
+    {
+        EXPECT_EQ(maint::IsPatientName(c.name, table), c.patient) << c.name;
+        EXPECT_EQ(maint::IsTimepointName(c.name), c.timepoint) << c.name;
+        EXPECT_EQ(maint::IsNewTimepointName(c.name, table), c.newTimepoint) << c.name;
+    }
+    EXPECT_EQ(maint::TrimTimepointName(" Phase 1 \t\r\n"), " Phase 1");
+    EXPECT_EQ(maint::TrimTimepointName(" \v\f"), "");
+}
+
 const std::vector<std::string> treatments = {"{1}", "{2}", ""};
 
 TEST(RenameRules, ATreatmentIsFoundByItsExactIdAndChangedByAnotherSelection)
@@ -81,7 +176,7 @@ TEST(RenameRules, AppliesOnlyWhatIsChangedAndValid)
         state.treatmentsUsed = c.treatmentsUsed;
         state.treatments = {treatments, c.treatment};
         state.currentTreatment = "{1}";
-        EXPECT_EQ(maint::CanApply(state, letters), c.applies) << c.operation << ": " << c.what;
+        EXPECT_EQ(maint::CanApply(state, table), c.applies) << c.operation << ": " << c.what;
     }
 }
 

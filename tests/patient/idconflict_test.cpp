@@ -94,37 +94,20 @@ TEST(ChangePatientID, OffersTheRecordsOwnIDAndTakesWhatIsEntered)
     }
 }
 
-TEST(GetUniquePatID, TakesAnotherID)
-{
-    CGetUniquePatID dialog;
-    dialog.m_strTakenID = "A1";
-    dialog.m_strPatientName = "Lee & Sons, Ann";
-    RunDialog(dialog, IDOK, [](DialogScript&, const Dialog& window) {
-        EXPECT_EQ(window.Item(IDC_IDCONFLICT_MESSAGE).Text(),
-                  "Patient ID: A1 for patient \"Lee & Sons, Ann\" already exists in Veltrix. Please select "
-                  "another patient ID.");
-        EXPECT_EQ(window.Item(IDOK).Text(), "Create New");
-        EXPECT_EQ(window.Item(IDC_IDCONFLICT_ID).Text(), "");
-        EXPECT_TRUE(window.Item(IDC_IDCONFLICT_ID).HasFocus());
-        window.Item(IDC_IDCONFLICT_ID).Type(std::string(26, 'B'));
-        window.Item(IDC_IDCONFLICT_ID).PressKey(VK_RETURN);
-    });
-    EXPECT_STREQ(dialog.m_strResultID, std::string(25, 'B').c_str());
-}
-
-TEST(IDConflict, DialogsLookAsTheyShouldCancelGivesNothingAndAnEmptyIDIsLeftToTheCaller)
+TEST(IDConflict, CancelGivesNothingEnterTakesTheIDAndAnEmptyOneIsLeftToTheCaller)
 {
     const veltest::TemporaryPractice practice;
     practice.Set("defaults", "DebugHelp", "1");
     const CString strLong = "Wilhelmina Josephine van der Westhuizen-Montgomery";
     SamePerson same("A1");
-    same.m_strExistingPatient = strLong + ", " + strLong + " ID:A1";
+    same.m_strExistingPatient = strLong + " & Sons, " + strLong + " ID:A1";
     CGetUniquePatID taken;
     taken.m_strTakenID = "WESTHUIZEN-MONTGOMERY-199";
-    taken.m_strPatientName = strLong + ", " + strLong;
+    taken.m_strPatientName = strLong + " & Sons, " + strLong;
     const auto look = [](CDialog& dialog, const CString& strResultID, const char* pszPicture, int nTopic) {
         RunDialog(dialog, IDCANCEL, [=](DialogScript& script, const Dialog& window) {
             veltest::ExpectWellMade(window, pszPicture);
+            EXPECT_THAT(window.Item(IDC_IDCONFLICT_MESSAGE).Text(), testing::HasSubstr("& Sons, Wilhelmina"));
             window.PressF1();
             EXPECT_THAT(script.AnswerBox("", IDOK), testing::HasSubstr(std::to_string(nTopic)));
             window.Item(IDC_IDCONFLICT_ID).Replace("C9");
@@ -138,6 +121,13 @@ TEST(IDConflict, DialogsLookAsTheyShouldCancelGivesNothingAndAnEmptyIDIsLeftToTh
             window.WaitForClosed();
         });
         EXPECT_STREQ(strResultID, "");
+        RunDialog(dialog, IDOK, [](DialogScript&, const Dialog& window) {
+            EXPECT_EQ(window.Item(IDOK).Text(), "Create New");
+            EXPECT_TRUE(window.Item(IDC_IDCONFLICT_ID).HasFocus());
+            window.Item(IDC_IDCONFLICT_ID).Replace(std::string(26, 'B'));
+            window.Item(IDC_IDCONFLICT_ID).PressKey(VK_RETURN);
+        });
+        EXPECT_STREQ(strResultID, std::string(25, 'B').c_str());
     };
     look(same, same.m_strResultID, "change-patient-id", 140435);
     look(taken, taken.m_strResultID, "unique-patient-id", 140436);

@@ -15,20 +15,19 @@ pat::Referral Referral(const char* doctorID, long day)
 TEST(ReferralRules, AnUnfinishedEntryIsNotLost)
 {
     const pat::Referral selected{3, "A", "Dr A", 7, "note"};
-    struct Case
+    const struct
     {
         pat::Referral entry;
         bool bEmptyPasses;
         bool bSelectedPasses;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {{-1, "", "", 7, ""}, true, false}, // the date alone is no referral, but the row had more
         {{-1, "A", "", 0, ""}, false, false},     {{-1, "", "", 0, " "}, false, false},
         {{-1, "A", "", 7, "note"}, false, true}, // the row as it is; what it is called does not count
         {{-1, "B", "", 7, "note"}, false, false}, {{-1, "A", "", 8, "note"}, false, false},
         {{-1, "A", "", 7, ""}, false, false},
     };
-    for (const Case& c : cases)
+    for (const auto& c : cases)
     {
         SCOPED_TRACE(c.entry.strDoctorID + "|" + std::to_string(c.entry.nDay) + "|" + c.entry.strNote);
         EXPECT_EQ(pat::CheckReferralEntry(c.entry, nullptr).bPassed, c.bEmptyPasses);
@@ -40,20 +39,15 @@ TEST(ReferralRules, DatesLieBetweenBirthAndToday)
 {
     constexpr long today = 46000;
     constexpr long birth = 40000;
-    struct Case
-    {
-        long nDay;
-        long nBirthDay;
-        bool bPassed;
-    };
-    for (const Case& c : {Case{today, birth, true}, Case{today + 1, birth, false}, Case{birth, birth, true},
-                          Case{birth - 1, birth, false}, Case{birth - 1, 0, true}, Case{0, birth, true},
-                          Case{-1, -1, true}, Case{-2, -1, false}})
+    const std::tuple<long, long, bool> cases[] = {
+        {today, birth, true}, {today + 1, birth, false}, {birth, birth, true}, {birth - 1, birth, false},
+        {birth - 1, 0, true}, {0, birth, true},          {-1, -1, true},       {-2, -1, false}};
+    for (const auto& [day, birthDay, passed] : cases)
     {
         const pat::Finding finding =
-            pat::CheckReferralDates({Referral("A", today), Referral("B", c.nDay)}, today, c.nBirthDay);
-        EXPECT_EQ(finding.bPassed, c.bPassed) << c.nDay << " " << c.nBirthDay;
-        EXPECT_EQ(finding.strArgument, c.bPassed ? "" : "Dr B");
+            pat::CheckReferralDates({Referral("A", today), Referral("B", day)}, today, birthDay);
+        EXPECT_EQ(finding.bPassed, passed) << day << " " << birthDay;
+        EXPECT_EQ(finding.strArgument, passed ? "" : "Dr B");
     }
     EXPECT_TRUE(pat::CheckReferralDates({}, today, birth).bPassed);
 }
@@ -87,13 +81,7 @@ TEST(InsuranceRules, ACompanyInsuresUnderANumberOnce)
     const std::vector<pat::Insurance> insurances{{-1, "Harbour Mutual", "Ann Lee", "17", ""},
                                                  {-1, "Northfield", "Ann Lee", "", ""},
                                                  {-1, "M\xFCller ", "Ann Lee", "1", ""}};
-    struct Case
-    {
-        pat::Insurance entry;
-        int nReplaced;
-        unsigned nMessage;
-    };
-    const Case cases[] = {
+    const std::tuple<pat::Insurance, int, unsigned> cases[] = {
         {{-1, "", "Ann Lee", "18", ""}, -1, IDS_INSURE_NO_COMPANY},
         {{-1, " \t", "Ann Lee", "18", ""}, -1, IDS_INSURE_NO_COMPANY},
         {{-1, "Harbour Mutual", "Eve Lee", "18", ""}, -1, 0},
@@ -103,11 +91,11 @@ TEST(InsuranceRules, ACompanyInsuresUnderANumberOnce)
         {{-1, "northfield", "", "", ""}, -1, IDS_INSURE_TWICE},
         {{-1, " M\xDCLLER", "", "1", ""}, -1, IDS_INSURE_TWICE},
     };
-    for (const Case& c : cases)
+    for (const auto& [entry, replaced, message] : cases)
     {
-        const pat::Finding finding = pat::CheckInsurance(c.entry, insurances, c.nReplaced);
-        EXPECT_EQ(finding.bPassed, c.nMessage == 0) << c.entry.strCompany;
-        EXPECT_EQ(finding.nMessage, c.nMessage) << c.entry.strCompany;
+        const pat::Finding finding = pat::CheckInsurance(entry, insurances, replaced);
+        EXPECT_EQ(finding.bPassed, message == 0) << entry.strCompany;
+        EXPECT_EQ(finding.nMessage, message) << entry.strCompany;
     }
 }
 

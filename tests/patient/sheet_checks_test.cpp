@@ -108,7 +108,7 @@ TEST_F(SheetChecksTest, ATakenOrReservedIDIsRefusedOnOKButNotOnLeaving)
             EXPECT_EQ(sheet.PageIndex(), pat::GuardianPage);
             ExpectRefused(script, sheet, pszMessage, IDC_CHART_ID);
             EXPECT_EQ(sheet.PageIndex(), pat::ChartPage);
-            EXPECT_EQ(SelectedText(sheet.Item(IDC_CHART_ID)), pszID);
+            EXPECT_EQ(sheet.Item(IDC_CHART_ID).Send(EM_GETSEL), MAKELRESULT(0, strlen(pszID)));
         }
     });
     Change(patient, IDOK, [](DialogScript& script, const Dialog& sheet) {

@@ -9,7 +9,7 @@ namespace
 const auto notSaved =
     testing::ContainsRegex("^The patient could not be saved. Nothing was changed.\n\n......");
 
-// A patient list that does something at two moments of OK, once.
+// A patient list that does something when OK has asked for the ID, once.
 class WatchedPatients : public dbCPatients
 {
 public:
@@ -22,16 +22,8 @@ public:
             action(pszID);
         return bFree;
     }
-    BOOL FindSimilar(LPCTSTR pszFirst, LPCTSTR pszLast, const velCDate& dateBirth, CString* pstrGUID) override
-    {
-        const BOOL bFound = dbCPatients::FindSimilar(pszFirst, pszLast, dateBirth, pstrGUID);
-        if (const Action action = std::exchange(m_onSimilarPatient, nullptr))
-            action(pszFirst);
-        return bFound;
-    }
 
     Action m_onUniqueID;
-    Action m_onSimilarPatient;
 };
 
 class SheetFailureTest : public SheetTest
@@ -49,19 +41,15 @@ TEST_F(SheetFailureTest, ADatabaseThatFailsDuringOKLeavesTheSheetOpen)
 {
     const WatchedPatients::Action fail = [](LPCTSTR) { dbCException::Throw(dbErrIO, "the cable is out"); };
     const WatchedPatients::Action close = [](LPCTSTR) { dbCPatients::Close(); };
-    const std::pair<WatchedPatients::Action, WatchedPatients::Action> moments[] = {
-        {fail, {}}, {{}, fail}, {{}, close}};
-    for (const auto& [onUniqueID, onSimilarPatient] : moments)
+    for (const WatchedPatients::Action& fault : {fail, close})
     {
-        m_watched.m_onUniqueID = onUniqueID;
-        m_watched.m_onSimilarPatient = onSimilarPatient;
+        m_watched.m_onUniqueID = fault;
         New(IDCANCEL, [](DialogScript& script, const Dialog& sheet) {
             FillNames(sheet, "A1");
             ExpectRefused(script, sheet, notSaved);
             EXPECT_EQ(sheet.Item(IDC_CHART_FIRSTNAME).Text(), "Ann");
         });
-        if (!dbCPatients::IsOpen())
-            dbCPatients::Open(database.Path().c_str());
+        dbCPatients::Open(database.Path().c_str());
         EXPECT_TRUE(m_patients.IsIDFree("A1"));
     }
 }

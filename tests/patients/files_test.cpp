@@ -38,6 +38,8 @@ TEST_F(PatientFiles, HeaderLineAndTimepoints)
     timepoint.SetDate(velCDate(2024, 2, 29));
     timepoint.SetImage(7, 1);
     patient.GetTimepoints().Add(&patient, timepoint, TRUE, FALSE);
+    patient.Save(dbSaveWithoutFile);
+    EXPECT_TRUE(FilesIn(database.practice.Working()).empty());
     patient.Save();
     EXPECT_EQ(database.practice.ReadFile("working/A1.PF"),
               "A name of more than twent\x01"
@@ -47,57 +49,51 @@ TEST_F(PatientFiles, HeaderLineAndTimepoints)
               "2024-02-29 00:00:00\x01"
               "Initial\x01\n");
     EXPECT_EQ(FilesIn(database.practice.Working()).size(), 1U) << "no scratch file stays behind";
+    patient.WritePatientFile(database.practice.Path("temp").c_str());
+    EXPECT_EQ(FilesIn(database.practice.Path("temp")).count("A1.PF"), 1U);
 }
 
 TEST_F(PatientFiles, OnlyAWholeTextIsRead)
 {
-    const veltest::TemporaryPractice& practice = database.practice;
-    const std::string head = "Lee\x01"
-                             "Ann\x01"
-                             "A1\x01";
-    const auto row = [](const std::string& number, const std::string& date) {
-        return number + " 00000000 00000000 00000000 00000000 00000000 00000000 00000000 ffffffff\x01" +
-               date + "\x01Initial\x01";
+    const std::string end = "\x01";
+    const std::string head = "Lee" + end + "Ann" + end + "A1" + end;
+    const auto row = [&](const std::string& number, const std::string& date = "") {
+        return number + " 00000000 00000000 00000000 00000000 00000000 00000000 00000000 ffffffff" + end +
+               date + end + "Initial" + end;
     };
     const std::string good = row("99", "2024-02-29 00:00:00");
     std::string many;
     for (int i = 0; i < 100; ++i)
-        many += row(std::to_string(i), "") + "\n";
-    const struct
+        many += row(std::to_string(i)) + "\n";
+    // What stands behind the three texts of the head, and how many timepoints it has; -1: it is no patient's.
+    const std::pair<std::string, int> CASES[] = {{"\n", 0},
+                                                 {"\r\n" + good + "\r\n", 1},
+                                                 {"\n" + many, 100},
+                                                 {"\n" + many + good + "\n", -1},
+                                                 {"", -1},
+                                                 {"x\n", -1},
+                                                 {"more" + end + "\n", -1},
+                                                 {"\n" + good, -1},
+                                                 {"\n\n", -1},
+                                                 {"\n" + good + "more" + end + "\n", -1},
+                                                 {"\n" + row("100") + "\n", -1},
+                                                 {"\n" + row("-1") + "\n", -1},
+                                                 {"\n" + row("x") + "\n", -1},
+                                                 {"\n" + row("1 00000000") + "\n", -1},
+                                                 {"\n" + row("1", "2024-02-30 00:00:00") + "\n", -1},
+                                                 {"\n" + std::string(1 << 20, '\n'), -1}};
+    const auto read = [&](const std::string& text, dbCPatient& patient) {
+        database.practice.WriteFile("A1.PF", text);
+        return patReadPatientFile(database.practice.Path("A1.PF").c_str(), patient);
+    };
+    for (const auto& [text, nTimepoints] : CASES)
     {
-        std::string text;
-        int nTimepoints; ///< -1: none that is a patient's
-    } CASES[] = {{head + "\n", 0},
-                 {head + "\r\n" + good + "\r\n", 1},
-                 {head + "\n" + many, 100},
-                 {head + "\n" + many + good + "\n", -1},
-                 {"", -1},
-                 {head, -1},
-                 {"Lee\x01"
-                  "Ann\x01\n",
-                  -1},
-                 {"Lee\x01" + head + "\n", -1},
-                 {head + "x\n", -1},
-                 {std::string(23, 'L') + head + "\n", -1},
-                 {std::string(22, 'L') + head + "\n", 0},
-                 {head + "\n" + good, -1},
-                 {head + "\n\n", -1},
-                 {head + "\n" + good + "more\x01\n", -1},
-                 {head + "\n" + row("100", "") + "\n", -1},
-                 {head + "\n" + row("-1", "") + "\n", -1},
-                 {head + "\n" + row("x", "") + "\n", -1},
-                 {head + "\n" + row("1 00000000", "") + "\n", -1},
-                 {head + "\n" + row("1", "2024-02-30 00:00:00") + "\n", -1},
-                 {head + "\n" + std::string(1 << 20, '\n'), -1}};
-    for (const auto& test : CASES)
-    {
-        SCOPED_TRACE(test.text.substr(0, 200));
-        practice.WriteFile("A1.PF", test.text);
+        SCOPED_TRACE(text.substr(0, 200));
         dbCPatient patient = NewPatient("KEPT");
-        EXPECT_EQ(patReadPatientFile(practice.Path("A1.PF").c_str(), patient), test.nTimepoints >= 0);
-        EXPECT_EQ(patient.GetID(), test.nTimepoints >= 0 ? "A1" : "KEPT");
-        EXPECT_EQ(patient.GetTimepoints().GetCount(), std::max(test.nTimepoints, 0));
-        if (test.nTimepoints != 1)
+        EXPECT_EQ(read(head + text, patient), nTimepoints >= 0);
+        EXPECT_EQ(patient.GetID(), nTimepoints >= 0 ? "A1" : "KEPT");
+        EXPECT_EQ(patient.GetTimepoints().GetCount(), std::max(nTimepoints, 0));
+        if (nTimepoints != 1)
             continue;
         const patCTimepoint& timepoint = patient.GetTimepoints()[0];
         EXPECT_EQ(timepoint.GetBaseFilename() + timepoint.GetName() + timepoint.GetDate().ToISO(),
@@ -106,7 +102,11 @@ TEST_F(PatientFiles, OnlyAWholeTextIsRead)
         EXPECT_EQ(timepoint.GetImageBits(7), 0xFFFFFFFF);
     }
     dbCPatient patient;
-    EXPECT_FALSE(patReadPatientFile(practice.Path("none.PF").c_str(), patient));
+    EXPECT_FALSE(patReadPatientFile(database.practice.Path("none.PF").c_str(), patient));
+    for (const std::string& text :
+         {std::string(), "Lee" + end + "Ann" + end + "\n", std::string(23, 'L') + head + "\n"})
+        EXPECT_FALSE(read(text, patient)) << text;
+    EXPECT_TRUE(read(std::string(22, 'L') + head + "\n", patient)) << "25 characters";
 }
 
 TEST_F(PatientFiles, OneOfTheEarlierFormatHasThePlaceForATime)
@@ -140,15 +140,6 @@ TEST_F(PatientFiles, OneOfTheEarlierFormatHasThePlaceForATime)
         EXPECT_EQ(ErrorOf([&] { const patCEarlierFile earlier(patient); }), dbErrIO);
     }
     EXPECT_EQ(database.practice.ReadFile("working/A1.PF"), stored);
-}
-
-TEST_F(PatientFiles, WithoutOptionNoFileIsWritten)
-{
-    dbCPatient patient = NewPatient("A1");
-    patient.Save(dbSaveWithoutFile);
-    EXPECT_TRUE(FilesIn(database.practice.Working()).empty());
-    patient.WritePatientFile(database.practice.Path("temp").c_str());
-    EXPECT_EQ(FilesIn(database.practice.Path("temp")).count("A1.PF"), 1U);
 }
 
 TEST_F(PatientFiles, AVanishedWorkingFolderRefusesTheSaveAsAWhole)

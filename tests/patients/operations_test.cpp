@@ -306,20 +306,6 @@ TEST(Operations, LeaveAloneWhatSomebodyIsPlacing)
     EXPECT_EQ(database.Execute("SELECT name FROM placedFiles"), std::vector<std::string>());
 }
 
-TEST(Operations, WhatAKilledOneWasAtIsDoneByTheNextToOpen)
-{
-    PausedSeat seat("rename");
-    const FilledPractice& database = seat.database;
-    seat.child.Kill();
-    dbCPatients::Open(database.Path().c_str());
-    std::set<std::string> expected(std::begin(OTHER_FILES), std::end(OTHER_FILES));
-    for (const std::string name : OWN_FILES)
-        expected.insert("Z9" + name.substr(2));
-    expected.insert({"Z9.PF", "A12.PF"});
-    EXPECT_EQ(FilesIn(database.practice.Working()), expected);
-    EXPECT_TRUE(dbCPatients().IsIDFree("A1"));
-}
-
 TEST(Operations, APatientFileWrittenLateIsNotTheOlderOne)
 {
     PausedSeat seat("save");

@@ -11,21 +11,7 @@ using Patient = DatabaseTest;
 TEST_F(Patient, EveryFieldComesBackFromTheFile)
 {
     const CString strText = HardText();
-    dbCPatient saved = FullPatient("A1", strText);
-    dbCOfficeLocations offices;
-    dbCPatientStatusList statuses;
-    saved.SetOfficeID(offices.AddOffice(strText));
-    saved.SetStatusID(statuses.AddStatus(strText));
-    const CString strDoctor = AddDoctor(strText, strText);
-    dbCPerson doctor;
-    doctor.SetPersonGUID(strDoctor);
-    saved.SetPersonInfo(dbPersonTreatingDoctor, doctor);
-    EXPECT_EQ(saved.GetReferrals().AddReferralDoc(strDoctor, velCDate(2024, 3, 1), strText), 0);
-    dbCInsuranceCompany company;
-    company.SetName(strText);
-    company.Save();
-    saved.GetInsurances()[0].SetCompanyGUID(company.GetCompanyGUID());
-    saved.Save();
+    const dbCPatient saved = Saved(ListedPatient("A1", strText, strText));
     EXPECT_TRUE(saved.IsValid());
     const PatientImage stored = database.ImageOf("A1");
     // Nothing is put into another's place: as many texts are there as were given.
@@ -34,8 +20,8 @@ TEST_F(Patient, EveryFieldComesBackFromTheFile)
         if (value.size() > static_cast<size_t>(strText.GetLength()) && value.starts_with(strText.GetString()))
             texts.insert(value);
     EXPECT_EQ(texts.size(), 50U);
-    EXPECT_EQ(std::set<std::string>(texts.begin(), texts.end()).size(), 43U)
-        << "the guardian shares an address, and one doctor refers and treats";
+    EXPECT_EQ(std::set<std::string>(texts.begin(), texts.end()).size(), 44U)
+        << "the guardian shares an address";
 
     const PatientImage others{{"genderIdentity", "47"},
                               {"race", "8001"},
@@ -62,10 +48,9 @@ TEST_F(Patient, EveryFieldComesBackFromTheFile)
     dbCPatient byID = Loaded("a1"), byGUID = Loaded(saved.GetGUID());
     EXPECT_EQ(Image(byID), Image(byGUID));
     EXPECT_EQ(byID.GetReferrals()[0].Get_docLastname() + byID.GetReferrals()[0].Get_docFirstname(),
-              strText + strText);
+              strText + "Tom");
     EXPECT_TRUE(byID.GetAddress(2).IsEmpty() && byID.GetAddress(-1).IsEmpty());
     EXPECT_EQ(byID.GetTimepoints()[2].GetImageFilename(4, 0), "A102.I40");
-    EXPECT_EQ(byID.GetTimepoints()[2].GetCompanionFilename(4, 0), "A102.V40");
     byID.Save();
     EXPECT_EQ(Differences(stored, database.ImageOf("A1")), std::vector<std::string>());
 }
@@ -198,31 +183,18 @@ TEST_F(Patient, RollbackPutsObjectFileAndDatabaseBack)
     EXPECT_EQ(stored.GetNotes(), "edited") << "what the user entered stays";
     EXPECT_TRUE(dbCPatients().IsIDFree("B2"));
     EXPECT_EQ(GetFileAttributesA((database.practice.Working() + "B2.PF").c_str()), INVALID_FILE_ATTRIBUTES);
-    // Both can be saved again.
-    added.Save();
-    stored.Save();
-    dbCPatient loaded = Loaded("A1");
-    EXPECT_EQ(loaded.GetNotes(), "edited");
-}
-
-TEST_F(Patient, AnInnerRollbackKeepsTheOuterWork)
-{
+    // Both can be saved again, whatever an inner transaction takes back.
     dbCTransaction outer;
-    NewPatient("A1").Save();
+    added.Save();
     {
         dbCTransaction inner;
-        NewPatient("B2").Save();
+        NewPatient("C3").Save();
     }
+    stored.Save();
     outer.Commit();
-    EXPECT_FALSE(dbCPatients().IsIDFree("A1"));
-    EXPECT_TRUE(dbCPatients().IsIDFree("B2"));
-}
-
-TEST_F(Patient, BlanksOfANameAreJoinedWhereItIsShown)
-{
-    patCPatient patient;
-    patient.SetLastname("  de \t la\r\nCruz ");
-    EXPECT_EQ(patient.GetLastname(1), "de la Cruz");
+    EXPECT_EQ(Loaded("A1").GetNotes(), "edited");
+    EXPECT_FALSE(dbCPatients().IsIDFree("B2"));
+    EXPECT_TRUE(dbCPatients().IsIDFree("C3"));
 }
 
 TEST_F(Patient, SimilarPatient)
@@ -248,9 +220,6 @@ TEST_F(Patient, SimilarPatient)
     EXPECT_TRUE(patients.FindVeltrixID("41", strGUID));
     EXPECT_EQ(strGUID, saved.GetGUID());
     EXPECT_FALSE(patients.FindVeltrixID("", strGUID)) << "what was never shared";
-    EXPECT_TRUE(patients.FindID("a2", strGUID));
-    EXPECT_EQ(strGUID, undated.GetGUID());
-    EXPECT_FALSE(patients.FindID("A3", strGUID));
     EXPECT_FALSE(patients.FindSimilar("J\xF6rg", "M\xFCller", velCDate(2010, 2, 28)));
 }
 
@@ -276,15 +245,7 @@ TEST(PatientList, PagesAndSearchesOfTheList)
     }
     dbCPatients patients;
     dbTList<dbSPatientListRow> rows;
-    while (patients.GetPage(dbSearchName, "", rows.IsEmpty() ? nullptr : &rows[rows.GetCount() - 1], 7,
-                            rows) > 0)
-    {
-    }
-    ASSERT_EQ(rows.GetCount(), 46);
-    std::set<CString> different;
-    for (const dbSPatientListRow& row : rows)
-        different.insert(row.strID);
-    EXPECT_EQ(different.size(), 46U);
+    ASSERT_EQ(patients.GetPage(dbSearchName, "", nullptr, 100, rows), 46);
     EXPECT_EQ(rows[0].strLastname, "100%");
     EXPECT_EQ(rows[1].strFirstname, "First00");
     EXPECT_EQ(rows[25].strID, "P01");
@@ -294,10 +255,20 @@ TEST(PatientList, PagesAndSearchesOfTheList)
         dbPatientSearch nBy;
         const char* pszSearch;
         int nCount;
-    } CASES[] = {{dbSearchName, "L", 12},   {dbSearchName, "LEE", 12}, {dbSearchName, "lee, first0", 5},
-                 {dbSearchName, "leex", 0}, {dbSearchName, "%", 0},    {dbSearchName, "100%", 1},
-                 {dbSearchID, "p", 25},     {dbSearchID, "P1", 10},    {dbSearchID, "q_", 1},
-                 {dbSearchID, "_", 0},      {dbSearchName, "'", 0},    {dbSearchName, "z\x01", 20}};
+    } CASES[] = {{dbSearchName, "", 46},
+                 {dbSearchID, "", 46},
+                 {dbSearchName, "L", 12},
+                 {dbSearchName, "LEE", 12},
+                 {dbSearchName, "lee, first0", 5},
+                 {dbSearchName, "leex", 0},
+                 {dbSearchName, "%", 0},
+                 {dbSearchName, "100%", 1},
+                 {dbSearchID, "p", 25},
+                 {dbSearchID, "P1", 10},
+                 {dbSearchID, "q_", 1},
+                 {dbSearchID, "_", 0},
+                 {dbSearchName, "'", 0},
+                 {dbSearchName, "z\x01", 20}};
     for (const auto& test : CASES)
     {
         rows.RemoveAll();
@@ -321,11 +292,11 @@ TEST_F(Patient, BalanceDecidesOnDeletion)
     EXPECT_EQ(ErrorOf([&] { patient.SetBalance(5); }), dbErrNotFound);
     patient.Save();
     EXPECT_TRUE(patient.CanDeletePatient());
-    patient.SetBalance(-1250);
-    EXPECT_EQ(patient.GetBalance(), -1250);
-    EXPECT_FALSE(patient.CanDeletePatient());
-    patient.SetBalance(0);
-    EXPECT_TRUE(patient.CanDeletePatient());
+    for (const int nBalance : {-1, 0})
+    {
+        patient.SetBalance(nBalance);
+        EXPECT_EQ(patient.CanDeletePatient(), nBalance == 0);
+    }
 }
 
 TEST_F(Patient, AtMostAHundredTimepoints)
@@ -379,8 +350,11 @@ TEST_F(Patient, PastedTimepointTakesTheNumberOfItsBaseName)
     EXPECT_EQ(dbCPhone::GetTypeName(-1) + dbCPhone::GetTypeName(dbCPhone::GetTypeCount()), "");
 }
 
-TEST_F(Patient, BirthDatesThatCanBeStored)
+TEST(PatientFields, NamesAreShownTidiedAndBirthDatesHaveLimits)
 {
+    patCPatient patient;
+    patient.SetLastname("  de \t la\r\nCruz ");
+    EXPECT_EQ(patient.GetLastname(1), "de la Cruz");
     const velCDate today = velCDate::Today();
     velCDate invalid;
     invalid.SetStatus(COleDateTime::invalid);

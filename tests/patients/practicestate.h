@@ -7,15 +7,6 @@
 #include <iterator>
 #include <map>
 
-/// Everything that a practice holds: every field of every patient, every file of the working folder.
-struct PracticeState
-{
-    std::map<std::string, std::string> patients; ///< images by ID
-    std::map<std::string, std::string> files;    ///< contents by name
-
-    bool operator==(const PracticeState&) const = default;
-};
-
 /// The files of a folder with their contents.
 inline std::map<std::string, std::string> FilesOf(const std::string& folder)
 {
@@ -28,27 +19,20 @@ inline std::map<std::string, std::string> FilesOf(const std::string& folder)
     return files;
 }
 
+/// Everything that a practice holds, by the patients' IDs and the names of the files: every field of every
+/// patient, every file of the working folder, each as a number that stands for its bytes.
+using PracticeState = std::map<std::string, size_t>;
+
 /// The state of the open database and of its working folder.
 inline PracticeState StateOf(const std::string& folder)
 {
     PracticeState state;
+    const std::hash<std::string> numberOf;
     dbTList<dbSPatientListRow> rows;
     dbCPatients().GetPage(dbSearchName, "", nullptr, 1000, rows);
     for (const dbSPatientListRow& row : rows)
-    {
-        dbCPatient patient;
-        EXPECT_TRUE(patient.Load(row.strGUID));
-        state.patients[row.strID.GetString()] = Image(patient);
-    }
-    state.files = FilesOf(folder);
+        state[row.strID.GetString()] = numberOf(Image(Loaded(row.strGUID)));
+    for (const auto& [name, content] : FilesOf(folder))
+        state["working/" + name] = numberOf(content);
     return state;
-}
-
-/// What a failed comparison shows.
-inline void PrintTo(const PracticeState& state, std::ostream* out)
-{
-    for (const auto& [id, image] : state.patients)
-        *out << "patient " << id << " (" << std::hash<std::string>()(image) << ")\n";
-    for (const auto& [name, content] : state.files)
-        *out << "  " << name << " (" << std::hash<std::string>()(content) << ")\n";
 }

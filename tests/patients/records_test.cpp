@@ -5,6 +5,8 @@
 
 namespace
 {
+using Records = DatabaseTest;
+
 std::vector<std::string> Words(CKeywords& keywords)
 {
     std::vector<std::string> words;
@@ -15,9 +17,8 @@ std::vector<std::string> Words(CKeywords& keywords)
     return words;
 }
 
-TEST(Keywords, WhatTwoEditorsDidIsMerged)
+TEST_F(Records, KeywordsOfTwoEditorsAreMerged)
 {
-    TestDatabase database;
     CKeywords first, second;
     ASSERT_TRUE(first.Load(dbKeywordsPatient));
     for (const char* psz : {"one", "two", "three"})
@@ -42,9 +43,8 @@ TEST(Keywords, WhatTwoEditorsDidIsMerged)
     EXPECT_EQ(images.GetCount(), 0);
 }
 
-TEST(Keywords, EmptyLongAndHard)
+TEST_F(Records, KeywordsMayBeEmptyLongOrHard)
 {
-    TestDatabase database;
     const CString strLong('x', 500);
     CKeywords keywords;
     EXPECT_FALSE(keywords.Load(2));
@@ -64,43 +64,22 @@ TEST(Keywords, EmptyLongAndHard)
               (std::vector<std::string>{"", strLong.GetString(), HardText().GetString(), "\xC4pfel"}));
 }
 
-TEST(Doctors, RecordEnumerationAndTypes)
+TEST_F(Records, DoctorsAndTheirTypes)
 {
-    TestDatabase database;
-    const CString strZora = AddDoctor("zora"), strAbel = AddDoctor("Abel", "Z", FALSE);
+    AddDoctor("zora");
+    const CString strAbel = AddDoctor("Abel", "Z", FALSE);
     AddDoctor("Abel", "A");
-    dbCDoctor doctor;
-    ASSERT_TRUE(doctor.Load(strZora));
-    EXPECT_EQ(doctor.GetType(), "Orthodontist");
-    dbCAddress address;
-    address.SetStreet("1 High Street");
-    doctor.GetPerson().SetAddress(0, address);
-    doctor.Save();
-    dbCDoctor again;
-    ASSERT_TRUE(again.Load(strZora));
-    EXPECT_EQ(again.GetPerson().GetAddress(0).GetStreet(), "1 High Street");
-    again.Save();
-    EXPECT_EQ(ErrorOf([&] { doctor.Save(); }), dbErrChangedElsewhere);
     EXPECT_EQ(ErrorOf([] { dbCDoctor().Save(); }), dbErrInvalid);
-
-    struct Seen
-    {
-        std::vector<std::string> names;
-        size_t nStopAfter = 100;
-        static BOOL Take(const dbSDoctorRow& row, LPVOID pContext)
-        {
-            auto* pSeen = static_cast<Seen*>(pContext);
-            pSeen->names.push_back(row.last + "," + row.first);
-            return pSeen->names.size() < pSeen->nStopAfter;
-        }
-    } seen;
+    std::vector<std::string> names;
+    const auto takeUpToIda = [](const dbSDoctorRow& row, LPVOID pNames) -> BOOL {
+        static_cast<std::vector<std::string>*>(pNames)->push_back(row.last + "," + row.first);
+        return row.first != "Ida";
+    };
     dbCDoctors doctors;
-    doctors.RegisterEnumCallback(Seen::Take, &seen);
+    doctors.RegisterEnumCallback(takeUpToIda, &names);
     EXPECT_EQ(doctors.Enum(dbDoctorsByName), 3);
-    EXPECT_EQ(seen.names, (std::vector<std::string>{"Abel,A", "Abel,Z", "zora,Ida"}));
-    seen = {{}, 1};
     doctors.Enum(dbDoctorsAsStored);
-    EXPECT_EQ(seen.names, (std::vector<std::string>{"zora,Ida"}));
+    EXPECT_EQ(names, (std::vector<std::string>{"Abel,A", "Abel,Z", "zora,Ida", "zora,Ida"}));
 
     dbCDoctorTypes types;
     EXPECT_TRUE(types.AddDoctorType("Dentist"));
@@ -112,17 +91,17 @@ TEST(Doctors, RecordEnumerationAndTypes)
     types.Load();
     ASSERT_EQ(types.GetCount(), 2);
     EXPECT_EQ(types[1], "Specialist");
-    again.Load(strAbel);
-    EXPECT_EQ(again.GetType(), "Specialist");
+    dbCDoctor doctor;
+    doctor.Load(strAbel);
+    EXPECT_EQ(doctor.GetType(), "Specialist");
     EXPECT_TRUE(types.DeleteDoctorType("Specialist"));
     EXPECT_FALSE(types.DeleteDoctorType("Specialist"));
-    again.Load(strAbel);
-    EXPECT_EQ(again.GetType(), "");
+    doctor.Load(strAbel);
+    EXPECT_EQ(doctor.GetType(), "");
 }
 
-TEST(Doctors, OneThatIsReferredToStays)
+TEST_F(Records, ADoctorWhoIsReferredToStays)
 {
-    TestDatabase database;
     const CString strDoctor = AddDoctor("Frost");
     dbCPatient patient = NewPatient("A1");
     patient.GetReferrals().AddReferralDoc(strDoctor, velCDate());
@@ -180,22 +159,8 @@ TEST(Doctors, OneThatIsReferredToStays)
     EXPECT_EQ(ErrorOf([&] { stale.Save(); }), dbErrChangedElsewhere);
 }
 
-/// A guardian of this address for a patient; returns the GUID.
-CString SetGuardian(dbCPatient& patient, LPCTSTR pszEmail)
+TEST_F(Records, EmailsOfADoctorAndAroundAPatient)
 {
-    dbCPerson guardian;
-    guardian.SetFirstname("Eve");
-    guardian.SetLastname("Hill");
-    guardian.SetSalutation("Ms");
-    guardian.SetEmail(pszEmail);
-    patient.SetPersonInfo(dbPersonGuardian, guardian);
-    patient.GetPersonInfo(dbPersonGuardian, guardian);
-    return guardian.GetPersonGUID();
-}
-
-TEST(Emails, OfADoctorAndAroundAPatient)
-{
-    TestDatabase database;
     const CString strDoctor = AddDoctor("Frost");
     dbCDoctor before, doctor;
     before.Load(strDoctor);
@@ -236,7 +201,14 @@ TEST(Emails, OfADoctorAndAroundAPatient)
     EXPECT_EQ(rows.LoadByPatID("none"), 0);
 
     // What the records of patient and guardian say comes first and is not stored twice.
-    const CString strMother = SetGuardian(patient, "mother@x.org");
+    dbCPerson mother;
+    mother.SetFirstname("Eve");
+    mother.SetLastname("Hill");
+    mother.SetSalutation("Ms");
+    mother.SetEmail("mother@x.org");
+    patient.SetPersonInfo(dbPersonGuardian, mother);
+    patient.GetPersonInfo(dbPersonGuardian, mother);
+    const CString strMother = mother.GetPersonGUID();
     patient.SetEmail("own@x.org");
     patient.Save();
     emails.RemoveAll();
@@ -268,9 +240,8 @@ TEST(Emails, OfADoctorAndAroundAPatient)
     EXPECT_EQ(ErrorOf([&] { rows.Save(patient.GetGUID()); }), dbErrNotFound);
 }
 
-TEST(CatalogFiles, AnEntryStaysAsLongAsItsFile)
+TEST_F(Records, ACatalogEntryStaysAsLongAsItsFile)
 {
-    TestDatabase database;
     dbCPatient patient = FullPatient("A1");
     const auto store = [&](const char* pszName, const char* pszGUID) {
         return ErrorOf([&] { dbCCatalogFiles::Store(patient.GetGUID(), {pszName, pszGUID, "hash"}); });
@@ -310,46 +281,31 @@ TEST(CatalogFiles, AnEntryStaysAsLongAsItsFile)
     EXPECT_EQ(stored(), "");
 }
 
-TEST(Offices, DeletingOneLeavesItsPatientsWithout)
+TEST_F(Records, OfficesAndStatusesStandOnceByName)
 {
-    TestDatabase database;
     dbCOfficeLocations offices;
-    const CString strMain = offices.AddOffice("Main"), strSide = offices.AddOffice("Annex");
-    EXPECT_EQ(ErrorOf([&] { offices.AddOffice("MAIN"); }), dbErrInvalid);
-    EXPECT_EQ(ErrorOf([&] { offices.AddOffice(" "); }), dbErrInvalid);
-    dbCPatient patient = NewPatient("A1");
-    patient.SetOfficeID(strMain);
-    patient.Save();
-    offices.RenameOffice(strSide, "Zoo");
-    offices.Load();
-    ASSERT_EQ(offices.GetCount(), 2);
-    EXPECT_EQ(offices[1].GetOfficeID() + offices[1].GetOffice(), strSide + "Zoo");
-    offices.DeleteOffice(strMain);
-    EXPECT_EQ(ErrorOf([&] { offices.DeleteOffice(strMain); }), dbErrNotFound);
-    patient.Load("A1");
-    EXPECT_EQ(patient.GetOfficeID(), "");
-    EXPECT_EQ(dbCOfficeLocations::GetOffice(strMain), "");
-
     dbCPatientStatusList statuses;
-    const CString strShown = statuses.AddStatus("Waiting"), strHidden = statuses.AddStatus("Alumni", FALSE);
-    EXPECT_EQ(ErrorOf([&] { statuses.RenameStatus(strHidden, "waiting "); }), dbErrInvalid);
-    statuses.RenameStatus(strHidden, "Zeta");
+    for (const char* pszName : {"main", "Annex"})
+    {
+        offices.AddOffice(pszName);
+        statuses.AddStatus(pszName);
+    }
+    for (const char* pszRefused : {"MAIN ", " "})
+    {
+        EXPECT_EQ(ErrorOf([&] { offices.AddOffice(pszRefused); }), dbErrInvalid);
+        EXPECT_EQ(ErrorOf([&] { statuses.AddStatus(pszRefused); }), dbErrInvalid);
+    }
+    offices.Load();
     statuses.Load();
-    ASSERT_EQ(statuses.GetCount(), 2);
-    EXPECT_EQ(statuses[0].GetStatus() + statuses[1].GetStatus(), "WaitingZeta");
-    EXPECT_EQ(statuses[1].GetStatusID(), strHidden);
-    EXPECT_TRUE(statuses[0].IsShown() && !statuses[1].IsShown());
-    patient.SetStatusID(strShown);
-    patient.Save();
-    statuses.DeleteStatus(strShown);
-    EXPECT_EQ(ErrorOf([&] { statuses.RenameStatus(strShown, "x"); }), dbErrNotFound);
-    patient.Load("A1");
-    EXPECT_EQ(patient.GetStatusID(), "");
+    ASSERT_EQ(offices.GetCount() + statuses.GetCount(), 4);
+    EXPECT_EQ(offices[0].GetOffice() + offices[1].GetOffice(), "Annexmain");
+    EXPECT_EQ(statuses[0].GetStatus() + statuses[1].GetStatus(), "Annexmain");
+    EXPECT_EQ(dbCOfficeLocations::GetOffice(offices[0].GetOfficeID()), "Annex");
+    EXPECT_EQ(dbCPatientStatusList::GetStatus(statuses[1].GetStatusID()), "main");
 }
 
-TEST(Insurances, ACompanyWithPoliciesStays)
+TEST_F(Records, AnInsuranceCompanyWithPoliciesStays)
 {
-    TestDatabase database;
     dbCInsuranceCompany company;
     company.SetName("Sound Cover");
     company.Save();
@@ -375,11 +331,9 @@ TEST(Insurances, ACompanyWithPoliciesStays)
     EXPECT_EQ(patient.GetInsurances()[1].GetCompanyGUID(), company.GetCompanyGUID());
 }
 
-TEST(AuditLog, EventsComeBackNewestFirstAndOutliveThePatient)
+TEST_F(Records, EventsComeBackNewestFirstAndOutliveThePatient)
 {
     CVeltrixLogin log;
-    EXPECT_EQ(ErrorOf([&] { log.AddNewPatientEvent("g", "t"); }), dbErrNotOpen);
-    TestDatabase database;
     dbCPatient patient = Saved(NewPatient("A1"));
     log.AddNewPatientEvent(patient.GetGUID(), "first " + HardText());
     log.AddPatientModifiedEvent(patient.GetGUID(), "second");
@@ -403,9 +357,8 @@ TEST(AuditLog, EventsComeBackNewestFirstAndOutliveThePatient)
     EXPECT_EQ(events[0].strText, "second");
 }
 
-TEST(ApplicationOptions, OneRowIsUpdatedSeveralAreLeftAlone)
+TEST_F(Records, OneRowOfAnOptionIsUpdatedSeveralAreLeftAlone)
 {
-    TestDatabase database;
     using Options = dbCApplicationOptionsContainer;
     CString strValue = "untouched";
     EXPECT_EQ(Options::GetApplicationOption("KEY", strValue), -1);
@@ -424,9 +377,8 @@ TEST(ApplicationOptions, OneRowIsUpdatedSeveralAreLeftAlone)
     EXPECT_EQ(strValue, "two");
 }
 
-TEST(Treatments, TableAndHistory)
+TEST_F(Records, TreatmentsAndTheirHistory)
 {
-    TestDatabase database;
     dbCTreatmentStatusContainer::AddTreatment("Z", "Alpha");
     dbCTreatmentStatusContainer::AddTreatment("A", "Zeta");
     dbCTreatmentStatusContainer::AddTreatment("OLD", "Old", FALSE);
@@ -463,9 +415,8 @@ TEST(Treatments, TableAndHistory)
     EXPECT_FALSE(timepoints.LoadByPatID(patient.GetGUID(), 1));
 }
 
-TEST(Diagnostics, RecordsByItemAndTimepoint)
+TEST_F(Records, DiagnosticsByItemAndTimepoint)
 {
-    TestDatabase database;
     dbCPatient patient = Saved(FullPatient("A1"));
     const CString strItem = dbCDiagnosticGroup::DefineItem("Airway", "Clinical", "AW1", "Tonsils");
     dbCDiagnosticGroup::DefineItem("Airway", "Clinical", "AW2", "Adenoids");
@@ -497,9 +448,8 @@ TEST(Diagnostics, RecordsByItemAndTimepoint)
     EXPECT_FALSE(dbCAcPatientsContainer::IsPatientGUIDInUse(dbNewGUID()));
 }
 
-TEST(TransferTasks, OnlyPendingOnesAreRead)
+TEST_F(Records, OnlyPendingTransferTasksAreRead)
 {
-    TestDatabase database;
     EXPECT_TRUE(dbCRaskoTasksContainer::TableExists());
     dbSRaskoTask task;
     task.strPatientGUID = "G";

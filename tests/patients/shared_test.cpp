@@ -1,4 +1,4 @@
-// Two processes on one database: the race for an ID, waiting, and locks with their holders.
+// Two processes on one database: waiting, and locks with their holders.
 
 #include "tests/patients/testdatabase.h"
 #include "tests/support/childprocess.h"
@@ -10,43 +10,12 @@ namespace
 using SharedDatabase = DatabaseTest;
 using PatientLock = DatabaseTest;
 
-void Touch(const std::string& path)
-{
-    std::ofstream(path) << '.';
-}
-
-constexpr int RACE_IDS = 40;
-
-/// How many of the race's IDs this process got; -1 when anything but a duplicate stopped it.
-int Race(const std::string& prefix)
-{
-    int nWon = 0;
-    for (int i = 0; i < RACE_IDS; ++i)
-    {
-        dbCPatient patient = FullPatient(("RACE" + std::to_string(i)).c_str(), prefix.c_str());
-        const dbError nError = ErrorOf([&] { patient.Save(); });
-        if (nError != dbErrNone && nError != dbErrDuplicateID)
-            return -1;
-        nWon += nError == dbErrNone;
-    }
-    return nWon;
-}
-
-VEL_CHILD_PROCESS(race)
-{
-    dbCPatients::Open(arguments[0].c_str());
-    Touch(arguments[1]);
-    const int nWon = Race("child");
-    dbCPatients::Close();
-    return nWon;
-}
-
 VEL_CHILD_PROCESS(holdPatient)
 {
     dbCPatients::Open(arguments[0].c_str());
     dbCPatients patients;
     const int nAnswer = patients.LockPatient("A1", atoi(arguments[2].c_str()));
-    Touch(arguments[1]);
+    std::ofstream(arguments[1]) << '.';
     if (nAnswer == 0)
         Sleep(60'000);
     return nAnswer;
@@ -57,7 +26,7 @@ VEL_CHILD_PROCESS(holdDatabase)
     dbCPatients::Open(arguments[0].c_str());
     dbCTransaction transaction;
     NewPatient("HALF").Save();
-    Touch(arguments[1]);
+    std::ofstream(arguments[1]) << '.';
     Sleep(60'000);
     return 0;
 }
@@ -71,21 +40,6 @@ struct Holder : veltest::ChildProcess
         EXPECT_TRUE(WaitFor(database.practice.Path("go")));
     }
 };
-
-TEST_F(SharedDatabase, ExactlyOneOfTwoWinsAnID)
-{
-    database.practice.Set("Environment", "DatabaseTimeout", "20000");
-    dbCPatients::Open(database.Path().c_str());
-    Holder child(database, "race");
-    const int nOwn = Race("parent");
-    const int nTheirs = child.Wait();
-    ASSERT_GE(nOwn, 0);
-    EXPECT_EQ(nOwn + nTheirs, RACE_IDS);
-    dbCPatients patients;
-    EXPECT_EQ(patients.GetCount(), RACE_IDS);
-    for (int i = 0; i < RACE_IDS; ++i)
-        EXPECT_EQ(Loaded(("RACE" + std::to_string(i)).c_str()).GetTimepoints().GetCount(), 3);
-}
 
 TEST_F(SharedDatabase, AWriterThatTakesTooLongIsReportedAndAKilledOneLeavesNothing)
 {
@@ -136,17 +90,23 @@ TEST_F(PatientLock, LookersCanBePassed)
     dbCPatients::BreakLock("A1");
     EXPECT_EQ(patients.IsLocked("A1"), patLockFree);
     child.Kill();
+    {
+        dbCTransaction transaction;
+        EXPECT_EQ(patients.LockPatient("A1"), patLockFree);
+    }
+    EXPECT_FALSE(patients.Unlock("A1")) << "rolled back with its transaction";
 }
 
 TEST_F(PatientLock, ANewIDTakesTheLockAlong)
 {
     const auto answerOfAnother = [&](const char* pszMode) {
-        return veltest::ChildProcess("holdPatient", {database.Path(), database.practice.Path("x"), pszMode}).Wait();
+        return veltest::ChildProcess("holdPatient", {database.Path(), database.practice.Path("x"), pszMode})
+            .Wait();
     };
     dbCPatient patient = Saved(NewPatient("B2"));
-    dbCPatients patients;
+    dbCPatients patients, others;
     EXPECT_EQ(patients.LockPatient("B2"), patLockFree);
-    EXPECT_EQ(patients.LockPatient("B2"), patLockFree);
+    EXPECT_EQ(others.LockPatient("b2"), patLockFree);
     patient.SetID("A1");
     {
         dbCTransaction transaction;
@@ -167,22 +127,5 @@ TEST_F(PatientLock, ANewIDTakesTheLockAlong)
     EXPECT_EQ(ErrorOf([&] { patient.Save(); }), dbErrPatientInUse);
     EXPECT_TRUE(patients.IsIDFree("A1"));
     child.Kill();
-}
-
-TEST_F(PatientLock, LocksOfOneProcessAreCounted)
-{
-    dbCPatients first, second;
-    EXPECT_EQ(first.LockPatient("A1"), patLockFree);
-    EXPECT_EQ(second.LockPatient("a1"), patLockFree);
-    EXPECT_TRUE(first.Unlock("A1"));
-    veltest::ChildProcess child("holdPatient", {database.Path(), database.practice.Path("go"), "0"});
-    EXPECT_EQ(child.Wait(), patLockInUse) << "one lock is left";
-    EXPECT_TRUE(second.Unlock("A1"));
-    EXPECT_FALSE(second.Unlock("A1"));
-    {
-        dbCTransaction transaction;
-        EXPECT_EQ(first.LockPatient("A1"), patLockFree);
-    }
-    EXPECT_FALSE(first.Unlock("A1")) << "rolled back with its transaction";
 }
 } // namespace

@@ -275,3 +275,20 @@ inline dbCPatient FullPatient(LPCTSTR pszID, const CString& strText = "text")
     }
     return patient;
 }
+
+/// The same with an entry of each of the practice's lists: an office, a status, a treating and a referring
+/// doctor and an insurance company, all of this name.
+inline dbCPatient ListedPatient(LPCTSTR pszID, const CString& strText, const CString& strName)
+{
+    dbCPatient patient = FullPatient(pszID, strText);
+    patient.SetOfficeID(dbCOfficeLocations().AddOffice(strName));
+    patient.SetStatusID(dbCPatientStatusList().AddStatus(strName));
+    dbCPerson doctor;
+    doctor.SetPersonGUID(AddDoctor(strName, strName));
+    patient.SetPersonInfo(dbPersonTreatingDoctor, doctor);
+    EXPECT_EQ(patient.GetReferrals().AddReferralDoc(AddDoctor(strName, "Tom", FALSE), velCDate(2024, 3, 1),
+                                                    strName),
+              0);
+    patient.GetInsurances()[0].SetCompanyGUID(dbCInsuranceCompanies::FindOrAdd(strName));
+    return patient;
+}

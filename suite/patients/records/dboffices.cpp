@@ -19,27 +19,6 @@ CString NameOf(std::string_view sql, LPCTSTR pszGUID)
     query.Bind(pszGUID);
     return query.Step() ? query.Text(0) : CString();
 }
-
-/// Runs a change of one row; throws when there is no such row.
-void Change(dbCStatement& change, LPCTSTR pszGUID)
-{
-    change.Bind(pszGUID).Run();
-    if (dbCSession::Current().GetChanges() == 0)
-        dbCException::Throw(dbErrNotFound, pszGUID);
-}
-
-void Rename(std::string_view sql, LPCTSTR pszGUID, LPCTSTR pszName)
-{
-    dbCStatement change(sql);
-    change.Bind(pszName).BindUtf8(RequiredKey(pszName));
-    Change(change, pszGUID);
-}
-
-void Delete(std::string_view sql, LPCTSTR pszGUID)
-{
-    dbCStatement change(sql);
-    Change(change, pszGUID);
-}
 } // namespace
 
 // Offices
@@ -73,28 +52,17 @@ CString dbCOfficeLocations::AddOffice(LPCTSTR pszName)
     return strID;
 }
 
-void dbCOfficeLocations::RenameOffice(LPCTSTR pszOfficeID, LPCTSTR pszName)
-{
-    Rename("UPDATE offices SET name = ?, nameKey = ? WHERE guid = ?", pszOfficeID, pszName);
-}
-
-void dbCOfficeLocations::DeleteOffice(LPCTSTR pszOfficeID)
-{
-    Delete("DELETE FROM offices WHERE guid = ?", pszOfficeID);
-}
-
 // Statuses
 
 void dbCPatientStatusList::Load()
 {
     RemoveAll();
-    dbCStatement query("SELECT guid, name, shown FROM statuses ORDER BY nameKey");
+    dbCStatement query("SELECT guid, name FROM statuses ORDER BY nameKey");
     while (query.Step())
     {
         dbCPatientStatus status;
         status.SetStatusID(query.Text(0));
         status.SetStatus(query.Text(1));
-        status.SetShown(query.Int(2) != 0);
         Add(status);
     }
 }
@@ -104,24 +72,13 @@ CString dbCPatientStatusList::GetStatus(LPCTSTR pszStatusID)
     return NameOf("SELECT name FROM statuses WHERE guid = ?", pszStatusID);
 }
 
-CString dbCPatientStatusList::AddStatus(LPCTSTR pszName, BOOL bShown)
+CString dbCPatientStatusList::AddStatus(LPCTSTR pszName)
 {
     CString strID = dbNewGUID();
-    dbCStatement("INSERT INTO statuses (guid, name, nameKey, shown) VALUES (?, ?, ?, ?)")
+    dbCStatement("INSERT INTO statuses (guid, name, nameKey, shown) VALUES (?, ?, ?, 1)")
         .Bind(strID)
         .Bind(pszName)
         .BindUtf8(RequiredKey(pszName))
-        .Bind(bShown ? 1 : 0)
         .Run();
     return strID;
-}
-
-void dbCPatientStatusList::RenameStatus(LPCTSTR pszStatusID, LPCTSTR pszName)
-{
-    Rename("UPDATE statuses SET name = ?, nameKey = ? WHERE guid = ?", pszStatusID, pszName);
-}
-
-void dbCPatientStatusList::DeleteStatus(LPCTSTR pszStatusID)
-{
-    Delete("DELETE FROM statuses WHERE guid = ?", pszStatusID);
 }

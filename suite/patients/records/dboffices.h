@@ -37,9 +37,6 @@ public:
     static CString GetOffice(LPCTSTR pszOfficeID);
     /// Stores a new office and returns its ID; dbErrInvalid for an empty name or one that exists.
     CString AddOffice(LPCTSTR pszName);
-    void RenameOffice(LPCTSTR pszOfficeID, LPCTSTR pszName);
-    /// Patients of the office are left without one.
-    void DeleteOffice(LPCTSTR pszOfficeID);
 };
 
 /// A status that patients can have, such as "In treatment".
@@ -54,11 +51,6 @@ public:
     {
         return m_strName;
     }
-    /// FALSE for a status whose patients are not to be shown in the patient list.
-    BOOL IsShown() const
-    {
-        return m_bShown;
-    }
     void SetStatusID(LPCTSTR psz)
     {
         m_strID = psz;
@@ -67,14 +59,9 @@ public:
     {
         m_strName = psz;
     }
-    void SetShown(BOOL bShown)
-    {
-        m_bShown = bShown;
-    }
 
 private:
     CString m_strID, m_strName;
-    BOOL m_bShown = TRUE;
 };
 
 /// The practice's patient statuses in the order of their names.
@@ -84,7 +71,5 @@ public:
     void Load();
     /// Name of the status with this ID, read from the database; empty when there is none.
     static CString GetStatus(LPCTSTR pszStatusID);
-    CString AddStatus(LPCTSTR pszName, BOOL bShown = TRUE);
-    void RenameStatus(LPCTSTR pszStatusID, LPCTSTR pszName);
-    void DeleteStatus(LPCTSTR pszStatusID);
+    CString AddStatus(LPCTSTR pszName);
 };

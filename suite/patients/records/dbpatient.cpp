@@ -177,14 +177,9 @@ int dbCPatient::PasteTimepoint(const patCTimepoint& timepoint)
 
 BOOL dbCPatient::CanDeletePatient() const
 {
-    return GetBalance() == 0;
-}
-
-__int64 dbCPatient::GetBalance() const
-{
     dbCStatement query("SELECT b.amount FROM persons p JOIN balances b ON b.patient = p.id WHERE p.guid = ?");
     query.Bind(m_f.strGUID);
-    return query.Step() ? query.Int64(0) : 0;
+    return !query.Step() || query.Int64(0) == 0;
 }
 
 void dbCPatient::SetBalance(__int64 nBalance)

@@ -167,15 +167,14 @@ public:
 
     /// FALSE while the patient's balance is not zero.
     BOOL CanDeletePatient() const;
-    /// The balance in hundredths of the currency unit.
-    __int64 GetBalance() const;
-    /// Stores a balance at once.
+    /// Stores a balance, in hundredths of the currency unit, at once.
     void SetBalance(__int64 nBalance);
 
-    /// Deletes the images of the timepoint at a position (which must be one) with what is recorded about them,
-    /// or the timepoint with all its files and diagnostic records. Stores the patient as Save does, and throws
-    /// what Save throws; also dbErrFilesPending while earlier work on the patient's files is not finished.
-    /// Records and files change together: a file in use goes later, when the database is next opened.
+    /// Deletes the images of the timepoint at a position (which must be one) with what is recorded about
+    /// them, or the timepoint with all its files and diagnostic records. Stores the patient as Save does, and
+    /// throws what Save throws; also dbErrFilesPending while earlier work on the patient's files is not
+    /// finished. Records and files change together: a file in use goes later, when the database is next
+    /// opened.
     void DeleteTimepointImages(int nIndex);
     void DeleteTimepoint(int nIndex);
 
@@ -204,8 +203,8 @@ private:
     dbTList<dbCPatientTreatmentStatusHistoryRow> m_archiveTreatments;
     CString m_strArchiveOffice, m_strArchiveStatus;
     std::map<CString, dbCPersonEmails> m_archiveEmails;
-    dbCPatientEmailsContainer m_archivePatientEmails;   ///< of others than patient and guardian
-    CString m_strLoadedID; ///< the ID in the database, empty for a new patient
+    dbCPatientEmailsContainer m_archivePatientEmails; ///< of others than patient and guardian
+    CString m_strLoadedID;                            ///< the ID in the database, empty for a new patient
     BOOL m_bRenameFiles = TRUE;
     __int64 m_nRowVersion = 0;            ///< version of the stored record that this object is based on
     std::shared_ptr<dbCPatient*> m_pSelf; ///< lets a transaction's end find this object if it still lives

@@ -191,14 +191,6 @@ BOOL dbCPatients::FindSimilar(LPCTSTR pszFirst, LPCTSTR pszLast, const velCDate&
     return TakeGUID(query, pstrGUID ? *pstrGUID : strGUID);
 }
 
-BOOL dbCPatients::FindID(LPCTSTR pszID, CString& strGUID)
-{
-    dbCStatement query("SELECT p.guid FROM patients t JOIN persons p ON p.id = t.person"
-                       " WHERE t.patientID = ?");
-    query.Bind(pszID);
-    return TakeGUID(query, strGUID);
-}
-
 BOOL dbCPatients::FindVeltrixID(LPCTSTR pszVeltrixID, CString& strGUID)
 {
     // Those that were never shared have none in common.
@@ -262,8 +254,7 @@ int dbCPatients::GetCount(dbPatientSearch nBy, LPCTSTR pszSearch)
     if (nBy == dbSearchID)
     {
         const std::string prefix = dbToUtf8(pszSearch);
-        dbCStatement query(
-            "SELECT count(*) FROM patients WHERE patientID >= ? AND patientID < ?");
+        dbCStatement query("SELECT count(*) FROM patients WHERE patientID >= ? AND patientID < ?");
         query.BindUtf8(prefix).BindUtf8(EndOfPrefix(prefix)).Step();
         return query.Int(0);
     }
@@ -300,11 +291,12 @@ void dbCPatients::DeletePatient(LPCTSTR pszIDOrGUID, const patFileStates* pFiles
 {
     CString strID, strGUID;
     {
-        dbCStatement query(IsGUID(pszIDOrGUID)
-                               ? std::string_view("SELECT t.patientID, p.guid FROM patients t JOIN persons p ON"
-                                                  " p.id = t.person WHERE p.guid = ?")
-                               : std::string_view("SELECT t.patientID, p.guid FROM patients t JOIN persons p ON"
-                                                  " p.id = t.person WHERE t.patientID = ?"));
+        dbCStatement query(
+            IsGUID(pszIDOrGUID)
+                ? std::string_view("SELECT t.patientID, p.guid FROM patients t JOIN persons p ON"
+                                   " p.id = t.person WHERE p.guid = ?")
+                : std::string_view("SELECT t.patientID, p.guid FROM patients t JOIN persons p ON"
+                                   " p.id = t.person WHERE t.patientID = ?"));
         query.Bind(pszIDOrGUID);
         if (!query.Step())
             dbCException::Throw(dbErrNotFound, pszIDOrGUID);

@@ -89,8 +89,7 @@ public:
     virtual BOOL FindSimilar(LPCTSTR pszFirst, LPCTSTR pszLast, const velCDate& dateBirth,
                              CString* pstrGUID = nullptr);
 
-    /// GUID of the patient with this ID, FALSE when there is none.
-    BOOL FindID(LPCTSTR pszID, CString& strGUID);
+    /// GUID of the patient that the cloud service knows by this ID, FALSE when there is none.
     BOOL FindVeltrixID(LPCTSTR pszVeltrixID, CString& strGUID);
 
     /// Appends up to `nMax` rows in the order of family name, given name and birth date (of the ID for
@@ -111,10 +110,10 @@ public:
     BOOL AddFromArchive(dbCPatient& patient);
 
     /// Removes a patient with everything stored about it and its files in the working folder: all of them, or
-    /// exactly those of `pFiles` that still have the size and time given there. The removal is lasting once the
-    /// record is gone; the ID stays taken until the last file is, and a file in use goes when the database is
-    /// next opened. Throws with code dbErrNotFound when there is no such patient, dbErrFilesPending while
-    /// earlier work on its files is not finished, dbErrIO when the folder cannot be read. Within a
-    /// dbCTransaction it is part of it.
+    /// exactly those of `pFiles` that still have the size and time given there. The removal is lasting once
+    /// the record is gone; the ID stays taken until the last file is, and a file in use goes when the
+    /// database is next opened. Throws with code dbErrNotFound when there is no such patient,
+    /// dbErrFilesPending while earlier work on its files is not finished, dbErrIO when the folder cannot be
+    /// read. Within a dbCTransaction it is part of it.
     void DeletePatient(LPCTSTR pszIDOrGUID, const patFileStates* pFiles = nullptr);
 };

@@ -5,17 +5,6 @@
 #include <algorithm>
 #include <cstdio>
 
-namespace
-{
-CString ImageName(const CString& strBase, char chKind, int nGroup, int nType)
-{
-    CString strName;
-    strName.Format("%s.%c%d%c", strBase.GetString(), chKind, nGroup,
-                   patCImageTypes::GetType(nGroup, nType).chCode);
-    return strName;
-}
-} // namespace
-
 void patCTimepoint::SetBaseFilename(LPCTSTR psz)
 {
     m_strBaseFilename = psz;
@@ -45,12 +34,10 @@ patSImageInfo patCTimepoint::GetImageInfo(int nGroup, int nType) const
 
 CString patCTimepoint::GetImageFilename(int nGroup, int nType) const
 {
-    return ImageName(m_strBaseFilename, 'I', nGroup, nType);
-}
-
-CString patCTimepoint::GetCompanionFilename(int nGroup, int nType) const
-{
-    return ImageName(m_strBaseFilename, 'V', nGroup, nType);
+    CString strName;
+    strName.Format("%s.I%d%c", m_strBaseFilename.GetString(), nGroup,
+                   patCImageTypes::GetType(nGroup, nType).chCode);
+    return strName;
 }
 
 dbCTimepoint::dbCTimepoint()

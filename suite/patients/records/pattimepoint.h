@@ -108,9 +108,8 @@ public:
         m_infos.clear();
     }
 
-    /// File name (no folder) of an image and of its companion.
+    /// File name (no folder) of an image.
     CString GetImageFilename(int nGroup, int nType) const;
-    CString GetCompanionFilename(int nGroup, int nType) const;
 
 private:
     CString m_strName, m_strPtshID, m_strTpID, m_strBaseFilename;
