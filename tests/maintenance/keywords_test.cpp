@@ -14,7 +14,15 @@ using veltest::Control;
 constexpr int patientList = dbKeywordsPatient;
 constexpr int imageList = dbKeywordsImage;
 
-/// A practice whose keyword lists a test fills and reads.
+INT_PTR CALLBACK FieldsProc(HWND dialog, UINT message, WPARAM wParam, LPARAM)
+{
+    if (message == WM_COMMAND && LOWORD(wParam) == IDOK)
+        EndDialog(dialog, IDOK);
+    return message == WM_INITDIALOG;
+}
+
+/// A practice whose keyword lists a test fills and reads, their editor, and a dialog with three keyword
+/// fields: for patients, for images and for no list.
 class KeywordPractice : public PatientPractice
 {
 protected:
@@ -32,11 +40,7 @@ protected:
     {
         return Sql("SELECT word FROM keywords WHERE list = " + std::to_string(nList) + " ORDER BY id");
     }
-};
 
-class KeywordDialog : public KeywordPractice
-{
-protected:
     static __int64 Edit(const Script& script, INI_LIST list = INI_LIST_PATIENT)
     {
         return veltest::RunDialog([&] { return EditKeywords(nullptr, list); }, "Edit Keywords", script);
@@ -60,7 +64,48 @@ protected:
         dialog.Press(button);
         EXPECT_TRUE(dialog.Item(IDC_KEYWORD_TEXT).HasFocus());
     }
+
+    static void Run(const Script& script)
+    {
+        const auto call = [] {
+            return DialogBoxParamA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(IDD_KEYWORD_FIELDS), nullptr,
+                                   FieldsProc, 0);
+        };
+        const auto play = [&](DialogScript& s, const Dialog& dialog) {
+            script(s, dialog);
+            dialog.Press(IDOK);
+        };
+        EXPECT_EQ(veltest::RunDialog(call, "Keyword fields", play), IDOK);
+    }
+
+    // By the keyboard, unless a place is given.
+    static std::vector<std::string> OpenMenu(DialogScript& script, const Control& field,
+                                             LPARAM place = MAKELPARAM(-1, -1))
+    {
+        field.Post(WM_CONTEXTMENU, reinterpret_cast<WPARAM>(field.Handle()), place);
+        return script.WaitForMenu();
+    }
+
+    static void Choose(DialogScript& script, const Control& field, const std::string& item)
+    {
+        OpenMenu(script, field);
+        script.ChooseMenuItem(item);
+    }
+
+    static std::vector<std::string> MenuOf(DialogScript& script, const Control& field)
+    {
+        std::vector<std::string> items = OpenMenu(script, field);
+        script.CloseMenu();
+        script.Settle(field.Handle());
+        return items;
+    }
+
+    // Loads the module, and with it the window class.
+    const int m_moduleLoaded = SetArchivingAllowed(false);
 };
+
+using KeywordDialog = KeywordPractice;
+using KeywordField = KeywordPractice;
 
 TEST_F(KeywordDialog, AddsAndRemovesOnOK)
 {
@@ -192,56 +237,6 @@ TEST_F(KeywordDialog, SaysWhenTheListCannotBeReadOrStored)
                                 [&](DialogScript& script) { script.AnswerBox(unread, IDOK); }),
               IDCANCEL);
 }
-
-INT_PTR CALLBACK FieldsProc(HWND dialog, UINT message, WPARAM wParam, LPARAM)
-{
-    if (message == WM_COMMAND && LOWORD(wParam) == IDOK)
-        EndDialog(dialog, IDOK);
-    return message == WM_INITDIALOG;
-}
-
-/// A dialog with three keyword fields: for patients, for images and for no list.
-class KeywordField : public KeywordPractice
-{
-protected:
-    static void Run(const Script& script)
-    {
-        const auto call = [] {
-            return DialogBoxParamA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(IDD_KEYWORD_FIELDS), nullptr,
-                                   FieldsProc, 0);
-        };
-        const auto play = [&](DialogScript& s, const Dialog& dialog) {
-            script(s, dialog);
-            dialog.Press(IDOK);
-        };
-        EXPECT_EQ(veltest::RunDialog(call, "Keyword fields", play), IDOK);
-    }
-
-    // By the keyboard, unless a place is given.
-    static std::vector<std::string> OpenMenu(DialogScript& script, const Control& field,
-                                             LPARAM place = MAKELPARAM(-1, -1))
-    {
-        field.Post(WM_CONTEXTMENU, reinterpret_cast<WPARAM>(field.Handle()), place);
-        return script.WaitForMenu();
-    }
-
-    static void Choose(DialogScript& script, const Control& field, const std::string& item)
-    {
-        OpenMenu(script, field);
-        script.ChooseMenuItem(item);
-    }
-
-    static std::vector<std::string> MenuOf(DialogScript& script, const Control& field)
-    {
-        std::vector<std::string> items = OpenMenu(script, field);
-        script.CloseMenu();
-        script.Settle(field.Handle());
-        return items;
-    }
-
-    // Loads the module, and with it the window class.
-    const int m_moduleLoaded = SetArchivingAllowed(false);
-};
 
 TEST_F(KeywordField, OffersTheListThatItsTextNames)
 {
