@@ -6,7 +6,5 @@
 inline void Check(bool holds)
 {
     if (!holds)
-    {
         std::abort();
-    }
 }

@@ -13,9 +13,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string folder = "C:\\out";
     const auto safe = arc::SafeRelativePath({reinterpret_cast<const char*>(data), size}, folder.size());
     if (!safe)
-    {
         return 0;
-    }
     const std::string full = arc::JoinPath(folder, safe->path);
     Check(full.size() <= arc::MaxPathLength && files.Absolute(full) == full && arc::LiesBelow(full, folder));
     Check(safe->path.find_first_of("/:*?\"<>|") == std::string::npos &&

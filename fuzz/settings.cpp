@@ -47,9 +47,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     auto file = iniCFile::Parse(text);
     if (!file)
-    {
         return 0;
-    }
     Check(file->Text() == text);
     const auto found = file->Find(section, key);
     Check(!found || found->length() <= inimaxValue);

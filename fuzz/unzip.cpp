@@ -13,9 +13,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     files.Put("C:\\x.kaz", std::string(reinterpret_cast<const char*>(data), size));
     CUnzipper unzipper(files);
     if (!unzipper.OpenZip("C:\\x.kaz"))
-    {
         return 0;
-    }
     const bool loaded = unzipper.UnzipAll("C:\\out");
     Check(files.Tree("C:").size() == files.Tree("C:\\out").size() + 1);
     std::uint64_t bytes = 0;
@@ -29,9 +27,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         stated += info.size;
     }
     for (const std::string& path : files.Tree("C:\\out"))
-    {
         bytes += files.Bytes(path).size();
-    }
     Check(!loaded || (bytes == stated && files.Tree("C:\\out").size() == count));
     return 0;
 }

@@ -33,7 +33,7 @@ ArchiveDialogTest::ArchiveDialogTest()
     m_practice.Set("Environment", "TEMP", m_practice.Path("temp"));
     m_practice.Set("Defaults", "ArchiveFilePath", m_practice.Path("archive"));
     ChangeWorkers();
-    UseFirstPractice();
+    UsePractice(1);
     EXPECT_TRUE(m_host.Open());
     SetArchivingAllowed(true);
 }
@@ -53,25 +53,15 @@ void ArchiveDialogTest::ChangeWorkers()
     m_practice.Set("Defaults", "ArchiveThreads", workers[s_nTurn++ % 3]);
 }
 
-void ArchiveDialogTest::Use(const std::string& working, const std::string& database)
+void ArchiveDialogTest::UsePractice(int nPractice)
 {
-    m_working = working;
-    std::filesystem::create_directories(m_practice.Path(working));
-    m_practice.Set("Environment", "WORKING", m_practice.Path(working + "\\"));
-    const std::string path = m_practice.Path(database);
-    (std::filesystem::exists(path) ? dbCPatients::Open : dbCPatients::Create)(path.c_str());
+    m_working = "working" + std::to_string(nPractice);
+    m_database = m_practice.Path("patients" + std::to_string(nPractice) + ".db");
+    std::filesystem::create_directories(m_practice.Path(m_working));
+    m_practice.Set("Environment", "WORKING", m_practice.Path(m_working + "\\"));
+    (std::filesystem::exists(m_database) ? dbCPatients::Open : dbCPatients::Create)(m_database.c_str());
     m_nLastEvent = 0;
     NewEvents();
-}
-
-void ArchiveDialogTest::UseFirstPractice()
-{
-    Use("working", "patients.db");
-}
-
-void ArchiveDialogTest::UseSecondPractice()
-{
-    Use("working2", "patients2.db");
 }
 
 __int64 ArchiveDialogTest::Run(ARCHIVE_OP nOperation, const std::vector<std::string>& ids,
@@ -164,7 +154,7 @@ void ArchiveDialogTest::ExpectRefused(int nFilter, const std::string& text)
 void ArchiveDialogTest::SaveAndChange(const std::string& id)
 {
     Save(id);
-    UseSecondPractice();
+    UsePractice(2);
 }
 
 void ArchiveDialogTest::Load(const std::string& path, const std::vector<std::string>& boxes,

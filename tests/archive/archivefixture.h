@@ -43,9 +43,8 @@ protected:
 
     // The next archives are packed and unpacked by one, two or seven threads, in turn.
     void ChangeWorkers();
-    // Changes to an empty practice on the same computer; the archives' folder stays.
-    void UseSecondPractice();
-    void UseFirstPractice();
+    // Changes to the practice of that number (1 or 2) on the same computer; the archives' folder stays.
+    void UsePractice(int nPractice);
 
     // The archive dialog over the host window; afterwards the window must be enabled and no lock of this
     // process left.
@@ -92,10 +91,10 @@ protected:
     HostWindow m_host;
     bool m_bStaysLocked = false; // a patient of the next operation may
     int m_nQuit = -1;            // the exit code of a WM_QUIT that the dialog left behind
-    std::string m_working = "working";
+    std::string m_working;       // folder and database of the practice that is used
+    std::string m_database;
 
 private:
-    void Use(const std::string& working, const std::string& database);
     __int64 m_nLastEvent = 0;
 };
 

@@ -5,12 +5,6 @@ using testing::IsEmpty;
 using veltest::Dialog;
 using veltest::DialogScript;
 
-namespace
-{
-constexpr int Radios[] = {IDC_ARC_GET_ARCHIVE, IDC_ARC_SAVE_ARCHIVE, IDC_ARC_MERGE, IDC_ARC_GET_INTERNET,
-                          IDC_ARC_SAVE_INTERNET};
-}
-
 TEST_F(ArchiveDialogTest, OffersWhatIsPossible)
 {
     StorePatient("A1");
@@ -30,26 +24,25 @@ TEST_F(ArchiveDialogTest, OffersWhatIsPossible)
     };
     for (const Case& expected : cases)
     {
-        EXPECT_EQ(Run(expected.nOperation, expected.ids, {},
-                      [&](DialogScript& script) {
-                          const Dialog choice = WaitForChoice(script);
-                          choice.SettleIdle();
-                          std::string enabled;
-                          int nChecked = 0;
-                          for (const int nID : Radios)
-                          {
-                              enabled += choice.Item(nID).IsEnabled() ? '1' : '0';
-                              nChecked = choice.Item(nID).IsChecked() ? nID : nChecked;
-                          }
-                          EXPECT_EQ(enabled, expected.enabled) << expected.nOperation;
-                          EXPECT_EQ(nChecked, expected.nChecked) << expected.nOperation;
-                          EXPECT_EQ(choice.Item(IDC_ARC_INCLUDE_VIEWER).IsEnabled(), !expected.ids.empty());
-                          EXPECT_EQ(choice.Item(IDOK).IsEnabled(), expected.bOK) << expected.nOperation;
-                          EXPECT_EQ(veltest::DialogFindings(choice.Handle()), "");
-                          veltest::SavePicture(choice.Handle(), "archive-choice");
-                          choice.Press(IDCANCEL);
-                      }),
-                  IDCANCEL);
+        const auto look = [&](DialogScript& script) {
+            const Dialog choice = WaitForChoice(script);
+            choice.SettleIdle();
+            std::string enabled;
+            int nChecked = 0;
+            for (const int nID : {IDC_ARC_GET_ARCHIVE, IDC_ARC_SAVE_ARCHIVE, IDC_ARC_MERGE,
+                                  IDC_ARC_GET_INTERNET, IDC_ARC_SAVE_INTERNET})
+            {
+                enabled += choice.Item(nID).IsEnabled() ? '1' : '0';
+                nChecked = choice.Item(nID).IsChecked() ? nID : nChecked;
+            }
+            EXPECT_EQ(enabled, expected.enabled) << expected.nOperation;
+            EXPECT_EQ(nChecked, expected.nChecked) << expected.nOperation;
+            EXPECT_EQ(choice.Item(IDC_ARC_INCLUDE_VIEWER).IsEnabled(), !expected.ids.empty());
+            EXPECT_EQ(choice.Item(IDOK).IsEnabled(), expected.bOK) << expected.nOperation;
+            veltest::ExpectWellMade(choice, "archive-choice");
+            choice.Press(IDCANCEL);
+        };
+        EXPECT_EQ(Run(expected.nOperation, expected.ids, {}, look), IDCANCEL);
     }
 }
 

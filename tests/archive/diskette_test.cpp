@@ -5,7 +5,6 @@
 
 #include <gtest/gtest.h>
 
-using arc::DisketteCheck;
 namespace attribute = arc::attribute;
 
 namespace
@@ -25,9 +24,9 @@ protected:
     {
         files.AddDrive('A', 100, 512);
     }
-    DisketteCheck Check(int number)
+    unsigned Question(int number)
     {
-        return arc::CheckDiskette(files, 'A', Patient, number);
+        return arc::DisketteQuestion(arc::CheckDiskette(files, 'A', Patient, number));
     }
     MemoryFileSystem files;
 };
@@ -35,8 +34,9 @@ protected:
 
 TEST_F(ArchiveDiskette, AnEmptyDriveHoldsNoDisk)
 {
-    EXPECT_EQ(Check(1), DisketteCheck::NoDisk);
-    EXPECT_EQ(arc::CheckDiskette(files, 'B', Patient, 1), DisketteCheck::NoDisk);
+    for (const char drive : {'A', 'B'})
+        EXPECT_EQ(arc::CheckDiskette(files, drive, Patient, 1), arc::DisketteCheck::NoDisk);
+    EXPECT_EQ(Question(1), 0u);
     EXPECT_TRUE(arc::IsBlankDisk(files, 'A'));
     EXPECT_FALSE(arc::IsBlankDisk(files, 'B'));
 }
@@ -44,48 +44,36 @@ TEST_F(ArchiveDiskette, AnEmptyDriveHoldsNoDisk)
 TEST_F(ArchiveDiskette, FirstDiskIsKnownByItsLabel)
 {
     files.Put("A:\\other.txt", "x");
-    EXPECT_EQ(Check(1), DisketteCheck::NotPatientDisk);
+    EXPECT_EQ(Question(1), IDS_ARC_DISK_NOT_PATIENT);
     files.Put("A:\\S1.002", VolumeBytes(2));
-    EXPECT_EQ(Check(1), DisketteCheck::OutOfOrder); // no label, but a volume of the patient
+    EXPECT_EQ(Question(1), IDS_ARC_DISK_OUT_OF_ORDER); // no label, but a volume of the patient
     files.Put("A:\\CURRENT.DAT", "no header");
-    EXPECT_EQ(Check(1), DisketteCheck::OutOfOrder);
+    EXPECT_EQ(Question(1), IDS_ARC_DISK_OUT_OF_ORDER);
     for (const arc::HeaderLine& other :
          {arc::HeaderLine{"Smyth", "Jo", "S1"}, arc::HeaderLine{"Smith", "jo", "S1"},
           arc::HeaderLine{"Smith", "Jo", "S2"}})
     {
         files.Put("A:\\CURRENT.DAT", arc::WriteHeaderLine(other));
-        EXPECT_EQ(Check(1), DisketteCheck::OtherPatient);
+        EXPECT_EQ(Question(1), IDS_ARC_DISK_OTHER_PATIENT);
     }
     files.Put("A:\\CURRENT.DAT", arc::WriteHeaderLine(Patient));
-    EXPECT_EQ(Check(1), DisketteCheck::OutOfOrder);
+    EXPECT_EQ(Question(1), IDS_ARC_DISK_OUT_OF_ORDER);
     files.Put("A:\\S1.002", VolumeBytes(1));
-    EXPECT_EQ(Check(1), DisketteCheck::Right);
+    EXPECT_EQ(Question(1), 0u);
 }
 
 TEST_F(ArchiveDiskette, LaterDisksAreKnownByTheirVolume)
 {
     files.Put("A:\\CURRENT.DAT", "anything");
-    EXPECT_EQ(Check(2), DisketteCheck::NotPatientDisk);
+    EXPECT_EQ(Question(2), IDS_ARC_DISK_NOT_PATIENT);
     files.Put("A:\\S1.002", VolumeBytes(2).substr(0, 27));
-    EXPECT_EQ(Check(2), DisketteCheck::NotPatientDisk);
+    EXPECT_EQ(Question(2), IDS_ARC_DISK_NOT_PATIENT);
     files.Put("A:\\S1.002", VolumeBytes(2));
-    EXPECT_EQ(Check(2), DisketteCheck::Right);
-    EXPECT_EQ(Check(3), DisketteCheck::OutOfOrder);
+    EXPECT_EQ(Question(2), 0u);
+    EXPECT_EQ(Question(3), IDS_ARC_DISK_OUT_OF_ORDER);
 }
 
-TEST_F(ArchiveDiskette, EveryWrongDiskRaisesItsQuestion)
-{
-    const std::pair<DisketteCheck, unsigned> questions[] = {
-        {DisketteCheck::Right, 0},
-        {DisketteCheck::NoDisk, 0},
-        {DisketteCheck::NotPatientDisk, IDS_ARC_DISK_NOT_PATIENT},
-        {DisketteCheck::OtherPatient, IDS_ARC_DISK_OTHER_PATIENT},
-        {DisketteCheck::OutOfOrder, IDS_ARC_DISK_OUT_OF_ORDER}};
-    for (const auto& [check, question] : questions)
-        EXPECT_EQ(arc::DisketteQuestion(check), question);
-}
-
-TEST_F(ArchiveDiskette, ErasesWhatItMayAndSkipsLinksAndOtherAttributes)
+TEST_F(ArchiveDiskette, ErasesWhatItMayUpToTheFirstFailureAndSkipsLinksAndOtherAttributes)
 {
     files.Put("A:\\f\\g\\deep.txt", "x", attribute::ReadOnly | attribute::Hidden | attribute::System);
     files.Put("A:\\none.txt", "x", attribute::Normal);
@@ -100,10 +88,7 @@ TEST_F(ArchiveDiskette, ErasesWhatItMayAndSkipsLinksAndOtherAttributes)
     files.Put("A:\\z.txt", "x");
     EXPECT_FALSE(arc::EraseDrive(files, 'A'));
     EXPECT_EQ(files.Tree("A:\\"), (std::vector<std::string>{"A:\\KEPT.TXT", "A:\\LINK\\PRECIOUS.TXT"}));
-}
 
-TEST_F(ArchiveDiskette, TheFirstFailureStopsTheWalk)
-{
     for (const char* path : {"A:\\a.txt", "A:\\b.txt", "A:\\c.txt"})
         files.Put(path, "x");
     const auto held = files.Open("A:\\b.txt", arc::Access::ReadShared);

@@ -3,7 +3,7 @@
 set -e
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
-"$1" "$folder" # which reads them through the zip library alone
+"$1" "$folder"
 for zip in "$folder"/*.kaz; do
   unzip -tq "$zip"
   7z t "$zip" >/dev/null

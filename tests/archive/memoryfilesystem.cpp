@@ -8,18 +8,25 @@
 
 namespace attribute = arc::attribute;
 
+static std::uint64_t Clusters(std::uint64_t bytes, const arc::DiskSpace& space)
+{
+    return (bytes + space.bytesPerCluster - 1) / space.bytesPerCluster;
+}
+
 class MemoryFileSystem::MemoryFile : public arc::RawFile
 {
 public:
-    MemoryFile(MemoryFileSystem& files, std::string key, std::shared_ptr<Node> node, bool alone)
-        : m_files(files), m_key(std::move(key)), m_node(std::move(node)), m_alone(alone)
+    // Made under the lock of Open.
+    MemoryFile(MemoryFileSystem& files, std::string key, const std::shared_ptr<Node>& node, bool alone)
+        : m_files(files), m_key(std::move(key))
     {
-        ++m_node->readers; // under the lock of Open
-        m_node->alone |= alone;
-    }
-    ~MemoryFile() override
-    {
-        Release();
+        ++node->readers;
+        node->alone |= alone;
+        m_node = {node.get(), [&files, node, alone](Node*) {
+                      const std::lock_guard lock(files.m_mutex);
+                      --node->readers;
+                      node->alone &= !alone;
+                  }};
     }
 
     std::optional<std::size_t> ReadAt(std::uint64_t position, void* buffer, std::size_t bytes) override
@@ -37,10 +44,7 @@ public:
         std::string& to = m_node->bytes;
         const std::size_t end = std::max<std::size_t>(position + bytes, to.size());
         const arc::DiskSpace space = m_files.SpaceOf(m_key[0]);
-        const auto clusters = [&](std::size_t size) {
-            return (size + space.bytesPerCluster - 1) / space.bytesPerCluster;
-        };
-        if (m_files.Fails() || clusters(end) - clusters(to.size()) > space.freeClusters)
+        if (m_files.Fails() || Clusters(end, space) - Clusters(to.size(), space) > space.freeClusters)
             return false;
         to.resize(end);
         std::memcpy(to.data() + position, data, bytes);
@@ -77,25 +81,14 @@ public:
     bool Close() override
     {
         const std::lock_guard lock(m_files.m_mutex);
-        Release();
+        m_node.reset();
         return !m_files.Fails();
     }
 
 private:
-    void Release()
-    {
-        const std::lock_guard lock(m_files.m_mutex);
-        if (!m_node)
-            return;
-        --m_node->readers;
-        m_node->alone &= !m_alone;
-        m_node.reset();
-    }
-
     MemoryFileSystem& m_files;
     std::string m_key;
-    std::shared_ptr<Node> m_node;
-    bool m_alone;
+    std::shared_ptr<Node> m_node; // in use until it is let go
 };
 
 MemoryFileSystem::MemoryFileSystem()
@@ -152,11 +145,6 @@ void MemoryFileSystem::Put(const std::string& path, const std::string& bytes, st
     Make(path, attributes).bytes = bytes;
 }
 
-void MemoryFileSystem::Remove(const std::string& path)
-{
-    m_nodes.erase(Key(path));
-}
-
 void MemoryFileSystem::Clear(const std::string& folder)
 {
     for (const std::string& path : Tree(folder))
@@ -199,11 +187,6 @@ void MemoryFileSystem::FailFrom(int call, int times)
     m_failTimes = times;
 }
 
-int MemoryFileSystem::Calls() const
-{
-    return m_calls;
-}
-
 bool MemoryFileSystem::Fails()
 {
     ++m_calls;
@@ -217,7 +200,7 @@ arc::DiskSpace MemoryFileSystem::SpaceOf(char drive) const
     for (const auto& [key, node] : m_nodes)
     {
         if (key[0] == drive)
-            space.freeClusters -= (node->bytes.size() + space.bytesPerCluster - 1) / space.bytesPerCluster;
+            space.freeClusters -= Clusters(node->bytes.size(), space);
     }
     return space;
 }

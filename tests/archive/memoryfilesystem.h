@@ -40,7 +40,6 @@ public:
     void AddDrive(char letter, std::uint64_t clusters = 1 << 20, std::uint64_t bytesPerCluster = 512);
     void Put(const std::string& path, const std::string& bytes,
              std::uint32_t attributes = arc::attribute::Archive);
-    void Remove(const std::string& path);  // a single file or empty folder; no call
     void Clear(const std::string& folder); // of all files below; no call
     Node* Find(const std::string& path) const;
     bool Exists(const std::string& path) const;
@@ -50,7 +49,7 @@ public:
     // From the call with this number on (from 1, counted from now) as many calls fail, or all when times is
     // 0; call 0 = none. Every call of the file system and of its files counts.
     void FailFrom(int call, int times = 0);
-    int Calls() const;
+    int m_calls = 0;
     bool m_bGarbles = false; // what is written reads back otherwise, as on a bad medium
     // Called before a file is opened; may throw.
     std::function<void()> m_opening;
@@ -85,7 +84,6 @@ private:
 
     std::map<char, arc::DiskSpace> m_drives;              // as they are empty
     std::map<std::string, std::shared_ptr<Node>> m_nodes; // by folded full path
-    int m_calls = 0;
     int m_failFrom = 0;
     int m_failTimes = 0;
 };

@@ -48,16 +48,9 @@ TEST(ArchiveNames, PatternArgumentHasTheEightPatternsAndSplitsBack)
 TEST(ArchiveNames, WildcardsAreStrict)
 {
     const std::tuple<const char*, const char*, bool> cases[] = {
-        {"A100.I40", "A1??.i??", true},
         {"A1.I40", "A1??.i??", false},
         {"A100.I4", "A1??.i??", false},
-        {"A00.I40", "A1??.i??", false},
         {"A123.M", "A1??.m", true},
-        {"A1234.M", "A1??.m", false},
-        {"A100.I40.AVI", "A1??.i??", false},
-        {"A1$00$x.dat", "A1$*", true},
-        {"A12$00$x", "A1$*", false},
-        {"A1x.y.2dmorph", "A1*.2dmorph", true},
         {"A1.2dmorphs", "A1*.2dmorph", false},
         {"", "*", true},
         {"", "?", false},
@@ -68,14 +61,7 @@ TEST(ArchiveNames, WildcardsAreStrict)
         EXPECT_EQ(arc::MatchesWildcard(name, pattern), matches) << name << " " << pattern;
 }
 
-TEST(ArchiveHeaderLine, WritesThreeEndedFields)
-{
-    EXPECT_EQ(arc::WriteHeaderLine({"Smith", "Jo", "S1"}), "Smith\x01Jo\x01S1\x01\n");
-    const std::string longName(40, 'n');
-    EXPECT_EQ(arc::WriteHeaderLine({longName, "J\x01\n", "S"}), std::string(25, 'n') + "\x01J\x01S\x01\n");
-}
-
-TEST(ArchiveHeaderLine, AcceptsOnlyWholeLines)
+TEST(ArchiveHeaderLine, WritesThreeEndedFieldsAndAcceptsOnlyWholeLines)
 {
     using namespace std::string_literals;
     const std::string full(25, 'x');
@@ -93,43 +79,25 @@ TEST(ArchiveHeaderLine, AcceptsOnlyWholeLines)
         {"Smith\x01Jo\n\x01S1\x01\n", false},
         {"Smi\0th\x01Jo\x01S1\x01\n"s, false},
         {"", false},
-        {std::string(1000, '\x02'), false},
-        {"PK\x03\x04", false},
     };
     for (const auto& [line, accepted] : cases)
         EXPECT_EQ(arc::ParseHeaderLine(line).has_value(), accepted) << testing::PrintToString(line);
     EXPECT_EQ(arc::ParseHeaderLine(cases[0].first), (arc::HeaderLine{"Smith", "Jo", "S1"}));
-}
+    EXPECT_EQ(arc::WriteHeaderLine({full + "abc", "J\x01\n", "S"}), full + "\x01J\x01S\x01\n");
 
-TEST(ArchiveHeaderLine, ComparesTheFirst25Characters)
-{
-    const std::string name(25, 'n');
-    EXPECT_TRUE(arc::SamePatient({name + "abc", "Jo", "S1"}, {name, "Jo", "S1"}));
+    // Compared are the 25 characters that a line holds.
+    EXPECT_TRUE(arc::SamePatient({full + "abc", "Jo", "S1"}, {full, "Jo", "S1"}));
     EXPECT_FALSE(arc::SamePatient({"smith", "Jo", "S1"}, {"Smith", "Jo", "S1"})); // exact, case and all
     EXPECT_FALSE(arc::SamePatient({"Smith", "Jo", "S1"}, {"Smith", "Jo", "S2"}));
 }
-
-namespace
-{
-arc::TimepointFiles Timepoint(const std::string& id, int index)
-{
-    arc::TimepointFiles timepoint;
-    timepoint.index = index;
-    timepoint.baseName = arc::TimepointBaseName(id, index);
-    return timepoint;
-}
-} // namespace
 
 TEST(ArchiveFileSet, ListsByGroupThenTypeThenTimepoint)
 {
     arc::ImageTypeTable types;
     types[0] = "AI";
     types[4] = "0";
-    arc::TimepointFiles first = Timepoint("II", 0); // only an extension's first letter is ever another
-    arc::TimepointFiles second = Timepoint("II", 100);
-    first.typeBits[0] = 0b10;
-    second.typeBits[0] = 0b11;
-    second.typeBits[4] = 0b101; // a bit without a type of the table names no file
+    // Only an extension's first letter is ever another; a bit without a type of the table names no file.
+    const arc::TimepointFiles first{0, "II00", {0b10}}, second{100, "II100", {0b11, 0, 0, 0, 0b101}};
     const auto names = arc::ListFileSet("II", {first, second}, types);
     EXPECT_THAT(names, ElementsAre("II.PF", "II100.I0A", "II100.V0A", "II00.I0I", "II00.V0I", "II100.I0I",
                                    "II100.V0I", "II100.I40", "II100.V40", "II00.DF0", "II00.DF1", "II00.DF2",
@@ -169,14 +137,11 @@ TEST(ArchiveFileSet, ArchiveHoldsPatternsThenListedFilesOnce)
     std::vector<arc::PresentFile> found;
     ASSERT_TRUE(arc::FilesToArchive(files, "C:\\w", "A1",
                                     {"A1.PF", "A100.I40", "A101.I40", "A100.DF0", "A100.DF1"}, found));
-    std::vector<std::string> names;
-    for (const auto& file : found)
-    {
-        EXPECT_EQ(file.size, file.name.size());
-        names.push_back(file.name);
-    }
-    EXPECT_THAT(names, ElementsAre("A1.PF", "A100.I40", "A100.V40", "A100.I40.AVI", "A1$00$note.txt",
-                                   "A1$x.2dmorph", "A100.D1.I20", "A12.2dmorph", "A101.C01", "A100.DF0"));
+    std::vector<arc::PresentFile> expected;
+    for (const std::string name : {"A1.PF", "A100.I40", "A100.V40", "A100.I40.AVI", "A1$00$note.txt",
+                                   "A1$x.2dmorph", "A100.D1.I20", "A12.2dmorph", "A101.C01", "A100.DF0"})
+        expected.push_back({name, name.size()});
+    EXPECT_EQ(found, expected);
     EXPECT_FALSE(arc::FilesToArchive(files, "C:\\none", "A1", {}, found));
 }
 

@@ -11,19 +11,17 @@ void Put(std::string& to, std::uint32_t value, int bytes)
 }
 
 // The fields that both headers share, from "version needed" on.
-void PutCommon(std::string& to, const RawEntry& entry, std::size_t packed, std::size_t nameLength, bool local)
+void PutCommon(std::string& to, const RawEntry& entry, std::size_t packed)
 {
     Put(to, 20, 2);
     Put(to, entry.flags, 2);
-    Put(to, local ? entry.localMethod.value_or(entry.method) : entry.method, 2);
+    Put(to, entry.method, 2);
     Put(to, 0x2000, 2); // 04:00:00
     Put(to, 0x5D75, 2); // 21 November 2026
-    const std::uint32_t crc = entry.crc.value_or(Crc(entry.contents));
-    const std::uint32_t size = entry.size.value_or(static_cast<std::uint32_t>(entry.contents.size()));
-    Put(to, local ? entry.localCrc.value_or(crc) : crc, 4);
+    Put(to, entry.crc.value_or(Crc(entry.contents)), 4);
     Put(to, entry.packedSize.value_or(static_cast<std::uint32_t>(packed)), 4);
-    Put(to, local ? entry.localSize.value_or(size) : size, 4);
-    Put(to, static_cast<std::uint32_t>(nameLength), 2);
+    Put(to, entry.size.value_or(static_cast<std::uint32_t>(entry.contents.size())), 4);
+    Put(to, static_cast<std::uint32_t>(entry.name.size()), 2);
 }
 } // namespace
 
@@ -55,16 +53,15 @@ std::string RawZip::Build() const
     for (const RawEntry& entry : entries)
     {
         const std::string packed = entry.method == 8 ? Deflate(entry.contents) : entry.contents;
-        const std::string localName = entry.localName.value_or(entry.name);
         const auto offset = static_cast<std::uint32_t>(bytes.size());
         bytes += "PK\x03\x04";
-        PutCommon(bytes, entry, packed.size(), localName.size(), true);
+        PutCommon(bytes, entry, packed.size());
         Put(bytes, 0, 2);
-        bytes += localName + packed;
+        bytes += entry.name + packed;
 
         directory += "PK\x01\x02";
         Put(directory, 20, 2);
-        PutCommon(directory, entry, packed.size(), entry.name.size(), false);
+        PutCommon(directory, entry, packed.size());
         Put(directory, static_cast<std::uint32_t>(entry.extra.size()), 2);
         Put(directory, static_cast<std::uint32_t>(entry.comment.size()), 2);
         Put(directory, 0, 4); // disk, internal attributes
@@ -78,8 +75,8 @@ std::string RawZip::Build() const
     Put(bytes, 0, 4);
     Put(bytes, entryCount, 2);
     Put(bytes, entryCount, 2);
-    Put(bytes, directorySize.value_or(static_cast<std::uint32_t>(directory.size())), 4);
-    Put(bytes, directoryOffset.value_or(directoryAt), 4);
+    Put(bytes, static_cast<std::uint32_t>(directory.size()), 4);
+    Put(bytes, directoryAt, 4);
     Put(bytes, static_cast<std::uint32_t>(comment.size()), 2);
     return prefix + bytes + comment + trailing;
 }

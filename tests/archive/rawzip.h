@@ -9,21 +9,17 @@
 // An entry as its headers tell it. What is not set is made to fit the contents.
 struct RawEntry
 {
-    std::string name;
-    std::string contents;     // as unpacked
-    std::uint16_t method = 0; // 8: contents are deflated
+    std::string name = {};
+    std::string contents = {}; // as unpacked
+    std::uint16_t method = 0;  // 8: contents are deflated
     std::uint16_t flags = 0;
     std::uint32_t attributes = 0x20;
-    std::optional<std::string> localName;
-    std::optional<std::uint32_t> crc;      // in both headers
-    std::optional<std::uint32_t> localCrc; // in the local one only
-    std::optional<std::uint32_t> size;     // unpacked
-    std::optional<std::uint32_t> localSize;
-    std::optional<std::uint32_t> packedSize;
-    std::optional<std::uint32_t> offset; // of the local header, in the directory
-    std::optional<std::uint16_t> localMethod;
-    std::string extra; // in the directory
-    std::string comment;
+    std::optional<std::uint32_t> crc = {};
+    std::optional<std::uint32_t> size = {}; // unpacked
+    std::optional<std::uint32_t> packedSize = {};
+    std::optional<std::uint32_t> offset = {}; // of the local header, in the directory
+    std::string extra = {};                   // in the directory
+    std::string comment = {};
 };
 
 struct RawZip
@@ -32,9 +28,7 @@ struct RawZip
     std::string prefix; // before everything; offsets do not count it
     std::string comment;
     std::string trailing; // behind the end record
-    std::optional<std::uint16_t> count;
-    std::optional<std::uint32_t> directorySize;
-    std::optional<std::uint32_t> directoryOffset;
+    std::optional<std::uint16_t> count = {};
 
     std::string Build() const;
 };

@@ -162,9 +162,9 @@ TEST_P(ArchiveSaving, NoMomentLosesBothArchives)
 {
     PutOld();
     const auto old = Archives();
-    const int before = files.Calls();
+    const int before = files.m_calls;
     ASSERT_EQ(Save(), arc::ResultDone);
-    const int calls = files.Calls() - before;
+    const int calls = files.m_calls - before;
     const auto good = Archives();
     ASSERT_GT(calls, 20);
     for (int call = 1; call <= calls; ++call)
@@ -255,6 +255,6 @@ TEST_P(ArchiveSaving, EndsWhereItIsStoppedOrNotProvenAndKeepsTheOldArchive)
     }
     // Without the patient file there is nothing to save.
     files.m_bGarbles = false;
-    files.Remove("C:\\w\\S1.PF");
+    files.RemoveFile("C:\\w\\S1.PF");
     EXPECT_TRUE(IsZip() || Save() == arc::ResultSaveFailed);
 }

@@ -10,15 +10,6 @@ namespace attribute = arc::attribute;
 
 namespace
 {
-RawEntry Entry(const std::string& name, const std::string& contents = "contents", std::uint16_t method = 0)
-{
-    RawEntry entry;
-    entry.name = name;
-    entry.contents = contents;
-    entry.method = method;
-    return entry;
-}
-
 class ArchiveUnzipper : public ZipTest
 {
 protected:
@@ -54,25 +45,13 @@ protected:
 INSTANTIATE_TEST_SUITE_P(Workers, ArchiveUnzipper, testing::Values(1U, 2U, 7U));
 } // namespace
 
-TEST_P(ArchiveUnzipper, AnEmptyZipLoadsAsEmpty)
-{
-    RawZip zip;
-    zip.comment = "nothing";
-    EXPECT_TRUE(Load(zip.Build()));
-    EXPECT_TRUE(Tree().empty());
-    EXPECT_TRUE(Open(zip.Build()));
-    EXPECT_FALSE(unzipper.GoToFirstEntry());
-    char comment[5];
-    EXPECT_TRUE(unzipper.GlobalComment(comment, sizeof comment));
-    EXPECT_STREQ(comment, "noth");
-    EXPECT_FALSE(unzipper.GlobalComment(comment, 0));
-}
-
 TEST_P(ArchiveUnzipper, ListsWhatItHolds)
 {
     RawZip zip;
-    zip.entries = {Entry("a.pf"), Entry("sub/", ""), Entry("Sub\\B.PF", std::string(5000, 'b'), 8),
-                   Entry(std::string(300, 'n'))};
+    zip.entries = {{"a.pf", "contents"},
+                   {"sub/", ""},
+                   {"Sub\\B.PF", std::string(5000, 'b'), 8},
+                   {std::string(300, 'n'), "contents"}};
     zip.entries[0].comment = std::string(400, 'c');
     ASSERT_TRUE(Open(zip.Build()));
     ASSERT_TRUE(Open(zip.Build())); // closes the one before
@@ -104,7 +83,7 @@ TEST_P(ArchiveUnzipper, ListsWhatItHolds)
 TEST_P(ArchiveUnzipper, ExtractsBelowTheFolderWithTimes)
 {
     RawZip zip;
-    zip.entries = {Entry("d\\e\\a.pf"), Entry("f\\", ""), Entry("b.pf", "", 8)};
+    zip.entries = {{"d\\e\\a.pf", "contents"}, {"f\\", ""}, {"b.pf", "", 8}};
     unzipper.SetProgress(Noting());
     files.Put("C:\\out\\d\\e\\a.pf", "older and longer than the new one", attribute::ReadOnly);
     ASSERT_TRUE(Open(zip.Build()));
@@ -122,11 +101,20 @@ TEST_P(ArchiveUnzipper, ExtractsBelowTheFolderWithTimes)
     EXPECT_EQ(files.Bytes("C:\\flat\\a.pf"), "contents");
 }
 
-TEST_P(ArchiveUnzipper, ZipsOfOtherProgramsLoad)
+TEST_P(ArchiveUnzipper, EmptyZipsAndThoseOfOtherProgramsLoad)
 {
     RawZip zip;
-    zip.entries = {Entry("a/b.pf", "text", 8), Entry("c.pf")};
     zip.comment = "made elsewhere";
+    EXPECT_TRUE(Load(zip.Build()));
+    EXPECT_TRUE(Tree().empty());
+    EXPECT_TRUE(Open(zip.Build()));
+    EXPECT_FALSE(unzipper.GoToFirstEntry());
+    char comment[5];
+    EXPECT_TRUE(unzipper.GlobalComment(comment, sizeof comment));
+    EXPECT_STREQ(comment, "made");
+    EXPECT_FALSE(unzipper.GlobalComment(comment, 0));
+
+    zip.entries = {{"a/b.pf", "text", 8}, {"c.pf", "contents"}};
     EXPECT_TRUE(Load(zip.Build()));
     zip.prefix = std::string(1000, 'x'); // behind a self-extracting program
     EXPECT_TRUE(Load(zip.Build()));
@@ -140,76 +128,53 @@ TEST_P(ArchiveUnzipper, HostileAndDamagedZipsAreRefused)
     const std::string first(500, 'a');
     const auto with = [&](auto change) {
         RawZip zip;
-        zip.entries = {Entry("a.pf", first, 8), Entry("b.pf", "stored"), Entry("c.pf", "last")};
+        zip.entries = {{"a.pf", first, 8}, {"b.pf", "stored"}, {"c.pf", "last"}};
         change(zip);
         return zip.Build();
     };
     const auto renamed = [&](const std::string& name) {
         return with([&](RawZip& zip) { zip.entries[1].name = name; });
     };
-    std::string zip64Extra("\x01\x00\x08\x00", 4);
-    zip64Extra += std::string("\xFF\xFF\xFF\xFF\xFF\xFF\xFF\x7F", 8);
+    const std::string zip64Extra = "\x01\x00\x08\x00\xFF\xFF\xFF\xFF\xFF\xFF\xFF\x7F"s;
     const struct
     {
         const char* what;
         std::string bytes;
     } cases[] = {
-        {"nothing", ""},
         {"not a zip", std::string(5000, 'x')},
-        {"zeros", std::string(5000, '\0')},
         {"parent", renamed("..\\b.pf")},
-        {"drive", renamed("C:\\b.pf")},
-        {"stream", renamed("b.pf:x")},
-        {"device", renamed("AUX.PF")},
         {"NUL inside", renamed("b.pf\0.txt"s)},
         {"no name", renamed("")},
         {"long name", renamed(std::string(300, 'n'))},
-        {"very long name", renamed(std::string(65000, 'n'))},
         {"the same file twice", renamed("A.PF")},
         {"file and folder of one name", renamed("a.pf\\x")},
         {"encrypted", with([](RawZip& zip) { zip.entries[1].flags = 1; })},
         {"strongly encrypted", with([](RawZip& zip) { zip.entries[1].flags = 0x41; })},
         {"masked headers", with([](RawZip& zip) { zip.entries[1].flags = 0x2000; })},
         {"another method", with([](RawZip& zip) { zip.entries[1].method = 12; })},
-        {"method differs", with([](RawZip& zip) { zip.entries[1].localMethod = 8; })},
-        {"name differs", with([](RawZip& zip) { zip.entries[1].localName = "x.pf"; })},
-        {"name of other length", with([](RawZip& zip) { zip.entries[1].localName = "bb.pf"; })},
         {"checksum wrong", with([](RawZip& zip) { zip.entries[0].crc = 1; })},
         {"checksum of stored wrong", with([](RawZip& zip) { zip.entries[1].crc = 1; })},
-        {"checksums differ", with([](RawZip& zip) { zip.entries[1].localCrc = 1; })},
         {"size too large", with([](RawZip& zip) { zip.entries[0].size = 501; })},
         {"size too small", with([](RawZip& zip) { zip.entries[0].size = 499; })},
-        {"size nothing", with([](RawZip& zip) { zip.entries[0].size = 0; })},
-        {"sizes differ", with([](RawZip& zip) { zip.entries[0].localSize = 499; })},
         {"stored longer than packed", with([](RawZip& zip) { zip.entries[1].size = 7; })},
         {"packed beyond the file", with([](RawZip& zip) { zip.entries[0].packedSize = 1 << 20; })},
         {"packed of 4 GiB", with([](RawZip& zip) { zip.entries[0].packedSize = 0xFFFFFFFE; })},
-        {"packed cut short", with([](RawZip& zip) { zip.entries[0].packedSize = 3; })},
         {"overlap", with([](RawZip& zip) {
              zip.entries[2] = zip.entries[1];
              zip.entries[2].name = "b.pf";
              zip.entries[2].offset =
                  30 + 4 + static_cast<std::uint32_t>(Deflate(zip.entries[0].contents).size());
          })},
-        {"header beyond the directory", with([](RawZip& zip) { zip.entries[1].offset = 100000; })},
-        {"header of 4 GiB", with([](RawZip& zip) { zip.entries[1].offset = 0xFFFFFFFE; })},
-        {"header elsewhere", with([](RawZip& zip) { zip.entries[1].offset = 1; })},
         {"64 bit sizes that are not there", with([](RawZip& zip) { zip.entries[1].size = 0xFFFFFFFF; })},
         {"64 bit size beyond everything", with([&](RawZip& zip) {
              zip.entries[0].size = 0xFFFFFFFF;
              zip.entries[0].extra = zip64Extra;
          })},
         {"extra field beyond its end", with([](RawZip& zip) { zip.entries[1].extra = "\x01\x00\x7F\x00"s; })},
-        {"bomb of 1.75 GiB",
-         with([](RawZip& zip) { zip.entries[0].size = zip.entries[0].localSize = 0x70000000; })},
+        {"bomb of 1.75 GiB", with([](RawZip& zip) { zip.entries[0].size = 0x70000000; })},
         {"folder with contents", with([](RawZip& zip) { zip.entries[1].attributes = 0x10; })},
         {"too few counted", with([](RawZip& zip) { zip.count = 2; })},
         {"too many counted", with([](RawZip& zip) { zip.count = 4; })},
-        {"all counted", with([](RawZip& zip) { zip.count = 0xFFFF; })},
-        {"directory shorter", with([](RawZip& zip) { zip.directorySize = 100; })},
-        {"directory of 4 GiB", with([](RawZip& zip) { zip.directorySize = 0xFFFFFFFF; })},
-        {"directory elsewhere", with([](RawZip& zip) { zip.directoryOffset = 0xFFFFFFF0; })},
-        {"comment cut off", with([](RawZip& zip) { zip.comment = "x"; }).substr(0, 1)},
         {"signature in the comment", with([](RawZip& zip) { zip.comment = "PK\x05\x06"; })},
     };
     for (const auto& c : cases)
@@ -227,10 +192,12 @@ TEST_P(ArchiveUnzipper, HostileAndDamagedZipsAreRefused)
     }
 }
 
-TEST_P(ArchiveUnzipper, TruncatedAtAnyByteIsRefused)
+// A small zip without its first or last bytes, and with every single bit another: refused, or loaded with the
+// very same contents.
+TEST_P(ArchiveUnzipper, TruncatedOrFlippedItNeverLoadsOtherContents)
 {
     RawZip zip;
-    zip.entries = {Entry("a.pf", std::string(200, 'a'), 8), Entry("b.pf", "stored")};
+    zip.entries = {{"a.pf", std::string(200, 'a') + "xyz", 8}, {"b.pf", "stored"}};
     zip.comment = "comment";
     const std::string whole = zip.Build();
     ASSERT_TRUE(Load(whole));
@@ -240,47 +207,37 @@ TEST_P(ArchiveUnzipper, TruncatedAtAnyByteIsRefused)
         EXPECT_TRUE(Tree().empty());
         EXPECT_FALSE(size > 0 && Load(whole.substr(size))) << "without its first " << size;
     }
-}
-
-// Every single bit of a small zip: refused, or loaded with the very same contents.
-TEST_P(ArchiveUnzipper, AFlippedBitNeverLoadsOtherContents)
-{
-    RawZip zip;
-    zip.entries = {Entry("a.pf", std::string(100, 'a') + "xyz", 8), Entry("b.pf", "stored")};
-    const std::string whole = zip.Build();
+    int accepted = 0;
     for (std::size_t bit = 0; bit < whole.size() * 8; ++bit)
     {
         std::string changed = whole;
         changed[bit / 8] ^= static_cast<char>(1 << bit % 8);
-        if (Load(changed))
-        {
-            EXPECT_EQ(files.Bytes("C:\\out\\a.pf"), zip.entries[0].contents) << bit;
-            EXPECT_EQ(files.Bytes("C:\\out\\b.pf"), zip.entries[1].contents) << bit;
-        }
+        const bool isSound = Open(changed) && unzipper.CheckAll();
+        const bool loaded = Load(changed);
+        EXPECT_EQ(isSound, loaded) << bit;
+        accepted += loaded ? 1 : 0;
+        for (const RawEntry& entry : zip.entries)
+            EXPECT_TRUE(!loaded || files.Bytes("C:\\out\\" + entry.name) == entry.contents) << bit;
     }
+    // Of two entries: versions (6 bytes), times (8) and attributes (6, of which one bit makes a folder).
+    // Further the comment and the bits that fill up the last byte of what is packed.
+    EXPECT_LE(accepted, 2 * (20 * 8 - 1) + 7 * 8 + 7);
 }
 
-TEST_P(ArchiveUnzipper, NeedsRoomForAllBeforeItStarts)
+TEST_P(ArchiveUnzipper, NeedsRoomForAllAndNeverWritesThroughALink)
 {
     files.AddDrive('D', 10, 512);
     RawZip zip;
-    zip.entries = {Entry("a.pf"), Entry("b.pf", std::string(6000, 'b'), 8)};
+    zip.entries = {{"link\\a.pf", "contents"}, {"b.pf", std::string(6000, 'b'), 8}};
     ASSERT_TRUE(Open(zip.Build()));
     EXPECT_FALSE(unzipper.UnzipAll("D:\\out"));
     EXPECT_TRUE(files.Tree("D:").empty());
-}
 
-TEST_P(ArchiveUnzipper, NeverWritesThroughALink)
-{
-    RawZip zip;
-    zip.entries = {Entry("link\\a.pf")};
-    ASSERT_TRUE(Open(zip.Build()));
-    files.CreateFolder("C:\\out");
-    files.CreateFolder("C:\\out\\link");
+    files.Put("C:\\out\\link\\a.pf", "x");
     files.SetAttributes("C:\\out\\link", attribute::Folder | attribute::Reparse);
     EXPECT_FALSE(unzipper.UnzipAll("C:\\out"));
     files.SetAttributes("C:\\out\\link", attribute::Folder);
-    files.Put("C:\\out\\link\\a.pf", "x", attribute::Archive | attribute::Reparse);
+    files.SetAttributes("C:\\out\\link\\a.pf", attribute::Archive | attribute::Reparse);
     EXPECT_FALSE(unzipper.UnzipAll("C:\\out"));
     EXPECT_EQ(files.Bytes("C:\\out\\link\\a.pf"), "x");
 }
@@ -289,8 +246,9 @@ TEST_P(ArchiveUnzipper, NeverWritesThroughALink)
 TEST_P(ArchiveUnzipper, AnyFaultLeavesNoPartOfAFile)
 {
     RawZip zip;
-    zip.entries = {Entry("a.pf", std::string(300'000, 'a'), 8), Entry("d\\b.pf", std::string(200'000, 'b')),
-                   Entry("c.pf", std::string(200'000, 'c'), 8)};
+    zip.entries = {{"a.pf", std::string(300'000, 'a'), 8},
+                   {"d\\b.pf", std::string(200'000, 'b')},
+                   {"c.pf", std::string(200'000, 'c'), 8}};
     parallel.largest = 250'000; // so that the first is a stream
     files.Put("C:\\x.kaz", zip.Build());
     for (const bool checks : {false, true})
@@ -306,7 +264,7 @@ TEST_P(ArchiveUnzipper, AnyFaultLeavesNoPartOfAFile)
             return fresh.OpenZip("C:\\x.kaz") && (checks ? fresh.CheckAll() : fresh.UnzipAll("C:\\out"));
         };
         ASSERT_TRUE(run(0, 0));
-        const int calls = files.Calls();
+        const int calls = files.m_calls;
         ASSERT_GT(calls, 8);
         for (int call = 1; call <= calls; ++call)
         {
@@ -315,7 +273,7 @@ TEST_P(ArchiveUnzipper, AnyFaultLeavesNoPartOfAFile)
                 const bool done = run(call, times);
                 // Closing what was only read may fail, by each thread last of all.
                 const int harmless = static_cast<int>(GetParam()) + 2;
-                EXPECT_TRUE(!done || !checks || times == 1 || files.Calls() < call + harmless) << call;
+                EXPECT_TRUE(!done || !checks || times == 1 || files.m_calls < call + harmless) << call;
                 EXPECT_TRUE(!done || checks || Tree().size() == 3) << call;
                 for (const std::string& path : Tree())
                     EXPECT_TRUE(times == 0 || files.Bytes(path).size() >= 200'000) << call << path;

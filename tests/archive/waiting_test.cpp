@@ -10,33 +10,13 @@ using veltest::DialogScript;
 
 namespace
 {
-// The box of a failed operation holds the status thread, so that the dialog waits as long as a test needs it.
-constexpr const char* OpenError = "Error opening archive file.";
-constexpr const char* LoadFailed = "Error has occured when loading the patient from Archive";
+HWND FindChoice()
+{
+    return ::FindWindow(nullptr, "Archive Patient Files");
+}
 } // namespace
 
-class ArchiveWaitTest : public ArchiveDialogTest
-{
-protected:
-    // Loads what is no archive; script plays while the dialog waits.
-    void LoadWaiting(const Script& waiting)
-    {
-        m_practice.WriteFile("archive\\A1.kaz", "no archive");
-        Play(ARCHIVE_OP_LOAD, {}, {Archive("A1")}, [&](DialogScript& script) {
-            script.WaitForBox(OpenError);
-            waiting(script);
-            script.AnswerBox(OpenError, IDOK);
-            script.AnswerBox(LoadFailed, IDOK);
-        });
-    }
-
-    static HWND FindChoice()
-    {
-        return ::FindWindow(nullptr, "Archive Patient Files");
-    }
-};
-
-TEST_F(ArchiveWaitTest, TakesNeitherOKNorCancelHoweverTheyCome)
+TEST_F(ArchiveDialogTest, TakesNeitherOKNorCancelHoweverTheyCome)
 {
     const auto post = [](UINT message, WPARAM wParam) {
         return [=](HWND hChoice) {
@@ -47,15 +27,12 @@ TEST_F(ArchiveWaitTest, TakesNeitherOKNorCancelHoweverTheyCome)
     };
     const std::function<void(HWND)> ways[] = {
         post(WM_KEYDOWN, VK_RETURN),
-        post(WM_KEYDOWN, VK_ESCAPE),
         [](HWND hChoice) { // would choose another operation
             for (const UINT message : {WM_KEYDOWN, WM_KEYUP})
                 ::PostMessage(::GetDlgItem(hChoice, IDC_ARC_GET_INTERNET), message, VK_SPACE, 0);
         },
         post(WM_SYSKEYDOWN, VK_F4),
         post(WM_COMMAND, IDOK),
-        post(WM_COMMAND, IDCANCEL),
-        post(WM_CLOSE, 0),
         [](HWND hChoice) { ::PostMessage(::GetDlgItem(hChoice, IDOK), BM_CLICK, 0, 0); },
         [](HWND hChoice) {
             // All windows of the thread: the hidden dialog is among them.
@@ -64,7 +41,10 @@ TEST_F(ArchiveWaitTest, TakesNeitherOKNorCancelHoweverTheyCome)
                 [](HWND hWnd, LPARAM) { return ::PostMessage(hWnd, WM_COMMAND, IDCANCEL, 0); }, 0);
         },
     };
-    LoadWaiting([&](DialogScript& script) {
+    m_practice.WriteFile("archive\\A1.kaz", "no archive");
+    Play(ARCHIVE_OP_LOAD, {}, {Archive("A1")}, [&](DialogScript& script) {
+        // The box of a failed operation holds the status thread, so that the dialog waits.
+        const Dialog box = script.WaitForBox("Error opening archive file.");
         const HWND hChoice = FindChoice();
         ASSERT_TRUE(hChoice);
         EXPECT_FALSE(::IsWindowEnabled(hChoice));
@@ -73,10 +53,12 @@ TEST_F(ArchiveWaitTest, TakesNeitherOKNorCancelHoweverTheyCome)
         script.Settle(hChoice);
         EXPECT_TRUE(::IsWindowVisible(hChoice));
         EXPECT_EQ(::IsDlgButtonChecked(hChoice, IDC_ARC_GET_ARCHIVE), unsigned{BST_CHECKED});
+        box.Press(IDOK);
+        script.AnswerBox("Error has occured when loading the patient from Archive", IDOK);
     });
 }
 
-TEST_F(ArchiveWaitTest, TheHostMayCloseMeanwhile)
+TEST_F(ArchiveDialogTest, TheHostMayCloseMeanwhile)
 {
     const std::string id = "A1";
     StorePatient(id);
@@ -116,7 +98,7 @@ TEST_F(ArchiveWaitTest, TheHostMayCloseMeanwhile)
         EXPECT_EQ(std::exchange(m_nQuit, -1), 7);
         EXPECT_TRUE(IsStored(id));
     }
-    UseSecondPractice();
+    UsePractice(2);
     const veltest::AtStep step("place.copied", quit);
     Load(Archive(id));
     EXPECT_EQ(m_nQuit, 7);

@@ -20,24 +20,10 @@ std::map<std::string, ChildFunction>& Children()
     return children;
 }
 
-// Quotes an argument so that the C runtime of the new process reads it back unchanged.
+// So that the C runtime of the new process reads it back unchanged; for arguments without quotation marks.
 std::string Quoted(const std::string& argument)
 {
-    std::string text = "\"";
-    std::size_t backslashes = 0;
-    for (const char letter : argument)
-    {
-        if (letter == '\\')
-        {
-            ++backslashes;
-            continue;
-        }
-        text.append(letter == '"' ? backslashes * 2 + 1 : backslashes, '\\');
-        text += letter;
-        backslashes = 0;
-    }
-    text.append(backslashes * 2, '\\');
-    return text + "\"";
+    return "\"" + argument + (argument.ends_with('\\') ? "\\\"" : "\"");
 }
 
 } // namespace

@@ -30,7 +30,7 @@ std::optional<int> RunAsChild(int argc, char** argv);
 PROCESS_INFORMATION StartThisProgram(std::string commandLine, const char* desktop, DWORD flags);
 
 // A second process of this test program on the same desktop. Its output goes where this program's goes.
-// Owns the process: one that still runs is ended by the destructor.
+// Owns the process: one that still runs is ended by the destructor. Arguments without quotation marks.
 class ChildProcess
 {
 public:

@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdlib>
-#include <map>
+#include <set>
 #include <utility>
 
 namespace veltest
@@ -187,13 +187,11 @@ private:
                                  lines ? UINT{DT_WORDBREAK} : UINT{DT_SINGLELINE});
                 needed.cx += part.label.empty() ? 0 : around;
             }
-            else if (part.kind == Kind::edit && (style & ES_MULTILINE) == 0)
+            else if (part.kind == Kind::combo && (style & CBS_DROPDOWNLIST) == CBS_DROPDOWNLIST)
             {
-                needed.cy = Measure(part.window, "Xg", width, DT_SINGLELINE).cy + 2;
-            }
-            else if (part.kind == Kind::combo)
-            {
-                needed.cx = WidestItem(part);
+                // Data of any length may stand in a list that can be typed into; only fixed choices must fit.
+                needed.cx = Measure(part.window, WindowText(part.window), 0, DT_SINGLELINE | DT_NOPREFIX).cx +
+                            GetSystemMetrics(SM_CXVSCROLL) + 8;
             }
             if (needed.cx > width || needed.cy > height)
             {
@@ -202,18 +200,6 @@ private:
                        std::to_string(height));
             }
         }
-    }
-
-    // Data of any length may stand in a list that can be typed into; only fixed choices must fit.
-    static int WidestItem(const Part& part)
-    {
-        if ((StyleOf(part.window) & CBS_DROPDOWNLIST) != CBS_DROPDOWNLIST)
-            return 0;
-        const auto length = SendMessageA(part.window, CB_GETCURSEL, 0, 0);
-        if (length < 0)
-            return 0;
-        return Measure(part.window, WindowText(part.window), 0, DT_SINGLELINE | DT_NOPREFIX).cx +
-               GetSystemMetrics(SM_CXVSCROLL) + 8;
     }
 
     void CheckPlaces()
@@ -237,7 +223,7 @@ private:
 
     void CheckAccessKeys()
     {
-        std::map<char, const Part*> keys;
+        std::set<char> keys;
         for (std::size_t index = 0; index < m_parts.size(); ++index)
         {
             const Part& part = m_parts[index];
@@ -245,34 +231,27 @@ private:
             const char key = prefix ? AccessKey(part.label) : '\0';
             if (key == '\0')
                 continue;
-            const auto [position, isNew] = keys.emplace(key, &part);
-            if (!isNew)
-            {
-                Report(std::string("access key ") + key + " twice: " + Name(*position->second) + " and " +
-                       Name(part));
-            }
-            if (part.kind == Kind::text)
-            {
-                const Part* field = index + 1 < m_parts.size() ? &m_parts[index + 1] : nullptr;
-                if (field == nullptr || field->kind == Kind::text || field->kind == Kind::group ||
-                    !field->tabStop)
-                    Report("no field follows the label " + Name(part));
-                else if (field->place.bottom <= part.place.top || field->place.right <= part.place.left)
-                    Report("the field stands before its label " + Name(part));
-            }
+            if (!keys.insert(key).second)
+                Report(std::string("access key ") + key + " twice: " + Name(part));
+            const Part* field = index + 1 < m_parts.size() ? &m_parts[index + 1] : nullptr;
+            if (part.kind == Kind::text && (field == nullptr || !field->tabStop ||
+                                            field->kind == Kind::group || !ReadsOn(part.place, field->place)))
+                Report("no field follows the label " + Name(part));
         }
     }
 
     void CheckDefaultButton()
     {
-        const auto count = std::count_if(m_parts.begin(), m_parts.end(), [](const Part& part) {
-            return part.kind == Kind::push && IsDefaultButton(part.window);
-        });
-        const auto buttons = std::count_if(m_parts.begin(), m_parts.end(),
-                                           [](const Part& part) { return part.kind == Kind::push; });
-        if (count > 1)
+        int buttons = 0;
+        int defaults = 0;
+        for (const Part& part : m_parts)
+        {
+            buttons += part.kind == Kind::push ? 1 : 0;
+            defaults += part.kind == Kind::push && IsDefaultButton(part.window) ? 1 : 0;
+        }
+        if (defaults > 1)
             Report("several default buttons");
-        if (count == 0 && buttons > 0 && !m_options.isPage)
+        if (defaults == 0 && buttons > 0 && !m_options.isPage)
             Report("no default button");
     }
 
@@ -290,21 +269,13 @@ private:
     void CheckTabOrder()
     {
         const Part* previous = nullptr;
-        std::vector<const Part*> left; // groups that the tab order has left again
         for (const Part& part : m_parts)
         {
             if (!part.tabStop || part.kind == Kind::group)
                 continue;
-            if (previous != nullptr)
-            {
-                if (previous->group != nullptr && !IsInside(part, previous->group))
-                    left.push_back(previous->group);
-                if (previous->group != part.group &&
-                    std::find(left.begin(), left.end(), part.group) != left.end())
-                    Report("the tab order comes back into the group of " + Name(part));
-                if (!ReadsOn(PlaceSeenFrom(*previous, part), PlaceSeenFrom(part, *previous)))
-                    Report("the tab order jumps from " + Name(*previous) + " to " + Name(part));
-            }
+            if (previous != nullptr &&
+                !ReadsOn(PlaceSeenFrom(*previous, part), PlaceSeenFrom(part, *previous)))
+                Report("the tab order jumps from " + Name(*previous) + " to " + Name(part));
             previous = &part;
         }
     }

@@ -16,7 +16,6 @@ std::string WindowClass(HWND window);
 std::vector<HWND> TopWindows();             // of every process on this desktop
 std::vector<HWND> Descendants(HWND window); // children of every depth in creation (tab) order
 std::string DescribeWindow(HWND window);    // one line: class, id, text, state, place
-std::string DescribeTree(HWND window);      // the same for the window and its descendants
 bool IsDefaultButton(HWND button);
 std::string WithoutAccessKeys(const std::string& label); // "&Save && go" becomes "Save & go"
 
