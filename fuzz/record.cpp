@@ -13,6 +13,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <numeric>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -80,12 +81,8 @@ void CheckService(const std::string& document)
 /// Text that the module takes comes back from a document that it writes.
 void CheckText(std::string_view document)
 {
-    static const auto codePage = [] {
-        std::array<char16_t, 256> table{};
-        for (std::size_t i = 0; i < table.size(); ++i)
-            table[i] = static_cast<char16_t>(i);
-        return table;
-    }();
+    std::array<char16_t, 256> codePage;
+    std::iota(codePage.begin(), codePage.end(), char16_t{0});
     const std::u16string text = cloud::DecodeXml(document, codePage.data());
     if (!cloud::IsXmlText(text))
         return;

@@ -2,8 +2,8 @@
 
 #include "tests/archive/rawzip.h"
 #include "tests/support/mfctestprogram.h"
+#include "tests/support/sql.h"
 
-#include <algorithm>
 #include <filesystem>
 #include <memory>
 
@@ -60,27 +60,35 @@ void ArchiveDialogTest::UsePractice(int nPractice)
     std::filesystem::create_directories(m_practice.Path(m_working));
     m_practice.Set("Environment", "WORKING", m_practice.Path(m_working + "\\"));
     (std::filesystem::exists(m_database) ? dbCPatients::Open : dbCPatients::Create)(m_database.c_str());
-    m_nLastEvent = 0;
+    m_lastEvent = "0";
     NewEvents();
 }
 
-__int64 ArchiveDialogTest::Run(ARCHIVE_OP nOperation, const std::vector<std::string>& ids,
-                               const std::vector<std::string>& given, const Script& script,
-                               int nPracticeManagement)
+__int64 RunArchiveDialog(HostWindow& host, ARCHIVE_OP nOperation, const std::vector<std::string>& ids,
+                         const std::vector<std::string>& given, const DialogScript::Script& script,
+                         int nPracticeManagement)
 {
     CStringArray selected, archives, more2, more3, more4;
     for (const std::string& id : ids)
         selected.Add(id.c_str());
     for (const std::string& path : given)
         archives.Add(path.c_str());
+    dbCPatients patients;
     dbCPatient patient;
     const bool bHasPatient = !ids.empty() && patient.Load(ids.front().c_str());
-    const __int64 nResult = veltest::RunModal(
+    return veltest::RunModal(
         [&] {
-            return ArchiveDlg(&m_host, nPracticeManagement, bHasPatient ? &patient : nullptr, nOperation,
-                              selected, &m_patients, archives, more2, more3, more4, 0, 0);
+            return ArchiveDlg(&host, nPracticeManagement, bHasPatient ? &patient : nullptr, nOperation,
+                              selected, &patients, archives, more2, more3, more4, 0, 0);
         },
         script);
+}
+
+__int64 ArchiveDialogTest::Run(ARCHIVE_OP nOperation, const std::vector<std::string>& ids,
+                               const std::vector<std::string>& given, const Script& script,
+                               int nPracticeManagement)
+{
+    const __int64 nResult = RunArchiveDialog(m_host, nOperation, ids, given, script, nPracticeManagement);
     MSG message;
     while (::PeekMessage(&message, nullptr, 0, 0, PM_REMOVE))
     {
@@ -249,17 +257,9 @@ std::map<std::string, std::string> ArchiveDialogTest::WorkingFiles() const
 
 std::vector<std::string> ArchiveDialogTest::NewEvents()
 {
-    dbTList<dbSAuditEvent> events;
-    CVeltrixLogin::LoadEvents(events, 100);
-    std::vector<std::string> texts;
-    __int64 nNewest = m_nLastEvent;
-    for (const dbSAuditEvent& event : events)
-    {
-        if (event.nID > m_nLastEvent)
-            texts.insert(texts.begin(), std::to_string(event.nKind) + " " + event.strText.GetString());
-        nNewest = std::max(nNewest, event.nID);
-    }
-    m_nLastEvent = nNewest;
+    const std::string since = " FROM auditEvents WHERE id > " + m_lastEvent;
+    const auto texts = veltest::RunSql(m_database, "SELECT kind || ' ' || text" + since + " ORDER BY id");
+    m_lastEvent = veltest::RunSql(m_database, "SELECT ifnull(max(id), 0) FROM auditEvents").at(0);
     return texts;
 }
 
@@ -277,15 +277,16 @@ Dialog WaitForChoice(DialogScript& script)
     return script.WaitForDialog("Archive Patient Files");
 }
 
-void TakeOfferedName(DialogScript& script, int nFilter)
+void TakeOfferedName(DialogScript& script, int nFilter, const std::string& typed)
 {
     constexpr int FileTypes = 0x470; // cmb1 of the common dialogs
-    constexpr int FileName = 0x47C;  // cmb13
     const Dialog dialog = script.WaitForDialog("Save archive file...");
     script.WaitUntil("a name is offered",
-                     [&] { return dialog.Has(FileName) && !dialog.Item(FileName).Text().empty(); });
+                     [&] { return dialog.Has(FileNameField) && !dialog.Item(FileNameField).Text().empty(); });
     script.Settle(dialog.Handle());
     if (nFilter != 0)
         dialog.Item(FileTypes).Choose(nFilter);
+    if (!typed.empty())
+        dialog.Item(FileNameField).SetText(typed);
     dialog.Press("Save"); // the list of files has the number of OK too
 }

@@ -5,7 +5,6 @@
 #include "archive/res/archivedlgres.h"
 #include "archive/res/archiveres.h"
 #include "suite/patients/velpat.h"
-#include "suite/patients/records/veltrixlogin.h"
 #include "tests/support/childprocess.h"
 #include "tests/support/dialogquality.h"
 #include "tests/support/dialogscript.h"
@@ -31,6 +30,11 @@ protected:
     LRESULT DefWindowProc(UINT message, WPARAM wParam, LPARAM lParam) override;
 };
 
+// The archive dialog over the host window, for these patients and archives.
+__int64 RunArchiveDialog(HostWindow& host, ARCHIVE_OP nOperation, const std::vector<std::string>& ids,
+                         const std::vector<std::string>& given, const veltest::DialogScript::Script& script,
+                         int nPracticeManagement = 0);
+
 // Runs on the user interface thread; scripts run on their own. Archiving is allowed at the start of each
 // test.
 class ArchiveDialogTest : public testing::Test
@@ -46,8 +50,7 @@ protected:
     // Changes to the practice of that number (1 or 2) on the same computer; the archives' folder stays.
     void UsePractice(int nPractice);
 
-    // The archive dialog over the host window; afterwards the window must be enabled and no lock of this
-    // process left.
+    // The same; afterwards the window must be enabled and no lock of this process left.
     __int64 Run(ARCHIVE_OP nOperation, const std::vector<std::string>& ids,
                 const std::vector<std::string>& given, const Script& script, int nPracticeManagement = 0);
     // The same, begun with the OK of the choice and ended as done; asked plays what comes between.
@@ -83,7 +86,7 @@ protected:
     std::map<std::string, std::string> FilesIn(const std::string& folder) const;
     // The same of the working folder, with sums for the bytes.
     std::map<std::string, std::string> WorkingFiles() const;
-    // The texts of all audit events with their kinds in front, oldest first, since the last call.
+    // The texts of all audit events in UTF-8 with their kinds in front, oldest first, since the last call.
     std::vector<std::string> NewEvents();
 
     veltest::TemporaryPractice m_practice;
@@ -95,7 +98,7 @@ protected:
     std::string m_database;
 
 private:
-    __int64 m_nLastEvent = 0;
+    std::string m_lastEvent; // its id
 };
 
 // All that is recorded of a patient, byte by byte.
@@ -106,5 +109,6 @@ std::string Sum(const std::string& bytes);
 
 // In a script: the choice dialog.
 veltest::Dialog WaitForChoice(veltest::DialogScript& script);
-// Takes the name that the save dialog offers; nFilter is the file type from 0.
-void TakeOfferedName(veltest::DialogScript& script, int nFilter = 0);
+constexpr int FileNameField = 0x47C; // cmb13 of the common dialogs
+// Takes the name that the save dialog offers, or types one; nFilter is the file type from 0.
+void TakeOfferedName(veltest::DialogScript& script, int nFilter = 0, const std::string& typed = {});

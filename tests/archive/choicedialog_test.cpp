@@ -1,7 +1,12 @@
 // What the archive dialog offers and refuses.
 #include "tests/archive/archivefixture.h"
 
+using testing::AllOf;
+using testing::EndsWith;
 using testing::IsEmpty;
+using testing::Key;
+using testing::StartsWith;
+using testing::UnorderedElementsAre;
 using veltest::Dialog;
 using veltest::DialogScript;
 
@@ -79,4 +84,47 @@ TEST_F(ArchiveDialogTest, RefusesInPlaceAndStaysOpen)
     char folder[MAX_PATH];
     ::GetCurrentDirectory(MAX_PATH, folder);
     EXPECT_STRCASEEQ(folder, m_practice.Path("archive").c_str());
+}
+
+TEST_F(ArchiveDialogTest, TakesTheNamesThatAreTyped)
+{
+    StorePatient("A1");
+    const auto type = [&](const char* pszName) {
+        Play(ARCHIVE_OP_SAVE, {"A1"}, {}, [&](DialogScript& script) {
+            TakeOfferedName(script, 0, pszName);
+            script.AnswerBox("", IDNO);
+        });
+    };
+    type("one.kar"); // an extension of another format makes way
+    type("one.old"); // any other belongs to the name
+    const auto archives = FilesIn("archive");
+    EXPECT_THAT(archives, UnorderedElementsAre(Key("ONE.KAZ"), Key("ONE.OLD.KAZ")));
+    EXPECT_EQ(m_practice.Get("Defaults", "ArchiveFilePath"), m_practice.Path("archive\\"));
+    for (const int nAnswer : {IDNO, IDCANCEL})
+    {
+        const auto refuse = [&](DialogScript& script) {
+            WaitForChoice(script).Press(IDOK);
+            TakeOfferedName(script, 0, "one");
+            const Dialog overwrite = script.WaitForDialogWith(IDC_ARC_OVERWRITE_TEXT);
+            EXPECT_EQ(overwrite.DefaultButton(), "No");
+            EXPECT_THAT(overwrite.Item(IDC_ARC_OVERWRITE_DETAILS).Text(),
+                        AllOf(StartsWith("The existing file is from "), EndsWith(" KB.")));
+            overwrite.Press(nAnswer);
+            WaitForChoice(script).Press(IDCANCEL);
+        };
+        EXPECT_EQ(Run(ARCHIVE_OP_SAVE, {"A1"}, {}, refuse), IDCANCEL);
+        EXPECT_EQ(FilesIn("archive"), archives);
+    }
+    // A single archive that does not open is asked for; several may be chosen.
+    UsePractice(2);
+    Play(ARCHIVE_OP_LOAD, {}, {Archive("none")}, [&](DialogScript& script) {
+        const Dialog dialog = script.WaitForDialog("Choose archive file...");
+        dialog.Item(FileNameField).SetText("\"one.kaz\" \"one.old.kaz\"");
+        dialog.Press("Open");
+        script.AnswerBox("", IDYES);
+        script.AnswerBox("Patient Zo\xeb Lee A1 (ID:A1) already exists.", IDOK);
+        script.AnswerBox("", IDOK);
+    });
+    EXPECT_TRUE(IsStored("A1"));
+    EXPECT_THAT(FilesIn("archive"), UnorderedElementsAre(Key("ONE.OLD.KAZ")));
 }

@@ -13,38 +13,27 @@ namespace
 VEL_CHILD_PROCESS(dieAtStep) // database, operation, ID or empty, archive, file type, remove or keep, step
 {
     dbCPatients::Open(arguments[0].c_str());
-    dbCPatients patients;
     HostWindow host;
     host.Open();
     SetArchivingAllowed(true);
-    CStringArray selected, archives, more;
-    dbCPatient patient;
-    const bool bHasPatient = !arguments[2].empty() && patient.Load(arguments[2].c_str());
-    if (bHasPatient)
-        selected.Add(arguments[2].c_str());
     const auto nOperation = static_cast<ARCHIVE_OP>(std::stoi(arguments[1]));
     const int nFilter = std::stoi(arguments[4]);
     const bool bSave = nOperation == ARCHIVE_OP_SAVE;
-    if (!bSave)
-        archives.Add(arguments[3].c_str());
+    const std::vector<std::string> none, ids = {arguments[2]}, given = {arguments[3]};
+    const auto play = [&](DialogScript& script) {
+        WaitForChoice(script).Press(IDOK);
+        if (!bSave)
+            return;
+        TakeOfferedName(script, nFilter);
+        if (nFilter == 2)
+            script.AnswerBox("", IDYES);
+        if (std::filesystem::exists(arguments[3]))
+            script.WaitForDialogWith(IDC_ARC_OVERWRITE_TEXT).Press(IDYES);
+        if (nFilter == 0)
+            script.AnswerBox("", arguments[5] == "remove" ? IDYES : IDNO);
+    };
     veltest::EndAtStep(std::stoi(arguments[6]));
-    veltest::RunModal(
-        [&] {
-            return ArchiveDlg(&host, 0, bHasPatient ? &patient : nullptr, nOperation, selected, &patients,
-                              archives, more, more, more, 0, 0);
-        },
-        [&](DialogScript& script) {
-            WaitForChoice(script).Press(IDOK);
-            if (!bSave)
-                return;
-            TakeOfferedName(script, nFilter);
-            if (nFilter == 2)
-                script.AnswerBox("", IDYES);
-            if (std::filesystem::exists(arguments[3]))
-                script.WaitForDialogWith(IDC_ARC_OVERWRITE_TEXT).Press(IDYES);
-            if (nFilter == 0)
-                script.AnswerBox("", arguments[5] == "remove" ? IDYES : IDNO);
-        });
+    RunArchiveDialog(host, nOperation, arguments[2].empty() ? none : ids, bSave ? none : given, play);
     return 0;
 }
 

@@ -1,9 +1,11 @@
 // Saving patients through the archive dialog.
 #include "tests/archive/archivefixture.h"
+#include "tests/support/sql.h"
 #include "tests/support/steps.h"
 
 #include <algorithm>
 #include <filesystem>
+#include <optional>
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -75,9 +77,9 @@ TEST_F(ArchiveDialogTest, SavesOnePatientAndRemovesItWhenWanted)
         EXPECT_FALSE(isHidden());
     }
     EXPECT_THAT(NewEvents(),
-                ElementsAre("3 The patient (A1) Lee A1, Zo\xeb data has been saved into a file (archive)",
-                            "3 The patient (A1) Lee A1, Zo\xeb data has been saved into a file (archive)",
-                            "4 The patient (A1) Lee A1, Zo\xeb has been deleted after archiving"));
+                ElementsAre("3 The patient (A1) Lee A1, Zo\xc3\xab data has been saved into a file (archive)",
+                            "3 The patient (A1) Lee A1, Zo\xc3\xab data has been saved into a file (archive)",
+                            "4 The patient (A1) Lee A1, Zo\xc3\xab has been deleted after archiving"));
     EXPECT_THAT(m_host.m_told, ElementsAre(Pair(ARCHIVE_NOTIFY_REMOVED, guid)));
     EXPECT_THAT(WorkingFiles(), IsEmpty());
     // Neither the record nor the replaced archive is left.
@@ -362,19 +364,26 @@ TEST_F(ArchiveDialogTest, RefusesAnIDThatIsADeviceAHeldRecordAndTheWorkingFolder
     ExpectRefused(1, "This folder holds the live patient files.  Please save the archive in another folder.");
 }
 
-TEST_F(ArchiveDialogTest, LaysOutASelfStartingDisc)
+TEST_F(ArchiveDialogTest, LaysOutASelfStartingDiscAndLetsOthersInWhenWanted)
 {
     StorePatient("A1");
+    std::string modes; // of the locks that saves take
+    const veltest::AtStep locked(
+        "save.locked", [&] { modes += veltest::RunSql(m_database, "SELECT mode FROM locks").at(0); });
+    Save("A1");
+    std::filesystem::remove(Archive("A1"));
     m_practice.WriteFile("sys\\VeltrixViewerSetup.exe", "setup");
     m_practice.WriteFile("sys\\autorunLaunchKaz.inf", std::string(60, 'x'));
     const auto withViewer = [&](DialogScript& script) {
         const Dialog choice = WaitForChoice(script);
         choice.Press(IDC_ARC_INCLUDE_VIEWER);
+        choice.Press(IDC_ARC_KEEP_OTHERS_OUT);
         choice.Press(IDOK);
         TakeOfferedName(script);
         script.AnswerBox("", IDNO);
     };
     EXPECT_EQ(Run(ARCHIVE_OP_SAVE, {"A1"}, {}, withViewer), IDOK);
+    EXPECT_EQ(modes, "01");
     EXPECT_EQ(m_practice.ReadFile("archive\\zzz.exe"), "setup");
     EXPECT_THAT(m_practice.ReadFile("archive\\autorun.inf"),
                 StartsWith("[autorun]\r\nOPEN=LaunchKaz.exe A1.KAZx"));

@@ -33,6 +33,7 @@ TEST_F(ArchiveDialogTest, TakesNeitherOKNorCancelHoweverTheyCome)
         },
         post(WM_SYSKEYDOWN, VK_F4),
         post(WM_COMMAND, IDOK),
+        post(WM_CLOSE, 0),
         [](HWND hChoice) { ::PostMessage(::GetDlgItem(hChoice, IDOK), BM_CLICK, 0, 0); },
         [](HWND hChoice) {
             // All windows of the thread: the hidden dialog is among them.
