@@ -48,11 +48,11 @@ bool Saving::Prove()
     return proven;
 }
 
-bool Saving::Commit()
+void Saving::Commit()
 {
     if (!PlaceArchive())
     {
-        return false;
+        return;
     }
     m_bCommitted = true;
     Step("save.placed");
@@ -61,7 +61,6 @@ bool Saving::Commit()
         file.Discard();
     }
     Step("save.done");
-    return true;
 }
 
 int Saving::Result() const
@@ -93,7 +92,10 @@ void Saving::Step(const char* step) const
 
 int Run(Saving& saving)
 {
-    static_cast<void>(saving.Begin() && saving.Write() && saving.Prove() && saving.Commit());
+    if (saving.Begin() && saving.Write() && saving.Prove())
+    {
+        saving.Commit();
+    }
     return saving.Result();
 }
 } // namespace arc

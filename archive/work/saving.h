@@ -33,7 +33,7 @@ public:
     /// What is on the medium is what went in, and a load would take it. Step "save.proven".
     bool Prove();
     /// It becomes the archive of its path, step "save.placed", and the old one goes, step "save.done".
-    bool Commit();
+    void Commit();
 
     /// ResultDone once it is committed, else ResultCancelled or ResultSaveFailed.
     int Result() const;
