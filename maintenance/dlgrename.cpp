@@ -31,7 +31,8 @@ constexpr mfcAnchor anchors[] = {
 /// The day as timepoints are compared by it.
 std::string DayOf(const COleDateTime& date)
 {
-    return date.GetStatus() == COleDateTime::valid ? date.Format("%x").GetString() : std::string();
+    return date.GetStatus() == COleDateTime::valid ? date.Format(VAR_DATEVALUEONLY).GetString()
+                                                   : std::string();
 }
 
 } // namespace

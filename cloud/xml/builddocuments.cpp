@@ -144,8 +144,13 @@ private:
     {
         m_writer.SetText(element, L"name", timepoint.GetName());
         m_writer.SetText(element, L"tpGUID", timepoint.GettpID());
-        if (timepoint.GetDate().IsValid())
-            m_writer.SetText(element, L"date", timepoint.GetDate().Format("%m/%d/%Y"));
+        const velCDate date = timepoint.GetDate();
+        if (date.IsValid())
+        {
+            CString strDay;
+            strDay.Format("%02d/%02d/%04d", date.GetMonth(), date.GetDay(), date.GetYear());
+            m_writer.SetText(element, L"date", strDay);
+        }
         m_writer.SetText(element, L"file", timepoint.GetBaseFilename());
         velCollectionWriter further(m_writer, element, L"Files", L"file");
         for (const auto& [name, kind] : files.files)

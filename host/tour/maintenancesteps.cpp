@@ -157,7 +157,7 @@ void tourPlayRenameTimepoint(tourCGuide& guide)
     guide.Picture(dialog.Handle(), "rename-timepoint");
     Press(dialog, IDOK);
     const patCTimepoint& renamed = before.GetTimepoints()[0];
-    const std::string day = " (" + std::string(renamed.GetDate().Format("%x")) + ")";
+    const std::string day = " (" + std::string(renamed.GetDate().FormatDate()) + ")";
     tourAnswerBox(guide,
                   "Are you sure you want to change timepoint from \"" + std::string(renamed.GetName()) +
                       "\"" + day + " to \"First records\"" + day + "?",

@@ -146,6 +146,3 @@ AFX_DLL_API HINSTANCE AfxFindStringResourceHandle(UINT nID);
 AFX_DLL_API void AfxFormatString1(CString& rString, UINT nIDS, LPCTSTR lpsz1);
 AFX_DLL_API void AfxFormatString1(CString& rString, LPCTSTR lpszFormat, LPCTSTR lpsz1);
 AFX_DLL_API void AfxFormatStrings(CString& rString, LPCTSTR lpszFormat, LPCTSTR const* rglpsz, int nString);
-// The iSubString-th part (from 0) of a text whose parts are separated by chSep; FALSE when there is none.
-AFX_DLL_API BOOL AfxExtractSubString(CString& rString, LPCTSTR lpszFullString, int iSubString,
-                                     TCHAR chSep = '\n');

@@ -34,7 +34,6 @@ AFX_DLL_API void DDX_Text(CDataExchange* pDX, int nIDC, CString& value);
 AFX_DLL_API void DDX_Check(CDataExchange* pDX, int nIDC, int& value);
 // nIDC is the group's first button (WS_GROUP); -1 stands for none.
 AFX_DLL_API void DDX_Radio(CDataExchange* pDX, int nIDC, int& value);
-AFX_DLL_API void DDX_CBString(CDataExchange* pDX, int nIDC, CString& value);
 
 // Limits what can be typed; a longer text in the control fails when saved.
 AFX_DLL_API void DDV_MaxChars(CDataExchange* pDX, const CString& value, int nChars);

@@ -108,9 +108,6 @@ protected:                                                                      
 #define ON_CONTROL_RANGE(wNotifyCode, id, idLast, memberFxn)                                                 \
     AFX_ENTRY(WM_COMMAND, LOWORD(wNotifyCode), id, idLast,                                                   \
               AFX_CALL(void(UINT), memberFxn)(args.nID); return true;)
-#define ON_CONTROL_REFLECT_EX(wNotifyCode, memberFxn)                                                        \
-    AFX_ENTRY(WM_COMMAND + WM_REFLECT_BASE, LOWORD(wNotifyCode), 0, 0xFFFF,                                  \
-              return AFX_CALL(BOOL(), memberFxn)() != FALSE;)
 
 // Notification codes are negative numbers of which a map compares the low half.
 #define AFX_NOTIFY_CODE(wNotifyCode) static_cast<WORD>(static_cast<int>(wNotifyCode))
@@ -133,9 +130,6 @@ protected:                                                                      
          return true;                                                                                        \
      },                                                                                                      \
      &nMessageVariable},
-#define ON_THREAD_MESSAGE(message, memberFxn)                                                                \
-    AFX_ENTRY(message, 0, 0, 0,                                                                              \
-              AFX_CALL(void(WPARAM, LPARAM), memberFxn)(args.wParam, args.lParam); return true;)
 
 // ---------------------------------------------------------------------------------------------------------
 // Notifications of the standard controls
@@ -173,10 +167,6 @@ protected:                                                                      
 #define ON_WM_DRAWITEM()                                                                                     \
     AFX_WM_VOID(WM_DRAWITEM,                                                                                 \
                 OnDrawItem(static_cast<int>(args.wParam), reinterpret_cast<LPDRAWITEMSTRUCT>(args.lParam)))
-#define ON_WM_MEASUREITEM()                                                                                  \
-    AFX_WM_VOID(WM_MEASUREITEM,                                                                              \
-                OnMeasureItem(static_cast<int>(args.wParam),                                                 \
-                              reinterpret_cast<LPMEASUREITEMSTRUCT>(args.lParam)))
 #define ON_WM_CONTEXTMENU()                                                                                  \
     AFX_WM_VOID(WM_CONTEXTMENU,                                                                              \
                 OnContextMenu(CWnd::FromHandle(reinterpret_cast<HWND>(args.wParam)),                         \
@@ -191,12 +181,8 @@ protected:                                                                      
                 OnInitMenuPopup(CMenu::FromHandle(reinterpret_cast<HMENU>(args.wParam)),                     \
                                 LOWORD(args.lParam), HIWORD(args.lParam)))
 #define ON_WM_MENUSELECT()                                                                                   \
-    AFX_WM_VOID(WM_MENUSELECT,                                                                               \
-                OnMenuSelect(LOWORD(args.wParam), HIWORD(args.wParam),                                       \
-                             reinterpret_cast<HMENU>(args.lParam)))
-#define ON_WM_PARENTNOTIFY()                                                                                 \
-    AFX_WM_VOID(WM_PARENTNOTIFY,                                                                             \
-                OnParentNotify(static_cast<UINT>(args.wParam), args.lParam))
+    AFX_WM_VOID(WM_MENUSELECT, OnMenuSelect(LOWORD(args.wParam), HIWORD(args.wParam),                        \
+                                            reinterpret_cast<HMENU>(args.lParam)))
 #define ON_WM_MOUSELEAVE() AFX_WM_VOID(WM_MOUSELEAVE, OnMouseLeave())
 #define ON_WM_LBUTTONDOWN()                                                                                  \
     AFX_WM_VOID(WM_LBUTTONDOWN,                                                                              \
@@ -216,14 +202,3 @@ protected:                                                                      
                   OnEraseBkgnd(CDC::FromHandle(reinterpret_cast<HDC>(args.wParam))))
 #define ON_WM_NCHITTEST() AFX_WM_RESULT(WM_NCHITTEST, OnNcHitTest(AfxPointOf(args.lParam)))
 #define ON_WM_GETDLGCODE() AFX_WM_RESULT(WM_GETDLGCODE, OnGetDlgCode())
-
-// Colours of a control: asked by six messages, of which WM_CTLCOLOR stands for all in the maps.
-#define WM_CTLCOLOR 0x0019
-#define AFX_CTLCOLOR_TYPE(message) ((message) - WM_CTLCOLORMSGBOX)
-#define ON_WM_CTLCOLOR()                                                                                     \
-    AFX_ENTRY(WM_CTLCOLOR, 0, 0, 0,                                                                          \
-              args.lResult = reinterpret_cast<LRESULT>(static_cast<ThisClass*>(target)->OnCtlColor(          \
-                  CDC::FromHandle(reinterpret_cast<HDC>(args.wParam)),                                       \
-                  CWnd::FromHandle(reinterpret_cast<HWND>(args.lParam)), AFX_CTLCOLOR_TYPE(args.message)));  \
-              return true;)
-// CtlColor(CDC*, UINT) of the control itself; a null brush lets the parent decide.

@@ -6,10 +6,6 @@
 class AFX_DLL_CLASS CString
 {
 public:
-    using XCHAR = char;
-    using PXSTR = char*;
-    using PCXSTR = const char*;
-
     CString() = default;
     CString(const CString& strSrc) = default;
     CString(CString&& strSrc) noexcept = default;
@@ -47,13 +43,12 @@ public:
     {
         return m_str.c_str();
     }
-    void SetString(LPCSTR lpsz, int nLength);
 
     CString& operator+=(const CString& str);
     CString& operator+=(LPCSTR lpsz);
     CString& operator+=(char ch);
 
-    // Byte order; locale order for the Collate pair; both NoCase forms fold by the system's rules.
+    // Byte order; without case, letters fold by the system's rules.
     int Compare(LPCSTR lpsz) const;
     int CompareNoCase(LPCSTR lpsz) const;
 
@@ -67,13 +62,9 @@ public:
     CString Tokenize(LPCSTR lpszTokens, int& iStart) const;
 
     CString& MakeUpper();
-    CString& MakeLower();
     CString& Trim();
-    CString& Trim(LPCSTR lpszTargets);
     CString& TrimLeft();
-    CString& TrimLeft(LPCSTR lpszTargets);
     CString& TrimRight();
-    CString& TrimRight(LPCSTR lpszTargets);
 
     // These answer how many were replaced or removed, or the new length.
     int Replace(LPCSTR lpszOld, LPCSTR lpszNew);
@@ -88,11 +79,8 @@ public:
     AFX_PRINTF_FORMAT(2, 3) void Format(LPCSTR lpszFormat, ...);
     void Format(UINT nFormatID, ...);
     void FormatV(LPCSTR lpszFormat, va_list args);
-    AFX_PRINTF_FORMAT(2, 3) void AppendFormat(LPCSTR lpszFormat, ...);
-    void AppendFormatV(LPCSTR lpszFormat, va_list args);
     // Inserts of the system's kind: "%1", "%2!d!".
     void FormatMessage(UINT nFormatID, ...);
-    void FormatMessageV(LPCSTR lpszFormat, va_list* pArgs);
 
     // FALSE, with the text left alone, when there is no such string resource.
     BOOL LoadString(UINT nID);
@@ -104,18 +92,13 @@ public:
     LPSTR GetBuffer();
     LPSTR GetBuffer(int nMinBufferLength);
     void ReleaseBuffer(int nNewLength = -1);
-    void Preallocate(int nLength);
 
     // As a new BSTR that the caller frees.
     BSTR AllocSysString() const;
 
-    static int StringLength(LPCSTR psz);
-
 private:
     std::string m_str;
 };
-
-using CStringA = CString;
 
 AFX_DLL_API CString operator+(const CString& str1, const CString& str2);
 AFX_DLL_API CString operator+(const CString& str1, LPCSTR lpsz2);

@@ -54,16 +54,6 @@ strFilename& strFilename::operator=(LPCTSTR lpszPath)
     return *this;
 }
 
-CString strFilename::GetDrive() const
-{
-    return m_strDrive;
-}
-
-CString strFilename::GetDir() const
-{
-    return m_strDir;
-}
-
 CString strFilename::GetPath() const
 {
     return m_strDrive + m_strDir;
@@ -72,11 +62,6 @@ CString strFilename::GetPath() const
 CString strFilename::GetName() const
 {
     return m_strName;
-}
-
-CString strFilename::GetExt() const
-{
-    return m_strExt.Mid(1);
 }
 
 CString strFilename::GetNameExt() const
@@ -108,26 +93,7 @@ void strFilename::SetExt(LPCTSTR lpszExt)
 }
 
 // ---------------------------------------------------------------------------------------------------------
-// Volumes and files
-
-BOOL velGetFreeSpace(LPCTSTR lpszFolder, velFreeSpace& rSpace)
-{
-    rSpace = velFreeSpace();
-    char root[MAX_PATH + 1] = {};
-    if (lpszFolder == nullptr || *lpszFolder == '\0' || !GetVolumePathNameA(lpszFolder, root, sizeof(root)))
-    {
-        return FALSE;
-    }
-    DWORD sectorsPerCluster = 0;
-    DWORD bytesPerSector = 0;
-    if (!GetDiskFreeSpaceA(velWithBackslash(root), &sectorsPerCluster, &bytesPerSector, &rSpace.nFreeClusters,
-                           &rSpace.nTotalClusters))
-    {
-        return FALSE;
-    }
-    rSpace.nBytesPerCluster = sectorsPerCluster * bytesPerSector;
-    return TRUE;
-}
+// Files
 
 BOOL velFileExists(LPCTSTR lpszPath)
 {
@@ -144,15 +110,18 @@ BOOL velFolderExists(LPCTSTR lpszPath)
 INT_PTR velFindFiles(LPCTSTR lpszPattern, CStringArray& rNames)
 {
     std::vector<CString> found;
-    CFileFind finder;
-    BOOL working = finder.FindFile(lpszPattern);
-    while (working)
+    WIN32_FIND_DATAA file = {};
+    const HANDLE search = FindFirstFileA(lpszPattern, &file);
+    if (search != INVALID_HANDLE_VALUE)
     {
-        working = finder.FindNextFile();
-        if (!finder.IsDirectory())
+        const std::unique_ptr<void, decltype(&FindClose)> owner(search, &FindClose);
+        do
         {
-            found.push_back(finder.GetFileName());
-        }
+            if ((file.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0)
+            {
+                found.emplace_back(file.cFileName);
+            }
+        } while (FindNextFileA(search, &file));
     }
     std::ranges::sort(found, [](const CString& one, const CString& other) { return one.CompareNoCase(other) < 0; });
     for (const CString& name : found)
@@ -160,29 +129,4 @@ INT_PTR velFindFiles(LPCTSTR lpszPattern, CStringArray& rNames)
         rNames.Add(name);
     }
     return static_cast<INT_PTR>(found.size());
-}
-
-BOOL velCopyFile(LPCTSTR lpszFrom, LPCTSTR lpszTo)
-{
-    if (lpszFrom == nullptr || lpszTo == nullptr)
-    {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return FALSE;
-    }
-    CString partial;
-    partial.Format("%s.%lu.part", lpszTo, GetCurrentProcessId());
-    if (CopyFileA(lpszFrom, partial, FALSE) &&
-        MoveFileExA(partial, lpszTo, MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
-    {
-        return TRUE;
-    }
-    // A failed copy may leave what it has written, and with it the source's read-only attribute.
-    const DWORD error = GetLastError();
-    if (velFileExists(partial))
-    {
-        SetFileAttributesA(partial, FILE_ATTRIBUTE_NORMAL);
-        DeleteFileA(partial);
-    }
-    SetLastError(error);
-    return FALSE;
 }

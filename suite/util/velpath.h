@@ -1,4 +1,4 @@
-// Folders, file names, free space and the copying of files. Any thread.
+// Folders and file names. Any thread.
 #pragma once
 
 #include "suite/util/velutil.h"
@@ -25,11 +25,8 @@ public:
     explicit strFilename(LPCTSTR lpszPath);
     strFilename& operator=(LPCTSTR lpszPath);
 
-    CString GetDrive() const; // "c:" or "\\server\share"
-    CString GetDir() const;   // with a backslash at its end when not empty
-    CString GetPath() const;  // drive and folder
-    CString GetName() const;  // without extension
-    CString GetExt() const;   // without the dot
+    CString GetPath() const; // drive and folder, with a backslash at its end when there is a folder
+    CString GetName() const; // without extension
     CString GetNameExt() const;
     CString GetFull() const;
 
@@ -44,27 +41,8 @@ private:
     CString m_strExt;
 };
 
-/// Room on the volume of a folder. Sizes in bytes are 64 bits wide.
-struct velFreeSpace
-{
-    DWORD nFreeClusters = 0;
-    DWORD nBytesPerCluster = 0;
-    DWORD nTotalClusters = 0;
-
-    ULONGLONG GetFreeBytes() const
-    {
-        return static_cast<ULONGLONG>(nFreeClusters) * nBytesPerCluster;
-    }
-};
-/// FALSE when there is no such volume, or no disk in its drive.
-VELUTIL_API BOOL velGetFreeSpace(LPCTSTR lpszFolder, velFreeSpace& rSpace);
-
 VELUTIL_API BOOL velFileExists(LPCTSTR lpszPath);   // a file, not a folder
 VELUTIL_API BOOL velFolderExists(LPCTSTR lpszPath); // a folder
 /// The names (without folder, files only) that match a pattern, appended in the order of the alphabet.
 /// Answers how many. "?" and "*" match as the system's own search matches them.
 VELUTIL_API INT_PTR velFindFiles(LPCTSTR lpszPattern, CStringArray& rNames);
-
-/// Copies a file over an existing one. The copy grows beside the destination and takes its name only when it
-/// is whole: on failure there is no partial file and what was there is still there. FALSE with GetLastError.
-VELUTIL_API BOOL velCopyFile(LPCTSTR lpszFrom, LPCTSTR lpszTo);

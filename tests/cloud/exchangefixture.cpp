@@ -5,6 +5,8 @@
 #include "cloud/res/cloudres.h"
 #include "tests/support/mfctestprogram.h"
 
+#include <regex>
+
 using veltest::Dialog;
 using veltest::DialogScript;
 
@@ -144,7 +146,13 @@ std::string Exchange::State()
         dbCRaskoTasksContainer tasks;
         tasks.LoadPending(patient.GetGUID());
         for (const dbSRaskoTask& task : tasks)
+        {
             line("  task " + task.strDescription + " of " + task.strPatientID);
+            const std::string manifest(task.strData);
+            static const std::regex file("finalfilename=\"([^\"]*)\" imageExists=\"(.)\"");
+            for (std::sregex_iterator next(manifest.begin(), manifest.end(), file), end; next != end; ++next)
+                line(("    " + next->str(1) + " exists: " + next->str(2)).c_str());
+        }
     }
     dbTList<dbSAuditEvent> events;
     CVeltrixLogin::LoadEvents(events, 100);

@@ -110,7 +110,7 @@ protected:
 
     /// A stored patient with one image for each timepoint, and its files.
     dbCPatient StorePatient(const std::string& id, int nTimepoints = 1);
-    /// Everything that the database and the folder hold of patients, tasks and events, as text.
+    /// Everything that the database holds of patients, tasks with their files, and events, as text.
     std::string State();
 
     veltest::TemporaryPractice m_practice;

@@ -80,15 +80,13 @@ TEST(CloudTimes, OffsetCountsWholeHoursAndKeepsItsRuleForDates)
 
 TEST(CloudMessages, PageListsThemAndNamesWhatMustBeDone)
 {
+    const std::string header =
+        "<div class=\"header\" align=\"center\">FarreachVeltrix returned the following message";
     const MessagePage one = BuildMessagePage({{"Pay <b>now</b>", "https://a/b", "here", "Stop"}});
-    EXPECT_EQ(one.body,
-              "<div class=\"header\" align=\"center\">FarreachVeltrix returned the following "
-              "message:</div><ol START=1>"
-              "<li class=\"cont\">Pay <b>now</b><br><a href=\"http://https://a/b\">here</a></li>\r\n</ol>");
+    EXPECT_EQ(one.body, header + ":</div><ol START=1><li class=\"cont\">Pay <b>now</b><br>"
+                                 "<a href=\"http://https://a/b\">here</a></li>\r\n</ol>");
     EXPECT_FALSE(one.stop);
-    EXPECT_EQ(BuildMessagePage({}).body,
-              "<div class=\"header\" align=\"center\">FarreachVeltrix returned the following "
-              "messages:</div><ol START=1></ol>");
+    EXPECT_EQ(BuildMessagePage({}).body, header + "s:</div><ol START=1></ol>");
 
     const struct
     {

@@ -13,7 +13,6 @@ VEL_MFC_TEST_PROGRAM();
 namespace
 {
 
-using veltest::Control;
 using veltest::Dialog;
 using veltest::DialogScript;
 
@@ -49,26 +48,7 @@ public:
         if (remembers)
             RememberSize("Flex");
     }
-
-    std::vector<UINT> m_helpIds;
-
-protected:
-    BOOL OnHelpKey(UINT nHelpID) override
-    {
-        m_helpIds.push_back(nHelpID);
-        return TRUE;
-    }
-
-    afx_msg void OnUpdateAdd(CCmdUI* pCmdUI)
-    {
-        pCmdUI->Enable(GetDlgItem(IDC_FIELD)->GetWindowTextLength() > 0);
-    }
-    DECLARE_MESSAGE_MAP()
 };
-
-BEGIN_MESSAGE_MAP(FlexDialog, mfcCDialog)
-ON_UPDATE_COMMAND_UI(IDC_ADD, &FlexDialog::OnUpdateAdd)
-END_MESSAGE_MAP()
 
 INT_PTR Show(CDialog& dialog, const std::function<void(DialogScript&, const Dialog&)>& script)
 {
@@ -127,27 +107,6 @@ TEST(FlexDialogTest, KeepsItsSizeWithoutAnchors)
     mfcCDialog dialog(IDD_FIXED);
     Show(dialog, [](DialogScript&, const Dialog& shown) {
         EXPECT_EQ(::GetWindowLongPtr(shown.Handle(), GWL_STYLE) & WS_THICKFRAME, 0);
-        shown.Item(IDOK).PostKey(VK_F1); // nobody answers: the key goes on and does no harm
-        shown.Press(IDCANCEL);
-    });
-}
-
-TEST(FlexDialogTest, UpdatesControlsWhenIdleAndAnswersHelpFromKeyAndButton)
-{
-    FlexDialog dialog;
-    EXPECT_EQ(dialog.GetHelpID(), 0x20000U + IDD_FLEX);
-    Show(dialog, [&](DialogScript& script, const Dialog& shown) {
-        const Control add = shown.Item(IDC_ADD);
-        script.WaitUntil("Add to be disabled", [&] { return !add.IsEnabled(); });
-        shown.Item(IDC_FIELD).Type("x");
-        script.WaitUntil("Add to be enabled", [&] { return add.IsEnabled(); });
-        shown.Item(IDC_FIELD).Replace("");
-        script.WaitUntil("Add to be disabled", [&] { return !add.IsEnabled(); });
-        shown.Item(IDC_FIELD).PressKey(VK_F1);
-        script.SettleIdle(shown.Handle());
-        EXPECT_EQ(dialog.m_helpIds.size(), 1U);
-        shown.Press(IDHELP);
-        EXPECT_EQ(dialog.m_helpIds, std::vector<UINT>(2, 0x20000U + IDD_FLEX));
         shown.Press(IDCANCEL);
     });
 }

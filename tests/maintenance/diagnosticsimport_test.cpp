@@ -65,7 +65,7 @@ TEST_F(DiagnosticsImport, FiveEntriesOneUnknownGiveFourRecordsInBothFormats)
     std::vector<std::string> expected = {
         m_items[0] + " value C0/note C0 tp1 pos0 +0", m_items[1] + " value C1/note C1 tp1 pos1 +1",
         m_items[2] + " value C3/note C3 tp1 pos3 +3", m_items[3] + " value C4/note C4 tp-1 pos4 +4"};
-    const COleDateTime before = COleDateTime::GetCurrentTime() - COleDateTimeSpan(0, 0, 0, 2);
+    const COleDateTime before = COleDateTime::GetCurrentTime() + COleDateTimeSpan(0, 0, 0, -2);
     for (const int nFormat : {1, 2})
     {
         EXPECT_TRUE(ImportPatientDiagnostics(Write(nFormat, 5).c_str(), m_strGUID));

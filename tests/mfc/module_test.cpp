@@ -28,23 +28,21 @@ public:
     {
         return m_module;
     }
-    std::string Name() const
-    {
-        char text[64] = "";
-        const auto name = Function<int (*)(char*, int)>("TestModuleName");
-        return name(text, sizeof(text)) != 0 ? text : "";
-    }
     HWND OpenWindow() const
     {
         return Function<HWND (*)()>("TestModuleOpenWindow")();
     }
-    bool IsThemed() const
-    {
-        return Function<int (*)()>("TestModuleIsThemed")() != 0;
-    }
     void CloseWindow() const
     {
         Function<void (*)()>("TestModuleCloseWindow")();
+    }
+    // Its own name, and whether it has the themed controls.
+    void ExpectToBe(const std::string& name, bool themed) const
+    {
+        ASSERT_NE(m_module, nullptr);
+        char text[64] = "";
+        EXPECT_EQ(Function<int (*)(char*, int)>("TestModuleDescribe")(text, sizeof(text)) != 0, themed);
+        EXPECT_EQ(text, name);
     }
 
 private:
@@ -58,53 +56,25 @@ private:
 TEST(MfcModule, RunsEveryCallAndMessageInItsOwnState)
 {
     const CModule a("MfcTestA.dll");
-    const CModule b("MfcTestB.dll");
-    ASSERT_NE(a.Get(), nullptr);
-    ASSERT_NE(b.Get(), nullptr);
-    EXPECT_EQ(a.Name(), "module a");
-    EXPECT_EQ(b.Name(), "module b");
-    EXPECT_EQ(AfxGetApp(), &TestApp());
-    CString own;
-    EXPECT_FALSE(own.LoadString(IDS_WHO)); // a regular DLL's resources are its own
+    const CModule b("MfcTestB.dll"); // has no manifest
+    a.ExpectToBe("module a", true);
+    b.ExpectToBe("module b", false);
     const HWND windowA = a.OpenWindow();
     const HWND windowB = b.OpenWindow();
-    ASSERT_NE(windowA, nullptr);
-    ASSERT_NE(windowB, nullptr);
     EXPECT_EQ(::SendMessage(windowA, WM_APP, 0, 0), 1);
     EXPECT_EQ(::SendMessage(windowB, WM_APP, 0, 0), 1);
     EXPECT_EQ(CWnd::FromHandlePermanent(windowA), nullptr); // the object is in the module's map
-    EXPECT_EQ(AfxGetApp(), &TestApp());
     a.CloseWindow();
     b.CloseWindow();
-}
 
-TEST(MfcModule, BringsItsOwnControlsIntoAProgramWithoutAManifest)
-{
-    const CModule themed("MfcTestA.dll");
-    const CModule plain("MfcTestB.dll"); // has no manifest
-    ASSERT_NE(themed.Get(), nullptr);
-    ASSERT_NE(plain.Get(), nullptr);
-    EXPECT_TRUE(themed.IsThemed());
-    EXPECT_FALSE(plain.IsThemed());
+    // Outside nothing has changed.
+    EXPECT_EQ(AfxGetApp(), &TestApp());
+    CString own;
+    EXPECT_FALSE(own.LoadString(IDS_WHO));
     ACTCTX_SECTION_KEYED_DATA data{};
     data.cbSize = sizeof(data);
     EXPECT_FALSE(::FindActCtxSectionString(0, nullptr, ACTIVATION_CONTEXT_SECTION_WINDOW_CLASS_REDIRECTION,
-                                           "Button", &data)); // outside nothing has changed
-}
-
-TEST(MfcModule, LoadsAgainAfterItWasUnloaded)
-{
-    for (int round = 0; round < 3; ++round)
-    {
-        const CModule module("MfcTestA.dll");
-        ASSERT_NE(module.Get(), nullptr) << round;
-        EXPECT_EQ(module.Name(), "module a");
-        const HWND window = module.OpenWindow(); // registers its class anew
-        ASSERT_NE(window, nullptr) << round;
-        EXPECT_EQ(::SendMessage(window, WM_APP, 0, 0), 1);
-        module.CloseWindow();
-    }
-    EXPECT_EQ(::GetModuleHandle("MfcTestA.dll"), nullptr);
+                                           "Button", &data));
 }
 
 // Arguments: whether the module is unloaded before the process ends.
@@ -137,8 +107,6 @@ TEST(MfcModule, IsNotLoadedWhenItsStartIsRefused)
     const CModule refused("MfcTestA.dll");
     ::SetEnvironmentVariable("MFCTEST_REFUSE", nullptr);
     EXPECT_EQ(refused.Get(), nullptr);
-    const CModule module("MfcTestA.dll");
-    ASSERT_NE(module.Get(), nullptr);
-    EXPECT_EQ(module.Name(), "module a");
+    CModule("MfcTestA.dll").ExpectToBe("module a", true);
 }
 } // namespace

@@ -44,43 +44,25 @@ END_MESSAGE_MAP()
 CTestWindow window;
 } // namespace
 
-// The module's own string.
-extern "C" __declspec(dllexport) int TestModuleName(char* text, int size)
+// The module's own string, and whether windows made in its state get the controls of version 6.
+extern "C" __declspec(dllexport) int TestModuleDescribe(char* text, int size)
 {
     AFX_MANAGE_STATE(AfxGetStaticModuleState());
     CString name;
-    if (AfxGetApp() != &theApp || !name.LoadString(IDS_WHO))
-    {
-        return 0;
-    }
+    name.LoadString(IDS_WHO);
     lstrcpyn(text, name, size);
-    return 1;
+    ACTCTX_SECTION_KEYED_DATA data{};
+    data.cbSize = sizeof(data);
+    return ::FindActCtxSectionString(0, nullptr, ACTIVATION_CONTEXT_SECTION_WINDOW_CLASS_REDIRECTION,
+                                     "Button", &data);
 }
 
 // A window whose handlers must run in this module's state, whoever sends.
 extern "C" __declspec(dllexport) HWND TestModuleOpenWindow()
 {
     AFX_MANAGE_STATE(AfxGetStaticModuleState());
-    WNDCLASS windowClass{};
-    windowClass.lpfnWndProc = &::DefWindowProc;
-    windowClass.hInstance = AfxGetInstanceHandle();
-    windowClass.lpszClassName = "MfcTestModuleWindow";
-    if (!AfxRegisterClass(&windowClass) ||
-        !window.CreateEx(0, windowClass.lpszClassName, "", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr))
-    {
-        return nullptr;
-    }
+    window.CreateEx(0, AfxRegisterWndClass(0), "", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr);
     return window.m_hWnd;
-}
-
-// Whether windows made in this module's state get the controls of version 6.
-extern "C" __declspec(dllexport) int TestModuleIsThemed()
-{
-    AFX_MANAGE_STATE(AfxGetStaticModuleState());
-    ACTCTX_SECTION_KEYED_DATA data{};
-    data.cbSize = sizeof(data);
-    return ::FindActCtxSectionString(0, nullptr, ACTIVATION_CONTEXT_SECTION_WINDOW_CLASS_REDIRECTION, "Button",
-                                     &data);
 }
 
 extern "C" __declspec(dllexport) void TestModuleCloseWindow()

@@ -8,7 +8,7 @@
 namespace mfctest
 {
 
-// "CFileException 13": the class and, where it has one, the cause; empty when nothing is thrown.
+// "CFileException 13": the class and, of a file's, the cause; empty when nothing is thrown.
 template <class Call> std::string Thrown(Call call)
 {
     std::string text;
@@ -23,10 +23,6 @@ template <class Call> std::string Thrown(Call call)
         {
             text += ' ' + std::to_string(file->m_cause);
         }
-        if (const auto* archive = dynamic_cast<CArchiveException*>(e))
-        {
-            text += ' ' + std::to_string(archive->m_cause);
-        }
         e->Delete();
     }
     return text;
@@ -35,11 +31,6 @@ template <class Call> std::string Thrown(Call call)
 inline std::string FileError(int cause)
 {
     return "CFileException " + std::to_string(cause);
-}
-
-inline std::string ArchiveError(int cause)
-{
-    return "CArchiveException " + std::to_string(cause);
 }
 
 } // namespace mfctest

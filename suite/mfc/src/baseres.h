@@ -8,7 +8,6 @@
 #define AFX_IDP_INVALID_ARG 0xF104
 #define AFX_IDP_UNNAMED_FILE 0xF105
 #define AFX_IDS_INVALID_DATETIME 0xF106
-#define AFX_IDS_INVALID_DATETIMESPAN 0xF107
 
 // One text per CFileException cause, in the order of the causes; "%1" is the file.
 #define AFX_IDP_FILE_NONE 0xF110

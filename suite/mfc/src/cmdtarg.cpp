@@ -122,23 +122,6 @@ void CCmdUI::SetCheck(int nCheck)
     }
 }
 
-void CCmdUI::SetRadio(BOOL bOn)
-{
-    SetCheck(bOn ? 1 : 0);
-    if (m_pMenu == nullptr || m_pSubMenu != nullptr)
-    {
-        return;
-    }
-    MENUITEMINFO info{};
-    info.cbSize = sizeof(info);
-    info.fMask = MIIM_FTYPE;
-    if (m_pMenu->GetMenuItemInfo(m_nIndex, &info, TRUE))
-    {
-        info.fType |= MFT_RADIOCHECK;
-        ::SetMenuItemInfo(m_pMenu->m_hMenu, m_nIndex, TRUE, &info);
-    }
-}
-
 void CCmdUI::SetText(LPCTSTR lpszText)
 {
     if (m_pMenu != nullptr)

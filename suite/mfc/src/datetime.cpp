@@ -1,5 +1,7 @@
-// COleDateTime: arithmetic on DATE and its parts.
+// COleDateTime: arithmetic on DATE, its parts, its text.
 #include "afxdisp.h"
+
+#include "baseres.h"
 
 #include <chrono>
 #include <cmath>
@@ -57,8 +59,7 @@ struct DateParts
     int hour = -1;
     int minute = -1;
     int second = -1;
-    int weekday = -1;   // 0 is Sunday
-    int dayOfYear = -1; // 0 is 1 January
+    int weekday = -1; // 0 is Sunday
 };
 
 // Of a valid date, to the nearest second.
@@ -82,7 +83,6 @@ DateParts ToParts(DATE date)
     parts.minute = static_cast<int>(rest / 60 % 60);
     parts.second = static_cast<int>(rest % 60);
     parts.weekday = static_cast<int>(std::chrono::weekday(point).c_encoding());
-    parts.dayOfYear = static_cast<int>((point - sys_days(ymd.year() / std::chrono::January / 1)).count());
     return parts;
 }
 
@@ -92,14 +92,14 @@ DateParts PartsOf(const COleDateTime& date)
 }
 } // namespace
 
-COleDateTime::COleDateTime(DATE dtSrc)
+COleDateTime::COleDateTime(DATE dtSrc) : m_dt(dtSrc), m_status(InRange(dtSrc) ? valid : invalid)
 {
-    *this = dtSrc;
 }
 
 COleDateTime::COleDateTime(const SYSTEMTIME& systimeSrc)
+    : COleDateTime(systimeSrc.wYear, systimeSrc.wMonth, systimeSrc.wDay, systimeSrc.wHour, systimeSrc.wMinute,
+                   systimeSrc.wSecond)
 {
-    *this = systimeSrc;
 }
 
 COleDateTime::COleDateTime(int nYear, int nMonth, int nDay, int nHour, int nMin, int nSec)
@@ -112,20 +112,6 @@ COleDateTime COleDateTime::GetCurrentTime()
     SYSTEMTIME now = {};
     GetLocalTime(&now);
     return COleDateTime(now);
-}
-
-COleDateTime& COleDateTime::operator=(DATE dtSrc)
-{
-    m_dt = dtSrc;
-    m_status = InRange(dtSrc) ? valid : invalid;
-    return *this;
-}
-
-COleDateTime& COleDateTime::operator=(const SYSTEMTIME& systimeSrc)
-{
-    SetDateTime(systimeSrc.wYear, systimeSrc.wMonth, systimeSrc.wDay, systimeSrc.wHour, systimeSrc.wMinute,
-                systimeSrc.wSecond);
-    return *this;
 }
 
 COleDateTime::DateTimeStatus COleDateTime::GetStatus() const
@@ -171,31 +157,6 @@ int COleDateTime::GetDay() const
     return PartsOf(*this).day;
 }
 
-int COleDateTime::GetHour() const
-{
-    return PartsOf(*this).hour;
-}
-
-int COleDateTime::GetMinute() const
-{
-    return PartsOf(*this).minute;
-}
-
-int COleDateTime::GetSecond() const
-{
-    return PartsOf(*this).second;
-}
-
-int COleDateTime::GetDayOfWeek() const
-{
-    return m_status == valid ? PartsOf(*this).weekday + 1 : error;
-}
-
-int COleDateTime::GetDayOfYear() const
-{
-    return m_status == valid ? PartsOf(*this).dayOfYear + 1 : error;
-}
-
 bool COleDateTime::operator==(const COleDateTime& date) const
 {
     return m_status == date.m_status && (m_status == null || (m_status == valid && m_dt == date.m_dt));
@@ -206,59 +167,30 @@ bool COleDateTime::operator<(const COleDateTime& date) const
     return m_status == valid && date.m_status == valid && ToLinear(m_dt) < ToLinear(date.m_dt);
 }
 
-bool COleDateTime::operator>(const COleDateTime& date) const
-{
-    return date < *this;
-}
-
 COleDateTime COleDateTime::operator+(COleDateTimeSpan dateSpan) const
 {
-    COleDateTime result;
-    if (m_status == null || dateSpan.GetStatus() == COleDateTimeSpan::null)
-    {
-        result.m_status = null;
-    }
-    else if (m_status != valid || dateSpan.GetStatus() != COleDateTimeSpan::valid)
-    {
-        result.m_status = invalid;
-    }
-    else
-    {
-        result = FromLinear(ToLinear(m_dt) + dateSpan.m_span);
-    }
-    return result;
-}
-
-COleDateTime COleDateTime::operator-(COleDateTimeSpan dateSpan) const
-{
-    return *this + COleDateTimeSpan(-dateSpan.m_span);
-}
-
-COleDateTimeSpan COleDateTime::operator-(const COleDateTime& date) const
-{
-    COleDateTimeSpan result;
-    if (m_status == null || date.m_status == null)
-    {
-        result.m_status = COleDateTimeSpan::null;
-    }
-    else if (m_status != valid || date.m_status != valid)
-    {
-        result.m_status = COleDateTimeSpan::invalid;
-    }
-    else
-    {
-        result = COleDateTimeSpan(ToLinear(m_dt) - ToLinear(date.m_dt));
-    }
-    return result;
-}
-
-COleDateTime::operator DATE() const
-{
-    return m_status == valid ? m_dt : 0.0;
+    return m_status == valid ? COleDateTime(FromLinear(ToLinear(m_dt) + dateSpan.m_span)) : *this;
 }
 
 int COleDateTime::SetDateTime(int nYear, int nMonth, int nDay, int nHour, int nMin, int nSec)
 {
     m_status = ToDate(nYear, nMonth, nDay, nHour, nMin, nSec, m_dt) ? valid : invalid;
     return m_status;
+}
+
+CString COleDateTime::Format(DWORD dwFlags, LCID lcid) const
+{
+    if (m_status == null)
+    {
+        return CString();
+    }
+    BSTR pszText = nullptr;
+    if (m_status == valid && SUCCEEDED(VarBstrFromDate(m_dt, lcid, dwFlags, &pszText)))
+    {
+        const std::unique_ptr<OLECHAR, decltype(&SysFreeString)> owner(pszText, &SysFreeString);
+        return CString(pszText);
+    }
+    CString text;
+    text.LoadString(AFX_IDS_INVALID_DATETIME);
+    return text;
 }

@@ -137,31 +137,6 @@ void DDX_Radio(CDataExchange* pDX, int nIDC, int& value)
     } while (control != nullptr && (::GetWindowLongPtr(control, GWL_STYLE) & WS_GROUP) == 0);
 }
 
-namespace
-{
-void ExchangeComboText(CDataExchange& dx, int id, UINT find, CString& value)
-{
-    const HWND control = dx.PrepareCtrl(id);
-    if (dx.m_bSaveAndValidate)
-    {
-        value = TextOf(control);
-        return;
-    }
-    const LRESULT index =
-        ::SendMessage(control, find, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(value.GetString()));
-    ::SendMessage(control, CB_SETCURSEL, static_cast<WPARAM>(index), 0);
-    if (index == CB_ERR)
-    {
-        SetTextOf(control, value); // shown in the edit part, if it has one
-    }
-}
-} // namespace
-
-void DDX_CBString(CDataExchange* pDX, int nIDC, CString& value)
-{
-    ExchangeComboText(*pDX, nIDC, CB_FINDSTRING, value);
-}
-
 void DDX_DateTimeCtrl(CDataExchange* pDX, int nIDC, COleDateTime& value)
 {
     CDateTimeCtrl control;

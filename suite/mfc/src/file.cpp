@@ -28,8 +28,6 @@ DWORD ShareMode(UINT nOpenFlags)
     {
     case CFile::shareDenyWrite:
         return FILE_SHARE_READ;
-    case CFile::shareDenyRead:
-        return FILE_SHARE_WRITE;
     case CFile::shareDenyNone:
         return FILE_SHARE_READ | FILE_SHARE_WRITE;
     default:
@@ -39,34 +37,12 @@ DWORD ShareMode(UINT nOpenFlags)
 
 DWORD Access(UINT nOpenFlags)
 {
-    switch (nOpenFlags & 3)
-    {
-    case CFile::modeRead:
-        return GENERIC_READ;
-    case CFile::modeWrite:
-        return GENERIC_WRITE;
-    default:
-        return GENERIC_READ | GENERIC_WRITE;
-    }
+    return (nOpenFlags & CFile::modeWrite) != 0 ? GENERIC_WRITE : GENERIC_READ;
 }
 
 DWORD Disposition(UINT nOpenFlags)
 {
-    if ((nOpenFlags & CFile::modeCreate) == 0)
-    {
-        return OPEN_EXISTING;
-    }
-    return (nOpenFlags & CFile::modeNoTruncate) != 0 ? OPEN_ALWAYS : CREATE_ALWAYS;
-}
-
-DWORD Hints(UINT nOpenFlags)
-{
-    DWORD flags = FILE_ATTRIBUTE_NORMAL;
-    flags |= (nOpenFlags & CFile::osNoBuffer) != 0 ? FILE_FLAG_NO_BUFFERING : 0;
-    flags |= (nOpenFlags & CFile::osWriteThrough) != 0 ? FILE_FLAG_WRITE_THROUGH : 0;
-    flags |= (nOpenFlags & CFile::osRandomAccess) != 0 ? FILE_FLAG_RANDOM_ACCESS : 0;
-    flags |= (nOpenFlags & CFile::osSequentialScan) != 0 ? FILE_FLAG_SEQUENTIAL_SCAN : 0;
-    return flags;
+    return (nOpenFlags & CFile::modeCreate) != 0 ? CREATE_ALWAYS : OPEN_EXISTING;
 }
 
 [[noreturn]] void ThrowLastError(LPCTSTR lpszFileName)
@@ -74,23 +50,9 @@ DWORD Hints(UINT nOpenFlags)
     CFileException::ThrowOsError(static_cast<LONG>(GetLastError()), lpszFileName);
 }
 
-ULONGLONG Join(DWORD high, DWORD low)
-{
-    return static_cast<ULONGLONG>(high) << 32 | low;
-}
-
-void CopyStatus(CFileStatus& rStatus, LPCTSTR lpszFileName, const WIN32_FILE_ATTRIBUTE_DATA& data)
-{
-    lstrcpynA(rStatus.m_szFullName, FullPath(lpszFileName), MAX_PATH);
-    rStatus.m_attribute = data.dwFileAttributes & ~static_cast<DWORD>(FILE_ATTRIBUTE_NORMAL);
-    rStatus.m_size = Join(data.nFileSizeHigh, data.nFileSizeLow);
-    rStatus.m_ctime = CTime(data.ftCreationTime);
-    rStatus.m_mtime = CTime(data.ftLastWriteTime);
-    rStatus.m_atime = CTime(data.ftLastAccessTime);
-}
 } // namespace
 
-CFile::CFile() : m_hFile(hFileNull), m_bCloseOnDelete(FALSE)
+CFile::CFile() : m_hFile(hFileNull)
 {
 }
 
@@ -105,10 +67,7 @@ CFile::CFile(LPCTSTR lpszFileName, UINT nOpenFlags) : CFile()
 
 CFile::~CFile()
 {
-    if (m_bCloseOnDelete)
-    {
-        CFile::Abort();
-    }
+    CFile::Abort();
 }
 
 BOOL CFile::Open(LPCTSTR lpszFileName, UINT nOpenFlags, CFileException* pError)
@@ -116,10 +75,9 @@ BOOL CFile::Open(LPCTSTR lpszFileName, UINT nOpenFlags, CFileException* pError)
     ENSURE(lpszFileName != nullptr && m_hFile == hFileNull);
     m_strFileName = FullPath(lpszFileName);
 
-    SECURITY_ATTRIBUTES security = {sizeof(security), nullptr, (nOpenFlags & modeNoInherit) == 0};
-    m_hFile = CreateFileA(m_strFileName, Access(nOpenFlags), ShareMode(nOpenFlags), &security,
-                          Disposition(nOpenFlags), Hints(nOpenFlags), nullptr);
-    if (m_hFile == INVALID_HANDLE_VALUE)
+    m_hFile = CreateFileA(m_strFileName, Access(nOpenFlags), ShareMode(nOpenFlags), nullptr,
+                          Disposition(nOpenFlags), FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (m_hFile == hFileNull)
     {
         const LONG osError = static_cast<LONG>(GetLastError());
         if (pError != nullptr)
@@ -131,21 +89,7 @@ BOOL CFile::Open(LPCTSTR lpszFileName, UINT nOpenFlags, CFileException* pError)
         m_strFileName.Empty();
         return FALSE;
     }
-    m_bCloseOnDelete = TRUE;
     return TRUE;
-}
-
-void CFile::Close()
-{
-    const CString name = m_strFileName;
-    const HANDLE file = m_hFile;
-    m_hFile = hFileNull;
-    m_bCloseOnDelete = FALSE;
-    m_strFileName.Empty();
-    if (file != hFileNull && !CloseHandle(file))
-    {
-        ThrowLastError(name);
-    }
 }
 
 void CFile::Abort()
@@ -155,7 +99,6 @@ void CFile::Abort()
         CloseHandle(m_hFile);
         m_hFile = hFileNull;
     }
-    m_bCloseOnDelete = FALSE;
     m_strFileName.Empty();
 }
 
@@ -187,36 +130,6 @@ void CFile::Write(const void* lpBuf, UINT nCount)
     }
 }
 
-void CFile::Flush()
-{
-    if (m_hFile != hFileNull && !FlushFileBuffers(m_hFile))
-    {
-        ThrowLastError(m_strFileName);
-    }
-}
-
-ULONGLONG CFile::Seek(LONGLONG lOff, UINT nFrom)
-{
-    LARGE_INTEGER distance;
-    distance.QuadPart = lOff;
-    LARGE_INTEGER position = {};
-    if (!SetFilePointerEx(m_hFile, distance, &position, nFrom))
-    {
-        ThrowLastError(m_strFileName);
-    }
-    return static_cast<ULONGLONG>(position.QuadPart);
-}
-
-ULONGLONG CFile::GetPosition() const
-{
-    LARGE_INTEGER position = {};
-    if (!SetFilePointerEx(m_hFile, LARGE_INTEGER{}, &position, FILE_CURRENT))
-    {
-        ThrowLastError(m_strFileName);
-    }
-    return static_cast<ULONGLONG>(position.QuadPart);
-}
-
 ULONGLONG CFile::GetLength() const
 {
     LARGE_INTEGER size = {};
@@ -227,33 +140,6 @@ ULONGLONG CFile::GetLength() const
     return static_cast<ULONGLONG>(size.QuadPart);
 }
 
-void CFile::SetLength(ULONGLONG dwNewLen)
-{
-    Seek(static_cast<LONGLONG>(dwNewLen), begin);
-    if (!SetEndOfFile(m_hFile))
-    {
-        ThrowLastError(m_strFileName);
-    }
-}
-
-void CFile::LockRange(ULONGLONG dwPos, ULONGLONG dwCount)
-{
-    if (!LockFile(m_hFile, static_cast<DWORD>(dwPos), static_cast<DWORD>(dwPos >> 32),
-                  static_cast<DWORD>(dwCount), static_cast<DWORD>(dwCount >> 32)))
-    {
-        ThrowLastError(m_strFileName);
-    }
-}
-
-void CFile::UnlockRange(ULONGLONG dwPos, ULONGLONG dwCount)
-{
-    if (!UnlockFile(m_hFile, static_cast<DWORD>(dwPos), static_cast<DWORD>(dwPos >> 32),
-                    static_cast<DWORD>(dwCount), static_cast<DWORD>(dwCount >> 32)))
-    {
-        ThrowLastError(m_strFileName);
-    }
-}
-
 BOOL CFile::GetStatus(LPCTSTR lpszFileName, CFileStatus& rStatus)
 {
     WIN32_FILE_ATTRIBUTE_DATA data = {};
@@ -262,28 +148,12 @@ BOOL CFile::GetStatus(LPCTSTR lpszFileName, CFileStatus& rStatus)
     {
         return FALSE;
     }
-    CopyStatus(rStatus, lpszFileName, data);
+    rStatus.m_size = static_cast<ULONGLONG>(data.nFileSizeHigh) << 32 | data.nFileSizeLow;
+    rStatus.m_mtime = CTime(data.ftLastWriteTime);
     return TRUE;
-}
-
-CString CFile::GetFileName() const
-{
-    return m_strFileName.Mid(m_strFileName.ReverseFind('\\') + 1);
-}
-
-CString CFile::GetFileTitle() const
-{
-    const CString name = GetFileName();
-    const int dot = name.ReverseFind('.');
-    return dot > 0 ? name.Left(dot) : name;
 }
 
 CString CFile::GetFilePath() const
 {
     return m_strFileName;
-}
-
-void CFile::SetFilePath(LPCTSTR lpszNewName)
-{
-    m_strFileName = lpszNewName;
 }

@@ -24,11 +24,6 @@ BOOL CMemFile::Open(LPCTSTR, UINT, CFileException*)
     AfxThrowNotSupportedException();
 }
 
-void CMemFile::Close()
-{
-    Abort();
-}
-
 void CMemFile::Abort()
 {
     std::vector<BYTE>().swap(m_data);
@@ -49,49 +44,10 @@ UINT CMemFile::Read(void* lpBuf, UINT nCount)
 
 void CMemFile::Write(const void* lpBuf, UINT nCount)
 {
-    if (nCount == 0)
-    {
-        return;
-    }
-    if (m_nPosition + nCount > m_data.size())
-    {
-        SetLength(m_nPosition + nCount);
-    }
-    memcpy(m_data.data() + m_nPosition, lpBuf, nCount);
-    m_nPosition += nCount;
-}
-
-void CMemFile::Flush()
-{
-}
-
-ULONGLONG CMemFile::Seek(LONGLONG lOff, UINT nFrom)
-{
-    const auto base = nFrom == begin ? 0 : nFrom == current ? m_nPosition : m_data.size();
-    const LONGLONG position = static_cast<LONGLONG>(base) + lOff;
-    if (position < 0)
-    {
-        AfxThrowFileException(CFileException::badSeek);
-    }
-    m_nPosition = static_cast<std::size_t>(position);
-    return m_nPosition;
-}
-
-ULONGLONG CMemFile::GetPosition() const
-{
-    return m_nPosition;
-}
-
-ULONGLONG CMemFile::GetLength() const
-{
-    return m_data.size();
-}
-
-void CMemFile::SetLength(ULONGLONG dwNewLen)
-{
+    const auto* bytes = static_cast<const BYTE*>(lpBuf);
     try
     {
-        m_data.resize(static_cast<std::size_t>(dwNewLen));
+        m_data.insert(m_data.end(), bytes, bytes + nCount);
     }
     catch (const std::exception&)
     {
@@ -99,12 +55,7 @@ void CMemFile::SetLength(ULONGLONG dwNewLen)
     }
 }
 
-void CMemFile::LockRange(ULONGLONG, ULONGLONG)
+ULONGLONG CMemFile::GetLength() const
 {
-    AfxThrowNotSupportedException();
-}
-
-void CMemFile::UnlockRange(ULONGLONG, ULONGLONG)
-{
-    AfxThrowNotSupportedException();
+    return m_data.size();
 }

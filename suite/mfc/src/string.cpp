@@ -90,7 +90,8 @@ CString::CString(LPCSTR lpsz)
 
 CString::CString(LPCSTR lpch, int nLength)
 {
-    SetString(lpch, nLength);
+    ENSURE(nLength == 0 || (nLength > 0 && lpch != nullptr));
+    m_str.assign(OrEmpty(lpch), static_cast<std::size_t>(nLength));
 }
 
 CString::CString(LPCWSTR lpsz) : m_str(FromWide(lpsz))
@@ -121,12 +122,6 @@ char CString::GetAt(int nIndex) const
     return m_str.c_str()[nIndex];
 }
 
-void CString::SetString(LPCSTR lpsz, int nLength)
-{
-    ENSURE(nLength == 0 || (nLength > 0 && lpsz != nullptr));
-    m_str.assign(OrEmpty(lpsz), static_cast<std::size_t>(nLength));
-}
-
 CString& CString::operator+=(const CString& str)
 {
     m_str += str.m_str;
@@ -155,9 +150,11 @@ int CString::CompareNoCase(LPCSTR lpsz) const
     static const FoldTable fold;
     if (!fold.singleByte)
     {
-        CString left(*this);
-        CString right(lpsz);
-        return left.MakeLower().Compare(right.MakeLower());
+        std::string left(m_str);
+        std::string right(OrEmpty(lpsz));
+        CharLowerBuffA(left.data(), static_cast<DWORD>(left.length()));
+        CharLowerBuffA(right.data(), static_cast<DWORD>(right.length()));
+        return Sign(left.compare(right));
     }
     const auto folded = [](char ch) {
         return static_cast<unsigned char>(fold.byte[static_cast<unsigned char>(ch)]);
@@ -224,41 +221,20 @@ CString& CString::MakeUpper()
     return *this;
 }
 
-CString& CString::MakeLower()
-{
-    CharLowerBuffA(m_str.data(), static_cast<DWORD>(m_str.length()));
-    return *this;
-}
-
 CString& CString::Trim()
 {
-    return Trim(blanks);
-}
-
-CString& CString::Trim(LPCSTR lpszTargets)
-{
-    return TrimRight(lpszTargets).TrimLeft(lpszTargets);
+    return TrimRight().TrimLeft();
 }
 
 CString& CString::TrimLeft()
 {
-    return TrimLeft(blanks);
-}
-
-CString& CString::TrimLeft(LPCSTR lpszTargets)
-{
-    m_str.erase(0, m_str.find_first_not_of(OrEmpty(lpszTargets)));
+    m_str.erase(0, m_str.find_first_not_of(blanks));
     return *this;
 }
 
 CString& CString::TrimRight()
 {
-    return TrimRight(blanks);
-}
-
-CString& CString::TrimRight(LPCSTR lpszTargets)
-{
-    m_str.erase(m_str.find_last_not_of(OrEmpty(lpszTargets)) + 1);
+    m_str.erase(m_str.find_last_not_of(blanks) + 1);
     return *this;
 }
 
@@ -338,41 +314,22 @@ void CString::FormatV(LPCSTR lpszFormat, va_list args)
     m_str = FormatText(lpszFormat, args);
 }
 
-void CString::AppendFormat(LPCSTR lpszFormat, ...)
-{
-    va_list args;
-    va_start(args, lpszFormat);
-    AppendFormatV(lpszFormat, args);
-    va_end(args);
-}
-
-void CString::AppendFormatV(LPCSTR lpszFormat, va_list args)
-{
-    m_str += FormatText(lpszFormat, args);
-}
-
 void CString::FormatMessage(UINT nFormatID, ...)
 {
     CString format;
     ENSURE(format.LoadString(nFormatID));
     va_list args;
     va_start(args, nFormatID);
-    FormatMessageV(format, &args);
-    va_end(args);
-}
-
-void CString::FormatMessageV(LPCSTR lpszFormat, va_list* pArgs)
-{
     LPSTR text = nullptr;
-    const DWORD length =
-        ::FormatMessageA(FORMAT_MESSAGE_FROM_STRING | FORMAT_MESSAGE_ALLOCATE_BUFFER, lpszFormat, 0, 0,
-                         reinterpret_cast<LPSTR>(&text), 0, pArgs);
+    const DWORD length = ::FormatMessageA(FORMAT_MESSAGE_FROM_STRING | FORMAT_MESSAGE_ALLOCATE_BUFFER, format,
+                                          0, 0, reinterpret_cast<LPSTR>(&text), 0, &args);
+    va_end(args);
     if (length == 0 && GetLastError() == ERROR_NOT_ENOUGH_MEMORY)
     {
         AfxThrowMemoryException();
     }
     const std::unique_ptr<char, decltype(&LocalFree)> owner(text, &LocalFree);
-    SetString(text, static_cast<int>(length));
+    m_str.assign(OrEmpty(text), length);
 }
 
 BOOL CString::LoadString(UINT nID)
@@ -433,12 +390,6 @@ void CString::ReleaseBuffer(int nNewLength)
     m_str.resize(nNewLength < 0 ? strlen(m_str.c_str()) : static_cast<std::size_t>(nNewLength));
 }
 
-void CString::Preallocate(int nLength)
-{
-    ENSURE(nLength >= 0);
-    m_str.reserve(static_cast<std::size_t>(nLength));
-}
-
 BSTR CString::AllocSysString() const
 {
     const int length = GetLength();
@@ -452,16 +403,9 @@ BSTR CString::AllocSysString() const
     return text;
 }
 
-int CString::StringLength(LPCSTR psz)
-{
-    return static_cast<int>(strlen(OrEmpty(psz)));
-}
-
 CString operator+(const CString& str1, const CString& str2)
 {
-    CString result;
-    result.Preallocate(str1.GetLength() + str2.GetLength());
-    result += str1;
+    CString result(str1);
     result += str2;
     return result;
 }

@@ -1,8 +1,6 @@
 // The framework's free functions on texts and string resources.
 #include "afx.h"
 
-#include <cstring>
-
 void AfxFormatStrings(CString& rString, LPCTSTR lpszFormat, LPCTSTR const* rglpsz, int nString)
 {
     CString result;
@@ -33,26 +31,4 @@ void AfxFormatString1(CString& rString, UINT nIDS, LPCTSTR lpsz1)
     CString format;
     VERIFY(format.LoadString(nIDS));
     AfxFormatString1(rString, format, lpsz1);
-}
-
-BOOL AfxExtractSubString(CString& rString, LPCTSTR lpszFullString, int iSubString, TCHAR chSep)
-{
-    rString.Empty();
-    if (lpszFullString == nullptr || iSubString < 0)
-    {
-        return FALSE;
-    }
-    for (; iSubString > 0; --iSubString)
-    {
-        lpszFullString = strchr(lpszFullString, chSep);
-        if (lpszFullString == nullptr)
-        {
-            return FALSE;
-        }
-        ++lpszFullString;
-    }
-    LPCTSTR end = strchr(lpszFullString, chSep);
-    rString.SetString(lpszFullString, end != nullptr ? static_cast<int>(end - lpszFullString)
-                                                     : CString::StringLength(lpszFullString));
-    return TRUE;
 }

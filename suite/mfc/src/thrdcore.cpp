@@ -1,7 +1,6 @@
 // CWinThread: message loop, idle work, threads of the framework.
 #include "wndaccess.h"
 #include "handlemap.h"
-#include "msgmap.h"
 
 #include "suite/mfc/afxpriv.h"
 
@@ -248,22 +247,11 @@ BOOL CWinThread::PumpMessage()
     return TRUE;
 }
 
-BOOL CWinThread::DispatchThreadMessageEx(MSG* pMsg)
-{
-    const AFX_MSGMAP_ENTRY* entry = AfxFindEntry(GetMessageMap(), pMsg->message, 0, 0);
-    if (entry == nullptr)
-    {
-        return FALSE;
-    }
-    AFX_MSGARGS args{pMsg->message, pMsg->wParam, pMsg->lParam, 0, 0, nullptr};
-    return entry->pfnHandler(this, args);
-}
-
 BOOL CWinThread::PreTranslateMessage(MSG* pMsg)
 {
     if (pMsg->hwnd == nullptr)
     {
-        return DispatchThreadMessageEx(pMsg);
+        return FALSE;
     }
     CWnd* main = GetMainWnd();
     if (CWnd::WalkPreTranslateTree(main != nullptr ? main->m_hWnd : nullptr, pMsg))
@@ -313,11 +301,6 @@ BOOL CWinThread::IsIdleMessage(MSG* pMsg)
     }
     constexpr UINT systemTimer = 0x0118;
     return pMsg->message != WM_PAINT && pMsg->message != systemTimer;
-}
-
-BOOL CWinThread::ProcessMessageFilter(int, LPMSG)
-{
-    return FALSE;
 }
 
 LRESULT CWinThread::ProcessWndProcException(CException* e, const MSG* pMsg)

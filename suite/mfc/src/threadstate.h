@@ -6,7 +6,7 @@
 struct AfxThreadState
 {
     AFX_MODULE_STATE* m_pModuleState = nullptr; // null: the program's
-    MSG m_lastSentMsg{};                        // being handled; for Default and reflection
+    MSG m_lastSentMsg{};                        // being handled; for Default
     MSG m_msgCur{};                             // taken from the queue last
     POINT m_ptCursorLast{-1, -1};
     UINT m_nMsgLast = 0;

@@ -6,11 +6,8 @@
 IMPLEMENT_DYNAMIC(CWnd, CCmdTarget)
 
 BEGIN_MESSAGE_MAP(CWnd, CCmdTarget)
-ON_WM_MEASUREITEM()
 ON_WM_DRAWITEM()
-ON_WM_CTLCOLOR()
 ON_WM_NCDESTROY()
-ON_WM_PARENTNOTIFY()
 END_MESSAGE_MAP()
 
 CWnd::CWnd() = default;
@@ -263,24 +260,12 @@ BOOL CWnd::OnWndMsg(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* pResult
     }
     else
     {
-        UINT wanted = message;
-        if (message >= WM_CTLCOLORMSGBOX && message <= WM_CTLCOLORSTATIC)
-        {
-            wanted = WM_CTLCOLOR;
-        }
-        else if (message >= WM_REFLECT_BASE + WM_CTLCOLORMSGBOX &&
-                 message <= WM_REFLECT_BASE + WM_CTLCOLORSTATIC)
-        {
-            wanted = WM_REFLECT_BASE + WM_CTLCOLOR;
-        }
-        const AFX_MSGMAP_ENTRY* entry = AfxFindEntry(GetMessageMap(), wanted, 0, 0);
+        const AFX_MSGMAP_ENTRY* entry = AfxFindEntry(GetMessageMap(), message, 0, 0);
         if (entry == nullptr)
         {
             return FALSE;
         }
-        const UINT plain =
-            wanted > WM_REFLECT_BASE && message != wanted ? message - WM_REFLECT_BASE : message;
-        AFX_MSGARGS args{plain, wParam, lParam, 0, 0, nullptr};
+        AFX_MSGARGS args{message, wParam, lParam, 0, 0, nullptr};
         if (!entry->pfnHandler(this, args))
         {
             return FALSE;
@@ -318,9 +303,6 @@ BOOL CWnd::OnCommand(WPARAM wParam, LPARAM lParam)
             void SetCheck(int) override
             {
             }
-            void SetRadio(BOOL) override
-            {
-            }
             void SetText(LPCTSTR) override
             {
             }
@@ -344,10 +326,6 @@ BOOL CWnd::OnCommand(WPARAM wParam, LPARAM lParam)
         {
             return TRUE; // the data exchange itself caused it
         }
-        if (ReflectLastMsg(control))
-        {
-            return TRUE;
-        }
         if (id == 0)
         {
             return FALSE;
@@ -363,72 +341,12 @@ BOOL CWnd::OnNotify(WPARAM, LPARAM lParam, LRESULT* pResult)
     {
         return TRUE;
     }
-    if (ReflectLastMsg(header->hwndFrom, pResult))
-    {
-        return TRUE;
-    }
     AFX_NOTIFY notify{pResult, header};
     return OnCmdMsg(static_cast<UINT>(::GetDlgCtrlID(header->hwndFrom)) & 0xFFFF,
                     static_cast<int>(MAKELONG(header->code, WM_NOTIFY)), &notify, nullptr);
 }
 
-BOOL CWnd::ReflectLastMsg(HWND hWndChild, LRESULT* pResult)
+BOOL CWnd::OnChildNotify(UINT, WPARAM, LPARAM, LRESULT*)
 {
-    CWnd* child = FromHandlePermanent(hWndChild);
-    return child != nullptr && child->SendChildNotifyLastMsg(pResult);
-}
-
-BOOL CWnd::SendChildNotifyLastMsg(LRESULT* pResult)
-{
-    const MSG message = AfxGetThreadState()->m_lastSentMsg;
-    return OnChildNotify(message.message, message.wParam, message.lParam, pResult);
-}
-
-BOOL CWnd::OnChildNotify(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* pResult)
-{
-    return ReflectChildNotify(message, wParam, lParam, pResult);
-}
-
-BOOL CWnd::ReflectChildNotify(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* pResult)
-{
-    switch (message)
-    {
-    case WM_HSCROLL:
-    case WM_VSCROLL:
-    case WM_PARENTNOTIFY:
-    case WM_DRAWITEM:
-    case WM_MEASUREITEM:
-    case WM_DELETEITEM:
-    case WM_VKEYTOITEM:
-    case WM_CHARTOITEM:
-    case WM_COMPAREITEM:
-    case WM_CTLCOLORMSGBOX:
-    case WM_CTLCOLOREDIT:
-    case WM_CTLCOLORLISTBOX:
-    case WM_CTLCOLORBTN:
-    case WM_CTLCOLORDLG:
-    case WM_CTLCOLORSCROLLBAR:
-    case WM_CTLCOLORSTATIC:
-        return CWnd::OnWndMsg(WM_REFLECT_BASE + message, wParam, lParam, pResult);
-    case WM_COMMAND:
-        if (OnCmdMsg(0, static_cast<int>(MAKELONG(HIWORD(wParam), WM_COMMAND + WM_REFLECT_BASE)), nullptr,
-                     nullptr))
-        {
-            if (pResult != nullptr)
-            {
-                *pResult = 1;
-            }
-            return TRUE;
-        }
-        return FALSE;
-    case WM_NOTIFY: {
-        auto* header = reinterpret_cast<NMHDR*>(lParam);
-        LRESULT ignored = 0;
-        AFX_NOTIFY notify{pResult != nullptr ? pResult : &ignored, header};
-        return OnCmdMsg(0, static_cast<int>(MAKELONG(header->code, WM_NOTIFY + WM_REFLECT_BASE)), &notify,
-                        nullptr);
-    }
-    default:
-        return FALSE;
-    }
+    return FALSE;
 }

@@ -1,4 +1,4 @@
-// The standard controls: creation, texts, and the owner drawing of buttons by reflection.
+// The standard controls: creation, texts, and the owner drawing of buttons.
 #include "suite/mfc/afxcmn.h"
 
 IMPLEMENT_DYNAMIC(CStatic, CWnd)
@@ -38,13 +38,9 @@ void CButton::DrawItem(LPDRAWITEMSTRUCT)
 
 BOOL CButton::OnChildNotify(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* pResult)
 {
-    if (CWnd::OnChildNotify(message, wParam, lParam, pResult))
-    {
-        return TRUE;
-    }
     if (message != WM_DRAWITEM)
     {
-        return FALSE;
+        return CWnd::OnChildNotify(message, wParam, lParam, pResult);
     }
     DrawItem(reinterpret_cast<LPDRAWITEMSTRUCT>(lParam));
     return TRUE;

@@ -51,9 +51,7 @@ BOOL CFrameWnd::LoadFrame(UINT nIDResource, DWORD dwDefaultStyle, CWnd* pParentW
     CString title;
     if (title.LoadString(nIDResource))
     {
-        CString first;
-        AfxExtractSubString(first, title, 0);
-        title = first;
+        title = title.SpanExcluding("\n");
     }
     const LPCTSTR name = MAKEINTRESOURCE(nIDResource);
     const HICON icon = ::LoadIcon(AfxFindResourceHandle(name, RT_GROUP_ICON), name);

@@ -8,7 +8,6 @@ class CWnd;
 
 #define CN_COMMAND 0
 #define CN_UPDATE_COMMAND_UI (static_cast<UINT>(-1))
-#define WM_REFLECT_BASE 0xBC00
 
 struct AFX_MSGMAP;
 
@@ -54,7 +53,6 @@ public:
 
     virtual void Enable(BOOL bOn = TRUE);
     virtual void SetCheck(int nCheck = 1); // 0, 1 or 2 (indeterminate)
-    virtual void SetRadio(BOOL bOn = TRUE);
     virtual void SetText(LPCTSTR lpszText);
     // Asks the target; with bDisableIfNoHndler, what nobody handles is disabled. TRUE when it was handled.
     BOOL DoUpdate(CCmdTarget* pTarget, BOOL bDisableIfNoHndler);

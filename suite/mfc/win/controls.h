@@ -1,7 +1,7 @@
 // The standard controls. Included through afxwin.h.
 //
-// Thin: each member is the control's message of the same name. Draw and measure members of owner-drawn
-// controls are called by reflection, before the parent's handlers.
+// Thin: each member is the control's message of the same name. An owner-drawn button's DrawItem is called
+// before the parent's handlers.
 #pragma once
 
 class AFX_DLL_CLASS CStatic : public CWnd
@@ -137,10 +137,6 @@ public:
     BOOL SetEditSel(int nStartChar, int nEndChar)
     {
         return Ask<BOOL>(CB_SETEDITSEL, 0, MAKELPARAM(nStartChar, nEndChar));
-    }
-    BOOL LimitText(int nMaxChars)
-    {
-        return Ask<BOOL>(CB_LIMITTEXT, nMaxChars);
     }
     DWORD_PTR GetItemData(int nIndex) const
     {

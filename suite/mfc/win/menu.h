@@ -57,10 +57,6 @@ public:
     {
         return ::GetMenuState(m_hMenu, nID, nFlags);
     }
-    BOOL GetMenuItemInfo(UINT uItem, LPMENUITEMINFO lpMenuItemInfo, BOOL fByPos = FALSE)
-    {
-        return ::GetMenuItemInfo(m_hMenu, uItem, fByPos, lpMenuItemInfo);
-    }
     // The whole text, of any length; answers its length.
     int GetMenuString(UINT nIDItem, CString& rString, UINT nFlags) const;
     CMenu* GetSubMenu(int nPos) const

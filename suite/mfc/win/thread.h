@@ -36,7 +36,6 @@ public:
     virtual BOOL OnIdle(LONG lCount);
     virtual BOOL IsIdleMessage(MSG* pMsg);
     virtual int ExitInstance(); // the exit code
-    virtual BOOL ProcessMessageFilter(int code, LPMSG lpMsg);
     // What a message handler threw. Anything thrown that is not a CException comes as one that carries its
     // text. The default reports it; the answer becomes the message's result. The caller deletes e.
     virtual LRESULT ProcessWndProcException(CException* e, const MSG* pMsg);
@@ -44,8 +43,6 @@ public:
     virtual void Delete();
 
 protected:
-    // Calls the ON_THREAD_MESSAGE handler of a message without a window; TRUE when there was one.
-    BOOL DispatchThreadMessageEx(MSG* pMsg);
     DECLARE_MESSAGE_MAP()
 
 private:

@@ -142,9 +142,6 @@ public:
     // PreTranslateMessage of hWnd's object and of its parents up to hWndStop.
     static BOOL WalkPreTranslateTree(HWND hWndStop, MSG* pMsg);
     BOOL PreTranslateInput(LPMSG lpMsg);
-    // Lets the control that sent the last notification handle it first.
-    static BOOL ReflectLastMsg(HWND hWndChild, LRESULT* pResult = nullptr);
-    BOOL SendChildNotifyLastMsg(LRESULT* pResult = nullptr);
     // Called when the window itself is gone; the place for `delete this`.
     virtual void PostNcDestroy();
     // Passes the message being handled to the window procedure that was there before.
@@ -158,29 +155,25 @@ protected:
     virtual LRESULT DefWindowProc(UINT message, WPARAM wParam, LPARAM lParam);
     virtual BOOL OnCommand(WPARAM wParam, LPARAM lParam);
     virtual BOOL OnNotify(WPARAM wParam, LPARAM lParam, LRESULT* pResult);
+    // A message about the control itself that its parent was sent: WM_DRAWITEM. FALSE: the parent handles it.
     virtual BOOL OnChildNotify(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* pResult);
-    BOOL ReflectChildNotify(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* pResult);
     virtual void DoDataExchange(CDataExchange* pDX);
     virtual WNDPROC* GetSuperWndProcAddr();
     // Makes the window of a dialog template, modeless; used by CDialog.
     BOOL CreateDlgIndirect(LPCDLGTEMPLATE lpDialogTemplate, CWnd* pParentWnd, HINSTANCE hInst);
 
-    // The default of every ON_WM_ handler: Default(), after letting the control itself answer where messages
-    // are reflected.
+    // The default of every ON_WM_ handler: Default(), after letting an owner-drawn control draw itself.
     afx_msg void OnActivate(UINT nState, CWnd* pWndOther, BOOL bMinimized);
     afx_msg int OnCreate(LPCREATESTRUCT lpCreateStruct);
-    afx_msg HBRUSH OnCtlColor(CDC* pDC, CWnd* pWnd, UINT nCtlColor);
     afx_msg void OnDestroy();
     afx_msg void OnDrawItem(int nIDCtl, LPDRAWITEMSTRUCT lpDrawItemStruct);
     afx_msg BOOL OnEraseBkgnd(CDC* pDC);
     afx_msg void OnGetMinMaxInfo(MINMAXINFO* lpMMI);
     afx_msg void OnKillFocus(CWnd* pNewWnd);
-    afx_msg void OnMeasureItem(int nIDCtl, LPMEASUREITEMSTRUCT lpMeasureItemStruct);
     afx_msg void OnMouseLeave();
     afx_msg void OnMouseMove(UINT nFlags, CPoint point);
     afx_msg void OnNcDestroy();
     afx_msg LRESULT OnNcHitTest(CPoint point);
-    afx_msg void OnParentNotify(UINT message, LPARAM lParam);
     afx_msg void OnSetFocus(CWnd* pOldWnd);
     afx_msg void OnSize(UINT nType, int cx, int cy);
     afx_msg void OnSysColorChange();
