@@ -190,7 +190,7 @@ TEST_F(Exchange, ReplacesOnlyWhatIsOlderThanTheRecord)
     for (const auto& [year, exists] : {std::pair(2019, "0"), std::pair(2020, "1")})
     {
         m_practice.WriteFile("working\\B100.I2A", "changed");
-        const std::chrono::sys_days june(std::chrono::year(year) / 6 / 1);
+        const std::chrono::sys_seconds june(std::chrono::sys_days(std::chrono::year(year) / 6 / 1));
         std::filesystem::last_write_time(m_practice.Path("working\\B100.I2A"),
                                          std::chrono::file_clock::from_sys(june));
         EXPECT_EQ(Download({Merged}), IDOK);

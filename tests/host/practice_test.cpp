@@ -111,7 +111,8 @@ TEST_F(HostPractice, TheSamplePracticeIsCompleteAndItsFilesAreThere)
                     if (timepoint.HasImage(group, type))
                     {
                         const CString file = velGetDataPath() + timepoint.GetImageFilename(group, type);
-                        EXPECT_TRUE(picLoadThumbnail(file, 64, 48, 0) != nullptr) << file.GetString();
+                        EXPECT_TRUE(picLoadThumbnail(file.GetString(), 64, 48, 0) != nullptr)
+                            << file.GetString();
                         ++images;
                     }
     }

@@ -70,7 +70,7 @@ TEST_F(DiagnosticsImport, FiveEntriesOneUnknownGiveFourRecordsInBothFormats)
     {
         EXPECT_TRUE(ImportPatientDiagnostics(Write(nFormat, 5).c_str(), m_strGUID));
         EXPECT_EQ(Records(), expected) << "format " << nFormat;
-        EXPECT_GT(dbCPatientDiagnostics(m_strGUID, 0, "Clinical")[0].dateTime, before);
+        EXPECT_LT(before, dbCPatientDiagnostics(m_strGUID, 0, "Clinical")[0].dateTime);
         Sql("DELETE FROM diagnostics");
     }
 }
