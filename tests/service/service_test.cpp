@@ -348,7 +348,7 @@ TEST_F(ServiceTest, TellsMessagesAndSlowsGuessers)
     std::ostringstream text;
     first.print(text, "", pugi::format_raw);
     EXPECT_EQ(text.str(), R"(<message link="example.org/renew" linkname="More" action="stop">)"
-                          "Renew &lt;soon> &amp; pay</message>");
+                          "Renew &lt;soon&gt; &amp; pay</message>");
     EXPECT_EQ(document.select_nodes("//message").size(), 2U);
     EXPECT_THAT(User(service, "bert").Command("cmd=displaymessage").body, Not(HasSubstr("Renew")));
     EXPECT_EQ(service.Administer("messages"),
