@@ -4,7 +4,7 @@
 
 namespace
 {
-void Put(std::string& to, std::uint32_t value, int bytes)
+void Put(std::string& to, std::uint64_t value, int bytes)
 {
     for (int i = 0; i < bytes; ++i)
         to += static_cast<char>(value >> (8 * i));
@@ -70,8 +70,24 @@ std::string RawZip::Build() const
         directory += entry.name + entry.extra + entry.comment;
     }
     const auto directoryAt = static_cast<std::uint32_t>(bytes.size());
-    bytes += directory + "PK\x05\x06";
+    bytes += directory;
     const auto entryCount = count.value_or(static_cast<std::uint16_t>(entries.size()));
+    if (has64BitEnd)
+    {
+        const std::size_t endAt = bytes.size();
+        bytes += "PK\x06\x06";
+        Put(bytes, 44, 8); // bytes that follow
+        Put(bytes, 45 | 45 << 16, 4);
+        Put(bytes, 0, 8); // disks
+        for (const std::uint64_t value : {std::uint64_t{entryCount}, std::uint64_t{entryCount},
+                                          std::uint64_t{directory.size()}, std::uint64_t{directoryAt}})
+            Put(bytes, value, 8);
+        bytes += "PK\x06\x07";
+        Put(bytes, 0, 4); // disk
+        Put(bytes, endAt, 8);
+        Put(bytes, 1, 4); // number of disks
+    }
+    bytes += "PK\x05\x06";
     Put(bytes, 0, 4);
     Put(bytes, entryCount, 2);
     Put(bytes, entryCount, 2);

@@ -29,6 +29,7 @@ struct RawZip
     std::string comment;
     std::string trailing; // behind the end record
     std::optional<std::uint16_t> count = {};
+    bool has64BitEnd = false; // for a zip without prefix
 
     std::string Build() const;
 };

@@ -335,7 +335,7 @@ TEST_F(ArchiveDialogTest, TellsOfALockThatItCannotGiveBackAndGivesItBackWithTheN
     EXPECT_FALSE(m_patients.Unlock("A1"));
 }
 
-TEST_F(ArchiveDialogTest, RefusesAnIDThatIsADeviceAHeldRecordAndTheWorkingFolder)
+TEST_F(ArchiveDialogTest, RefusesADevicesNameAHeldRecordTooMuchAndTheWorkingFolder)
 {
     StorePatient("A1");
     SaveSeveral({"A1", "AUX"}, IDNO, [&](DialogScript& script) {
@@ -353,6 +353,18 @@ TEST_F(ArchiveDialogTest, RefusesAnIDThatIsADeviceAHeldRecordAndTheWorkingFolder
                          "\" cannot be written.  Another program on this computer may be archiving a patient "
                          "with this ID.");
     ::CloseHandle(hHeld);
+
+    std::filesystem::resize_file(m_practice.Path("working1\\A100.I2A"), 0x1'0000'0000);
+    SaveWith(
+        "A1",
+        [](DialogScript& script) {
+            script.AnswerBox(
+                "The files of this patient are too large for this archive format.  Please save to a "
+                ".kaz archive.",
+                IDOK);
+        },
+        1);
+    EXPECT_THAT(FilesIn("archive"), IsEmpty());
 
     // The archives' folder by another path, which a comparison of names would not see through.
     const auto toUnix = reinterpret_cast<char*(CDECL*)(const WCHAR*)>(reinterpret_cast<void*>(

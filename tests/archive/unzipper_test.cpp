@@ -115,7 +115,12 @@ TEST_P(ArchiveUnzipper, EmptyZipsAndThoseOfOtherProgramsLoad)
     EXPECT_FALSE(unzipper.GlobalComment(comment, 0));
 
     zip.entries = {{"a/b.pf", "text", 8}, {"c.pf", "contents"}};
-    EXPECT_TRUE(Load(zip.Build()));
+    for (const bool has64BitEnd : {true, false})
+    {
+        zip.has64BitEnd = has64BitEnd;
+        EXPECT_TRUE(Load(zip.Build()));
+        EXPECT_EQ(Tree().size(), 2u);
+    }
     zip.prefix = std::string(1000, 'x'); // behind a self-extracting program
     EXPECT_TRUE(Load(zip.Build()));
     zip.trailing = std::string(500, '\0'); // padded by a medium
@@ -174,6 +179,10 @@ TEST_P(ArchiveUnzipper, HostileAndDamagedZipsAreRefused)
         {"bomb of 1.75 GiB", with([](RawZip& zip) { zip.entries[0].size = 0x70000000; })},
         {"folder with contents", with([](RawZip& zip) { zip.entries[1].attributes = 0x10; })},
         {"too few counted", with([](RawZip& zip) { zip.count = 2; })},
+        {"too many counted in 64 bits", with([](RawZip& zip) {
+             zip.count = 4;
+             zip.has64BitEnd = true;
+         })},
         {"too many counted", with([](RawZip& zip) { zip.count = 4; })},
         {"signature in the comment", with([](RawZip& zip) { zip.comment = "PK\x05\x06"; })},
     };

@@ -42,7 +42,7 @@ public:
     }
     std::uint64_t ExpectedCapacity() override
     {
-        return m_capacity;
+        return m_bTellsCapacity ? m_capacity : 0;
     }
     VolumeStatus OpenForWriting(int number, std::unique_ptr<arc::File>& volume,
                                 std::uint64_t& capacity) override
@@ -51,6 +51,8 @@ public:
         capacity = m_capacity;
         return status;
     }
+
+    bool m_bTellsCapacity = true; // before a volume is opened
 
 private:
     std::uint64_t m_capacity;
@@ -211,6 +213,12 @@ TEST_F(ArchiveVolumes, FillsTheLastOf255Volumes)
     EXPECT_TRUE(files.Exists("C:\\arc\\AB.012") && files.Exists("C:\\arc\\AB.255"));
     ASSERT_EQ(Read("AB"), VolumeStatus::Done);
     ExpectAllRead();
+
+    files.Put("C:\\w\\AB.PF", std::string(++set[0].size, 'x'));
+    files.Clear("C:\\arc");
+    Volumes volumes(files, "AB", 100);
+    volumes.m_bTellsCapacity = false;
+    EXPECT_EQ(arc::WriteVolumeStream(files, "C:\\w", set, Saved, volumes), VolumeStatus::TooManyVolumes);
 }
 
 // A fault at every call in turn: never success, and whatever is left is not read as a whole patient.
