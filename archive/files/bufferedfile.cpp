@@ -8,7 +8,7 @@ namespace arc
 namespace
 {
 constexpr std::size_t SmallestRead = 4096;
-constexpr std::size_t LargeCall = 32 * 1024;              // from here on the window only costs a copy
+constexpr std::size_t LargeCall = std::size_t{32} * 1024; // from here on the window only costs a copy
 constexpr std::size_t LargestCall = std::size_t{1} << 30; // what every system takes at once
 } // namespace
 
