@@ -42,10 +42,11 @@ TEST(CloudCommands, LoginIsJudgedByStatusThenReply)
 TEST(CloudTimes, AreReadByTheirFieldsAndTheCalendar)
 {
     EXPECT_EQ(ParseServiceDate("2009-03-05T01:02:03"), (ServiceTime{2009, 3, 5}));
+    EXPECT_EQ(ParseServiceDate("0100-01-01"), (ServiceTime{100, 1, 1}));
     EXPECT_EQ(ParseServiceTime("2012-02-29T14:07"), (ServiceTime{2012, 2, 29, 14, 7, 0}));
     EXPECT_EQ(ParseServiceTime("2012-02-29T14:07:09.500"), (ServiceTime{2012, 2, 29, 14, 7, 9}));
     for (const char* broken : {"", "2009", "2009-03", "2009-13-01", "2009-00-01", "2009-02-29", "2009-02-00",
-                               "-009-01-01", "0-1-1", "03/05/2009", "x2009-03-05"})
+                               "-009-01-01", "0099-12-31", "03/05/2009", "x2009-03-05"})
         EXPECT_FALSE(ParseServiceDate(broken)) << broken;
     for (const char* broken : {"2009-03-05", "2009-03-05 14:07", "2009-03-05T14", "2009-03-05T24:00",
                                "2009-03-05T23:60", "2009-03-05T23:59:60", "2009-03-05T-1:00"})
