@@ -24,9 +24,6 @@ bool ReplyBody::Append(std::string_view piece)
 
 std::string ReplyBody::Take()
 {
-    // The last line may do without the LF.
-    m_carriageReturn = false;
-    m_received = 0;
-    return std::exchange(m_text, {});
+    return std::move(m_text); // the last line may do without the LF
 }
 } // namespace cloud

@@ -20,7 +20,7 @@ public:
     {
         return m_received;
     }
-    /// The joined lines; the body is empty afterwards.
+    /// The joined lines, once the whole reply is there. The object has no further use.
     std::string Take();
 
 private:

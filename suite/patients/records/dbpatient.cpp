@@ -45,7 +45,7 @@ dbCPatient& dbCPatient::operator=(const dbCPatient& other)
     return *this;
 }
 
-// NOLINTNEXTLINE(performance-noexcept-move-constructor): it copies the fields, which may find no memory
+// NOLINTNEXTLINE(performance-noexcept-move-constructor): see the declaration
 dbCPatient& dbCPatient::operator=(dbCPatient&& other)
 {
     if (this == &other)
