@@ -46,6 +46,7 @@ TEST(NameRules, CutsBetweenCharacters)
         {"ab\x81z", "ab"},
         {"a\x81zb", "a\x81z"},
         {"ab\x81", "ab\x81"}, // half a character of its own
+        {"\x81\x82\x83z", "\x81\x82"},
         {"", ""},
     };
     for (const auto& [text, expected] : cases)

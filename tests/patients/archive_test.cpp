@@ -89,7 +89,8 @@ TEST(PatientArchive, LoadedIntoAnEmptyPracticeEveryFieldIsEqual)
     storedDoctor["doctor.treating"] = "0"; // of another practice
     storedDoctor["doctor.type"] = "";
     EXPECT_EQ(Differences(storedDoctor, away.ImageOf(strDoctor)), std::vector<std::string>());
-    const dbCDiagnosticGroup made("Bite", "Clinical");
+    const dbCDiagnosticGroup made("Bite", "Clinical"), known("Airway", "Clinical");
+    EXPECT_EQ(known.GetItemCount(), 1);
     ASSERT_EQ(made.GetItemCount(), 1);
     EXPECT_EQ(made.GetItem(0).GetItemCode() + made.GetItem(0).GetTitle(), "OB1OB1");
 }

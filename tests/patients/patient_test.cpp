@@ -50,7 +50,7 @@ TEST_F(Patient, EveryFieldComesBackFromTheFile)
     EXPECT_EQ(byID.GetReferrals()[0].Get_docLastname() + byID.GetReferrals()[0].Get_docFirstname(),
               strText + "Tom");
     EXPECT_TRUE(byID.GetAddress(2).IsEmpty() && byID.GetAddress(-1).IsEmpty());
-    EXPECT_EQ(byID.GetTimepoints()[2].GetImageFilename(4, 0), "A102.I40");
+    EXPECT_EQ(byID.GetTimepoints()[2].GetImageFilename(3, patCImageTypes::FindType(3, 'h')), "A102.I3H");
     byID.Save();
     EXPECT_EQ(Differences(stored, database.ImageOf("A1")), std::vector<std::string>());
 }

@@ -27,7 +27,7 @@ TEST_F(Records, KeywordsOfTwoEditorsAreMerged)
 
     ASSERT_TRUE(first.Load(dbKeywordsPatient));
     ASSERT_TRUE(second.Load(dbKeywordsPatient));
-    EXPECT_TRUE(first.Remove("TWO"));
+    EXPECT_TRUE(first.Remove("ONE"));
     EXPECT_TRUE(first.Add("four"));
     EXPECT_TRUE(second.Add("Five"));
     EXPECT_TRUE(second.Remove("three"));
@@ -37,7 +37,7 @@ TEST_F(Records, KeywordsOfTwoEditorsAreMerged)
     second.Save();
     CKeywords merged;
     ASSERT_TRUE(merged.Load(dbKeywordsPatient));
-    EXPECT_EQ(Words(merged), (std::vector<std::string>{"one", "four", "Five", "three"}));
+    EXPECT_EQ(Words(merged), (std::vector<std::string>{"two", "four", "Five", "three"}));
     CKeywords images;
     ASSERT_TRUE(images.Load(dbKeywordsImage));
     EXPECT_EQ(images.GetCount(), 0);
@@ -308,6 +308,9 @@ TEST_F(Records, AnInsuranceCompanyWithPoliciesStays)
 {
     dbCInsuranceCompany company;
     company.SetName("Sound Cover");
+    company.SetPhone("555-0102");
+    company.SetNote("calls back");
+    company.SetAddress(FullPatient("A1").GetAddress(1));
     company.Save();
     dbCPatient patient = NewPatient("A1");
     dbCInsurance first, second;
@@ -320,6 +323,15 @@ TEST_F(Records, AnInsuranceCompanyWithPoliciesStays)
     patient.Save();
     dbCInsuranceCompanies companies;
     companies.Load();
+    const auto stored = [&] {
+        return database.Execute(
+            "SELECT name || '|' || phone || '|' || note || '|' || type || '|' || company || '|'"
+            " || street || '|' || city || '|' || state || '|' || postalCode || '|' || country"
+            " FROM insuranceCompanies");
+    };
+    const auto before = stored();
+    companies[0].Save();
+    EXPECT_EQ(stored(), before) << "loaded as it was stored";
     EXPECT_EQ(ErrorOf([&] { companies.Delete(company.GetCompanyGUID()); }), dbErrInUse);
     EXPECT_EQ(dbCInsuranceCompanies::FindOrAdd(" sound COVER"), company.GetCompanyGUID());
     EXPECT_EQ(dbCInsuranceCompanies::FindOrAdd("\xC4rzte"), dbCInsuranceCompanies::FindOrAdd("\xE4RZTE "));
