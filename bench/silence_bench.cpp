@@ -177,7 +177,7 @@ TEST_F(SilenceBench, SaveLoadMerge)
     Measure("save", ARCHIVE_OP_SAVE, {"A1"});
     if (const char* const pszArchive = std::getenv("BENCH_ARCHIVE"))
         std::filesystem::copy_file(Archive("A1"), pszArchive);
-    UseSecondPractice();
+    UsePractice(2);
     TimeLoad(); // first: some file systems are slow to create files for minutes after many were removed
     m_patients.DeletePatient("A1");
     observe();

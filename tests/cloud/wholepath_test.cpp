@@ -108,14 +108,14 @@ protected:
     {
         veltest::EndTransferProgram();
         rasko::StoreCredentials(m_service.Host(), {"anna", "first secret"});
-        UseFirstPractice();
-        m_practice.Set("Environment", "DATABASE", m_practice.Path("patients.db"));
+        UsePractice(1);
+        m_practice.Set("Environment", "DATABASE", m_practice.Path("patients1.db"));
     }
     void UseSecond()
     {
         veltest::EndTransferProgram();
         rasko::StoreCredentials(m_service.Host(), {"bert", "second secret"});
-        UseSecondPractice();
+        UsePractice(2);
         m_practice.Set("Environment", "DATABASE", m_practice.Path("patients2.db"));
     }
     /// Where the user would set the program up: everything but the credentials.
@@ -234,7 +234,7 @@ protected:
     __int64 Queue(const CString& strComputer = dbGetComputerName()) const
     {
         dbSRaskoTask task;
-        m_practice.WriteFile("working\\A107.I0A", "abc");
+        m_practice.WriteFile("working1\\A107.I0A", "abc");
         task.nType = dbSRaskoTask::UPLOAD;
         task.strPatientGUID = Guid;
         task.strData = "<patient patientid=\"A1\" id=\"" + CString(Guid) +
@@ -347,8 +347,8 @@ TEST_F(WholePath, APatientArrivesAsItLeft)
     added.SetImage(2, 0);
     patient.GetTimepoints().Add(&patient, added, FALSE, FALSE);
     patient.Save();
-    m_practice.WriteFile("working\\A105.I2A", "new");
-    m_practice.WriteFile("working\\A101.I2A", "retouched");
+    m_practice.WriteFile("working1\\A105.I2A", "new");
+    m_practice.WriteFile("working1\\A101.I2A", "retouched");
     Upload("A1");
     AwaitTransfer();
     const std::string sentAgain = veltest::CarriedFields(Stored("A1"));
@@ -439,7 +439,7 @@ TEST_F(WholePath, TransfersSayWhyAndGoOnWhenTheyAreWoken)
 TEST_F(WholePath, KillsLoseNothing)
 {
     StorePatient("K1", 3, 2'000'000);
-    m_practice.WriteFile("working\\K100.V2A", "");
+    m_practice.WriteFile("working1\\K100.V2A", "");
     const auto sent = veltest::CarriedFiles("K1");
     for (const std::string kind : {"Uncropped", "Other", "3D"})
         for (const char* way : {"Upload", "Download"})
