@@ -263,11 +263,11 @@ std::vector<std::string> ArchiveDialogTest::NewEvents()
     return texts;
 }
 
-std::string Describe(dbCPatient patient)
+std::string Describe(dbCPatient patient, int nFormat)
 {
     CMemFile file;
     CArchive archive(&file, CArchive::store);
-    patient.Serialize(archive);
+    patient.Serialize(archive, nFormat);
     archive.Close();
     return {reinterpret_cast<const char*>(file.GetBufferPtr()), static_cast<std::size_t>(file.GetLength())};
 }

@@ -102,7 +102,7 @@ private:
 };
 
 // All that is recorded of a patient, byte by byte.
-std::string Describe(dbCPatient patient);
+std::string Describe(dbCPatient patient, int nFormat = 1);
 
 // Stands for contents in comparisons.
 std::string Sum(const std::string& bytes);

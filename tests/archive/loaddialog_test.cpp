@@ -96,8 +96,12 @@ TEST_F(ArchiveDialogTest, LoadsAndSavesInTheOtherFormats)
 
 TEST_F(ArchiveDialogTest, RefusesWhatIsNoPatientAndLeavesThePracticeAlone)
 {
+    // A record whose timepoint has another patient's files; of the format without a checksum.
+    std::string record = Describe(StorePatient("C1"), 2);
+    record.replace(record.find("C101"), 4, "D101");
     UsePractice(2);
-    RawZip foreign, contradiction;
+    RawZip foreign, contradiction, unsound;
+    unsound.entries = {{"C1.PF", HeaderOf("C1")}, {"C1.ACV", record}};
     foreign.entries = {{"C1.PF", HeaderOf("..\\C1")}};
     contradiction.entries = {{"C1.PF", HeaderOf("C1")}, {"D1.PF", HeaderOf("D1")}};
     struct Case
@@ -111,6 +115,7 @@ TEST_F(ArchiveDialogTest, RefusesWhatIsNoPatientAndLeavesThePracticeAlone)
         {"empty.kaz", RawZip().Build(), {NoHeader, LoadFailed}},
         {"foreign.kaz", foreign.Build(), {NoHeader, LoadFailed}},
         {"two.kaz", contradiction.Build(), {NoHeader, LoadFailed}},
+        {"unsound.kaz", unsound.Build(), {NoHeader, LoadFailed}},
         {"text.kar", "no header", {openError, LoadFailed}},
         {"gone.kar", HeaderOf("C1"), {openError, LoadFailed}},
         {"text.PF", "no header", {openError, LoadFailed}},
