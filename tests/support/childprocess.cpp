@@ -66,9 +66,17 @@ PROCESS_INFORMATION StartThisProgram(std::string commandLine, const char* deskto
     startup.hStdOutput = GetStdHandle(STD_OUTPUT_HANDLE);
     startup.hStdError = GetStdHandle(STD_ERROR_HANDLE);
     PROCESS_INFORMATION process = {};
-    if (!CreateProcessA(path.data(), commandLine.data(), nullptr, nullptr, TRUE, flags, nullptr, nullptr,
-                        &startup, &process))
-        throw std::runtime_error("this program could not be started again");
+    // A busy machine's Wine refuses once in some thousand times.
+    for (int nLeft = 5; !CreateProcessA(path.data(), commandLine.data(), nullptr, nullptr, TRUE, flags,
+                                        nullptr, nullptr, &startup, &process);
+         --nLeft)
+    {
+        const DWORD dwError = GetLastError();
+        if (nLeft == 0)
+            throw std::runtime_error("this program could not be started again: error " +
+                                     std::to_string(dwError));
+        Sleep(200);
+    }
     return process;
 }
 
