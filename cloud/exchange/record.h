@@ -21,6 +21,7 @@ struct RecordImage
     std::string signature;
     std::string title;
     std::string note;
+    std::string type;
     std::string guid;
     std::string viewFile; ///< the companion: the image before it was cropped
     std::string viewSignature;

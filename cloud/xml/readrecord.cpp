@@ -23,13 +23,10 @@ constexpr velTAttribute<std::string RecordFile::*> FileAttributes[] = {
 };
 
 constexpr velTAttribute<std::string RecordImage::*> ImageAttributes[] = {
-    {L"file", &RecordImage::file},
-    {L"signature", &RecordImage::signature},
-    {L"title", &RecordImage::title},
-    {L"note", &RecordImage::note},
-    {L"imageGUID", &RecordImage::guid},
-    {L"vfile", &RecordImage::viewFile},
-    {L"vsignature", &RecordImage::viewSignature},
+    {L"file", &RecordImage::file},      {L"signature", &RecordImage::signature},
+    {L"title", &RecordImage::title},    {L"note", &RecordImage::note},
+    {L"imageType", &RecordImage::type}, {L"imageGUID", &RecordImage::guid},
+    {L"vfile", &RecordImage::viewFile}, {L"vsignature", &RecordImage::viewSignature},
 };
 
 constexpr velTAttribute<std::string RecordTimepoint::*> TimepointAttributes[] = {
